@@ -1,0 +1,33 @@
+# quillet_add_test(name SOURCES ... LIBRARIES ... [THREADED])
+#
+# One GoogleTest program per subsystem. Natively every test case is a CTest entry of its own, so that a
+# failure is named in the summary. Under Wine, where a process start costs more than most cases, the
+# program is one entry; it prints its own list. THREADED marks the cases that ThreadSanitizer runs.
+if(WIN32)
+  # Debian ships GoogleTest's sources; there is no package of it built for mingw-w64.
+  set(gtest_force_shared_crt OFF)
+  set(INSTALL_GTEST OFF)
+  add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+  add_library(GTest::gmock ALIAS gmock)
+  add_library(GTest::gtest ALIAS gtest)
+else()
+  find_package(GTest REQUIRED)
+endif()
+include(GoogleTest)
+
+function(quillet_add_test name)
+  cmake_parse_arguments(arg "THREADED" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest Quillet::warnings)
+  if(arg_THREADED)
+    set(label threaded)
+  else()
+    set(label single)
+  endif()
+  if(WIN32)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES LABELS ${label})
+  else()
+    gtest_discover_tests(${name} TEST_PREFIX ${name}: PROPERTIES LABELS ${label} DISCOVERY_TIMEOUT 60)
+  endif()
+endfunction()

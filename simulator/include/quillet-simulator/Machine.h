@@ -1,0 +1,79 @@
+// A simulated machine: the provider's classes and instances, what its methods do, its journal and faults.
+#pragma once
+
+#include <quillet-simulator/Faults.h>
+#include <quillet-simulator/Journal.h>
+#include <quillet-simulator/Mof.h>
+
+#include <chrono>
+
+namespace quillet::simulator {
+
+/// Where a machine's text comes from and how it behaves.
+struct MachineOptions {
+    std::wstring serverName; ///< the name in object paths; empty: this computer's (GetComputerNameW)
+    std::wstring namespaceName = L"ROOT\\MarloLUM2";
+    /// A change outside an open client set is refused (WBEM_E_ACCESS_DENIED) instead of only noted.
+    bool strict = false;
+};
+
+class Machine {
+  public:
+    /// The provider's schema with no instance but the network service.
+    static std::shared_ptr<Machine> Empty(MachineOptions options = {});
+    /// The schema and the machine that ships with the simulator.
+    static std::shared_ptr<Machine> BuiltIn(MachineOptions options = {});
+    /// The schema and a machine from MOF. Throws MofError.
+    static std::shared_ptr<Machine> FromText(std::string_view mof, const std::string& fileName,
+                                             MachineOptions options = {});
+    static std::shared_ptr<Machine> FromFile(const std::filesystem::path& file, MachineOptions options = {});
+    ~Machine();
+    Machine(const Machine&) = delete;
+    Machine& operator=(const Machine&) = delete;
+
+    Repository& Store() noexcept;
+    Journal& Calls() noexcept;
+    Faults& Rules() noexcept;
+
+    /// Simulated time since the machine was made; it stands still until it is advanced, unless it follows
+    /// the real clock.
+    std::chrono::milliseconds Now() const;
+    void Advance(std::chrono::milliseconds time);
+    void FollowRealTime(bool follow);
+
+    /// The client set that is open now; 0 when none is.
+    LONG OpenClientSet() const;
+    /// The follow-up action that the next "Apply" will report, and clears.
+    void RequireFollowup(LONG action);
+
+    /// Writes the instances as MOF that FromFile reads back.
+    std::string Save() const;
+
+    /// COM objects of this simulator that are alive in the process, of all machines.
+    static long LiveObjects() noexcept;
+
+  private:
+    friend class Dispatcher;
+    struct State;
+    explicit Machine(MachineOptions options);
+    std::unique_ptr<State> m_state;
+};
+
+/// Puts a machine behind CLSID_WbemLocator (and CLSID_WbemContext) for this process while it lives.
+/// COM looks class objects up by apartment on some hosts: make one on every thread that connects.
+/// COM must have been initialised on the thread.
+class Registration {
+  public:
+    explicit Registration(std::shared_ptr<Machine> machine);
+    ~Registration();
+    Registration(const Registration&) = delete;
+    Registration& operator=(const Registration&) = delete;
+    HRESULT Result() const noexcept { return m_result; }
+
+  private:
+    HRESULT m_result = E_FAIL;
+    DWORD m_locator = 0;
+    DWORD m_context = 0;
+};
+
+} // namespace quillet::simulator

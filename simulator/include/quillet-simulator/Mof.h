@@ -1,0 +1,36 @@
+// MOF, the text form of CIM classes and instances: compiling it and writing it back.
+#pragma once
+
+#include <quillet-simulator/Repository.h>
+
+#include <filesystem>
+#include <stdexcept>
+
+namespace quillet::simulator {
+
+/// A MOF text that does not compile: file, line and column (both from 1), and what is wrong.
+class MofError : public std::runtime_error {
+  public:
+    MofError(std::string file, std::size_t line, std::size_t column, const std::string& message);
+    const std::string& File() const noexcept { return m_file; }
+    std::size_t Line() const noexcept { return m_line; }
+    std::size_t Column() const noexcept { return m_column; }
+
+  private:
+    std::string m_file;
+    std::size_t m_line;
+    std::size_t m_column;
+};
+
+/// Compiles MOF (UTF-8) into a repository. Throws MofError; what stood before the error is kept.
+void CompileMof(Repository& repository, std::string_view text, const std::string& fileName);
+/// The same for a file; `#pragma include` is resolved beside it.
+void CompileMofFile(Repository& repository, const std::filesystem::path& file);
+
+/// Writes the instances of a repository as MOF that compiles into the same instances (UTF-8).
+std::string WriteInstancesAsMof(const Repository& repository);
+/// The MOF text of one instance or class, for GetObjectText.
+std::wstring ObjectText(const Instance& instance);
+std::wstring ObjectText(const ClassDefinition& definition);
+
+} // namespace quillet::simulator

@@ -1,0 +1,33 @@
+// WMI object paths: \\server\namespace:Class.Key="value",Other=5 and their shorter forms.
+#pragma once
+
+#include <quillet-simulator/Model.h>
+
+namespace quillet::simulator {
+
+/// A parsed object path. A path without keys names a class; "Class=@" names a singleton.
+struct ObjectPath {
+    struct Key {
+        std::wstring name; ///< empty in the form Class="value"
+        Scalar value;      ///< bool, integer or text (references are text)
+    };
+
+    std::wstring server;        ///< without backslashes; empty for a relative path
+    std::wstring namespacePath; ///< "ROOT\MarloLUM2"; empty for a relative path
+    std::wstring className;
+    std::vector<Key> keys; ///< in the order written
+    bool singleton = false;
+
+    bool IsClass() const noexcept { return keys.empty() && !singleton; }
+
+    /// Parses a path; nothing (and, if asked, the reason with its position) when it is none.
+    /// Key values may stand in either quote character; a backslash escapes inside quotes.
+    static std::optional<ObjectPath> Parse(std::wstring_view text, std::wstring* error = nullptr);
+
+    /// Class.Key="value",… with keys as they are ordered here.
+    std::wstring Relative() const;
+    /// \\server\namespace: followed by Relative().
+    std::wstring Full(std::wstring_view serverName, std::wstring_view namespaceName) const;
+};
+
+} // namespace quillet::simulator
