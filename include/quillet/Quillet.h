@@ -116,15 +116,16 @@ class QUILLET_API CQuillet {
     // Typed property access. A property without a value sets isNull and leaves the value untouched.
     static HRESULT GetPropertyAsBool(IWbemClassObject* instance, const wchar_t* name, bool& value,
                                      bool& isNull);
-    static HRESULT GetPropertyAsInt(IWbemClassObject* instance, const wchar_t* name, int& value, bool& isNull);
+    static HRESULT GetPropertyAsInt(IWbemClassObject* instance, const wchar_t* name, int& value,
+                                    bool& isNull);
     static HRESULT GetPropertyAsLong(IWbemClassObject* instance, const wchar_t* name, LONG& value,
                                      bool& isNull);
     static HRESULT GetPropertyAsUINT64(IWbemClassObject* instance, const wchar_t* name, ULONGLONG& value,
                                        bool& isNull);
     static HRESULT GetPropertyAsString(IWbemClassObject* instance, const wchar_t* name, _bstr_t& value,
                                        bool& isNull);
-    static HRESULT GetPropertyArray(IWbemClassObject* instance, const wchar_t* name, std::vector<LONG>& values,
-                                    int* count);
+    static HRESULT GetPropertyArray(IWbemClassObject* instance, const wchar_t* name,
+                                    std::vector<LONG>& values, int* count);
     static HRESULT GetPropertyArray(IWbemClassObject* instance, const wchar_t* name,
                                     std::vector<ATL::CComBSTR>& values, int* count);
     friend class PropertyReader;
@@ -136,6 +137,9 @@ class QUILLET_API CQuillet {
     HRESULT SetPropertyAsString(IWbemClassObject* instance, const wchar_t* name, const _bstr_t& value);
     HRESULT SetPropertyAsMultiString(IWbemClassObject* instance, const wchar_t* name,
                                      const std::vector<std::wstring>& values);
+
+    HRESULT WriteProperty(IWbemClassObject* instance, const wchar_t* name, VARIANT& value,
+                          const wchar_t* disconnected);
 
     // Switches a context to partial retrieval (mode) and back (-1).
     static HRESULT ChangeContext(IWbemContext* context, LONG mode);

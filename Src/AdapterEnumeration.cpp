@@ -1,0 +1,57 @@
+// Listing the adapters, and the two forms of an adapter's identity.
+#include <quillet/Quillet.h>
+
+#include "Lum2InstUtility.h"
+#include "PropertyReader.h"
+#include "ProviderEnum.h"
+#include "ProviderSession.h"
+#include "Trace.h"
+
+#include <memory>
+#include <new>
+
+using ATL::CComBSTR;
+using ATL::CComPtr;
+
+namespace {
+
+/// Asks for the few properties that identify an adapter: the rest costs the provider a trip to the driver.
+constexpr LONG IDENTITY_ONLY = 1;
+
+} // namespace
+
+HRESULT CQuillet::EnumerateAdapters(CAdapters& adapters) {
+    const OperationTrace trace(L"EnumerateAdapters");
+    const ProviderSession session(*this);
+    if (FAILED(session.Result())) {
+        return session.Result();
+    }
+    session.Retrieve(IDENTITY_ONLY);
+    ProviderEnum instances;
+    HRESULT result = session.Service()->CreateInstanceEnum(_bstr_t(L_CLASS_ZOREL_ETHERNETADAPTER.name), 0,
+                                                           session.Context(), &instances);
+    if (FAILED(result)) {
+        return trace.Fail(result, L"CreateInstanceEnum -> L_CLASS_ZOREL_ETHERNETADAPTER");
+    }
+    session.Retrieve(ProviderSession::Everything);
+
+    CComPtr<IWbemClassObject> instance;
+    while (instances.Next(instance)) {
+        std::unique_ptr<CAdapter> adapter(new (std::nothrow) CAdapter);
+        if (!adapter) {
+            return trace.Fail(E_FAIL, L"pAdapter == NULL");
+        }
+        PropertyReader read(instance, L"pIAdapter_Instance", PropertyReader::OnNull::Fail);
+        read.String(L_ZOREL_PATH, adapter->m_wsAdapterID)
+            .String(L_PROP_ETHERNETADAPTER_NAME, adapter->m_wsName)
+            .String(L_PROP_ETHERNETADAPTER_ORIGNAME, adapter->m_wsDisplayName)
+            .String(L_PROP_ETHERNETADAPTER_DEVICEID, adapter->m_wsDeviceID);
+        if (read.Failed()) {
+            return E_FAIL;
+        }
+        adapters.m_vecItems.push_back(adapter.get());
+        adapter.release();
+    }
+    // An enumeration that broke off is not a shorter list of adapters.
+    return FAILED(instances.Result()) ? trace.Fail(instances.Result(), L"pEnumAdapters -> Next") : S_OK;
+}

@@ -1,0 +1,74 @@
+#include "PropertyReader.h"
+
+#include "Trace.h"
+
+template <typename Value, typename Getter>
+PropertyReader& PropertyReader::Read(Getter getter, const wchar_t* accessor, const ProviderName& property,
+                                     Value& value, const wchar_t* failure) {
+    if (Failed()) {
+        return *this;
+    }
+    bool isNull = false;
+    m_result = getter(m_instance, property.name, value, isNull);
+    if (Failed()) {
+        Trace(accessor, property, failure, L"");
+    } else if (isNull && m_onNull != OnNull::Keep) {
+        Trace(accessor, property, failure, L" -> NULL");
+        if (m_onNull == OnNull::Fail) {
+            m_result = WBEM_E_FAILED;
+        }
+    }
+    return *this;
+}
+
+PropertyReader& PropertyReader::String(const ProviderName& property, std::wstring& value,
+                                       const wchar_t* failure) {
+    const auto getter = [](IWbemClassObject* instance, const wchar_t* name, std::wstring& target,
+                           bool& isNull) {
+        _bstr_t text;
+        const HRESULT result = CQuillet::GetPropertyAsString(instance, name, text, isNull);
+        // With WBEM_S_NO_MORE_DATA nothing was read; a null BSTR, however, is an empty text.
+        if (SUCCEEDED(result) && !isNull && result != WBEM_S_NO_MORE_DATA) {
+            target.assign(text.length() ? text.GetBSTR() : L"", text.length());
+        }
+        return result;
+    };
+    return Read(getter, L"GetPropertyAsString", property, value, failure);
+}
+
+PropertyReader& PropertyReader::Bool(const ProviderName& property, bool& value, const wchar_t* failure) {
+    return Read(CQuillet::GetPropertyAsBool, L"GetPropertyAsBool", property, value, failure);
+}
+
+PropertyReader& PropertyReader::Int(const ProviderName& property, int& value, const wchar_t* failure) {
+    return Read(CQuillet::GetPropertyAsInt, L"GetPropertyAsInt", property, value, failure);
+}
+
+PropertyReader& PropertyReader::Long(const ProviderName& property, LONG& value, const wchar_t* failure) {
+    return Read(CQuillet::GetPropertyAsLong, L"GetPropertyAsLong", property, value, failure);
+}
+
+PropertyReader& PropertyReader::UInt64(const ProviderName& property, ULONGLONG& value,
+                                       const wchar_t* failure) {
+    return Read(CQuillet::GetPropertyAsUINT64, L"GetPropertyAsUINT64", property, value, failure);
+}
+
+PropertyReader& PropertyReader::Plain(const ProviderName& property, VARIANT& value) {
+    if (Failed()) {
+        return *this;
+    }
+    m_result = m_instance ? m_instance->Get(property.name, 0, &value, nullptr, nullptr) : E_FAIL;
+    if (Failed()) {
+        TraceText(L"Get -> ", property.symbol);
+    }
+    return *this;
+}
+
+void PropertyReader::Trace(const wchar_t* accessor, const ProviderName& property, const wchar_t* failure,
+                           const wchar_t* ending) const {
+    if (failure) {
+        TraceText(failure, ending);
+    } else {
+        LumTrace().Print(L"%s%s -> %s, %s%s", m_prefix, accessor, m_variable, property.symbol, ending);
+    }
+}

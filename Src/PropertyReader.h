@@ -1,0 +1,59 @@
+// Reads the properties of one instance, in order, into the members of a record. After the first failure it
+// does nothing more, so that a list of reads is a list of lines.
+#pragma once
+
+#include "ProviderNames.h"
+
+#include <quillet/Quillet.h>
+
+class PropertyReader {
+  public:
+    /// What a property without a value means to the operation.
+    enum class OnNull {
+        Keep, ///< nothing: the member stays as it is
+        Note, ///< the same, with a trace line
+        Fail  ///< a failed read, with a trace line
+    };
+
+    /// @param instance what to read from; null is a failed read.
+    /// @param variable what trace lines call the instance.
+    /// @param onNull   how to take a property without a value.
+    /// @param prefix   what trace lines start with.
+    PropertyReader(IWbemClassObject* instance, const wchar_t* variable, OnNull onNull = OnNull::Keep,
+                   const wchar_t* prefix = L"")
+        : m_instance(instance), m_variable(variable), m_prefix(prefix), m_onNull(onNull) {}
+
+    /// Each reads one property; `failure` replaces the usual trace text of a failed read.
+    PropertyReader& String(const ProviderName& property, std::wstring& value,
+                           const wchar_t* failure = nullptr);
+    PropertyReader& Bool(const ProviderName& property, bool& value, const wchar_t* failure = nullptr);
+    PropertyReader& Int(const ProviderName& property, int& value, const wchar_t* failure = nullptr);
+    PropertyReader& Long(const ProviderName& property, LONG& value, const wchar_t* failure = nullptr);
+    PropertyReader& UInt64(const ProviderName& property, ULONGLONG& value, const wchar_t* failure = nullptr);
+    /// The value as it comes; trace text "Get -> <symbol>".
+    PropertyReader& Plain(const ProviderName& property, VARIANT& value);
+
+    /// Once: the next reads take a missing value this way.
+    PropertyReader& When(OnNull onNull) {
+        m_onNull = onNull;
+        return *this;
+    }
+
+    /// 0 or more while all reads went well, else the code of the one that failed
+    /// (0x80041001 for a missing value that counts as a failure).
+    HRESULT Result() const { return m_result; }
+    bool Failed() const { return FAILED(m_result); }
+
+  private:
+    template <typename Value, typename Getter>
+    PropertyReader& Read(Getter getter, const wchar_t* accessor, const ProviderName& property, Value& value,
+                         const wchar_t* failure);
+    void Trace(const wchar_t* accessor, const ProviderName& property, const wchar_t* failure,
+               const wchar_t* ending) const;
+
+    IWbemClassObject* m_instance;
+    const wchar_t* m_variable;
+    const wchar_t* m_prefix;
+    OnNull m_onNull;
+    HRESULT m_result = S_OK;
+};

@@ -1,0 +1,86 @@
+#include "ProviderMethod.h"
+
+#include "Trace.h"
+
+using ATL::CComPtr;
+
+ProviderMethod::ProviderMethod(ProviderSession& session, const ProviderName& className,
+                               const ProviderName& method, ClassFetch fetch)
+    : m_session(session), m_method(method), m_result(session.Result()) {
+    if (Failed()) {
+        return;
+    }
+    CComPtr<IWbemClassObject> classObject;
+    m_result = session.Service()->GetObject(_bstr_t(className.name), 0,
+                                            fetch == ClassFetch::WithContext ? session.Context() : nullptr,
+                                            &classObject, nullptr);
+    if (Failed()) {
+        return Fail(m_result, L"GetObject -> ", className);
+    }
+    if (!classObject) {
+        return Fail(WBEM_E_FAILED, L"GetObject -> ", className, L" -> NULL");
+    }
+    CComPtr<IWbemClassObject> outSignature;
+    m_result = classObject->GetMethod(method.name, 0, &m_inSignature, &outSignature);
+    if (Failed()) {
+        Fail(m_result, L"GetMethod -> ", method);
+    }
+}
+
+ProviderMethod& ProviderMethod::Put(const ProviderName& parameter, _variant_t value) {
+    if (Failed()) {
+        return *this;
+    }
+    if (!m_in) {
+        // Only a method that takes something has an in-signature to make the parameters from.
+        m_result = m_inSignature ? m_inSignature->SpawnInstance(0, &m_in) : WBEM_E_FAILED;
+        if (Failed() || !m_in) {
+            Fail(Failed() ? m_result : WBEM_E_FAILED, L"SpawnInstance -> ", m_method);
+            return *this;
+        }
+    }
+    m_result = m_in->Put(parameter.name, 0, &value, 0);
+    if (Failed()) {
+        Fail(m_result, L"Put -> ", parameter);
+    }
+    return *this;
+}
+
+ProviderMethod& ProviderMethod::ExecOnNetService(const wchar_t* failure) {
+    if (Failed()) {
+        return *this;
+    }
+    CComPtr<IWbemClassObject> netService;
+    netService.Attach(m_session.Quillet().GetNetService());
+    if (!netService) {
+        TraceText(L"(pZorelService == NULL)");
+        m_result = WBEM_E_FAILED;
+        return *this;
+    }
+    std::wstring path;
+    m_result =
+        PropertyReader(netService, L"pZorelService", PropertyReader::OnNull::Fail).String(L_ZOREL_PATH, path).Result();
+    return Exec(path.c_str(), L"bstrObjectPath", failure);
+}
+
+ProviderMethod& ProviderMethod::Exec(const wchar_t* path, const wchar_t* variable, const wchar_t* failure) {
+    if (Failed()) {
+        return *this;
+    }
+    CComPtr<IWbemCallResult> callResult;
+    m_result = m_session.Service()->ExecMethod(_bstr_t(path), _bstr_t(m_method.name), 0, m_session.Context(), m_in,
+                                               &m_out, &callResult);
+    if (Failed()) {
+        if (failure) {
+            TraceText(failure);
+        } else {
+            LumTrace().Print(L"ExecMethod -> %s, %s", variable, m_method.symbol);
+        }
+    }
+    return *this;
+}
+
+void ProviderMethod::Fail(HRESULT result, const wchar_t* text, const ProviderName& name, const wchar_t* ending) {
+    LumTrace().Print(L"%s%s%s", text, name.symbol, ending);
+    m_result = result;
+}

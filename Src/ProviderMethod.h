@@ -1,0 +1,46 @@
+// One call of a provider method: the class object, the method's in-signature, the parameters in their order,
+// the execution on a path, the out-parameters. After the first failure, which is traced, nothing more is done.
+#pragma once
+
+#include "PropertyReader.h"
+#include "ProviderSession.h"
+
+class ProviderMethod {
+  public:
+    /// Whether the class object is fetched with the thread's context. The methods of the network service
+    /// fetch theirs without: a class does not depend on a client set.
+    enum class ClassFetch { WithContext, WithoutContext };
+
+    /// Fetches the class object and the method's signature. A failed session fails the call, too.
+    ProviderMethod(ProviderSession& session, const ProviderName& className, const ProviderName& method,
+                   ClassFetch fetch = ClassFetch::WithContext);
+    ProviderMethod(const ProviderMethod&) = delete;
+    ProviderMethod& operator=(const ProviderMethod&) = delete;
+
+    /// Sets one in-parameter; the provider sees them in the order of these calls.
+    ProviderMethod& Put(const ProviderName& parameter, _variant_t value);
+
+    /// Executes the method on the network service's own path.
+    /// @param failure replaces the usual trace text of a failed execution.
+    ProviderMethod& ExecOnNetService(const wchar_t* failure = nullptr);
+    /// Executes the method on an object.
+    /// @param variable what trace lines call the path.
+    ProviderMethod& Exec(const wchar_t* path, const wchar_t* variable, const wchar_t* failure = nullptr);
+
+    /// 0 or more while everything went well, else the code of the step that failed.
+    HRESULT Result() const { return m_result; }
+    bool Failed() const { return FAILED(m_result); }
+
+    /// The out-parameters; null before the execution, and when the provider handed out none.
+    IWbemClassObject* Out() const { return m_out; }
+
+  private:
+    void Fail(HRESULT result, const wchar_t* text, const ProviderName& name, const wchar_t* ending = L"");
+
+    ProviderSession& m_session;
+    ProviderName m_method;
+    ATL::CComPtr<IWbemClassObject> m_inSignature;
+    ATL::CComPtr<IWbemClassObject> m_in;
+    ATL::CComPtr<IWbemClassObject> m_out;
+    HRESULT m_result = S_OK;
+};

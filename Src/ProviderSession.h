@@ -1,0 +1,28 @@
+// What an operation needs from the session: the calling thread's service and context, taken once and
+// released on every path.
+#pragma once
+
+#include <quillet/Quillet.h>
+
+class ProviderSession {
+  public:
+    /// Takes both; traces when either is missing.
+    explicit ProviderSession(CQuillet& quillet);
+    ProviderSession(const ProviderSession&) = delete;
+    ProviderSession& operator=(const ProviderSession&) = delete;
+
+    /// 0, or 0x80041001 when the service or the context is missing.
+    HRESULT Result() const { return m_service && m_context ? S_OK : WBEM_E_FAILED; }
+    IWbemServices* Service() const { return m_service; }
+    IWbemContext* Context() const { return m_context; }
+    CQuillet& Quillet() const { return m_quillet; }
+
+    /// Asks for partial data (a mode) or for everything (-1) in the calls that follow.
+    void Retrieve(LONG mode) const { CQuillet::ChangeContext(m_context, mode); }
+    static constexpr LONG Everything = -1;
+
+  private:
+    CQuillet& m_quillet;
+    ATL::CComPtr<IWbemServices> m_service;
+    ATL::CComPtr<IWbemContext> m_context;
+};

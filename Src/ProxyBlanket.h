@@ -1,0 +1,11 @@
+// The security that every service proxy needs before its first call: this client's identity, checked at
+// each call, which the provider may impersonate.
+#pragma once
+
+#include <windows.h>
+#include <wbemidl.h>
+
+inline HRESULT SetProxyBlanket(IWbemServices* service) {
+    return CoSetProxyBlanket(service, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_CALL,
+                             RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE);
+}

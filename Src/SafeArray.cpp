@@ -1,0 +1,92 @@
+#include "SafeArray.h"
+
+#include "VariantValue.h"
+
+namespace {
+
+/// Fetches one element as a VARIANT of the array's element type.
+HRESULT FetchElement(SAFEARRAY* array, LONG index, _variant_t& element) {
+    if (SafeArrayGetDim(array) != 1) {
+        return DISP_E_BADINDEX;
+    }
+    VARTYPE type = VT_EMPTY;
+    HRESULT result = SafeArrayGetVartype(array, &type);
+    if (FAILED(result)) {
+        return result;
+    }
+    if (type == VT_VARIANT) {
+        return SafeArrayGetElement(array, &index, static_cast<VARIANT*>(&element));
+    }
+    switch (type) {
+    case VT_I1:
+    case VT_UI1:
+    case VT_I2:
+    case VT_UI2:
+    case VT_BOOL:
+    case VT_I4:
+    case VT_UI4:
+    case VT_INT:
+    case VT_UINT:
+    case VT_I8:
+    case VT_UI8:
+    case VT_R4:
+    case VT_R8:
+    case VT_BSTR:
+        result = SafeArrayGetElement(array, &index, &V_UI8(&element));
+        if (SUCCEEDED(result)) {
+            element.vt = type;
+        }
+        return result;
+    default:
+        // Objects and records have no place in a list of numbers or texts.
+        return DISP_E_TYPEMISMATCH;
+    }
+}
+
+} // namespace
+
+SAFEARRAY* ArrayOf(const VARIANT& value) {
+    return (value.vt & VT_ARRAY) && !(value.vt & VT_BYREF) ? V_ARRAY(&value) : nullptr;
+}
+
+HRESULT ReadElement(SAFEARRAY* array, LONG index, LONG& element) {
+    _variant_t fetched;
+    const HRESULT result = FetchElement(array, index, fetched);
+    if (FAILED(result)) {
+        return result;
+    }
+    return ReadVariant(fetched, element) ? result : DISP_E_TYPEMISMATCH;
+}
+
+HRESULT ReadElement(SAFEARRAY* array, LONG index, ATL::CComBSTR& element) {
+    _variant_t fetched;
+    const HRESULT result = FetchElement(array, index, fetched);
+    if (FAILED(result)) {
+        return result;
+    }
+    if (fetched.vt != VT_BSTR) {
+        return DISP_E_TYPEMISMATCH;
+    }
+    element.Attach(V_BSTR(&fetched));
+    fetched.vt = VT_EMPTY;
+    return result;
+}
+
+bool MakeTextArray(const std::vector<std::wstring>& texts, _variant_t& result) {
+    result.Clear();
+    SAFEARRAY* array = SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(texts.size()));
+    if (!array) {
+        return false;
+    }
+    // Owned from here on: what follows may raise.
+    V_ARRAY(&result) = array;
+    result.vt = VT_ARRAY | VT_BSTR;
+    for (LONG index = 0; index < static_cast<LONG>(texts.size()); ++index) {
+        const std::wstring& text = texts[static_cast<std::size_t>(index)];
+        ATL::CComBSTR element(static_cast<int>(text.size()), text.c_str());
+        if (FAILED(SafeArrayPutElement(array, &index, element.m_str))) {
+            _com_issue_error(E_OUTOFMEMORY);
+        }
+    }
+    return true;
+}

@@ -1,0 +1,23 @@
+// Arrays in VARIANTs: taking one apart element by element, whatever a provider put into it, and making one.
+#pragma once
+
+#include <windows.h>
+#include <oleauto.h>
+#include <comutil.h>
+#include <atlbase.h>
+
+#include <string>
+#include <vector>
+
+/// The array that a VARIANT owns; null when it holds none.
+SAFEARRAY* ArrayOf(const VARIANT& value);
+
+/// Reads one element of a one-dimensional array into a number or a text. The element is fetched in the
+/// array's own type and then converted: an array of another type must not be copied into a LONG.
+/// DISP_E_TYPEMISMATCH when it cannot be converted, DISP_E_BADINDEX when the array has other dimensions.
+HRESULT ReadElement(SAFEARRAY* array, LONG index, LONG& element);
+HRESULT ReadElement(SAFEARRAY* array, LONG index, ATL::CComBSTR& element);
+
+/// A one-dimensional VT_ARRAY | VT_BSTR with lower bound 0. False when the array cannot be created;
+/// a text that cannot be allocated raises _com_error(E_OUTOFMEMORY).
+bool MakeTextArray(const std::vector<std::wstring>& texts, _variant_t& result);

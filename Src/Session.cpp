@@ -1,0 +1,255 @@
+// The session: connecting to the provider, keeping its interfaces in the Global Interface Table for every
+// thread of the client, and letting go of them.
+#include <quillet/Quillet.h>
+
+#include "ProviderEnum.h"
+#include "ProviderNames.h"
+#include "ProxyBlanket.h"
+#include "Registry.h"
+#include "SessionLocale.h"
+#include "Trace.h"
+#include "VariantValue.h"
+
+using ATL::CComPtr;
+
+namespace {
+
+constexpr const wchar_t* LOCAL_MACHINE = L"127.0.0.1";
+constexpr const wchar_t* NAMESPACE_ROOT = L"\\ROOT\\";
+constexpr const wchar_t* DEFAULT_NAMESPACE = L"MarloLUM2";
+
+} // namespace
+
+CQuillet::CQuillet() : CQuillet(LOCAL_MACHINE) {}
+
+CQuillet::CQuillet(std::wstring machine) : m_strMachineName(std::move(machine)) {}
+
+CQuillet::CQuillet(const CQuillet& other) = default;
+
+CQuillet& CQuillet::operator=(const CQuillet& other) = default;
+
+CQuillet::~CQuillet() {
+    TraceText(L"~CQuillet");
+}
+
+HRESULT CQuillet::InitQuillet() {
+    TraceText(L"Enter InitQuillet");
+    // A second connection must not leave the first one's entries in the table for ever.
+    if (m_dwNetService != 0) {
+        RevokeNetService();
+    }
+    if (m_dwContext != 0) {
+        RevokeWbemContext();
+    }
+    if (m_dwService != 0) {
+        RevokeWbemService();
+    }
+
+    HRESULT result = SetInitialSecurityAttribute();
+    if (FAILED(result)) {
+        return result;
+    }
+    CComPtr<IWbemLocator> locator;
+    result = CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
+                              reinterpret_cast<void**>(&locator));
+    if (FAILED(result)) {
+        TraceText(L"Failed to create IWbemLocator object.");
+        return result;
+    }
+    const _bstr_t path = _bstr_t(L"\\\\") + m_strMachineName.c_str() + GetNamespace();
+    _bstr_t locale;
+    if (const std::optional<std::wstring> chosen = ChooseConnectionLocale()) {
+        locale = chosen->c_str();
+    }
+    CComPtr<IWbemServices> service;
+    result = locator->ConnectServer(path, nullptr, nullptr, locale, 0, nullptr, nullptr, &service);
+    if (FAILED(result)) {
+        TraceText(L"Could not connect to namespace.");
+        return result;
+    }
+    result = SetProxyBlanket(service);
+    locator.Release();
+    if (FAILED(result)) {
+        TraceText(L"Could not set proxy blanket.");
+        return result;
+    }
+
+    // A service that cannot be registered is found missing by the next step.
+    MarshalWbemService(service);
+    result = CreateNetServices();
+    if (FAILED(result)) {
+        RevokeWbemService();
+        TraceText(L"Unable to create net service");
+        return result;
+    }
+    result = CreateContext();
+    if (FAILED(result)) {
+        RevokeWbemService();
+        RevokeNetService();
+        return result;
+    }
+    TraceText(L"Create Context - Exit InitQuillet");
+    service.Release();
+    TraceText(L"Exit InitQuillet");
+    return S_OK;
+}
+
+HRESULT CQuillet::UninitQuillet() {
+    TraceText(L"Enter UninitQuillet");
+    RevokeNetService();
+    RevokeWbemContext();
+    RevokeWbemService();
+    TraceText(L"Exit UninitQuillet");
+    return S_OK;
+}
+
+_bstr_t CQuillet::GetNamespace() {
+    constexpr DWORD namespaceBytes = 1024 * sizeof(wchar_t);
+    const std::optional<std::wstring> configured =
+        RegistryKey(REGISTRY_PROVIDERS).Text(L"Namespace", namespaceBytes);
+    return _bstr_t(NAMESPACE_ROOT) + (configured ? configured->c_str() : DEFAULT_NAMESPACE);
+}
+
+HRESULT CQuillet::CreateNetServices() {
+    const OperationTrace trace(L"Enter CreateNetServices", L"Exit CreateNetServices");
+    CComPtr<IWbemServices> service;
+    service.Attach(GetWbemService());
+    if (!service) {
+        return trace.Fail(WBEM_E_FAILED, L"pIWbemService == NULL");
+    }
+    ProviderEnum netServices;
+    const HRESULT result =
+        service->CreateInstanceEnum(_bstr_t(L_CLASS_ZOREL_CORESERVICE.name), 0, nullptr, &netServices);
+    if (FAILED(result)) {
+        return trace.Fail(result, L"pIWbemService->CreateInstanceEnum");
+    }
+    CComPtr<IWbemClassObject> last;
+    CComPtr<IWbemClassObject> netService;
+    while (netServices.Next(netService)) {
+        last = netService;
+    }
+    // A provider without its network service can still be asked for everything else, so neither the
+    // enumeration's end nor the registration is a reason to refuse the connection.
+    MarshalNetService(last);
+    return S_OK;
+}
+
+HRESULT CQuillet::CreateContext() {
+    CComPtr<IWbemContext> context;
+    const HRESULT result = CoCreateInstance(CLSID_WbemContext, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemContext,
+                                            reinterpret_cast<void**>(&context));
+    if (SUCCEEDED(result)) {
+        MarshalWbemContext(context);
+    }
+    return result;
+}
+
+HRESULT CQuillet::MarshalInterface(IUnknown* pointer, REFIID iid, DWORD& cookie, const wchar_t* operation) {
+    if (!m_pGIT) {
+        const HRESULT result = CoCreateInstance(CLSID_StdGlobalInterfaceTable, nullptr, CLSCTX_INPROC_SERVER,
+                                                IID_IGlobalInterfaceTable, reinterpret_cast<void**>(&m_pGIT));
+        if (FAILED(result)) {
+            LumTrace().Print(L"%s -> CoCreateInstance -> CLSID_StdGlobalInterfaceTable", operation);
+            return result;
+        }
+        if (!m_pGIT) {
+            LumTrace().Print(L"%s -> CoCreateInstance -> CLSID_StdGlobalInterfaceTable -> NULL", operation);
+            return E_FAIL;
+        }
+    }
+    return m_pGIT->RegisterInterfaceInGlobal(pointer, iid, &cookie);
+}
+
+HRESULT CQuillet::MarshalWbemService(IWbemServices* service) {
+    return MarshalInterface(service, IID_IWbemServices, m_dwService, L"MarshalWbemService");
+}
+
+HRESULT CQuillet::MarshalWbemContext(IWbemContext* context) {
+    return MarshalInterface(context, IID_IWbemContext, m_dwContext, L"MarshalWbemContext");
+}
+
+HRESULT CQuillet::MarshalNetService(IWbemClassObject* netService) {
+    return MarshalInterface(netService, IID_IWbemClassObject, m_dwNetService, L"MarshalNetService");
+}
+
+HRESULT CQuillet::RevokeInterface(DWORD& cookie, const wchar_t* failure) {
+    if (cookie == 0 || !m_pGIT) {
+        TraceText(failure);
+        return E_FAIL;
+    }
+    const HRESULT result = m_pGIT->RevokeInterfaceFromGlobal(cookie);
+    cookie = 0;
+    return result;
+}
+
+HRESULT CQuillet::RevokeWbemService() {
+    // The getter's text, on purpose: both say that there is no service.
+    return RevokeInterface(m_dwService, L"GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))");
+}
+
+HRESULT CQuillet::RevokeWbemContext() {
+    return RevokeInterface(m_dwContext, L"RevokeWbemContext -> ((0 == m_dwContext) || (m_pGIT == NULL))");
+}
+
+HRESULT CQuillet::RevokeNetService() {
+    return RevokeInterface(m_dwNetService, L"RevokeNetService -> ((0 == m_dwNetService) || (m_pGIT == NULL))");
+}
+
+IWbemServices* CQuillet::GetWbemService() {
+    if (m_dwService == 0 || !m_pGIT) {
+        TraceText(L"GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))");
+        return nullptr;
+    }
+    CComPtr<IWbemServices> service;
+    if (FAILED(m_pGIT->GetInterfaceFromGlobal(m_dwService, IID_IWbemServices, reinterpret_cast<void**>(&service))) ||
+        !service) {
+        return nullptr;
+    }
+    // Each retrieval is a proxy of its own, and a proxy starts without this client's security.
+    if (FAILED(SetProxyBlanket(service))) {
+        TraceText(L"Could not set proxy blanket.");
+        return nullptr;
+    }
+    return service.Detach();
+}
+
+IWbemContext* CQuillet::GetContext() {
+    if (m_dwContext == 0 || !m_pGIT) {
+        TraceText(L"GetContext -> ((0 == m_dwContext) || (m_pGIT == NULL))");
+        return nullptr;
+    }
+    CComPtr<IWbemContext> context;
+    if (FAILED(m_pGIT->GetInterfaceFromGlobal(m_dwContext, IID_IWbemContext, reinterpret_cast<void**>(&context))) ||
+        !context) {
+        return nullptr;
+    }
+    _variant_t clientSet = VariantOfLong(m_lClientSetId);
+    // A fixed text; there is no code behind it.
+    TraceText(L"dwErrorCode: %l");
+    context->SetValue(CONTEXT_CLIENT_SET_ID, 0, &clientSet);
+    return context.Detach();
+}
+
+IWbemClassObject* CQuillet::GetNetService() {
+    if (m_dwNetService == 0 || !m_pGIT) {
+        TraceText(L"GetNetService -> ((0 == m_dwNetService) || (m_pGIT == NULL))");
+        return nullptr;
+    }
+    CComPtr<IWbemClassObject> netService;
+    if (FAILED(m_pGIT->GetInterfaceFromGlobal(m_dwNetService, IID_IWbemClassObject,
+                                              reinterpret_cast<void**>(&netService)))) {
+        return nullptr;
+    }
+    return netService.Detach();
+}
+
+void CQuillet::AddNameSpace(const std::wstring& relativePath, std::wstring& fullPath) {
+    wchar_t computer[MAX_COMPUTERNAME_LENGTH + 1];
+    DWORD length = MAX_COMPUTERNAME_LENGTH + 1;
+    if (!GetComputerNameW(computer, &length)) {
+        TraceText(L"GetComputerName Failure!!!");
+        fullPath = L"error";
+        return;
+    }
+    fullPath = std::wstring(L"\\\\") + computer + L"\\" + L"ROOT\\MarloLUM2:" + relativePath;
+}
