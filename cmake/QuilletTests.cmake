@@ -15,12 +15,16 @@ else()
 endif()
 include(GoogleTest)
 
+# Everything that ThreadSanitizer needs, and no more.
+add_custom_target(threaded_tests)
+
 function(quillet_add_test name)
   cmake_parse_arguments(arg "THREADED" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest Quillet::warnings)
   if(arg_THREADED)
     set(label threaded)
+    add_dependencies(threaded_tests ${name})
   else()
     set(label single)
   endif()
