@@ -43,7 +43,8 @@ HRESULT CQuillet::ApplyDone(bool& followupNeeded) {
     ProviderMethod method(session, L_CLASS_ZOREL_CORESERVICE, L_METHOD_NET_APPLY_DONE,
                           ProviderMethod::ClassFetch::WithoutContext);
     method.Put(L_PARAM_NET_CLIENTSETHANDLE, VariantOfLong(m_lClientSetId))
-        .ExecOnNetService(L"ExecMethod -> bstrObjectPath L_METHOD_NET_APPLY_DONE"); // no comma, unlike its siblings
+        .ExecOnNetService(
+            L"ExecMethod -> bstrObjectPath L_METHOD_NET_APPLY_DONE"); // no comma, unlike its siblings
     if (method.Failed()) {
         return method.Result();
     }
@@ -70,7 +71,8 @@ HRESULT CQuillet::GetWarnings(ULONGLONG& warnings) {
         return method.Result();
     }
     LONG refused = 0;
-    PropertyReader read(method.Out(), L"pAdapter_OutParams", PropertyReader::OnNull::Keep, L"GetWarnings() - ");
+    PropertyReader read(method.Out(), L"pAdapter_OutParams", PropertyReader::OnNull::Keep,
+                        L"GetWarnings() - ");
     if (read.Long(L_METHOD_RETURN, refused).Failed()) {
         return read.Result();
     }

@@ -2,6 +2,7 @@
 // provider, and the switch of a context to partial retrieval.
 #include <quillet/Quillet.h>
 
+#include "ResultCodes.h"
 #include "SafeArray.h"
 #include "Trace.h"
 #include "VariantValue.h"
@@ -106,18 +107,22 @@ void SetContextValue(IWbemContext* context, const wchar_t* name, _variant_t valu
 
 } // namespace
 
-HRESULT CQuillet::GetPropertyAsBool(IWbemClassObject* instance, const wchar_t* name, bool& value, bool& isNull) {
+HRESULT CQuillet::GetPropertyAsBool(IWbemClassObject* instance, const wchar_t* name, bool& value,
+                                    bool& isNull) {
     return GetProperty(instance, name, value, isNull, L"GetPropertyAsBool -> pInstance == NULL");
 }
 
-HRESULT CQuillet::GetPropertyAsInt(IWbemClassObject* instance, const wchar_t* name, int& value, bool& isNull) {
+HRESULT CQuillet::GetPropertyAsInt(IWbemClassObject* instance, const wchar_t* name, int& value,
+                                   bool& isNull) {
     LONG number = value;
-    const HRESULT result = GetProperty(instance, name, number, isNull, L"GetPropertyAsInt -> pInstance == NULL");
+    const HRESULT result =
+        GetProperty(instance, name, number, isNull, L"GetPropertyAsInt -> pInstance == NULL");
     value = static_cast<int>(number);
     return result;
 }
 
-HRESULT CQuillet::GetPropertyAsLong(IWbemClassObject* instance, const wchar_t* name, LONG& value, bool& isNull) {
+HRESULT CQuillet::GetPropertyAsLong(IWbemClassObject* instance, const wchar_t* name, LONG& value,
+                                    bool& isNull) {
     return GetProperty(instance, name, value, isNull, L"GetPropertyAsLong -> pInstance == NULL", true);
 }
 
@@ -150,7 +155,7 @@ HRESULT CQuillet::WriteProperty(IWbemClassObject* instance, const wchar_t* name,
     context.Attach(GetContext());
     if (!service || !context) {
         TraceText(disconnected);
-        return WBEM_E_FAILED;
+        return RESULT_WBEM_FAILED;
     }
     // These two lines name the text form for every type.
     if (!instance) {
@@ -170,7 +175,7 @@ HRESULT CQuillet::WriteProperty(IWbemClassObject* instance, const wchar_t* name,
     }
     if (!callResult) {
         TraceText(L"PutInstance -> pWbemCallResult -> NULL");
-        return WBEM_E_FAILED;
+        return RESULT_WBEM_FAILED;
     }
     LONG status = WBEM_S_NO_ERROR;
     result = callResult->GetCallStatus(static_cast<LONG>(WBEM_INFINITE), &status);

@@ -1,5 +1,6 @@
 #include "PropertyReader.h"
 
+#include "ResultCodes.h"
 #include "Trace.h"
 
 template <typename Value, typename Getter>
@@ -15,7 +16,7 @@ PropertyReader& PropertyReader::Read(Getter getter, const wchar_t* accessor, con
     } else if (isNull && m_onNull != OnNull::Keep) {
         Trace(accessor, property, failure, L" -> NULL");
         if (m_onNull == OnNull::Fail) {
-            m_result = WBEM_E_FAILED;
+            m_result = RESULT_WBEM_FAILED;
         }
     }
     return *this;

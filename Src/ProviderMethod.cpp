@@ -15,15 +15,15 @@ ProviderMethod::ProviderMethod(ProviderSession& session, const ProviderName& cla
                                             fetch == ClassFetch::WithContext ? session.Context() : nullptr,
                                             &classObject, nullptr);
     if (Failed()) {
-        return Fail(m_result, L"GetObject -> ", className);
-    }
-    if (!classObject) {
-        return Fail(WBEM_E_FAILED, L"GetObject -> ", className, L" -> NULL");
-    }
-    CComPtr<IWbemClassObject> outSignature;
-    m_result = classObject->GetMethod(method.name, 0, &m_inSignature, &outSignature);
-    if (Failed()) {
-        Fail(m_result, L"GetMethod -> ", method);
+        Fail(m_result, L"GetObject -> ", className);
+    } else if (!classObject) {
+        Fail(RESULT_WBEM_FAILED, L"GetObject -> ", className, L" -> NULL");
+    } else {
+        CComPtr<IWbemClassObject> outSignature;
+        m_result = classObject->GetMethod(method.name, 0, &m_inSignature, &outSignature);
+        if (Failed()) {
+            Fail(m_result, L"GetMethod -> ", method);
+        }
     }
 }
 
@@ -33,9 +33,12 @@ ProviderMethod& ProviderMethod::Put(const ProviderName& parameter, _variant_t va
     }
     if (!m_in) {
         // Only a method that takes something has an in-signature to make the parameters from.
-        m_result = m_inSignature ? m_inSignature->SpawnInstance(0, &m_in) : WBEM_E_FAILED;
-        if (Failed() || !m_in) {
-            Fail(Failed() ? m_result : WBEM_E_FAILED, L"SpawnInstance -> ", m_method);
+        m_result = m_inSignature ? m_inSignature->SpawnInstance(0, &m_in) : RESULT_WBEM_FAILED;
+        if (SUCCEEDED(m_result) && !m_in) {
+            m_result = RESULT_WBEM_FAILED;
+        }
+        if (Failed()) {
+            Fail(m_result, L"SpawnInstance -> ", m_method);
             return *this;
         }
     }
@@ -54,12 +57,13 @@ ProviderMethod& ProviderMethod::ExecOnNetService(const wchar_t* failure) {
     netService.Attach(m_session.Quillet().GetNetService());
     if (!netService) {
         TraceText(L"(pZorelService == NULL)");
-        m_result = WBEM_E_FAILED;
+        m_result = RESULT_WBEM_FAILED;
         return *this;
     }
     std::wstring path;
-    m_result =
-        PropertyReader(netService, L"pZorelService", PropertyReader::OnNull::Fail).String(L_ZOREL_PATH, path).Result();
+    m_result = PropertyReader(netService, L"pZorelService", PropertyReader::OnNull::Fail)
+                   .String(L_ZOREL_PATH, path)
+                   .Result();
     return Exec(path.c_str(), L"bstrObjectPath", failure);
 }
 
@@ -68,8 +72,8 @@ ProviderMethod& ProviderMethod::Exec(const wchar_t* path, const wchar_t* variabl
         return *this;
     }
     CComPtr<IWbemCallResult> callResult;
-    m_result = m_session.Service()->ExecMethod(_bstr_t(path), _bstr_t(m_method.name), 0, m_session.Context(), m_in,
-                                               &m_out, &callResult);
+    m_result = m_session.Service()->ExecMethod(_bstr_t(path), _bstr_t(m_method.name), 0, m_session.Context(),
+                                               m_in, &m_out, &callResult);
     if (Failed()) {
         if (failure) {
             TraceText(failure);
@@ -80,7 +84,8 @@ ProviderMethod& ProviderMethod::Exec(const wchar_t* path, const wchar_t* variabl
     return *this;
 }
 
-void ProviderMethod::Fail(HRESULT result, const wchar_t* text, const ProviderName& name, const wchar_t* ending) {
+void ProviderMethod::Fail(HRESULT result, const wchar_t* text, const ProviderName& name,
+                          const wchar_t* ending) {
     LumTrace().Print(L"%s%s%s", text, name.symbol, ending);
     m_result = result;
 }

@@ -1,5 +1,6 @@
 // One call of a provider method: the class object, the method's in-signature, the parameters in their order,
-// the execution on a path, the out-parameters. After the first failure, which is traced, nothing more is done.
+// the execution on a path, the out-parameters. After the first failure, which is traced, nothing more is
+// done.
 #pragma once
 
 #include "PropertyReader.h"

@@ -34,4 +34,5 @@ inline constexpr ProviderName L_CLASS_ZOREL_ETHERNETADAPTER{L"L_CLASS_ZOREL_ETHE
 inline constexpr ProviderName L_PROP_ETHERNETADAPTER_NAME{L"L_PROP_ETHERNETADAPTER_NAME", L"Name"};
 inline constexpr ProviderName L_PROP_ETHERNETADAPTER_ORIGNAME{L"L_PROP_ETHERNETADAPTER_ORIGNAME",
                                                               L"OriginalDisplayName"};
-inline constexpr ProviderName L_PROP_ETHERNETADAPTER_DEVICEID{L"L_PROP_ETHERNETADAPTER_DEVICEID", L"DeviceID"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_DEVICEID{L"L_PROP_ETHERNETADAPTER_DEVICEID",
+                                                              L"DeviceID"};

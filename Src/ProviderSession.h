@@ -2,6 +2,8 @@
 // released on every path.
 #pragma once
 
+#include "ResultCodes.h"
+
 #include <quillet/Quillet.h>
 
 class ProviderSession {
@@ -12,7 +14,7 @@ class ProviderSession {
     ProviderSession& operator=(const ProviderSession&) = delete;
 
     /// 0, or 0x80041001 when the service or the context is missing.
-    HRESULT Result() const { return m_service && m_context ? S_OK : WBEM_E_FAILED; }
+    HRESULT Result() const { return m_service && m_context ? S_OK : RESULT_WBEM_FAILED; }
     IWbemServices* Service() const { return m_service; }
     IWbemContext* Context() const { return m_context; }
     CQuillet& Quillet() const { return m_quillet; }

@@ -32,8 +32,8 @@ std::optional<std::wstring> RegistryKey::Text(const wchar_t* value, DWORD maximu
     std::vector<wchar_t> buffer(maximumBytes / sizeof(wchar_t) + 1);
     DWORD type = REG_NONE;
     DWORD size = maximumBytes;
-    if (!m_key || RegQueryValueExW(m_key, value, nullptr, &type, reinterpret_cast<BYTE*>(buffer.data()), &size) !=
-                      ERROR_SUCCESS) {
+    if (!m_key || RegQueryValueExW(m_key, value, nullptr, &type, reinterpret_cast<BYTE*>(buffer.data()),
+                                   &size) != ERROR_SUCCESS) {
         return std::nullopt;
     }
     if (type != REG_SZ && type != REG_EXPAND_SZ) {

@@ -7,7 +7,8 @@
 #include <string>
 
 inline constexpr const wchar_t* REGISTRY_LUM2 = L"SOFTWARE\\MARLO\\NETWORK_SERVICES\\LUM2";
-inline constexpr const wchar_t* REGISTRY_PROVIDERS = L"SOFTWARE\\MARLO\\NETWORK_SERVICES\\LUM2\\WMI\\Providers";
+inline constexpr const wchar_t* REGISTRY_PROVIDERS =
+    L"SOFTWARE\\MARLO\\NETWORK_SERVICES\\LUM2\\WMI\\Providers";
 inline constexpr const wchar_t* REGISTRY_ORBA = L"SOFTWARE\\MARLO\\NETWORK_SERVICES\\ORBA";
 
 /// A key opened for reading; closed with the object.

@@ -6,6 +6,7 @@
 #include "ProviderNames.h"
 #include "ProxyBlanket.h"
 #include "Registry.h"
+#include "ResultCodes.h"
 #include "SessionLocale.h"
 #include "Trace.h"
 #include "VariantValue.h"
@@ -115,7 +116,7 @@ HRESULT CQuillet::CreateNetServices() {
     CComPtr<IWbemServices> service;
     service.Attach(GetWbemService());
     if (!service) {
-        return trace.Fail(WBEM_E_FAILED, L"pIWbemService == NULL");
+        return trace.Fail(RESULT_WBEM_FAILED, L"pIWbemService == NULL");
     }
     ProviderEnum netServices;
     const HRESULT result =
@@ -136,8 +137,8 @@ HRESULT CQuillet::CreateNetServices() {
 
 HRESULT CQuillet::CreateContext() {
     CComPtr<IWbemContext> context;
-    const HRESULT result = CoCreateInstance(CLSID_WbemContext, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemContext,
-                                            reinterpret_cast<void**>(&context));
+    const HRESULT result = CoCreateInstance(CLSID_WbemContext, nullptr, CLSCTX_INPROC_SERVER,
+                                            IID_IWbemContext, reinterpret_cast<void**>(&context));
     if (SUCCEEDED(result)) {
         MarshalWbemContext(context);
     }
@@ -192,7 +193,8 @@ HRESULT CQuillet::RevokeWbemContext() {
 }
 
 HRESULT CQuillet::RevokeNetService() {
-    return RevokeInterface(m_dwNetService, L"RevokeNetService -> ((0 == m_dwNetService) || (m_pGIT == NULL))");
+    return RevokeInterface(m_dwNetService,
+                           L"RevokeNetService -> ((0 == m_dwNetService) || (m_pGIT == NULL))");
 }
 
 IWbemServices* CQuillet::GetWbemService() {
@@ -201,7 +203,8 @@ IWbemServices* CQuillet::GetWbemService() {
         return nullptr;
     }
     CComPtr<IWbemServices> service;
-    if (FAILED(m_pGIT->GetInterfaceFromGlobal(m_dwService, IID_IWbemServices, reinterpret_cast<void**>(&service))) ||
+    if (FAILED(m_pGIT->GetInterfaceFromGlobal(m_dwService, IID_IWbemServices,
+                                              reinterpret_cast<void**>(&service))) ||
         !service) {
         return nullptr;
     }
@@ -219,7 +222,8 @@ IWbemContext* CQuillet::GetContext() {
         return nullptr;
     }
     CComPtr<IWbemContext> context;
-    if (FAILED(m_pGIT->GetInterfaceFromGlobal(m_dwContext, IID_IWbemContext, reinterpret_cast<void**>(&context))) ||
+    if (FAILED(m_pGIT->GetInterfaceFromGlobal(m_dwContext, IID_IWbemContext,
+                                              reinterpret_cast<void**>(&context))) ||
         !context) {
         return nullptr;
     }

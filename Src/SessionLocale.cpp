@@ -62,7 +62,8 @@ std::optional<std::wstring> ChooseLocale() {
     const RegistryKey orba(REGISTRY_ORBA);
     if (orba.Has(L"ForcedLanguage")) {
         if (const std::optional<DWORD> forced = orba.Number(L"ForcedLanguage")) {
-            const bool translated = std::find(TRANSLATED.begin(), TRANSLATED.end(), *forced) != TRANSLATED.end();
+            const bool translated =
+                std::find(TRANSLATED.begin(), TRANSLATED.end(), *forced) != TRANSLATED.end();
             return LocaleOf(translated ? *forced : ENGLISH);
         }
         // Forced to something unreadable: the user's language is the next best.

@@ -1,6 +1,8 @@
 // The first step of a connection: the provider checks privileges that a process has but must enable.
 #include <quillet/Quillet.h>
 
+#include "ResultCodes.h"
+
 #include <memory>
 #include <new>
 
@@ -33,29 +35,29 @@ class ProcessToken {
 HRESULT CQuillet::SetInitialSecurityAttribute() {
     const ProcessToken token(TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY);
     if (!token) {
-        return WBEM_E_ACCESS_DENIED;
+        return RESULT_WBEM_ACCESS_DENIED;
     }
     // The first query, into a buffer for one privilege, tells how long the list is.
     alignas(TOKEN_PRIVILEGES) BYTE probe[16];
     DWORD size = 0;
     if (!GetTokenInformation(token.Get(), TokenPrivileges, probe, sizeof(probe), &size) &&
         GetLastError() != ERROR_INSUFFICIENT_BUFFER) {
-        return WBEM_E_ACCESS_DENIED;
+        return RESULT_WBEM_ACCESS_DENIED;
     }
     const std::unique_ptr<BYTE[]> buffer(new (std::nothrow) BYTE[size]);
     if (!buffer) {
-        return WBEM_E_OUT_OF_MEMORY;
+        return RESULT_WBEM_OUT_OF_MEMORY;
     }
     DWORD read = 0;
     if (!GetTokenInformation(token.Get(), TokenPrivileges, buffer.get(), size, &read)) {
-        return WBEM_E_ACCESS_DENIED;
+        return RESULT_WBEM_ACCESS_DENIED;
     }
     auto* list = reinterpret_cast<TOKEN_PRIVILEGES*>(buffer.get());
     for (DWORD index = 0; index < list->PrivilegeCount; ++index) {
         list->Privileges[index].Attributes |= SE_PRIVILEGE_ENABLED;
     }
     if (!AdjustTokenPrivileges(token.Get(), FALSE, list, size, nullptr, nullptr)) {
-        return WBEM_E_ACCESS_DENIED;
+        return RESULT_WBEM_ACCESS_DENIED;
     }
     return S_OK;
 }

@@ -1,8 +1,8 @@
 #include "VariantValue.h"
 
-#include <cerrno>
-#include <cstdlib>
+#include <algorithm>
 #include <cwchar>
+#include <limits>
 
 namespace {
 
@@ -67,13 +67,8 @@ const wchar_t* TextOf(const VARIANT& value) {
 /// Decimal text to a 32-bit number, saturating where it does not fit, as _wtol does.
 LONG LongFromText(const wchar_t* text) {
     const long long wide = std::wcstoll(text, nullptr, 10);
-    if (wide > MAXLONG) {
-        return MAXLONG;
-    }
-    if (wide < MINLONG) {
-        return MINLONG;
-    }
-    return static_cast<LONG>(wide);
+    return static_cast<LONG>(
+        std::clamp<long long>(wide, std::numeric_limits<LONG>::min(), std::numeric_limits<LONG>::max()));
 }
 
 } // namespace

@@ -1,0 +1,10 @@
+// WMI's result codes as HRESULTs. The SDK declares them as an unsigned enumeration, which neither compares
+// with nor converts to an HRESULT without a warning.
+#pragma once
+
+#include <windows.h>
+#include <wbemidl.h>
+
+inline constexpr HRESULT RESULT_WBEM_FAILED = static_cast<HRESULT>(WBEM_E_FAILED);               // 0x80041001
+inline constexpr HRESULT RESULT_WBEM_ACCESS_DENIED = static_cast<HRESULT>(WBEM_E_ACCESS_DENIED); // 0x80041003
+inline constexpr HRESULT RESULT_WBEM_OUT_OF_MEMORY = static_cast<HRESULT>(WBEM_E_OUT_OF_MEMORY); // 0x80041006
