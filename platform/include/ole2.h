@@ -1,0 +1,5 @@
+// COM with OLE automation.
+#pragma once
+
+#include <objbase.h>
+#include <oleauto.h>
