@@ -16,18 +16,14 @@ HRESULT SetClientSet(const ProviderSession& session, LONG clientSet) {
 
 HRESULT CQuillet::BeginApply() {
     const OperationTrace trace(L"Enter CQuillet::BeginApply", L"Exit CQuillet::BeginApply");
-    ProviderSession session(*this);
+    const ProviderSession session(*this);
     ProviderMethod method(session, L_CLASS_ZOREL_CORESERVICE, L_METHOD_NET_APPLY_BEGIN,
                           ProviderMethod::ClassFetch::WithoutContext);
-    method.ExecOnNetService();
-    if (method.Failed()) {
-        return method.Result();
-    }
     _variant_t handle;
-    PropertyReader read(method.Out(), L"pOutParams");
-    read.Plain(L_PARAM_NET_CLIENTSETHANDLE, handle);
-    if (read.Failed()) {
-        return read.Result();
+    const HRESULT result =
+        method.ExecOnNetService().Read(L"pOutParams").Plain(L_PARAM_NET_CLIENTSETHANDLE, handle).Result();
+    if (FAILED(result)) {
+        return result;
     }
     if (handle.vt != VT_I4) {
         return S_OK;
@@ -39,20 +35,19 @@ HRESULT CQuillet::BeginApply() {
 HRESULT CQuillet::ApplyDone(bool& followupNeeded) {
     const OperationTrace trace(L"Enter CQuillet::ApplyDone", L"Exit CQuillet::ApplyDone");
     followupNeeded = false;
-    ProviderSession session(*this);
+    const ProviderSession session(*this);
     ProviderMethod method(session, L_CLASS_ZOREL_CORESERVICE, L_METHOD_NET_APPLY_DONE,
                           ProviderMethod::ClassFetch::WithoutContext);
-    method.Put(L_PARAM_NET_CLIENTSETHANDLE, VariantOfLong(m_lClientSetId))
-        .ExecOnNetService(
-            L"ExecMethod -> bstrObjectPath L_METHOD_NET_APPLY_DONE"); // no comma, unlike its siblings
-    if (method.Failed()) {
-        return method.Result();
-    }
     _variant_t action;
-    PropertyReader read(method.Out(), L"pOutParams");
-    read.Plain(L_PARAM_NET_FOLLOWUPACTION, action);
-    if (read.Failed()) {
-        return read.Result();
+    const HRESULT result =
+        method.Put(L_PARAM_NET_CLIENTSETHANDLE, VariantOfLong(m_lClientSetId))
+            .ExecOnNetService(
+                L"ExecMethod -> bstrObjectPath L_METHOD_NET_APPLY_DONE") // no comma, unlike others
+            .Read(L"pOutParams")
+            .Plain(L_PARAM_NET_FOLLOWUPACTION, action)
+            .Result();
+    if (FAILED(result)) {
+        return result;
     }
     m_lClientSetId = 0;
     LONG followup = 0;
@@ -63,16 +58,11 @@ HRESULT CQuillet::ApplyDone(bool& followupNeeded) {
 
 HRESULT CQuillet::GetWarnings(ULONGLONG& warnings) {
     const OperationTrace trace(L"GetWarnings");
-    ProviderSession session(*this);
+    const ProviderSession session(*this);
     ProviderMethod method(session, L_CLASS_ZOREL_CORESERVICE, L_METHOD_GETALLWARNINGS,
                           ProviderMethod::ClassFetch::WithoutContext);
-    method.ExecOnNetService();
-    if (method.Failed()) {
-        return method.Result();
-    }
     LONG refused = 0;
-    PropertyReader read(method.Out(), L"pAdapter_OutParams", PropertyReader::OnNull::Keep,
-                        L"GetWarnings() - ");
+    PropertyReader read = method.ExecOnNetService().Read(L"pAdapter_OutParams", L"GetWarnings() - ");
     if (read.Long(L_METHOD_RETURN, refused).Failed()) {
         return read.Result();
     }

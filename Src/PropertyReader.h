@@ -33,7 +33,12 @@ class PropertyReader {
     /// The value as it comes; trace text "Get -> <symbol>".
     PropertyReader& Plain(const ProviderName& property, VARIANT& value);
 
-    /// Once: the next reads take a missing value this way.
+    /// Starts with the result of the steps before: after a failed one nothing is read.
+    PropertyReader& After(HRESULT result) {
+        m_result = result;
+        return *this;
+    }
+    /// The next reads take a missing value this way.
     PropertyReader& When(OnNull onNull) {
         m_onNull = onNull;
         return *this;

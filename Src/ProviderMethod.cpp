@@ -4,7 +4,7 @@
 
 using ATL::CComPtr;
 
-ProviderMethod::ProviderMethod(ProviderSession& session, const ProviderName& className,
+ProviderMethod::ProviderMethod(const ProviderSession& session, const ProviderName& className,
                                const ProviderName& method, ClassFetch fetch)
     : m_session(session), m_method(method), m_result(session.Result()) {
     if (Failed()) {

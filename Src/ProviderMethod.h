@@ -13,7 +13,7 @@ class ProviderMethod {
     enum class ClassFetch { WithContext, WithoutContext };
 
     /// Fetches the class object and the method's signature. A failed session fails the call, too.
-    ProviderMethod(ProviderSession& session, const ProviderName& className, const ProviderName& method,
+    ProviderMethod(const ProviderSession& session, const ProviderName& className, const ProviderName& method,
                    ClassFetch fetch = ClassFetch::WithContext);
     ProviderMethod(const ProviderMethod&) = delete;
     ProviderMethod& operator=(const ProviderMethod&) = delete;
@@ -32,13 +32,15 @@ class ProviderMethod {
     HRESULT Result() const { return m_result; }
     bool Failed() const { return FAILED(m_result); }
 
-    /// The out-parameters; null before the execution, and when the provider handed out none.
-    IWbemClassObject* Out() const { return m_out; }
+    /// A reader of the out-parameters. @param variable what trace lines call them.
+    PropertyReader Read(const wchar_t* variable, const wchar_t* prefix = L"") const {
+        return PropertyReader(m_out, variable, PropertyReader::OnNull::Keep, prefix).After(m_result);
+    }
 
   private:
     void Fail(HRESULT result, const wchar_t* text, const ProviderName& name, const wchar_t* ending = L"");
 
-    ProviderSession& m_session;
+    const ProviderSession& m_session;
     ProviderName m_method;
     ATL::CComPtr<IWbemClassObject> m_inSignature;
     ATL::CComPtr<IWbemClassObject> m_in;
