@@ -1,0 +1,4 @@
+// Diagnostic tests.
+#include <quillet/DiagTest.h>
+
+CDiagTest::~CDiagTest() = default;

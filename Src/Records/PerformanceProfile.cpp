@@ -1,0 +1,12 @@
+// Performance profiles.
+#include <quillet/PerformanceProfile.h>
+
+CPerformanceProfile::~CPerformanceProfile() = default;
+
+CPerformanceProfile* CPerformanceProfile::Copy() const {
+    return new CPerformanceProfile(*this);
+}
+
+CPerformanceProfiles* CPerformanceProfiles::Copy() const {
+    return new CPerformanceProfiles(*this);
+}
