@@ -115,7 +115,7 @@ class QUILLET_API CAdapterDynamicInfo {
     CAdapterDynamicInfo& operator=(const CAdapterDynamicInfo&) = default;
     virtual ~CAdapterDynamicInfo();
     /// A new copy that the caller owns.
-    CAdapterDynamicInfo* Copy() const;
+    virtual CAdapterDynamicInfo* Copy() const;
 };
 
 /// An adapter's identity on its bus and on the network, as texts for display.

@@ -33,7 +33,7 @@ class QUILLET_API CPerformanceProfile {
     CPerformanceProfile& operator=(const CPerformanceProfile&) = default;
     virtual ~CPerformanceProfile();
     /// A new copy that the caller owns.
-    CPerformanceProfile* Copy() const;
+    virtual CPerformanceProfile* Copy() const;
 };
 
 /// The profiles that an adapter offers.

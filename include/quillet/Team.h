@@ -90,7 +90,7 @@ class QUILLET_API CTeamedAdapter {
     CTeamedAdapter& operator=(const CTeamedAdapter&) = default;
     virtual ~CTeamedAdapter();
     /// A new copy that the caller owns.
-    CTeamedAdapter* Copy() const;
+    virtual CTeamedAdapter* Copy() const;
 };
 
 /// The members of a team.
@@ -136,7 +136,7 @@ class QUILLET_API CTeamWizTeamMode {
     CTeamWizTeamMode& operator=(const CTeamWizTeamMode&) = default;
     virtual ~CTeamWizTeamMode();
     /// A new copy that the caller owns.
-    CTeamWizTeamMode* Copy() const;
+    virtual CTeamWizTeamMode* Copy() const;
 };
 
 /// The team modes that an adapter, or a set of adapters, can take part in.
