@@ -11,7 +11,8 @@ namespace quillet::simulator::tests {
 namespace {
 
 // A class, then one member a line: a property is "[key|write|secret] type Name", with "ref Class" for a type
-// where it is a reference; a method is "Name(in-parameters) -> out-parameters".
+// where it is a reference; a method is "Name(in-parameters) -> out-parameters". An indented line goes on with
+// the one above it.
 constexpr const wchar_t* Table = LR"(
 class Zorel_NetService
 key string Name

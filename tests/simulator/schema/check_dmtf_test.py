@@ -130,7 +130,7 @@ class CheckDmtf(unittest.TestCase):
         self.expect("given twice", 'instance of X_Port as $A { Name = "c"; }; instance of X_Port as $a { Name = "d"; };')
         pair = '[Association, Description("c")] class X_C { [Key, Description("k")] X_Pair REF A;'
         self.expect("is a X_Port and no X_Pair", pair + ' [Key, Description("k")] X_Pair REF B; };'
-                    'instance of X_Port as $A { Name = "c"; }; instance of X_C { A = $A; B = $A; };')  # fmt: skip
+                    'instance of X_Port as $A { Name = "c"; }; instance of X_C { A = $A; B = $A; };')
 
     def test_faults_are_placed(self):
         with self.assertRaisesRegex(MofError, r"^text:2:5: "):
