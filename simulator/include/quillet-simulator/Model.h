@@ -91,7 +91,9 @@ struct Property {
     std::wstring referenceClass; ///< the class a CIM_REFERENCE points to
     Value defaultValue;
     Qualifiers qualifiers;
-    std::wstring origin; ///< the class that declared it first
+    std::wstring origin;        ///< the class that declared it first
+    std::size_t arrayLimit = 0; ///< the most elements that the array may have; 0 for any number
+    bool inherited = false;     ///< taken over from the superclass as it is
     bool IsKey() const noexcept { return qualifiers.Has(L"key"); }
 };
 
@@ -104,6 +106,7 @@ struct Method {
     std::vector<Property> out; ///< without "ReturnValue", which the engine adds last
     Qualifiers qualifiers;
     std::wstring origin;
+    bool inherited = false; ///< taken over from the superclass as it is
 };
 
 /// A class with everything it inherits; immutable once the repository has taken it.
@@ -133,7 +136,8 @@ struct Instance {
     /// A new instance with the defaults of its class.
     explicit Instance(ClassPtr cls);
     const Value* Find(std::wstring_view property) const noexcept;
-    /// Sets a property; false when the class has no such property.
+    /// Sets a property; false when the class has no such property. A number that fits the property is
+    /// brought into the signedness of its type.
     bool Set(std::wstring_view property, Value value);
     /// The text of a string property; empty when it is null, absent or not text.
     std::wstring Text(std::wstring_view property) const;
@@ -144,6 +148,23 @@ struct Instance {
 using InstancePtr = std::shared_ptr<const Instance>;
 
 /// Whether a value may stand in a property of this CIM type (shape and range); null always may.
+/// Integers of either signedness fit where their number does.
 bool Fits(const Value& value, CIMTYPE type) noexcept;
+/// A value that fits, in the form in which values of the type are held (see Scalar), so that equal values
+/// compare equal.
+Value Normalised(Value value, CIMTYPE type);
+
+/// "uint32", "string" and so on, without regard to the array flag; null for what is no CIM type.
+const wchar_t* CimTypeName(CIMTYPE type) noexcept;
+/// Whether the type (without its array flag) is one of the eight integer types.
+bool IsIntegerType(CIMTYPE type) noexcept;
+/// Whether a text is a CIM datetime: yyyymmddHHMMSS.mmmmmm+utc or ddddddddHHMMSS.mmmmmm:000, where an
+/// asterisk stands for a digit that is left open.
+bool IsDateTime(std::wstring_view text) noexcept;
+/// Whether a text may be the name of a class, property, method or qualifier.
+bool IsIdentifier(std::wstring_view text) noexcept;
+/// Whether a character may begin an identifier, or stand in it.
+bool IsIdentifierStart(wchar_t character) noexcept;
+bool IsIdentifierCharacter(wchar_t character) noexcept;
 
 } // namespace quillet::simulator

@@ -10,6 +10,7 @@ struct ObjectPath {
     struct Key {
         std::wstring name; ///< empty in the form Class="value"
         Scalar value;      ///< bool, integer or text (references are text)
+        friend bool operator==(const Key&, const Key&) = default;
     };
 
     std::wstring server;        ///< without backslashes; empty for a relative path
@@ -20,6 +21,9 @@ struct ObjectPath {
 
     bool IsClass() const noexcept { return keys.empty() && !singleton; }
 
+    /// More keys than this are no path.
+    static constexpr std::size_t kMaximumKeys = 256;
+
     /// Parses a path; nothing (and, if asked, the reason with its position) when it is none.
     /// Key values may stand in either quote character; a backslash escapes inside quotes.
     static std::optional<ObjectPath> Parse(std::wstring_view text, std::wstring* error = nullptr);
@@ -28,6 +32,10 @@ struct ObjectPath {
     std::wstring Relative() const;
     /// \\server\namespace: followed by Relative().
     std::wstring Full(std::wstring_view serverName, std::wstring_view namespaceName) const;
+    /// The path with as much before the class as it has itself.
+    std::wstring Text() const;
+
+    friend bool operator==(const ObjectPath&, const ObjectPath&) = default;
 };
 
 } // namespace quillet::simulator

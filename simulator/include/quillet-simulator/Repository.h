@@ -21,8 +21,9 @@ class Repository {
     const std::wstring& NamespaceName() const noexcept; ///< "ROOT\MarloLUM2"
 
     /// Adds a class (its own properties, methods and qualifiers only; what it inherits is merged in).
-    /// WBEM_E_INVALID_SUPERCLASS, WBEM_E_ALREADY_EXISTS or WBEM_E_INVALID_CLASS when it cannot be taken.
-    HRESULT AddClass(ClassDefinition definition);
+    /// WBEM_E_INVALID_SUPERCLASS, WBEM_E_ALREADY_EXISTS or WBEM_E_INVALID_CLASS when it cannot be taken;
+    /// the reason in words, if asked for.
+    HRESULT AddClass(ClassDefinition definition, std::wstring* reason = nullptr);
     ClassPtr FindClass(std::wstring_view name) const;
     /// All classes in the order they were added.
     std::vector<ClassPtr> Classes() const;
@@ -31,34 +32,72 @@ class Repository {
 
     /// How a write treats an instance that is (not) there yet.
     enum class Write { CreateOrUpdate, CreateOnly, UpdateOnly };
-    /// Stores an instance under its keys. Checks that key values are there and that every value fits its
-    /// CIM type. WBEM_E_ALREADY_EXISTS, WBEM_E_NOT_FOUND, WBEM_E_INVALID_OBJECT, WBEM_E_TYPE_MISMATCH.
-    HRESULT PutInstance(Instance instance, Write mode = Write::CreateOrUpdate);
-    /// Removes an instance; WBEM_E_NOT_FOUND when there is none.
+    /// Stores an instance under its keys. Checks that key values are there, that every value fits its
+    /// CIM type and that references are object paths. WBEM_E_ALREADY_EXISTS (also when an instance of
+    /// another class of the family has the keys), WBEM_E_NOT_FOUND, WBEM_E_INVALID_OBJECT,
+    /// WBEM_E_TYPE_MISMATCH; the reason in words, if asked for.
+    HRESULT PutInstance(Instance instance, Write mode = Write::CreateOrUpdate,
+                        std::wstring* reason = nullptr);
+    /// Removes an instance; WBEM_E_NOT_FOUND when there is none. Associations that refer to it stay, and
+    /// lead nowhere.
     HRESULT DeleteInstance(const ObjectPath& path);
 
     /// The instance a path names, whatever the order and spelling of its keys; null when there is none.
+    /// A path may name a superclass of the instance's class.
     InstancePtr FindInstance(const ObjectPath& path) const;
     InstancePtr FindInstance(std::wstring_view path) const;
     /// The instances of a class, and of its subclasses unless shallow, in order of creation.
     std::vector<InstancePtr> Instances(std::wstring_view className, bool shallow = false) const;
     std::vector<InstancePtr> AllInstances() const;
 
-    /// Runs a SELECT. WBEM_E_INVALID_CLASS when the class is unknown.
+    /// Runs a SELECT. WBEM_E_INVALID_CLASS when the class is unknown, WBEM_E_INVALID_QUERY when it names a
+    /// property that the class does not have (system properties apart).
     HRESULT Select(const WqlQuery& query, std::vector<InstancePtr>& result) const;
     /// Runs ASSOCIATORS OF or REFERENCES OF over the association index.
-    /// WBEM_E_INVALID_OBJECT_PATH or WBEM_E_NOT_FOUND for the object in braces.
+    /// WBEM_E_INVALID_OBJECT_PATH or WBEM_E_NOT_FOUND for the object in braces, WBEM_E_INVALID_CLASS for a
+    /// class that does not exist. With ClassDefsOnly, one instance stands for each class of the result.
     HRESULT Associations(const WqlQuery& query, std::vector<InstancePtr>& result) const;
 
     /// Class.Key="value",… of an instance, keys in the order of the class.
     std::wstring RelativePath(const Instance& instance) const;
     /// \\server\namespace:Class.Key="value",…
     std::wstring FullPath(const Instance& instance) const;
-    /// Whether two path texts name the same object, whatever their form.
+    /// The text of a reference as clients see it: the full path of the object that it names or, when there is
+    /// no such object, the text itself with this server and namespace in front where it has none.
+    std::wstring ReferenceText(std::wstring_view path) const;
+    /// Whether two path texts name the same object of this repository, whatever their form. The server
+    /// name is not looked at: a machine that was saved under one computer's name lives on under another.
     bool SameObject(std::wstring_view left, std::wstring_view right) const;
 
     /// A number that grows with every change.
     std::uint64_t Generation() const noexcept;
+    /// How many instances queries have looked at so far. What an index serves looks at little more than
+    /// it answers; a test can tell it from a scan by this number.
+    std::uint64_t Examined() const noexcept;
+
+    /// Where a qualifier may stand; bits.
+    enum Scope : unsigned {
+        ScopeClass = 1,
+        ScopeAssociation = 2,
+        ScopeIndication = 4,
+        ScopeProperty = 8,
+        ScopeReference = 16,
+        ScopeMethod = 32,
+        ScopeParameter = 64,
+        ScopeSchema = 128,
+        ScopeAny = 255
+    };
+    /// What is known of a qualifier before it is used.
+    struct QualifierDeclaration {
+        std::wstring name;
+        CIMTYPE type = CIM_BOOLEAN;
+        Value defaultValue;
+        unsigned scope = ScopeAny;
+        LONG flavor = WBEM_FLAVOR_FLAG_PROPAGATE_TO_DERIVED_CLASS;
+    };
+    /// Declares a qualifier, or declares it anew. WBEM_E_TYPE_MISMATCH when it is there with another type.
+    HRESULT DeclareQualifier(QualifierDeclaration declaration);
+    std::optional<QualifierDeclaration> FindQualifierDeclaration(std::wstring_view name) const;
 
   private:
     struct State;

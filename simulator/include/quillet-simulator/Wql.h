@@ -20,6 +20,9 @@ struct WqlCondition {
     Operator op = Operator::Equal;
     std::wstring property;
     std::optional<Scalar> literal; ///< absent for the literal NULL
+    /// The text between the quotes without reading escapes, where that is a path with a server. Clients put
+    /// the paths they hold between quotes as they are; such a text means both.
+    std::wstring pathAsWritten;
     std::vector<WqlCondition> operands;
 };
 
@@ -38,13 +41,21 @@ struct WqlQuery {
     std::wstring assocClass;
     std::wstring role;
     std::wstring resultRole;
+    std::wstring requiredQualifier;      ///< on the class of a result
+    std::wstring requiredAssocQualifier; ///< on the class of an association (ASSOCIATORS OF)
     bool classDefsOnly = false;
+    bool keysOnly = false;
 };
+
+/// Parentheses and NOTs nested deeper than this are refused.
+constexpr std::size_t kMaximumWqlDepth = 64;
 
 /// Parses a query; nothing (and, if asked, the reason) when it is not WQL.
 std::optional<WqlQuery> ParseWql(std::wstring_view text, WqlError* error = nullptr);
 
-/// Whether an instance satisfies a condition; properties that do not exist compare as null.
+/// Whether an instance satisfies a condition; properties that do not exist compare as null. Null equals
+/// NULL only and is neither less nor greater than anything; texts compare without regard to case; a text
+/// and a number compare as numbers where the text says one. __CLASS and __SUPERCLASS may be asked for.
 bool Matches(const WqlCondition& condition, const Instance& instance);
 
 } // namespace quillet::simulator
