@@ -1,0 +1,16 @@
+// What the trace log needs of the host's files; one implementation per host.
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+/// Opens the file for text, "a+" if `append`, else "w"; null when it can not be opened. Other processes may
+/// read the file meanwhile. The path may have backslashes on every host.
+std::FILE* OpenLogFile(const std::wstring& path, bool append);
+
+/// Bytes in the file now, whoever wrote them; 0 when that can not be told.
+unsigned long long LogFileLength(std::FILE* file) noexcept;
+
+/// The directory of the environment variable "Temp", without a separator at its end; what the host uses
+/// instead where there is none.
+std::wstring TempDirectory();

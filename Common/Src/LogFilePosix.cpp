@@ -1,0 +1,48 @@
+// The trace log's files on POSIX hosts. The Temp directory is everybody's there, so a file is private to its
+// owner and is never reached through a link that somebody else may have put in its place.
+#include "LogFile.h"
+
+#include "LumText.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+std::FILE* OpenLogFile(const std::wstring& path, bool append) {
+    std::string name = ToUtf8(path);
+    std::replace(name.begin(), name.end(), '\\', '/');
+    // O_NONBLOCK: a pipe under that name must not hold the client up. It means nothing to a regular file.
+    const int common = O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
+    const int descriptor = open(name.c_str(), common | (append ? O_RDWR | O_APPEND : O_WRONLY), 0600);
+    if (descriptor < 0) {
+        return nullptr;
+    }
+    // What the file holds is given up only after it is known to be a file.
+    struct stat status {};
+    std::FILE* stream = nullptr;
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
+        (append || ftruncate(descriptor, 0) == 0)) {
+        stream = fdopen(descriptor, append ? "a+" : "w");
+    }
+    if (stream == nullptr) {
+        close(descriptor);
+    }
+    return stream;
+}
+
+unsigned long long LogFileLength(std::FILE* file) noexcept {
+    struct stat status {};
+    return fstat(fileno(file), &status) == 0 ? static_cast<unsigned long long>(status.st_size) : 0;
+}
+
+std::wstring TempDirectory() {
+    for (const char* variable : {"Temp", "TMPDIR"}) {
+        const char* directory = std::getenv(variable);
+        if (directory != nullptr && *directory != '\0') {
+            return FromUtf8(directory);
+        }
+    }
+    return L"/tmp";
+}
