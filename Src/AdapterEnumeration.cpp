@@ -2,6 +2,7 @@
 #include <quillet/Quillet.h>
 
 #include "Lum2InstUtility.h"
+#include "ObjectIds.h"
 #include "PropertyReader.h"
 #include "ProviderEnum.h"
 #include "ProviderSession.h"
@@ -28,10 +29,10 @@ HRESULT CQuillet::EnumerateAdapters(CAdapters& adapters) {
     }
     session.Retrieve(IDENTITY_ONLY);
     ProviderEnum instances;
-    HRESULT result = session.Service()->CreateInstanceEnum(_bstr_t(L_CLASS_ZOREL_ETHERNETADAPTER.name), 0,
-                                                           session.Context(), &instances);
+    const HRESULT result = session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, instances,
+                                             L"CreateInstanceEnum -> L_CLASS_ZOREL_ETHERNETADAPTER");
     if (FAILED(result)) {
-        return trace.Fail(result, L"CreateInstanceEnum -> L_CLASS_ZOREL_ETHERNETADAPTER");
+        return result;
     }
     session.Retrieve(ProviderSession::Everything);
 
@@ -54,4 +55,20 @@ HRESULT CQuillet::EnumerateAdapters(CAdapters& adapters) {
     }
     // An enumeration that broke off is not a shorter list of adapters.
     return FAILED(instances.Result()) ? trace.Fail(instances.Result(), L"pEnumAdapters -> Next") : S_OK;
+}
+
+HRESULT CQuillet::GetGUI(const std::wstring& adapterId, std::wstring& objectId) {
+    const OperationTrace trace(L"GetGUI");
+    return ObjectIdFromPath(ObjectKind::Ethernet, adapterId, objectId) ? S_OK : RESULT_WBEM_FAILED;
+}
+
+HRESULT CQuillet::GetAdapterID(const std::wstring& objectId, std::wstring& adapterId) {
+    // This operation has no exit line.
+    const OperationTrace trace(L"Entering CQuillet::GetAdapterID", nullptr);
+    CComBSTR path;
+    CZorel_EthernetAdapterMgrHelper::MakePathFromObjectId(0, objectId.c_str(), path,
+                                                          CZorel_EthernetAdapterMgrHelper::PhysicalAdapter);
+    adapterId.assign(path ? path.m_str : L"", path.Length());
+    LumTrace().Print(L"Adapter Path from WMI Is %s", adapterId.c_str());
+    return S_OK;
 }

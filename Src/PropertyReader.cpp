@@ -3,14 +3,18 @@
 #include "ResultCodes.h"
 #include "Trace.h"
 
+using ATL::CComBSTR;
+
 template <typename Value, typename Getter>
 PropertyReader& PropertyReader::Read(Getter getter, const wchar_t* accessor, const ProviderName& property,
                                      Value& value, const wchar_t* failure) {
+    m_found = false;
     if (Failed()) {
         return *this;
     }
     bool isNull = false;
     m_result = getter(m_instance, property.name, value, isNull);
+    m_found = SUCCEEDED(m_result) && !isNull;
     if (Failed()) {
         Trace(accessor, property, failure, L"");
     } else if (isNull && m_onNull != OnNull::Keep) {
@@ -52,6 +56,31 @@ PropertyReader& PropertyReader::Long(const ProviderName& property, LONG& value, 
 PropertyReader& PropertyReader::UInt64(const ProviderName& property, ULONGLONG& value,
                                        const wchar_t* failure) {
     return Read(CQuillet::GetPropertyAsUINT64, L"GetPropertyAsUINT64", property, value, failure);
+}
+
+template <typename Element>
+PropertyReader& PropertyReader::ReadArray(const ProviderName& property, std::vector<Element>& values,
+                                          const wchar_t* failure) {
+    m_found = false;
+    if (Failed()) {
+        return *this;
+    }
+    m_result = CQuillet::GetPropertyArray(m_instance, property.name, values, nullptr);
+    m_found = SUCCEEDED(m_result);
+    if (Failed()) {
+        Trace(L"GetPropertyArray", property, failure, L"");
+    }
+    return *this;
+}
+
+PropertyReader& PropertyReader::Array(const ProviderName& property, std::vector<LONG>& values,
+                                      const wchar_t* failure) {
+    return ReadArray(property, values, failure);
+}
+
+PropertyReader& PropertyReader::Array(const ProviderName& property, std::vector<CComBSTR>& values,
+                                      const wchar_t* failure) {
+    return ReadArray(property, values, failure);
 }
 
 PropertyReader& PropertyReader::Plain(const ProviderName& property, VARIANT& value) {

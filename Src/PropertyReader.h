@@ -30,6 +30,11 @@ class PropertyReader {
     PropertyReader& Int(const ProviderName& property, int& value, const wchar_t* failure = nullptr);
     PropertyReader& Long(const ProviderName& property, LONG& value, const wchar_t* failure = nullptr);
     PropertyReader& UInt64(const ProviderName& property, ULONGLONG& value, const wchar_t* failure = nullptr);
+    /// Appends the elements of an array; one that cannot be read is left out.
+    PropertyReader& Array(const ProviderName& property, std::vector<LONG>& values,
+                          const wchar_t* failure = nullptr);
+    PropertyReader& Array(const ProviderName& property, std::vector<ATL::CComBSTR>& values,
+                          const wchar_t* failure = nullptr);
     /// The value as it comes; trace text "Get -> <symbol>".
     PropertyReader& Plain(const ProviderName& property, VARIANT& value);
 
@@ -48,11 +53,16 @@ class PropertyReader {
     /// (0x80041001 for a missing value that counts as a failure).
     HRESULT Result() const { return m_result; }
     bool Failed() const { return FAILED(m_result); }
+    /// Whether the last read brought a value.
+    bool Found() const { return m_found; }
 
   private:
     template <typename Value, typename Getter>
     PropertyReader& Read(Getter getter, const wchar_t* accessor, const ProviderName& property, Value& value,
                          const wchar_t* failure);
+    template <typename Element>
+    PropertyReader& ReadArray(const ProviderName& property, std::vector<Element>& values,
+                              const wchar_t* failure);
     void Trace(const wchar_t* accessor, const ProviderName& property, const wchar_t* failure,
                const wchar_t* ending) const;
 
@@ -61,4 +71,5 @@ class PropertyReader {
     const wchar_t* m_prefix;
     OnNull m_onNull;
     HRESULT m_result = S_OK;
+    bool m_found = false;
 };

@@ -36,3 +36,102 @@ inline constexpr ProviderName L_PROP_ETHERNETADAPTER_ORIGNAME{L"L_PROP_ETHERNETA
                                                               L"OriginalDisplayName"};
 inline constexpr ProviderName L_PROP_ETHERNETADAPTER_DEVICEID{L"L_PROP_ETHERNETADAPTER_DEVICEID",
                                                               L"DeviceID"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_SLOTID{L"L_PROP_ETHERNETADAPTER_SLOTID", L"SlotID"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_SPEED{L"L_PROP_ETHERNETADAPTER_SPEED", L"Speed"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_LINKSECSTATUS{L"L_PROP_ETHERNETADAPTER_LINKSECSTATUS",
+                                                                   L"LinkSecStatus"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_FULLDUPLEX{L"L_PROP_ETHERNETADAPTER_FULLDUPLEX",
+                                                                L"FullDuplex"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_ADAPTERSTATUS{L"L_PROP_ETHERNETADAPTER_ADAPTERSTATUS",
+                                                                   L"AdapterStatus"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_STATUSINFO{L"L_PROP_ETHERNETADAPTER_STATUSINFO",
+                                                                L"StatusInfo"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_AVAILABILITY{L"L_PROP_ETHERNETADAPTER_AVAILABILITY",
+                                                                  L"Availability"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_HARDWARESTATUS{L"L_PROP_ETHERNETADAPTER_HARDWARESTATUS",
+                                                                    L"HardwareStatus"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_STATUS{L"L_PROP_ETHERNETADAPTER_STATUS", L"Status"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_CAPABILITIES{L"L_PROP_ETHERNETADAPTER_CAPABILITIES",
+                                                                  L"Capabilities"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_CONTROLLERID{L"L_PROP_ETHERNETADAPTER_CONTROLLERID",
+                                                                  L"ControllerID"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_MEDIATYPE{L"L_PROP_ETHERNETADAPTER_MEDIATYPE",
+                                                               L"MediaType"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_BUSTYPE{L"L_PROP_ETHERNETADAPTER_BUSTYPE", L"BusType"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_NEGLINKWIDTH{L"L_PROP_ETHERNETADAPTER_NEGLINKWIDTH",
+                                                                  L"NegotiatedLinkWidth"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_PORTNUMBER{L"L_PROP_ETHERNETADAPTER_PORTNUMBER",
+                                                                L"PortNumber"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_PHYDEVICE{L"L_PROP_ETHERNETADAPTER_PHYDEVICE",
+                                                               L"PHYDevice"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_PARTNUMBER{L"L_PROP_ETHERNETADAPTER_PARTNUMBER",
+                                                                L"PartNumber"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_NETWORKADDRESSES{
+    L"L_PROP_ETHERNETADAPTER_NETWORKADDRESSES", L"NetworkAddresses"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_PERMANENTADDRESS{
+    L"L_PROP_ETHERNETADAPTER_PERMANENTADDRESS", L"PermanentAddress"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_EEPROMVERSION{L"L_PROP_ETHERNETADAPTER_EEPROMVERSION",
+                                                                   L"EEPROMVersion"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_SANMACADDRESS{L"L_PROP_ETHERNETADAPTER_SANMACADDRESS",
+                                                                   L"SanMacAddress"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_PCIDEVICEID{L"L_PROP_ETHERNETADAPTER_PCIDEVICEID",
+                                                                 L"PCIDeviceID"};
+inline constexpr ProviderName L_METHOD_ETHERNETADAPTER_IDENTIFY{L"L_METHOD_ETHERNETADAPTER_IDENTIFY",
+                                                                L"IdentifyAdapter"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_IDENTIFY_SECONDS{
+    L"L_PARAM_ETHERNETADAPTER_IDENTIFY_SECONDS", L"nSeconds"};
+inline constexpr ProviderName L_METHOD_ETHERNETADAPTER_GET_HBA_PATH{L"L_METHOD_ETHERNETADAPTER_GET_HBA_PATH",
+                                                                    L"GetHbaPath"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_HBA_PATH{L"L_PARAM_ETHERNETADAPTER_HBA_PATH",
+                                                               L"HbaPath"};
+inline constexpr ProviderName L_METHOD_ETHERNETADAPTER_GETNDISVERSION{
+    L"L_METHOD_ETHERNETADAPTER_GETNDISVERSION", L"GetNDISVersion"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_NDIS_MAJOR{L"L_PARAM_ETHERNETADAPTER_NDIS_MAJOR",
+                                                                 L"dwMajorVersion"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_NDIS_MINOR{L"L_PARAM_ETHERNETADAPTER_NDIS_MINOR",
+                                                                 L"dwMinorVersion"};
+inline constexpr ProviderName L_METHOD_ETHERNETADAPTER_GET_ADAPTER_WARNINGS{
+    L"L_METHOD_ETHERNETADAPTER_GET_ADAPTER_WARNINGS", L"GetAdapterWarnings"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_WARNINGS{L"L_PARAM_ETHERNETADAPTER_WARNINGS",
+                                                               L"dwAdapterWarnings"};
+
+// Membership in a team.
+inline constexpr ProviderName L_CLASS_ZOREL_TEAMEDMEMBERADAPTER{L"L_CLASS_ZOREL_TEAMEDMEMBERADAPTER",
+                                                                L"Zorel_TeamedMemberAdapter"};
+inline constexpr ProviderName L_PROP_TEAMEDMEMBERADAPTER_GROUPCOMPONENT{
+    L"L_PROP_TEAMEDMEMBERADAPTER_GROUPCOMPONENT", L"GroupComponent"};
+
+// Advanced settings, by owner.
+inline constexpr ProviderName L_CLASS_ZOREL_ADAPTER_SETTING{L"L_CLASS_ZOREL_ADAPTER_SETTING",
+                                                            L"Zorel_AdapterSetting"};
+inline constexpr ProviderName L_CLASS_ZOREL_ADAPTER_SETTING_ENUM{L"L_CLASS_ZOREL_ADAPTER_SETTING_ENUM",
+                                                                 L"Zorel_AdapterSettingEnum"};
+inline constexpr ProviderName L_CLASS_ZOREL_TEAM_SETTING{L"L_CLASS_ZOREL_TEAM_SETTING", L"Zorel_TeamSetting"};
+inline constexpr ProviderName L_CLASS_ZOREL_VLAN_SETTING{L"L_CLASS_ZOREL_VLAN_SETTING", L"Zorel_VLANSetting"};
+inline constexpr ProviderName L_CLASS_ZOREL_BOOTAGENT_SETTING{L"L_CLASS_ZOREL_BOOTAGENT_SETTING",
+                                                              L"Zorel_BootAgentSetting"};
+inline constexpr ProviderName L_ZOREL_CLASS{L"L_ZOREL_CLASS", L"__CLASS"};
+inline constexpr ProviderName L_PROP_SETTING_CAPTION{L"L_PROP_SETTING_CAPTION", L"Caption"};
+inline constexpr ProviderName L_PROP_SETTING_DESCRIPTION{L"L_PROP_SETTING_DESCRIPTION", L"Description"};
+inline constexpr ProviderName L_PROP_SETTING_MINIHELP{L"L_PROP_SETTING_MINIHELP", L"MiniHelp"};
+inline constexpr ProviderName L_PROP_SETTING_EXPOSE_LEVEL{L"L_PROP_SETTING_EXPOSE_LEVEL", L"ExposeLevel"};
+inline constexpr ProviderName L_PROP_SETTING_WRITABLE{L"L_PROP_SETTING_WRITABLE", L"Writable"};
+inline constexpr ProviderName L_PROP_SETTING_GROUPED{L"L_PROP_SETTING_GROUPED", L"Grouped"};
+inline constexpr ProviderName L_PROP_SETTING_GROUP_ID{L"L_PROP_SETTING_GROUP_ID", L"GroupId"};
+inline constexpr ProviderName L_PROP_SETTING_PARENT_ID{L"L_PROP_SETTING_PARENT_ID", L"ParentId"};
+inline constexpr ProviderName L_PROP_SETTING_CURRENT_VALUE{L"L_PROP_SETTING_CURRENT_VALUE", L"CurrentValue"};
+inline constexpr ProviderName L_PROP_SETTING_CURRENT_VALUES{L"L_PROP_SETTING_CURRENT_VALUES",
+                                                            L"CurrentValues"};
+inline constexpr ProviderName L_PROP_SETTING_DEFAULT_VALUE{L"L_PROP_SETTING_DEFAULT_VALUE", L"DefaultValue"};
+inline constexpr ProviderName L_PROP_SETTING_MAX{L"L_PROP_SETTING_MAX", L"Max"};
+inline constexpr ProviderName L_PROP_SETTING_MIN{L"L_PROP_SETTING_MIN", L"Min"};
+inline constexpr ProviderName L_PROP_SETTING_STEP{L"L_PROP_SETTING_STEP", L"Step"};
+inline constexpr ProviderName L_PROP_SETTING_BASE{L"L_PROP_SETTING_BASE", L"Base"};
+inline constexpr ProviderName L_PROP_SETTING_SCALE{L"L_PROP_SETTING_SCALE", L"Scale"};
+inline constexpr ProviderName L_PROP_SETTING_MAX_LENGTH{L"L_PROP_SETTING_MAX_LENGTH", L"MaxLength"};
+inline constexpr ProviderName L_PROP_SETTING_DESCRIPTION_MAP{L"L_PROP_SETTING_DESCRIPTION_MAP",
+                                                             L"DescriptionMap"};
+inline constexpr ProviderName L_PROP_SETTING_POSSIBLE_VALUES{L"L_PROP_SETTING_POSSIBLE_VALUES",
+                                                             L"PossibleValues"};
+inline constexpr ProviderName L_PROP_SETTING_FIRST_LABEL{L"L_PROP_SETTING_FIRST_LABEL", L"FirstLabel"};
+inline constexpr ProviderName L_PROP_SETTING_LAST_LABEL{L"L_PROP_SETTING_LAST_LABEL", L"LastLabel"};

@@ -2,6 +2,8 @@
 // released on every path.
 #pragma once
 
+#include "ProviderEnum.h"
+#include "ProviderNames.h"
 #include "ResultCodes.h"
 
 #include <quillet/Quillet.h>
@@ -9,7 +11,7 @@
 class ProviderSession {
   public:
     /// Takes both; traces when either is missing.
-    explicit ProviderSession(CQuillet& quillet);
+    explicit ProviderSession(CQuillet& quillet, const wchar_t* missing = MISSING);
     ProviderSession(const ProviderSession&) = delete;
     ProviderSession& operator=(const ProviderSession&) = delete;
 
@@ -23,7 +25,14 @@ class ProviderSession {
     void Retrieve(LONG mode) const { CQuillet::ChangeContext(m_context, mode); }
     static constexpr LONG Everything = -1;
 
+    /// Runs a WQL query with the thread's context. @param failure the trace text of a failed one.
+    HRESULT Query(const std::wstring& text, ProviderEnum& instances, const wchar_t* failure) const;
+    /// Enumerates a class with the thread's context. @param failure the trace text of a failed one.
+    HRESULT Enumerate(const ProviderName& className, ProviderEnum& instances, const wchar_t* failure) const;
+
   private:
+    static constexpr const wchar_t* MISSING = L"((pIWbemService == NULL) || (pIWbemContext == NULL))";
+
     CQuillet& m_quillet;
     ATL::CComPtr<IWbemServices> m_service;
     ATL::CComPtr<IWbemContext> m_context;

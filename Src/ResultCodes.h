@@ -6,5 +6,6 @@
 #include <wbemidl.h>
 
 inline constexpr HRESULT RESULT_WBEM_FAILED = static_cast<HRESULT>(WBEM_E_FAILED);               // 0x80041001
+inline constexpr HRESULT RESULT_WBEM_NOT_FOUND = static_cast<HRESULT>(WBEM_E_NOT_FOUND);         // 0x80041002
 inline constexpr HRESULT RESULT_WBEM_ACCESS_DENIED = static_cast<HRESULT>(WBEM_E_ACCESS_DENIED); // 0x80041003
 inline constexpr HRESULT RESULT_WBEM_OUT_OF_MEMORY = static_cast<HRESULT>(WBEM_E_OUT_OF_MEMORY); // 0x80041006

@@ -2,10 +2,11 @@
 // thread of the client, and letting go of them.
 #include <quillet/Quillet.h>
 
+#include "ConfigurationKeys.h"
+#include "LumRegistry.h"
 #include "ProviderEnum.h"
 #include "ProviderNames.h"
 #include "ProxyBlanket.h"
-#include "Registry.h"
 #include "ResultCodes.h"
 #include "SessionLocale.h"
 #include "Trace.h"
@@ -105,9 +106,9 @@ HRESULT CQuillet::UninitQuillet() {
 }
 
 _bstr_t CQuillet::GetNamespace() {
-    constexpr DWORD namespaceBytes = 1024 * sizeof(wchar_t);
+    constexpr std::size_t namespaceBuffer = 1024;
     const std::optional<std::wstring> configured =
-        RegistryKey(REGISTRY_PROVIDERS).Text(L"Namespace", namespaceBytes);
+        LumRegistryKey(REGISTRY_PROVIDERS).ReadString(L"Namespace", namespaceBuffer);
     return _bstr_t(NAMESPACE_ROOT) + (configured ? configured->c_str() : DEFAULT_NAMESPACE);
 }
 

@@ -1,6 +1,7 @@
 #include "SessionLocale.h"
 
-#include "Registry.h"
+#include "ConfigurationKeys.h"
+#include "LumRegistry.h"
 #include "Trace.h"
 
 #include <algorithm>
@@ -59,9 +60,9 @@ bool IsFirstMultiLanguageVersion() {
 }
 
 std::optional<std::wstring> ChooseLocale() {
-    const RegistryKey orba(REGISTRY_ORBA);
+    const LumRegistryKey orba(REGISTRY_ORBA);
     if (orba.Has(L"ForcedLanguage")) {
-        if (const std::optional<DWORD> forced = orba.Number(L"ForcedLanguage")) {
+        if (const std::optional<DWORD> forced = orba.ReadFourBytes(L"ForcedLanguage")) {
             const bool translated =
                 std::find(TRANSLATED.begin(), TRANSLATED.end(), *forced) != TRANSLATED.end();
             return LocaleOf(translated ? *forced : ENGLISH);
@@ -75,8 +76,9 @@ std::optional<std::wstring> ChooseLocale() {
         }
         return std::nullopt;
     }
-    constexpr DWORD lcidBytes = 260;
-    if (const std::optional<std::wstring> lcid = RegistryKey(REGISTRY_LUM2).Text(L"LCID", lcidBytes)) {
+    constexpr std::size_t lcidBuffer = 260 / sizeof(wchar_t);
+    if (const std::optional<std::wstring> lcid =
+            LumRegistryKey(REGISTRY_LUM2).ReadString(L"LCID", lcidBuffer)) {
         return L"MS_" + *lcid;
     }
     return std::nullopt;

@@ -4,10 +4,11 @@
 
 #include "LumDebug.h"
 #include "ProviderNames.h"
+#include "TraceAtLoad.h"
 
 /// Writes a text as it stands, per cent signs included.
 inline void TraceText(const wchar_t* text) {
-    LumTrace().Print(L"%s", text);
+    LumTrace().PrintText(text);
 }
 
 /// Writes a text followed by another: "GetObject -> " and a symbol, for example.

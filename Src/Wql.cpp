@@ -27,6 +27,11 @@ std::wstring SelectWhere(const wchar_t* className, const wchar_t* property, cons
     return std::wstring(L"SELECT * FROM ") + className + L" WHERE " + property + L" = " + Quoted(value);
 }
 
+std::wstring Settings(const wchar_t* className, const std::wstring& parentId, const std::wstring& caption) {
+    const std::wstring all = SelectWhere(className, L"ParentId", parentId);
+    return caption.empty() ? all : all + L" AND Caption= " + Quoted(caption);
+}
+
 std::wstring Associators(const std::wstring& path, const wchar_t* resultClass) {
     return OfObject(L"ASSOCIATORS OF", path, resultClass);
 }

@@ -16,8 +16,13 @@
 #include <quillet/ISCSIAdapter.h>
 #include <quillet/PerformanceProfile.h>
 #include <quillet/Setting.h>
+#include <quillet/SettingNames.h>
 #include <quillet/Team.h>
 #include <quillet/VLAN.h>
+
+class CLumString;
+class ProviderSession;
+struct ProviderName;
 
 /// The management session of one client with one machine's provider.
 ///
@@ -86,6 +91,71 @@ class QUILLET_API CQuillet {
     HRESULT GetGUI(const std::wstring& adapterId, std::wstring& objectId);
     /// The adapter's object path on this computer for an object identifier. @return always 0.
     HRESULT GetAdapterID(const std::wstring& objectId, std::wstring& adapterId);
+
+    /// Reads the adapter's name, display name, device and slot identifier
+    /// (Zorel_PhysicalEthernetAdapter: "Name", "OriginalDisplayName", "DeviceID", "SlotID").
+    HRESULT GetAdapterBasicInfo(const std::wstring& adapterId, CAdapter& adapter);
+    /// Makes the adapter's dynamic record and reads link, duplex, link security and state into it ("Speed",
+    /// "LinkSecStatus", "FullDuplex", "AdapterStatus", "StatusInfo", "Availability", "HardwareStatus",
+    /// "Status").
+    /// @return 0x80004005 for an empty identifier or an adapter that has the record already. A record that a
+    ///         later read could not complete stays with the adapter.
+    HRESULT GetAdapterDynamicInfo(const std::wstring& adapterId, CAdapter& adapter);
+    /// Reads "AdapterStatus" into the adapter's dynamic record, which it makes when there is none.
+    HRESULT GetAdapterStatus(const std::wstring& adapterId, CAdapter& adapter);
+    /// Makes the adapter's capability record from the codes in "Capabilities"; codes that are not known are
+    /// left out.
+    /// @return 0x80004005 for an empty identifier or an adapter that has the record already, 0x80041001 when
+    ///         there is no array.
+    HRESULT GetAdapterCapabilities(const std::wstring& adapterId, CAdapter& adapter);
+    /// Reads the adapter's identity on its bus and its addresses, as texts for display.
+    HRESULT GetAdapterPCIInfo(const std::wstring& adapterId, CPCIInfo& info);
+
+    /// Appends one record for every present adapter in the same slot (the adapter itself included) that is a
+    /// member of a team.
+    HRESULT EnumerateOtherPortOfAdapter(const std::wstring& adapterId, CAdapterPorts& ports);
+    /// Lets the adapter show where it is (it blinks) for so many seconds.
+    HRESULT IdentifyAdapter(const std::wstring& adapterId, LONG seconds);
+    /// The path of the adapter's storage host bus adapter.
+    HRESULT GetHbaPath(const std::wstring& adapterId, std::wstring& path);
+    /// The NDIS version of the adapter's driver; both -1 when it cannot be read.
+    HRESULT GetNDIS_Version(const std::wstring& adapterId, int& major, int& minor);
+    /// The adapter's own warnings, the provider's bit mask; 0 when they cannot be read.
+    HRESULT GetAdapterWarnings(const std::wstring& adapterId, ULONGLONG& warnings);
+    /// @}
+
+    /// @name Advanced settings
+    /// Each replaces what the collection holds with the settings of one owner. An empty identifier, or one
+    /// that is no object path, is 0x80004005. When a setting cannot be read, those before it stay.
+    /// @{
+
+    /// The settings of an adapter (Zorel_AdapterSetting).
+    /// @param selector what the provider is asked to retrieve; 0xFFFFFFFF for everything.
+    HRESULT GetAdapterSettings(const std::wstring& adapterId, CSettings& settings, DWORD selector);
+    HRESULT GetAdapterSettings(const std::wstring& adapterId, CSettings& settings);
+    /// The settings of an adapter's virtual-machine queues.
+    HRESULT GetAdapterVmqSettings(const CLumString& adapterId, CSettings& settings);
+    /// The settings of a team (Zorel_TeamSetting), by the team's path.
+    HRESULT GetTeamSettings(const std::wstring& teamId, CSettings& settings);
+    /// The settings of a VLAN (Zorel_VLANSetting), by the VLAN's path.
+    HRESULT GetVlanSettings(const std::wstring& vlanId, CSettings& settings);
+    /// The settings of a boot agent (Zorel_BootAgentSetting), by the boot agent's path.
+    HRESULT GetBootAgentSettings(const std::wstring& bootAgentId, CSettings& settings);
+    /// The speed and duplex setting of an adapter.
+    /// @param standardKeywords whether to look for "*SpeedDuplex" or for the older "SpeedDuplex".
+    /// @return 0x80041002 when the adapter has no such setting; the output is then emptied but for its lists.
+    HRESULT GetSpeedDuplexSetting(const std::wstring& adapterId, CSettingEnum& setting,
+                                  bool standardKeywords);
+    /// Reads one enumerated setting of an adapter again, in place.
+    /// @param adapterId the adapter's object identifier (GUID text), not its path.
+    /// @param setting   a CSettingEnum with its caption.
+    HRESULT GetAdapterSettingAsync(const CLumString& adapterId, CSetting* setting);
+    /// Appends the settings of one class and owner, all or those of one caption.
+    /// @param parentId the owner's object identifier.
+    HRESULT GetSettingFromClassOnAdapter(const _bstr_t& className, const _bstr_t& parentId,
+                                         const _bstr_t& caption, CSettings& settings, DWORD selector);
+    HRESULT GetSettingFromClassOnAdapter(const _bstr_t& className, const _bstr_t& parentId,
+                                         const _bstr_t& caption, CSettings& settings);
     /// @}
 
   private:
@@ -149,6 +219,32 @@ class QUILLET_API CQuillet {
     static CAdapterDynamicInfo::LinkSpeed GetLinkSpeed(const LONG& speed);
     static CAdapterDynamicInfo::LinkSecStatus GetLinkSecStatus(const LONG& status);
     static CDataCenter::DCBStatus GetDCBStatus(const LONG& status);
+
+    // Settings.
+    static HRESULT GetSetting(IWbemClassObject* instance, CSetting* setting);
+    static HRESULT GetIntSetting(IWbemClassObject* instance, CSettingInt* setting);
+    static HRESULT GetStringSetting(IWbemClassObject* instance, CSettingString* setting);
+    static HRESULT GetEnumSetting(IWbemClassObject* instance, CSettingEnum* setting);
+    static HRESULT GetSliderSetting(IWbemClassObject* instance, CSettingSlider* setting);
+    static HRESULT GetMultiSetting(IWbemClassObject* instance, CSettingMultiSelection* setting);
+    static HRESULT GetMultiStringSetting(IWbemClassObject* instance, CSettingMultiString* setting);
+    static HRESULT ReadSetting(IWbemClassObject* instance, CSetting* setting, const wchar_t*& reader);
+    static HRESULT AppendSetting(IWbemClassObject* instance, CSettings& settings);
+    struct SettingOwner;
+    HRESULT GetSettingsOfOwner(const SettingOwner& owner, const std::wstring& id, CSettings& settings,
+                               DWORD selector);
+    HRESULT GetSettingOnTeamOrAdapter(const std::vector<std::wstring>& adapterIds, CSettings& settings,
+                                      bool& onAll, SettingName name);
+
+    // Display texts from the qualifiers of a property.
+    HRESULT GetDataFromValues(const ProviderName& className, const ProviderName& property, LONG code,
+                              std::wstring& text);
+    HRESULT GetDataFromValueMap(const ProviderName& className, const ProviderName& property, LONG code,
+                                std::wstring& text);
+
+    // The ports of one adapter of a board.
+    static HRESULT AppendPorts(const ProviderSession& session, IWbemClassObject* adapter,
+                               CAdapterPorts& ports);
 
     DWORD m_dwService = 0;    ///< interface-table cookie of the IWbemServices; 0: none
     DWORD m_dwNetService = 0; ///< cookie of the Zorel_NetService instance; 0: none
