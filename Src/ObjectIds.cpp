@@ -7,8 +7,7 @@ using Helper = CZorel_EthernetAdapterMgrHelper;
 bool ObjectIdFromPath(ObjectKind kind, const std::wstring& path, std::wstring& objectId) {
     objectId.clear();
     CLumWmiAutoParsedObjectPath parsed;
-    std::wstring text = path; // the parser takes a text that it may write to
-    if (parsed.Parse(text.data()) != 0) {
+    if (parsed.Parse(path.c_str()) != 0) {
         return false;
     }
     wchar_t* found = nullptr;
