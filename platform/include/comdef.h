@@ -22,7 +22,6 @@ class _com_error {
     _bstr_t Source() const;
     _bstr_t HelpFile() const;
     DWORD HelpContext() const noexcept;
-    ::GUID GUID() const noexcept;
     /// The system's text for the code without its line end, or "Unknown error 0x…".
     const TCHAR* ErrorMessage() const noexcept;
 

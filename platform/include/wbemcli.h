@@ -54,8 +54,8 @@ enum tag_WBEM_STATUS_TYPE {
 };
 using WBEM_STATUS_TYPE = tag_WBEM_STATUS_TYPE;
 
-/// Timeouts are signed milliseconds where they are passed; WBEM_INFINITE is -1 there.
-enum tag_WBEM_TIMEOUT_TYPE : LONG { WBEM_NO_WAIT = 0, WBEM_INFINITE = -1 };
+/// Unsigned, as in the SDK: the timeouts of the calls are signed, so WBEM_INFINITE goes there through a cast.
+enum tag_WBEM_TIMEOUT_TYPE { WBEM_NO_WAIT = 0, WBEM_INFINITE = 0xffffffff };
 using WBEM_TIMEOUT_TYPE = tag_WBEM_TIMEOUT_TYPE;
 
 /// Flags of GetNames and BeginEnumeration.

@@ -1,0 +1,55 @@
+// COM's initialisation, counted for each thread.
+#include "Apartment.h"
+
+#include <windows.h>
+#include <objbase.h>
+
+namespace {
+
+struct ThreadState {
+    ULONG initialisations = 0;
+    bool singleThreaded = false;
+};
+thread_local ThreadState thread;
+
+} // namespace
+
+namespace quillet::platform {
+
+bool IsComInitialised() noexcept {
+    return thread.initialisations != 0;
+}
+
+} // namespace quillet::platform
+
+HRESULT WINAPI CoInitializeEx(void* reserved, DWORD model) {
+    constexpr DWORD known =
+        COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE | COINIT_SPEED_OVER_MEMORY | COINIT_MULTITHREADED;
+    if (reserved || (model & ~known))
+        return E_INVALIDARG;
+    const bool singleThreaded = (model & COINIT_APARTMENTTHREADED) != 0;
+    if (thread.initialisations == 0) {
+        thread.singleThreaded = singleThreaded;
+        thread.initialisations = 1;
+        return S_OK;
+    }
+    if (thread.singleThreaded != singleThreaded)
+        return RPC_E_CHANGED_MODE;
+    ++thread.initialisations;
+    return S_FALSE;
+}
+
+HRESULT WINAPI CoInitialize(void* reserved) {
+    return CoInitializeEx(reserved, COINIT_APARTMENTTHREADED);
+}
+
+void WINAPI CoUninitialize() {
+    if (thread.initialisations)
+        --thread.initialisations;
+}
+
+HRESULT WINAPI CoInitializeSecurity(void*, LONG, SOLE_AUTHENTICATION_SERVICE*, void*, DWORD, DWORD, void*,
+                                    DWORD, void*) {
+    // One process is all there is to secure.
+    return thread.initialisations ? S_OK : CO_E_NOTINITIALIZED;
+}

@@ -1,0 +1,9 @@
+// Whether a thread may use COM.
+#pragma once
+
+namespace quillet::platform {
+
+/// The calling thread has initialised COM more often than it has given it up.
+bool IsComInitialised() noexcept;
+
+} // namespace quillet::platform

@@ -1,0 +1,133 @@
+// BSTR: the length in bytes stands in the four bytes before the text, a terminator behind it.
+#include "Counters.h"
+
+#include <windows.h>
+#include <quillet-platform/TestHooks.h>
+
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+// As long as what malloc aligns to, so that the text behind it is aligned too.
+constexpr std::size_t headerBytes = 16;
+
+struct ThreadAllocations {
+    unsigned long made = 0;
+    unsigned long failIn = 0;
+};
+thread_local ThreadAllocations allocations;
+
+bool MustFail() noexcept {
+    ++allocations.made;
+    return allocations.failIn != 0 && --allocations.failIn == 0;
+}
+
+char* BlockOf(BSTR text) noexcept {
+    return reinterpret_cast<char*>(text) - headerBytes;
+}
+
+void SetByteLength(char* block, UINT bytes) noexcept {
+    std::memcpy(block + headerBytes - sizeof bytes, &bytes, sizeof bytes);
+}
+
+bool TooLong(UINT length) noexcept {
+    return length >= (~0u - headerBytes - sizeof(OLECHAR)) / sizeof(OLECHAR);
+}
+
+} // namespace
+
+namespace quillet::platform {
+
+unsigned long BstrAllocations() noexcept {
+    return allocations.made;
+}
+
+void FailBstrAllocation(unsigned long nth) noexcept {
+    allocations.failIn = nth;
+}
+
+} // namespace quillet::platform
+
+BSTR WINAPI SysAllocStringByteLen(LPCSTR text, UINT bytes) {
+    if (MustFail() || TooLong(bytes / sizeof(OLECHAR)))
+        return nullptr;
+    // The terminator starts behind the last byte, which need not end a character.
+    auto* const block = static_cast<char*>(std::malloc(headerBytes + bytes + sizeof(OLECHAR)));
+    if (!block)
+        return nullptr;
+    std::memset(block, 0, headerBytes);
+    SetByteLength(block, bytes);
+    char* const content = block + headerBytes;
+    if (text && bytes)
+        std::memcpy(content, text, bytes);
+    std::memset(content + bytes, 0, sizeof(OLECHAR));
+    quillet::platform::counters.bstrs.fetch_add(1, std::memory_order_relaxed);
+    return reinterpret_cast<BSTR>(content);
+}
+
+BSTR WINAPI SysAllocStringLen(const OLECHAR* text, UINT length) {
+    if (TooLong(length)) {
+        MustFail();
+        return nullptr;
+    }
+    return SysAllocStringByteLen(reinterpret_cast<LPCSTR>(text), length * static_cast<UINT>(sizeof(OLECHAR)));
+}
+
+BSTR WINAPI SysAllocString(const OLECHAR* text) {
+    if (!text)
+        return nullptr;
+    const std::size_t length = std::wcslen(text);
+    return SysAllocStringLen(text, length > ~0u ? ~0u : static_cast<UINT>(length));
+}
+
+INT WINAPI SysReAllocStringLen(BSTR* text, const OLECHAR* newText, UINT length) {
+    if (!text)
+        return FALSE;
+    // The new text may be a part of the old one, which therefore goes last.
+    const BSTR made = SysAllocStringLen(newText, length);
+    if (!made)
+        return FALSE;
+    if (!newText && *text) {
+        const UINT kept = SysStringLen(*text) < length ? SysStringLen(*text) : length;
+        std::memcpy(made, *text, kept * sizeof(OLECHAR));
+    }
+    SysFreeString(*text);
+    *text = made;
+    return TRUE;
+}
+
+INT WINAPI SysReAllocString(BSTR* text, const OLECHAR* newText) {
+    if (!text)
+        return FALSE;
+    if (!newText) {
+        SysFreeString(*text);
+        *text = nullptr;
+        return TRUE;
+    }
+    const BSTR made = SysAllocString(newText);
+    if (!made)
+        return FALSE;
+    SysFreeString(*text);
+    *text = made;
+    return TRUE;
+}
+
+void WINAPI SysFreeString(BSTR text) {
+    if (!text)
+        return;
+    quillet::platform::counters.bstrs.fetch_sub(1, std::memory_order_relaxed);
+    std::free(BlockOf(text));
+}
+
+UINT WINAPI SysStringByteLen(BSTR text) {
+    if (!text)
+        return 0;
+    UINT bytes = 0;
+    std::memcpy(&bytes, BlockOf(text) + headerBytes - sizeof bytes, sizeof bytes);
+    return bytes;
+}
+
+UINT WINAPI SysStringLen(BSTR text) {
+    return SysStringByteLen(text) / static_cast<UINT>(sizeof(OLECHAR));
+}
