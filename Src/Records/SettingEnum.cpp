@@ -1,7 +1,7 @@
 // Enumerated settings: which value stands for enabled and disabled, and the texts of the values.
 #include <quillet/Setting.h>
 
-#include "TraceAtLoad.h"
+#include "LumDebug.h"
 #include "Text.h"
 
 #include <array>
