@@ -1,0 +1,14 @@
+// The list of the commands.
+#include "Commands.h"
+
+namespace quilletctl {
+
+void AddAllCommands(CommandTree& tree) {
+    AddAdapterCommands(tree);
+    AddWarningsCommand(tree);
+    AddTraceCommand(tree);
+    AddTransactionCommands(tree);
+    AddVersionCommand(tree);
+}
+
+} // namespace quilletctl

@@ -1,0 +1,17 @@
+// Every command of quilletctl: one function per noun, in the file of that noun.
+#pragma once
+
+#include "Command.h"
+
+namespace quilletctl {
+
+void AddAdapterCommands(CommandTree& tree);
+void AddWarningsCommand(CommandTree& tree);
+void AddTraceCommand(CommandTree& tree);
+void AddTransactionCommands(CommandTree& tree);
+void AddVersionCommand(CommandTree& tree);
+
+/// All of them, in the order of the help.
+void AddAllCommands(CommandTree& tree);
+
+} // namespace quilletctl

@@ -1,0 +1,30 @@
+// How a command ends: its exit status, and what it throws where it cannot go on.
+#pragma once
+
+#include <windows.h>
+
+#include <stdexcept>
+#include <string>
+
+namespace quilletctl {
+
+enum class ExitStatus : int {
+    Done = 0,
+    Refused = 1,  ///< the provider refused, or could not be reached
+    BadUsage = 2, ///< the command line, or a file that it names, cannot be used
+    Findings = 3  ///< a check ran and found problems
+};
+
+/// The provider (or COM on the way to it) refused: what was asked for, and the code.
+class Refusal : public std::runtime_error {
+  public:
+    Refusal(const std::string& asked, HRESULT code);
+};
+
+/// The command line, or a file that it names, cannot be used.
+class UsageError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+} // namespace quilletctl

@@ -1,0 +1,57 @@
+// Connecting on demand, answering, and what follows a command.
+#include "Invocation.h"
+
+#include "SimulatedMachine.h"
+#include "Text.h"
+
+#include <nlohmann/json.hpp>
+
+namespace quilletctl {
+
+Invocation::Invocation(const GlobalOptions& options, Terminal& terminal)
+    : m_options(options), m_terminal(terminal) {}
+
+CQuillet& Invocation::Session() {
+    if (!m_connection) {
+        if (!m_machine && UsesSimulator(m_options)) {
+            m_machine = LoadMachine(m_options);
+        }
+        m_connection.emplace(m_options.machine, m_machine);
+    }
+    return m_connection->Quillet();
+}
+
+void Invocation::Check(HRESULT code, const std::string& asked) {
+    if (FAILED(code)) {
+        throw Refusal(asked, code);
+    }
+}
+
+void Invocation::Print(const Json& json) {
+    constexpr int INDENT = 2;
+    m_terminal.out << json.dump(INDENT, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+void Invocation::Finish() {
+    Disconnect();
+    // The journal first: it is most wanted when things went wrong.
+    if (m_options.journal) {
+        PrintJournal();
+    }
+    if (m_machine && !m_options.stateFile.empty()) {
+        SaveMachine(*m_machine, m_options.stateFile);
+    }
+}
+
+void Invocation::PrintJournal() {
+    // What a program parses stays clean.
+    std::ostream& stream = WantsJson() ? m_terminal.err : m_terminal.out;
+    const auto calls =
+        m_machine ? m_machine->Calls().ProviderCalls() : std::vector<quillet::simulator::JournalEntry>();
+    stream << (WantsJson() ? "" : "\n") << "Calls to the provider: " << calls.size() << '\n';
+    for (const auto& call : calls) {
+        stream << "  " << Printable(ToUtf8(call.Line())) << '\n';
+    }
+}
+
+} // namespace quilletctl

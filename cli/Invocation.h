@@ -1,0 +1,51 @@
+// One run of a command: its options, the provider that it talks to, and where it writes.
+#pragma once
+
+#include "Connection.h"
+#include "Failure.h"
+#include "Options.h"
+#include "Terminal.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+
+namespace quilletctl {
+
+/// Keys stay in the order in which a command names them.
+using Json = nlohmann::ordered_json;
+
+class Invocation {
+  public:
+    Invocation(const GlobalOptions& options, Terminal& terminal);
+
+    /// The session with the provider; connects when it is first asked for. Throws Refusal or UsageError.
+    CQuillet& Session();
+    /// Disconnects, where there is a connection; what Session() yielded is gone.
+    void Disconnect() noexcept { m_connection.reset(); }
+    /// Throws Refusal when an operation failed; `asked` completes "could not …".
+    static void Check(HRESULT code, const std::string& asked);
+
+    bool WantsJson() const noexcept { return m_options.json; }
+    const Terminal& Screen() const noexcept { return m_terminal; }
+    std::ostream& Out() noexcept { return m_terminal.out; }
+    /// Writes the command's answer for programs.
+    void Print(const Json& json);
+
+    /// After the command: disconnects, saves the simulated machine if asked to, and prints the journal if
+    /// asked to. Throws UsageError when the state file cannot be written.
+    void Finish();
+
+  private:
+    void PrintJournal();
+
+    const GlobalOptions& m_options;
+    Terminal& m_terminal;
+    std::shared_ptr<quillet::simulator::Machine> m_machine;
+    std::optional<Connection> m_connection;
+};
+
+} // namespace quilletctl

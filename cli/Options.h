@@ -1,0 +1,20 @@
+// The options that every command takes.
+#pragma once
+
+#include <string>
+
+namespace quilletctl {
+
+/// Texts are UTF-8; empty where the option was not given.
+struct GlobalOptions {
+    std::string machine;     ///< --machine: host name or address
+    bool simulate = false;   ///< --simulate
+    std::string machineFile; ///< the MOF file of --simulate; empty: the built-in machine
+    std::string stateFile;   ///< --state
+    bool json = false;       ///< --json
+    bool journal = false;    ///< --journal
+    bool yes = false;        ///< --yes
+    bool noColour = false;   ///< --no-color
+};
+
+} // namespace quilletctl

@@ -1,0 +1,20 @@
+// Where a command writes, and what the reader at the other end can take.
+#pragma once
+
+#include <cstddef>
+#include <ostream>
+
+namespace quilletctl {
+
+/// The two output streams (UTF-8, lines end with a line feed alone) and their properties.
+struct Terminal {
+    std::ostream& out;
+    std::ostream& err;
+    bool outIsTerminal = false; ///< a person reads the output, not a file or a program
+    bool errIsTerminal = false;
+    bool outColour = false; ///< escape sequences are understood, and wanted
+    bool errColour = false;
+    std::size_t width = 80; ///< columns, where the output is a terminal
+};
+
+} // namespace quilletctl

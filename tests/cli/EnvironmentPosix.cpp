@@ -1,0 +1,12 @@
+// Environment variables on a POSIX host.
+#include "Environment.h"
+
+#include <stdlib.h>
+
+void SetEnvironment(const char* name, const char* value) {
+    if (*value == '\0') {
+        unsetenv(name);
+    } else {
+        setenv(name, value, 1);
+    }
+}

@@ -1,0 +1,70 @@
+// Aligned columns.
+#include <Table.h>
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+using namespace quilletctl;
+
+namespace {
+
+std::string Printed(const Table& table, bool isTerminal = false, std::size_t width = 80,
+                    bool colour = false) {
+    std::ostringstream out;
+    table.Print(Terminal{out, out, isTerminal, isTerminal, colour, colour, width});
+    return out.str();
+}
+
+TEST(Table, Print_AlignsByColumnsOfTheScreen) {
+    Table table({{"NAME"}, {"ID"}});
+    table.AddRow({"東京", "1"});
+    table.AddRow({"Gerät", "2"});
+    table.AddRow({"e\xCC\x81", "3"});
+    EXPECT_EQ(Printed(table), "NAME   ID\n"
+                              "東京   1\n"
+                              "Gerät  2\n"
+                              "e\xCC\x81      3\n");
+}
+
+TEST(Table, Print_NoLineEndsWithBlanks) {
+    Table table({{"A"}, {"LONG TITLE"}});
+    table.AddRow({"x", ""});
+    table.AddRow({"", "y"});
+    table.AddRow({"short", "z"});
+    EXPECT_EQ(Printed(table), "A      LONG TITLE\n"
+                              "x\n"
+                              "       y\n"
+                              "short  z\n");
+}
+
+TEST(Table, Print_InANarrowTerminalTheWidestTextGivesWay) {
+    Table table({{"NAME", Fit::MayShorten}, {"TEXT", Fit::MayShorten}, {"ID", Fit::Whole}});
+    table.AddRow({"0123456789abcdef", "0123456789", "{0123456789}"});
+    EXPECT_EQ(Printed(table, true, 36), "NAME        TEXT        ID\n"
+                                        "012345678…  0123456789  {0123456789}\n");
+    EXPECT_EQ(Printed(table, true, 10), "NAME      TEXT      ID\n"
+                                        "0123456…  0123456…  {0123456789}\n")
+        << "identifiers stay whole, and texts stay readable";
+    EXPECT_EQ(Printed(table, false, 10), "NAME              TEXT        ID\n"
+                                         "0123456789abcdef  0123456789  {0123456789}\n")
+        << "a file is as wide as it likes";
+}
+
+TEST(Table, Print_TitlesAreBoldWhereColoursAreWanted) {
+    Table table({{"A"}});
+    table.AddRow({"x"});
+    EXPECT_EQ(Printed(table, true, 80, true), "\x1b[1mA\x1b[0m\nx\n");
+}
+
+TEST(Table, AddRow_CellsCannotBreakTheTable) {
+    Table table({{"A"}, {"B"}});
+    table.AddRow({"a\nb", "c\x1B[2J"});
+    table.AddRow({"only one"});
+    EXPECT_EQ(Printed(table), "A         B\n"
+                              "a\xEF\xBF\xBD"
+                              "b       c\xEF\xBF\xBD[2J\n"
+                              "only one\n");
+}
+
+} // namespace

@@ -1,0 +1,85 @@
+// UTF-8, column widths, and texts that are safe to print.
+#include <Text.h>
+
+#include <gtest/gtest.h>
+
+using namespace quilletctl;
+
+namespace {
+
+TEST(Text, ToUtf8_EncodesEveryLength) {
+    EXPECT_EQ(ToUtf8(L"aé東"), "a\xC3\xA9\xE6\x9D\xB1");
+    EXPECT_EQ(ToUtf8(L"\U0001F310"), "\xF0\x9F\x8C\x90");
+    EXPECT_EQ(ToUtf8(L""), "");
+}
+
+TEST(Text, ToUtf8_JoinsSurrogatePairs) {
+    const wchar_t pair[] = {static_cast<wchar_t>(0xD83C), static_cast<wchar_t>(0xDF10), 0};
+    EXPECT_EQ(ToUtf8(pair), "\xF0\x9F\x8C\x90");
+}
+
+TEST(Text, ToUtf8_LoneSurrogatesBecomeTheReplacementCharacter) {
+    const wchar_t high[] = {static_cast<wchar_t>(0xD83C), L'x', 0};
+    EXPECT_EQ(ToUtf8(high), "\xEF\xBF\xBDx");
+    const wchar_t low[] = {L'x', static_cast<wchar_t>(0xDF10), 0};
+    EXPECT_EQ(ToUtf8(low), "x\xEF\xBF\xBD");
+}
+
+TEST(Text, ToUtf8_KeepsEmbeddedZeros) {
+    EXPECT_EQ(ToUtf8(std::wstring_view(L"a\0b", 3)), std::string("a\0b", 3));
+}
+
+TEST(Text, ToWide_IsTheInverse) {
+    for (const std::wstring text : {L"", L"plain", L"Gerät 東京", L"\U0001F310!"}) {
+        EXPECT_EQ(ToWide(ToUtf8(text)), text);
+    }
+}
+
+TEST(Text, Characters_MalformedBytesAreReplacedOneByOne) {
+    EXPECT_EQ(Characters("\x80z"), U"\xFFFDz");
+    EXPECT_EQ(Characters("\xC3"), U"\xFFFD");
+    EXPECT_EQ(Characters("\xE6\x9D"), U"\xFFFD\xFFFD");
+    EXPECT_EQ(Characters("\xC0\x80"), U"\xFFFD\xFFFD") << "an overlong zero";
+    EXPECT_EQ(Characters("\xED\xA0\x80"), U"\xFFFD\xFFFD\xFFFD") << "a surrogate";
+    EXPECT_EQ(Characters("\xF4\x90\x80\x80"), U"\xFFFD\xFFFD\xFFFD\xFFFD") << "above U+10FFFF";
+    EXPECT_EQ(Characters("\xFF"), U"\xFFFD");
+}
+
+TEST(Text, DisplayWidth_CountsColumns) {
+    EXPECT_EQ(DisplayWidth("abc"), 3u);
+    EXPECT_EQ(DisplayWidth("Gerät"), 5u);
+    EXPECT_EQ(DisplayWidth("東京"), 4u);
+    EXPECT_EQ(DisplayWidth("e\xCC\x81"), 1u) << "a combining accent";
+    EXPECT_EQ(DisplayWidth("ﾊﾟ"), 2u) << "half-width katakana";
+    EXPECT_EQ(DisplayWidth("한글"), 4u);
+    EXPECT_EQ(DisplayWidth("\xF0\x9F\x8C\x90"), 2u);
+    EXPECT_EQ(DisplayWidth("a\xE2\x80\x8B"
+                           "b"),
+              2u)
+        << "a zero-width space";
+    EXPECT_EQ(DisplayWidth(""), 0u);
+}
+
+TEST(Text, Shortened_CutsAtColumnsAndMarksTheCut) {
+    EXPECT_EQ(Shortened("abcdef", 6), "abcdef");
+    EXPECT_EQ(Shortened("abcdef", 5), "abcd…");
+    EXPECT_EQ(Shortened("東京都", 5), "東京…");
+    EXPECT_EQ(Shortened("東京都", 4), "東…") << "half of a wide character is no character";
+}
+
+TEST(Text, Printable_ReplacesWhatSteersATerminal) {
+    EXPECT_EQ(Printable("a\x1B[31mb"), "a\xEF\xBF\xBD[31mb");
+    EXPECT_EQ(Printable("a\nb\r\tc"), "a\xEF\xBF\xBD"
+                                      "b\xEF\xBF\xBD\xEF\xBF\xBD"
+                                      "c");
+    EXPECT_EQ(Printable("\x7F"), "\xEF\xBF\xBD");
+    EXPECT_EQ(Printable("\xC2\x9B"), "\xEF\xBF\xBD") << "the one-character form of an escape";
+    EXPECT_EQ(Printable("a\xE2\x80\xAE"
+                        "b"),
+              "a\xEF\xBF\xBD"
+              "b")
+        << "right-to-left override";
+    EXPECT_EQ(Printable("Gerät 東京"), "Gerät 東京");
+}
+
+} // namespace

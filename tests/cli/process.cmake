@@ -1,0 +1,90 @@
+# Runs the program itself and looks at what only a process shows. Arguments: CHECK, QUILLETCTL (a list: the
+# emulator, if any, and the program), SOURCE_DIR, WORK_DIR.
+cmake_policy(VERSION 3.25)
+file(MAKE_DIRECTORY ${WORK_DIR})
+# The trace file goes where no other process of the tests writes its own, on the hosts that ask this variable.
+set(ENV{Temp} ${WORK_DIR})
+set(golden_machine ${SOURCE_DIR}/tests/cli/machines/golden.mof)
+
+function(run expected_status)
+  execute_process(COMMAND ${QUILLETCTL} ${ARGN}
+    WORKING_DIRECTORY ${WORK_DIR}
+    RESULT_VARIABLE status OUTPUT_FILE ${WORK_DIR}/out.txt ERROR_FILE ${WORK_DIR}/err.txt)
+  file(READ ${WORK_DIR}/out.txt out)
+  file(READ ${WORK_DIR}/err.txt err)
+  if(NOT status EQUAL expected_status)
+    message(FATAL_ERROR "quilletctl ${ARGN}: status ${status}, not ${expected_status}\n${out}\n${err}")
+  endif()
+  set(out "${out}" PARENT_SCOPE)
+  set(err "${err}" PARENT_SCOPE)
+endfunction()
+
+function(expect_match text pattern)
+  if(NOT text MATCHES "${pattern}")
+    message(FATAL_ERROR "no match for \"${pattern}\" in:\n${text}")
+  endif()
+endfunction()
+
+if(CHECK STREQUAL bytes)
+  run(0 --simulate ${golden_machine} adapter list --json)
+  execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files
+    ${WORK_DIR}/out.txt ${SOURCE_DIR}/tests/cli/golden/adapter-list.json RESULT_VARIABLE different)
+  if(different)
+    message(FATAL_ERROR "the output differs from tests/cli/golden/adapter-list.json:\n${out}")
+  endif()
+
+elseif(CHECK STREQUAL status)
+  run(0 version)
+  run(2 nonsense)
+  expect_match("${err}" "^quilletctl: [^\n]*nonsense[^\n]*\n$")
+  # An argument outside every code page, and back again.
+  run(2 --simulate "missing 東京.mof" warnings)
+  expect_match("${err}" "^quilletctl: missing 東京.mof: no such file\n$")
+  file(WRITE ${WORK_DIR}/fault.mof [=[
+instance of Zorel_NetService { Name = "ZorelNetService"; };
+instance of QuilletSimulator_Fault { Id = 1; Operation = "ConnectServer"; Code = 0x80041003; };
+]=])
+  run(1 --simulate fault.mof adapter list)
+  expect_match("${err}" "0x80041003 WBEM_E_ACCESS_DENIED\n$")
+
+elseif(CHECK STREQUAL trace)
+  run(0 --simulate trace --lines 4 --json)
+  string(JSON file GET "${out}" file)
+  expect_match("${file}" "Gui_Quillet.txt$")
+  string(JSON count LENGTH "${out}" lines)
+  if(NOT count EQUAL 4)
+    message(FATAL_ERROR "${count} lines instead of 4:\n${out}")
+  endif()
+  string(JSON last GET "${out}" lines 3)
+  expect_match("${last}" "^Quillet\tPID:.*\t~CQuillet$")
+  run(0 --simulate trace)
+  expect_match("${out}" "^trace file: [^\n]*Gui_Quillet.txt\n")
+  expect_match("${out}" " Exit UninitQuillet\n")
+  # A connection that fails leaves its steps there too.
+  file(WRITE ${WORK_DIR}/fault.mof [=[
+instance of Zorel_NetService { Name = "ZorelNetService"; };
+instance of QuilletSimulator_Fault { Id = 1; Operation = "ConnectServer"; Code = 0x80041003; };
+]=])
+  run(1 --simulate fault.mof trace)
+  expect_match("${out}" " Could not connect to namespace.\n")
+
+elseif(CHECK STREQUAL untraced)
+  # The machine's administrator has switched the trace off.
+  file(WRITE ${WORK_DIR}/registry.reg [=[
+Windows Registry Editor Version 5.00
+
+[HKEY_LOCAL_MACHINE\SOFTWARE\MARLO\NETWORK_SERVICES\LUM2]
+"TRACE"=dword:00000000
+]=])
+  set(ENV{QUILLET_REGISTRY} ${WORK_DIR}/registry.reg)
+  run(0 --simulate trace)
+  expect_match("${out}" "^no trace is written\n$")
+  run(0 --simulate trace --json)
+  string(JSON type TYPE "${out}" file)
+  if(NOT type STREQUAL NULL)
+    message(FATAL_ERROR "a file where none is written:\n${out}")
+  endif()
+
+else()
+  message(FATAL_ERROR "unknown check \"${CHECK}\"")
+endif()
