@@ -92,13 +92,13 @@ bool MergeProperties(ClassDefinition& definition, const ClassDefinition* supercl
         }
     }
     for (Property& property : definition.properties) {
-        const std::optional<std::size_t> index =
-            superclass != nullptr ? superclass->PropertyIndex(property.name) : std::nullopt;
+        const Property* overridden =
+            superclass != nullptr ? superclass->FindProperty(property.name) : nullptr;
         property.inherited = false;
         property.defaultValue = Fits(property.defaultValue, property.type)
                                     ? Normalised(property.defaultValue, property.type)
                                     : property.defaultValue;
-        if (!index) {
+        if (overridden == nullptr) {
             if (inheritsKeys && property.IsKey()) {
                 reason = L"property " + Quoted(property.name) + L" cannot be a key: the superclass has keys";
                 return false;
@@ -106,7 +106,7 @@ bool MergeProperties(ClassDefinition& definition, const ClassDefinition* supercl
             property.origin = definition.name;
             merged.push_back(std::move(property));
         } else {
-            const Property& base = superclass->properties[*index];
+            const Property& base = *overridden;
             if (base.type != property.type) {
                 reason = L"property " + Quoted(property.name) + L" is " + CimTypeName(base.type) +
                          ((base.type & CIM_FLAG_ARRAY) != 0 ? L"[]" : L"") + L" in the superclass";
@@ -120,7 +120,8 @@ bool MergeProperties(ClassDefinition& definition, const ClassDefinition* supercl
                 return false;
             }
             property.origin = base.origin;
-            merged[*index] = std::move(property);
+            merged[static_cast<std::size_t>(overridden - superclass->properties.data())] =
+                std::move(property);
         }
     }
     definition.properties = std::move(merged);

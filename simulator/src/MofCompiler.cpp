@@ -73,7 +73,7 @@ struct Unit {
 
     struct Alias {
         ClassPtr definition;
-        std::optional<std::wstring> path; ///< unknown until the instance is stored
+        std::optional<std::wstring> path; ///< unknown until the instance's keys are
     };
     struct AliasUse {
         std::size_t property = 0;
@@ -99,13 +99,13 @@ struct Unit {
     std::set<std::wstring> stored; ///< folded paths of the instances that this compilation stored
     std::vector<std::filesystem::path> openFiles;
 
-    void Store(Instance instance, const std::wstring& alias, const Place& place);
+    void Store(Instance instance, const Place& place);
     /// Replaces the aliases that are known by paths; true when none is left.
-    bool Resolve(Instance& instance, std::vector<AliasUse>& uses);
+    bool Resolve(Waiting& entry);
     void Finish();
 };
 
-void Unit::Store(Instance instance, const std::wstring& alias, const Place& place) {
+void Unit::Store(Instance instance, const Place& place) {
     const std::wstring path = repository.RelativePath(instance);
     std::wstring reason;
     const ClassPtr definition = instance.definition;
@@ -117,27 +117,34 @@ void Unit::Store(Instance instance, const std::wstring& alias, const Place& plac
                          : L"instance of " + Quoted(definition->name) + L": " + reason);
     }
     stored.insert(Folded(path));
-    if (!alias.empty()) {
-        aliases[alias].path = path;
-    }
 }
 
-bool Unit::Resolve(Instance& instance, std::vector<AliasUse>& uses) {
-    std::erase_if(uses, [&](const AliasUse& use) {
+bool Unit::Resolve(Waiting& entry) {
+    const std::vector<Property>& properties = entry.instance.definition->properties;
+    const auto replace = [&](const AliasUse& use) {
         const auto found = aliases.find(use.alias);
         if (found == aliases.end() || !found->second.path) {
             return false;
         }
-        const std::wstring& wanted = instance.definition->properties[use.property].referenceClass;
-        if (!wanted.empty() && !found->second.definition->IsA(wanted)) {
+        const Property& property = properties[use.property];
+        if (!property.referenceClass.empty() && !found->second.definition->IsA(property.referenceClass)) {
             use.place.Fail(L"'$" + use.alias + L"' is a " + found->second.definition->name +
-                           L", but property " + Quoted(instance.definition->properties[use.property].name) +
-                           L" refers to a " + wanted);
+                           L", but property " + Quoted(property.name) + L" refers to a " +
+                           property.referenceClass);
         }
-        instance.values[use.property] = Value::Text(*found->second.path);
+        entry.instance.values[use.property] = Value::Text(*found->second.path);
         return true;
+    };
+    std::erase_if(entry.uses, replace);
+    const bool keysKnown = std::none_of(entry.uses.begin(), entry.uses.end(), [&](const AliasUse& use) {
+        return properties[use.property].IsKey();
     });
-    return uses.empty();
+    // The keys alone make the path, so instances may refer to each other, and one to itself.
+    if (keysKnown && !entry.alias.empty() && !aliases[entry.alias].path) {
+        aliases[entry.alias].path = repository.RelativePath(entry.instance);
+        std::erase_if(entry.uses, replace);
+    }
+    return entry.uses.empty();
 }
 
 void Unit::Finish() {
@@ -150,8 +157,8 @@ void Unit::Finish() {
         const std::size_t before = waiting.size();
         std::vector<Waiting> left;
         for (Waiting& entry : waiting) {
-            if (Resolve(entry.instance, entry.uses)) {
-                Store(std::move(entry.instance), entry.alias, entry.place);
+            if (Resolve(entry)) {
+                Store(std::move(entry.instance), entry.place);
             } else {
                 left.push_back(std::move(entry));
             }
@@ -806,16 +813,15 @@ class FileCompiler {
         if (!definition) {
             Fail(classOffset, L"unknown class " + Quoted(className));
         }
-        const std::wstring alias = AliasOf(definition);
-        Unit::Waiting entry{Instance(definition), {}, alias, Here(offset)};
+        Unit::Waiting entry{Instance(definition), {}, AliasOf(definition), Here(offset)};
         std::set<std::size_t> seen;
         Require('{');
         while (!Accept('}')) {
             PropertyValue(entry, seen);
         }
         Require(';');
-        if (m_unit.Resolve(entry.instance, entry.uses)) {
-            m_unit.Store(std::move(entry.instance), alias, entry.place);
+        if (m_unit.Resolve(entry)) {
+            m_unit.Store(std::move(entry.instance), entry.place);
         } else {
             m_unit.waiting.push_back(std::move(entry));
         }
