@@ -96,7 +96,7 @@ struct Unit {
     std::map<std::wstring, Alias, NameLess> aliases;
     std::vector<Waiting> waiting;
     std::vector<ClassUse> referencedClasses;
-    std::set<std::wstring> stored; ///< folded paths of the instances that this compilation stored
+    std::set<InstancePtr> stored; ///< what this compilation stored
     std::vector<std::filesystem::path> openFiles;
 
     void Store(Instance instance, const Place& place);
@@ -110,13 +110,14 @@ void Unit::Store(Instance instance, const Place& place) {
     std::wstring reason;
     const ClassPtr definition = instance.definition;
     // A text may bring anew what an earlier one stored, but not say two things about one object.
-    const bool again = stored.find(Folded(path)) != stored.end();
-    const auto mode = again ? Repository::Write::CreateOnly : Repository::Write::CreateOrUpdate;
-    if (repository.PutInstance(std::move(instance), mode, &reason) != 0) {
-        place.Fail(again ? L"duplicate key: " + path + L" is there already"
-                         : L"instance of " + Quoted(definition->name) + L": " + reason);
+    const InstancePtr present = repository.FindInstance(path);
+    if (present && stored.find(present) != stored.end()) {
+        place.Fail(L"duplicate key: " + path + L" is there already");
     }
-    stored.insert(Folded(path));
+    if (repository.PutInstance(std::move(instance), Repository::Write::CreateOrUpdate, &reason) != 0) {
+        place.Fail(L"instance of " + Quoted(definition->name) + L": " + reason);
+    }
+    stored.insert(repository.FindInstance(path));
 }
 
 bool Unit::Resolve(Waiting& entry) {

@@ -220,4 +220,13 @@ Repository::FindQualifierDeclaration(std::wstring_view name) const {
     return found != m_state->qualifiers.end() ? std::optional(found->second) : std::nullopt;
 }
 
+std::vector<Repository::QualifierDeclaration> Repository::QualifierDeclarations() const {
+    const Shared lock(m_state->mutex);
+    std::vector<QualifierDeclaration> result;
+    for (const auto& [name, declaration] : m_state->qualifiers) {
+        result.push_back(declaration);
+    }
+    return result;
+}
+
 } // namespace quillet::simulator

@@ -3,6 +3,7 @@
 
 #include <quillet-simulator/Model.h>
 
+#include <atomic>
 #include <mutex>
 
 namespace quillet::simulator {
@@ -11,6 +12,7 @@ namespace quillet::simulator {
 /// the second stays with the object in the client's hands.
 enum class Operation {
     ConnectServer,
+    OpenNamespace,
     GetObject,
     CreateInstanceEnum,
     CreateClassEnum,
@@ -21,6 +23,7 @@ enum class Operation {
     Next,
     GetCallStatus,
     GetResultObject,
+    Unsupported, ///< a service call that the simulator refuses; `method` names it
     // local to the client
     CreateContext,
     SetContextValue,
@@ -36,6 +39,8 @@ enum class Operation {
 
 /// "ExecMethod" and so on.
 const wchar_t* OperationName(Operation operation) noexcept;
+/// The operation of that name, without regard to case; nothing when there is none.
+std::optional<Operation> OperationByName(std::wstring_view name) noexcept;
 /// Whether the operation is a round trip to the provider.
 bool IsProviderCall(Operation operation) noexcept;
 
@@ -44,25 +49,26 @@ struct NamedValue {
     std::wstring name;
     VARTYPE vt = VT_EMPTY; ///< the VARIANT type that the client put
     CIMTYPE type = 0;      ///< the CIM type of the parameter or property
-    Value value;
+    Value value;           ///< the text *** in place of a secret
 };
 
 /// One call.
 struct JournalEntry {
     Operation operation = Operation::GetObject;
     std::wstring target;               ///< class name, object path, query text or property name
-    std::wstring method;               ///< ExecMethod and GetMethod
+    std::wstring method;               ///< ExecMethod, GetMethod and Unsupported
     std::vector<NamedValue> arguments; ///< in-parameters, or the properties put, in the order of the puts
     std::vector<NamedValue> context;   ///< the context's values at the time of the call, by name
     bool hasContext = false;           ///< whether a context was passed at all
     LONG flags = 0;
     DWORD thread = 0;
     HRESULT result = 0;
+    std::wstring note; ///< what the machine let pass but a stricter one would refuse; mostly empty
 
     const NamedValue* Argument(std::wstring_view name) const noexcept;
     const NamedValue* ContextValue(std::wstring_view name) const noexcept;
     /// One line for people: "ExecMethod \\…:Zorel_NetService…, Apply(ClientSetHandle=7) -> 0x00000000".
-    /// Parameters and properties marked as secrets in the schema print as ***.
+    /// Parameters and properties marked as secrets in the schema print as ***; long values are shortened.
     std::wstring Line() const;
 };
 
@@ -80,9 +86,15 @@ class Journal {
     /// How many entries there are, cheaply.
     std::size_t Size() const;
 
+    /// Also records the calls that stay with the client (Get, Put, SetBlanket, …). Off at first: there are
+    /// dozens of them for each provider call.
+    void RecordLocal(bool record) noexcept { m_recordLocal.store(record, std::memory_order_relaxed); }
+    bool RecordsLocal() const noexcept { return m_recordLocal.load(std::memory_order_relaxed); }
+
   private:
     mutable std::mutex m_mutex;
     std::vector<JournalEntry> m_entries;
+    std::atomic<bool> m_recordLocal{false};
 };
 
 } // namespace quillet::simulator

@@ -13,10 +13,14 @@ namespace quillet::simulator {
 struct MachineOptions {
     std::wstring serverName; ///< the name in object paths; empty: this computer's (GetComputerNameW)
     std::wstring namespaceName = L"ROOT\\MarloLUM2";
-    /// A change outside an open client set is refused (WBEM_E_ACCESS_DENIED) instead of only noted.
+    /// A change outside an open client set is refused (WBEM_E_ACCESS_DENIED) instead of only noted, and so
+    /// is an "Apply" of a set that is not open (WBEM_E_INVALID_PARAMETER).
     bool strict = false;
 };
 
+/// One instance of QuilletSimulator_Machine in its text sets the server name (where the options leave it
+/// empty), strictness, clock and warnings of a machine; each instance of QuilletSimulator_Fault is a fault
+/// rule.
 class Machine {
   public:
     /// The provider's schema with no instance but the network service.
@@ -41,9 +45,9 @@ class Machine {
     void Advance(std::chrono::milliseconds time);
     void FollowRealTime(bool follow);
 
-    /// The client set that is open now; 0 when none is.
+    /// The client set that was opened last of those open now; 0 when none is.
     LONG OpenClientSet() const;
-    /// The follow-up action that the next "Apply" will report, and clears.
+    /// The follow-up action that the next "Apply" will report, and clears. The greatest one counts.
     void RequireFollowup(LONG action);
 
     /// Writes the instances as MOF that FromFile reads back.
@@ -52,10 +56,12 @@ class Machine {
     /// COM objects of this simulator that are alive in the process, of all machines.
     static long LiveObjects() noexcept;
 
-  private:
-    friend class Dispatcher;
+    /// What the class providers share; only the simulator's own sources know it.
     struct State;
-    explicit Machine(MachineOptions options);
+    State& Internals() noexcept { return *m_state; }
+
+  private:
+    explicit Machine(std::unique_ptr<State> state);
     std::unique_ptr<State> m_state;
 };
 

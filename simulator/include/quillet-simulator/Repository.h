@@ -98,6 +98,7 @@ class Repository {
     /// Declares a qualifier, or declares it anew. WBEM_E_TYPE_MISMATCH when it is there with another type.
     HRESULT DeclareQualifier(QualifierDeclaration declaration);
     std::optional<QualifierDeclaration> FindQualifierDeclaration(std::wstring_view name) const;
+    std::vector<QualifierDeclaration> QualifierDeclarations() const;
 
   private:
     struct State;

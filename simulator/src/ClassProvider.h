@@ -1,0 +1,66 @@
+// What the provider does for one class: one small provider for each class that has behaviour.
+#pragma once
+
+#include <quillet-simulator/Machine.h>
+
+namespace quillet::simulator {
+
+/// A call that may change the machine: who makes it, and inside which client set.
+class Request {
+  public:
+    Request(Machine& machine, const JournalEntry& call);
+
+    Machine& Target() const noexcept { return m_machine; }
+    /// The client set that the call's context names; 0 when it names none.
+    LONG ClientSet() const noexcept { return m_clientSet; }
+    /// To be called before a change. WBEM_E_ACCESS_DENIED when the machine is strict and the client set is
+    /// not open; otherwise such a change is noted and may go on.
+    HRESULT Change();
+    /// The change takes effect only after this follow-up action; the "Apply" of its set reports it.
+    void RequireFollowup(LONG action);
+    /// Tells the reader of the journal what a stricter machine would have refused.
+    void Note(std::wstring text) { m_note = std::move(text); }
+    const std::wstring& Notes() const noexcept { return m_note; }
+
+  private:
+    Machine& m_machine;
+    LONG m_clientSet = 0;
+    std::wstring m_note;
+};
+
+/// A method call on a class or an instance.
+struct MethodCall {
+    Request& request;
+    ClassPtr definition;  ///< the class that the path names
+    const Method& method; ///< the method as that class has it
+    InstancePtr instance; ///< null when the path names the class
+    Instance in;  ///< in-parameters; those not given are null. No definition when the method has none.
+    Instance out; ///< to be filled; no definition when the method has no out-parameters
+
+    /// Sets an integer or boolean out-parameter; one that the schema does not have is left out.
+    void Answer(std::wstring_view name, std::int64_t number);
+};
+
+/// The behaviour of a class and of the classes below it that have no provider of their own.
+class ClassProvider {
+  public:
+    ClassProvider() = default;
+    virtual ~ClassProvider() = default;
+    ClassProvider(const ClassProvider&) = delete;
+    ClassProvider& operator=(const ClassProvider&) = delete;
+
+    /// Runs a method. WBEM_E_NOT_SUPPORTED unless the class has behaviour for it.
+    virtual HRESULT ExecMethod(MethodCall& call);
+    /// Stores an instance.
+    virtual HRESULT PutInstance(Request& request, const Instance& instance, Repository::Write mode);
+    /// Removes an instance.
+    virtual HRESULT DeleteInstance(Request& request, const ObjectPath& path, const Instance& instance);
+};
+
+/// The providers by class name.
+using ClassProviders = std::map<std::wstring, std::unique_ptr<ClassProvider>, NameLess>;
+
+/// "BeginApply", "Apply" and "GetKavlorWarnings" of Zorel_NetService.
+std::unique_ptr<ClassProvider> MakeNetServiceProvider();
+
+} // namespace quillet::simulator

@@ -1,0 +1,286 @@
+// What the provider answers to each call.
+#include "Dispatcher.h"
+
+#include "MachineState.h"
+
+#include <algorithm>
+#include <set>
+
+namespace quillet::simulator {
+
+namespace {
+
+ClassPtr ParametersClass(const std::vector<Property>& parameters) {
+    if (parameters.empty()) {
+        return nullptr;
+    }
+    auto definition = std::make_shared<ClassDefinition>();
+    definition->name = L"__PARAMETERS";
+    definition->properties = parameters;
+    for (auto& parameter : definition->properties) {
+        parameter.origin = definition->name;
+    }
+    return definition;
+}
+
+/// A class that has only some of the properties of another, for SELECT with a list.
+ClassPtr Project(const ClassDefinition& definition, const std::vector<std::wstring>& names) {
+    auto projected = std::make_shared<ClassDefinition>(definition);
+    const auto asked = [&](const Property& property) {
+        return std::any_of(names.begin(), names.end(),
+                           [&](const std::wstring& name) { return SameName(name, property.name); });
+    };
+    auto& properties = projected->properties;
+    properties.erase(std::remove_if(properties.begin(), properties.end(),
+                                    [&](const Property& property) { return !asked(property); }),
+                     properties.end());
+    return projected;
+}
+
+std::vector<ProvidedObject> Projected(const std::vector<InstancePtr>& instances,
+                                      const std::vector<std::wstring>& names) {
+    std::map<ClassPtr, ClassPtr> classes;
+    std::vector<ProvidedObject> objects;
+    for (const auto& instance : instances) {
+        auto& definition = classes[instance->definition];
+        if (definition == nullptr) {
+            definition = Project(*instance->definition, names);
+        }
+        auto part = std::make_shared<Instance>(definition);
+        for (const auto& property : definition->properties) {
+            part->Set(property.name, *instance->Find(property.name));
+        }
+        objects.push_back({definition, std::move(part)});
+    }
+    return objects;
+}
+
+std::vector<ProvidedObject> Whole(const std::vector<InstancePtr>& instances) {
+    std::vector<ProvidedObject> objects;
+    objects.reserve(instances.size());
+    for (const auto& instance : instances) {
+        objects.push_back({instance->definition, instance});
+    }
+    return objects;
+}
+
+/// The classes of some instances, each once.
+std::vector<ProvidedObject> ClassesOf(const std::vector<InstancePtr>& instances) {
+    std::set<ClassPtr> seen;
+    std::vector<ProvidedObject> objects;
+    for (const auto& instance : instances) {
+        if (seen.insert(instance->definition).second) {
+            objects.push_back({instance->definition, nullptr});
+        }
+    }
+    return objects;
+}
+
+/// Takes the in-parameters that a client put over into an instance of the method's own signature.
+HRESULT TakeParameters(const Method& method, const Instance* given, Instance& in) {
+    const auto signature = InSignature(method);
+    if (signature != nullptr) {
+        in = Instance(signature);
+    }
+    if (given == nullptr) {
+        return S_OK;
+    }
+    const auto& definition = *given->definition;
+    if (!SameName(definition.name, L"__PARAMETERS")) {
+        return HRESULT(WBEM_E_INVALID_METHOD_PARAMETERS);
+    }
+    for (std::size_t index = 0; index < definition.properties.size(); ++index) {
+        const auto& parameter = definition.properties[index];
+        const auto* expected = signature != nullptr ? signature->FindProperty(parameter.name) : nullptr;
+        if (expected == nullptr || expected->type != parameter.type) {
+            return HRESULT(WBEM_E_INVALID_METHOD_PARAMETERS);
+        }
+        in.Set(parameter.name, given->values[index]);
+    }
+    return S_OK;
+}
+
+} // namespace
+
+ClassPtr InSignature(const Method& method) {
+    return ParametersClass(method.in);
+}
+
+ClassPtr OutSignature(const Method& method) {
+    if (method.returnsVoid) {
+        return ParametersClass(method.out);
+    }
+    auto parameters = method.out;
+    Property returned;
+    returned.name = L"ReturnValue";
+    returned.type = method.returnType;
+    returned.qualifiers.Set({L"out", CIM_BOOLEAN, Value::Bool(true), 0, false, {}});
+    parameters.push_back(std::move(returned));
+    return ParametersClass(parameters);
+}
+
+HRESULT Dispatcher::ParsePath(std::wstring_view text, ObjectPath& path) const {
+    auto parsed = ObjectPath::Parse(text);
+    if (!parsed) {
+        return HRESULT(WBEM_E_INVALID_OBJECT_PATH);
+    }
+    // Whatever the machine was called when the client connected, a path on another name is still this
+    // machine.
+    if (!parsed->namespacePath.empty() &&
+        !SameName(parsed->namespacePath, m_machine.Store().NamespaceName())) {
+        return HRESULT(WBEM_E_INVALID_NAMESPACE);
+    }
+    path = *std::move(parsed);
+    return S_OK;
+}
+
+HRESULT Dispatcher::GetObject(std::wstring_view text, ProvidedObject& found) const {
+    ObjectPath path;
+    if (const HRESULT parsed = ParsePath(text, path); FAILED(parsed)) {
+        return parsed;
+    }
+    const auto& store = m_machine.Store();
+    found.definition = store.FindClass(path.className);
+    if (path.IsClass()) {
+        return found.definition != nullptr ? HRESULT(S_OK) : HRESULT(WBEM_E_NOT_FOUND);
+    }
+    if (found.definition == nullptr) {
+        return HRESULT(WBEM_E_INVALID_CLASS);
+    }
+    found.instance = store.FindInstance(path);
+    if (found.instance == nullptr) {
+        return HRESULT(WBEM_E_NOT_FOUND);
+    }
+    found.definition = found.instance->definition;
+    return S_OK;
+}
+
+HRESULT Dispatcher::InstancesOf(std::wstring_view className, bool shallow,
+                                std::vector<ProvidedObject>& found) const {
+    const auto& store = m_machine.Store();
+    if (store.FindClass(className) == nullptr) {
+        return HRESULT(WBEM_E_INVALID_CLASS);
+    }
+    found = Whole(store.Instances(className, shallow));
+    return S_OK;
+}
+
+HRESULT Dispatcher::ClassesBelow(std::wstring_view superclass, bool shallow,
+                                 std::vector<ProvidedObject>& found) const {
+    const auto& store = m_machine.Store();
+    if (!superclass.empty() && store.FindClass(superclass) == nullptr) {
+        return HRESULT(WBEM_E_INVALID_CLASS);
+    }
+    for (const auto& definition : store.Classes()) {
+        const bool direct = SameName(definition->superclass, superclass);
+        const bool below =
+            superclass.empty() || (!SameName(definition->name, superclass) && definition->IsA(superclass));
+        if (shallow ? direct : below) {
+            found.push_back({definition, nullptr});
+        }
+    }
+    return S_OK;
+}
+
+HRESULT Dispatcher::Query(std::wstring_view text, std::vector<ProvidedObject>& found) const {
+    const auto query = ParseWql(text);
+    if (!query) {
+        return HRESULT(WBEM_E_INVALID_QUERY);
+    }
+    const auto& store = m_machine.Store();
+    std::vector<InstancePtr> instances;
+    if (query->kind != WqlQuery::Kind::Select) {
+        const HRESULT result = store.Associations(*query, instances);
+        if (SUCCEEDED(result)) {
+            found = query->classDefsOnly ? ClassesOf(instances) : Whole(instances);
+        }
+        return result;
+    }
+    if (const auto definition = store.FindClass(query->className)) {
+        for (const auto& name : query->properties) {
+            if (definition->FindProperty(name) == nullptr && name.rfind(L"__", 0) != 0) {
+                return HRESULT(WBEM_E_INVALID_QUERY);
+            }
+        }
+    }
+    const HRESULT result = store.Select(*query, instances);
+    if (SUCCEEDED(result)) {
+        found = query->properties.empty() ? Whole(instances) : Projected(instances, query->properties);
+    }
+    return result;
+}
+
+HRESULT Dispatcher::ExecMethod(Request& request, std::wstring_view text, std::wstring_view name,
+                               const Instance* given, InstancePtr& out) const {
+    ObjectPath path;
+    if (const HRESULT parsed = ParsePath(text, path); FAILED(parsed)) {
+        return parsed;
+    }
+    const auto& store = m_machine.Store();
+    auto definition = store.FindClass(path.className);
+    if (definition == nullptr) {
+        return HRESULT(WBEM_E_INVALID_CLASS);
+    }
+    InstancePtr instance;
+    if (!path.IsClass()) {
+        instance = store.FindInstance(path);
+        if (instance == nullptr) {
+            return HRESULT(WBEM_E_NOT_FOUND);
+        }
+        definition = instance->definition;
+    }
+    const auto* method = definition->FindMethod(name);
+    if (method == nullptr) {
+        return HRESULT(WBEM_E_INVALID_METHOD);
+    }
+    MethodCall call{request, definition, *method, std::move(instance), {}, {}};
+    if (const HRESULT taken = TakeParameters(*method, given, call.in); FAILED(taken)) {
+        return taken;
+    }
+    if (const auto signature = OutSignature(*method)) {
+        call.out = Instance(signature);
+    }
+    const HRESULT result = m_machine.Internals().ProviderOf(*definition).ExecMethod(call);
+    if (SUCCEEDED(result) && call.out.definition != nullptr) {
+        out = std::make_shared<Instance>(std::move(call.out));
+    }
+    return result;
+}
+
+HRESULT Dispatcher::PutInstance(Request& request, const Instance& instance, Repository::Write mode) const {
+    // An object of another machine, of a SELECT with a list or of a method's signature is not the provider's.
+    if (m_machine.Store().FindClass(instance.definition->name) != instance.definition) {
+        return HRESULT(WBEM_E_INVALID_OBJECT);
+    }
+    if (instance.definition->qualifiers.Has(L"abstract")) {
+        return HRESULT(WBEM_E_INVALID_OPERATION);
+    }
+    if (const HRESULT allowed = request.Change(); FAILED(allowed)) {
+        return allowed;
+    }
+    return m_machine.Internals().ProviderOf(*instance.definition).PutInstance(request, instance, mode);
+}
+
+HRESULT Dispatcher::DeleteInstance(Request& request, std::wstring_view text) const {
+    ObjectPath path;
+    if (const HRESULT parsed = ParsePath(text, path); FAILED(parsed)) {
+        return parsed;
+    }
+    if (path.IsClass()) {
+        return HRESULT(WBEM_E_INVALID_OBJECT_PATH);
+    }
+    const auto& store = m_machine.Store();
+    if (store.FindClass(path.className) == nullptr) {
+        return HRESULT(WBEM_E_INVALID_CLASS);
+    }
+    const auto instance = store.FindInstance(path);
+    if (instance == nullptr) {
+        return HRESULT(WBEM_E_NOT_FOUND);
+    }
+    if (const HRESULT allowed = request.Change(); FAILED(allowed)) {
+        return allowed;
+    }
+    return m_machine.Internals().ProviderOf(*instance->definition).DeleteInstance(request, path, *instance);
+}
+
+} // namespace quillet::simulator

@@ -1,0 +1,206 @@
+// The journal of calls, and one entry as a line for people.
+#include <quillet-simulator/Journal.h>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+namespace quillet::simulator {
+
+namespace {
+
+struct NamedOperation {
+    Operation operation;
+    const wchar_t* name;
+};
+
+constexpr std::array Operations{
+    NamedOperation{Operation::ConnectServer, L"ConnectServer"},
+    NamedOperation{Operation::OpenNamespace, L"OpenNamespace"},
+    NamedOperation{Operation::GetObject, L"GetObject"},
+    NamedOperation{Operation::CreateInstanceEnum, L"CreateInstanceEnum"},
+    NamedOperation{Operation::CreateClassEnum, L"CreateClassEnum"},
+    NamedOperation{Operation::ExecQuery, L"ExecQuery"},
+    NamedOperation{Operation::ExecMethod, L"ExecMethod"},
+    NamedOperation{Operation::PutInstance, L"PutInstance"},
+    NamedOperation{Operation::DeleteInstance, L"DeleteInstance"},
+    NamedOperation{Operation::Next, L"Next"},
+    NamedOperation{Operation::GetCallStatus, L"GetCallStatus"},
+    NamedOperation{Operation::GetResultObject, L"GetResultObject"},
+    NamedOperation{Operation::Unsupported, L"Unsupported"},
+    NamedOperation{Operation::CreateContext, L"CreateContext"},
+    NamedOperation{Operation::SetContextValue, L"SetContextValue"},
+    NamedOperation{Operation::SetBlanket, L"SetBlanket"},
+    NamedOperation{Operation::Get, L"Get"},
+    NamedOperation{Operation::Put, L"Put"},
+    NamedOperation{Operation::GetMethod, L"GetMethod"},
+    NamedOperation{Operation::SpawnInstance, L"SpawnInstance"},
+    NamedOperation{Operation::GetQualifierSet, L"GetQualifierSet"},
+    NamedOperation{Operation::GetPropertyQualifierSet, L"GetPropertyQualifierSet"},
+    NamedOperation{Operation::GetQualifier, L"GetQualifier"},
+};
+
+constexpr std::size_t LongestText = 120;
+constexpr std::size_t LongestArray = 8;
+
+std::wstring Hexadecimal(std::uint32_t number, int digits) {
+    static constexpr wchar_t Digits[] = L"0123456789ABCDEF";
+    std::wstring text = L"0x";
+    for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4) {
+        text += Digits[(number >> shift) & 0xF];
+    }
+    return text;
+}
+
+/// A text on one line whatever it holds.
+void AppendOneLine(std::wstring& line, std::wstring_view text) {
+    for (const wchar_t character : text) {
+        line += character < L' ' || character == 0x7F ? L'?' : character;
+    }
+}
+
+void AppendText(std::wstring& line, const std::wstring& text) {
+    if (text == L"***") {
+        line += text;
+        return;
+    }
+    line += L'"';
+    AppendOneLine(line, std::wstring_view(text).substr(0, LongestText));
+    if (text.size() > LongestText) {
+        line += L"\u2026";
+    }
+    line += L'"';
+}
+
+void AppendScalar(std::wstring& line, const std::optional<Scalar>& scalar) {
+    if (!scalar) {
+        line += L"null";
+    } else if (const auto* text = std::get_if<std::wstring>(&*scalar)) {
+        AppendText(line, *text);
+    } else if (const auto* flag = std::get_if<bool>(&*scalar)) {
+        line += *flag ? L"true" : L"false";
+    } else if (const auto* whole = std::get_if<std::int64_t>(&*scalar)) {
+        line += std::to_wstring(*whole);
+    } else if (const auto* natural = std::get_if<std::uint64_t>(&*scalar)) {
+        line += std::to_wstring(*natural);
+    } else {
+        line += std::to_wstring(std::get<double>(*scalar));
+    }
+}
+
+void AppendValue(std::wstring& line, const Value& value) {
+    if (const auto* array = value.AsArray()) {
+        line += L'{';
+        for (std::size_t index = 0; index < array->size() && index < LongestArray; ++index) {
+            line += index == 0 ? L"" : L", ";
+            AppendScalar(line, (*array)[index]);
+        }
+        if (array->size() > LongestArray) {
+            line += L", \u2026 " + std::to_wstring(array->size()) + L" elements";
+        }
+        line += L'}';
+    } else if (const auto* scalar = value.AsScalar()) {
+        AppendScalar(line, *scalar);
+    } else {
+        line += L"null";
+    }
+}
+
+const NamedValue* FindNamed(const std::vector<NamedValue>& values, std::wstring_view name) noexcept {
+    const auto found = std::find_if(values.begin(), values.end(),
+                                    [name](const NamedValue& value) { return SameName(value.name, name); });
+    return found != values.end() ? &*found : nullptr;
+}
+
+} // namespace
+
+const wchar_t* OperationName(Operation operation) noexcept {
+    const auto* found = std::find_if(Operations.begin(), Operations.end(),
+                                     [operation](const auto& named) { return named.operation == operation; });
+    return found != Operations.end() ? found->name : L"";
+}
+
+std::optional<Operation> OperationByName(std::wstring_view name) noexcept {
+    const auto* found = std::find_if(Operations.begin(), Operations.end(),
+                                     [name](const auto& named) { return SameName(named.name, name); });
+    return found != Operations.end() ? std::optional<Operation>(found->operation) : std::nullopt;
+}
+
+bool IsProviderCall(Operation operation) noexcept {
+    return operation < Operation::CreateContext;
+}
+
+const NamedValue* JournalEntry::Argument(std::wstring_view name) const noexcept {
+    return FindNamed(arguments, name);
+}
+
+const NamedValue* JournalEntry::ContextValue(std::wstring_view name) const noexcept {
+    return FindNamed(context, name);
+}
+
+std::wstring JournalEntry::Line() const {
+    std::wstring line = OperationName(operation);
+    if (!target.empty()) {
+        line += L' ';
+        AppendOneLine(line, target);
+    }
+    if (!method.empty()) {
+        line += target.empty() ? L" " : L", ";
+        line += method;
+    }
+    if (!arguments.empty() || operation == Operation::ExecMethod) {
+        line += L'(';
+        for (const auto& argument : arguments) {
+            line += &argument == &arguments.front() ? L"" : L", ";
+            line += argument.name + L'=';
+            AppendValue(line, argument.value);
+        }
+        line += L')';
+    }
+    if (flags != 0) {
+        line += L", flags " + Hexadecimal(static_cast<std::uint32_t>(flags), 5);
+    }
+    line += L" -> " + Hexadecimal(static_cast<std::uint32_t>(result), 8);
+    if (!note.empty()) {
+        line += L" (" + note + L')';
+    }
+    return line;
+}
+
+void Journal::Add(JournalEntry entry) {
+    const std::lock_guard lock(m_mutex);
+    m_entries.push_back(std::move(entry));
+}
+
+void Journal::Clear() {
+    const std::lock_guard lock(m_mutex);
+    m_entries.clear();
+}
+
+std::vector<JournalEntry> Journal::All() const {
+    const std::lock_guard lock(m_mutex);
+    return m_entries;
+}
+
+std::vector<JournalEntry> Journal::ProviderCalls() const {
+    std::vector<JournalEntry> calls;
+    const std::lock_guard lock(m_mutex);
+    std::copy_if(m_entries.begin(), m_entries.end(), std::back_inserter(calls),
+                 [](const JournalEntry& entry) { return IsProviderCall(entry.operation); });
+    return calls;
+}
+
+std::vector<JournalEntry> Journal::Of(Operation operation) const {
+    std::vector<JournalEntry> calls;
+    const std::lock_guard lock(m_mutex);
+    std::copy_if(m_entries.begin(), m_entries.end(), std::back_inserter(calls),
+                 [operation](const JournalEntry& entry) { return entry.operation == operation; });
+    return calls;
+}
+
+std::size_t Journal::Size() const {
+    const std::lock_guard lock(m_mutex);
+    return m_entries.size();
+}
+
+} // namespace quillet::simulator

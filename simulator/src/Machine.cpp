@@ -1,0 +1,178 @@
+// A machine: what it is made from, what it is told about itself, and writing it back.
+#include <quillet-simulator/Machine.h>
+
+#include "ComObject.h"
+#include "EmbeddedTexts.h"
+#include "MachineState.h"
+
+#include <stdexcept>
+
+namespace quillet::simulator {
+
+namespace {
+
+std::wstring ThisComputer() {
+    WCHAR name[MAX_COMPUTERNAME_LENGTH + 1] = {};
+    DWORD size = MAX_COMPUTERNAME_LENGTH + 1;
+    return GetComputerNameW(name, &size) ? std::wstring(name, size) : std::wstring(L"LOCALHOST");
+}
+
+/// The one instance in which a machine describes itself; null when its text has none.
+InstancePtr Description(const Repository& store) {
+    const auto found = store.Instances(L"QuilletSimulator_Machine");
+    return found.empty() ? nullptr : found.front();
+}
+
+/// Rejects a value that the schema lets pass but the simulator cannot use.
+[[noreturn]] void RejectFault(const std::string& fileName, const Instance& fault, const std::string& reason) {
+    throw MofError(fileName, 1, 1,
+                   "QuilletSimulator_Fault.Id=" + std::to_string(fault.Number(L"Id")) + ": " + reason);
+}
+
+FaultRule ReadFault(const std::string& fileName, const Instance& fault) {
+    FaultRule rule;
+    if (const auto operation = fault.Text(L"Operation"); operation.empty()) {
+        rule.operation.reset();
+    } else if (rule.operation = OperationByName(operation); !rule.operation) {
+        RejectFault(fileName, fault, "Operation names no call");
+    }
+    const auto effect = EffectByName(fault.Text(L"Effect"));
+    if (!effect) {
+        RejectFault(fileName, fault, "Effect names no effect");
+    }
+    rule.effect = *effect;
+    rule.target = fault.Text(L"Target");
+    rule.method = fault.Text(L"Method");
+    rule.nth = static_cast<unsigned>(fault.Number(L"Nth", 1));
+    rule.repeat = fault.Number(L"Repeat") != 0;
+    rule.code = static_cast<HRESULT>(static_cast<std::uint32_t>(fault.Number(L"Code", static_cast<std::uint32_t>(WBEM_E_FAILED))));
+    rule.vt = static_cast<VARTYPE>(fault.Number(L"VariantType", VT_UNKNOWN));
+    rule.element = static_cast<LONG>(fault.Number(L"Element"));
+    rule.size = static_cast<std::size_t>(fault.Number(L"Size", 1 << 20));
+    rule.milliseconds = static_cast<unsigned>(fault.Number(L"Milliseconds"));
+    return rule;
+}
+
+/// Builds the parts of a machine. `compile` adds the machine's own text to a store that has the schema.
+/// The name in object paths belongs to the store from its beginning, so a text that names it is compiled
+/// again into a store of that name.
+template <class Compile>
+auto Build(MachineOptions options, const std::string& fileName, Compile compile) {
+    const bool named = !options.serverName.empty();
+    if (!named) {
+        options.serverName = ThisComputer();
+    }
+    auto state = std::make_unique<Machine::State>(options);
+    compile(state->store);
+    if (const auto description = Description(state->store); description != nullptr && !named) {
+        const auto name = description->Text(L"ServerName");
+        if (!name.empty() && name != options.serverName) {
+            options.serverName = name;
+            state = std::make_unique<Machine::State>(options);
+            compile(state->store);
+        }
+    }
+    state->Configure(fileName);
+    return state;
+}
+
+} // namespace
+
+Machine::State::State(const MachineOptions& options)
+    : store(options.serverName, options.namespaceName), strict(options.strict) {
+    for (const auto& file : EmbeddedSchema()) {
+        CompileMof(store, file.text, file.fileName);
+    }
+    providers[L"Zorel_NetService"] = MakeNetServiceProvider();
+}
+
+void Machine::State::Configure(const std::string& fileName) {
+    if (const auto description = Description(store)) {
+        strict = strict || description->Number(L"Strict") != 0;
+        clock.FollowRealTime(description->Number(L"FollowRealTime") != 0);
+    }
+    for (const auto& fault : store.Instances(L"QuilletSimulator_Fault")) {
+        auto rule = ReadFault(fileName, *fault);
+        try {
+            faults.Add(std::move(rule));
+        } catch (const std::invalid_argument& refused) {
+            RejectFault(fileName, *fault, refused.what());
+        }
+    }
+}
+
+ClassProvider& Machine::State::ProviderOf(const ClassDefinition& definition) {
+    auto found = providers.find(definition.name);
+    for (auto above = definition.ancestors.begin();
+         found == providers.end() && above != definition.ancestors.end(); ++above) {
+        found = providers.find(*above);
+    }
+    return found != providers.end() ? *found->second : plain;
+}
+
+Machine::Machine(std::unique_ptr<State> state) : m_state(std::move(state)) {}
+
+Machine::~Machine() = default;
+
+std::shared_ptr<Machine> Machine::Empty(MachineOptions options) {
+    const auto& machine = EmbeddedEmptyMachine();
+    return FromText(machine.text, machine.fileName, std::move(options));
+}
+
+std::shared_ptr<Machine> Machine::BuiltIn(MachineOptions options) {
+    const auto& machine = EmbeddedBuiltInMachine();
+    return FromText(machine.text, machine.fileName, std::move(options));
+}
+
+std::shared_ptr<Machine> Machine::FromText(std::string_view mof, const std::string& fileName,
+                                           MachineOptions options) {
+    return std::shared_ptr<Machine>(new Machine(
+        Build(std::move(options), fileName, [&](Repository& store) { CompileMof(store, mof, fileName); })));
+}
+
+std::shared_ptr<Machine> Machine::FromFile(const std::filesystem::path& file, MachineOptions options) {
+    return std::shared_ptr<Machine>(new Machine(
+        Build(std::move(options), file.string(), [&](Repository& store) { CompileMofFile(store, file); })));
+}
+
+Repository& Machine::Store() noexcept {
+    return m_state->store;
+}
+
+Journal& Machine::Calls() noexcept {
+    return m_state->journal;
+}
+
+Faults& Machine::Rules() noexcept {
+    return m_state->faults;
+}
+
+std::chrono::milliseconds Machine::Now() const {
+    return m_state->clock.Now();
+}
+
+void Machine::Advance(std::chrono::milliseconds time) {
+    m_state->clock.Advance(time);
+}
+
+void Machine::FollowRealTime(bool follow) {
+    m_state->clock.FollowRealTime(follow);
+}
+
+LONG Machine::OpenClientSet() const {
+    return m_state->sets.Last();
+}
+
+void Machine::RequireFollowup(LONG action) {
+    m_state->sets.Require(0, action);
+}
+
+std::string Machine::Save() const {
+    return WriteInstancesAsMof(m_state->store);
+}
+
+long Machine::LiveObjects() noexcept {
+    return LiveObjectCount();
+}
+
+} // namespace quillet::simulator

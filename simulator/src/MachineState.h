@@ -1,0 +1,28 @@
+// The parts of a machine, for the simulator's own sources.
+#pragma once
+
+#include "ClassProvider.h"
+#include "ClientSets.h"
+#include "SimulatedClock.h"
+
+namespace quillet::simulator {
+
+struct Machine::State {
+    /// A store with the provider's schema in it.
+    explicit State(const MachineOptions& options);
+    /// Takes over what the machine's own instances say about its behaviour and its faults.
+    void Configure(const std::string& fileName);
+    /// The provider for a class: its own, or that of the nearest class above it.
+    ClassProvider& ProviderOf(const ClassDefinition& definition);
+
+    Repository store;
+    Journal journal;
+    Faults faults;
+    SimulatedClock clock;
+    ClientSets sets;
+    ClassProviders providers;
+    ClassProvider plain;
+    bool strict = false;
+};
+
+} // namespace quillet::simulator

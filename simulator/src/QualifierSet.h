@@ -1,0 +1,22 @@
+// IWbemQualifierSet: the qualifiers of a class, property or method as one caller may see them.
+#pragma once
+
+#include "ComObject.h"
+#include "Session.h"
+
+namespace quillet::simulator {
+
+/// How a caller looks at qualifiers.
+struct QualifierView {
+    bool amended = false;    ///< it asked for amended qualifiers
+    bool onInstance = false; ///< it holds an instance, to which only some qualifiers pass on
+};
+
+/// The qualifiers that a caller sees, each with the text of its language and the flavor it has there.
+std::vector<Qualifier> VisibleQualifiers(const Qualifiers& qualifiers, LCID locale, QualifierView view);
+
+/// @param owner the class of the object, for the fault rules
+IWbemQualifierSet* MakeQualifierSet(SessionPtr session, std::vector<Qualifier> qualifiers,
+                                    std::wstring owner);
+
+} // namespace quillet::simulator
