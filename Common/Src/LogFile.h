@@ -10,7 +10,3 @@ std::FILE* OpenLogFile(const std::wstring& path, bool append);
 
 /// Bytes in the file now, whoever wrote them; 0 when that can not be told.
 unsigned long long LogFileLength(std::FILE* file) noexcept;
-
-/// The directory of the environment variable "Temp", without a separator at its end; what the host uses
-/// instead where there is none.
-std::wstring TempDirectory();

@@ -5,7 +5,6 @@
 #include "LumText.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -35,14 +34,4 @@ std::FILE* OpenLogFile(const std::wstring& path, bool append) {
 unsigned long long LogFileLength(std::FILE* file) noexcept {
     struct stat status {};
     return fstat(fileno(file), &status) == 0 ? static_cast<unsigned long long>(status.st_size) : 0;
-}
-
-std::wstring TempDirectory() {
-    for (const char* variable : {"Temp", "TMPDIR"}) {
-        const char* directory = std::getenv(variable);
-        if (directory != nullptr && *directory != '\0') {
-            return FromUtf8(directory);
-        }
-    }
-    return L"/tmp";
 }

@@ -1,8 +1,6 @@
 // The trace log's files on Windows.
 #include "LogFile.h"
 
-#include <windows.h>
-
 #include <io.h>
 #include <share.h>
 
@@ -13,17 +11,4 @@ std::FILE* OpenLogFile(const std::wstring& path, bool append) {
 unsigned long long LogFileLength(std::FILE* file) noexcept {
     const long long length = _filelengthi64(_fileno(file));
     return length < 0 ? 0 : static_cast<unsigned long long>(length);
-}
-
-std::wstring TempDirectory() {
-    // The system's environment rather than the C library's copy of it, which misses what the client has set.
-    std::wstring directory(MAX_PATH, L'\0');
-    for (;;) {
-        const auto capacity = static_cast<DWORD>(directory.size());
-        const DWORD length = GetEnvironmentVariableW(L"Temp", directory.data(), capacity);
-        directory.resize(length);
-        if (length < capacity) {
-            return directory;
-        }
-    }
 }

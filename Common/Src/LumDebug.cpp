@@ -31,6 +31,21 @@ bool SwitchedOffByAdministrator() {
     return LumRegistryKey(kLum2Key).ReadDword(L"TRACE") == DWORD{0};
 }
 
+/// The directory of the environment variable "Temp"; hosts that do not know it by that name have one of their
+/// own. The system's environment is asked, not the C library's copy of it, which misses what the client has
+/// set.
+std::wstring TempDirectory() {
+    std::wstring directory(MAX_PATH, L'\0');
+    for (;;) {
+        const auto capacity = static_cast<DWORD>(directory.size());
+        const DWORD length = GetEnvironmentVariableW(L"Temp", directory.data(), capacity);
+        directory.resize(length);
+        if (length < capacity) {
+            return directory;
+        }
+    }
+}
+
 /// The directory for the trace file. A key that opens but names no directory gives the empty one, so that the
 /// file is looked for at the root; setup programs run before the key is complete and use the Temp directory.
 std::wstring LogDirectory(const wchar_t* processName) {

@@ -52,44 +52,6 @@ char* PutUtf8(char32_t character, char* target) noexcept {
     return target;
 }
 
-/// The character at `index`, which is moved behind it, or behind one byte if no character begins there.
-char32_t NextCharacter(std::string_view bytes, std::size_t& index) noexcept {
-    const auto lead = static_cast<unsigned char>(bytes[index++]);
-    if (lead < 0x80) {
-        return lead;
-    }
-    const unsigned tails = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
-    constexpr char32_t kSmallest[] = {0, 0x80, 0x800, 0x10000};
-    if (lead < 0xC2 || lead > 0xF4 || bytes.size() - index < tails) {
-        return kReplacement;
-    }
-    char32_t character = lead & (0x3Fu >> tails);
-    for (unsigned i = 0; i < tails; ++i) {
-        const auto byte = static_cast<unsigned char>(bytes[index + i]);
-        if ((byte & 0xC0) != 0x80) {
-            return kReplacement;
-        }
-        character = (character << 6) | (byte & 0x3Fu);
-    }
-    if (character < kSmallest[tails] || character > 0x10FFFF || IsHighSurrogate(character) ||
-        IsLowSurrogate(character)) {
-        return kReplacement;
-    }
-    index += tails;
-    return character;
-}
-
-void Append(std::wstring& text, char32_t character) {
-    if constexpr (kUtf16) {
-        if (character >= 0x10000) {
-            character -= 0x10000;
-            text += static_cast<wchar_t>(0xD800 + (character >> 10));
-            character = 0xDC00 + (character & 0x3FF);
-        }
-    }
-    text += static_cast<wchar_t>(character);
-}
-
 constexpr wchar_t Lower(wchar_t character) noexcept {
     return character >= L'A' && character <= L'Z' ? static_cast<wchar_t>(character - L'A' + L'a') : character;
 }
@@ -108,15 +70,6 @@ std::string ToUtf8(std::wstring_view text) {
     std::string bytes(text.size() * kMaxUtf8PerCharacter, '\0');
     bytes.resize(ToUtf8(text.data(), text.size(), bytes.data()));
     return bytes;
-}
-
-std::wstring FromUtf8(std::string_view bytes) {
-    std::wstring text;
-    text.reserve(bytes.size());
-    for (std::size_t index = 0; index < bytes.size();) {
-        Append(text, NextCharacter(bytes, index));
-    }
-    return text;
 }
 
 bool EqualsIgnoringCase(std::wstring_view left, std::wstring_view right) noexcept {

@@ -1,4 +1,4 @@
-// Small text helpers of this folder: UTF-8 both ways and comparison of host and process names.
+// Small text helpers of this folder: UTF-8 and comparison of host and process names.
 #pragma once
 
 #include <cstddef>
@@ -13,9 +13,6 @@ inline constexpr std::size_t kMaxUtf8PerCharacter = 4;
 /// @param target room for `length * kMaxUtf8PerCharacter` bytes; nothing is put behind the text
 std::size_t ToUtf8(const wchar_t* text, std::size_t length, char* target) noexcept;
 std::string ToUtf8(std::wstring_view text);
-
-/// Reads UTF-8. Bytes that are none become U+FFFD, one for each.
-std::wstring FromUtf8(std::string_view bytes);
 
 /// Compares names without regard to the case of ASCII letters: the names of programs that are told apart here
 /// have no others, and the answer must not depend on the locale that the client has set.
