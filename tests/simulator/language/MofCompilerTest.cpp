@@ -164,6 +164,8 @@ TEST_F(MofCompiler, ReadsQualifierDeclarations) {
     EXPECT_EQ(Class(L"A")->properties[0].qualifiers.Find(L"level")->value,
               Value(Value::Array{Scalar(std::uint64_t{3})}));
     EXPECT_FALSE(m_repository.FindQualifierDeclaration(L"Other"));
+    ASSERT_EQ(m_repository.QualifierDeclarations().size(), 2u);
+    EXPECT_EQ(m_repository.QualifierDeclarations()[1].name, L"Plain");
 }
 
 TEST_F(MofCompiler, InfersTheTypeOfAnUndeclaredQualifier) {

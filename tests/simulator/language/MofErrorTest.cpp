@@ -151,6 +151,11 @@ INSTANTIATE_TEST_SUITE_P(
                2, 3, "duplicate key"},
         BadMof{"instance of T_Device { DeviceID = \"1\"; };\ninstance of T_FastDevice { DeviceID = \"1\"; };",
                2, 1, "has these keys already"},
+        BadMof{"instance of T_Next { Id = \"1\"; };\ninstance of t_next { ID = \"1\"; };", 2, 1,
+               "duplicate key"},
+        BadMof{"instance of T_Member { Group = \"T_Device='1'\"; Part = \"T_Device='2'\"; };\n"
+               "instance of T_Member { Part = \"T_Device.DeviceID='2'\"; Group = \"t_device='1'\"; };",
+               2, 1, "duplicate key"},
         BadMof{"instance of T_Device { DeviceID = \"1\"; Peer = $P; };", 1, 47, "unknown alias '$P'"},
         BadMof{"instance of T_Device { DeviceID = $P; };", 1, 35, "value was expected"},
         BadMof{"instance of T_Device as $A { DeviceID = \"1\"; };\n"
