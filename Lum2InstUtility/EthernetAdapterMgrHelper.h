@@ -20,7 +20,7 @@
 class CZorel_EthernetAdapterMgrHelper {
   public:
     /// Which instance an object identifier stands for: the same one names a team and its logical adapter.
-    enum EthernetInstanceType {
+    enum EthernetInstanceType : int {
         PhysicalAdapter = 0, ///< Zorel_PhysicalEthernetAdapter
         LogicalAdapter = 1,  ///< Zorel_LogicalEthernetAdapter
         TeamOfAdapters = 2,  ///< Zorel_TeamOfAdapters

@@ -1,0 +1,6 @@
+// A client of the shared library above.
+int ProbeLevel();
+
+int main() {
+    return ProbeLevel();
+}

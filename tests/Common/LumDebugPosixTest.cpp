@@ -1,0 +1,91 @@
+// What the trace log owes to the other users of a POSIX host.
+#include "EnvironmentScope.h"
+#include "LumDebug.h"
+#include "RegistryScope.h"
+#include "TemporaryDirectory.h"
+#include "TraceFile.h"
+
+#include <fstream>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace quillet::test;
+
+namespace {
+
+class LumDebugPosix : public testing::Test {
+  protected:
+    LumDebugPosix() { m_registry.SetString(kLum2Key, L"InstalledDir", m_directory.Text()); }
+    LONG Configure() { return m_log.Configure(L"Quillet", L"Trace.txt", 1, false, 0); }
+    std::filesystem::path File() const { return m_directory.File(L"Trace.txt"); }
+
+    TemporaryDirectory m_directory;
+    TemporaryDirectory m_temp;
+    EnvironmentScope m_environment{L"Temp", m_temp.Text()};
+    RegistryScope m_registry;
+    CLumDebug m_log;
+};
+
+TEST_F(LumDebugPosix, NewFile_IsItsOwnersAlone) {
+    const mode_t mask = umask(0);
+    const LONG result = Configure();
+    umask(mask);
+    ASSERT_EQ(result, 0);
+    struct stat status {};
+    ASSERT_EQ(stat(File().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777u, 0600u);
+}
+
+TEST_F(LumDebugPosix, SymbolicLink_IsNeverFollowed) {
+    const auto victim = m_directory.File(L"victim");
+    std::ofstream(victim) << "precious";
+    create_symlink(victim, File());
+    EXPECT_EQ(Configure(), 0); // in the Temp directory
+    m_log.PrintText(L"line");
+    EXPECT_EQ(ReadFile(victim), "precious");
+    EXPECT_TRUE(exists(m_temp.File(L"Trace.txt")));
+}
+
+TEST_F(LumDebugPosix, SymbolicLinksInBothPlaces_LeaveTheLogOff) {
+    const auto victim = m_directory.File(L"victim");
+    create_symlink(victim, File());
+    create_symlink(victim, m_temp.File(L"Trace.txt"));
+    EXPECT_EQ(Configure(), -1);
+    EXPECT_FALSE(exists(victim));
+    EXPECT_EQ(m_log.Configure(L"Quillet", L"Trace.txt", 1, true, 0), -1);
+    EXPECT_FALSE(exists(victim));
+}
+
+TEST_F(LumDebugPosix, PipeUnderTheName_IsNoTraceFileAndDoesNotBlock) {
+    ASSERT_EQ(mkfifo(File().c_str(), 0600), 0);
+    EXPECT_EQ(Configure(), 0);
+    EXPECT_TRUE(exists(m_temp.File(L"Trace.txt")));
+}
+
+TEST_F(LumDebugPosix, BackslashesInTheName_AreDirectories) {
+    create_directory(m_directory.File(L"logs"));
+    EXPECT_EQ(m_log.Configure(L"Quillet", L"logs\\Trace.txt", 1, false, 0), 0);
+    EXPECT_TRUE(exists(m_directory.File(L"logs") / "Trace.txt"));
+}
+
+TEST_F(LumDebugPosix, NoTempVariable_UsesTmpdir) {
+    m_registry.RemoveKey(kLum2Key);
+    const EnvironmentScope temp(L"Temp", std::nullopt);
+    const EnvironmentScope tmpdir(L"TMPDIR", m_directory.Text());
+    EXPECT_EQ(Configure(), 0);
+    EXPECT_TRUE(exists(File()));
+}
+
+TEST_F(LumDebugPosix, NeitherTempNorTmpdir_UsesTmp) {
+    m_registry.RemoveKey(kLum2Key);
+    const EnvironmentScope temp(L"Temp", std::nullopt);
+    const EnvironmentScope tmpdir(L"TMPDIR", std::nullopt);
+    const std::wstring name = m_directory.Path().filename().wstring() + L".txt";
+    EXPECT_EQ(m_log.Configure(L"Quillet", name.c_str(), 1, false, 0), 0);
+    const std::filesystem::path file = std::filesystem::path("/tmp") / name;
+    EXPECT_TRUE(exists(file));
+    remove(file);
+}
+
+} // namespace
