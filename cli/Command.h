@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -88,6 +89,9 @@ class CommandTree {
   private:
     CLI::App& Subcommand(CLI::App& parent, const std::string& name, const std::string& description);
     void Attach(CLI::App& app, std::unique_ptr<Command> command);
+    /// The line with each "--simulate" that has no file moved to its end, where it cannot take the name of a
+    /// command for one.
+    std::vector<std::string> WithSimulateApart(const std::vector<std::string>& arguments) const;
 
     GlobalOptions m_options;
     std::unique_ptr<CLI::App> m_app;
@@ -96,6 +100,7 @@ class CommandTree {
         std::unique_ptr<Command> command;
     };
     std::vector<Leaf> m_leaves;
+    std::set<std::string> m_names; ///< of all nouns and verbs
 };
 
 } // namespace quilletctl

@@ -29,6 +29,7 @@ void Configure(CLI::App& app) {
     // A global option may stand anywhere on the line.
     app.fallthrough();
     app.get_formatter()->column_width(28);
+    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
 }
 
 const char* NameOf(CommandTree::Group group) {
@@ -74,7 +75,10 @@ CommandTree::~CommandTree() = default;
 
 CLI::App& CommandTree::Subcommand(CLI::App& parent, const std::string& name, const std::string& description) {
     CLI::App& app = *parent.add_subcommand(name, description);
+    m_names.insert(name);
     Configure(app);
+    app.group("Commands");
+    app.footer("\nquilletctl --help lists the options that every command takes.");
     return app;
 }
 
@@ -113,13 +117,36 @@ CommandTree::Noun& CommandTree::Noun::Verb(const std::string& name, const std::s
     return *this;
 }
 
+std::vector<std::string> CommandTree::WithSimulateApart(const std::vector<std::string>& arguments) const {
+    std::vector<std::string> line;
+    bool isMoved = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] == "--simulate" && i + 1 < arguments.size() && m_names.count(arguments[i + 1]) > 0) {
+            isMoved = true;
+        } else {
+            line.push_back(arguments[i]);
+        }
+    }
+    if (isMoved) {
+        line.insert(std::find(line.begin(), line.end(), "--"), "--simulate");
+    }
+    return line;
+}
+
 Command& CommandTree::Parse(const std::vector<std::string>& arguments) {
     try {
-        m_app->parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        const std::vector<std::string> line = WithSimulateApart(arguments);
+        m_app->parse(std::vector<std::string>(line.rbegin(), line.rend()));
     } catch (const CLI::CallForHelp&) {
         throw TextRequest{m_app->help()};
     } catch (const CLI::CallForVersion& version) {
         throw TextRequest{std::string(version.what()) + "\n"};
+    } catch (const CLI::ExtrasError&) {
+        std::string unexpected;
+        for (const std::string& each : m_app->remaining(true)) {
+            unexpected += " " + each;
+        }
+        throw UsageError("not understood:" + unexpected);
     } catch (const CLI::ParseError& mistake) {
         throw UsageError(mistake.what());
     }

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <iostream>
 
 namespace quilletctl {
@@ -44,6 +45,16 @@ Terminal& Console::Screen() noexcept {
 
 bool HostHasWmi() noexcept {
     return false;
+}
+
+std::filesystem::path TemporaryDirectory() {
+    for (const char* variable : {"Temp", "TMPDIR"}) {
+        const char* directory = std::getenv(variable);
+        if (directory != nullptr && *directory != '\0') {
+            return directory;
+        }
+    }
+    return "/tmp";
 }
 
 } // namespace quilletctl

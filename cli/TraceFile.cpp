@@ -1,6 +1,7 @@
 // Finding and reading the trace file.
 #include "TraceFile.h"
 
+#include "Console.h"
 #include "Text.h"
 
 #include <windows.h>
@@ -8,7 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <deque>
 #include <fstream>
 #include <iterator>
@@ -18,7 +18,7 @@ namespace quilletctl {
 namespace {
 
 constexpr const wchar_t* SETTINGS_KEY = L"SOFTWARE\\MARLO\\NETWORK_SERVICES\\LUM2";
-constexpr const wchar_t* TRACE_FILE_NAME = L"\\Gui_Quillet.txt";
+constexpr const wchar_t* TRACE_FILE_NAME = L"Gui_Quillet.txt";
 
 /// "InstalledDir" of the machine's registry; empty where the key has no such value, nothing without the key.
 std::optional<std::wstring> InstalledDirectory() {
@@ -34,16 +34,6 @@ std::optional<std::wstring> InstalledDirectory() {
     RegCloseKey(key);
     const bool isText = result == ERROR_SUCCESS && (type == REG_SZ || type == REG_EXPAND_SZ);
     return isText ? std::wstring(text.data()) : std::wstring();
-}
-
-std::wstring TemporaryDirectory() {
-    for (const char* variable : {"Temp", "TMPDIR"}) {
-        const char* value = std::getenv(variable);
-        if (value != nullptr && *value != '\0') {
-            return ToWide(value);
-        }
-    }
-    return L"/tmp";
 }
 
 std::filesystem::path HostPath(std::wstring path) {
@@ -84,14 +74,14 @@ std::optional<TraceFile> Read(const std::filesystem::path& path, std::size_t lin
 
 std::optional<TraceFile> ReadTraceFile(std::size_t lineCount) {
     // The library falls back to the temporary directory when the first place cannot be written.
-    std::vector<std::wstring> directories;
-    if (std::optional<std::wstring> installed = InstalledDirectory()) {
-        directories.push_back(*std::move(installed));
+    std::vector<std::filesystem::path> files;
+    if (const std::optional<std::wstring> installed = InstalledDirectory()) {
+        files.push_back(HostPath(*installed + L'\\' + TRACE_FILE_NAME));
     }
-    directories.push_back(TemporaryDirectory());
-    for (const std::wstring& directory : directories) {
-        if (std::optional<TraceFile> file = Read(HostPath(directory + TRACE_FILE_NAME), lineCount)) {
-            return file;
+    files.push_back(TemporaryDirectory() / TRACE_FILE_NAME);
+    for (const std::filesystem::path& file : files) {
+        if (std::optional<TraceFile> trace = Read(file, lineCount)) {
+            return trace;
         }
     }
     return std::nullopt;
