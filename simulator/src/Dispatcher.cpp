@@ -124,8 +124,6 @@ HRESULT Dispatcher::ParsePath(std::wstring_view text, ObjectPath& path) const {
     if (!parsed) {
         return HRESULT(WBEM_E_INVALID_OBJECT_PATH);
     }
-    // Whatever the machine was called when the client connected, a path on another name is still this
-    // machine.
     if (!parsed->namespacePath.empty() &&
         !SameName(parsed->namespacePath, m_machine.Store().NamespaceName())) {
         return HRESULT(WBEM_E_INVALID_NAMESPACE);

@@ -1,0 +1,139 @@
+// Machines: where they come from, what they say about themselves, time, and writing one back.
+#include "ComFixture.h"
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "TemporaryDirectory.h"
+
+using namespace std::chrono_literals;
+
+namespace {
+
+MachineOptions OnTestHost() {
+    MachineOptions options;
+    options.serverName = L"TESTHOST";
+    return options;
+}
+
+TEST(Machines, AnEmptyOneHasOnlyTheNetworkService) {
+    const auto machine = Machine::Empty(OnTestHost());
+    const auto instances = machine->Store().AllInstances();
+    ASSERT_EQ(instances.size(), 1u);
+    EXPECT_EQ(Narrow(machine->Store().FullPath(*instances[0])),
+              "\\\\TESTHOST\\ROOT\\MarloLUM2:Zorel_NetService.Name=\"ZorelNetService\"");
+    EXPECT_NE(machine->Store().FindClass(L"Zorel_VLAN"), nullptr);
+}
+
+TEST(Machines, TheBuiltInOneHasAdapters) {
+    const auto machine = Machine::BuiltIn(OnTestHost());
+    EXPECT_GE(machine->Store().Instances(L"Zorel_PhysicalEthernetAdapter").size(), 9u);
+    EXPECT_EQ(machine->Store().Instances(L"Zorel_NetService").size(), 1u);
+}
+
+TEST(Machines, TheNameIsThatOfThisComputerUnlessGiven) {
+    WCHAR name[MAX_COMPUTERNAME_LENGTH + 1] = {};
+    DWORD size = MAX_COMPUTERNAME_LENGTH + 1;
+    ASSERT_TRUE(GetComputerNameW(name, &size));
+    EXPECT_EQ(Machine::Empty()->Store().ServerName(), name);
+    const char* const named =
+        "instance of QuilletSimulator_Machine { Name = \"lab\"; ServerName = \"LAB7\"; };";
+    EXPECT_EQ(Machine::FromText(named, "lab.mof")->Store().ServerName(), L"LAB7");
+    EXPECT_EQ(Machine::FromText(named, "lab.mof", OnTestHost())->Store().ServerName(), L"TESTHOST");
+    EXPECT_EQ(Machine::FromText(named, "lab.mof")->Store().AllInstances().size(), 1u);
+}
+
+TEST(Machines, BadTextIsReportedWithItsPlace) {
+    try {
+        Machine::FromText("instance of Zorel_NetService {\n  Name = ;\n};", "bad.mof");
+        FAIL() << "compiled";
+    } catch (const MofError& error) {
+        EXPECT_EQ(error.File(), "bad.mof");
+        EXPECT_EQ(error.Line(), 2u);
+    }
+    EXPECT_THROW(Machine::FromFile("no-such-file.mof"), std::exception);
+}
+
+TEST(Machines, FaultsComeFromTheirText) {
+    const auto machine = Machine::FromText("instance of QuilletSimulator_Fault { Id = 1; Operation = "
+                                           "\"getobject\"; Target = \"Zorel_VLAN\"; Nth = 2;"
+                                           " Effect = \"Fail\"; Code = 0x80041003; };"
+                                           "instance of QuilletSimulator_Fault { Id = 2; Effect = \"Delay\"; "
+                                           "Repeat = TRUE; Milliseconds = 2; };",
+                                           "faults.mof");
+    auto& rules = machine->Rules();
+    EXPECT_EQ(rules.Hit(Operation::GetObject, L"Zorel_VLAN")->effect, Effect::Delay);
+    const auto second = rules.Hit(Operation::GetObject, L"Zorel_VLAN.Name=\"x\"");
+    ASSERT_TRUE(second);
+    EXPECT_EQ(Code(second->code), "0x80041003");
+    EXPECT_EQ(second->milliseconds, 2u);
+    EXPECT_FALSE(rules.Hit(Operation::Get, L"Name"));
+}
+
+TEST(Machines, AFaultThatMeansNothingIsReported) {
+    for (const auto* fault :
+         {"Operation = \"Explode\"; Effect = \"Fail\";", "Effect = \"Explode\";",
+          "Operation = \"Get\"; Effect = \"EndOfData\";", "Nth = 0; Effect = \"Fail\";"}) {
+        const std::string text = std::string("instance of QuilletSimulator_Fault { Id = 7; ") + fault + " };";
+        try {
+            Machine::FromText(text, "faults.mof");
+            ADD_FAILURE() << fault;
+        } catch (const MofError& error) {
+            EXPECT_THAT(error.what(), testing::HasSubstr("QuilletSimulator_Fault.Id=7")) << fault;
+        }
+    }
+}
+
+TEST(Machines, TimeStandsUntilItIsAdvanced) {
+    const auto machine = Machine::Empty(OnTestHost());
+    EXPECT_EQ(machine->Now(), 0ms);
+    std::this_thread::sleep_for(5ms);
+    EXPECT_EQ(machine->Now(), 0ms);
+    machine->Advance(250ms);
+    EXPECT_EQ(machine->Now(), 250ms);
+    machine->FollowRealTime(true);
+    std::this_thread::sleep_for(20ms);
+    EXPECT_GE(machine->Now(), 270ms);
+    machine->FollowRealTime(false);
+    const auto stopped = machine->Now();
+    std::this_thread::sleep_for(5ms);
+    EXPECT_EQ(machine->Now(), stopped);
+}
+
+TEST(Machines, TheirTextSaysHowTheyBehave) {
+    const auto machine = Machine::FromText(
+        "instance of QuilletSimulator_Machine { Name = \"m\"; FollowRealTime = TRUE; };", "m.mof");
+    std::this_thread::sleep_for(10ms);
+    EXPECT_GE(machine->Now(), 10ms);
+}
+
+TEST(Machines, OneIsWrittenBackWhole) {
+    const quillet::test::TemporaryDirectory directory;
+    const auto original = Machine::BuiltIn(OnTestHost());
+    const auto file = std::filesystem::path(directory.Path()) / "state.mof";
+    std::ofstream(file, std::ios::binary) << original->Save();
+    const auto loaded = Machine::FromFile(file, OnTestHost());
+    const auto before = original->Store().AllInstances();
+    const auto after = loaded->Store().AllInstances();
+    ASSERT_EQ(after.size(), before.size());
+    for (std::size_t index = 0; index < before.size(); ++index) {
+        EXPECT_EQ(loaded->Store().RelativePath(*after[index]),
+                  original->Store().RelativePath(*before[index]));
+        EXPECT_TRUE(after[index]->values == before[index]->values)
+            << Narrow(original->Store().RelativePath(*before[index]));
+    }
+    EXPECT_EQ(loaded->Save(), original->Save());
+}
+
+class StrictMachine : public ComTest {};
+
+TEST_F(StrictMachine, ItsTextMakesAMachineStrict) {
+    Use("instance of QuilletSimulator_Machine { Name = \"m\"; Strict = TRUE; };");
+    Connect();
+    EXPECT_EQ(Code(services->DeleteInstance(_bstr_t(L"Test_Lone=1").GetBSTR(), 0, nullptr, nullptr)),
+              "0x80041003");
+}
+
+} // namespace
