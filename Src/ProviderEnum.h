@@ -11,6 +11,9 @@ class ProviderEnum {
     /// The enumerator's address, for the call that makes it.
     IEnumWbemClassObject** operator&() { return &m_enumerator; }
 
+    /// Whether the provider handed out an enumerator.
+    explicit operator bool() const { return m_enumerator != nullptr; }
+
     /// Fetches the next object. False at the end of the data, and when the provider fails (see Result).
     bool Next(ATL::CComPtr<IWbemClassObject>& object) {
         object.Release();
