@@ -35,6 +35,11 @@ bool TooLong(UINT length) noexcept {
     return length >= (~0u - headerBytes - sizeof(OLECHAR)) / sizeof(OLECHAR);
 }
 
+/// Bytes rounded up to whole characters.
+std::size_t WholeCharacters(UINT bytes) noexcept {
+    return (std::size_t{bytes} + sizeof(OLECHAR) - 1) / sizeof(OLECHAR) * sizeof(OLECHAR);
+}
+
 } // namespace
 
 namespace quillet::platform {
@@ -52,8 +57,10 @@ void FailBstrAllocation(unsigned long nth) noexcept {
 BSTR WINAPI SysAllocStringByteLen(LPCSTR text, UINT bytes) {
     if (MustFail() || TooLong(bytes / sizeof(OLECHAR)))
         return nullptr;
-    // The terminator starts behind the last byte, which need not end a character.
-    auto* const block = static_cast<char*>(std::malloc(headerBytes + bytes + sizeof(OLECHAR)));
+    // The last byte need not end a character. The terminator is a whole one all the same, so that those who
+    // look for it find it within the block.
+    const std::size_t contentBytes = WholeCharacters(bytes) + sizeof(OLECHAR);
+    auto* const block = static_cast<char*>(std::malloc(headerBytes + contentBytes));
     if (!block)
         return nullptr;
     std::memset(block, 0, headerBytes);
@@ -61,7 +68,7 @@ BSTR WINAPI SysAllocStringByteLen(LPCSTR text, UINT bytes) {
     char* const content = block + headerBytes;
     if (text && bytes)
         std::memcpy(content, text, bytes);
-    std::memset(content + bytes, 0, sizeof(OLECHAR));
+    std::memset(content + bytes, 0, contentBytes - bytes);
     quillet::platform::counters.bstrs.fetch_add(1, std::memory_order_relaxed);
     return reinterpret_cast<BSTR>(content);
 }

@@ -29,9 +29,11 @@ ClassTable& Classes() {
     return *table;
 }
 
+/// The oldest registration of the class that is not spent.
 auto FindClass(ClassTable& table, REFCLSID clsid) {
-    return std::find_if(table.registrations.begin(), table.registrations.end(),
-                        [&clsid](const Registration& entry) { return entry.clsid == clsid; });
+    return std::find_if(
+        table.registrations.begin(), table.registrations.end(),
+        [&clsid](const Registration& entry) { return entry.clsid == clsid && entry.classObject; });
 }
 
 /// The class object with a reference for the caller, or null. A single-use registration is spent by it.
@@ -39,7 +41,7 @@ IUnknown* TakeClassObject(REFCLSID clsid) {
     ClassTable& table = Classes();
     const std::lock_guard guard(table.lock);
     const auto found = FindClass(table, clsid);
-    if (found == table.registrations.end() || !found->classObject)
+    if (found == table.registrations.end())
         return nullptr;
     IUnknown* const classObject = found->classObject;
     if (found->singleUse)

@@ -126,7 +126,10 @@ class Formatter {
             return Size::Bits64;
         if (Accept(L"I32"))
             return Size::Long;
-        if (Accept(L"I") || Accept(L"z") || Accept(L"t"))
+        // A lone I is a size only before an integer conversion; elsewhere it is a conversion that there is
+        // not.
+        const bool isPointerSize = *m_at == L'I' && m_at[1] && std::wcschr(L"diouxX", m_at[1]);
+        if ((isPointerSize && Accept(L"I")) || Accept(L"z") || Accept(L"t"))
             return sizeof(void*) == 8 ? Size::Bits64 : Size::Long;
         if (Accept(L"hh"))
             return Size::Char;
@@ -206,8 +209,9 @@ class Formatter {
 
     void Padded(const Conversion& conversion, std::wstring_view text) {
         const std::size_t padding = conversion.width > text.size() ? conversion.width - text.size() : 0;
+        // Texts too are filled with zeros where the format asks for them.
         if (!conversion.left)
-            m_output.Put(L' ', padding);
+            m_output.Put(conversion.zero ? L'0' : L' ', padding);
         m_output.Put(text);
         if (conversion.left)
             m_output.Put(L' ', padding);
@@ -233,9 +237,10 @@ class Formatter {
     }
 
     static std::wstring DigitsOf(unsigned long long value, unsigned base, bool upper) {
+        const wchar_t* const symbols = upper ? L"0123456789ABCDEF" : L"0123456789abcdef";
         std::wstring digits;
         for (; value; value /= base)
-            digits.push_back((upper ? L"0123456789ABCDEF" : L"0123456789abcdef")[value % base]);
+            digits.push_back(symbols[value % base]);
         std::reverse(digits.begin(), digits.end());
         return digits;
     }

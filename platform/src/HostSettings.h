@@ -26,13 +26,23 @@ struct HostSettings {
     std::wstring moduleFileName;
 };
 
+struct LockedSettings {
+    std::mutex lock;
+    HostSettings settings;
+};
+
+/// The one copy for the process.
+inline LockedSettings& SharedSettings() {
+    static LockedSettings shared;
+    return shared;
+}
+
 /// Calls `use(settings)` under the lock; `use` must not call out.
 template <class Use>
 auto WithSettings(Use use) {
-    static std::mutex lock;
-    static HostSettings settings;
-    const std::lock_guard guard(lock);
-    return use(settings);
+    LockedSettings& shared = SharedSettings();
+    const std::lock_guard guard(shared.lock);
+    return use(shared.settings);
 }
 
 } // namespace quillet::platform

@@ -2,6 +2,7 @@
 #include "RegFile.h"
 #include "Text.h"
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <utility>
@@ -13,6 +14,7 @@ constexpr std::wstring_view header = L"Windows Registry Editor Version 5.00";
 
 struct Malformed {
     std::string message;
+    std::size_t line = 0; ///< 0: the line that is being read
 };
 
 bool IsBlank(wchar_t character) {
@@ -38,27 +40,38 @@ void ExpectEnd(std::wstring_view rest) {
         throw Malformed{"unexpected text behind the end: " + Utf8FromWide(rest)};
 }
 
-std::wstring Decode(std::string_view bytes) {
-    bool invalid = false;
+/// Decodes line by line, so that the line of an ill-formed one is known.
+template <class Units, class DecodeLine>
+std::wstring DecodeLines(Units units, DecodeLine decodeLine) {
     std::wstring text;
+    for (std::size_t line = 1, at = 0; at < units.size(); ++line) {
+        const std::size_t end = std::min(units.find('\n', at), units.size() - 1) + 1;
+        bool invalid = false;
+        text += decodeLine(units.substr(at, end - at), &invalid);
+        if (invalid)
+            throw Malformed{"the text is neither UTF-8 nor UTF-16LE with a byte-order mark", line};
+        at = end;
+    }
+    return text;
+}
+
+std::wstring Decode(std::string_view bytes) {
     if (bytes.substr(0, 2) == "\xff\xfe") {
         bytes.remove_prefix(2);
-        if (bytes.size() % 2)
-            throw Malformed{"the file ends within a UTF-16 character"};
         std::u16string units(bytes.size() / 2, u'\0');
         for (std::size_t i = 0; i < units.size(); ++i) {
             units[i] = static_cast<char16_t>(static_cast<unsigned char>(bytes[2 * i]) |
                                              static_cast<unsigned char>(bytes[2 * i + 1]) << 8);
         }
-        text = WideFromUtf16(units, &invalid);
-    } else {
-        if (bytes.substr(0, 3) == "\xef\xbb\xbf")
-            bytes.remove_prefix(3);
-        text = WideFromUtf8(bytes, &invalid);
+        if (bytes.size() % 2) {
+            const auto lines = static_cast<std::size_t>(std::count(units.begin(), units.end(), u'\n')) + 1;
+            throw Malformed{"the file ends within a UTF-16 character", lines};
+        }
+        return DecodeLines(std::u16string_view(units), WideFromUtf16);
     }
-    if (invalid)
-        throw Malformed{"the text is neither UTF-8 nor UTF-16LE with a byte-order mark"};
-    return text;
+    if (bytes.substr(0, 3) == "\xef\xbb\xbf")
+        bytes.remove_prefix(3);
+    return DecodeLines(bytes, WideFromUtf8);
 }
 
 /// A quoted text with the escapes \\ and \"; moves `rest` behind the closing quote.
@@ -141,7 +154,8 @@ class Parser {
   public:
     explicit Parser(std::wstring text) : m_text(std::move(text)) {}
 
-    std::size_t Line() const { return m_line; }
+    /// The line that is being read: of a value that goes on over several lines, the first.
+    std::size_t Line() const { return m_reading; }
 
     std::vector<RegOperation> Run() {
         bool headed = false;
@@ -149,8 +163,6 @@ class Parser {
         while (NextLine(storage)) {
             const std::wstring_view line = Trim(storage);
             if (!headed) {
-                if (line.empty() && m_line > 1)
-                    continue;
                 if (line != header)
                     throw Malformed{"the first line must be \"" + Utf8FromWide(header) + "\""};
                 headed = true;
@@ -171,7 +183,7 @@ class Parser {
     bool NextPhysicalLine(std::wstring_view& line) {
         if (m_at >= m_text.size())
             return false;
-        ++m_line;
+        m_reading = ++m_line;
         const std::size_t end = std::min(m_text.find(L'\n', m_at), m_text.size());
         line = std::wstring_view(m_text).substr(m_at, end - m_at);
         if (!line.empty() && line.back() == L'\r')
@@ -188,22 +200,37 @@ class Parser {
         if (!NextPhysicalLine(line))
             return false;
         joined = line;
-        while (IsByteList(joined) && !Trim(joined).empty() && Trim(joined).back() == L'\\') {
-            joined = Trim(joined);
-            joined.pop_back();
+        if (!IsByteList(line))
+            return true;
+        const std::size_t first = m_line;
+        while (Continues(line)) {
+            joined.resize(joined.rfind(L'\\'));
             if (!NextPhysicalLine(line))
                 throw Malformed{"the file ends where a continuation is expected"};
-            joined += Trim(line);
+            joined += line;
         }
+        m_reading = first;
         return true;
     }
+    static bool Continues(std::wstring_view line) {
+        line = Trim(line);
+        return !line.empty() && line.back() == L'\\';
+    }
+    /// Whether the line sets a value from bytes: a quoted name or @, = and hex.
     static bool IsByteList(std::wstring_view line) {
         line = Trim(line);
-        if (line.empty() || (line.front() != L'"' && line.front() != L'@'))
+        if (StartsWith(line, L"@")) {
+            line.remove_prefix(1);
+        } else if (StartsWith(line, L"\"")) {
+            std::size_t end = 1;
+            while (end < line.size() && line[end] != L'"')
+                end += line[end] == L'\\' ? std::size_t{2} : std::size_t{1};
+            line = line.substr(std::min(end + 1, line.size()));
+        } else {
             return false;
-        const std::size_t hex = line.find(L"=hex");
-        const std::size_t spaced = line.find(L"= hex");
-        return hex != std::wstring_view::npos || spaced != std::wstring_view::npos;
+        }
+        line = Trim(line);
+        return StartsWith(line, L"=") && StartsWith(Trim(line.substr(1)), L"hex");
     }
 
     void Key(std::wstring_view line) {
@@ -300,6 +327,7 @@ class Parser {
     std::wstring m_text;
     std::size_t m_at = 0;
     std::size_t m_line = 0;
+    std::size_t m_reading = 0;
     HKEY m_root = nullptr;
     std::wstring m_path;
     bool m_deletedKey = false;
@@ -314,7 +342,8 @@ std::variant<std::vector<RegOperation>, RegFileError> ParseRegFile(std::string_v
         parser.emplace(Decode(bytes));
         return parser->Run();
     } catch (const Malformed& error) {
-        return RegFileError{parser && parser->Line() ? parser->Line() : 1, error.message};
+        const std::size_t reading = parser ? parser->Line() : 0;
+        return RegFileError{error.line ? error.line : std::max<std::size_t>(reading, 1), error.message};
     }
 }
 

@@ -136,7 +136,11 @@ void Apply(Hive& hive, std::vector<RegOperation> operations) {
 
 void Fill(Hive& hive, const std::string& file) {
     std::ifstream stream(file, std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+    std::string bytes;
+    char block[4096];
+    // What can be opened need not be a file that can be read; a failed read is no exception here.
+    while (stream.read(block, sizeof block) || stream.gcount() > 0)
+        bytes.append(block, static_cast<std::size_t>(stream.gcount()));
     if (!stream.is_open() || stream.bad()) {
         std::fprintf(stderr, "%s: the registry file cannot be read; the registry is empty\n", file.c_str());
         return;

@@ -200,6 +200,9 @@ HRESULT FindElement(SAFEARRAY* array, const LONG* indices, void** address) noexc
         cell += static_cast<std::size_t>(offset) * stride;
         stride *= bound.cElements;
     }
+    // The data may have been destroyed and the descriptor kept.
+    if (!array->pvData)
+        return E_INVALIDARG;
     *address = static_cast<char*>(array->pvData) + cell * array->cbElements;
     return S_OK;
 }

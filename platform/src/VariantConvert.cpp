@@ -227,8 +227,9 @@ class NumberText {
     std::string m_digits;
 };
 
+/// The text as the conversions see it, which ends at the first zero.
 std::wstring_view TextOf(const VARIANT& source) {
-    return {V_BSTR(&source) ? V_BSTR(&source) : L"", SysStringLen(V_BSTR(&source))};
+    return V_BSTR(&source) ? V_BSTR(&source) : L"";
 }
 
 HRESULT ReadNumber(const VARIANT& source, Number& number) {
@@ -318,11 +319,34 @@ HRESULT ToInteger(Number number, Target& target) {
     return S_OK;
 }
 
-/// Booleans become unsigned numbers by their bits: true is the greatest one.
+/// Whether the integer types are the signed and the unsigned form of one width.
+bool SameWidth(VARTYPE left, VARTYPE right) {
+    const auto width = [](VARTYPE type) -> ULONG {
+        switch (type) {
+        case VT_I1:
+        case VT_UI1:
+        case VT_I2:
+        case VT_UI2:
+        case VT_I4:
+        case VT_UI4:
+        case VT_INT:
+        case VT_UINT:
+        case VT_I8:
+        case VT_UI8:
+            return quillet::platform::ElementSize(type);
+        default:
+            return 0;
+        }
+    };
+    return width(left) != 0 && width(left) == width(right);
+}
+
+/// To an integer type by its bits where OLE does so: between the two forms of one width, and from a boolean,
+/// which is all ones in an unsigned type.
 template <class Target>
-HRESULT ToUnsigned(const VARIANT& source, const Number& number, Target& target) {
-    if (V_VT(&source) == VT_BOOL) {
-        target = static_cast<Target>(static_cast<LONGLONG>(V_BOOL(&source)));
+HRESULT ToIntegerType(const VARIANT& source, const Number& number, VARTYPE type, Target& target) {
+    if ((V_VT(&source) == VT_BOOL && std::is_unsigned_v<Target>) || SameWidth(V_VT(&source), type)) {
+        target = static_cast<Target>(number.negative ? 0ull - number.magnitude : number.magnitude);
         return S_OK;
     }
     return ToInteger(number, target);
@@ -372,8 +396,9 @@ std::wstring RealText(double value, bool single) {
     const auto written =
         std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, single ? 7 : 15);
     std::wstring text;
+    // The exponent's letter and what is not a number are written in capitals.
     for (const char* at = buffer; at != written.ptr; ++at)
-        text.push_back(*at == 'e' ? L'E' : static_cast<wchar_t>(*at));
+        text.push_back(static_cast<wchar_t>(*at >= 'a' && *at <= 'z' ? *at - 'a' + 'A' : *at));
     return text;
 }
 
@@ -426,33 +451,36 @@ HRESULT ToBoolean(const VARIANT& source, VARIANT_BOOL& target) {
 // --- The whole -----------------------------------------------------------------------------------------
 
 HRESULT ToNumberType(const VARIANT& source, VARTYPE type, VARIANT& target) {
+    if (type == VT_ERROR || type == VT_VARIANT || type == VT_DATE || type == VT_CY || type == VT_DECIMAL)
+        return DISP_E_TYPEMISMATCH;
     Number number;
     const HRESULT hr = ReadNumber(source, number);
     if (FAILED(hr))
         return hr;
     switch (type) {
     case VT_I1: {
+        // The member is a char, which some hosts have unsigned.
         signed char value = 0;
-        const HRESULT converted = ToInteger(number, value);
+        const HRESULT converted = ToIntegerType(source, number, type, value);
         V_I1(&target) = static_cast<CHAR>(value);
         return converted;
     }
     case VT_UI1:
-        return ToUnsigned(source, number, V_UI1(&target));
+        return ToIntegerType(source, number, type, V_UI1(&target));
     case VT_I2:
-        return ToInteger(number, V_I2(&target));
+        return ToIntegerType(source, number, type, V_I2(&target));
     case VT_UI2:
-        return ToUnsigned(source, number, V_UI2(&target));
+        return ToIntegerType(source, number, type, V_UI2(&target));
     case VT_I4:
     case VT_INT:
-        return ToInteger(number, V_I4(&target));
+        return ToIntegerType(source, number, type, V_I4(&target));
     case VT_UI4:
     case VT_UINT:
-        return ToUnsigned(source, number, V_UI4(&target));
+        return ToIntegerType(source, number, type, V_UI4(&target));
     case VT_I8:
-        return ToInteger(number, V_I8(&target));
+        return ToIntegerType(source, number, type, V_I8(&target));
     case VT_UI8:
-        return ToUnsigned(source, number, V_UI8(&target));
+        return ToIntegerType(source, number, type, V_UI8(&target));
     case VT_R4:
         return ToSingle(number, V_R4(&target));
     case VT_R8:
