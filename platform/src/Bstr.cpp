@@ -10,7 +10,8 @@
 namespace {
 
 // As long as what malloc aligns to, so that the text behind it is aligned too.
-constexpr std::size_t headerBytes = 16;
+constexpr UINT headerBytes = 16;
+constexpr UINT characterBytes = sizeof(OLECHAR);
 
 struct ThreadAllocations {
     unsigned long made = 0;
@@ -32,7 +33,7 @@ void SetByteLength(char* block, UINT bytes) noexcept {
 }
 
 bool TooLong(UINT length) noexcept {
-    return length >= (~0u - headerBytes - sizeof(OLECHAR)) / sizeof(OLECHAR);
+    return length >= (~0u - headerBytes - characterBytes) / characterBytes;
 }
 
 /// Bytes rounded up to whole characters.
@@ -55,7 +56,7 @@ void FailBstrAllocation(unsigned long nth) noexcept {
 } // namespace quillet::platform
 
 BSTR WINAPI SysAllocStringByteLen(LPCSTR text, UINT bytes) {
-    if (MustFail() || TooLong(bytes / sizeof(OLECHAR)))
+    if (MustFail() || TooLong(bytes / characterBytes))
         return nullptr;
     // The last byte need not end a character. The terminator is a whole one all the same, so that those who
     // look for it find it within the block.
@@ -78,7 +79,7 @@ BSTR WINAPI SysAllocStringLen(const OLECHAR* text, UINT length) {
         MustFail();
         return nullptr;
     }
-    return SysAllocStringByteLen(reinterpret_cast<LPCSTR>(text), length * static_cast<UINT>(sizeof(OLECHAR)));
+    return SysAllocStringByteLen(reinterpret_cast<LPCSTR>(text), length * characterBytes);
 }
 
 BSTR WINAPI SysAllocString(const OLECHAR* text) {
@@ -136,5 +137,5 @@ UINT WINAPI SysStringByteLen(BSTR text) {
 }
 
 UINT WINAPI SysStringLen(BSTR text) {
-    return SysStringByteLen(text) / static_cast<UINT>(sizeof(OLECHAR));
+    return SysStringByteLen(text) / characterBytes;
 }

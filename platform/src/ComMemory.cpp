@@ -73,7 +73,8 @@ bool ParseGuid(LPCOLESTR text, GUID& guid) {
             digit = static_cast<unsigned>(c - L'a') + 10;
         else
             return false;
-        bytes[digits / 2] = static_cast<std::uint8_t>(bytes[digits / 2] << 4 | digit);
+        const unsigned high = bytes[digits / 2];
+        bytes[digits / 2] = static_cast<std::uint8_t>(high << 4 | digit);
         ++digits;
     }
     if (text[i] != L'\0')
