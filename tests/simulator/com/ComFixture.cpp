@@ -116,8 +116,8 @@ _variant_t ByteArray(const std::vector<unsigned char>& bytes) {
     V_ARRAY(&variant) = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(bytes.size()));
     V_VT(&variant) = VT_ARRAY | VT_UI1;
     LONG index = 0;
-    for (unsigned char byte : bytes) {
-        EXPECT_EQ(SafeArrayPutElement(V_ARRAY(&variant), &index, &byte), S_OK);
+    for (unsigned char octet : bytes) {
+        EXPECT_EQ(SafeArrayPutElement(V_ARRAY(&variant), &index, &octet), S_OK);
         ++index;
     }
     return variant;

@@ -51,6 +51,9 @@ class ComTest : public testing::Test {
     /// @param locale as in ConnectServer; null for none
     void Connect(const wchar_t* locale = nullptr);
 
+    /// Takes the machine from behind the class identifiers; who is connected stays so.
+    void Unregister() { m_registration.reset(); }
+
     ATL::CComPtr<IWbemLocator> Locator();
     ATL::CComPtr<IWbemContext> Context();
     HRESULT SetBlanket(IUnknown* proxy, DWORD authentication = RPC_C_AUTHN_LEVEL_CALL,

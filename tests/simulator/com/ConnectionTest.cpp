@@ -185,14 +185,20 @@ TEST_F(Connection, AnObjectKeepsItsIdentity) {
     EXPECT_EQ(SetBlanket(object), E_NOINTERFACE);
 }
 
-TEST_F(Connection, NothingAnswersWithoutARegistration) {
-    const auto before = Machine::LiveObjects();
-    {
-        const Registration second(machine);
-        EXPECT_EQ(Code(second.Result()), "0x00000000");
-        EXPECT_GT(Machine::LiveObjects(), before);
-    }
-    EXPECT_EQ(Machine::LiveObjects(), before);
+TEST_F(Connection, NothingIsLeftWhenAllIsReleased) {
+    const std::weak_ptr<Machine> watched = machine;
+    EXPECT_GT(Machine::LiveObjects(), 0);
+    services.Release();
+    Unregister();
+    EXPECT_EQ(Machine::LiveObjects(), 0);
+    machine.reset();
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(Connection, AConnectionKeepsItsMachineAlive) {
+    Unregister();
+    machine.reset();
+    EXPECT_EQ(Code(GetStatus(ALL)), "0x00000000");
 }
 
 } // namespace

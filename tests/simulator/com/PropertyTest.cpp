@@ -53,7 +53,7 @@ TEST_F(Property, ScalarsAreCarriedInTheirVariantType) {
     };
     for (const auto& expected : carried) {
         SCOPED_TRACE(Narrow(expected.name));
-        const auto value = Get(one, expected.name);
+        auto value = Get(one, expected.name);
         EXPECT_EQ(V_VT(&value), expected.vt);
         EXPECT_EQ(TypeOf(expected.name), expected.type);
         if (expected.vt != VT_BOOL) {
@@ -97,9 +97,9 @@ TEST_F(Property, ArrayElementsAreRight) {
     ASSERT_EQ(SafeArrayGetElement(V_ARRAY(&flags), &index, &flag), S_OK);
     EXPECT_EQ(flag, VARIANT_FALSE);
     const auto bytes = Get(one, L"U8s");
-    unsigned char byte = 0;
-    ASSERT_EQ(SafeArrayGetElement(V_ARRAY(&bytes), &index, &byte), S_OK);
-    EXPECT_EQ(byte, 255);
+    unsigned char octet = 0;
+    ASSERT_EQ(SafeArrayGetElement(V_ARRAY(&bytes), &index, &octet), S_OK);
+    EXPECT_EQ(octet, 255);
 }
 
 TEST_F(Property, NullIsCarriedAsNull) {
@@ -233,11 +233,11 @@ TEST_F(Property, ArraysOfOtherShapesAreRefused) {
     V_VT(&null) = VT_ARRAY | VT_UI1;
     V_ARRAY(&null) = nullptr;
     EXPECT_EQ(Code(two->Put(L"U8s", 0, &null, 0)), "0x80041005");
-    BYTE byte = 1;
+    BYTE octet = 1;
     VARIANT reference;
     VariantInit(&reference);
     V_VT(&reference) = VT_BYREF | VT_UI1;
-    V_UI1REF(&reference) = &byte;
+    V_UI1REF(&reference) = &octet;
     EXPECT_EQ(Code(two->Put(L"U8", 0, &reference, 0)), "0x80041005");
 }
 
