@@ -1,10 +1,9 @@
-// What differs between hosts: the arguments, the standard streams, the directory for temporary files, and
-// whether WMI is there at all. One implementation file per host.
+// What differs between hosts: the arguments, the standard streams, and whether WMI is there at all. One
+// implementation file per host.
 #pragma once
 
 #include "Terminal.h"
 
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -33,8 +32,5 @@ class Console {
 
 /// Whether this host has WMI, and so may have a provider. Where it has none, the simulator stands in.
 bool HostHasWmi() noexcept;
-
-/// The directory of the environment variable "Temp"; what the host uses instead where there is none.
-std::filesystem::path TemporaryDirectory();
 
 } // namespace quilletctl

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <iostream>
 
 namespace quilletctl {
@@ -45,16 +44,6 @@ Terminal& Console::Screen() noexcept {
 
 bool HostHasWmi() noexcept {
     return false;
-}
-
-std::filesystem::path TemporaryDirectory() {
-    for (const char* variable : {"Temp", "TMPDIR"}) {
-        const char* directory = std::getenv(variable);
-        if (directory != nullptr && *directory != '\0') {
-            return directory;
-        }
-    }
-    return "/tmp";
 }
 
 } // namespace quilletctl

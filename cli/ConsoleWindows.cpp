@@ -134,11 +134,4 @@ bool HostHasWmi() noexcept {
     return true;
 }
 
-std::filesystem::path TemporaryDirectory() {
-    std::wstring directory(GetEnvironmentVariableW(L"Temp", nullptr, 0), L'\0');
-    directory.resize(
-        GetEnvironmentVariableW(L"Temp", directory.data(), static_cast<DWORD>(directory.size())));
-    return directory;
-}
-
 } // namespace quilletctl

@@ -48,7 +48,10 @@ std::shared_ptr<Machine> FromFile(const std::string& file) {
 std::filesystem::path TemporaryNameBeside(const std::filesystem::path& file) {
     std::random_device random;
     std::filesystem::path name = file;
-    name += "." + std::to_string(random()) + std::to_string(random()) + ".tmp";
+    name += ".";
+    name += std::to_string(random());
+    name += std::to_string(random());
+    name += ".tmp";
     return name;
 }
 

@@ -1,7 +1,6 @@
 // Finding and reading the trace file.
 #include "TraceFile.h"
 
-#include "Console.h"
 #include "Text.h"
 
 #include <windows.h>
@@ -18,7 +17,7 @@ namespace quilletctl {
 namespace {
 
 constexpr const wchar_t* SETTINGS_KEY = L"SOFTWARE\\MARLO\\NETWORK_SERVICES\\LUM2";
-constexpr const wchar_t* TRACE_FILE_NAME = L"Gui_Quillet.txt";
+constexpr const wchar_t* TRACE_FILE_NAME = L"\\Gui_Quillet.txt";
 
 /// "InstalledDir" of the machine's registry; empty where the key has no such value, nothing without the key.
 std::optional<std::wstring> InstalledDirectory() {
@@ -34,6 +33,14 @@ std::optional<std::wstring> InstalledDirectory() {
     RegCloseKey(key);
     const bool isText = result == ERROR_SUCCESS && (type == REG_SZ || type == REG_EXPAND_SZ);
     return isText ? std::wstring(text.data()) : std::wstring();
+}
+
+/// "Temp" of the environment, as the library asks for it; every host has a default.
+std::wstring TemporaryDirectory() {
+    std::wstring directory(GetEnvironmentVariableW(L"Temp", nullptr, 0), L'\0');
+    directory.resize(
+        GetEnvironmentVariableW(L"Temp", directory.data(), static_cast<DWORD>(directory.size())));
+    return directory;
 }
 
 std::filesystem::path HostPath(std::wstring path) {
@@ -74,13 +81,13 @@ std::optional<TraceFile> Read(const std::filesystem::path& path, std::size_t lin
 
 std::optional<TraceFile> ReadTraceFile(std::size_t lineCount) {
     // The library falls back to the temporary directory when the first place cannot be written.
-    std::vector<std::filesystem::path> files;
-    if (const std::optional<std::wstring> installed = InstalledDirectory()) {
-        files.push_back(HostPath(*installed + L'\\' + TRACE_FILE_NAME));
+    std::vector<std::wstring> directories;
+    if (std::optional<std::wstring> installed = InstalledDirectory()) {
+        directories.push_back(*std::move(installed));
     }
-    files.push_back(TemporaryDirectory() / TRACE_FILE_NAME);
-    for (const std::filesystem::path& file : files) {
-        if (std::optional<TraceFile> trace = Read(file, lineCount)) {
+    directories.push_back(TemporaryDirectory());
+    for (const std::wstring& directory : directories) {
+        if (std::optional<TraceFile> trace = Read(HostPath(directory + TRACE_FILE_NAME), lineCount)) {
             return trace;
         }
     }
