@@ -66,9 +66,9 @@ class Machine {
 };
 
 /// Puts a machine behind CLSID_WbemLocator (and CLSID_WbemContext) for this process while it lives.
-/// COM looks class objects up by apartment on some hosts: make one on every thread that connects, but only one
-/// at a time in an apartment, where a second one may share the registration of the first.
-/// COM must have been initialised on the thread.
+/// COM looks class objects up by apartment on some hosts: make one on every thread that connects, but only
+/// one at a time in an apartment, where a second one may share the registration of the first. COM must have
+/// been initialised on the thread.
 class Registration {
   public:
     explicit Registration(std::shared_ptr<Machine> machine);
