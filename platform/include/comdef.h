@@ -1,4 +1,4 @@
-// _com_error, the exception of the COM helper classes, and the functions that raise it.
+// _com_error, the exception of the compiler's COM classes, and the functions that raise it.
 #pragma once
 
 #include <ole2.h>
