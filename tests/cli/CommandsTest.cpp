@@ -2,6 +2,8 @@
 #include "Environment.h"
 #include "RunCommandLine.h"
 
+#include <Console.h>
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -227,6 +229,19 @@ TEST_F(Journals, ArePrintedWhenTheProviderRefuses) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.out.find(", BeginApply() -> 0x80041001"), std::string::npos) << outcome.out;
     EXPECT_EQ(outcome.out.find("opened a client set"), std::string::npos);
+}
+
+TEST_F(Journals, AreOnlyKeptBySimulatedMachines) {
+    const Outcome outcome = RunCommandLine({"warnings", "--journal"});
+    if (quilletctl::HostHasWmi()) {
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err,
+                  "quilletctl: --journal: only a simulated machine keeps a journal; add --simulate\n");
+    } else {
+        EXPECT_EQ(outcome.status, 0) << "the simulator stands in for WMI";
+        EXPECT_NE(outcome.out.find("Calls to the provider: "), std::string::npos);
+    }
 }
 
 TEST_F(Colours, TitlesAreBoldOnATerminalUnlessUnwanted) {
