@@ -246,7 +246,7 @@ HRESULT Dispatcher::ExecMethod(Request& request, std::wstring_view text, std::ws
 }
 
 HRESULT Dispatcher::PutInstance(Request& request, const Instance& instance, Repository::Write mode) const {
-    // An object of another machine, of a SELECT with a list or of a method's signature is not the provider's.
+    // An object of another schema, of a SELECT with a list or of a method's signature is not the provider's.
     if (m_machine.Store().FindClass(instance.definition->name) != instance.definition) {
         return HRESULT(WBEM_E_INVALID_OBJECT);
     }

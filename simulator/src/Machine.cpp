@@ -5,7 +5,10 @@
 #include "EmbeddedTexts.h"
 #include "MachineState.h"
 
+#include <map>
+#include <mutex>
 #include <stdexcept>
+#include <tuple>
 
 namespace quillet::simulator {
 
@@ -45,7 +48,8 @@ FaultRule ReadFault(const std::string& fileName, const Instance& fault) {
     rule.method = fault.Text(L"Method");
     rule.nth = static_cast<unsigned>(fault.Number(L"Nth", 1));
     rule.repeat = fault.Number(L"Repeat") != 0;
-    rule.code = static_cast<HRESULT>(static_cast<std::uint32_t>(fault.Number(L"Code", static_cast<std::uint32_t>(WBEM_E_FAILED))));
+    rule.code = static_cast<HRESULT>(
+        static_cast<std::uint32_t>(fault.Number(L"Code", static_cast<std::uint32_t>(WBEM_E_FAILED))));
     rule.vt = static_cast<VARTYPE>(fault.Number(L"VariantType", VT_UNKNOWN));
     rule.element = static_cast<LONG>(fault.Number(L"Element"));
     rule.size = static_cast<std::size_t>(fault.Number(L"Size", 1 << 20));
@@ -53,22 +57,50 @@ FaultRule ReadFault(const std::string& fileName, const Instance& fault) {
     return rule;
 }
 
-/// Builds the parts of a machine. `compile` adds the machine's own text to a store that has the schema.
+/// A store with the provider's schema and, if one is named, a machine that ships with the simulator.
+/// Compiling them takes far longer than copying the result, so each is compiled once in a process.
+std::shared_ptr<const Repository> Prototype(const MachineOptions& options, const EmbeddedText* machine) {
+    constexpr std::size_t Kept = 8;
+    static std::mutex lock;
+    static std::map<std::tuple<std::wstring, std::wstring, const EmbeddedText*>,
+                    std::shared_ptr<const Repository>>
+        compiled;
+    const std::lock_guard guard(lock);
+    const auto key = std::make_tuple(options.serverName, options.namespaceName, machine);
+    if (const auto found = compiled.find(key); found != compiled.end()) {
+        return found->second;
+    }
+    auto store = std::make_shared<Repository>(options.serverName, options.namespaceName);
+    for (const auto& file : EmbeddedSchema()) {
+        CompileMof(*store, file.text, file.fileName);
+    }
+    if (machine != nullptr) {
+        CompileMof(*store, machine->text, machine->fileName);
+    }
+    if (compiled.size() >= Kept) {
+        compiled.clear();
+    }
+    compiled.emplace(key, store);
+    return store;
+}
+
+/// Builds the parts of a machine from one that is shipped, or from the schema alone and what `compile` adds.
 /// The name in object paths belongs to the store from its beginning, so a text that names it is compiled
 /// again into a store of that name.
 template <class Compile>
-auto Build(MachineOptions options, const std::string& fileName, Compile compile) {
+auto Build(MachineOptions options, const std::string& fileName, const EmbeddedText* shipped,
+           Compile compile) {
     const bool named = !options.serverName.empty();
     if (!named) {
         options.serverName = ThisComputer();
     }
-    auto state = std::make_unique<Machine::State>(options);
+    auto state = std::make_unique<Machine::State>(*Prototype(options, shipped), options);
     compile(state->store);
     if (const auto description = Description(state->store); description != nullptr && !named) {
         const auto name = description->Text(L"ServerName");
         if (!name.empty() && name != options.serverName) {
             options.serverName = name;
-            state = std::make_unique<Machine::State>(options);
+            state = std::make_unique<Machine::State>(*Prototype(options, shipped), options);
             compile(state->store);
         }
     }
@@ -76,13 +108,15 @@ auto Build(MachineOptions options, const std::string& fileName, Compile compile)
     return state;
 }
 
+/// A machine that is shipped.
+auto BuildShipped(MachineOptions options, const EmbeddedText& machine) {
+    return Build(std::move(options), machine.fileName, &machine, [](Repository&) {});
+}
+
 } // namespace
 
-Machine::State::State(const MachineOptions& options)
-    : store(options.serverName, options.namespaceName), strict(options.strict) {
-    for (const auto& file : EmbeddedSchema()) {
-        CompileMof(store, file.text, file.fileName);
-    }
+Machine::State::State(const Repository& prototype, const MachineOptions& options)
+    : store(prototype), strict(options.strict) {
     providers[L"Zorel_NetService"] = MakeNetServiceProvider();
 }
 
@@ -115,24 +149,24 @@ Machine::Machine(std::unique_ptr<State> state) : m_state(std::move(state)) {}
 Machine::~Machine() = default;
 
 std::shared_ptr<Machine> Machine::Empty(MachineOptions options) {
-    const auto& machine = EmbeddedEmptyMachine();
-    return FromText(machine.text, machine.fileName, std::move(options));
+    return std::shared_ptr<Machine>(new Machine(BuildShipped(std::move(options), EmbeddedEmptyMachine())));
 }
 
 std::shared_ptr<Machine> Machine::BuiltIn(MachineOptions options) {
-    const auto& machine = EmbeddedBuiltInMachine();
-    return FromText(machine.text, machine.fileName, std::move(options));
+    return std::shared_ptr<Machine>(new Machine(BuildShipped(std::move(options), EmbeddedBuiltInMachine())));
 }
 
 std::shared_ptr<Machine> Machine::FromText(std::string_view mof, const std::string& fileName,
                                            MachineOptions options) {
-    return std::shared_ptr<Machine>(new Machine(
-        Build(std::move(options), fileName, [&](Repository& store) { CompileMof(store, mof, fileName); })));
+    return std::shared_ptr<Machine>(
+        new Machine(Build(std::move(options), fileName, nullptr,
+                          [&](Repository& store) { CompileMof(store, mof, fileName); })));
 }
 
 std::shared_ptr<Machine> Machine::FromFile(const std::filesystem::path& file, MachineOptions options) {
-    return std::shared_ptr<Machine>(new Machine(
-        Build(std::move(options), file.string(), [&](Repository& store) { CompileMofFile(store, file); })));
+    return std::shared_ptr<Machine>(
+        new Machine(Build(std::move(options), file.string(), nullptr,
+                          [&](Repository& store) { CompileMofFile(store, file); })));
 }
 
 Repository& Machine::Store() noexcept {

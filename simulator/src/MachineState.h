@@ -8,8 +8,8 @@
 namespace quillet::simulator {
 
 struct Machine::State {
-    /// A store with the provider's schema in it.
-    explicit State(const MachineOptions& options);
+    /// @param prototype what the store holds at first
+    State(const Repository& prototype, const MachineOptions& options);
     /// Takes over what the machine's own instances say about its behaviour and its faults.
     void Configure(const std::string& fileName);
     /// The provider for a class: its own, or that of the nearest class above it.

@@ -39,6 +39,8 @@ struct Stored {
 
 struct Repository::State {
     State(std::wstring server, std::wstring nameSpace);
+    /// The caller holds the prototype's lock.
+    State(const State& prototype);
 
     mutable std::shared_mutex mutex;
     const std::wstring serverName;

@@ -8,6 +8,7 @@ set(QUILLET_SIMULATOR_LANGUAGE_SOURCES
   src/MofWriter.cpp
   src/ObjectPath.cpp
   src/Repository.cpp
+  src/RepositoryCopy.cpp
   src/RepositoryState.cpp
   src/Text.cpp
   src/WqlMatch.cpp

@@ -13,8 +13,10 @@ namespace quillet::simulator {
 class Repository {
   public:
     Repository(std::wstring serverName, std::wstring namespaceName);
+    /// A repository with the same names and content, which changes on its own from then on. Classes and
+    /// instances are shared, so this costs a small part of compiling them again.
+    Repository(const Repository& prototype);
     ~Repository();
-    Repository(const Repository&) = delete;
     Repository& operator=(const Repository&) = delete;
 
     const std::wstring& ServerName() const noexcept;    ///< the __SERVER of every object

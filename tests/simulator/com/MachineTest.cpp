@@ -45,6 +45,40 @@ TEST(Machines, TheNameIsThatOfThisComputerUnlessGiven) {
     EXPECT_EQ(Machine::FromText(named, "lab.mof")->Store().AllInstances().size(), 1u);
 }
 
+TEST(Machines, EachChangesOnItsOwn) {
+    const auto first = Machine::BuiltIn(OnTestHost());
+    const auto second = Machine::BuiltIn(OnTestHost());
+    const auto path = ObjectPath::Parse(L"Zorel_NetService.Name=\"ZorelNetService\"");
+    auto service = *first->Store().FindInstance(*path);
+    service.Set(L"Caption", Value::Text(L"changed"));
+    ASSERT_EQ(first->Store().PutInstance(service), S_OK);
+    ASSERT_EQ(second->Store().DeleteInstance(*path), S_OK);
+    EXPECT_EQ(first->Store().FindInstance(*path)->Text(L"Caption"), L"changed");
+    EXPECT_EQ(second->Store().FindInstance(*path), nullptr);
+    const auto third = Machine::BuiltIn(OnTestHost());
+    EXPECT_EQ(third->Store().FindInstance(*path)->Text(L"Caption"), L"Zorel Network Configuration Service");
+    EXPECT_EQ(third->Store().AllInstances().size(), first->Store().AllInstances().size());
+}
+
+TEST(Machines, ACopyAnswersQueriesAsTheOriginalDoes) {
+    const auto original = Machine::BuiltIn(OnTestHost());
+    const auto teams = original->Store().Instances(L"Zorel_TeamOfAdapters");
+    ASSERT_FALSE(teams.empty());
+    const auto query = ParseWql(L"REFERENCES OF {" + original->Store().FullPath(*teams[0]) +
+                                L"} WHERE ResultClass = Zorel_TeamedMemberAdapter");
+    ASSERT_TRUE(query);
+    std::vector<InstancePtr> expected;
+    ASSERT_EQ(original->Store().Associations(*query, expected), S_OK);
+    EXPECT_EQ(expected.size(), 2u);
+    Repository copy(original->Store());
+    std::vector<InstancePtr> found;
+    ASSERT_EQ(copy.Associations(*query, found), S_OK);
+    EXPECT_TRUE(found == expected);
+    EXPECT_EQ(copy.ClassAndSubclasses(L"Zorel_AdapterSetting").size(),
+              original->Store().ClassAndSubclasses(L"Zorel_AdapterSetting").size());
+    EXPECT_EQ(copy.Generation(), original->Store().Generation());
+}
+
 TEST(Machines, BadTextIsReportedWithItsPlace) {
     try {
         Machine::FromText("instance of Zorel_NetService {\n  Name = ;\n};", "bad.mof");
