@@ -57,7 +57,7 @@ HRESULT CQuillet::ApplyDone(bool& followupNeeded) {
 }
 
 HRESULT CQuillet::GetWarnings(ULONGLONG& warnings) {
-    const OperationTrace trace(L"GetWarnings");
+    const OperationTrace trace(L"Entering CQuillet::GetWarnings", L"Exit CQuillet::GetWarnings");
     const ProviderSession session(*this);
     ProviderMethod method(session, L_CLASS_ZOREL_CORESERVICE, L_METHOD_GETALLWARNINGS,
                           ProviderMethod::ClassFetch::WithoutContext);
