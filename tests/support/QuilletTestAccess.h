@@ -3,7 +3,97 @@
 
 #include <quillet/Quillet.h>
 
+/// Each function is the private operation of the same name. Interfaces that a caller would have to release
+/// come back as owners.
 struct QuilletTestAccess {
+    // --- session ---
+    static ATL::CComPtr<IWbemServices> GetWbemService(CQuillet& quillet) {
+        return Owned(quillet.GetWbemService());
+    }
+    static ATL::CComPtr<IWbemContext> GetContext(CQuillet& quillet) { return Owned(quillet.GetContext()); }
+    static ATL::CComPtr<IWbemClassObject> GetNetService(CQuillet& quillet) {
+        return Owned(quillet.GetNetService());
+    }
+    static HRESULT MarshalWbemService(CQuillet& quillet, IWbemServices* service) {
+        return quillet.MarshalWbemService(service);
+    }
+    static HRESULT MarshalWbemContext(CQuillet& quillet, IWbemContext* context) {
+        return quillet.MarshalWbemContext(context);
+    }
+    static HRESULT MarshalNetService(CQuillet& quillet, IWbemClassObject* netService) {
+        return quillet.MarshalNetService(netService);
+    }
+    static HRESULT RevokeWbemService(CQuillet& quillet) { return quillet.RevokeWbemService(); }
+    static HRESULT RevokeWbemContext(CQuillet& quillet) { return quillet.RevokeWbemContext(); }
+    static HRESULT RevokeNetService(CQuillet& quillet) { return quillet.RevokeNetService(); }
+    static HRESULT CreateContext(CQuillet& quillet) { return quillet.CreateContext(); }
+    static HRESULT CreateNetServices(CQuillet& quillet) { return quillet.CreateNetServices(); }
+    static HRESULT SetInitialSecurityAttribute(CQuillet& quillet) {
+        return quillet.SetInitialSecurityAttribute();
+    }
+    static std::wstring GetNamespace(CQuillet& quillet) {
+        return std::wstring(static_cast<const wchar_t*>(quillet.GetNamespace()));
+    }
+    static std::wstring AddNameSpace(CQuillet& quillet, const std::wstring& relativePath) {
+        std::wstring fullPath;
+        quillet.AddNameSpace(relativePath, fullPath);
+        return fullPath;
+    }
+
+    // --- property access ---
+    static HRESULT GetPropertyAsBool(IWbemClassObject* instance, const wchar_t* name, bool& value,
+                                     bool& isNull) {
+        return CQuillet::GetPropertyAsBool(instance, name, value, isNull);
+    }
+    static HRESULT GetPropertyAsInt(IWbemClassObject* instance, const wchar_t* name, int& value,
+                                    bool& isNull) {
+        return CQuillet::GetPropertyAsInt(instance, name, value, isNull);
+    }
+    static HRESULT GetPropertyAsLong(IWbemClassObject* instance, const wchar_t* name, LONG& value,
+                                     bool& isNull) {
+        return CQuillet::GetPropertyAsLong(instance, name, value, isNull);
+    }
+    static HRESULT GetPropertyAsUINT64(IWbemClassObject* instance, const wchar_t* name, ULONGLONG& value,
+                                       bool& isNull) {
+        return CQuillet::GetPropertyAsUINT64(instance, name, value, isNull);
+    }
+    static HRESULT GetPropertyAsString(IWbemClassObject* instance, const wchar_t* name, _bstr_t& value,
+                                       bool& isNull) {
+        return CQuillet::GetPropertyAsString(instance, name, value, isNull);
+    }
+    static HRESULT GetPropertyArray(IWbemClassObject* instance, const wchar_t* name,
+                                    std::vector<LONG>& values, int* count) {
+        return CQuillet::GetPropertyArray(instance, name, values, count);
+    }
+    static HRESULT GetPropertyArray(IWbemClassObject* instance, const wchar_t* name,
+                                    std::vector<ATL::CComBSTR>& values, int* count) {
+        return CQuillet::GetPropertyArray(instance, name, values, count);
+    }
+    static HRESULT SetPropertyAsLong(CQuillet& quillet, IWbemClassObject* instance, const wchar_t* name,
+                                     LONG value) {
+        return quillet.SetPropertyAsLong(instance, name, value);
+    }
+    static HRESULT SetPropertyAsInt(CQuillet& quillet, IWbemClassObject* instance, const wchar_t* name,
+                                    int value) {
+        return quillet.SetPropertyAsInt(instance, name, value);
+    }
+    static HRESULT SetPropertyAsBool(CQuillet& quillet, IWbemClassObject* instance, const wchar_t* name,
+                                     bool value) {
+        return quillet.SetPropertyAsBool(instance, name, value);
+    }
+    static HRESULT SetPropertyAsString(CQuillet& quillet, IWbemClassObject* instance, const wchar_t* name,
+                                       const _bstr_t& value) {
+        return quillet.SetPropertyAsString(instance, name, value);
+    }
+    static HRESULT SetPropertyAsMultiString(CQuillet& quillet, IWbemClassObject* instance,
+                                            const wchar_t* name, const std::vector<std::wstring>& values) {
+        return quillet.SetPropertyAsMultiString(instance, name, values);
+    }
+    static HRESULT ChangeContext(IWbemContext* context, LONG mode) {
+        return CQuillet::ChangeContext(context, mode);
+    }
+
+    // --- provider numbers to enumerations ---
     static CAdapterDynamicInfo::DuplexMode GetDuplex(bool bFullDuplex) {
         return CQuillet::GetDuplex(bFullDuplex);
     }
@@ -12,4 +102,23 @@ struct QuilletTestAccess {
         return CQuillet::GetLinkSecStatus(lStatus);
     }
     static CDataCenter::DCBStatus GetDCBStatus(LONG lStatus) { return CQuillet::GetDCBStatus(lStatus); }
+
+    // --- members ---
+    static DWORD& ServiceCookie(CQuillet& quillet) { return quillet.m_dwService; }
+    static DWORD& NetServiceCookie(CQuillet& quillet) { return quillet.m_dwNetService; }
+    static DWORD& ContextCookie(CQuillet& quillet) { return quillet.m_dwContext; }
+    static const std::wstring& MachineName(const CQuillet& quillet) { return quillet.m_strMachineName; }
+    static ATL::CComPtr<IGlobalInterfaceTable>& InterfaceTable(CQuillet& quillet) { return quillet.m_pGIT; }
+    static LONG& ClientSetId(CQuillet& quillet) { return quillet.m_lClientSetId; }
+    static ATL::CComPtr<IUnknown>& Reserved1(CQuillet& quillet) { return quillet.m_pReserved1; }
+    static ATL::CComPtr<IUnknown>& Reserved2(CQuillet& quillet) { return quillet.m_pReserved2; }
+    static bool& VlanIsModify(CQuillet& quillet) { return quillet.m_bVlanIsModify; }
+
+  private:
+    template <class Interface>
+    static ATL::CComPtr<Interface> Owned(Interface* object) {
+        ATL::CComPtr<Interface> owner;
+        owner.Attach(object);
+        return owner;
+    }
 };

@@ -1,0 +1,156 @@
+// Every string allocation of each operation fails in turn: what escapes is an exception or a failure code,
+// and nothing is left.
+#include "AllocationFailures.h"
+#include "ProviderTest.h"
+
+namespace {
+
+using ATL::CComPtr;
+using Access = QuilletTestAccess;
+namespace platform = quillet::platform;
+
+class AllocationFailuresTest : public ProviderTest {
+  protected:
+    AllocationFailuresTest()
+        : ProviderTest(R"(
+            instance of Zorel_NetService { Name = "ZorelNetService"; Warnings = 5; };
+            instance of Zorel_PhysicalEthernetAdapter {
+                DeviceID = "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}";
+                Name = "Zorel Gigabit";
+                OriginalDisplayName = "Zorel Gigabit Server Adapter";
+                NetworkAddresses = {"02-00-5E-00-00-01"};
+            };)") {}
+};
+
+TEST_F(AllocationFailuresTest, InitQuillet_AnyStringMissing_LeavesNothingOnceDisconnected) {
+    FailEachStringAllocation(
+        [this] {
+            const HRESULT result = quillet.InitQuillet();
+            if (SUCCEEDED(result)) {
+                EXPECT_NE(Access::ServiceCookie(quillet), 0u);
+                EXPECT_NE(Access::ContextCookie(quillet), 0u);
+                EXPECT_NE(Access::NetServiceCookie(quillet), 0u);
+                quillet.UninitQuillet();
+            } else {
+                EXPECT_EQ(Access::ServiceCookie(quillet), 0u);
+            }
+            return result;
+        },
+        [this] { quillet.UninitQuillet(); });
+}
+
+TEST_F(AllocationFailuresTest, InitQuillet_OutOfMemoryForThePath_RaisesBeforeAnythingIsSent) {
+    // The texts of the namespace path are the first that a connection allocates.
+    platform::FailBstrAllocation(1);
+    EXPECT_THROW(quillet.InitQuillet(), _com_error);
+    platform::FailBstrAllocation(0);
+    EXPECT_TRUE(Called().empty());
+    EXPECT_EQ(Access::ServiceCookie(quillet), 0u);
+}
+
+TEST_F(AllocationFailuresTest, EnumerateAdapters_AnyStringMissing_LeavesNothing) {
+    Connect();
+    FailEachStringAllocation([this] {
+        CAdapters adapters;
+        const HRESULT result = quillet.EnumerateAdapters(adapters);
+        if (SUCCEEDED(result)) {
+            EXPECT_EQ(adapters.m_vecItems.size(), 1u);
+            for (const CAdapter* adapter : adapters.m_vecItems) {
+                EXPECT_FALSE(adapter->m_wsAdapterID.empty());
+                EXPECT_EQ(adapter->m_wsName, L"Zorel Gigabit");
+                EXPECT_EQ(adapter->m_wsDisplayName, L"Zorel Gigabit Server Adapter");
+                EXPECT_EQ(adapter->m_wsDeviceID, L"{64D1BF82-B507-5E42-AED2-547CA8AAC36A}");
+            }
+        }
+        return result;
+    });
+}
+
+TEST_F(AllocationFailuresTest, BeginApply_AnyStringMissing_LeavesNothing) {
+    Connect();
+    FailEachStringAllocation([this] {
+        Access::ClientSetId(quillet) = 0;
+        const HRESULT result = quillet.BeginApply();
+        EXPECT_EQ(SUCCEEDED(result), Access::ClientSetId(quillet) != 0);
+        return result;
+    });
+}
+
+TEST_F(AllocationFailuresTest, ApplyDone_AnyStringMissing_LeavesNothing) {
+    Connect();
+    FailEachStringAllocation([this] {
+        Access::ClientSetId(quillet) = 7;
+        machine->RequireFollowup(1);
+        bool followup = false;
+        const HRESULT result = quillet.ApplyDone(followup);
+        if (SUCCEEDED(result)) {
+            EXPECT_TRUE(followup);
+            EXPECT_EQ(Access::ClientSetId(quillet), 0);
+        }
+        return result;
+    });
+}
+
+TEST_F(AllocationFailuresTest, GetWarnings_AnyStringMissing_LeavesNothing) {
+    Connect();
+    FailEachStringAllocation([this] {
+        ULONGLONG warnings = 0;
+        const HRESULT result = quillet.GetWarnings(warnings);
+        EXPECT_EQ(warnings, SUCCEEDED(result) ? 5u : 0u);
+        return result;
+    });
+}
+
+TEST_F(AllocationFailuresTest, GetAdapterID_AnyStringMissing_LeavesNothing) {
+    FailEachStringAllocation([this] {
+        std::wstring adapterId = L"before";
+        const HRESULT result = quillet.GetAdapterID(L"{64D1BF82-B507-5E42-AED2-547CA8AAC36A}", adapterId);
+        // An operation that always succeeds says by its text that there was no memory.
+        return adapterId.empty() ? E_OUTOFMEMORY : result;
+    });
+}
+
+TEST_F(AllocationFailuresTest, Setters_AnyStringMissing_LeaveNothing) {
+    Connect();
+    const CComPtr<IWbemServices> service = Access::GetWbemService(quillet);
+    ASSERT_TRUE(service);
+    CComPtr<IWbemClassObject> adapter;
+    ASSERT_EQ(Code(service->GetObject(_bstr_t(L"Zorel_PhysicalEthernetAdapter.DeviceID="
+                                              L"\"{64D1BF82-B507-5E42-AED2-547CA8AAC36A}\""),
+                                      0, nullptr, &adapter, nullptr)),
+              "0x00000000");
+    const auto stored = [this](const wchar_t* property) {
+        const auto instance = machine->Store().Instances(L"Zorel_PhysicalEthernetAdapter").at(0);
+        const auto* value = instance->Find(property);
+        return value ? *value : quillet::simulator::Value();
+    };
+    int round = 0;
+    FailEachStringAllocation([&] {
+        const std::wstring text = L"name " + std::to_wstring(++round);
+        const HRESULT result = Access::SetPropertyAsString(quillet, adapter, L"Name", text.c_str());
+        EXPECT_EQ(SUCCEEDED(result), stored(L"Name") == quillet::simulator::Value::Text(text));
+        return result;
+    });
+    FailEachStringAllocation([&] {
+        const std::size_t length = static_cast<std::size_t>(++round);
+        const std::vector<std::wstring> texts(length, L"x");
+        const HRESULT result = Access::SetPropertyAsMultiString(quillet, adapter, L"NetworkAddresses", texts);
+        const quillet::simulator::Value value = stored(L"NetworkAddresses");
+        EXPECT_EQ(SUCCEEDED(result), value.AsArray() && value.AsArray()->size() == length);
+        return result;
+    });
+}
+
+TEST_F(AllocationFailuresTest, GetPropertyAsString_NoMemory_IsTheProvidersCode) {
+    Connect();
+    const CComPtr<IWbemClassObject> netService = Access::GetNetService(quillet);
+    ASSERT_TRUE(netService);
+    _bstr_t path(L"before");
+    bool isNull = true;
+    platform::FailBstrAllocation(1);
+    EXPECT_EQ(Code(Access::GetPropertyAsString(netService, L"__PATH", path, isNull)), "0x80041006");
+    platform::FailBstrAllocation(0);
+    EXPECT_STREQ(static_cast<const wchar_t*>(path), L"before");
+}
+
+} // namespace
