@@ -55,7 +55,9 @@ class Enumerator final : public ComObject<IEnumWbemClassObject, IID_IEnumWbemCla
         return call.Done(*returned == count ? HRESULT(WBEM_S_NO_ERROR) : HRESULT(WBEM_S_FALSE));
     }
 
-    HRESULT STDMETHODCALLTYPE NextAsync(ULONG, IWbemObjectSink*) override { return HRESULT(WBEM_E_NOT_SUPPORTED); }
+    HRESULT STDMETHODCALLTYPE NextAsync(ULONG, IWbemObjectSink*) override {
+        return HRESULT(WBEM_E_NOT_SUPPORTED);
+    }
 
     HRESULT STDMETHODCALLTYPE Clone(IEnumWbemClassObject** copy) override {
         if (!ClearOut(copy)) {
