@@ -1,4 +1,4 @@
-// Small text helpers of this folder: UTF-8 and comparison of host and process names.
+// Small text functions of this folder: UTF-8 and comparison of host and process names.
 #pragma once
 
 #include <cstddef>

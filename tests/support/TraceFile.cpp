@@ -3,8 +3,8 @@
 
 #include "LumDebug.h"
 
-#include <regex>
 #include <stdexcept>
+#include <string_view>
 
 namespace quillet::test {
 
@@ -26,19 +26,53 @@ std::wstring FromUtf8(const std::string& bytes) {
     return text;
 }
 
-bool ParseHead(const std::wstring& line, TraceLine& parsed) {
-    static const std::wregex head(LR"(([^\t]*)\tPID:([0-9a-f]+)\tTID:([0-9a-f]+)\t)"
-                                  LR"((\d\d:\d\d:\d\d\.\d\d\d)\t\(([0-9A-F]+)\)\t)");
-    std::wsmatch match;
-    if (!std::regex_search(line, match, head, std::regex_constants::match_continuous)) {
+/// Takes the part of a line up to the next tabulator, which must stand between these two texts.
+bool TakeField(std::wstring_view& rest, std::wstring_view before, std::wstring_view after,
+               std::wstring& field) {
+    const std::size_t end = rest.find(L'\t');
+    if (end == std::wstring_view::npos) {
         return false;
     }
-    parsed.process = match[1];
-    parsed.pid = static_cast<unsigned>(std::stoul(match[2], nullptr, 16));
-    parsed.tid = static_cast<unsigned>(std::stoul(match[3], nullptr, 16));
-    parsed.time = match[4];
-    parsed.counter = std::stoull(match[5], nullptr, 16);
-    parsed.text = match.suffix();
+    std::wstring_view part = rest.substr(0, end);
+    if (part.size() < before.size() + after.size() || part.substr(0, before.size()) != before ||
+        part.substr(part.size() - after.size()) != after) {
+        return false;
+    }
+    part.remove_prefix(before.size());
+    part.remove_suffix(after.size());
+    field = part;
+    rest.remove_prefix(end + 1);
+    return true;
+}
+
+bool ConsistsOf(const std::wstring& text, std::wstring_view characters) {
+    return !text.empty() && text.find_first_not_of(characters) == std::wstring::npos;
+}
+
+/// "hh:mm:ss.mmm"
+bool IsTime(const std::wstring& text) {
+    std::wstring shape = text;
+    for (wchar_t& character : shape) {
+        character = character >= L'0' && character <= L'9' ? L'0' : character;
+    }
+    return shape == L"00:00:00.000";
+}
+
+bool ParseHead(std::wstring_view line, TraceLine& parsed) {
+    std::wstring pid;
+    std::wstring tid;
+    std::wstring counter;
+    if (!TakeField(line, L"", L"", parsed.process) || !TakeField(line, L"PID:", L"", pid) ||
+        !TakeField(line, L"TID:", L"", tid) || !TakeField(line, L"", L"", parsed.time) ||
+        !TakeField(line, L"(", L")", counter) || !ConsistsOf(pid, L"0123456789abcdef") ||
+        !ConsistsOf(tid, L"0123456789abcdef") || !IsTime(parsed.time) ||
+        !ConsistsOf(counter, L"0123456789ABCDEF")) {
+        return false;
+    }
+    parsed.pid = static_cast<unsigned>(std::stoul(pid, nullptr, 16));
+    parsed.tid = static_cast<unsigned>(std::stoul(tid, nullptr, 16));
+    parsed.counter = std::stoull(counter, nullptr, 16);
+    parsed.text = line;
     return true;
 }
 
