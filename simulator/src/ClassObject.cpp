@@ -245,6 +245,16 @@ HRESULT ClassObject::Read(std::wstring_view name, const FaultRule* rule, VARIANT
         foundType = m_definition->properties[*index].type;
         foundFlavor = FlavorOf(*index);
     }
+    // A machine's text may write a reference in any form; a client gets the whole path, which it can compare
+    // with a __PATH.
+    Value reference;
+    if (foundType == CIM_REFERENCE && m_isInstance && !IsParameters()) {
+        const auto* scalar = found->AsScalar();
+        if (const auto* path = scalar != nullptr ? std::get_if<std::wstring>(scalar) : nullptr) {
+            reference = Value::Text(m_session->machine->Store().ReferenceText(*path));
+            found = &reference;
+        }
+    }
     if (value != nullptr) {
         const HRESULT filled = rule != nullptr ? ToDamagedVariant(*found, foundType, *rule, value)
                                                : ToVariant(*found, foundType, value);

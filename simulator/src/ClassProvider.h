@@ -62,5 +62,8 @@ using ClassProviders = std::map<std::wstring, std::unique_ptr<ClassProvider>, Na
 
 /// "BeginApply", "Apply" and "GetKavlorWarnings" of Zorel_NetService.
 std::unique_ptr<ClassProvider> MakeNetServiceProvider();
+/// "IdentifyAdapter", "GetHbaPath", "GetNDISVersion" and "GetAdapterWarnings" of
+/// Zorel_PhysicalEthernetAdapter.
+std::unique_ptr<ClassProvider> MakePhysicalAdapterProvider();
 
 } // namespace quillet::simulator

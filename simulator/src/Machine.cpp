@@ -118,6 +118,7 @@ auto BuildShipped(MachineOptions options, const EmbeddedText& machine) {
 Machine::State::State(const Repository& prototype, const MachineOptions& options)
     : store(prototype), strict(options.strict) {
     providers[L"Zorel_NetService"] = MakeNetServiceProvider();
+    providers[L"Zorel_PhysicalEthernetAdapter"] = MakePhysicalAdapterProvider();
 }
 
 void Machine::State::Configure(const std::string& fileName) {
@@ -191,6 +192,10 @@ void Machine::Advance(std::chrono::milliseconds time) {
 
 void Machine::FollowRealTime(bool follow) {
     m_state->clock.FollowRealTime(follow);
+}
+
+std::chrono::milliseconds Machine::BlinksFor(std::wstring_view deviceId) const {
+    return m_state->blinking.Left(deviceId, m_state->clock.Now());
 }
 
 LONG Machine::OpenClientSet() const {

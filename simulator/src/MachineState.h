@@ -1,6 +1,7 @@
 // The parts of a machine, for the simulator's own sources.
 #pragma once
 
+#include "BlinkingLights.h"
 #include "ClassProvider.h"
 #include "ClientSets.h"
 #include "SimulatedClock.h"
@@ -20,6 +21,7 @@ struct Machine::State {
     Faults faults;
     SimulatedClock clock;
     ClientSets sets;
+    BlinkingLights blinking;
     ClassProviders providers;
     ClassProvider plain;
     bool strict = false;

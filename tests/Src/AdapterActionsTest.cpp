@@ -46,7 +46,7 @@ TEST_F(AdapterActionsTest, Ports_ListsEveryPresentTeamedPortOfTheSlotItselfInclu
     EXPECT_EQ(ports.m_vecItems[1]->m_wsAdapterID, Path(L"{B}"));
     for (const CAdapterPort* port : ports.m_vecItems) {
         EXPECT_TRUE(port->m_bTeamed);
-        EXPECT_THAT(Narrow(port->m_wsTeamID), testing::EndsWith(R"(Zorel_TeamOfAdapters.Name="{T}")"));
+        EXPECT_EQ(port->m_wsTeamID, LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_TeamOfAdapters.Name="{T}")");
     }
     std::vector<std::string> queries;
     for (const JournalEntry& call : Calls()) {

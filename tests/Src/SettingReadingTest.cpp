@@ -236,7 +236,9 @@ TEST_F(SettingReadingTest, Owners_OfTheShippedMachine_ReadTheirOwnClass) {
         ASSERT_FALSE(instances.empty()) << Narrow(owner.ownerClass);
         std::size_t expected = 0;
         for (const auto& setting : machine->Store().Instances(owner.settingClass)) {
-            expected += setting->Text(L"ParentId") == instances[0]->Text(owner.key) ? 1 : 0;
+            if (setting->Text(L"ParentId") == instances[0]->Text(owner.key)) {
+                ++expected;
+            }
         }
         EXPECT_GT(expected, 0u);
         EXPECT_EQ(Code(owner.read(machine->Store().FullPath(*instances[0]), settings)), "0x00000000");

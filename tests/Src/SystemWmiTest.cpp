@@ -18,53 +18,81 @@ using Access = QuilletTestAccess;
 
 constexpr const char* NO_SERVICE = "GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))";
 
+/// What one connection did.
+struct Attempt {
+    HRESULT result = S_OK;
+    std::vector<std::string> trace;
+};
+
+/// All connections are made before the tests: the system loses a registry key whenever it cannot put a
+/// service into the interface table, which the leak check would blame on the test.
 class SystemWmiTest : public testing::Test {
   protected:
-    /// The system's WMI opens things at its first use that it never closes.
     static void SetUpTestSuite() {
-        CQuillet quillet(L"localhost");
-        quillet.InitQuillet();
-    }
-    SystemWmiTest() {
-        m_registry.SetString(REGISTRY_PROVIDERS, L"Namespace", L"cimv2");
-        m_registry.SetDword(REGISTRY_ORBA, L"ForcedLanguage", 1033);
-        m_registry.RemoveValue(REGISTRY_LUM2, L"LCID");
-    }
-    std::vector<std::string> Traced() {
-        std::vector<std::string> lines;
-        for (const std::wstring& text : m_trace.NewTexts()) {
-            lines.push_back(Narrow(text));
+        quillet::test::TraceFile file;
+        quillet::test::RegistryScope registry;
+        const auto traced = [&file] {
+            std::vector<std::string> lines;
+            for (const std::wstring& text : file.NewTexts()) {
+                lines.push_back(Narrow(text));
+            }
+            return lines;
+        };
+        registry.SetString(REGISTRY_PROVIDERS, L"Namespace", L"cimv2");
+        registry.SetDword(REGISTRY_ORBA, L"ForcedLanguage", 1033);
+        registry.RemoveValue(REGISTRY_LUM2, L"LCID");
+        {
+            CQuillet quillet(L"localhost");
+            m_forced.result = quillet.InitQuillet();
+            m_forced.trace = traced();
+            m_cookies = Access::ServiceCookie(quillet) | Access::ContextCookie(quillet) |
+                        Access::NetServiceCookie(quillet);
+            m_hasTable = Access::InterfaceTable(quillet);
+            CAdapters adapters;
+            m_operation.result = quillet.EnumerateAdapters(adapters);
+            m_operation.trace = traced();
         }
-        return lines;
+        traced();
+        registry.RemoveValue(REGISTRY_ORBA, L"ForcedLanguage");
+        registry.SetString(REGISTRY_LUM2, L"LCID", L"407");
+        {
+            CQuillet quillet(L"localhost");
+            m_unforced.result = quillet.InitQuillet();
+            m_unforced.trace = traced();
+        }
+        traced();
+        registry.SetString(REGISTRY_PROVIDERS, L"Namespace", L"NoSuchNamespace");
+        {
+            CQuillet quillet(L"localhost");
+            m_nowhere.result = quillet.InitQuillet();
+            m_nowhere.trace = traced();
+        }
     }
 
-    quillet::test::TraceFile m_trace;
-    quillet::test::RegistryScope m_registry;
+    inline static Attempt m_forced;    ///< ForcedLanguage 1033
+    inline static Attempt m_unforced;  ///< no ForcedLanguage, LCID 407
+    inline static Attempt m_nowhere;   ///< a namespace that does not exist
+    inline static Attempt m_operation; ///< an operation after the first of these
+    inline static DWORD m_cookies = 0;
+    inline static bool m_hasTable = false;
 };
 
 TEST_F(SystemWmiTest, InitQuillet_ServiceCannotBeShared_GetsAsFarAsTheTable) {
-    CQuillet quillet(L"localhost");
-    EXPECT_EQ(Code(quillet.InitQuillet()), "0x80041001");
+    EXPECT_EQ(Code(m_forced.result), "0x80041001");
     // No line about locator, connection or blanket: these steps succeeded.
-    EXPECT_THAT(Traced(), ElementsAre("Enter InitQuillet", "Locale: MS_409", "Enter CreateNetServices",
-                                      NO_SERVICE, "pIWbemService == NULL", "Exit CreateNetServices",
-                                      NO_SERVICE, "Unable to create net service"));
-    EXPECT_EQ(Access::ServiceCookie(quillet), 0u);
-    EXPECT_EQ(Access::ContextCookie(quillet), 0u);
-    EXPECT_EQ(Access::NetServiceCookie(quillet), 0u);
-    EXPECT_TRUE(Access::InterfaceTable(quillet)) << "the table itself was made";
+    EXPECT_THAT(m_forced.trace, ElementsAre("Enter InitQuillet", "Locale: MS_409", "Enter CreateNetServices",
+                                            NO_SERVICE, "pIWbemService == NULL", "Exit CreateNetServices",
+                                            NO_SERVICE, "Unable to create net service"));
+    EXPECT_EQ(m_cookies, 0u);
+    EXPECT_TRUE(m_hasTable) << "the table itself was made";
 }
 
 TEST_F(SystemWmiTest, InitQuillet_NoForcedLanguage_AsksTheSystemForItsLanguages) {
-    m_registry.RemoveValue(REGISTRY_ORBA, L"ForcedLanguage");
-    m_registry.SetString(REGISTRY_LUM2, L"LCID", L"407");
-    CQuillet quillet(L"localhost");
-    quillet.InitQuillet();
-    const std::vector<std::string> trace = Traced();
-    EXPECT_THAT(trace, Contains(testing::StartsWith("UI language: ")));
-    const auto has = [&trace](const char* line) {
-        return std::find(trace.begin(), trace.end(), line) != trace.end();
+    EXPECT_EQ(Code(m_unforced.result), "0x80041001");
+    const auto has = [](const char* line) {
+        return std::find(m_unforced.trace.begin(), m_unforced.trace.end(), line) != m_unforced.trace.end();
     };
+    EXPECT_THAT(m_unforced.trace, Contains(testing::StartsWith("UI language: ")));
     // Wine offers every language that it knows; a Windows of one language reads the registry instead.
     EXPECT_NE(has("MUI System"), has("Not a MUI System"));
     EXPECT_EQ(has("Locale: MS_407"), has("Not a MUI System"));
@@ -72,27 +100,22 @@ TEST_F(SystemWmiTest, InitQuillet_NoForcedLanguage_AsksTheSystemForItsLanguages)
 }
 
 TEST_F(SystemWmiTest, InitQuillet_NoSuchNamespace_IsTheSystemsCode) {
-    m_registry.SetString(REGISTRY_PROVIDERS, L"Namespace", L"NoSuchNamespace");
-    CQuillet quillet(L"localhost");
-    EXPECT_EQ(Code(quillet.InitQuillet()), "0x8004100E");
-    EXPECT_THAT(Traced(),
-                ElementsAre("Enter InitQuillet", "Locale: MS_409", "Could not connect to namespace."));
+    EXPECT_EQ(Code(m_nowhere.result), "0x8004100E");
+    EXPECT_THAT(m_nowhere.trace, testing::Not(Contains("Enter CreateNetServices")));
+    ASSERT_FALSE(m_nowhere.trace.empty());
+    EXPECT_EQ(m_nowhere.trace.back(), "Could not connect to namespace.");
 }
 
 TEST_F(SystemWmiTest, Operations_WithoutTheSharedService_FailClearly) {
-    CQuillet quillet(L"localhost");
-    quillet.InitQuillet();
-    Traced();
-    CAdapters adapters;
-    EXPECT_EQ(Code(quillet.EnumerateAdapters(adapters)), "0x80041001");
-    EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::EnumerateAdapters", NO_SERVICE,
-                                      "GetContext -> ((0 == m_dwContext) || (m_pGIT == NULL))",
-                                      "((pIWbemService == NULL) || (pIWbemContext == NULL))",
-                                      "Exiting CQuillet::EnumerateAdapters"));
+    EXPECT_EQ(Code(m_operation.result), "0x80041001");
+    EXPECT_THAT(m_operation.trace, ElementsAre("Entering CQuillet::EnumerateAdapters", NO_SERVICE,
+                                               "GetContext -> ((0 == m_dwContext) || (m_pGIT == NULL))",
+                                               "((pIWbemService == NULL) || (pIWbemContext == NULL))",
+                                               "Exiting CQuillet::EnumerateAdapters"));
 }
 
 /// Typed reads of the system's own objects, compared with what plain COM gives.
-class SystemObjectsTest : public SystemWmiTest {
+class SystemObjectsTest : public testing::Test {
   protected:
     void SetUp() override {
         CComPtr<IWbemLocator> locator;

@@ -6,6 +6,20 @@
 /// Each function is the private operation of the same name. Interfaces that a caller would have to release
 /// come back as owners.
 struct QuilletTestAccess {
+    // --- settings ---
+    static HRESULT GetSettingOnTeamOrAdapter(CQuillet& quillet, const std::vector<std::wstring>& adapterIds,
+                                             CSettings& settings, bool& onAll, SettingName name) {
+        return quillet.GetSettingOnTeamOrAdapter(adapterIds, settings, onAll, name);
+    }
+    static HRESULT GetDataFromValues(CQuillet& quillet, const ProviderName& className,
+                                     const ProviderName& property, LONG code, std::wstring& text) {
+        return quillet.GetDataFromValues(className, property, code, text);
+    }
+    static HRESULT GetDataFromValueMap(CQuillet& quillet, const ProviderName& className,
+                                       const ProviderName& property, LONG code, std::wstring& text) {
+        return quillet.GetDataFromValueMap(className, property, code, text);
+    }
+
     // --- session ---
     static ATL::CComPtr<IWbemServices> GetWbemService(CQuillet& quillet) {
         return Owned(quillet.GetWbemService());

@@ -45,6 +45,10 @@ class Machine {
     void Advance(std::chrono::milliseconds time);
     void FollowRealTime(bool follow);
 
+    /// How much longer, in simulated time, this adapter blinks after an "IdentifyAdapter"; zero when it does
+    /// not.
+    std::chrono::milliseconds BlinksFor(std::wstring_view deviceId) const;
+
     /// The client set that was opened last of those open now; 0 when none is.
     LONG OpenClientSet() const;
     /// The follow-up action that the next "Apply" will report, and clears. The greatest one counts.

@@ -1,0 +1,68 @@
+// A physical adapter: blinking, and what it tells of itself beyond its properties.
+#include "ClassProvider.h"
+#include "MachineState.h"
+
+namespace quillet::simulator {
+
+namespace {
+
+class PhysicalAdapterProvider final : public ClassProvider {
+  public:
+    HRESULT ExecMethod(MethodCall& call) override {
+        using Handler = HRESULT (*)(MethodCall&);
+        static const std::map<std::wstring, Handler, NameLess> handlers = {
+            {L"IdentifyAdapter", Identify},
+            {L"GetHbaPath",
+             [](MethodCall& made) {
+                 return Tell(made, {{L"HbaPath", L"HbaPath"}});
+             }},
+            {L"GetNDISVersion",
+             [](MethodCall& made) {
+                 return Tell(made, {{L"dwMajorVersion", L"NDISMajorVersion"},
+                                    {L"dwMinorVersion", L"NDISMinorVersion"}});
+             }},
+            {L"GetAdapterWarnings",
+             [](MethodCall& made) {
+                 return Tell(made, {{L"dwAdapterWarnings", L"AdapterWarnings"}});
+             }},
+        };
+        const auto handler = handlers.find(call.method.name);
+        if (handler == handlers.end()) {
+            return ClassProvider::ExecMethod(call);
+        }
+        // Each of them is about one adapter; the class has no light to blink.
+        return call.instance != nullptr ? handler->second(call) : HRESULT(WBEM_E_INVALID_METHOD_PARAMETERS);
+    }
+
+  private:
+    /// Out-parameters that are properties of the adapter.
+    static HRESULT Tell(MethodCall& call,
+                        std::initializer_list<std::pair<const wchar_t*, const wchar_t*>> properties) {
+        for (const auto& [parameter, property] : properties) {
+            if (const Value* value = call.instance->Find(property)) {
+                call.out.Set(parameter, *value);
+            }
+        }
+        call.Answer(L"ReturnValue", 0);
+        return S_OK;
+    }
+
+    static HRESULT Identify(MethodCall& call) {
+        const auto seconds = call.in.Number(L"nSeconds", -1);
+        if (seconds < 0) {
+            return HRESULT(WBEM_E_INVALID_METHOD_PARAMETERS);
+        }
+        call.request.Target().Internals().blinking.Start(
+            call.instance->Text(L"DeviceID"), call.request.Target().Now() + std::chrono::seconds(seconds));
+        call.Answer(L"ReturnValue", 0);
+        return S_OK;
+    }
+};
+
+} // namespace
+
+std::unique_ptr<ClassProvider> MakePhysicalAdapterProvider() {
+    return std::make_unique<PhysicalAdapterProvider>();
+}
+
+} // namespace quillet::simulator
