@@ -64,7 +64,11 @@ HRESULT PropertyQualifiers(const ProviderSession& session, const ProviderName& c
         TraceText(L"GetPropertyQualifierSet -> ", property.symbol);
         return result;
     }
-    return qualifiers ? result : RESULT_WBEM_FAILED;
+    if (!qualifiers) {
+        LumTrace().Print(L"GetPropertyQualifierSet -> %s -> NULL", property.symbol);
+        return RESULT_WBEM_FAILED;
+    }
+    return result;
 }
 
 } // namespace

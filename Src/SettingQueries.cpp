@@ -219,7 +219,7 @@ HRESULT CQuillet::GetSpeedDuplexSetting(const std::wstring& adapterId, CSettingE
             return S_OK;
         }
     }
-    return RESULT_WBEM_NOT_FOUND;
+    return trace.Fail(RESULT_WBEM_NOT_FOUND, L"GetSpeedDuplexSetting() - the adapter has no such setting.");
 }
 
 HRESULT CQuillet::GetAdapterSettingAsync(const CLumString& adapterId, CSetting* setting) {
