@@ -34,7 +34,7 @@ function(quillet_add_test name)
     set(label single)
   endif()
   add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT 900)
+  set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT 1800)
   if(WIN32)
     # The registry, in which the tests put their values, is one for all programs of a prefix.
     set_tests_properties(${name} PROPERTIES RESOURCE_LOCK registry)
