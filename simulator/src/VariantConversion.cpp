@@ -538,39 +538,16 @@ Value AnyFromVariant(const VARIANT& variant) {
 }
 
 std::wstring CimTypeText(CIMTYPE type, std::wstring_view referenceClass) {
+    // WMI has words of its own for two types; the others are called as MOF calls them.
     switch (type & ~CIM_FLAG_ARRAY) {
-    case CIM_SINT8:
-        return L"sint8";
-    case CIM_UINT8:
-        return L"uint8";
-    case CIM_SINT16:
-        return L"sint16";
-    case CIM_UINT16:
-        return L"uint16";
-    case CIM_SINT32:
-        return L"sint32";
-    case CIM_UINT32:
-        return L"uint32";
-    case CIM_SINT64:
-        return L"sint64";
-    case CIM_UINT64:
-        return L"uint64";
-    case CIM_REAL32:
-        return L"real32";
-    case CIM_REAL64:
-        return L"real64";
-    case CIM_BOOLEAN:
-        return L"boolean";
-    case CIM_CHAR16:
-        return L"char16";
-    case CIM_DATETIME:
-        return L"datetime";
     case CIM_REFERENCE:
         return referenceClass.empty() ? L"ref" : L"ref:" + std::wstring(referenceClass);
     case CIM_OBJECT:
         return L"object";
-    default:
-        return L"string";
+    default: {
+        const wchar_t* name = CimTypeName(type);
+        return name != nullptr ? name : L"string";
+    }
     }
 }
 
