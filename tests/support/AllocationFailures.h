@@ -17,12 +17,17 @@
 /// done all that it should, which the operation checks itself.
 /// @param operation leaves the session as it found it when it succeeds, and checks what it then got
 /// @param cleanUp   run after each failure, to close what the operation could not
+/// @param prepare   run before each run, to give it what the last one used up
 inline void FailEachStringAllocation(const std::function<HRESULT()>& operation,
-                                     const std::function<void()>& cleanUp = {}) {
+                                     const std::function<void()>& cleanUp = {},
+                                     const std::function<void()>& prepare = {}) {
     using quillet::platform::BstrAllocations;
     using quillet::platform::FailBstrAllocation;
     using quillet::platform::Live;
 
+    if (prepare) {
+        prepare();
+    }
     const unsigned long before = BstrAllocations();
     ASSERT_TRUE(SUCCEEDED(operation())) << "the operation fails without any fault";
     const unsigned long count = BstrAllocations() - before;
@@ -30,6 +35,9 @@ inline void FailEachStringAllocation(const std::function<HRESULT()>& operation,
     unsigned long failures = 0;
     for (unsigned long nth = 1; nth <= count; ++nth) {
         SCOPED_TRACE(testing::Message() << "string allocation " << nth << " of " << count);
+        if (prepare) {
+            prepare();
+        }
         const auto alive = Live();
         FailBstrAllocation(nth);
         try {

@@ -36,8 +36,9 @@ std::wstring TemporaryDirectory::Text() const {
     return m_path.wstring();
 }
 
-std::string ReadFile(const std::filesystem::path& file) {
+std::string ReadFile(const std::filesystem::path& file, std::uintmax_t offset) {
     std::ifstream stream(file, std::ios::binary);
+    stream.seekg(static_cast<std::streamoff>(offset));
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 

@@ -1,6 +1,7 @@
 // A directory for one test.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -29,7 +30,7 @@ class TemporaryDirectory {
     std::filesystem::path m_path;
 };
 
-/// All bytes of a file; empty if there is none.
-std::string ReadFile(const std::filesystem::path& file);
+/// All bytes of a file from an offset on; empty if there are none.
+std::string ReadFile(const std::filesystem::path& file, std::uintmax_t offset = 0);
 
 } // namespace quillet::test

@@ -76,10 +76,7 @@ bool ParseHead(std::wstring_view line, TraceLine& parsed) {
     return true;
 }
 
-} // namespace
-
-std::vector<TraceLine> ParseTraceFile(const std::filesystem::path& file) {
-    const std::string bytes = ReadFile(file);
+std::vector<TraceLine> ParseTraceText(const std::string& bytes) {
     const std::wstring text = FromUtf8(bytes);
     std::vector<TraceLine> lines;
     std::size_t begin = 0;
@@ -105,6 +102,12 @@ std::vector<TraceLine> ParseTraceFile(const std::filesystem::path& file) {
     return lines;
 }
 
+} // namespace
+
+std::vector<TraceLine> ParseTraceFile(const std::filesystem::path& file) {
+    return ParseTraceText(ReadFile(file));
+}
+
 TraceFile::TraceFile(unsigned level, unsigned maxFileSize) {
     m_registry.SetString(kLum2Key, L"InstalledDir", m_directory.Text());
     m_registry.RemoveValue(kLum2Key, L"TRACE");
@@ -126,10 +129,12 @@ std::vector<TraceLine> TraceFile::Lines() const {
 }
 
 std::vector<std::wstring> TraceFile::NewTexts() {
-    const std::vector<TraceLine> lines = Lines();
+    // Some tests trace for thousands of runs and ask after each.
+    const std::string bytes = ReadFile(Path(), m_seen);
+    m_seen += bytes.size();
     std::vector<std::wstring> texts;
-    for (; m_seen < lines.size(); ++m_seen) {
-        texts.push_back(lines[m_seen].text);
+    for (TraceLine& line : ParseTraceText(bytes)) {
+        texts.push_back(std::move(line.text));
     }
     return texts;
 }

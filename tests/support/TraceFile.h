@@ -46,7 +46,8 @@ class TraceFile {
   private:
     TemporaryDirectory m_directory;
     RegistryScope m_registry;
-    std::size_t m_seen = 0;
+    /// What was reported already, in bytes.
+    std::uintmax_t m_seen = 0;
 };
 
 } // namespace quillet::test

@@ -7,7 +7,12 @@ namespace {
 class AnomalyAllocationTest : public OperationsTest {};
 
 TEST_P(AnomalyAllocationTest, EachStringMissing_RaisesOrFailsAndLeavesNothing) {
-    FailEachStringAllocation([this] { return GetParam().run(quillet); });
+    FailEachStringAllocation(
+        [this] {
+            Outputs outputs;
+            return Run(outputs);
+        },
+        {}, [this] { RenewAfterChange(); });
 }
 
 INSTANTIATE_TEST_SUITE_P(Operations, AnomalyAllocationTest, testing::ValuesIn(Operations()),
