@@ -24,7 +24,10 @@ constexpr const wchar_t* DEFAULT_NAMESPACE = L"MarloLUM2";
 
 CQuillet::CQuillet() : CQuillet(LOCAL_MACHINE) {}
 
-CQuillet::CQuillet(std::wstring machine) : m_strMachineName(std::move(machine)) {}
+CQuillet::CQuillet(std::wstring machine) : m_strMachineName(std::move(machine)) {
+    // The destructor traces: a static object must not outlive the log, which is made when it is first used.
+    LumTrace();
+}
 
 CQuillet::CQuillet(const CQuillet& other) = default;
 

@@ -37,6 +37,9 @@ union CY {
     LONGLONG int64;
 };
 
+/// The sign of a DECIMAL below zero.
+constexpr BYTE DECIMAL_NEG = 0x80;
+
 struct DECIMAL {
     USHORT wReserved;
     union {

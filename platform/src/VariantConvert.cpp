@@ -232,6 +232,27 @@ std::wstring_view TextOf(const VARIANT& source) {
     return V_BSTR(&source) ? V_BSTR(&source) : L"";
 }
 
+/// A decimal number as it is written, without zeros at the end of its fraction.
+std::wstring DecimalText(const DECIMAL& decimal) {
+    ULONG limbs[] = {decimal.Hi32, decimal.Mid32, decimal.Lo32};
+    std::wstring digits; // the last one first
+    while (limbs[0] != 0 || limbs[1] != 0 || limbs[2] != 0 || digits.size() <= decimal.scale) {
+        ULONGLONG rest = 0;
+        for (ULONG& limb : limbs) {
+            rest = rest << 32 | limb;
+            limb = static_cast<ULONG>(rest / 10);
+            rest %= 10;
+        }
+        digits.push_back(static_cast<wchar_t>(L'0' + rest));
+    }
+    std::wstring fraction(digits.begin(), digits.begin() + decimal.scale);
+    fraction.erase(0, fraction.find_first_not_of(L'0'));
+    std::wstring text(digits.rbegin(), digits.rend() - decimal.scale);
+    if (!fraction.empty())
+        text.append(1, L'.').append(fraction.rbegin(), fraction.rend());
+    return (decimal.sign & DECIMAL_NEG) != 0 && text != L"0" ? L'-' + text : text;
+}
+
 HRESULT ReadNumber(const VARIANT& source, Number& number) {
     switch (V_VT(&source)) {
     case VT_EMPTY:
@@ -274,6 +295,8 @@ HRESULT ReadNumber(const VARIANT& source, Number& number) {
     case VT_CY:
         number = Real(static_cast<double>(V_CY(&source).int64) / 10000.0);
         return S_OK;
+    case VT_DECIMAL:
+        return NumberText(DecimalText(V_DECIMAL(&source))).Read(number);
     case VT_BSTR:
         return NumberText(TextOf(source)).Read(number);
     default:
@@ -420,7 +443,9 @@ HRESULT ToText(const VARIANT& source, USHORT flags, BSTR& target) {
     const HRESULT hr = ReadNumber(source, number);
     if (FAILED(hr))
         return hr;
-    const std::wstring text = NumberAsText(source, number, flags);
+    // More digits than a real keeps.
+    const std::wstring text =
+        V_VT(&source) == VT_DECIMAL ? DecimalText(V_DECIMAL(&source)) : NumberAsText(source, number, flags);
     target = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
     return target ? S_OK : E_OUTOFMEMORY;
 }

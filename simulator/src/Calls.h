@@ -39,6 +39,7 @@ class ProviderCall {
     bool Has(Effect effect) const noexcept { return m_fault && m_fault->effect == effect; }
     /// The code of the fault.
     HRESULT FaultCode() const noexcept { return m_fault->code; }
+    const FaultRule* Fault() const noexcept { return m_fault ? &*m_fault : nullptr; }
     /// Writes the call into the journal with its result, and returns that.
     HRESULT Done(HRESULT result);
 

@@ -3,6 +3,8 @@
 
 #include <quillet-simulator/Machine.h>
 
+#include <optional>
+
 namespace quillet::simulator {
 
 /// A call that may change the machine: who makes it, and inside which client set.
@@ -18,6 +20,8 @@ class Request {
     HRESULT Change();
     /// The change takes effect only after this follow-up action; the "Apply" of its set reports it.
     void RequireFollowup(LONG action);
+    /// What a method is to answer instead of doing anything, when a fault says so.
+    std::optional<LONG> verdict;
     /// Tells the reader of the journal what a stricter machine would have refused.
     void Note(std::wstring text) { m_note = std::move(text); }
     const std::wstring& Notes() const noexcept { return m_note; }

@@ -238,7 +238,12 @@ HRESULT Dispatcher::ExecMethod(Request& request, std::wstring_view text, std::ws
     if (const auto signature = OutSignature(*method)) {
         call.out = Instance(signature);
     }
-    const HRESULT result = m_machine.Internals().ProviderOf(*definition).ExecMethod(call);
+    HRESULT result = S_OK;
+    if (request.verdict) {
+        call.Answer(L"ReturnValue", *request.verdict);
+    } else {
+        result = m_machine.Internals().ProviderOf(*definition).ExecMethod(call);
+    }
     if (SUCCEEDED(result) && call.out.definition != nullptr) {
         out = std::make_shared<Instance>(std::move(call.out));
     }

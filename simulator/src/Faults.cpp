@@ -21,6 +21,7 @@ constexpr std::array Effects{
     NamedEffect{Effect::Fail, L"Fail"},
     NamedEffect{Effect::FailStatus, L"FailStatus"},
     NamedEffect{Effect::NullObject, L"NullObject"},
+    NamedEffect{Effect::Verdict, L"Verdict"},
     NamedEffect{Effect::NoOutParameters, L"NoOutParameters"},
     NamedEffect{Effect::NullValue, L"NullValue"},
     NamedEffect{Effect::Absent, L"Absent"},
@@ -88,6 +89,7 @@ bool Applies(Effect effect, Operation operation) noexcept {
                operation == Operation::GetCallStatus;
     case Effect::NullObject:
         return HandsOutObjects(operation);
+    case Effect::Verdict:
     case Effect::NoOutParameters:
         return operation == Operation::ExecMethod;
     case Effect::EndOfData:

@@ -45,12 +45,13 @@ FaultRule ReadFault(const std::string& fileName, const Instance& fault) {
     }
     rule.effect = *effect;
     rule.target = fault.Text(L"Target");
-    rule.method = fault.Text(L"Method");
+    rule.method = fault.Text(L"MethodName");
     rule.nth = static_cast<unsigned>(fault.Number(L"Nth", 1));
     rule.repeat = fault.Number(L"Repeat") != 0;
     rule.code = static_cast<HRESULT>(
         static_cast<std::uint32_t>(fault.Number(L"Code", static_cast<std::uint32_t>(WBEM_E_FAILED))));
     rule.vt = static_cast<VARTYPE>(fault.Number(L"VariantType", VT_UNKNOWN));
+    rule.verdict = static_cast<LONG>(fault.Number(L"ReturnValue", 1));
     rule.element = static_cast<LONG>(fault.Number(L"Element"));
     rule.size = static_cast<std::size_t>(fault.Number(L"Size", 1 << 20));
     rule.milliseconds = static_cast<unsigned>(fault.Number(L"Milliseconds"));

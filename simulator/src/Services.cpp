@@ -265,6 +265,9 @@ class ServicesProxy final : public ComObject<IWbemServices, IID_IWbemServices> {
             outcome.status = call.FaultCode();
         } else {
             Request request(*m_session->machine, call.Entry());
+            if (call.Has(Effect::Verdict)) {
+                request.verdict = call.Fault()->verdict;
+            }
             const auto in = own ? std::optional<Instance>(own->Values()) : std::nullopt;
             outcome.status =
                 Dispatcher(*m_session->machine)

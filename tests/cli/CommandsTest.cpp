@@ -174,13 +174,13 @@ INSTANTIATE_TEST_SUITE_P(
                             "Code = 0x80041010;",
                             {"adapter", "list"},
                             "list the adapters: 0x80041010 WBEM_E_INVALID_CLASS"},
-                    Refused{"Operation = \"ExecMethod\"; Method = \"GetKavlorWarnings\"; Code = 0x80041004;",
+                    Refused{"Operation = \"ExecMethod\"; MethodName = \"GetKavlorWarnings\"; Code = 0x80041004;",
                             {"warnings"},
                             "read the warnings: 0x80041004 WBEM_E_PROVIDER_FAILURE"},
-                    Refused{"Operation = \"ExecMethod\"; Method = \"BeginApply\"; Code = 0x80041001;",
+                    Refused{"Operation = \"ExecMethod\"; MethodName = \"BeginApply\"; Code = 0x80041001;",
                             {"transaction", "try"},
                             "open a client set: 0x80041001 WBEM_E_FAILED"},
-                    Refused{"Operation = \"ExecMethod\"; Method = \"Apply\"; Code = 0x80041FFF;",
+                    Refused{"Operation = \"ExecMethod\"; MethodName = \"Apply\"; Code = 0x80041FFF;",
                             {"transaction", "try"},
                             "close the client set: 0x80041FFF"}));
 

@@ -341,6 +341,36 @@ TEST(VariantChangeType, IntAndUintAreTheirSizedForms) {
     }
 }
 
+VARIANT Decimal(ULONG high, ULONG middle, ULONG low, BYTE scale, bool negative = false) {
+    VARIANT variant = Of(VT_DECIMAL, 0);
+    DECIMAL& decimal = V_DECIMAL(&variant);
+    decimal.Hi32 = high;
+    decimal.Mid32 = middle;
+    decimal.Lo32 = low;
+    decimal.scale = scale;
+    decimal.sign = negative ? DECIMAL_NEG : 0;
+    return variant;
+}
+
+TEST(VariantChangeType, DecimalsAreNumbersToo) {
+    EXPECT_EQ(Converted(Decimal(0, 0, 7, 0), VT_I4), L"7");
+    EXPECT_EQ(Converted(Decimal(0, 0, 700, 2, true), VT_I2), L"-7");
+    EXPECT_EQ(Converted(Decimal(0, 0, 25, 1), VT_I4), L"2");
+    EXPECT_EQ(Converted(Decimal(0, 0, 35, 1), VT_I4), L"4");
+    EXPECT_EQ(Converted(Decimal(0, 0, 0, 0), VT_BOOL), L"0");
+    EXPECT_EQ(Converted(Decimal(0, 0, 5, 1), VT_BOOL), L"-1");
+    EXPECT_EQ(Converted(Decimal(0, 0, 125, 2, true), VT_R8), L"-1.25");
+    EXPECT_EQ(Converted(Decimal(0, ~0u, ~0u, 0), VT_UI8), L"18446744073709551615");
+    EXPECT_EQ(Converted(Decimal(0, 0, 1, 0, true), VT_UI4), Converted(Of(VT_I8, -1), VT_UI4));
+    EXPECT_EQ(Converted(Decimal(1, 0, 0, 0), VT_I8), Converted(Real(1e30), VT_I8));
+}
+
+TEST(VariantChangeType, DecimalsKeepTheirDigitsInText) {
+    EXPECT_EQ(Converted(Decimal(0, 0, 12345, 2), VT_BSTR), L"123.45");
+    EXPECT_EQ(Converted(Decimal(0, 0, 5, 3, true), VT_BSTR), L"-0.005");
+    EXPECT_EQ(Converted(Decimal(~0u, ~0u, ~0u, 0), VT_BSTR), L"79228162514264337593543950335");
+}
+
 TEST(VariantChangeType, EmptyAndNullAreTargetsToo) {
     VARIANT target = Text(L"old");
     const VARIANT number = Of(VT_I4, 5);

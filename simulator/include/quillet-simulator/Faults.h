@@ -10,6 +10,7 @@ enum class Effect {
     Fail,              ///< the call returns `code` and does nothing
     FailStatus,        ///< as Fail, but a call with a call result succeeds and its final status is `code`
     NullObject,        ///< success, but the object handed out is null
+    Verdict,           ///< ExecMethod: the method does nothing and answers `verdict` as its "ReturnValue"
     NoOutParameters,   ///< ExecMethod succeeds without an out-parameter object
     NullValue,         ///< Get: the property is VT_NULL
     Absent,            ///< Get: the property does not exist (WBEM_E_NOT_FOUND)
@@ -43,6 +44,7 @@ struct FaultRule {
     Effect effect = Effect::Fail;
     HRESULT code = HRESULT(WBEM_E_FAILED);
     VARTYPE vt = VT_UNKNOWN;
+    LONG verdict = 1;
     LONG element = 0;
     std::size_t size = 1u << 20;
     unsigned milliseconds = 0; ///< the call takes that much longer, whatever the effect

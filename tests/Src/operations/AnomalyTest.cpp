@@ -155,10 +155,10 @@ TEST_P(AnomalyTest, EachCallFails_ItsCodeComesBackItIsNamedAndNothingFollows) {
 }
 
 TEST_P(AnomalyTest, EachAnswerDamaged_EndsWithSuccessOrACodeAndALine) {
-    constexpr Effect effects[] = {Effect::NullObject, Effect::NoOutParameters, Effect::NullValue,
-                                  Effect::Absent,     Effect::WrongType,       Effect::ShiftedArray,
-                                  Effect::EmptyArray, Effect::NullArray,       Effect::UnreadableElement,
-                                  Effect::HugeString, Effect::EndOfData};
+    constexpr Effect effects[] = {Effect::Verdict,           Effect::NullObject, Effect::NoOutParameters,
+                                  Effect::NullValue,         Effect::Absent,     Effect::WrongType,
+                                  Effect::ShiftedArray,      Effect::EmptyArray, Effect::NullArray,
+                                  Effect::UnreadableElement, Effect::HugeString, Effect::EndOfData};
     constexpr VARTYPE types[] = {VT_UNKNOWN, VT_DISPATCH,      VT_EMPTY,         VT_R8,   VT_DATE,
                                  VT_BSTR,    VT_BYREF | VT_I4, VT_ARRAY | VT_I4, VT_ERROR};
     for (std::size_t index = 0; index < m_calls.size(); ++index) {

@@ -241,6 +241,21 @@ TEST_F(Fault, OutParametersCanBeMissing) {
     EXPECT_NE(machine->OpenClientSet(), 0);
 }
 
+TEST_F(Fault, AMethodCanBeRefusedByItsVerdict) {
+    auto& rule = Rule(Operation::ExecMethod, Effect::Verdict);
+    rule.verdict = 17;
+    Arm(rule);
+    CComPtr<IWbemClassObject> out;
+    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(NET_SERVICE).GetBSTR(), _bstr_t(L"BeginApply").GetBSTR(), 0,
+                                        nullptr, nullptr, &out, nullptr)),
+              "0x00000000");
+    ASSERT_NE(out.p, nullptr);
+    _variant_t answered;
+    EXPECT_EQ(out->Get(L"ReturnValue", 0, &answered, nullptr, nullptr), S_OK);
+    EXPECT_EQ(V_I4(&answered), 17);
+    EXPECT_EQ(machine->OpenClientSet(), 0) << "the method was run all the same";
+}
+
 TEST_F(Fault, AnEnumerationCanEndEarly) {
     CComPtr<IEnumWbemClassObject> answer;
     ASSERT_EQ(services->CreateInstanceEnum(_bstr_t(L"Test_All").GetBSTR(), 0, nullptr, &answer), S_OK);
@@ -424,9 +439,10 @@ TEST_F(Fault, ARuleThatMeansNothingIsRejected) {
 
 TEST_F(Fault, NamesAreReadBack) {
     for (const auto effect :
-         {Effect::Fail, Effect::FailStatus, Effect::NullObject, Effect::NoOutParameters, Effect::NullValue,
-          Effect::Absent, Effect::WrongType, Effect::ShiftedArray, Effect::EmptyArray, Effect::NullArray,
-          Effect::UnreadableElement, Effect::HugeString, Effect::EndOfData, Effect::Delay}) {
+         {Effect::Fail, Effect::FailStatus, Effect::NullObject, Effect::Verdict, Effect::NoOutParameters,
+          Effect::NullValue, Effect::Absent, Effect::WrongType, Effect::ShiftedArray, Effect::EmptyArray,
+          Effect::NullArray, Effect::UnreadableElement, Effect::HugeString, Effect::EndOfData,
+          Effect::Delay}) {
         EXPECT_EQ(EffectByName(EffectName(effect)), effect);
     }
     EXPECT_EQ(EffectByName(L"nullvalue"), Effect::NullValue);
