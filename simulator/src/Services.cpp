@@ -24,6 +24,22 @@ bool Within(LONG flags, LONG allowed) noexcept {
     return (flags & ~allowed) == 0;
 }
 
+/// Of settings, a context may ask for subsets: bits above the low byte, which chooses properties. Settings of
+/// no such subset are not told, as by a provider that knows partial retrieval.
+void KeepSubset(const JournalEntry& call, std::vector<ProvidedObject>& found) {
+    constexpr std::int64_t LowByte = 0xFF;
+    const auto* asked = call.ContextValue(L"Zorel_PartialData");
+    const auto* scalar = asked != nullptr ? asked->value.AsScalar() : nullptr;
+    const auto* selector = scalar != nullptr ? std::get_if<std::int64_t>(scalar) : nullptr;
+    if (selector == nullptr || *selector <= LowByte) {
+        return;
+    }
+    std::erase_if(found, [subset = *selector & ~LowByte](const ProvidedObject& object) {
+        return object.instance != nullptr && object.definition->IsA(L"Zorel_Setting") &&
+               (object.instance->Number(L"PartialDataMask") & subset) == 0;
+    });
+}
+
 class ServicesProxy final : public ComObject<IWbemServices, IID_IWbemServices> {
   public:
     explicit ServicesProxy(SessionPtr session) : m_session(std::move(session)) {}
@@ -219,8 +235,11 @@ class ServicesProxy final : public ComObject<IWbemServices, IID_IWbemServices> {
             return call.Done(HRESULT(WBEM_E_INVALID_QUERY_TYPE));
         }
         return Enumerate(
-            call, flags, 0, enumerator, language != nullptr && query != nullptr,
-            [&](auto& found) { return Dispatcher(*m_session->machine).Query(BstrText(query), found); });
+            call, flags, 0, enumerator, language != nullptr && query != nullptr, [&](auto& found) {
+                const HRESULT result = Dispatcher(*m_session->machine).Query(BstrText(query), found);
+                KeepSubset(call.Entry(), found);
+                return result;
+            });
     }
 
     HRESULT STDMETHODCALLTYPE ExecQueryAsync(const BSTR, const BSTR, LONG, IWbemContext*,

@@ -23,15 +23,15 @@ constexpr const char* MACHINE = R"(
     instance of Zorel_TeamOfAdapters as $T { Name = "{T}"; };
     instance of Zorel_TeamedMemberAdapter { GroupComponent = $T; PartComponent = $B; };
     instance of Zorel_AdapterSettingInt {
-        Caption = "Padding"; ParentId = "{A}"; ParentType = "NIC"; Description = "D"; MiniHelp = "M"; ExposeLevel = 1;
+        Caption = "Padding"; ParentId = "{A}"; ParentType = "NIC"; PartialDataMask = 256; Description = "D"; MiniHelp = "M"; ExposeLevel = 1;
         Writable = TRUE; Grouped = TRUE; GroupId = 7; CurrentValue = 5; DefaultValue = 2; Max = 30; Min = 1; Step = 1;
         Base = 10; Scale = 1; };
     instance of Zorel_AdapterSettingEnum {
-        Caption = "*SpeedDuplex"; ParentId = "{A}"; ParentType = "NIC"; Description = "D"; MiniHelp = "M";
+        Caption = "*SpeedDuplex"; ParentId = "{A}"; ParentType = "NIC"; PartialDataMask = 256; Description = "D"; MiniHelp = "M";
         ExposeLevel = 1; Writable = TRUE; Grouped = FALSE; CurrentValue = 4; DefaultValue = 0;
         PossibleValues = {"0", "4"}; DescriptionMap = {"Auto", "100 full"}; };
     instance of Zorel_AdapterSettingMultiString {
-        Caption = "Patterns"; ParentId = "{A}"; ParentType = "NIC"; Description = "D"; MiniHelp = "M";
+        Caption = "Patterns"; ParentId = "{A}"; ParentType = "NIC"; PartialDataMask = 256; Description = "D"; MiniHelp = "M";
         ExposeLevel = 1; Writable = TRUE; Grouped = FALSE; CurrentValues = {"x"}; DefaultValue = "d"; MaxLength = 6; };
     instance of Zorel_TeamSettingString {
         Caption = "Label"; ParentId = "{T}"; ParentType = "TEAM"; Description = "D"; MiniHelp = "M"; ExposeLevel = 1;

@@ -382,15 +382,12 @@ TEST(BuiltInMachine, HasSettingsOfEveryKindForEveryOwner) {
     for (const auto& setting : BuiltIn().All(L"Zorel_Setting")) {
         ++counts[setting->definition->name];
     }
-    for (const wchar_t* owner : {L"Adapter", L"Team", L"BootAgent"}) {
+    for (const wchar_t* owner : {L"Adapter", L"Team", L"VLAN", L"BootAgent"}) {
         for (const wchar_t* kind :
              {L"Int", L"Enum", L"Slider", L"String", L"MultiSelection", L"MultiString"}) {
             const auto name = L"Zorel_" + std::wstring(owner) + L"Setting" + kind;
             EXPECT_GT(counts[name], 0u) << Narrow(name);
         }
-    }
-    for (const wchar_t* kind : {L"Int", L"Enum", L"String"}) {
-        EXPECT_GT(counts[L"Zorel_VLANSetting" + std::wstring(kind)], 0u) << Narrow(kind);
     }
     // The well-known keywords, on every gigabit port that is there.
     for (const auto& adapter : BuiltIn().All(L"Zorel_PhysicalEthernetAdapter")) {
