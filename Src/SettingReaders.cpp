@@ -61,7 +61,9 @@ HRESULT CQuillet::GetSetting(IWbemClassObject* instance, CSetting* setting) {
     read.Bool(L_PROP_SETTING_WRITABLE, setting->m_bWritable)
         .Bool(L_PROP_SETTING_GROUPED, setting->m_bGrouped);
     if (setting->m_bGrouped) {
-        read.Long(L_PROP_SETTING_GROUP_ID, setting->m_lGroupId);
+        int group = setting->m_lGroupId;
+        read.Int(L_PROP_SETTING_GROUP_ID, group);
+        setting->m_lGroupId = group;
     }
     return read.Result();
 }
