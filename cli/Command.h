@@ -27,6 +27,14 @@ class Syntax {
     /// An option with a number, such as "--lines".
     void Number(const std::string& name, std::uint32_t& value, std::uint32_t least, std::uint32_t most,
                 const std::string& description);
+    /// An option with one of a few words, such as "--of".
+    void Choice(const std::string& name, std::string& value, const std::vector<std::string>& words,
+                const std::string& description);
+    /// An option without a value.
+    void Flag(const std::string& name, bool& value, const std::string& description);
+    /// What the command is about, without an option's name; must be given. Several stand in the order of the
+    /// calls. `name` is how the help calls it.
+    void Argument(const std::string& name, std::string& value, const std::string& description);
 
   private:
     CLI::App& m_app;

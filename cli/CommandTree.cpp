@@ -43,6 +43,19 @@ void Syntax::Number(const std::string& name, std::uint32_t& value, std::uint32_t
     m_app.add_option(name, value, description)->check(CLI::Range(least, most))->capture_default_str();
 }
 
+void Syntax::Choice(const std::string& name, std::string& value, const std::vector<std::string>& words,
+                    const std::string& description) {
+    m_app.add_option(name, value, description)->check(CLI::IsMember(words));
+}
+
+void Syntax::Flag(const std::string& name, bool& value, const std::string& description) {
+    m_app.add_flag(name, value, description);
+}
+
+void Syntax::Argument(const std::string& name, std::string& value, const std::string& description) {
+    m_app.add_option(name, value, description)->required()->type_name("");
+}
+
 CommandTree::CommandTree()
     : m_app(std::make_unique<CLI::App>("Manages the network adapters of a machine.", "quilletctl")) {
     Configure(*m_app);

@@ -5,6 +5,7 @@ namespace quilletctl {
 
 void AddAllCommands(CommandTree& tree) {
     AddAdapterCommands(tree);
+    AddSettingCommands(tree);
     AddWarningsCommand(tree);
     AddTraceCommand(tree);
     AddTransactionCommands(tree);

@@ -6,6 +6,7 @@
 namespace quilletctl {
 
 void AddAdapterCommands(CommandTree& tree);
+void AddSettingCommands(CommandTree& tree);
 void AddWarningsCommand(CommandTree& tree);
 void AddTraceCommand(CommandTree& tree);
 void AddTransactionCommands(CommandTree& tree);

@@ -43,6 +43,26 @@ void Invocation::Finish() {
     }
 }
 
+namespace {
+
+/// What the context of a call asks of the provider: a client set, or only a part of the data. Values that ask
+/// for nothing are left out; most calls have no others.
+std::string AskedInContext(const quillet::simulator::JournalEntry& call) {
+    std::string asked;
+    for (const quillet::simulator::NamedValue& value : call.context) {
+        const quillet::simulator::Scalar* scalar = value.value.AsScalar();
+        const bool* flag = scalar == nullptr ? nullptr : std::get_if<bool>(scalar);
+        const std::int64_t* number = scalar == nullptr ? nullptr : std::get_if<std::int64_t>(scalar);
+        if ((flag != nullptr && *flag) || (number != nullptr && *number != 0 && *number != -1)) {
+            asked += (asked.empty() ? " {" : ", ") + ToUtf8(value.name) + '=' +
+                     (flag != nullptr ? std::string("true") : std::to_string(*number));
+        }
+    }
+    return asked.empty() ? asked : asked + '}';
+}
+
+} // namespace
+
 void Invocation::PrintJournal() {
     // What a program parses stays clean.
     std::ostream& stream = WantsJson() ? m_terminal.err : m_terminal.out;
@@ -50,7 +70,7 @@ void Invocation::PrintJournal() {
         m_machine ? m_machine->Calls().ProviderCalls() : std::vector<quillet::simulator::JournalEntry>();
     stream << (WantsJson() ? "" : "\n") << "Calls to the provider: " << calls.size() << '\n';
     for (const auto& call : calls) {
-        stream << "  " << Printable(ToUtf8(call.Line())) << '\n';
+        stream << "  " << Printable(ToUtf8(call.Line()) + AskedInContext(call)) << '\n';
     }
 }
 

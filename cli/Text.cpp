@@ -161,6 +161,14 @@ std::wstring ToWide(std::string_view utf8) {
     return text;
 }
 
+bool SameIgnoringCase(std::string_view left, std::string_view right) noexcept {
+    const auto fold = [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    };
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [fold](char a, char b) { return fold(a) == fold(b); });
+}
+
 std::size_t DisplayWidth(std::string_view utf8) {
     std::size_t width = 0;
     for (const char32_t character : Characters(utf8)) {

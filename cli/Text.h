@@ -15,6 +15,9 @@ std::wstring ToWide(std::string_view utf8);
 /// The characters of a UTF-8 text; malformed bytes become U+FFFD.
 std::u32string Characters(std::string_view utf8);
 
+/// Whether two texts are equal but for the case of ASCII letters, as the provider compares its names.
+bool SameIgnoringCase(std::string_view left, std::string_view right) noexcept;
+
 /// The columns that a text takes in a terminal: 2 for an East Asian wide character, 0 for a combining one.
 std::size_t DisplayWidth(std::string_view utf8);
 /// The text without characters that would steer the terminal (controls, escapes, changes of direction): each

@@ -1,5 +1,11 @@
 // quilletctl adapter: the machine's network adapters.
+#include "AdapterLookup.h"
+#include "AdapterTexts.h"
+#include "BitMask.h"
 #include "Commands.h"
+#include "ObjectPath.h"
+#include "ResultCodes.h"
+#include "Sheet.h"
 #include "Table.h"
 #include "Text.h"
 
@@ -11,36 +17,20 @@ namespace quilletctl {
 
 namespace {
 
-struct ListedAdapter {
-    std::string path;
-    std::string objectId; ///< empty when the path holds none
-    std::string name;
-    std::string displayName;
-    std::string deviceId;
-};
+Json TextOrNull(const std::string& text) {
+    return text.empty() ? Json() : Json(text);
+}
 
-std::vector<ListedAdapter> ReadAdapters(CQuillet& session) {
-    CAdapters adapters;
-    Invocation::Check(session.EnumerateAdapters(adapters), "list the adapters");
-    std::vector<ListedAdapter> listed;
-    for (const CAdapter* adapter : adapters.m_vecItems) {
-        if (adapter == nullptr) {
-            continue;
-        }
-        // A path without an object ID is odd, but no reason to hide the other adapters.
-        std::wstring objectId;
-        session.GetGUI(adapter->m_wsAdapterID, objectId);
-        listed.push_back({ToUtf8(adapter->m_wsAdapterID), ToUtf8(objectId), ToUtf8(adapter->m_wsName),
-                          ToUtf8(adapter->m_wsDisplayName), ToUtf8(adapter->m_wsDeviceID)});
-    }
-    return listed;
+/// A number of the provider's and what it means.
+Json Coded(LONG code, const std::string& text) {
+    return Json{{"code", code}, {"text", text}};
 }
 
 Json AsJson(const std::vector<ListedAdapter>& adapters) {
     Json list = Json::array();
     for (const ListedAdapter& adapter : adapters) {
         list.push_back(Json{{"path", adapter.path},
-                            {"objectId", adapter.objectId.empty() ? Json() : Json(adapter.objectId)},
+                            {"objectId", TextOrNull(adapter.objectId)},
                             {"name", adapter.name},
                             {"displayName", adapter.displayName},
                             {"deviceId", adapter.deviceId}});
@@ -76,10 +66,245 @@ ExitStatus ListAdapters(Invocation& run) {
     return ExitStatus::Done;
 }
 
+/// A command about one adapter.
+class AdapterCommand : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Argument("adapter", m_name, "The adapter: its name, object ID or object path");
+    }
+    ExitStatus Run(Invocation& run) final { return RunFor(FindAdapter(run.Session(), m_name), run); }
+
+  private:
+    virtual ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) = 0;
+
+    std::string m_name;
+};
+
+/// A number that a provider method tells, or the code of its refusal: one that an adapter cannot tell must
+/// not hide the others.
+template <class Value>
+struct Told {
+    HRESULT result = S_OK;
+    Value value{};
+
+    /// The value's text, or why there is none.
+    template <class Words>
+    std::string Text(const Words& words) const {
+        return SUCCEEDED(result) ? words(value) : "not told: " + DescribeResult(result);
+    }
+    template <class Words>
+    Json AsJson(const Words& words) const {
+        return SUCCEEDED(result) ? Json(words(value)) : Json();
+    }
+};
+
+class ShowAdapter final : public AdapterCommand {
+    struct Ndis {
+        int major = 0;
+        int minor = 0;
+    };
+
+    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+        CQuillet& session = run.Session();
+        const std::wstring path = ToWide(adapter.path);
+        const std::string asked = "read the adapter " + adapter.Called();
+        CAdapter known;
+        Invocation::Check(session.GetAdapterBasicInfo(path, known), asked);
+        Invocation::Check(session.GetAdapterDynamicInfo(path, known), asked);
+        CPCIInfo pci;
+        Invocation::Check(session.GetAdapterPCIInfo(path, pci), asked);
+        Told<Ndis> ndis;
+        ndis.result = session.GetNDIS_Version(path, ndis.value.major, ndis.value.minor);
+        Told<std::wstring> hba;
+        hba.result = session.GetHbaPath(path, hba.value);
+        Told<ULONGLONG> warnings;
+        warnings.result = session.GetAdapterWarnings(path, warnings.value);
+
+        const auto version = [](const Ndis& told) {
+            return std::to_string(told.major) + '.' + std::to_string(told.minor);
+        };
+        const CAdapterDynamicInfo& state = *known.m_pAdapterDynamicInfo;
+        if (run.WantsJson()) {
+            run.Print(Json{
+                {"path", adapter.path},
+                {"objectId", TextOrNull(adapter.objectId)},
+                {"name", ToUtf8(known.m_wsName)},
+                {"displayName", ToUtf8(known.m_wsDisplayName)},
+                {"deviceId", ToUtf8(known.m_wsDeviceID)},
+                {"slotId", ToUtf8(known.m_wsSlotID)},
+                {"status", ToUtf8(state.m_wsStatus)},
+                {"speed", Coded(state.m_eLinkSpeed, SpeedText(state.m_eLinkSpeed))},
+                {"duplex", Coded(state.m_eDuplexMode, DuplexText(state.m_eDuplexMode))},
+                {"linkSecurity", Coded(state.m_eLinkSecStatus, LinkSecText(state.m_eLinkSecStatus))},
+                {"adapterStatus", Coded(state.m_lAdapterStatus, AdapterStatusText(state.m_lAdapterStatus))},
+                {"statusInfo", Coded(state.m_lStatusInfo, StatusInfoText(state.m_lStatusInfo))},
+                {"availability", Coded(state.m_lAvailability, AvailabilityText(state.m_lAvailability))},
+                {"hardwareStatus",
+                 Coded(state.m_lHardwareStatus, HardwareStatusText(state.m_lHardwareStatus))},
+                {"controllerId", ToUtf8(pci.m_wsControllerID)},
+                {"mediaType", ToUtf8(pci.m_wsMediaType)},
+                {"negotiatedLinkWidth", ToUtf8(pci.m_wsNegotiatedLinkWidth)},
+                {"portNumber", ToUtf8(pci.m_wsPortNumber)},
+                {"partNumber", ToUtf8(pci.m_wsPartNumber)},
+                {"macAddress", ToUtf8(pci.m_wsMacAddress)},
+                {"eepromVersion", ToUtf8(pci.m_wsEEPROMVersion)},
+                {"sanMacAddress", ToUtf8(pci.m_wsSanMacAddress)},
+                {"pciDeviceId", ToUtf8(pci.m_wsPCIDeviceID)},
+                {"ndisVersion", ndis.AsJson(version)},
+                {"hbaPath", hba.AsJson([](const std::wstring& told) { return TextOrNull(ToUtf8(told)); })},
+                {"warnings", warnings.AsJson(HexMask)},
+            });
+            return ExitStatus::Done;
+        }
+        Sheet()
+            .Add("Name", ToUtf8(known.m_wsName))
+            .Add("Display name", ToUtf8(known.m_wsDisplayName))
+            .Add("Object ID", adapter.objectId)
+            .Add("Device ID", ToUtf8(known.m_wsDeviceID))
+            .Add("Slot", ToUtf8(known.m_wsSlotID))
+            .Add("Status", ToUtf8(state.m_wsStatus))
+            .Add("Hardware", HardwareStatusText(state.m_lHardwareStatus))
+            .Add("Link", LinkText(state))
+            .Add("Link security", LinkSecText(state.m_eLinkSecStatus))
+            .Add("Condition", AdapterStatusText(state.m_lAdapterStatus))
+            .Add("State", StatusInfoText(state.m_lStatusInfo))
+            .Add("Availability", AvailabilityText(state.m_lAvailability))
+            .Add("Controller", ToUtf8(pci.m_wsControllerID))
+            .Add("PCI device ID", ToUtf8(pci.m_wsPCIDeviceID))
+            .Add("Medium", ToUtf8(pci.m_wsMediaType))
+            .Add("Link width", ToUtf8(pci.m_wsNegotiatedLinkWidth))
+            .Add("Port", ToUtf8(pci.m_wsPortNumber))
+            .Add("Part number", ToUtf8(pci.m_wsPartNumber))
+            .Add("EEPROM version", ToUtf8(pci.m_wsEEPROMVersion))
+            .Add("MAC address", ToUtf8(pci.m_wsMacAddress))
+            .Add("SAN MAC address", ToUtf8(pci.m_wsSanMacAddress))
+            .Add("NDIS version", ndis.Text(version))
+            .Add("HBA path", hba.Text(ToUtf8))
+            .Add("Warnings", warnings.Text(WarningText))
+            .Print(run.Screen());
+        return ExitStatus::Done;
+    }
+
+    /// The speed, and the duplex mode where there is a link to have one.
+    static std::string LinkText(const CAdapterDynamicInfo& state) {
+        const std::string speed = SpeedText(state.m_eLinkSpeed);
+        return state.m_eLinkSpeed == CAdapterDynamicInfo::LinkSpeedNone
+                   ? speed
+                   : speed + ", " + DuplexText(state.m_eDuplexMode);
+    }
+
+    static std::string WarningText(ULONGLONG mask) {
+        // The meaning of the bits is the provider's own.
+        std::string text;
+        for (const unsigned bit : SetBits(mask)) {
+            text += (text.empty() ? "provider warning " : ", ") + std::to_string(bit);
+        }
+        return text.empty() ? "none" : text;
+    }
+};
+
+class ListCapabilities final : public AdapterCommand {
+    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+        CAdapter known;
+        Invocation::Check(run.Session().GetAdapterCapabilities(ToWide(adapter.path), known),
+                          "read the capabilities of " + adapter.Called());
+        std::vector<LONG> codes;
+        for (const CAdapterCapInfo::Flag& flag : CAdapterCapInfo::Flags()) {
+            if (known.m_pAdapterCapabilities->*flag.m_pFlag) {
+                codes.push_back(flag.m_lCode);
+            }
+        }
+        std::sort(codes.begin(), codes.end());
+        if (run.WantsJson()) {
+            Json list = Json::array();
+            for (const LONG code : codes) {
+                list.push_back(Coded(code, CapabilityText(code)));
+            }
+            run.Print(Json{{"path", adapter.path}, {"capabilities", std::move(list)}});
+        } else if (codes.empty()) {
+            run.Out() << "no capabilities\n";
+        } else {
+            Table table({{"CODE", Fit::Whole}, {"CAPABILITY", Fit::MayShorten}});
+            for (const LONG code : codes) {
+                table.AddRow({std::to_string(code), CapabilityText(code)});
+            }
+            table.Print(run.Screen());
+        }
+        return ExitStatus::Done;
+    }
+};
+
+class ListPorts final : public AdapterCommand {
+    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+        CQuillet& session = run.Session();
+        CAdapterPorts ports;
+        Invocation::Check(session.EnumerateOtherPortOfAdapter(ToWide(adapter.path), ports),
+                          "list the ports beside " + adapter.Called());
+        if (run.WantsJson()) {
+            Json list = Json::array();
+            for (const CAdapterPort* port : ports.m_vecItems) {
+                list.push_back(Json{{"path", ToUtf8(port->m_wsAdapterID)},
+                                    {"objectId", TextOrNull(IdIn(port->m_wsAdapterID))},
+                                    {"teamed", port->m_bTeamed},
+                                    {"teamPath", ToUtf8(port->m_wsTeamID)},
+                                    {"teamId", TextOrNull(IdIn(port->m_wsTeamID))}});
+            }
+            run.Print(Json{{"path", adapter.path}, {"ports", std::move(list)}});
+        } else if (ports.m_vecItems.empty()) {
+            run.Out() << "no port of this board is in a team\n";
+        } else {
+            const std::vector<ListedAdapter> adapters = ReadAdapters(session);
+            Table table({{"PORT", Fit::MayShorten}, {"OBJECT ID", Fit::Whole}, {"TEAM", Fit::Whole}});
+            for (const CAdapterPort* port : ports.m_vecItems) {
+                const std::string id = IdIn(port->m_wsAdapterID);
+                const auto named =
+                    std::find_if(adapters.begin(), adapters.end(),
+                                 [&](const ListedAdapter& each) { return each.objectId == id; });
+                table.AddRow({named == adapters.end() ? ToUtf8(port->m_wsAdapterID) : named->name, id,
+                              IdIn(port->m_wsTeamID)});
+            }
+            table.Print(run.Screen());
+        }
+        return ExitStatus::Done;
+    }
+
+    static std::string IdIn(const std::wstring& path) { return NameInPath(ToUtf8(path)).key; }
+};
+
+class IdentifyAdapter final : public AdapterCommand {
+  public:
+    void Declare(Syntax& syntax) override {
+        AdapterCommand::Declare(syntax);
+        syntax.Number("--seconds", m_seconds, 1, 3600, "For how long");
+    }
+
+  private:
+    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+        Invocation::Check(run.Session().IdentifyAdapter(ToWide(adapter.path), static_cast<LONG>(m_seconds)),
+                          "identify " + adapter.Called());
+        if (run.WantsJson()) {
+            run.Print(Json{{"path", adapter.path}, {"seconds", m_seconds}});
+        } else {
+            run.Out() << Printable(adapter.Called()) << " blinks for " << m_seconds
+                      << (m_seconds == 1 ? " second\n" : " seconds\n");
+        }
+        return ExitStatus::Done;
+    }
+
+    std::uint32_t m_seconds = 10;
+};
+
 } // namespace
 
 void AddAdapterCommands(CommandTree& tree) {
-    tree.AddNoun("adapter", "The machine's network adapters").Verb("list", "List the adapters", ListAdapters);
+    tree.AddNoun("adapter", "The machine's network adapters")
+        .Verb("list", "List the adapters", ListAdapters)
+        .Verb("show", "What is known of an adapter: names, link, state, hardware",
+              std::make_unique<ShowAdapter>())
+        .Verb("capabilities", "What an adapter can do", std::make_unique<ListCapabilities>())
+        .Verb("ports", "The ports of an adapter's board that are in a team", std::make_unique<ListPorts>())
+        .Verb("identify", "Let an adapter blink, so that it is found in the rack",
+              std::make_unique<IdentifyAdapter>());
 }
 
 } // namespace quilletctl

@@ -25,7 +25,7 @@ TEST_P(BadUsage, IsOneLineOnTheErrorStreamAndStatusTwo) {
 INSTANTIATE_TEST_SUITE_P(
     Lines, BadUsage,
     testing::Values(
-        BadLine{{}, "a command is needed: adapter, warnings"}, BadLine{{"--json"}, "a command is needed"},
+        BadLine{{}, "a command is needed: adapter, "}, BadLine{{"--json"}, "a command is needed"},
         BadLine{{"adapter"}, "adapter needs a verb: list"}, BadLine{{"adaptor", "list"}, "adaptor"},
         BadLine{{"adapter", "lost"}, "lost"}, BadLine{{"adapter", "list", "more"}, "more"},
         BadLine{{"adapter", "list", "--colour"}, "--colour"}, BadLine{{"adapter", "list", "/json"}, "/json"},

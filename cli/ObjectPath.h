@@ -1,0 +1,21 @@
+// The provider's object paths as text: what a path names, told without asking anyone.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace quilletctl {
+
+/// The class and the first key's value in an object path (UTF-8); both empty when the text is none.
+struct ObjectName {
+    std::string className;
+    std::string key; ///< of the classes with one key: the object identifier
+};
+
+ObjectName NameInPath(std::string_view path);
+/// Whether the text has the form of an object path, so that it can be no name.
+bool IsObjectPath(std::string_view text);
+/// The relative path of an object with one key.
+std::string PathOf(std::string_view className, std::string_view keyName, std::string_view key);
+
+} // namespace quilletctl

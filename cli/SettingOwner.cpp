@@ -1,0 +1,138 @@
+// Finding the owner of settings, and reading them.
+#include "SettingOwner.h"
+
+#include "AdapterLookup.h"
+#include "Invocation.h"
+#include "ObjectPath.h"
+#include "Text.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace quilletctl {
+
+namespace {
+
+struct OwnerClass {
+    SettingOwner::Kind kind;
+    const char* name;
+    const char* key;
+};
+
+constexpr OwnerClass CLASSES[] = {
+    {SettingOwner::Kind::Adapter, "Zorel_PhysicalEthernetAdapter", "DeviceID"},
+    {SettingOwner::Kind::Team, "Zorel_TeamOfAdapters", "Name"},
+    {SettingOwner::Kind::Vlan, "Zorel_VLAN", "Name"},
+    {SettingOwner::Kind::BootAgent, "Zorel_BootAgent", "Name"},
+};
+
+const OwnerClass& ClassOf(SettingOwner::Kind kind) {
+    return CLASSES[static_cast<std::size_t>(kind)];
+}
+
+SettingOwner::Kind KindByWord(const std::string& word) {
+    const auto& words = OwnerKindWords();
+    const auto found = std::find(words.begin(), words.end(), word);
+    return found == words.end() ? SettingOwner::Kind::Adapter
+                                : static_cast<SettingOwner::Kind>(found - words.begin());
+}
+
+/// A GUID text in braces; empty when the text is none. The braces may be left out.
+std::string ObjectIdFrom(std::string_view text) {
+    if (text.size() > 2 && text.front() == '{' && text.back() == '}') {
+        text = text.substr(1, text.size() - 2);
+    }
+    constexpr std::string_view SHAPE = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
+    const bool isGuid =
+        std::equal(text.begin(), text.end(), SHAPE.begin(), SHAPE.end(), [](char letter, char mark) {
+            return mark == 'x'
+                       ? std::string_view("0123456789abcdefABCDEF").find(letter) != std::string_view::npos
+                       : letter == mark;
+        });
+    return isGuid ? '{' + std::string(text) + '}' : std::string();
+}
+
+SettingOwner OwnerAt(const std::string& path, const ObjectName& name, const std::string& kind) {
+    for (const OwnerClass& each : CLASSES) {
+        if (SameIgnoringCase(each.name, name.className)) {
+            if (!kind.empty() && KindByWord(kind) != each.kind) {
+                throw UsageError("the path is not that of a " + kind + ": " + path);
+            }
+            return {each.kind, path, name.key, path};
+        }
+    }
+    throw UsageError("a " + name.className + " has no settings: " + path);
+}
+
+} // namespace
+
+const std::vector<std::string>& OwnerKindWords() {
+    static const std::vector<std::string> words{"adapter", "team", "vlan", "boot-agent"};
+    return words;
+}
+
+const std::string& WordFor(SettingOwner::Kind kind) {
+    return OwnerKindWords()[static_cast<std::size_t>(kind)];
+}
+
+SettingOwner FindSettingOwner(CQuillet& session, const std::string& text, const std::string& kind) {
+    const ObjectName name = NameInPath(text);
+    const SettingOwner::Kind wanted = KindByWord(kind);
+    const bool isOfAdapter = wanted == SettingOwner::Kind::Adapter || wanted == SettingOwner::Kind::BootAgent;
+    // The path of an adapter stands for its boot agent as well.
+    const bool isAdapterPath = SameIgnoringCase(name.className, ClassOf(SettingOwner::Kind::Adapter).name);
+    if (!name.className.empty() && !(isOfAdapter && isAdapterPath)) {
+        return OwnerAt(text, name, kind);
+    }
+    if (isOfAdapter) {
+        const ListedAdapter adapter = FindAdapter(session, text);
+        if (wanted == SettingOwner::Kind::Adapter) {
+            return {wanted, adapter.path, adapter.objectId, adapter.Called()};
+        }
+        const OwnerClass& agent = ClassOf(wanted);
+        return {wanted, PathOf(agent.name, agent.key, adapter.objectId), adapter.objectId,
+                "the boot agent of " + adapter.Called()};
+    }
+    const std::string objectId = ObjectIdFrom(text);
+    if (objectId.empty()) {
+        throw UsageError("\"" + text + "\" is no object ID or path of a " + kind);
+    }
+    return {wanted, PathOf(ClassOf(wanted).name, ClassOf(wanted).key, objectId), objectId, objectId};
+}
+
+void ReadSettings(CQuillet& session, const SettingOwner& owner, CSettings& settings) {
+    const std::wstring path = ToWide(owner.path);
+    HRESULT result = S_OK;
+    switch (owner.kind) {
+    case SettingOwner::Kind::Adapter:
+        result = session.GetAdapterSettings(path, settings);
+        break;
+    case SettingOwner::Kind::Team:
+        result = session.GetTeamSettings(path, settings);
+        break;
+    case SettingOwner::Kind::Vlan:
+        result = session.GetVlanSettings(path, settings);
+        break;
+    case SettingOwner::Kind::BootAgent:
+        result = session.GetBootAgentSettings(path, settings);
+        break;
+    }
+    Invocation::Check(result, "read the settings of " + owner.called);
+}
+
+void ReadVmqSettings(CQuillet& session, const SettingOwner& adapter, CSettings& settings) {
+    // The selector of GetAdapterVmqSettings.
+    constexpr DWORD QUEUES = 256;
+    Invocation::Check(session.GetAdapterSettings(ToWide(adapter.path), settings, QUEUES),
+                      "read the queue settings of " + adapter.called);
+}
+
+CSetting& FindSetting(const CSettings& settings, const std::string& caption, const SettingOwner& owner) {
+    CSetting* setting = settings.GetSettingByCaption(ToWide(caption));
+    if (setting == nullptr) {
+        throw UsageError(owner.called + " has no setting \"" + caption + "\"; see quilletctl setting list");
+    }
+    return *setting;
+}
+
+} // namespace quilletctl

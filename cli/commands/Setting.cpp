@@ -1,0 +1,130 @@
+// quilletctl setting: the advanced settings of adapters, teams, VLANs and boot agents.
+#include "Commands.h"
+#include "SettingOwner.h"
+#include "SettingTexts.h"
+#include "Sheet.h"
+#include "Table.h"
+#include "Text.h"
+
+#include <nlohmann/json.hpp>
+
+namespace quilletctl {
+
+namespace {
+
+/// A command about the settings of one owner.
+class SettingCommand : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Argument("owner", m_owner, "Whose settings: a name, object ID or object path");
+        syntax.Choice("--of", m_kind, OwnerKindWords(),
+                      "What the owner is, where its path does not say (default: adapter)");
+    }
+    ExitStatus Run(Invocation& run) final {
+        return RunFor(FindSettingOwner(run.Session(), m_owner, m_kind), run);
+    }
+
+  protected:
+    static Json OwnerAsJson(const SettingOwner& owner) {
+        return Json{{"kind", WordFor(owner.kind)},
+                    {"path", owner.path},
+                    {"objectId", owner.objectId.empty() ? Json() : Json(owner.objectId)}};
+    }
+
+  private:
+    virtual ExitStatus RunFor(const SettingOwner& owner, Invocation& run) = 0;
+
+    std::string m_owner;
+    std::string m_kind;
+};
+
+class ListSettings final : public SettingCommand {
+  public:
+    void Declare(Syntax& syntax) override {
+        SettingCommand::Declare(syntax);
+        syntax.Flag("--vmq", m_vmqOnly, "Only the settings of an adapter's virtual machine queues");
+    }
+
+  private:
+    ExitStatus RunFor(const SettingOwner& owner, Invocation& run) override {
+        CSettings settings;
+        if (m_vmqOnly) {
+            if (owner.kind != SettingOwner::Kind::Adapter) {
+                throw UsageError("--vmq: only an adapter has virtual machine queues");
+            }
+            ReadVmqSettings(run.Session(), owner, settings);
+        } else {
+            ReadSettings(run.Session(), owner, settings);
+        }
+        if (run.WantsJson()) {
+            Json list = Json::array();
+            for (const CSetting* setting : settings.m_vecItems) {
+                list.push_back(AsJson(*setting));
+            }
+            run.Print(Json{{"owner", OwnerAsJson(owner)}, {"settings", std::move(list)}});
+        } else if (settings.m_vecItems.empty()) {
+            run.Out() << "no settings\n";
+        } else {
+            Table table({{"SETTING", Fit::Whole},
+                         {"KIND", Fit::Whole},
+                         {"CURRENT", Fit::MayShorten},
+                         {"DEFAULT", Fit::MayShorten},
+                         {"POSSIBLE VALUES", Fit::MayShorten}});
+            for (const CSetting* setting : settings.m_vecItems) {
+                table.AddRow({ToUtf8(setting->m_wsCaption),
+                              KindText(*setting) + (setting->m_bWritable ? "" : ", read only"),
+                              CurrentText(*setting), DefaultText(*setting), PossibleText(*setting)});
+            }
+            table.Print(run.Screen());
+        }
+        return ExitStatus::Done;
+    }
+
+    bool m_vmqOnly = false;
+};
+
+class GetSetting final : public SettingCommand {
+  public:
+    void Declare(Syntax& syntax) override {
+        SettingCommand::Declare(syntax);
+        syntax.Argument("setting", m_caption, "The setting, by its caption such as *JumboPacket");
+    }
+
+  private:
+    ExitStatus RunFor(const SettingOwner& owner, Invocation& run) override {
+        CSettings settings;
+        ReadSettings(run.Session(), owner, settings);
+        const CSetting& setting = FindSetting(settings, m_caption, owner);
+        if (run.WantsJson()) {
+            run.Print(Json{{"owner", OwnerAsJson(owner)}, {"setting", AsJson(setting)}});
+            return ExitStatus::Done;
+        }
+        Sheet()
+            .Add("Setting", ToUtf8(setting.m_wsCaption))
+            .Add("Name", ToUtf8(setting.m_wsDescription))
+            .Add("Help", ToUtf8(setting.m_wsMiniHelp))
+            .Add("Kind", KindText(setting))
+            .Add("Current", CurrentText(setting))
+            .Add("Default", DefaultText(setting))
+            .Add("Possible values", PossibleText(setting))
+            .Add("Writable", setting.m_bWritable ? "yes" : "no")
+            .Add("Group", setting.m_bGrouped ? std::to_string(setting.m_lGroupId) : std::string())
+            .Add("Expose level", std::to_string(setting.GetExposeLevel()))
+            .Add("Path", ToUtf8(setting.m_wsPath))
+            .Print(run.Screen());
+        return ExitStatus::Done;
+    }
+
+    std::string m_caption;
+};
+
+} // namespace
+
+void AddSettingCommands(CommandTree& tree) {
+    tree.AddNoun("setting", "The advanced settings of adapters, teams, VLANs and boot agents")
+        .Verb("list", "List the settings of an owner with current, default and possible values",
+              std::make_unique<ListSettings>())
+        .Verb("get", "Show one setting", std::make_unique<GetSetting>());
+}
+
+} // namespace quilletctl
