@@ -4,6 +4,7 @@
 #include <windows.h>
 #include <quillet-platform/TestHooks.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 
@@ -18,6 +19,7 @@ struct ThreadAllocations {
     unsigned long failIn = 0;
 };
 thread_local ThreadAllocations allocations;
+std::atomic<quillet::platform::FreedBstrObserver> freedObserver{nullptr};
 
 bool MustFail() noexcept {
     ++allocations.made;
@@ -51,6 +53,10 @@ unsigned long BstrAllocations() noexcept {
 
 void FailBstrAllocation(unsigned long nth) noexcept {
     allocations.failIn = nth;
+}
+
+void ObserveFreedBstrs(FreedBstrObserver observer) noexcept {
+    freedObserver = observer;
 }
 
 } // namespace quillet::platform
@@ -125,6 +131,8 @@ void WINAPI SysFreeString(BSTR text) {
     if (!text)
         return;
     quillet::platform::counters.bstrs.fetch_sub(1, std::memory_order_relaxed);
+    if (const auto observer = freedObserver.load(std::memory_order_acquire))
+        observer(text, SysStringByteLen(text));
     std::free(BlockOf(text));
 }
 

@@ -65,6 +65,7 @@ void ResetHooks() {
     HostSettings defaults;
     WithSettings([&](HostSettings& settings) { std::swap(settings, defaults); });
     FailBstrAllocation(0);
+    ObserveFreedBstrs(nullptr);
 }
 
 } // namespace quillet::platform

@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cwchar>
@@ -22,6 +23,35 @@ class Hooks : public testing::Test {
     void SetUp() override { ResetHooks(); }
     void TearDown() override { ResetHooks(); }
 };
+
+// --- Strings -------------------------------------------------------------------------------------------
+
+std::wstring lastFreed;
+int freedBstrs = 0;
+
+TEST_F(Hooks, BstrsAreShownAsTheyAreWhenTheyAreFreed) {
+    const auto look = [](const void* text, std::size_t bytes) {
+        ++freedBstrs;
+        lastFreed.assign(static_cast<const wchar_t*>(text), bytes / sizeof(wchar_t));
+    };
+    freedBstrs = 0;
+    ObserveFreedBstrs(look);
+    BSTR text = SysAllocString(L"secret");
+    text[0] = L'S';
+    SysFreeString(text);
+    EXPECT_EQ(lastFreed, L"Secret");
+    VARIANT variant;
+    VariantInit(&variant);
+    V_VT(&variant) = VT_BSTR;
+    V_BSTR(&variant) = SysAllocStringLen(L"a\0b", 3);
+    VariantClear(&variant);
+    EXPECT_EQ(lastFreed.size(), 3u);
+    SysFreeString(nullptr);
+    EXPECT_EQ(freedBstrs, 2);
+    ResetHooks();
+    SysFreeString(SysAllocString(L"unseen"));
+    EXPECT_EQ(freedBstrs, 2);
+}
 
 // --- Version -------------------------------------------------------------------------------------------
 

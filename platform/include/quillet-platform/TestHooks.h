@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -25,6 +26,11 @@ LiveCounts Live() noexcept;
 unsigned long BstrAllocations() noexcept;
 /// Makes the nth BSTR allocation of the calling thread from now on fail (1: the next); 0 disarms.
 void FailBstrAllocation(unsigned long nth) noexcept;
+
+/// Shows every BSTR, of any thread, just before it is freed: its text as it then is, terminator excluded.
+/// Null shows them to nobody (the default).
+using FreedBstrObserver = void (*)(const void* text, std::size_t bytes);
+void ObserveFreedBstrs(FreedBstrObserver observer) noexcept;
 
 /// Defaults: 6.1 on the NT platform (VER_PLATFORM_WIN32_NT).
 void SetOsVersion(DWORD major, DWORD minor, DWORD platformId = VER_PLATFORM_WIN32_NT);
