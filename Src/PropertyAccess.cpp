@@ -4,6 +4,7 @@
 
 #include "ResultCodes.h"
 #include "SafeArray.h"
+#include "SecretVariant.h"
 #include "Trace.h"
 #include "VariantValue.h"
 
@@ -12,8 +13,9 @@ using ATL::CComPtr;
 
 namespace {
 
-/// The frame of every getter: what differs is the value's type and what the operation is called in traces.
-template <typename Value>
+/// The frame of every getter: what differs is the value's type, what it passes through, and what the
+/// operation is called in traces.
+template <typename Holder = _variant_t, typename Value>
 HRESULT GetProperty(IWbemClassObject* instance, const wchar_t* name, Value& value, bool& isNull,
                     const wchar_t* missing, bool verbose = false) {
     if (!instance) {
@@ -21,7 +23,7 @@ HRESULT GetProperty(IWbemClassObject* instance, const wchar_t* name, Value& valu
         return E_FAIL;
     }
     isNull = false;
-    _variant_t variant;
+    Holder variant;
     CIMTYPE type = CIM_EMPTY;
     const HRESULT result = instance->Get(name, 0, &variant, &type, nullptr);
     if (FAILED(result) || result == WBEM_S_NO_MORE_DATA) {
@@ -135,6 +137,12 @@ HRESULT CQuillet::GetPropertyAsUINT64(IWbemClassObject* instance, const wchar_t*
 HRESULT CQuillet::GetPropertyAsString(IWbemClassObject* instance, const wchar_t* name, _bstr_t& value,
                                       bool& isNull) {
     return GetProperty(instance, name, value, isNull, L"GetPropertyAsString -> pInstance == NULL");
+}
+
+HRESULT CQuillet::GetPropertyAsSecret(IWbemClassObject* instance, const wchar_t* name, std::wstring& value,
+                                      bool& isNull) {
+    return GetProperty<SecretVariant>(instance, name, value, isNull,
+                                      L"GetPropertyAsString -> pInstance == NULL");
 }
 
 HRESULT CQuillet::GetPropertyArray(IWbemClassObject* instance, const wchar_t* name, std::vector<LONG>& values,

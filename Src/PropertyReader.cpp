@@ -41,6 +41,11 @@ PropertyReader& PropertyReader::String(const ProviderName& property, std::wstrin
     return Read(getter, L"GetPropertyAsString", property, value, failure);
 }
 
+PropertyReader& PropertyReader::Secret(const ProviderName& property, std::wstring& value,
+                                       const wchar_t* failure) {
+    return Read(CQuillet::GetPropertyAsSecret, L"GetPropertyAsString", property, value, failure);
+}
+
 PropertyReader& PropertyReader::Bool(const ProviderName& property, bool& value, const wchar_t* failure) {
     return Read(CQuillet::GetPropertyAsBool, L"GetPropertyAsBool", property, value, failure);
 }

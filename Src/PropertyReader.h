@@ -26,6 +26,9 @@ class PropertyReader {
     /// Each reads one property; `failure` replaces the usual trace text of a failed read.
     PropertyReader& String(const ProviderName& property, std::wstring& value,
                            const wchar_t* failure = nullptr);
+    /// As String, for a text that is a secret: no copy of it is left behind.
+    PropertyReader& Secret(const ProviderName& property, std::wstring& value,
+                           const wchar_t* failure = nullptr);
     PropertyReader& Bool(const ProviderName& property, bool& value, const wchar_t* failure = nullptr);
     PropertyReader& Int(const ProviderName& property, int& value, const wchar_t* failure = nullptr);
     PropertyReader& Long(const ProviderName& property, LONG& value, const wchar_t* failure = nullptr);

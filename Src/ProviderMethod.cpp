@@ -1,5 +1,6 @@
 #include "ProviderMethod.h"
 
+#include "SecretVariant.h"
 #include "Trace.h"
 
 using ATL::CComPtr;
@@ -27,20 +28,39 @@ ProviderMethod::ProviderMethod(const ProviderSession& session, const ProviderNam
     }
 }
 
-ProviderMethod& ProviderMethod::Put(const ProviderName& parameter, _variant_t value) {
-    if (Failed()) {
+ProviderMethod::ProviderMethod(const ProviderSession& session, const ProviderName& method)
+    : m_session(session), m_method(method), m_result(session.Result()) {}
+
+ProviderMethod& ProviderMethod::Spawn() {
+    if (Failed() || m_in) {
         return *this;
     }
-    if (!m_in) {
-        // Only a method that takes something has an in-signature to make the parameters from.
-        m_result = m_inSignature ? m_inSignature->SpawnInstance(0, &m_in) : RESULT_WBEM_FAILED;
-        if (SUCCEEDED(m_result) && !m_in) {
-            m_result = RESULT_WBEM_FAILED;
-        }
-        if (Failed()) {
-            Fail(m_result, L"SpawnInstance -> ", m_method);
-            return *this;
-        }
+    // Only a method that takes something has an in-signature to make the parameters from.
+    m_result = m_inSignature ? m_inSignature->SpawnInstance(0, &m_in) : RESULT_WBEM_FAILED;
+    if (SUCCEEDED(m_result) && !m_in) {
+        m_result = RESULT_WBEM_FAILED;
+    }
+    if (Failed()) {
+        Fail(m_result, L"SpawnInstance -> ", m_method);
+    }
+    return *this;
+}
+
+ProviderMethod& ProviderMethod::Put(const ProviderName& parameter, _variant_t value) {
+    return PutVariant(parameter, value);
+}
+
+ProviderMethod& ProviderMethod::PutSecret(const ProviderName& parameter, const std::wstring& text) {
+    if (Spawn().Failed()) {
+        return *this;
+    }
+    SecretVariant value(text);
+    return PutVariant(parameter, value);
+}
+
+ProviderMethod& ProviderMethod::PutVariant(const ProviderName& parameter, VARIANT& value) {
+    if (Spawn().Failed()) {
+        return *this;
     }
     m_result = m_in->Put(parameter.name, 0, &value, 0);
     if (Failed()) {

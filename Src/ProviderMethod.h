@@ -15,11 +15,17 @@ class ProviderMethod {
     /// Fetches the class object and the method's signature. A failed session fails the call, too.
     ProviderMethod(const ProviderSession& session, const ProviderName& className, const ProviderName& method,
                    ClassFetch fetch = ClassFetch::WithContext);
+    /// A method without in-parameters needs neither class nor signature: execute it and nothing else.
+    ProviderMethod(const ProviderSession& session, const ProviderName& method);
     ProviderMethod(const ProviderMethod&) = delete;
     ProviderMethod& operator=(const ProviderMethod&) = delete;
 
+    /// Makes the in-parameters, all of them unset; Put does so by itself.
+    ProviderMethod& Spawn();
     /// Sets one in-parameter; the provider sees them in the order of these calls.
     ProviderMethod& Put(const ProviderName& parameter, _variant_t value);
+    /// Sets one in-parameter to a text that is a secret: no copy of it is left behind.
+    ProviderMethod& PutSecret(const ProviderName& parameter, const std::wstring& text);
 
     /// Executes the method on the network service's own path.
     /// @param failure replaces the usual trace text of a failed execution.
@@ -38,6 +44,7 @@ class ProviderMethod {
     }
 
   private:
+    ProviderMethod& PutVariant(const ProviderName& parameter, VARIANT& value);
     void Fail(HRESULT result, const wchar_t* text, const ProviderName& name, const wchar_t* ending = L"");
 
     const ProviderSession& m_session;

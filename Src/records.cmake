@@ -4,6 +4,7 @@ include(GenerateExportHeader)
 set(QUILLET_RECORD_SOURCES
   ${CMAKE_CURRENT_LIST_DIR}/Records/Adapter.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Records/DiagTest.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/Records/LinkSecurity.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Records/Mappers.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Records/PerformanceProfile.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Records/Setting.cpp

@@ -14,6 +14,7 @@
 #include <quillet/DiagTest.h>
 #include <quillet/Export.h>
 #include <quillet/ISCSIAdapter.h>
+#include <quillet/LinkSecurity.h>
 #include <quillet/PerformanceProfile.h>
 #include <quillet/Setting.h>
 #include <quillet/SettingNames.h>
@@ -158,6 +159,58 @@ class QUILLET_API CQuillet {
                                          const _bstr_t& caption, CSettings& settings);
     /// @}
 
+    /// @name Link security
+    /// IEEE 802.1AE on one adapter, through methods of Zorel_PhysicalEthernetAdapter that are executed on the
+    /// adapter's path. An empty identifier is 0x80004005. A "ReturnValue" of the provider's is not looked at.
+    /// A text that the provider has not becomes empty, and what stands behind a failed read stays as it was.
+    ///
+    /// Keys and passwords pass as they are. Whatever the library itself held of them is overwritten before it
+    /// is freed, and no trace line tells them; the records are the caller's (see LinkSecurity.h).
+    /// @{
+
+    /// Reads the manually entered keys and their parameters (GetLinksecManualCfgKeys).
+    HRESULT GetAdapterLinksecManualAuthOptions(const std::wstring& adapterId, CAdapterManualAuthInfo& info);
+    /// Sets the manually entered keys and their parameters, all ten (SetLinksecManualCfgKeys).
+    /// @param driverReload whether the driver is reloaded, so that the change takes effect at once.
+    HRESULT SetAdapterLinksecManualAuthOptions(const std::wstring& adapterId,
+                                               const CAdapterManualAuthInfo& info, bool driverReload);
+    /// Reads how the adapter authenticates (GetLinksecParams).
+    HRESULT GetAdapterLinksecStrictPreferredOptions(const std::wstring& adapterId,
+                                                    CAdapterAuthTypeInfo& info);
+    /// Sets how the adapter authenticates (SetLinksecParams). With the outer method 1 no inner method and no
+    /// credentials are sent; an inner method of 0, and a user name or password that is empty, never are; the
+    /// PAC is sent with the outer method 4 only.
+    /// @param driverReload as above.
+    /// @return 0x80004005 for an outer method other than 1 to 4; nothing is set then. An inner method that is
+    ///         not known is the provider's to judge.
+    HRESULT SetAdapterLinksecStrictPreferredOptions(const std::wstring& adapterId,
+                                                    const CAdapterAuthTypeInfo& info, bool driverReload);
+    /// Reads the authentication methods alone (GetLinksecParams).
+    HRESULT GetAdapterLinksecEapType(const std::wstring& adapterId, CAdapterEAPInfo& info);
+    /// Imports a PAC file into the adapter's configuration (ImportManualPAC).
+    /// @param reload whether the driver is reloaded, so that the change takes effect at once.
+    HRESULT AdapterImportManualPAC(const std::wstring& adapterId, const CAdapterPACInfo& info, bool reload);
+    /// Removes an imported PAC file (DeletePacFile). Its name is the provider's to judge, an empty one too.
+    HRESULT DeletePacFile(const std::wstring& adapterId, std::wstring pacFile);
+    /// Reads what an imported PAC file holds (GetPACFileContents).
+    /// @param[in,out] info its `m_sPACFileName` says which. A kind that the provider does not tell is 0.
+    HRESULT GetAdapterPacFileContents(const std::wstring& adapterId, CAdapterPacFileInfo& info);
+    /// Sets the manually entered pairwise master key (SetLinksecManualPMKeys). The record's
+    /// `m_bRandMACAddress` says whether a random MAC address is used.
+    /// @param driverReload as above.
+    /// @param reserved     not used.
+    HRESULT SetAdapterManualPMKOptions(const std::wstring& adapterId, const CAdapterManualPMKInfo& info,
+                                       bool driverReload, bool reserved);
+    /// Reads the manually entered pairwise master key (GetLinksecManualPMKeys).
+    /// @param[out] randomMacAddress whether a random MAC address is used; the record's member stays.
+    HRESULT GetAdapterManualPMKOptions(const std::wstring& adapterId, CAdapterManualPMKInfo& info,
+                                       bool& randomMacAddress);
+    /// Reads the credentials that the adapter has saved (GetLinksecSavedCreds).
+    HRESULT GetAdapterSavedCredOptions(const std::wstring& adapterId, CAdapterLinksecSavedCredInfo& info);
+    /// Reads the log of security statistics, one text (GetLinksecSecurityStatsLog).
+    HRESULT GetAdapterLinksecSecurityStats(const std::wstring& adapterId, std::wstring& log);
+    /// @}
+
   private:
     friend struct QuilletTestAccess;
     friend class ProviderSession;
@@ -193,6 +246,9 @@ class QUILLET_API CQuillet {
     static HRESULT GetPropertyAsUINT64(IWbemClassObject* instance, const wchar_t* name, ULONGLONG& value,
                                        bool& isNull);
     static HRESULT GetPropertyAsString(IWbemClassObject* instance, const wchar_t* name, _bstr_t& value,
+                                       bool& isNull);
+    // As a text that is a secret: overwritten wherever it was but in the value.
+    static HRESULT GetPropertyAsSecret(IWbemClassObject* instance, const wchar_t* name, std::wstring& value,
                                        bool& isNull);
     static HRESULT GetPropertyArray(IWbemClassObject* instance, const wchar_t* name,
                                     std::vector<LONG>& values, int* count);

@@ -4,6 +4,7 @@
 #include <quillet/Adapter.h>
 #include <quillet/DiagTest.h>
 #include <quillet/ISCSIAdapter.h>
+#include <quillet/LinkSecurity.h>
 #include <quillet/PerformanceProfile.h>
 #include <quillet/PointerArray.h>
 #include <quillet/Setting.h>
