@@ -1,5 +1,6 @@
 // A physical adapter: blinking, and what it tells of itself beyond its properties.
 #include "ClassProvider.h"
+#include "LinkSecurity.h"
 #include "MachineState.h"
 
 namespace quillet::simulator {
@@ -25,6 +26,17 @@ class PhysicalAdapterProvider final : public ClassProvider {
              [](MethodCall& made) {
                  return Tell(made, {{L"dwAdapterWarnings", L"AdapterWarnings"}});
              }},
+            {L"GetLinksecManualCfgKeys", TellLinkSecurity},
+            {L"SetLinksecManualCfgKeys", ChangeLinkSecurity},
+            {L"GetLinksecParams", TellLinkSecurity},
+            {L"SetLinksecParams", ChangeLinkSecurityAuthentication},
+            {L"ImportManualPAC", ImportPacFile},
+            {L"DeletePacFile", DeletePacFile},
+            {L"GetPACFileContents", TellPacFile},
+            {L"GetLinksecManualPMKeys", TellLinkSecurity},
+            {L"SetLinksecManualPMKeys", ChangeLinkSecurity},
+            {L"GetLinksecSavedCreds", TellLinkSecurity},
+            {L"GetLinksecSecurityStatsLog", TellLinkSecurity},
         };
         const auto handler = handlers.find(call.method.name);
         if (handler == handlers.end()) {
