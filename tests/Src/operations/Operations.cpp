@@ -5,6 +5,7 @@ const std::vector<PreparedOperation>& Operations() {
     static const std::vector<PreparedOperation> all = [] {
         std::vector<PreparedOperation> prepared;
         for (const OperationArea& area : {
+                 LinkSecurityOperations(),
                  ReadingOperations(),
              }) {
             for (const OperationCase& operation : area.operations) {

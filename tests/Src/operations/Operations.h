@@ -51,6 +51,7 @@ struct OperationArea {
 };
 
 // The areas; each is listed in Operations.cpp.
+OperationArea LinkSecurityOperations();
 OperationArea ReadingOperations();
 
 /// An operation with the machine of its area.
