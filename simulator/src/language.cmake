@@ -16,5 +16,5 @@ set(QUILLET_SIMULATOR_LANGUAGE_SOURCES
 list(TRANSFORM QUILLET_SIMULATOR_LANGUAGE_SOURCES PREPEND ${CMAKE_CURRENT_LIST_DIR}/../)
 
 add_library(quillet_simulator_language STATIC ${QUILLET_SIMULATOR_LANGUAGE_SOURCES})
-target_include_directories(quillet_simulator_language PUBLIC ${CMAKE_CURRENT_LIST_DIR}/../include)
-target_link_libraries(quillet_simulator_language PUBLIC Quillet::platform PRIVATE Quillet::warnings)
+target_include_directories(quillet_simulator_language PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_LIST_DIR}/../include>)
+target_link_libraries(quillet_simulator_language PUBLIC Quillet::platform PRIVATE $<BUILD_INTERFACE:Quillet::warnings>)

@@ -1,0 +1,65 @@
+# What `cmake --install` puts where, and what `cpack` makes of it: the library (static and shared), its headers,
+# the provider simulator, quilletctl, a CMake package and a pkg-config file.
+include(CMakePackageConfigHelpers)
+
+# Apart from the system's own headers: some of ours have the names of the Windows SDK's.
+set(platform_include ${CMAKE_INSTALL_INCLUDEDIR}/quillet-sdk)
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Quillet)
+
+set(installed quillet quillet_shared quillet_simulator quillet_simulator_language quillet_platform)
+set_target_properties(quillet_platform PROPERTIES EXPORT_NAME platform)
+set_target_properties(quillet_simulator PROPERTIES EXPORT_NAME simulator)
+set_target_properties(quillet_simulator_language PROPERTIES EXPORT_NAME simulator_language)
+install(TARGETS ${installed} EXPORT QuilletTargets
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+foreach(library IN LISTS installed)
+  target_include_directories(${library} INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+endforeach()
+
+install(DIRECTORY include/quillet ${PROJECT_BINARY_DIR}/include/quillet DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY simulator/include/quillet-simulator DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  FILES_MATCHING PATTERN "*.h")
+if(NOT QUILLET_HAVE_ATLBASE)
+  install(FILES platform/atl/atlbase.h DESTINATION ${platform_include})
+endif()
+if(NOT WIN32)
+  install(DIRECTORY platform/include/ DESTINATION ${platform_include} FILES_MATCHING PATTERN "*.h")
+endif()
+if(NOT QUILLET_HAVE_ATLBASE)
+  target_include_directories(quillet_platform INTERFACE $<INSTALL_INTERFACE:${platform_include}>)
+  set(pkgconfig_sdk "-I\${includedir}/quillet-sdk ")
+endif()
+
+install(EXPORT QuilletTargets NAMESPACE Quillet:: DESTINATION ${package_dir})
+configure_package_config_file(cmake/QuilletConfig.cmake.in QuilletConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(QuilletConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/QuilletConfig.cmake ${PROJECT_BINARY_DIR}/QuilletConfigVersion.cmake
+  DESTINATION ${package_dir})
+
+if(WIN32)
+  set(pkgconfig_libraries "-lwbemuuid -lole32 -loleaut32 -ladvapi32 -luuid")
+else()
+  set(pkgconfig_libraries "-lquillet_platform -pthread")
+endif()
+# The file finds its prefix from where it lies.
+file(RELATIVE_PATH pkgconfig_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+configure_file(cmake/quillet.pc.in quillet.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/quillet.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+set(CPACK_PACKAGE_VENDOR "Quillet")
+set(CPACK_PACKAGE_CONTACT "Quillet developers <quillet@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})
+set(CPACK_STRIP_FILES ON)
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+else()
+  set(CPACK_GENERATOR DEB)
+  set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+  set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+  set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+endif()
+include(CPack)
