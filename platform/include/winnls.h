@@ -34,6 +34,13 @@ int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR text, int leng
 int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR text, int length, LPSTR buffer, int size,
                                LPCSTR defaultChar, LPBOOL usedDefault);
 
+#define CSTR_LESS_THAN 1
+#define CSTR_EQUAL 2
+#define CSTR_GREATER_THAN 3
+/// Compares by characters, in no language's order. A length of -1 takes the text up to its terminator.
+/// @return one of the above; 0, with the last error set, for a null text or another negative length.
+int WINAPI CompareStringOrdinal(LPCWSTR left, int leftLength, LPCWSTR right, int rightLength,
+                                BOOL ignoreCase);
 int WINAPI lstrcmpW(LPCWSTR left, LPCWSTR right);
 int WINAPI lstrcmpiW(LPCWSTR left, LPCWSTR right);
 int WINAPI lstrlenW(LPCWSTR text);

@@ -109,6 +109,22 @@ int WINAPI lstrlenW(LPCWSTR text) {
     return text ? static_cast<int>(std::wcslen(text)) : 0;
 }
 
+int WINAPI CompareStringOrdinal(LPCWSTR left, int leftLength, LPCWSTR right, int rightLength,
+                                BOOL ignoreCase) {
+    if (!left || !right || leftLength < -1 || rightLength < -1) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    const auto text = [](LPCWSTR characters, int length) {
+        return length < 0 ? std::wstring_view(characters)
+                          : std::wstring_view(characters, static_cast<std::size_t>(length));
+    };
+    const std::wstring_view a = text(left, leftLength);
+    const std::wstring_view b = text(right, rightLength);
+    const int order = ignoreCase ? FoldCase(a).compare(FoldCase(b)) : a.compare(b);
+    return order < 0 ? CSTR_LESS_THAN : order > 0 ? CSTR_GREATER_THAN : CSTR_EQUAL;
+}
+
 int WINAPI lstrcmpW(LPCWSTR left, LPCWSTR right) {
     if (!left || !right)
         return left ? 1 : right ? -1 : 0;

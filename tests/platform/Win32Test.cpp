@@ -527,4 +527,17 @@ TEST(Encodings, WideTextsCompare) {
     EXPECT_NE(lstrcmpW(L"a", L"b"), 0);
 }
 
+TEST(Encodings, WideTextsCompareByTheirCharacters) {
+    EXPECT_EQ(CompareStringOrdinal(L"B\u00fcro", -1, L"b\u00dcRO", -1, TRUE), CSTR_EQUAL);
+    EXPECT_NE(CompareStringOrdinal(L"B\u00fcro", -1, L"b\u00dcRO", -1, FALSE), CSTR_EQUAL);
+    EXPECT_EQ(CompareStringOrdinal(L"a", -1, L"b", -1, TRUE), CSTR_LESS_THAN);
+    EXPECT_EQ(CompareStringOrdinal(L"b", -1, L"a", -1, FALSE), CSTR_GREATER_THAN);
+    EXPECT_EQ(CompareStringOrdinal(L"ab", -1, L"a", -1, FALSE), CSTR_GREATER_THAN);
+    EXPECT_EQ(CompareStringOrdinal(L"abc", 2, L"abd", 2, FALSE), CSTR_EQUAL);
+    EXPECT_EQ(CompareStringOrdinal(L"", 0, L"", -1, TRUE), CSTR_EQUAL);
+    EXPECT_EQ(CompareStringOrdinal(nullptr, 0, L"", 0, TRUE), 0);
+    EXPECT_EQ(CompareStringOrdinal(L"a", -2, L"a", -1, TRUE), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
+}
+
 } // namespace
