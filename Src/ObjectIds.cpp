@@ -1,6 +1,7 @@
 #include "ObjectIds.h"
 
 #include "Lum2InstUtility.h"
+#include "Trace.h"
 
 using Helper = CZorel_EthernetAdapterMgrHelper;
 
@@ -28,5 +29,18 @@ bool ObjectIdFromPath(ObjectKind kind, const std::wstring& path, std::wstring& o
         return false;
     }
     objectId = found;
+    return true;
+}
+
+bool LogicalAdapterOfTeam(const std::wstring& teamPath, std::wstring& adapterPath) {
+    adapterPath.clear();
+    std::wstring objectId;
+    if (!ObjectIdFromPath(ObjectKind::Team, teamPath, objectId)) {
+        return false;
+    }
+    ATL::CComBSTR path;
+    Helper::MakePathFromObjectId(1, objectId.c_str(), path, Helper::LogicalAdapter);
+    TraceText(L"Logical Ethernet Adapter Path");
+    adapterPath.assign(path.m_str, path.Length());
     return true;
 }

@@ -10,5 +10,9 @@ enum class ObjectKind {
     Vlan
 };
 
+/// The relative path of the logical adapter that stands for a team, by the team's own path; traced
+/// "Logical Ethernet Adapter Path". False, and an empty path, when the text is no team's path.
+bool LogicalAdapterOfTeam(const std::wstring& teamPath, std::wstring& adapterPath);
+
 /// False, and an empty identifier, when the text is no path or not one of this kind.
 bool ObjectIdFromPath(ObjectKind kind, const std::wstring& path, std::wstring& objectId);

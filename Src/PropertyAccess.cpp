@@ -2,14 +2,13 @@
 // provider, and the switch of a context to partial retrieval.
 #include <quillet/Quillet.h>
 
-#include "ResultCodes.h"
+#include "ProviderSession.h"
 #include "SafeArray.h"
 #include "SecretVariant.h"
 #include "Trace.h"
 #include "VariantValue.h"
 
 using ATL::CComBSTR;
-using ATL::CComPtr;
 
 namespace {
 
@@ -157,37 +156,21 @@ HRESULT CQuillet::GetPropertyArray(IWbemClassObject* instance, const wchar_t* na
 
 HRESULT CQuillet::WriteProperty(IWbemClassObject* instance, const wchar_t* name, VARIANT& value,
                                 const wchar_t* disconnected) {
-    CComPtr<IWbemServices> service;
-    service.Attach(GetWbemService());
-    CComPtr<IWbemContext> context;
-    context.Attach(GetContext());
-    if (!service || !context) {
-        TraceText(disconnected);
-        return RESULT_WBEM_FAILED;
+    const ProviderSession session(*this, disconnected);
+    if (FAILED(session.Result())) {
+        return session.Result();
     }
     // These two lines name the text form for every type.
     if (!instance) {
         TraceText(L"SetPropertyAsString -> pInstance == NULL");
         return E_FAIL;
     }
-    HRESULT result = instance->Put(name, 0, &value, 0);
+    const HRESULT result = instance->Put(name, 0, &value, 0);
     if (FAILED(result)) {
         TraceText(L"SetPropertyAsString -> pInstance->Put, rbstrName");
         return result;
     }
-    CComPtr<IWbemCallResult> callResult;
-    result = service->PutInstance(instance, WBEM_FLAG_USE_AMENDED_QUALIFIERS | WBEM_FLAG_RETURN_IMMEDIATELY,
-                                  context, &callResult);
-    if (FAILED(result)) {
-        return result;
-    }
-    if (!callResult) {
-        TraceText(L"PutInstance -> pWbemCallResult -> NULL");
-        return RESULT_WBEM_FAILED;
-    }
-    LONG status = WBEM_S_NO_ERROR;
-    result = callResult->GetCallStatus(static_cast<LONG>(WBEM_INFINITE), &status);
-    return FAILED(result) ? result : status;
+    return session.Commit(instance, nullptr, nullptr);
 }
 
 HRESULT CQuillet::SetPropertyAsLong(IWbemClassObject* instance, const wchar_t* name, const LONG& value) {

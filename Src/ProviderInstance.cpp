@@ -3,7 +3,7 @@
 #include "Trace.h"
 
 ProviderInstance::ProviderInstance(const ProviderSession& session, const std::wstring& path,
-                                   const wchar_t* failure)
+                                   const wchar_t* failure, const wchar_t* missing)
     : m_result(session.Result()) {
     if (Failed()) {
         return;
@@ -12,7 +12,18 @@ ProviderInstance::ProviderInstance(const ProviderSession& session, const std::ws
     if (Failed()) {
         TraceText(failure);
     } else if (!m_object) {
-        TraceText(failure, L" -> NULL");
+        TraceText(missing ? missing : failure, missing ? L"" : L" -> NULL");
         m_result = RESULT_WBEM_FAILED;
     }
+}
+
+HRESULT ProviderInstance::Put(const ProviderName& property, _variant_t value) const {
+    if (Failed()) {
+        return m_result;
+    }
+    const HRESULT result = m_object->Put(property.name, 0, &value, 0);
+    if (FAILED(result)) {
+        TraceText(L"Put -> ", property.symbol);
+    }
+    return result;
 }

@@ -8,8 +8,11 @@
 class ProviderInstance {
   public:
     /// Fetches the object with the thread's context. A failed session fails the fetch, too.
-    /// @param failure the trace text of a failed fetch; " -> NULL" is added when success brought no object.
-    ProviderInstance(const ProviderSession& session, const std::wstring& path, const wchar_t* failure);
+    /// @param failure the trace text of a failed fetch; " -> NULL" is added when success brought no object,
+    ///                unless there is a text of its own for that
+    /// @param missing that text
+    ProviderInstance(const ProviderSession& session, const std::wstring& path, const wchar_t* failure,
+                     const wchar_t* missing = nullptr);
     ProviderInstance(const ProviderInstance&) = delete;
     ProviderInstance& operator=(const ProviderInstance&) = delete;
 
@@ -17,6 +20,10 @@ class ProviderInstance {
     HRESULT Result() const { return m_result; }
     bool Failed() const { return FAILED(m_result); }
     IWbemClassObject* Get() const { return m_object; }
+
+    /// Sets a property of the object in the client's hands; ProviderSession::Commit writes it back. A failure
+    /// is traced "Put -> <symbol>".
+    HRESULT Put(const ProviderName& property, _variant_t value) const;
 
     /// A reader of the object's properties. @param variable what trace lines call the object.
     PropertyReader Read(const wchar_t* variable,

@@ -104,6 +104,14 @@ ProviderMethod& ProviderMethod::Exec(const wchar_t* path, const wchar_t* variabl
     return *this;
 }
 
+ProviderMethod& ProviderMethod::NeedAnswer(const wchar_t* failure) {
+    if (!Failed() && !m_out) {
+        TraceText(failure);
+        m_result = RESULT_WBEM_FAILED;
+    }
+    return *this;
+}
+
 void ProviderMethod::Fail(HRESULT result, const wchar_t* text, const ProviderName& name,
                           const wchar_t* ending) {
     LumTrace().Print(L"%s%s%s", text, name.symbol, ending);

@@ -34,6 +34,9 @@ class ProviderMethod {
     /// @param variable what trace lines call the path.
     ProviderMethod& Exec(const wchar_t* path, const wchar_t* variable, const wchar_t* failure = nullptr);
 
+    /// Ends the call when the method brought no out-parameters. @param failure the trace text of that.
+    ProviderMethod& NeedAnswer(const wchar_t* failure);
+
     /// 0 or more while everything went well, else the code of the step that failed.
     HRESULT Result() const { return m_result; }
     bool Failed() const { return FAILED(m_result); }

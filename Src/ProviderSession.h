@@ -30,6 +30,14 @@ class ProviderSession {
     /// Enumerates a class with the thread's context. @param failure the trace text of a failed one.
     HRESULT Enumerate(const ProviderName& className, ProviderEnum& instances, const wchar_t* failure) const;
 
+    /// Writes a changed instance back and waits until the provider has done it: the result is the write's
+    /// final status.
+    /// @param failure the trace text of a write that is refused at once; null for none
+    /// @param outcome the trace text of one that fails in the end; null for none
+    HRESULT Commit(IWbemClassObject* instance, const wchar_t* failure, const wchar_t* outcome) const;
+    /// Deletes an instance with the thread's context. @param failure the trace text of a failed one.
+    HRESULT Delete(const std::wstring& path, const wchar_t* failure) const;
+
   private:
     static constexpr const wchar_t* MISSING = L"((pIWbemService == NULL) || (pIWbemContext == NULL))";
 
