@@ -32,6 +32,14 @@ void Request::RequireFollowup(LONG action) {
     m_machine.Internals().sets.Require(m_clientSet, action);
 }
 
+void Request::Changed(const ClassDefinition& definition) {
+    for (const auto& [className, action] : m_machine.Internals().followUps) {
+        if (definition.IsA(className)) {
+            RequireFollowup(action);
+        }
+    }
+}
+
 void MethodCall::Answer(std::wstring_view name, std::int64_t number) {
     if (out.definition == nullptr) {
         return;

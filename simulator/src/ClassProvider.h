@@ -22,6 +22,9 @@ class Request {
     void RequireFollowup(LONG action);
     /// What a method is to answer instead of doing anything, when a fault says so.
     std::optional<LONG> verdict;
+    /// To be called after a change of an instance of this class: asks for the follow-up action that the
+    /// machine's own description says.
+    void Changed(const ClassDefinition& definition);
     /// Tells the reader of the journal what a stricter machine would have refused.
     void Note(std::wstring text) { m_note = std::move(text); }
     const std::wstring& Notes() const noexcept { return m_note; }
@@ -66,6 +69,10 @@ using ClassProviders = std::map<std::wstring, std::unique_ptr<ClassProvider>, Na
 
 /// "BeginApply", "Apply" and "GetKavlorWarnings" of Zorel_NetService.
 std::unique_ptr<ClassProvider> MakeNetServiceProvider();
+/// "CreateVLAN" of Zorel_802dot1QVLANService.
+std::unique_ptr<ClassProvider> MakeVlanServiceProvider();
+/// Changing and removing a Zorel_VLAN.
+std::unique_ptr<ClassProvider> MakeVlanProvider();
 /// "IdentifyAdapter", "GetHbaPath", "GetNDISVersion" and "GetAdapterWarnings" of
 /// Zorel_PhysicalEthernetAdapter.
 std::unique_ptr<ClassProvider> MakePhysicalAdapterProvider();

@@ -210,6 +210,7 @@ HRESULT Dispatcher::Query(std::wstring_view text, std::vector<ProvidedObject>& f
 
 HRESULT Dispatcher::ExecMethod(Request& request, std::wstring_view text, std::wstring_view name,
                                const Instance* given, InstancePtr& out) const {
+    const std::lock_guard lock(m_machine.Internals().changes);
     ObjectPath path;
     if (const HRESULT parsed = ParsePath(text, path); FAILED(parsed)) {
         return parsed;
@@ -251,6 +252,7 @@ HRESULT Dispatcher::ExecMethod(Request& request, std::wstring_view text, std::ws
 }
 
 HRESULT Dispatcher::PutInstance(Request& request, const Instance& instance, Repository::Write mode) const {
+    const std::lock_guard lock(m_machine.Internals().changes);
     // An object of another schema, of a SELECT with a list or of a method's signature is not the provider's.
     if (m_machine.Store().FindClass(instance.definition->name) != instance.definition) {
         return HRESULT(WBEM_E_INVALID_OBJECT);
@@ -261,10 +263,16 @@ HRESULT Dispatcher::PutInstance(Request& request, const Instance& instance, Repo
     if (const HRESULT allowed = request.Change(); FAILED(allowed)) {
         return allowed;
     }
-    return m_machine.Internals().ProviderOf(*instance.definition).PutInstance(request, instance, mode);
+    const HRESULT result =
+        m_machine.Internals().ProviderOf(*instance.definition).PutInstance(request, instance, mode);
+    if (SUCCEEDED(result)) {
+        request.Changed(*instance.definition);
+    }
+    return result;
 }
 
 HRESULT Dispatcher::DeleteInstance(Request& request, std::wstring_view text) const {
+    const std::lock_guard lock(m_machine.Internals().changes);
     ObjectPath path;
     if (const HRESULT parsed = ParsePath(text, path); FAILED(parsed)) {
         return parsed;
@@ -283,7 +291,13 @@ HRESULT Dispatcher::DeleteInstance(Request& request, std::wstring_view text) con
     if (const HRESULT allowed = request.Change(); FAILED(allowed)) {
         return allowed;
     }
-    return m_machine.Internals().ProviderOf(*instance->definition).DeleteInstance(request, path, *instance);
+    const auto& definition = *instance->definition;
+    const HRESULT result =
+        m_machine.Internals().ProviderOf(definition).DeleteInstance(request, path, *instance);
+    if (SUCCEEDED(result)) {
+        request.Changed(definition);
+    }
+    return result;
 }
 
 } // namespace quillet::simulator

@@ -120,12 +120,17 @@ Machine::State::State(const Repository& prototype, const MachineOptions& options
     : store(prototype), strict(options.strict) {
     providers[L"Zorel_NetService"] = MakeNetServiceProvider();
     providers[L"Zorel_PhysicalEthernetAdapter"] = MakePhysicalAdapterProvider();
+    providers[L"Zorel_802dot1QVLANService"] = MakeVlanServiceProvider();
+    providers[L"Zorel_VLAN"] = MakeVlanProvider();
 }
 
 void Machine::State::Configure(const std::string& fileName) {
     if (const auto description = Description(store)) {
         strict = strict || description->Number(L"Strict") != 0;
         clock.FollowRealTime(description->Number(L"FollowRealTime") != 0);
+    }
+    for (const auto& followUp : store.Instances(L"QuilletSimulator_FollowUp")) {
+        followUps[followUp->Text(L"ClassName")] = static_cast<LONG>(followUp->Number(L"Action"));
     }
     for (const auto& fault : store.Instances(L"QuilletSimulator_Fault")) {
         auto rule = ReadFault(fileName, *fault);

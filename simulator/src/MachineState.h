@@ -6,6 +6,8 @@
 #include "ClientSets.h"
 #include "SimulatedClock.h"
 
+#include <mutex>
+
 namespace quillet::simulator {
 
 struct Machine::State {
@@ -24,6 +26,8 @@ struct Machine::State {
     BlinkingLights blinking;
     ClassProviders providers;
     ClassProvider plain;
+    std::map<std::wstring, LONG, NameLess> followUps; ///< what changes of a class ask for
+    std::mutex changes; ///< held by a call that may change the machine: what it looks up stays true meanwhile
     bool strict = false;
 };
 

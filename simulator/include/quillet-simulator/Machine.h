@@ -19,8 +19,8 @@ struct MachineOptions {
 };
 
 /// One instance of QuilletSimulator_Machine in its text sets the server name (where the options leave it
-/// empty), strictness, clock and warnings of a machine; each instance of QuilletSimulator_Fault is a fault
-/// rule.
+/// empty), strictness and clock of a machine; each instance of QuilletSimulator_FollowUp says what changes of
+/// a class ask for, and each instance of QuilletSimulator_Fault is a fault rule.
 class Machine {
   public:
     /// The provider's schema with no instance but the network service.
