@@ -209,6 +209,24 @@ inline constexpr ProviderName L_CLASS_ZOREL_TEAMEDMEMBERADAPTER{L"L_CLASS_ZOREL_
 inline constexpr ProviderName L_PROP_TEAMEDMEMBERADAPTER_GROUPCOMPONENT{
     L"L_PROP_TEAMEDMEMBERADAPTER_GROUPCOMPONENT", L"GroupComponent"};
 
+// Teams.
+inline constexpr ProviderName L_CLASS_ZOREL_TEAMOFADAPTERS{L"L_CLASS_ZOREL_TEAMOFADAPTERS",
+                                                           L"Zorel_TeamOfAdapters"};
+
+// VLANs and the services that make them. Their properties are called parameters, as they are when a VLAN is
+// made.
+inline constexpr ProviderName L_CLASS_ZOREL_VLAN{L"L_CLASS_ZOREL_VLAN", L"Zorel_VLAN"};
+inline constexpr ProviderName L_CLASS_ZOREL_VLANSERVICE{L"L_CLASS_ZOREL_VLANSERVICE",
+                                                        L"Zorel_802dot1QVLANService"};
+inline constexpr ProviderName L_PARAM_VLAN_CAPTION{L"L_PARAM_VLAN_CAPTION", L"Caption"};
+inline constexpr ProviderName L_PARAM_VLAN_NAME{L"L_PARAM_VLAN_NAME", L"Name"};
+inline constexpr ProviderName L_PARAM_VLAN_PARENTID{L"L_PARAM_VLAN_PARENTID", L"ParentID"};
+inline constexpr ProviderName L_PARAM_VLAN_VLANNAME{L"L_PARAM_VLAN_VLANNAME", L"VLANName"};
+inline constexpr ProviderName L_PARAM_VLAN_NUMBER{L"L_PARAM_VLAN_NUMBER", L"VLANNumber"};
+inline constexpr ProviderName L_PARAM_VLAN_STATUS{L"L_PARAM_VLAN_STATUS", L"StatusInfo"};
+inline constexpr ProviderName L_METHOD_VLAN_CREATE{L"L_METHOD_VLAN_CREATE", L"CreateVLAN"};
+inline constexpr ProviderName L_PARAM_VLAN_PATH{L"L_PARAM_VLAN_PATH", L"VLANPath"};
+
 // Advanced settings, by owner.
 inline constexpr ProviderName L_CLASS_ZOREL_ADAPTER_SETTING{L"L_CLASS_ZOREL_ADAPTER_SETTING",
                                                             L"Zorel_AdapterSetting"};

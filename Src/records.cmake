@@ -11,7 +11,8 @@ set(QUILLET_RECORD_SOURCES
   ${CMAKE_CURRENT_LIST_DIR}/Records/SettingEnum.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Records/SettingNames.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Records/Team.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/Records/Text.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/Records/Text.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/Records/VLANTexts.cpp)
 
 add_library(quillet_records OBJECT ${QUILLET_RECORD_SOURCES})
 target_include_directories(quillet_records PUBLIC

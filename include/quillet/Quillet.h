@@ -20,6 +20,7 @@
 #include <quillet/SettingNames.h>
 #include <quillet/Team.h>
 #include <quillet/VLAN.h>
+#include <quillet/VLANTexts.h>
 
 class CLumString;
 class ProviderSession;
@@ -211,6 +212,78 @@ class QUILLET_API CQuillet {
     HRESULT GetAdapterLinksecSecurityStats(const std::wstring& adapterId, std::wstring& log);
     /// @}
 
+    /// @name VLANs
+    /// VLANs sit on a parent, which is an adapter or a team. An empty identifier is 0x80041001 unless an
+    /// operation says otherwise. CVLANTexts has the words for people.
+    /// @{
+
+    /// Appends the VLANs of an adapter (Zorel_VLAN). When one cannot be read, those before it stay.
+    HRESULT EnumerateVLANsOfAdapter(const std::wstring& adapterId, CVLANs& vlans);
+    /// The same for the VLANs of a team, by the team's path.
+    HRESULT EnumerateVLANsOfTeam(const std::wstring& teamId, CVLANs& vlans);
+    /// Reads one VLAN. @return 0x80041001 when the provider leaves one of its properties open.
+    HRESULT GetVLANInfo(const std::wstring& vlanId, CVLAN& vlan);
+    /// Reads "StatusInfo" of a VLAN.
+    HRESULT GetVlanStatus(const std::wstring& vlanId, CVLAN::VlanStatus& status);
+    /// The VLAN's full object path for its object identifier (GUID text).
+    HRESULT GetVLANID(const std::wstring& objectId, std::wstring& vlanId);
+    /// Whether VLANs may be put on an adapter or a team, by its path.
+    /// @return 0 when they may; CVLAN::ParentIsTeamMember (0x1000) for a team's member; 0x80004005 for an
+    ///         empty identifier or a team's that cannot be read; the provider's code (mostly 0x80041002) when
+    ///         there is no VLAN service (Zorel_802dot1QVLANService); 0x80041001 when the membership cannot be
+    ///         looked up.
+    HRESULT ParentSupportingVLAN(const std::wstring& componentId);
+    /// @}
+
+    /// @name Checks of VLANs before they are added or changed
+    /// Each returns a mask of CVLAN::Problem, 0 for none, and never fails: a parent whose VLANs cannot be
+    /// read counts as one without.
+    /// @{
+
+    /// Checks one tagged VLAN: its ID (1 to 4094), its ID and name against the parent's VLANs (but not
+    /// against itself, told by CVLAN::m_wsName), and, unless SetVlanIsModify says that none is added, their
+    /// number.
+    ULONGLONG CreateVLANAdapterCheck(const std::wstring& adapterId, const CVLAN& vlan);
+    ULONGLONG CreateVLANTeamCheck(const std::wstring& teamId, const CVLAN& vlan);
+    /// Checks the untagged VLAN (ID 0), which may only be added beside tagged ones.
+    ULONGLONG CreateUnTaggedVLANAdapterCheck(const std::wstring& adapterId, const CVLAN& vlan);
+    ULONGLONG CreateUnTaggedVLANTeamCheck(const std::wstring& teamId, const CVLAN& vlan);
+    /// Checks several tagged VLANs in the order of their IDs. Only the first and the last one's ID is checked
+    /// for its range, and they are not compared with each other.
+    ULONGLONG CreateMultipleVLANAdapterCheck(const std::wstring& adapterId, const CVLANs& vlans);
+    ULONGLONG CreateMultipleVLANTeamCheck(const std::wstring& teamId, const CVLANs& vlans);
+    /// The same for either kind of parent.
+    ULONGLONG CheckForUniqueIDForUnTaggedVLAN(const std::wstring& parentId, bool isTeam, const CVLAN& vlan);
+    ULONGLONG CheckForUniqueIDForMultipleVLANs(const std::wstring& parentId, bool isTeam,
+                                               const CVLANs& vlans);
+    /// CVLAN::IDTaken when the parent has a VLAN of this ID.
+    ULONGLONG CheckForUntaggedVLANOnAdapter(const std::wstring& adapterId, int vlanNumber);
+    ULONGLONG CheckForUntaggedVLANOnTeam(const std::wstring& teamId, int vlanNumber);
+    /// How many tagged VLANs the parent has.
+    int CheckForTaggedVLANOnAdapter(const std::wstring& adapterId);
+    int CheckForTaggedVLANOnTeam(const std::wstring& teamId);
+    /// Removes every element that equals the value.
+    static void RemoveIntVectorElement(std::vector<int>& values, int value);
+    /// @}
+
+    /// @name Changes of VLANs
+    /// An empty identifier is 0x80041001.
+    /// @{
+
+    /// Makes a VLAN on an adapter (Zorel_802dot1QVLANService.CreateVLAN).
+    /// @param[in,out] vlan its number (below 4096; 0 for the untagged VLAN) and its VLAN name, which must not
+    ///                be empty; filled from the new VLAN. After a failure it is what it was.
+    HRESULT AddVLANToAdapter(const std::wstring& adapterId, CVLAN& vlan);
+    /// The same on a team, by the team's path.
+    HRESULT AddVLANToTeam(const std::wstring& teamId, CVLAN& vlan);
+    /// Writes the record's VLAN name and VLAN number, both, into the VLAN.
+    HRESULT ModifyVLANProperty(const std::wstring& vlanId, const CVLAN& vlan);
+    HRESULT RemoveVLAN(const std::wstring& vlanId);
+    /// Says that the checks which follow are about a change of a VLAN, not an addition; false at first.
+    void SetVlanIsModify(bool isModify);
+    bool GetVlanIsModify() const;
+    /// @}
+
   private:
     friend struct QuilletTestAccess;
     friend class ProviderSession;
@@ -291,6 +364,19 @@ class QUILLET_API CQuillet {
                                DWORD selector);
     HRESULT GetSettingOnTeamOrAdapter(const std::vector<std::wstring>& adapterIds, CSettings& settings,
                                       bool& onAll, SettingName name);
+
+    // VLANs.
+    struct VLANParent;
+    HRESULT EnumerateVLANsOfParent(const VLANParent& parent, const std::wstring& id, CVLANs& vlans);
+    HRESULT EnumerateVLANsOfComponent(const _bstr_t& parentId, CVLANs& vlans);
+    static HRESULT AppendVLAN(IWbemClassObject* instance, CVLANs& vlans);
+    static HRESULT GetVLANInfo(const ATL::CComPtr<IWbemClassObject>& instance, CVLAN& vlan);
+    HRESULT GetVLANService(const std::wstring& componentId, ATL::CComPtr<IWbemClassObject>& service);
+    HRESULT AddVLANToComponent(const std::wstring& componentId, CVLAN& vlan);
+    CVLANs ExistingVLANs(const std::wstring& parentId, bool isTeam);
+    ULONGLONG CheckForUniqueID(const std::wstring& parentId, bool isTeam, const CVLAN& vlan);
+    ULONGLONG CheckForUntaggedVLAN(const std::wstring& parentId, bool isTeam, int vlanNumber);
+    int CheckForTaggedVLAN(const std::wstring& parentId, bool isTeam);
 
     // Display texts from the qualifiers of a property.
     HRESULT GetDataFromValues(const ProviderName& className, const ProviderName& property, LONG code,

@@ -117,6 +117,25 @@ struct QuilletTestAccess {
     }
     static CDataCenter::DCBStatus GetDCBStatus(LONG lStatus) { return CQuillet::GetDCBStatus(lStatus); }
 
+    // --- VLANs ---
+    static HRESULT EnumerateVLANsOfComponent(CQuillet& quillet, const _bstr_t& parentId, CVLANs& vlans) {
+        return quillet.EnumerateVLANsOfComponent(parentId, vlans);
+    }
+    static HRESULT GetVLANInfo(const ATL::CComPtr<IWbemClassObject>& instance, CVLAN& vlan) {
+        return CQuillet::GetVLANInfo(instance, vlan);
+    }
+    static HRESULT GetVLANService(CQuillet& quillet, const std::wstring& componentId,
+                                  ATL::CComPtr<IWbemClassObject>& service) {
+        return quillet.GetVLANService(componentId, service);
+    }
+    static HRESULT AddVLANToComponent(CQuillet& quillet, const std::wstring& componentId, CVLAN& vlan) {
+        return quillet.AddVLANToComponent(componentId, vlan);
+    }
+    static ULONGLONG CheckForUniqueID(CQuillet& quillet, const std::wstring& parentId, bool isTeam,
+                                      const CVLAN& vlan) {
+        return quillet.CheckForUniqueID(parentId, isTeam, vlan);
+    }
+
     // --- members ---
     static DWORD& ServiceCookie(CQuillet& quillet) { return quillet.m_dwService; }
     static DWORD& NetServiceCookie(CQuillet& quillet) { return quillet.m_dwNetService; }

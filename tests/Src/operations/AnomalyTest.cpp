@@ -76,6 +76,9 @@ class AnomalyTest : public OperationsTest {
     }
 
     HRESULT Expected(const JournalEntry& call) const {
+        if (GetParam().operation.neverFails) {
+            return S_OK;
+        }
         if (call.operation == Operation::SetBlanket) {
             return static_cast<HRESULT>(WBEM_E_FAILED); // no service to be had
         }

@@ -7,6 +7,7 @@ const std::vector<PreparedOperation>& Operations() {
         for (const OperationArea& area : {
                  LinkSecurityOperations(),
                  ReadingOperations(),
+                 VLANOperations(),
              }) {
             for (const OperationCase& operation : area.operations) {
                 prepared.push_back({operation, area.machine, area.changes});

@@ -39,6 +39,8 @@ struct OperationCase {
     std::function<HRESULT(const JournalEntry& failed, HRESULT code)> documented = {};
     /// Whether the operation is to go on with other provider calls after this one failed.
     std::function<bool(const JournalEntry& failed)> goesOn = {};
+    /// An operation without a result code, which answers whatever happens.
+    bool neverFails = false;
 };
 
 /// Operations that share a machine.
@@ -53,6 +55,7 @@ struct OperationArea {
 // The areas; each is listed in Operations.cpp.
 OperationArea LinkSecurityOperations();
 OperationArea ReadingOperations();
+OperationArea VLANOperations();
 
 /// An operation with the machine of its area.
 struct PreparedOperation {
