@@ -6,7 +6,7 @@
 #include "Trace.h"
 #include "VariantValue.h"
 
-#include <memory>
+#include <new>
 
 using ATL::CComBSTR;
 
@@ -65,7 +65,11 @@ HRESULT CQuillet::GetAdapterDynamicInfo(const std::wstring& adapterId, CAdapter&
         return instance.Result();
     }
     // The adapter has its record from here on, also when a read fails: what was read is worth showing.
-    CAdapterDynamicInfo& info = *(adapter.m_pAdapterDynamicInfo = new CAdapterDynamicInfo);
+    adapter.m_pAdapterDynamicInfo = new (std::nothrow) CAdapterDynamicInfo;
+    if (!adapter.m_pAdapterDynamicInfo) {
+        return trace.Fail(E_FAIL, L"rAdapter.m_pAdapterDynamicInfo == NULL");
+    }
+    CAdapterDynamicInfo& info = *adapter.m_pAdapterDynamicInfo;
     PropertyReader read = instance.Read(L"pInstanceHandle");
     LONG number = 0;
     if (read.Long(L_PROP_ETHERNETADAPTER_SPEED, number).Found()) {
@@ -97,7 +101,10 @@ HRESULT CQuillet::GetAdapterStatus(const std::wstring& adapterId, CAdapter& adap
         return instance.Result();
     }
     if (!adapter.m_pAdapterDynamicInfo) {
-        adapter.m_pAdapterDynamicInfo = new CAdapterDynamicInfo;
+        adapter.m_pAdapterDynamicInfo = new (std::nothrow) CAdapterDynamicInfo;
+        if (!adapter.m_pAdapterDynamicInfo) {
+            return trace.Fail(E_FAIL, L"rAdapter.m_pAdapterDynamicInfo == NULL");
+        }
     }
     return instance.Read(L"pInstanceHandle")
         .Long(L_PROP_ETHERNETADAPTER_ADAPTERSTATUS, adapter.m_pAdapterDynamicInfo->m_lAdapterStatus)
@@ -133,7 +140,11 @@ HRESULT CQuillet::GetAdapterCapabilities(const std::wstring& adapterId, CAdapter
     if (FAILED(result)) {
         return trace.Fail(result, L"SafeArrayGetUBound -> vAdapterCapabilities.parray");
     }
-    CAdapterCapInfo& capabilities = *(adapter.m_pAdapterCapabilities = new CAdapterCapInfo);
+    adapter.m_pAdapterCapabilities = new (std::nothrow) CAdapterCapInfo;
+    if (!adapter.m_pAdapterCapabilities) {
+        return trace.Fail(E_FAIL, L"rAdapter.m_pAdapterCapabilities == NULL");
+    }
+    CAdapterCapInfo& capabilities = *adapter.m_pAdapterCapabilities;
     for (LONGLONG index = lower; index <= upper; ++index) {
         LONG code = 0;
         // A code that cannot be read is one that the adapter does not have.

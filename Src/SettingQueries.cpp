@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <set>
 
 using ATL::CComPtr;
@@ -19,16 +20,20 @@ namespace {
 constexpr DWORD ALL_SETTINGS = 0xFFFFFFFF;
 constexpr DWORD VMQ_SETTINGS = 256;
 
+/// Makes an empty setting of one kind; null without memory.
+using MakeSetting = std::unique_ptr<CSetting> (*)();
+
 template <typename Setting>
 std::unique_ptr<CSetting> Make() {
-    return std::make_unique<Setting>();
+    return std::unique_ptr<CSetting>(new (std::nothrow) Setting);
 }
 
-/// The kind of a setting by its class name. The order decides for a name that holds two of the words.
-std::unique_ptr<CSetting> SettingOfClass(const std::wstring& className) {
+/// The kind of a setting by its class name; null for a name that holds none of the words. The order decides
+/// for one that holds two.
+MakeSetting KindOfClass(const std::wstring& className) {
     struct Kind {
         const wchar_t* word;
-        std::unique_ptr<CSetting> (*make)();
+        MakeSetting make;
     };
     static constexpr Kind kinds[] = {
         {L"Int", Make<CSettingInt>},       {L"MultiString", Make<CSettingMultiString>},
@@ -37,7 +42,7 @@ std::unique_ptr<CSetting> SettingOfClass(const std::wstring& className) {
     };
     for (const Kind& kind : kinds) {
         if (className.find(kind.word) != std::wstring::npos) {
-            return kind.make();
+            return kind.make;
         }
     }
     return nullptr;
@@ -110,11 +115,16 @@ HRESULT CQuillet::AppendSetting(IWbemClassObject* instance, CSettings& settings)
     if (read.String(L_ZOREL_CLASS, className).String(L_ZOREL_PATH, path).Failed()) {
         return read.Result();
     }
-    std::unique_ptr<CSetting> setting = SettingOfClass(className);
-    if (!setting) {
+    const MakeSetting make = KindOfClass(className);
+    if (!make) {
         // A kind that a later provider knows must not hide the settings that are known.
         LumTrace().Print(L"PROBLEM%s", className.c_str());
         return S_OK;
+    }
+    std::unique_ptr<CSetting> setting = make();
+    if (!setting) {
+        TraceText(L"pSetting == NULL");
+        return E_FAIL;
     }
     const wchar_t* reader = nullptr;
     const HRESULT result = ReadSetting(instance, setting.get(), reader);

@@ -20,6 +20,29 @@ struct QuilletTestAccess {
         return quillet.GetDataFromValueMap(className, property, code, text);
     }
 
+    // --- settings ---
+    static HRESULT GetSetting(IWbemClassObject* instance, CSetting* setting) {
+        return CQuillet::GetSetting(instance, setting);
+    }
+    static HRESULT GetIntSetting(IWbemClassObject* instance, CSettingInt* setting) {
+        return CQuillet::GetIntSetting(instance, setting);
+    }
+    static HRESULT GetStringSetting(IWbemClassObject* instance, CSettingString* setting) {
+        return CQuillet::GetStringSetting(instance, setting);
+    }
+    static HRESULT GetEnumSetting(IWbemClassObject* instance, CSettingEnum* setting) {
+        return CQuillet::GetEnumSetting(instance, setting);
+    }
+    static HRESULT GetSliderSetting(IWbemClassObject* instance, CSettingSlider* setting) {
+        return CQuillet::GetSliderSetting(instance, setting);
+    }
+    static HRESULT GetMultiSetting(IWbemClassObject* instance, CSettingMultiSelection* setting) {
+        return CQuillet::GetMultiSetting(instance, setting);
+    }
+    static HRESULT GetMultiStringSetting(IWbemClassObject* instance, CSettingMultiString* setting) {
+        return CQuillet::GetMultiStringSetting(instance, setting);
+    }
+
     // --- session ---
     static ATL::CComPtr<IWbemServices> GetWbemService(CQuillet& quillet) {
         return Owned(quillet.GetWbemService());

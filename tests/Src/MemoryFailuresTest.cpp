@@ -1,0 +1,125 @@
+// Records that cannot be allocated. The operations ask for their records without exceptions, and this program
+// makes such an allocation fail.
+#include "ProviderTest.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+/// Counts down the allocations that may fail without an exception and have this size (0: any, for the
+/// platform makes its own that way, too); the one that finds it at 1 fails.
+int g_failAt = 0;
+std::size_t g_size = 0;
+
+bool Fails(std::size_t size) noexcept {
+    return g_failAt > 0 && (g_size == 0 || size == g_size) && --g_failAt == 0;
+}
+
+} // namespace
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return Fails(size) ? nullptr : ::operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return Fails(size) ? nullptr : ::operator new[](size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+namespace {
+
+using testing::Contains;
+
+class MemoryFailuresTest : public ProviderTest {
+  protected:
+    void SetUp() override {
+        UseText(R"(
+            instance of Zorel_NetService { Name = "ZorelNetService"; };
+            instance of Zorel_PhysicalEthernetAdapter as $A {
+                DeviceID = "{A}"; Name = "a"; Capabilities = {3}; OriginalDisplayName = "a"; SlotID = "1"; AdapterStatus = 1; };
+            instance of Zorel_PhysicalEthernetAdapter as $B {
+                DeviceID = "{B}"; Name = "b"; OriginalDisplayName = "b"; SlotID = "1"; AdapterStatus = 1; };
+            instance of Zorel_AdapterSettingString { Caption = "S"; ParentId = "{A}"; ParentType = "NIC"; };
+            instance of Zorel_AdapterSettingString { Caption = "T"; ParentId = "{A}"; ParentType = "NIC"; };
+            instance of Zorel_TeamOfAdapters as $T { Name = "{T}"; };
+            instance of Zorel_TeamedMemberAdapter { GroupComponent = $T; PartComponent = $A; };
+            instance of Zorel_TeamedMemberAdapter { GroupComponent = $T; PartComponent = $B; };)");
+        Connect();
+    }
+    void TearDown() override {
+        g_failAt = 0;
+        g_size = 0;
+    }
+};
+
+TEST_F(MemoryFailuresTest, EnumerateAdapters_NoMemoryForTheSecondRecord_KeepsTheFirst) {
+    CAdapters adapters;
+    g_failAt = 2;
+    g_size = sizeof(CAdapter);
+    EXPECT_EQ(Code(quillet.EnumerateAdapters(adapters)), "0x80004005");
+    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+    EXPECT_EQ(adapters.m_vecItems.size(), 1u);
+    EXPECT_THAT(Traced(), Contains("pAdapter == NULL"));
+}
+
+TEST_F(MemoryFailuresTest, Ports_NoMemoryForTheSecondRecord_KeepsTheFirst) {
+    CAdapterPorts ports;
+    g_failAt = 2;
+    g_size = sizeof(CAdapterPort);
+    EXPECT_EQ(
+        Code(quillet.EnumerateOtherPortOfAdapter(LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")", ports)),
+        "0x80004005");
+    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+    EXPECT_EQ(ports.m_vecItems.size(), 1u);
+    EXPECT_THAT(Traced(), Contains("Mem alloc problem in CAdapterPort *pAdapterPort"));
+}
+
+TEST_F(MemoryFailuresTest, AdapterInformation_NoMemoryForTheRecord_FailsAndLeavesTheAdapterWithoutOne) {
+    const std::wstring path = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+    CAdapter adapter;
+    g_size = sizeof(CAdapterDynamicInfo);
+    g_failAt = 1;
+    EXPECT_EQ(Code(quillet.GetAdapterDynamicInfo(path, adapter)), "0x80004005");
+    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+    EXPECT_EQ(adapter.m_pAdapterDynamicInfo, nullptr);
+    EXPECT_THAT(Traced(), Contains("rAdapter.m_pAdapterDynamicInfo == NULL"));
+    g_failAt = 1;
+    EXPECT_EQ(Code(quillet.GetAdapterStatus(path, adapter)), "0x80004005");
+    EXPECT_EQ(adapter.m_pAdapterDynamicInfo, nullptr);
+    g_size = sizeof(CAdapterCapInfo);
+    g_failAt = 1;
+    EXPECT_EQ(Code(quillet.GetAdapterCapabilities(path, adapter)), "0x80004005");
+    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+    EXPECT_EQ(adapter.m_pAdapterCapabilities, nullptr);
+    EXPECT_THAT(Traced(), Contains("rAdapter.m_pAdapterCapabilities == NULL"));
+}
+
+TEST_F(MemoryFailuresTest, Settings_NoMemoryForTheSecondRecord_KeepsTheFirst) {
+    CSettings settings;
+    g_failAt = 2;
+    g_size = sizeof(CSettingString);
+    EXPECT_EQ(Code(quillet.GetAdapterSettings(LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")", settings)),
+              "0x80004005");
+    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+    EXPECT_EQ(settings.m_vecItems.size(), 1u);
+    EXPECT_THAT(Traced(), Contains("pSetting == NULL"));
+}
+
+TEST_F(MemoryFailuresTest, InitQuillet_NoMemoryForThePrivileges_IsThatCodeAndSendsNothing) {
+    quillet.UninitQuillet();
+    Calls();
+    g_failAt = 1;
+    EXPECT_EQ(Code(quillet.InitQuillet()), "0x80041006");
+    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+    EXPECT_THAT(Called(), testing::IsEmpty());
+}
+
+} // namespace
