@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -27,6 +28,12 @@ class Syntax {
     /// An option with a number, such as "--lines".
     void Number(const std::string& name, std::uint32_t& value, std::uint32_t least, std::uint32_t most,
                 const std::string& description);
+    /// The same with nothing as its default.
+    void Number(const std::string& name, std::optional<LONG>& value, LONG least, LONG most,
+                const std::string& description);
+    /// An option with a text; `kind` is how the help calls that.
+    void Text(const std::string& name, std::optional<std::string>& value, const std::string& kind,
+              const std::string& description);
     /// An option with one of a few words, such as "--of".
     void Choice(const std::string& name, std::string& value, const std::vector<std::string>& words,
                 const std::string& description);

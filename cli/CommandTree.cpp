@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace quilletctl {
@@ -41,6 +42,25 @@ const char* NameOf(CommandTree::Group group) {
 void Syntax::Number(const std::string& name, std::uint32_t& value, std::uint32_t least, std::uint32_t most,
                     const std::string& description) {
     m_app.add_option(name, value, description)->check(CLI::Range(least, most))->capture_default_str();
+}
+
+void Syntax::Number(const std::string& name, std::optional<LONG>& value, LONG least, LONG most,
+                    const std::string& description) {
+    CLI::Option& option = *m_app.add_option_function<LONG>(
+        name, [&value](const LONG& given) { value = given; }, description);
+    option.type_name("NUMBER");
+    // A range that leaves nothing out would only fill the help.
+    if (least != std::numeric_limits<LONG>::min() || most != std::numeric_limits<LONG>::max()) {
+        option.check(CLI::Range(least, most));
+    }
+}
+
+void Syntax::Text(const std::string& name, std::optional<std::string>& value, const std::string& kind,
+                  const std::string& description) {
+    m_app
+        .add_option_function<std::string>(
+            name, [&value](const std::string& given) { value = given; }, description)
+        ->type_name(kind);
 }
 
 void Syntax::Choice(const std::string& name, std::string& value, const std::vector<std::string>& words,

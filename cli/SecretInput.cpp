@@ -1,0 +1,77 @@
+// Reading secrets without leaving copies of them behind.
+#include "SecretInput.h"
+
+#include "Text.h"
+
+#include <windows.h>
+
+namespace quilletctl {
+
+namespace {
+
+/// The bytes of the character that begins with this one.
+std::size_t LengthOfCharacter(char first) {
+    const auto byte = static_cast<unsigned char>(first);
+    return byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC0 ? 2 : 1;
+}
+
+} // namespace
+
+SecretLine::~SecretLine() {
+    SecureZeroMemory(m_bytes, sizeof m_bytes);
+}
+
+void SecretLine::Append(char byte) {
+    if (m_length == LONGEST_SECRET) {
+        throw UsageError("a secret has at most " + std::to_string(LONGEST_SECRET) + " bytes");
+    }
+    m_bytes[m_length++] = byte;
+}
+
+void SecretLine::MoveTo(std::wstring& secret) const {
+    std::string_view rest = Text();
+    if (rest.ends_with('\r')) {
+        rest.remove_suffix(1);
+    }
+    // A string that has to grow frees its old block as it is.
+    SecureZeroMemory(secret.data(), secret.size() * sizeof(wchar_t));
+    secret.clear();
+    secret.reserve(rest.size());
+    while (!rest.empty()) {
+        // A character at a time: no other string ever holds the whole.
+        const std::string_view character = rest.substr(0, LengthOfCharacter(rest.front()));
+        secret += ToWide(character);
+        rest.remove_prefix(character.size());
+    }
+}
+
+void SecretInput::Declare(Syntax& syntax) {
+    syntax.Number("--secret-fd", m_descriptor, 0, 65535,
+                  "Read secrets from this file descriptor, a line each, instead of asking");
+}
+
+void SecretInput::Read(const std::string& asked, std::wstring& secret) const {
+    if (!m_descriptor) {
+        if (!AskTerminal(asked + ": ", secret)) {
+            throw UsageError("a secret is needed, and there is no terminal to ask on; give --secret-fd");
+        }
+        return;
+    }
+    SecretLine line;
+    char byte = '\0';
+    bool isLine = false;
+    while (ReadByte(static_cast<int>(*m_descriptor), byte)) {
+        isLine = true;
+        if (byte == '\n') {
+            break;
+        }
+        line.Append(byte);
+    }
+    byte = '\0';
+    if (!isLine) {
+        throw UsageError("--secret-fd: no line is left for \"" + asked + "\"");
+    }
+    line.MoveTo(secret);
+}
+
+} // namespace quilletctl
