@@ -1,6 +1,7 @@
 #include "ObjectIds.h"
 
 #include "Lum2InstUtility.h"
+#include "Records/Text.h"
 #include "Trace.h"
 
 using Helper = CZorel_EthernetAdapterMgrHelper;
@@ -30,6 +31,23 @@ bool ObjectIdFromPath(ObjectKind kind, const std::wstring& path, std::wstring& o
     }
     objectId = found;
     return true;
+}
+
+bool NameTheSameObject(const std::wstring& left, const std::wstring& right) {
+    if (left == right) {
+        return true;
+    }
+    const std::wstring* paths[] = {&left, &right};
+    CLumWmiAutoParsedObjectPath parsed[2];
+    wchar_t* objectIds[2] = {};
+    for (int i = 0; i < 2; ++i) {
+        if (parsed[i].Parse(paths[i]->c_str()) != 0 ||
+            !Helper::GetObjectIdFromPath(&parsed[i], objectIds[i])) {
+            return false;
+        }
+    }
+    return quillet::EqualsIgnoringCase(parsed[0].ClassName(), parsed[1].ClassName()) &&
+           quillet::EqualsIgnoringCase(objectIds[0], objectIds[1]);
 }
 
 bool LogicalAdapterOfTeam(const std::wstring& teamPath, std::wstring& adapterPath) {

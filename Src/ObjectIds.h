@@ -16,3 +16,7 @@ bool LogicalAdapterOfTeam(const std::wstring& teamPath, std::wstring& adapterPat
 
 /// False, and an empty identifier, when the text is no path or not one of this kind.
 bool ObjectIdFromPath(ObjectKind kind, const std::wstring& path, std::wstring& objectId);
+
+/// Whether two paths name the same object, whatever their form: with or without the server, with keys in
+/// either case. Texts that are no such paths are the same object only where they are the same text.
+bool NameTheSameObject(const std::wstring& left, const std::wstring& right);

@@ -1,5 +1,6 @@
 #include "ProviderMethod.h"
 
+#include "SafeArray.h"
 #include "SecretVariant.h"
 #include "Trace.h"
 
@@ -67,6 +68,19 @@ ProviderMethod& ProviderMethod::PutVariant(const ProviderName& parameter, VARIAN
         Fail(m_result, L"Put -> ", parameter);
     }
     return *this;
+}
+
+ProviderMethod& ProviderMethod::Put(const ProviderName& parameter, const std::vector<std::wstring>& texts) {
+    if (Failed()) {
+        return *this;
+    }
+    _variant_t array;
+    if (!MakeTextArray(texts, array)) {
+        TraceText(L"(NULL == pSafeArray) -> Create fail");
+        m_result = RESULT_WBEM_FAILED;
+        return *this;
+    }
+    return Put(parameter, array);
 }
 
 ProviderMethod& ProviderMethod::ExecOnNetService(const wchar_t* failure) {

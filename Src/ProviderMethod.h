@@ -26,6 +26,8 @@ class ProviderMethod {
     ProviderMethod& Put(const ProviderName& parameter, _variant_t value);
     /// Sets one in-parameter to a text that is a secret: no copy of it is left behind.
     ProviderMethod& PutSecret(const ProviderName& parameter, const std::wstring& text);
+    /// The same with a list of texts, as a VT_ARRAY | VT_BSTR.
+    ProviderMethod& Put(const ProviderName& parameter, const std::vector<std::wstring>& texts);
 
     /// Executes the method on the network service's own path.
     /// @param failure replaces the usual trace text of a failed execution.

@@ -32,6 +32,7 @@ inline constexpr ProviderName L_PARAM_ALLWARNINGS{L"L_PARAM_ALLWARNINGS", L"Warn
 inline constexpr ProviderName L_CLASS_ZOREL_ETHERNETADAPTER{L"L_CLASS_ZOREL_ETHERNETADAPTER",
                                                             L"Zorel_PhysicalEthernetAdapter"};
 inline constexpr ProviderName L_PROP_ETHERNETADAPTER_NAME{L"L_PROP_ETHERNETADAPTER_NAME", L"Name"};
+inline constexpr ProviderName L_PROP_ETHERNETADAPTER_CAPTION{L"L_PROP_ETHERNETADAPTER_CAPTION", L"Caption"};
 inline constexpr ProviderName L_PROP_ETHERNETADAPTER_ORIGNAME{L"L_PROP_ETHERNETADAPTER_ORIGNAME",
                                                               L"OriginalDisplayName"};
 inline constexpr ProviderName L_PROP_ETHERNETADAPTER_DEVICEID{L"L_PROP_ETHERNETADAPTER_DEVICEID",
@@ -208,6 +209,82 @@ inline constexpr ProviderName L_CLASS_ZOREL_TEAMEDMEMBERADAPTER{L"L_CLASS_ZOREL_
                                                                 L"Zorel_TeamedMemberAdapter"};
 inline constexpr ProviderName L_PROP_TEAMEDMEMBERADAPTER_GROUPCOMPONENT{
     L"L_PROP_TEAMEDMEMBERADAPTER_GROUPCOMPONENT", L"GroupComponent"};
+inline constexpr ProviderName L_PROP_TEAMEDMEMBERADAPTER_PARTCOMPONENT{
+    L"L_PROP_TEAMEDMEMBERADAPTER_PARTCOMPONENT", L"PartComponent"};
+inline constexpr ProviderName L_PROP_TEAMEDMEMBERADAPTER_ADAPTERFUNCTION{
+    L"L_PROP_TEAMEDMEMBERADAPTER_ADAPTERFUNCTION", L"AdapterFunction"};
+inline constexpr ProviderName L_PROP_TEAMEDMEMBERADAPTER_ADAPTERSTATUS{
+    L"L_PROP_TEAMEDMEMBERADAPTER_ADAPTERSTATUS", L"AdapterStatus"};
+
+// Teams.
+inline constexpr ProviderName L_CLASS_ZOREL_TEAMOFADAPTERS{L"L_CLASS_ZOREL_TEAMOFADAPTERS",
+                                                           L"Zorel_TeamOfAdapters"};
+inline constexpr ProviderName L_PROP_TEAMOFADAPTERS_NAME{L"L_PROP_TEAMOFADAPTERS_NAME", L"Name"};
+inline constexpr ProviderName L_PROP_TEAMOFADAPTERS_CAPTION{L"L_PROP_TEAMOFADAPTERS_CAPTION", L"Caption"};
+inline constexpr ProviderName L_PROP_TEAMOFADAPTERS_TEAMINGMODE{L"L_PROP_TEAMOFADAPTERS_TEAMINGMODE",
+                                                                L"TeamingMode"};
+inline constexpr ProviderName L_PROP_TEAMOFADAPTERS_MFOENABLED{L"L_PROP_TEAMOFADAPTERS_MFOENABLED",
+                                                               L"MFOEnabled"};
+inline constexpr ProviderName L_PROP_TEAMOFADAPTERS_LINKSECENABLED{L"L_PROP_TEAMOFADAPTERS_LINKSECENABLED",
+                                                                   L"LinksecEnabled"};
+inline constexpr ProviderName L_PROP_TEAMOFADAPTERS_TEAMMACADDRESS{L"L_PROP_TEAMOFADAPTERS_TEAMMACADDRESS",
+                                                                   L"TeamMacAddress"};
+inline constexpr ProviderName L_PROP_TEAMOFADAPTERS_BOUNDTOHYPERV{L"L_PROP_TEAMOFADAPTERS_BOUNDTOHYPERV",
+                                                                  L"BoundToHyperV"};
+inline constexpr ProviderName L_PROP_TEAMOFADAPTERS_TEAMPREFIX{L"L_PROP_TEAMOFADAPTERS_TEAMPREFIX",
+                                                               L"TeamPrefix"};
+inline constexpr ProviderName L_METHOD_TEAMOFADAPTERS_CREATETEAM{L"L_METHOD_TEAMOFADAPTERS_CREATETEAM",
+                                                                 L"CreateTeam"};
+inline constexpr ProviderName L_METHOD_TEAMOFADAPTERS_VALIDATETEAMNAME{
+    L"L_METHOD_TEAMOFADAPTERS_VALIDATETEAMNAME", L"ValidateTeamName"};
+inline constexpr ProviderName L_METHOD_TEAMOFADAPTERS_VALIDATETEAMMODE{
+    L"L_METHOD_TEAMOFADAPTERS_VALIDATETEAMMODE", L"ValidateTeamMode"};
+inline constexpr ProviderName L_METHOD_TEAMOFADAPTERS_VALIDATENEWTEAMMEMBERS{
+    L"L_METHOD_TEAMOFADAPTERS_VALIDATENEWTEAMMEMBERS", L"ValidateNewTeamMembers"};
+inline constexpr ProviderName L_METHOD_TEAMOFADAPTERS_VALIDATEADDADAPTERS{
+    L"L_METHOD_TEAMOFADAPTERS_VALIDATEADDADAPTERS", L"ValidateAddAdapters"};
+inline constexpr ProviderName L_METHOD_TEAMOFADAPTERS_GETBESTTEAMMODE{
+    L"L_METHOD_TEAMOFADAPTERS_GETBESTTEAMMODE", L"GetBestTeamMode"};
+inline constexpr ProviderName L_METHOD_TEAMOFADAPTERS_TESTSWITCHCONFIGURATION{
+    L"L_METHOD_TEAMOFADAPTERS_TESTSWITCHCONFIGURATION", L"TestSwitchConfiguration"};
+inline constexpr ProviderName L_PARAM_TEAM_ADAPTERS{L"L_PARAM_TEAM_ADAPTERS", L"Adapters"};
+inline constexpr ProviderName L_PARAM_TEAM_NEWADAPTERS{L"L_PARAM_TEAM_NEWADAPTERS", L"NewAdapters"};
+inline constexpr ProviderName L_PARAM_TEAM_TEAMINGMODE{L"L_PARAM_TEAM_TEAMINGMODE", L"TeamingMode"};
+inline constexpr ProviderName L_PARAM_TEAM_NEWTEAMMODE{L"L_PARAM_TEAM_NEWTEAMMODE", L"NewTeamMode"};
+inline constexpr ProviderName L_PARAM_TEAM_TEAMNAME{L"L_PARAM_TEAM_TEAMNAME", L"TeamName"};
+inline constexpr ProviderName L_PARAM_TEAM_CAPTION{L"L_PARAM_TEAM_CAPTION", L"Caption"};
+inline constexpr ProviderName L_PARAM_TEAM_MFOENABLE{L"L_PARAM_TEAM_MFOENABLE", L"MFOEnable"};
+inline constexpr ProviderName L_PARAM_TEAM_LINKSECENABLED{L"L_PARAM_TEAM_LINKSECENABLED", L"LinksecEnabled"};
+inline constexpr ProviderName L_PARAM_TEAM_TEAMPROFILE{L"L_PARAM_TEAM_TEAMPROFILE", L"TeamProfile"};
+inline constexpr ProviderName L_PARAM_TEAM_TEAMPATH{L"L_PARAM_TEAM_TEAMPATH", L"TeamPath"};
+inline constexpr ProviderName L_PARAM_TEAM_VALRESULT{L"L_PARAM_TEAM_VALRESULT", L"ValResult"};
+inline constexpr ProviderName L_PARAM_TEAM_VALRESULTNEWTEAM{L"L_PARAM_TEAM_VALRESULTNEWTEAM",
+                                                            L"ValResultNewTeam"};
+inline constexpr ProviderName L_PARAM_TEAM_STATUS{L"L_PARAM_TEAM_STATUS", L"Status"};
+inline constexpr ProviderName L_PARAM_TEAM_PERCENTOFCOVERAGE{L"L_PARAM_TEAM_PERCENTOFCOVERAGE",
+                                                             L"PercentOfCoverage"};
+inline constexpr ProviderName L_PARAM_TEAM_ERRORMESSAGEID{L"L_PARAM_TEAM_ERRORMESSAGEID", L"ErrorMessageId"};
+inline constexpr ProviderName L_PARAM_TEAM_CMD{L"L_PARAM_TEAM_CMD", L"Cmd"};
+inline constexpr ProviderName L_PARAM_TEAM_CAUSE{L"L_PARAM_TEAM_CAUSE", L"strCause"};
+inline constexpr ProviderName L_PARAM_TEAM_SOLUTION{L"L_PARAM_TEAM_SOLUTION", L"strSolution"};
+inline constexpr ProviderName L_PARAM_TEAM_CAUSEMESSAGEID{L"L_PARAM_TEAM_CAUSEMESSAGEID", L"CauseMessageId"};
+inline constexpr ProviderName L_PARAM_TEAM_SOLUTIONMESSAGEID{L"L_PARAM_TEAM_SOLUTIONMESSAGEID",
+                                                             L"SolutionMessageId"};
+
+// The method of adapters that takes part in making a team; its name has a singular where the operation has a
+// plural.
+inline constexpr ProviderName L_METHOD_ETHERNETADAPTER_VALIDATESETTINGONNEWTEAM{
+    L"L_METHOD_ETHERNETADAPTER_VALIDATESETTINGONNEWTEAM", L"ValidateSettingOnNewTeam"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_SETTINGNAME{L"L_PARAM_ETHERNETADAPTER_SETTINGNAME",
+                                                                  L"SettingName"};
+
+// The virtual adapter of a team.
+inline constexpr ProviderName L_PROP_LOGICALETHERNETADAPTER_STATUSINFO{
+    L"L_PROP_LOGICALETHERNETADAPTER_STATUSINFO", L"StatusInfo"};
+inline constexpr ProviderName L_CLASS_ZOREL_NETWORKVIRTUALADAPTER{L"L_CLASS_ZOREL_NETWORKVIRTUALADAPTER",
+                                                                  L"Zorel_NetworkVirtualAdapter"};
+inline constexpr ProviderName L_PROP_NETWORKVIRTUALADAPTER_SAMEELEMENT{
+    L"L_PROP_NETWORKVIRTUALADAPTER_SAMEELEMENT", L"SameElement"};
 
 // Teams.
 inline constexpr ProviderName L_CLASS_ZOREL_TEAMOFADAPTERS{L"L_CLASS_ZOREL_TEAMOFADAPTERS",

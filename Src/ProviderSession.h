@@ -45,3 +45,18 @@ class ProviderSession {
     ATL::CComPtr<IWbemServices> m_service;
     ATL::CComPtr<IWbemContext> m_context;
 };
+
+/// Partial retrieval for a while: what is asked for in between brings only the data of a mode.
+class PartialRetrieval {
+  public:
+    PartialRetrieval(const ProviderSession& session, LONG mode) : m_session(session) {
+        m_session.Retrieve(mode);
+    }
+    /// On every path: the context may be the very one that the next operation gets.
+    ~PartialRetrieval() { m_session.Retrieve(ProviderSession::Everything); }
+    PartialRetrieval(const PartialRetrieval&) = delete;
+    PartialRetrieval& operator=(const PartialRetrieval&) = delete;
+
+  private:
+    const ProviderSession& m_session;
+};

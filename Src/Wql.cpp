@@ -27,6 +27,17 @@ std::wstring SelectWhere(const wchar_t* className, const wchar_t* property, cons
     return std::wstring(L"SELECT * FROM ") + className + L" WHERE " + property + L" = " + Quoted(value);
 }
 
+std::wstring SelectReferring(const wchar_t* className, const wchar_t* property, const std::wstring& path) {
+    std::wstring text = std::wstring(L"SELECT * FROM ") + className + L" WHERE " + property + L" = '";
+    for (const wchar_t character : path) {
+        if (character == L'\'') {
+            text += L'\\';
+        }
+        text += character;
+    }
+    return text + L'\'';
+}
+
 std::wstring Settings(const wchar_t* className, const std::wstring& parentId, const std::wstring& caption) {
     const std::wstring all = SelectWhere(className, L"ParentId", parentId);
     return caption.empty() ? all : all + L" AND Caption= " + Quoted(caption);

@@ -8,6 +8,9 @@ namespace Wql {
 
 /// SELECT * FROM Class WHERE Property = "value"
 std::wstring SelectWhere(const wchar_t* className, const wchar_t* property, const std::wstring& value);
+/// SELECT * FROM Class WHERE Property = 'path': the instances of an association that refer to an object. The
+/// path stands as it is, with its backslashes; only the quote that surrounds it is escaped in it.
+std::wstring SelectReferring(const wchar_t* className, const wchar_t* property, const std::wstring& path);
 /// The settings of an owner, all or those of one caption. The blanks around the second equals sign differ
 /// from those around the first; the provider takes both, and the text is kept as it has always been sent.
 std::wstring Settings(const wchar_t* className, const std::wstring& parentId, const std::wstring& caption);

@@ -11,6 +11,7 @@ set(QUILLET_RECORD_SOURCES
   ${CMAKE_CURRENT_LIST_DIR}/Records/SettingEnum.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Records/SettingNames.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Records/Team.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/Records/TeamTexts.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Records/Text.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Records/VLANTexts.cpp)
 

@@ -1,4 +1,5 @@
-// The provider's numbers for an adapter's state, turned into the enumerations of the records.
+// The provider's numbers for the state of an adapter and for the mode of a team, turned into the enumerations
+// of the records.
 #include <quillet/Quillet.h>
 
 CAdapterDynamicInfo::DuplexMode CQuillet::GetDuplex(const bool& fullDuplex) {
@@ -35,4 +36,11 @@ CDataCenter::DCBStatus CQuillet::GetDCBStatus(const LONG& status) {
     return status >= CDataCenter::DCBStatus0 && status <= CDataCenter::DCBStatus3
                ? static_cast<CDataCenter::DCBStatus>(status)
                : CDataCenter::DCBStatusUnknown;
+}
+
+CTeam::TeamMode CQuillet::GetTeamMode(const LONG& mode) {
+    // Read as unsigned, a negative number is a large one.
+    return static_cast<ULONG>(mode) <= static_cast<ULONG>(CTeam::TeamMode6)
+               ? static_cast<CTeam::TeamMode>(mode)
+               : CTeam::TeamModeUnknown;
 }

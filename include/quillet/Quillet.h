@@ -19,10 +19,12 @@
 #include <quillet/Setting.h>
 #include <quillet/SettingNames.h>
 #include <quillet/Team.h>
+#include <quillet/TeamTexts.h>
 #include <quillet/VLAN.h>
 #include <quillet/VLANTexts.h>
 
 class CLumString;
+class PropertyReader;
 class ProviderSession;
 struct ProviderName;
 
@@ -159,6 +161,127 @@ class QUILLET_API CQuillet {
     HRESULT GetSettingFromClassOnAdapter(const _bstr_t& className, const _bstr_t& parentId,
                                          const _bstr_t& caption, CSettings& settings);
     /// @}
+
+    /// @name Teams
+    /// A team is identified by its object path, an adapter by its own. An empty path is 0x80041001 unless an
+    /// operation says otherwise.
+    /// @{
+
+    /// Lists the teams (instances of Zorel_TeamOfAdapters).
+    /// @param[in,out] teams receives one record per team, behind those it already holds.
+    /// @return 0x80041001 when a team lacks a value; the teams read before it stay.
+    HRESULT EnumerateTeams(CTeams& teams);
+    /// Reads one team, its MAC address and its use by virtual machines included.
+    /// @return 0x80041001 whatever it is that cannot be read.
+    HRESULT GetTeamInfo(const std::wstring& teamId, CTeam& team);
+    /// The status of a team: "StatusInfo" of its logical adapter.
+    HRESULT GetTeamStatus(const std::wstring& teamId, CTeam::TeamStatus& status);
+    /// The object path of a team on this computer for an object identifier (GUID text). @return always 0.
+    HRESULT GetTeamID(const std::wstring& objectId, std::wstring& teamId);
+    /// Lists the members of a team with their roles and their status: what the provider says of a member
+    /// (Zorel_TeamedMemberAdapter), put right by the state of its adapter.
+    /// @param[in,out] members receives one record per member, behind those it already holds.
+    HRESULT GetMemberAdapters(const std::wstring& teamId, CTeamedAdapters& members);
+    /// Brings the roles and the status of members that have been listed up to date.
+    /// @return 0x80041001 for an empty list.
+    HRESULT GetMemberAdaptersStatus(const std::wstring& teamId, CTeamedAdapters& members);
+    /// Whether an adapter is the primary member of its team; false for one that is in no team.
+    HRESULT IsPrimaryAdapter(const std::wstring& adapterId, bool& primary);
+    /// How many members of a team are enabled ("AdapterStatus" is 1). A member that cannot be read is not
+    /// counted.
+    HRESULT GetNumberEnabledMembers(const std::wstring& teamId, int& count);
+    /// @}
+
+    /// @name Creating teams
+    /// The validation words are the provider's own: 0 is valid, any other value its reasons.
+    /// @{
+
+    /// Checks what is to become a team against the rules that need no more than the adapters' capabilities.
+    /// @param kind 0: only the name; 1 or 2: only the members; 3: both. Any other kind checks nothing.
+    /// @return the problems as `CTeam::Problem` bits, 0 for none. Never fails: a member whose capabilities
+    ///         cannot be read is left out of account.
+    ULONGLONG CreateTeamCheck(CTeam::TeamMode mode, const std::wstring& name, const CAdapters& members,
+                              int kind);
+    /// Makes a team (Zorel_TeamOfAdapters.CreateTeam) of the members in their order.
+    /// @param[out] team the new team's mode, caption, path and name.
+    /// @return 0x80041001 for an empty name, or when the provider answers without the new team's path. The
+    ///         provider's "ReturnValue" is read, but the path decides.
+    HRESULT CreateTeam(CTeam::TeamMode mode, const std::wstring& name, const CAdapters& members, CTeam& team,
+                       ePERFORMANCE_PROFILE profile, bool mfoEnable, bool linkSecEnable);
+    /// Asks the provider about a display name for a team (Zorel_TeamOfAdapters.ValidateTeamName).
+    /// @param objectPath the team that is to take the name; empty for a new team.
+    /// @return the provider's "ReturnValue" where that is not 0.
+    HRESULT ValidateTeamName(const std::wstring& name, const std::wstring& objectPath, DWORD& validation);
+    /// Asks the provider about a team mode (Zorel_TeamOfAdapters.ValidateTeamMode).
+    /// @param objectPath the team that is to take the mode; empty for a new team.
+    /// @return the provider's "ReturnValue" where that is not 0.
+    HRESULT ValidateTeamMode(CTeam::TeamMode mode, const std::wstring& objectPath, DWORD& validation);
+    /// Asks the provider whether adapters can make a team of a mode
+    /// (Zorel_TeamOfAdapters.ValidateNewTeamMembers). No adapters are valid.
+    /// @return the provider's "ReturnValue" where that is not 0.
+    HRESULT ValidateNewTeamMembers(const CAdapters& members, CTeam::TeamMode mode, ULONGLONG& validation);
+    /// Asks the provider whether adapters agree in the setting "*JumboPacket" well enough to be teamed
+    /// (Zorel_PhysicalEthernetAdapter.ValidateSettingOnNewTeam). No adapters are valid.
+    HRESULT ValidateSettingsOnNewTeam(const CAdapters& members, ULONGLONG& validation);
+    /// Asks the provider whether adapters can join a team (Zorel_TeamOfAdapters.ValidateAddAdapters).
+    /// @param current the members that the team has; the provider knows them itself.
+    HRESULT ValidateAddAdapters(const std::wstring& teamId, const CTeamedAdapters& current,
+                                const CAdapters& added, ULONGLONG& validation);
+    /// The prefix that the provider proposes for the names of new teams.
+    HRESULT GetTeamNamePrefix(std::wstring& prefix);
+    /// @}
+
+    /// @name Changing teams
+    /// Nothing is rolled back: after a failure the changes made so far stay.
+    /// @{
+
+    /// Makes the wanted adapters the members of a team: removes the memberships of the others, then adds
+    /// those that are missing. Adapters are compared by their identifiers, case included.
+    HRESULT ModifyMemberList(const std::wstring& teamId, const CTeamedAdapters& current,
+                             const CAdapters& wanted);
+    /// Changes a team's mode and display name to those of the record.
+    HRESULT ModifyTeamInfo(const std::wstring& teamId, const CTeam& team);
+    /// Changes a member's priority; 1 makes it the primary member.
+    /// @return 0x80041001 when the adapter is in no team.
+    HRESULT SetTeamedAdapterPriority(const std::wstring& memberId, LONG priority);
+    /// Removes a team. Its VLANs and memberships go with it.
+    HRESULT RemoveTeam(const std::wstring& teamId);
+    /// @}
+
+    /// @name Team wizard
+    /// @{
+
+    /// Marks which of the given adapters are members of a team (`CAdapter::m_bTeamed`). An adapter that the
+    /// provider does not know counts as free.
+    HRESULT GetTeamableAdapters(CAdapters& adapters);
+    /// Fills the adapter's collection of team modes anew, from its "Capabilities".
+    /// @return 0x80004005 for an empty identifier, 0x80041001 when there is no array of numbers.
+    HRESULT GetAdapterTeamModes(const std::wstring& adapterId, CAdapter& adapter);
+    /// The team modes that all given adapters support, in the order of the first adapter's. Mode 5 is for two
+    /// adapters at most.
+    /// @param[out] modes replaces what the collection holds.
+    /// @param refresh true reads the modes of every adapter; false only of those whose record has none. The
+    ///                records stay as they are.
+    /// @return 0x80004005 for an empty list.
+    HRESULT GetCompatibleTeamModesWithAdapters(const CAdapters& adapters, CTeamWizTeamModes& modes,
+                                               bool refresh);
+    /// The mode that the provider recommends for a team (Zorel_TeamOfAdapters.GetBestTeamMode).
+    /// @param[out] coverage how much of the network the search has seen, in per cent; 100 where the provider
+    ///                      does not say.
+    /// @return the provider's "ReturnValue" where that is not 0.
+    HRESULT GetBestTeamMode(const std::wstring& teamId, CTeamWizTeamMode& mode,
+                            CTeam::TeamAutoDetectStatus& status, unsigned int& coverage);
+    /// Starts, queries or stops the test of the switch that a team is connected to
+    /// (Zorel_TeamOfAdapters.TestSwitchConfiguration).
+    /// @param[out] causes, solutions, causeIds, solutionIds what the test found, in the provider's order;
+    /// they
+    ///             replace what the lists hold.
+    HRESULT TestSwitchConfiguration(const std::wstring& teamId, CTeam::SwitchCmd command,
+                                    CTeam::SwitchCmdStatus& status, std::vector<std::wstring>& causes,
+                                    std::vector<std::wstring>& solutions, std::vector<int>& causeIds,
+                                    std::vector<int>& solutionIds);
+    /// 0x2000 for a mode that needs the switch's cooperation, and so has a switch test; 0 for any other.
+    LONG TestSwitchSupport(CTeam::TeamMode mode);
 
     /// @name Link security
     /// IEEE 802.1AE on one adapter, through methods of Zorel_PhysicalEthernetAdapter that are executed on the
@@ -348,6 +471,7 @@ class QUILLET_API CQuillet {
     static CAdapterDynamicInfo::LinkSpeed GetLinkSpeed(const LONG& speed);
     static CAdapterDynamicInfo::LinkSecStatus GetLinkSecStatus(const LONG& status);
     static CDataCenter::DCBStatus GetDCBStatus(const LONG& status);
+    static CTeam::TeamMode GetTeamMode(const LONG& mode);
 
     // Settings.
     static HRESULT GetSetting(IWbemClassObject* instance, CSetting* setting);
@@ -387,6 +511,26 @@ class QUILLET_API CQuillet {
     // The ports of one adapter of a board.
     static HRESULT AppendPorts(const ProviderSession& session, IWbemClassObject* adapter,
                                CAdapterPorts& ports);
+
+    // Teams.
+    static void ReadTeam(PropertyReader& read, CTeam& team);
+    HRESULT GetTeamsEthernetAdapterPath(const std::wstring& teamId, _bstr_t& path);
+    bool CheckIfAdapterIsTeamed(const std::wstring& adapterId, std::wstring& teamId,
+                                const CAdapterPorts& ports);
+    static HRESULT AppendMembers(const ProviderSession& session, const std::wstring& teamId,
+                                 CTeamedAdapters& members);
+    HRESULT ReadMembership(IWbemClassObject* membership, CTeamedAdapter& member);
+    HRESULT ValidateTeamProperty(const ProviderName& method, const ProviderName& parameter,
+                                 const _variant_t& value, const std::wstring& objectPath, DWORD& validation);
+    static void GetNewAdaptersAddedToTeam(const CTeamedAdapters& current, const CAdapters& wanted,
+                                          std::vector<std::wstring>& added);
+    static void GetCurrentAdaptersStillInNewTeam(const CTeamedAdapters& current, const CAdapters& wanted,
+                                                 std::vector<std::wstring>& staying);
+    static HRESULT RemoveMembers(const ProviderSession& session, const std::wstring& teamId,
+                                 const std::vector<std::wstring>& removed);
+    static HRESULT AddMembers(const ProviderSession& session, const std::wstring& teamId,
+                              const std::vector<std::wstring>& added);
+    HRESULT FillTeamAttr(LONG capability, CTeamWizTeamModes* modes);
 
     DWORD m_dwService = 0;    ///< interface-table cookie of the IWbemServices; 0: none
     DWORD m_dwNetService = 0; ///< cookie of the Zorel_NetService instance; 0: none

@@ -6,6 +6,7 @@
 #include <quillet/Export.h>
 #include <quillet/PointerArray.h>
 
+#include <cstddef>
 #include <string>
 
 /// One team, an instance of "Zorel_TeamOfAdapters".
@@ -22,14 +23,46 @@ class QUILLET_API CTeam {
         TeamMode6 = 6,
         TeamModeUnknown = 255 ///< any other number of the provider's
     };
-    /// "StatusInfo" of the team's logical adapter: the provider's number, unchanged.
-    enum TeamStatus : LONG {};
-    /// "Status" of the search for the best team mode: the provider's number, unchanged.
-    enum TeamAutoDetectStatus : LONG {};
-    /// The command of a switch test: the provider's number, unchanged.
-    enum SwitchCmd : LONG {};
-    /// How far a switch test has come: the provider's number, unchanged.
-    enum SwitchCmdStatus : LONG {};
+    /// "StatusInfo" of the team's logical adapter: the provider's number, unchanged. Other numbers are
+    /// carried.
+    enum TeamStatus : LONG {
+        TeamStatusOther = 1,
+        TeamStatusUnknown = 2,
+        TeamStatusEnabled = 3,
+        TeamStatusDisabled = 4,
+        TeamStatusNotApplicable = 5
+    };
+    /// "Status" of the search for the best team mode: the provider's number, unchanged. Other numbers are
+    /// carried.
+    enum TeamAutoDetectStatus : LONG {
+        TeamAutoDetectNotStarted = 0,
+        TeamAutoDetectRunning = 1,
+        TeamAutoDetectCompleted = 2,
+        TeamAutoDetectFailed = 3
+    };
+    /// The command of a switch test: the provider's number. Other numbers are carried.
+    enum SwitchCmd : LONG { SwitchCmdStart = 0, SwitchCmdQuery = 1, SwitchCmdStop = 2 };
+    /// How far a switch test has come: the provider's number, unchanged. Other numbers are carried.
+    enum SwitchCmdStatus : LONG {
+        SwitchCmdStatusNotStarted = 0,
+        SwitchCmdStatusRunning = 1,
+        SwitchCmdStatusPassed = 2,
+        SwitchCmdStatusFailed = 3,
+        SwitchCmdStatusStopped = 4
+    };
+    /// Bits of the mask of `CQuillet::CreateTeamCheck`.
+    enum Problem : ULONGLONG {
+        ProblemTooManyMembers = 0x1,   ///< more than 8 members
+        ProblemModeNotSupported = 0x4, ///< a member does not support the mode
+        ProblemNoVLANs = 0x8,          ///< a member that supports the mode cannot carry VLANs
+        ProblemNoServerAdapter = 0x10, ///< no server adapter among the members, or no members at all
+        ProblemNameTaken = 0x80,       ///< a team with this caption exists
+        ProblemMoreThanTwo = 0x200,    ///< more than 2 members in mode 5
+        ProblemNoSharedSpeed = 0x4000, ///< mode 2, and the members share no speed; stands alone
+        ProblemMixedSpeeds = 0x8000    ///< 10-gigabit and slow members together; stands alone
+    };
+    /// The most members that a team has.
+    static constexpr std::size_t MaximumMembers = 8;
 
     /// The team's identifier in every operation: its object path ("__PATH").
     std::wstring m_wsTeamID;
@@ -70,7 +103,7 @@ class QUILLET_API CTeamedAdapter {
 
     /// The adapter's own name ("OriginalDisplayName").
     std::wstring m_wsDisplayName = L"Not Available";
-    /// The member adapter's identifier: the object ID taken from the adapter's "__PATH".
+    /// The member adapter's identifier, as the operations on adapters take it: its object path ("__PATH").
     std::wstring m_wsAdapterID;
     /// The adapter's "DeviceID".
     std::wstring m_wsDeviceID;

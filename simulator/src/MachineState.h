@@ -5,6 +5,7 @@
 #include "ClassProvider.h"
 #include "ClientSets.h"
 #include "SimulatedClock.h"
+#include "SwitchTests.h"
 
 #include <mutex>
 
@@ -24,6 +25,7 @@ struct Machine::State {
     SimulatedClock clock;
     ClientSets sets;
     BlinkingLights blinking;
+    SwitchTests switchTests;
     ClassProviders providers;
     ClassProvider plain;
     std::map<std::wstring, LONG, NameLess> followUps; ///< what changes of a class ask for

@@ -2,6 +2,7 @@
 #include "ClassProvider.h"
 #include "LinkSecurity.h"
 #include "MachineState.h"
+#include "TeamChecks.h"
 
 namespace quillet::simulator {
 
@@ -38,6 +39,9 @@ class PhysicalAdapterProvider final : public ClassProvider {
             {L"GetLinksecSavedCreds", TellLinkSecurity},
             {L"GetLinksecSecurityStatsLog", TellLinkSecurity},
         };
+        if (SameName(call.method.name, L"ValidateSettingOnNewTeam")) {
+            return ValidateSettingOnNewTeam(call);
+        }
         const auto handler = handlers.find(call.method.name);
         if (handler == handlers.end()) {
             return ClassProvider::ExecMethod(call);
@@ -46,7 +50,24 @@ class PhysicalAdapterProvider final : public ClassProvider {
         return call.instance != nullptr ? handler->second(call) : HRESULT(WBEM_E_INVALID_METHOD_PARAMETERS);
     }
 
+    HRESULT PutInstance(Request& request, const Instance& instance, Repository::Write mode) override {
+        const HRESULT result = ClassProvider::PutInstance(request, instance, mode);
+        if (SUCCEEDED(result)) {
+            RefreshTeamOf(request.Target().Store(), instance);
+        }
+        return result;
+    }
+
   private:
+    /// About several adapters, so it is the class that is asked.
+    static HRESULT ValidateSettingOnNewTeam(MethodCall& call) {
+        const auto reasons = ReasonsAgainstSetting(
+            call.request.Target().Store(), TextsOf(call.in, L"Adapters"), call.in.Text(L"SettingName"));
+        call.Answer(L"ValResult", static_cast<std::int64_t>(reasons));
+        call.Answer(L"ReturnValue", 0);
+        return S_OK;
+    }
+
     /// Out-parameters that are properties of the adapter.
     static HRESULT Tell(MethodCall& call,
                         std::initializer_list<std::pair<const wchar_t*, const wchar_t*>> properties) {

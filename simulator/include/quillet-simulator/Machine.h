@@ -49,6 +49,12 @@ class Machine {
     /// not.
     std::chrono::milliseconds BlinksFor(std::wstring_view deviceId) const;
 
+    /// Pulls the cable of an adapter (2), plugs it in (3), unloads its driver (1) or takes its hardware out
+    /// (0): gives it this "HardwareStatus" with all that goes with it, and its team follows.
+    /// WBEM_E_NOT_FOUND for an adapter that the machine does not have, WBEM_E_INVALID_PARAMETER for another
+    /// number.
+    HRESULT SetHardwareStatus(std::wstring_view deviceId, LONG status);
+
     /// The client set that was opened last of those open now; 0 when none is.
     LONG OpenClientSet() const;
     /// The follow-up action that the next "Apply" will report, and clears. The greatest one counts.

@@ -1,0 +1,285 @@
+// What the team wizard offers: adapters, team modes, the best mode, and the test of the switch.
+#include <quillet/Quillet.h>
+
+#include "ProviderInstance.h"
+#include "ProviderMethod.h"
+#include "SafeArray.h"
+#include "Trace.h"
+#include "VariantValue.h"
+#include "Wql.h"
+
+#include <algorithm>
+#include <memory>
+#include <new>
+
+using ATL::CComBSTR;
+using ATL::CComPtr;
+
+namespace {
+
+/// What the provider is asked to retrieve for an adapter's capabilities.
+constexpr LONG CAPABILITIES_ONLY = 16;
+/// The flag of a mode whose switch can be tested.
+constexpr LONG SWITCH_TEST_SUPPORTED = 0x2000;
+/// The most adapters for which switch fault tolerance is offered.
+constexpr std::size_t SWITCH_FAULT_TOLERANCE_MEMBERS = 2;
+/// The coverage of a search whose provider does not tell it: the search went well, so it saw everything.
+constexpr unsigned int WHOLE_COVERAGE = 100;
+
+constexpr const wchar_t* OUT_PARAMETERS = L"pTeam_OutParams";
+
+/// The capability codes that are team modes.
+struct ModeCapability {
+    LONG code;
+    CTeam::TeamMode mode;
+};
+constexpr ModeCapability MODE_CAPABILITIES[] = {
+    {4, CTeam::TeamMode0},  {5, CTeam::TeamMode1},  {9, CTeam::TeamMode2},  {8, CTeam::TeamMode3},
+    {10, CTeam::TeamMode4}, {12, CTeam::TeamMode5}, {68, CTeam::TeamMode6},
+};
+
+bool Offers(const CTeamWizTeamModes& modes, LONG mode) {
+    return std::any_of(modes.m_vecItems.begin(), modes.m_vecItems.end(),
+                       [mode](const CTeamWizTeamMode* each) { return each && each->m_lTeamMode == mode; });
+}
+
+std::vector<std::wstring> Texts(const std::vector<CComBSTR>& elements) {
+    std::vector<std::wstring> texts;
+    for (const CComBSTR& element : elements) {
+        texts.emplace_back(element ? element.m_str : L"", element ? element.Length() : 0);
+    }
+    return texts;
+}
+
+} // namespace
+
+LONG CQuillet::TestSwitchSupport(CTeam::TeamMode mode) {
+    const OperationTrace trace(L"TestSwitchSupport");
+    return mode == CTeam::TeamMode4 || mode == CTeam::TeamMode5 ? SWITCH_TEST_SUPPORTED : 0;
+}
+
+HRESULT CQuillet::FillTeamAttr(LONG capability, CTeamWizTeamModes* modes) {
+    const auto known =
+        std::find_if(std::begin(MODE_CAPABILITIES), std::end(MODE_CAPABILITIES),
+                     [capability](const ModeCapability& each) { return each.code == capability; });
+    if (known == std::end(MODE_CAPABILITIES)) {
+        return S_OK;
+    }
+    std::unique_ptr<CTeamWizTeamMode> mode(new (std::nothrow) CTeamWizTeamMode);
+    if (!mode) {
+        TraceText(L"(NULL == pTeamMode)");
+        return E_FAIL;
+    }
+    mode->m_lTeamMode = known->mode;
+    const HRESULT result =
+        GetDataFromValues(L_CLASS_ZOREL_ETHERNETADAPTER, L_PROP_ETHERNETADAPTER_CAPABILITIES, capability,
+                          mode->m_wsDescription);
+    if (FAILED(result)) {
+        TraceText(L"GetDataFromValues -> ", L_PROP_ETHERNETADAPTER_CAPABILITIES.symbol);
+        return result;
+    }
+    modes->m_vecItems.push_back(mode.get());
+    mode.release();
+    return S_OK;
+}
+
+HRESULT CQuillet::GetAdapterTeamModes(const std::wstring& adapterId, CAdapter& adapter) {
+    const OperationTrace trace(L"GetAdapterTeamModes");
+    if (adapterId.empty()) {
+        return trace.Fail(E_FAIL, L"((wsAdapterID.empty()) "); // ends like this in every trace
+    }
+    const ProviderSession session(*this);
+    if (FAILED(session.Result())) {
+        return session.Result();
+    }
+    const PartialRetrieval capabilitiesOnly(session, CAPABILITIES_ONLY);
+    const ProviderInstance instance(session, adapterId, L"GetObject -> wsAdapterID");
+    _variant_t value;
+    PropertyReader read = instance.Read(L"pInstanceHandle");
+    if (read.Plain(L_PROP_ETHERNETADAPTER_CAPABILITIES, value).Failed()) {
+        return read.Result();
+    }
+    SAFEARRAY* codes = value.vt == (VT_ARRAY | VT_I4) ? ArrayOf(value) : nullptr;
+    if (!codes) {
+        return trace.Fail(RESULT_WBEM_FAILED, L"vAdapterCapabilities.vt INVALID");
+    }
+    LONG lower = 0;
+    HRESULT result = SafeArrayGetLBound(codes, 1, &lower);
+    if (FAILED(result)) {
+        return trace.Fail(result, L"SafeArrayGetLBound -> vAdapterCapabilities.parray");
+    }
+    LONG upper = 0;
+    result = SafeArrayGetUBound(codes, 1, &upper);
+    if (FAILED(result)) {
+        return trace.Fail(result, L"SafeArrayGetUBound -> vAdapterCapabilities.parray");
+    }
+    if (adapter.m_pTeamModes) {
+        adapter.m_pTeamModes->RemoveAll();
+    } else {
+        adapter.m_pTeamModes = new CTeamWizTeamModes;
+    }
+    for (LONGLONG index = lower; index <= upper; ++index) {
+        LONG code = 0;
+        // A code that cannot be read is one that the adapter does not have.
+        if (SUCCEEDED(ReadElement(codes, static_cast<LONG>(index), code))) {
+            result = FillTeamAttr(code, adapter.m_pTeamModes);
+            if (FAILED(result)) {
+                return result;
+            }
+        }
+    }
+    return S_OK;
+}
+
+HRESULT CQuillet::GetCompatibleTeamModesWithAdapters(const CAdapters& adapters, CTeamWizTeamModes& modes,
+                                                     bool refresh) {
+    const OperationTrace trace(L"GetCompatibleTeamModesWithAdapters");
+    modes.RemoveAll();
+    // Views and records of our own: the given adapters stay as they are.
+    std::vector<CAdapter> own(adapters.m_vecItems.size());
+    std::vector<const CTeamWizTeamModes*> offered;
+    for (std::size_t i = 0; i < adapters.m_vecItems.size(); ++i) {
+        const CAdapter* adapter = adapters.m_vecItems[i];
+        if (!adapter) {
+            continue;
+        }
+        if (!refresh && adapter->m_pTeamModes) {
+            offered.push_back(adapter->m_pTeamModes);
+            continue;
+        }
+        const HRESULT result = GetAdapterTeamModes(adapter->m_wsAdapterID, own[i]);
+        if (FAILED(result)) {
+            return trace.Fail(result, L"GetAdapterTeamModes -> wsAdapterID");
+        }
+        offered.push_back(own[i].m_pTeamModes);
+    }
+    if (offered.empty()) {
+        return trace.Fail(E_FAIL, L"rAdapters.size() <= 0");
+    }
+    for (const CTeamWizTeamMode* mode : offered.front()->m_vecItems) {
+        const bool tooMany =
+            mode && mode->m_lTeamMode == CTeam::TeamMode5 && offered.size() > SWITCH_FAULT_TOLERANCE_MEMBERS;
+        if (!mode || tooMany || Offers(modes, mode->m_lTeamMode) ||
+            !std::all_of(offered.begin(), offered.end(), [mode](const CTeamWizTeamModes* each) {
+                return Offers(*each, mode->m_lTeamMode);
+            })) {
+            continue;
+        }
+        std::unique_ptr<CTeamWizTeamMode> compatible(new (std::nothrow) CTeamWizTeamMode(*mode));
+        if (!compatible) {
+            return trace.Fail(E_FAIL, L"(NULL == pTeamModeComp)");
+        }
+        modes.m_vecItems.push_back(compatible.get());
+        compatible.release();
+    }
+    return S_OK;
+}
+
+HRESULT CQuillet::GetTeamableAdapters(CAdapters& adapters) {
+    const OperationTrace trace(L"GetTeamableAdapters");
+    const ProviderSession session(*this);
+    if (FAILED(session.Result())) {
+        return session.Result();
+    }
+    for (CAdapter* adapter : adapters.m_vecItems) {
+        if (!adapter) {
+            continue;
+        }
+        adapter->m_bTeamed = false;
+        ProviderEnum memberships;
+        if (FAILED(
+                session.Query(Wql::References(adapter->m_wsAdapterID, L_CLASS_ZOREL_TEAMEDMEMBERADAPTER.name),
+                              memberships, L" Phantom adapter!!"))) {
+            continue;
+        }
+        CComPtr<IWbemClassObject> membership;
+        adapter->m_bTeamed = memberships.Next(membership);
+        if (FAILED(memberships.Result())) {
+            return trace.Fail(memberships.Result(), L"pEnumTeamedMemberAdapters -> Next");
+        }
+    }
+    return S_OK;
+}
+
+HRESULT CQuillet::GetBestTeamMode(const std::wstring& teamId, CTeamWizTeamMode& mode,
+                                  CTeam::TeamAutoDetectStatus& status, unsigned int& coverage) {
+    const OperationTrace trace(L"GetBestTeamMode");
+    if (teamId.empty()) {
+        return trace.Fail(RESULT_WBEM_FAILED, L"(wsTeamID.empty())");
+    }
+    const ProviderSession session(*this);
+    ProviderMethod method(session, L_CLASS_ZOREL_TEAMOFADAPTERS, L_METHOD_TEAMOFADAPTERS_GETBESTTEAMMODE);
+    PropertyReader read = method.Exec(teamId.c_str(), L"wsTeamID")
+                              .NeedAnswer(L"Outparam of method is NULL")
+                              .Read(OUT_PARAMETERS);
+    LONG verdict = 0;
+    if (read.Long(L_METHOD_RETURN, verdict).Failed()) {
+        return read.Result();
+    }
+    if (verdict != 0) {
+        return trace.Fail(verdict, L"(0 != lValue) -> GetBestTeamMode Method failure");
+    }
+    LONG number = 0;
+    if (read.Long(L_PARAM_TEAM_STATUS, number).Found()) {
+        status = static_cast<CTeam::TeamAutoDetectStatus>(number);
+    }
+    number = 0;
+    if (read.Long(L_PARAM_TEAM_PERCENTOFCOVERAGE, number).Found()) {
+        coverage = static_cast<unsigned int>(number);
+    } else if (!read.Failed()) {
+        coverage = WHOLE_COVERAGE;
+    }
+    LONG messageId = 0;
+    if (read.Long(L_PARAM_TEAM_ERRORMESSAGEID, messageId).Found()) {
+        LumTrace().Print(L"GetBestTeamMode -> ErrorMessageId %ld", messageId);
+    }
+    if (read.Long(L_PARAM_TEAM_TEAMINGMODE, mode.m_lTeamMode).Failed()) {
+        return read.Result();
+    }
+    const HRESULT result =
+        GetDataFromValueMap(L_CLASS_ZOREL_TEAMOFADAPTERS, L_PROP_TEAMOFADAPTERS_TEAMINGMODE, mode.m_lTeamMode,
+                            mode.m_wsDescription);
+    return FAILED(result) ? trace.Fail(result, L"GetDataFromValueMap -> L_PROP_TEAMOFADAPTERS_TEAMINGMODE")
+                          : S_OK;
+}
+
+HRESULT CQuillet::TestSwitchConfiguration(const std::wstring& teamId, CTeam::SwitchCmd command,
+                                          CTeam::SwitchCmdStatus& status, std::vector<std::wstring>& causes,
+                                          std::vector<std::wstring>& solutions, std::vector<int>& causeIds,
+                                          std::vector<int>& solutionIds) {
+    const OperationTrace trace(L"TestSwitchConfiguration");
+    causes.clear();
+    solutions.clear();
+    causeIds.clear();
+    solutionIds.clear();
+    if (teamId.empty()) {
+        return trace.Fail(RESULT_WBEM_FAILED, L"(wsTeamID.empty())");
+    }
+    const ProviderSession session(*this);
+    ProviderMethod method(session, L_CLASS_ZOREL_TEAMOFADAPTERS,
+                          L_METHOD_TEAMOFADAPTERS_TESTSWITCHCONFIGURATION);
+    PropertyReader read = method.Put(L_PARAM_TEAM_CMD, VariantOfLong(command))
+                              .Exec(teamId.c_str(), L"wsTeamID")
+                              .Read(OUT_PARAMETERS);
+    LONG number = 0;
+    if (read.Long(L_PARAM_TEAM_STATUS, number).Found()) {
+        status = static_cast<CTeam::SwitchCmdStatus>(number);
+    }
+    std::vector<CComBSTR> texts;
+    read.Array(L_PARAM_TEAM_CAUSE, texts);
+    causes = Texts(texts);
+    texts.clear();
+    read.Array(L_PARAM_TEAM_SOLUTION, texts);
+    solutions = Texts(texts);
+    LONG verdict = 0;
+    if (read.Long(L_METHOD_RETURN, verdict).Found() && verdict != 0) {
+        LumTrace().Print(L"TestSwitchConfiguration -> ReturnValue %ld", verdict);
+    }
+    std::vector<LONG> ids;
+    read.Array(L_PARAM_TEAM_CAUSEMESSAGEID, ids);
+    causeIds.assign(ids.begin(), ids.end());
+    ids.clear();
+    read.Array(L_PARAM_TEAM_SOLUTIONMESSAGEID, ids);
+    solutionIds.assign(ids.begin(), ids.end());
+    return read.Result();
+}
