@@ -43,6 +43,27 @@ struct QuilletTestAccess {
         return CQuillet::GetMultiStringSetting(instance, setting);
     }
 
+    // --- teams ---
+    static CTeam::TeamMode GetTeamMode(LONG mode) { return CQuillet::GetTeamMode(mode); }
+    static HRESULT GetTeamsEthernetAdapterPath(CQuillet& quillet, const std::wstring& teamId, _bstr_t& path) {
+        return quillet.GetTeamsEthernetAdapterPath(teamId, path);
+    }
+    static bool CheckIfAdapterIsTeamed(CQuillet& quillet, const std::wstring& adapterId, std::wstring& teamId,
+                                       const CAdapterPorts& ports) {
+        return quillet.CheckIfAdapterIsTeamed(adapterId, teamId, ports);
+    }
+    static void GetNewAdaptersAddedToTeam(const CTeamedAdapters& current, const CAdapters& wanted,
+                                          std::vector<std::wstring>& added) {
+        CQuillet::GetNewAdaptersAddedToTeam(current, wanted, added);
+    }
+    static void GetCurrentAdaptersStillInNewTeam(const CTeamedAdapters& current, const CAdapters& wanted,
+                                                 std::vector<std::wstring>& staying) {
+        CQuillet::GetCurrentAdaptersStillInNewTeam(current, wanted, staying);
+    }
+    static HRESULT FillTeamAttr(CQuillet& quillet, LONG capability, CTeamWizTeamModes* modes) {
+        return quillet.FillTeamAttr(capability, modes);
+    }
+
     // --- session ---
     static ATL::CComPtr<IWbemServices> GetWbemService(CQuillet& quillet) {
         return Owned(quillet.GetWbemService());
