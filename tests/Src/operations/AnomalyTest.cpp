@@ -79,11 +79,11 @@ class AnomalyTest : public OperationsTest {
         if (GetParam().operation.neverFails) {
             return S_OK;
         }
-        if (call.operation == Operation::SetBlanket) {
-            return static_cast<HRESULT>(WBEM_E_FAILED); // no service to be had
-        }
+        // Without its blanket there is no service to be had.
+        const HRESULT code =
+            call.operation == Operation::SetBlanket ? static_cast<HRESULT>(WBEM_E_FAILED) : FAULT;
         const auto& documented = GetParam().operation.documented;
-        return documented ? documented(call, FAULT) : FAULT;
+        return documented ? documented(call, code) : code;
     }
 
     bool GoesOn(const JournalEntry& call) const {
@@ -138,7 +138,9 @@ TEST_P(AnomalyTest, EachCallFails_ItsCodeComesBackItIsNamedAndNothingFollows) {
             EXPECT_TRUE(SUCCEEDED(result)) << Code(result);
             continue;
         }
-        EXPECT_EQ(Code(result), Code(Expected(call)));
+        if (FAILED(result) || !GoesOn(call)) {
+            EXPECT_EQ(Code(result), Code(Expected(call)));
+        }
         if (FAILED(result)) {
             const bool last = index + 1 == m_calls.size() && call.operation == Operation::SetContextValue;
             EXPECT_TRUE(last || !lines.empty()) << "no line names the step";

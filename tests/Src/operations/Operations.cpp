@@ -7,6 +7,7 @@ const std::vector<PreparedOperation>& Operations() {
         for (const OperationArea& area : {
                  LinkSecurityOperations(),
                  ReadingOperations(),
+                 TeamOperations(),
                  VLANOperations(),
              }) {
             for (const OperationCase& operation : area.operations) {

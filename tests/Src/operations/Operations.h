@@ -37,7 +37,8 @@ struct OperationCase {
     std::function<HRESULT(CQuillet&, Outputs&)> run;
     /// What comes back when this call fails with `code`, where it is not the code itself.
     std::function<HRESULT(const JournalEntry& failed, HRESULT code)> documented = {};
-    /// Whether the operation is to go on with other provider calls after this one failed.
+    /// Whether the operation is to go on with other provider calls after this one failed, or may: where it
+    /// makes the same call for two reasons, the golden file tells which failure ends it.
     std::function<bool(const JournalEntry& failed)> goesOn = {};
     /// An operation without a result code, which answers whatever happens.
     bool neverFails = false;
@@ -55,6 +56,7 @@ struct OperationArea {
 // The areas; each is listed in Operations.cpp.
 OperationArea LinkSecurityOperations();
 OperationArea ReadingOperations();
+OperationArea TeamOperations();
 OperationArea VLANOperations();
 
 /// An operation with the machine of its area.

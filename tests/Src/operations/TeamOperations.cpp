@@ -70,8 +70,8 @@ void Tell(Outputs& out, const CTeamWizTeamModes& modes) {
 }
 
 /// One code for whatever could not be read of a team.
-HRESULT TeamUnreadable(const JournalEntry& failed, HRESULT code) {
-    return failed.operation == Operation::SetContextValue ? code : static_cast<HRESULT>(WBEM_E_FAILED);
+HRESULT TeamUnreadable(const JournalEntry&, HRESULT) {
+    return static_cast<HRESULT>(WBEM_E_FAILED);
 }
 
 /// An instance that cannot be fetched has one code; a property has its own.
@@ -104,10 +104,10 @@ bool IsText(const JournalEntry& failed) {
     return failed.operation == Operation::GetQualifier;
 }
 
-/// What a failed look at the members' own status means: nothing but a member that is not counted. It comes
-/// after everything else, so it is told by the property, or by which fetch of the adapter it is.
-HRESULT NoMemberFails(const JournalEntry& failed, HRESULT code) {
-    return TeamOfMembersUnreadable(failed, code);
+/// A member whose own status cannot be read is only not counted.
+bool IsOfAMember(const JournalEntry& failed) {
+    return failed.operation == Operation::SetBlanket || failed.operation == Operation::Get ||
+           (failed.operation == Operation::GetObject && failed.target != TEAM);
 }
 
 /// An adapter whose memberships cannot be asked for is a phantom, and the others go on.
@@ -316,7 +316,7 @@ OperationArea TeamOperations() {
                  out("count", count);
                  return result;
              },
-             NoMemberFails},
+             TeamOfMembersUnreadable, IsOfAMember},
         },
     };
 }
