@@ -282,6 +282,7 @@ class QUILLET_API CQuillet {
                                     std::vector<int>& solutionIds);
     /// 0x2000 for a mode that needs the switch's cooperation, and so has a switch test; 0 for any other.
     LONG TestSwitchSupport(CTeam::TeamMode mode);
+    /// @}
 
     /// @name Link security
     /// IEEE 802.1AE on one adapter, through methods of Zorel_PhysicalEthernetAdapter that are executed on the
