@@ -92,12 +92,14 @@ HRESULT CQuillet::GetAdapterTeamModes(const std::wstring& adapterId, CAdapter& a
     if (FAILED(session.Result())) {
         return session.Result();
     }
-    const PartialRetrieval capabilitiesOnly(session, CAPABILITIES_ONLY);
-    const ProviderInstance instance(session, adapterId, L"GetObject -> wsAdapterID");
     _variant_t value;
-    PropertyReader read = instance.Read(L"pInstanceHandle");
-    if (read.Plain(L_PROP_ETHERNETADAPTER_CAPABILITIES, value).Failed()) {
-        return read.Result();
+    {
+        const PartialRetrieval capabilitiesOnly(session, CAPABILITIES_ONLY);
+        const ProviderInstance instance(session, adapterId, L"GetObject -> wsAdapterID");
+        PropertyReader read = instance.Read(L"pInstanceHandle");
+        if (read.Plain(L_PROP_ETHERNETADAPTER_CAPABILITIES, value).Failed()) {
+            return read.Result();
+        }
     }
     SAFEARRAY* codes = value.vt == (VT_ARRAY | VT_I4) ? ArrayOf(value) : nullptr;
     if (!codes) {

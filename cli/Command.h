@@ -42,6 +42,9 @@ class Syntax {
     /// What the command is about, without an option's name; must be given. Several stand in the order of the
     /// calls. `name` is how the help calls it.
     void Argument(const std::string& name, std::string& value, const std::string& description);
+    /// So many words without an option's name, where their number tells what they are.
+    void Arguments(const std::string& name, std::vector<std::string>& words, std::size_t least,
+                   std::size_t most, const std::string& description);
 
   private:
     CLI::App& m_app;

@@ -76,6 +76,14 @@ void Syntax::Argument(const std::string& name, std::string& value, const std::st
     m_app.add_option(name, value, description)->required()->type_name("");
 }
 
+void Syntax::Arguments(const std::string& name, std::vector<std::string>& words, std::size_t least,
+                       std::size_t most, const std::string& description) {
+    m_app.add_option(name, words, description)
+        ->required(least > 0)
+        ->expected(static_cast<int>(least), static_cast<int>(most))
+        ->type_name("");
+}
+
 CommandTree::CommandTree()
     : m_app(std::make_unique<CLI::App>("Manages the network adapters of a machine.", "quilletctl")) {
     Configure(*m_app);

@@ -6,6 +6,7 @@ namespace quilletctl {
 void AddAllCommands(CommandTree& tree) {
     AddAdapterCommands(tree);
     AddSettingCommands(tree);
+    AddTeamCommands(tree);
     AddLinksecCommands(tree);
     AddWarningsCommand(tree);
     AddTraceCommand(tree);

@@ -7,6 +7,7 @@ namespace quilletctl {
 
 void AddAdapterCommands(CommandTree& tree);
 void AddSettingCommands(CommandTree& tree);
+void AddTeamCommands(CommandTree& tree);
 void AddLinksecCommands(CommandTree& tree);
 void AddWarningsCommand(CommandTree& tree);
 void AddTraceCommand(CommandTree& tree);

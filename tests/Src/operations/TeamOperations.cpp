@@ -94,11 +94,9 @@ bool GoesOnAlways(const JournalEntry&) {
     return true;
 }
 
-/// Switching back to all data is the last call, and a context that refuses is no failure. Texts are optional.
+/// A mode without a text is a mode all the same.
 HRESULT ModesUnreadable(const JournalEntry& failed, HRESULT code) {
-    return failed.operation == Operation::SetContextValue || failed.operation == Operation::GetQualifier
-               ? S_OK
-               : code;
+    return failed.operation == Operation::GetQualifier ? S_OK : code;
 }
 bool IsText(const JournalEntry& failed) {
     return failed.operation == Operation::GetQualifier;

@@ -1,0 +1,693 @@
+// quilletctl team: teams of adapters and their members.
+#include "AdapterLookup.h"
+#include "BitMask.h"
+#include "ClientSet.h"
+#include "Commands.h"
+#include "ResultCodes.h"
+#include "Sheet.h"
+#include "Table.h"
+#include "TeamLookup.h"
+#include "Text.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <optional>
+#include <thread>
+
+namespace quilletctl {
+
+namespace {
+
+/// A number of the provider's in words, or as itself where it has none.
+std::string Words(LONG number, const std::wstring& text) {
+    return text.empty() ? std::to_string(number) : ToUtf8(text);
+}
+std::string ModeText(LONG mode) {
+    return Words(mode, CTeamTexts::TeamMode(mode));
+}
+/// The mode that a word of the command line names, by its number or its text. Throws UsageError.
+CTeam::TeamMode ModeFrom(const std::string& word) {
+    std::string known;
+    for (LONG mode = CTeam::TeamMode0; mode <= CTeam::TeamMode6; ++mode) {
+        if (word == std::to_string(mode) || SameIgnoringCase(word, ModeText(mode))) {
+            return static_cast<CTeam::TeamMode>(mode);
+        }
+        known += (known.empty() ? "" : ", ") + std::to_string(mode) + " (" + ModeText(mode) + ")";
+    }
+    throw UsageError("no team mode is called \"" + word + "\"; there are " + known);
+}
+std::string RoleText(LONG role) {
+    return Words(role, CTeamTexts::MemberRole(role));
+}
+std::string MemberStatusText(LONG status) {
+    return Words(status, CTeamTexts::MemberStatus(status));
+}
+
+Json Coded(LONG code, const std::string& text) {
+    return Json{{"code", code}, {"text", text}};
+}
+
+const char* YesOrNo(bool flag) {
+    return flag ? "yes" : "no";
+}
+
+/// A team's status; a team without its logical adapter has none, and is a team all the same.
+struct TeamState {
+    HRESULT result = S_OK;
+    CTeam::TeamStatus status{};
+
+    std::string Text() const {
+        return SUCCEEDED(result) ? Words(status, CTeamTexts::TeamStatus(status))
+                                 : "not told: " + DescribeResult(result);
+    }
+    Json AsJson() const { return SUCCEEDED(result) ? Coded(status, Text()) : Json(); }
+};
+
+TeamState StateOf(CQuillet& session, const CTeam& team) {
+    TeamState state;
+    state.result = session.GetTeamStatus(team.m_wsTeamID, state.status);
+    return state;
+}
+
+CTeamedAdapters MembersOf(CQuillet& session, const CTeam& team) {
+    CTeamedAdapters members;
+    Invocation::Check(session.GetMemberAdapters(team.m_wsTeamID, members),
+                      "list the members of " + Called(team));
+    return members;
+}
+
+/// What people call a member.
+std::string MemberName(const CTeamedAdapter& member) {
+    return ToUtf8(member.m_wsCaption.empty() ? member.m_wsDisplayName : member.m_wsCaption);
+}
+
+void Append(CAdapters& adapters, const std::wstring& path) {
+    adapters.m_vecItems.push_back(new CAdapter);
+    adapters.m_vecItems.back()->m_wsAdapterID = path;
+}
+
+/// The adapters that words of the command line name. Throws UsageError, Refusal.
+CAdapters FindAdapters(CQuillet& session, const std::vector<std::string>& words) {
+    CAdapters adapters;
+    for (const std::string& word : words) {
+        Append(adapters, ToWide(FindAdapter(session, word).path));
+    }
+    return adapters;
+}
+
+/// Throws Refusal unless the provider answered; its refusal may also be a number of its own, which is no
+/// failure code.
+void Ask(HRESULT result, const std::string& asked) {
+    if (result != S_OK) {
+        throw Refusal(asked, result);
+    }
+}
+
+/// What the library's and the provider's checks found, each as a sentence.
+class Problems {
+  public:
+    void Add(ULONGLONG mask) { m_mask |= mask; }
+    bool Any() const noexcept { return m_mask != 0; }
+    std::vector<std::string> Sentences() const {
+        std::vector<std::string> sentences;
+        for (const std::wstring& sentence : CTeamTexts::Problems(m_mask)) {
+            sentences.push_back(ToUtf8(sentence));
+        }
+        return sentences;
+    }
+    /// Answers with the problems instead of the command's own answer.
+    ExitStatus Report(Invocation& run) const {
+        if (run.WantsJson()) {
+            run.Print(Json{{"mask", HexMask(m_mask)}, {"problems", Sentences()}});
+        } else {
+            for (const std::string& sentence : Sentences()) {
+                run.Out() << Printable(sentence) << '\n';
+            }
+        }
+        return ExitStatus::Findings;
+    }
+
+  private:
+    ULONGLONG m_mask = 0;
+};
+
+Json TeamAsJson(const CTeam& team) {
+    return Json{{"path", ToUtf8(team.m_wsTeamID)},
+                {"objectId", ToUtf8(team.m_wsName)},
+                {"name", ToUtf8(team.m_wsCaption)},
+                {"mode", Coded(team.m_eTeamMode, ModeText(team.m_eTeamMode))}};
+}
+
+/// The end of a command that changed a team.
+void PrintChanged(Invocation& run, const CTeam& team, const std::string& what, bool restartNeeded) {
+    if (run.WantsJson()) {
+        Json json = TeamAsJson(team);
+        json["restartNeeded"] = restartNeeded;
+        run.Print(json);
+    } else {
+        run.Out() << Printable(what) << ": " << RestartText(restartNeeded) << '\n';
+    }
+}
+
+ExitStatus ListTeams(Invocation& run) {
+    CQuillet& session = run.Session();
+    const CTeams teams = ReadTeams(session);
+    Json list = Json::array();
+    Table table({{"NAME", Fit::MayShorten},
+                 {"MODE", Fit::MayShorten},
+                 {"STATUS", Fit::MayShorten},
+                 {"MEMBERS", Fit::Whole},
+                 {"OBJECT ID", Fit::Whole}});
+    for (const CTeam* team : teams.m_vecItems) {
+        const TeamState state = StateOf(session, *team);
+        const std::size_t members = MembersOf(session, *team).m_vecItems.size();
+        Json json = TeamAsJson(*team);
+        json["status"] = state.AsJson();
+        json["members"] = members;
+        list.push_back(std::move(json));
+        table.AddRow({Called(*team), ModeText(team->m_eTeamMode), state.Text(), std::to_string(members),
+                      ToUtf8(team->m_wsName)});
+    }
+    if (run.WantsJson()) {
+        run.Print(Json{{"teams", std::move(list)}});
+    } else if (teams.m_vecItems.empty()) {
+        run.Out() << "no teams\n";
+    } else {
+        table.Print(run.Screen());
+    }
+    return ExitStatus::Done;
+}
+
+/// A command about one team.
+class TeamCommand : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Argument("team", m_name, "The team: its name, object ID or object path");
+    }
+    ExitStatus Run(Invocation& run) final { return RunFor(FindTeam(run.Session(), m_name), run); }
+
+  private:
+    virtual ExitStatus RunFor(const CTeam& team, Invocation& run) = 0;
+
+    std::string m_name;
+};
+
+class ShowTeam final : public TeamCommand {
+    ExitStatus RunFor(const CTeam& found, Invocation& run) override {
+        CQuillet& session = run.Session();
+        CTeam team;
+        Invocation::Check(session.GetTeamInfo(found.m_wsTeamID, team), "read the team " + Called(found));
+        const TeamState state = StateOf(session, team);
+        const CTeamedAdapters members = MembersOf(session, team);
+        int enabled = 0;
+        Invocation::Check(session.GetNumberEnabledMembers(team.m_wsTeamID, enabled),
+                          "count the members of " + Called(team));
+        if (run.WantsJson()) {
+            Json list = Json::array();
+            for (const CTeamedAdapter* member : members.m_vecItems) {
+                list.push_back(Json{
+                    {"path", ToUtf8(member->m_wsAdapterID)},
+                    {"deviceId", ToUtf8(member->m_wsDeviceID)},
+                    {"name", ToUtf8(member->m_wsCaption)},
+                    {"displayName", ToUtf8(member->m_wsDisplayName)},
+                    {"role", Coded(member->m_lMemberRole, RoleText(member->m_lMemberRole))},
+                    {"status", Coded(member->m_lMemberStatus, MemberStatusText(member->m_lMemberStatus))}});
+            }
+            Json json = TeamAsJson(team);
+            json["status"] = state.AsJson();
+            json["macAddress"] = ToUtf8(team.m_wsTeamMacAddress);
+            json["mfo"] = team.m_bMFOEnabled;
+            json["linkSecurity"] = team.m_bLinkSecEnabled;
+            json["boundToHyperV"] = team.m_bBoundToHyperV;
+            json["enabledMembers"] = enabled;
+            json["members"] = std::move(list);
+            run.Print(json);
+            return ExitStatus::Done;
+        }
+        Sheet()
+            .Add("Name", ToUtf8(team.m_wsCaption))
+            .Add("Object ID", ToUtf8(team.m_wsName))
+            .Add("Mode", ModeText(team.m_eTeamMode))
+            .Add("Status", state.Text())
+            .Add("MAC address", ToUtf8(team.m_wsTeamMacAddress))
+            .Add("Adapters of other makers", YesOrNo(team.m_bMFOEnabled))
+            .Add("Link security", YesOrNo(team.m_bLinkSecEnabled))
+            .Add("Bound to Hyper-V", YesOrNo(team.m_bBoundToHyperV))
+            .Add("Enabled members",
+                 std::to_string(enabled) + " of " + std::to_string(members.m_vecItems.size()))
+            .Print(run.Screen());
+        if (!members.m_vecItems.empty()) {
+            run.Out() << '\n';
+            Table table({{"MEMBER", Fit::MayShorten},
+                         {"ROLE", Fit::MayShorten},
+                         {"STATUS", Fit::MayShorten},
+                         {"OBJECT ID", Fit::Whole}});
+            for (const CTeamedAdapter* member : members.m_vecItems) {
+                table.AddRow({MemberName(*member), RoleText(member->m_lMemberRole),
+                              MemberStatusText(member->m_lMemberStatus), ToUtf8(member->m_wsDeviceID)});
+            }
+            table.Print(run.Screen());
+        }
+        return ExitStatus::Done;
+    }
+};
+
+/// The modes that adapters can be teamed in, or the one that suits a team best.
+class ListModes final : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Arguments("[adapter...]", m_adapters, 0, 64,
+                         "The adapters, by name, object ID or object path; none: all that are in no team");
+        syntax.Text("--team", m_team, "TEAM", "Ask which mode suits this team best instead");
+    }
+
+    ExitStatus Run(Invocation& run) override {
+        if (m_team && !m_adapters.empty()) {
+            throw UsageError("--team: not together with adapters");
+        }
+        return m_team ? Best(run) : Compatible(run);
+    }
+
+  private:
+    ExitStatus Compatible(Invocation& run) {
+        CQuillet& session = run.Session();
+        const CAdapters adapters = m_adapters.empty() ? Free(session) : FindAdapters(session, m_adapters);
+        CTeamWizTeamModes modes;
+        if (!adapters.m_vecItems.empty()) {
+            Invocation::Check(session.GetCompatibleTeamModesWithAdapters(adapters, modes, true),
+                              "find the modes of the adapters");
+        }
+        if (run.WantsJson()) {
+            Json list = Json::array();
+            for (const CTeamWizTeamMode* mode : modes.m_vecItems) {
+                list.push_back(Coded(mode->m_lTeamMode, ToUtf8(mode->m_wsDescription)));
+            }
+            run.Print(Json{{"adapters", adapters.m_vecItems.size()}, {"modes", std::move(list)}});
+        } else if (modes.m_vecItems.empty()) {
+            run.Out() << "these adapters cannot be teamed in any mode\n";
+        } else {
+            Table table({{"MODE", Fit::Whole}, {"NAME", Fit::MayShorten}, {"DESCRIPTION", Fit::MayShorten}});
+            for (const CTeamWizTeamMode* mode : modes.m_vecItems) {
+                table.AddRow({std::to_string(mode->m_lTeamMode), ModeText(mode->m_lTeamMode),
+                              ToUtf8(mode->m_wsDescription)});
+            }
+            table.Print(run.Screen());
+        }
+        return ExitStatus::Done;
+    }
+
+    static CAdapters Free(CQuillet& session) {
+        CAdapters all;
+        Invocation::Check(session.EnumerateAdapters(all), "list the adapters");
+        Invocation::Check(session.GetTeamableAdapters(all), "find the adapters that are in no team");
+        CAdapters free;
+        for (const CAdapter* adapter : all.m_vecItems) {
+            if (!adapter->m_bTeamed) {
+                Append(free, adapter->m_wsAdapterID);
+            }
+        }
+        return free;
+    }
+
+    ExitStatus Best(Invocation& run) {
+        CQuillet& session = run.Session();
+        const CTeam team = FindTeam(session, *m_team);
+        CTeamWizTeamMode mode;
+        CTeam::TeamAutoDetectStatus status{};
+        unsigned int coverage = 0;
+        Ask(session.GetBestTeamMode(team.m_wsTeamID, mode, status, coverage),
+            "find the best mode for " + Called(team));
+        const std::string statusText = Words(status, CTeamTexts::AutoDetectStatus(status));
+        if (run.WantsJson()) {
+            run.Print(Json{{"path", ToUtf8(team.m_wsTeamID)},
+                           {"status", Coded(status, statusText)},
+                           {"coverage", coverage},
+                           {"mode", Coded(mode.m_lTeamMode, ToUtf8(mode.m_wsDescription))}});
+        } else {
+            Sheet()
+                .Add("Detection", statusText)
+                .Add("Coverage", std::to_string(coverage) + " %")
+                .Add("Best mode",
+                     ToUtf8(mode.m_wsDescription) + " (" + std::to_string(mode.m_lTeamMode) + ")")
+                .Print(run.Screen());
+        }
+        return ExitStatus::Done;
+    }
+
+    std::vector<std::string> m_adapters;
+    std::optional<std::string> m_team;
+};
+
+class CreateTeam final : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Argument("name", m_name, "The new team's name");
+        syntax.Arguments("adapter...", m_adapters, 1, 64,
+                         "The members, by name, object ID or object path; the first becomes primary");
+        syntax.Text("--mode", m_mode, "MODE",
+                    "The team mode, by number or name (default: 1); see team modes");
+        syntax.Number("--profile", m_profile, 0, 0x7FFFFFFF, "The performance profile");
+        syntax.Flag("--prefix", m_prefix, "Put the prefix that the provider proposes before the name");
+        syntax.Flag("--mfo", m_mfo, "Allow adapters of other makers");
+        syntax.Flag("--link-security", m_linkSecurity, "Secure the team's link");
+        syntax.Flag("--force", m_force, "Make it whatever the checks find");
+    }
+
+    ExitStatus Run(Invocation& run) override {
+        CQuillet& session = run.Session();
+        const CAdapters members = FindAdapters(session, m_adapters);
+        const CTeam::TeamMode mode = ModeFrom(m_mode.value_or("1"));
+        const std::wstring name = Name(session);
+        if (!m_force) {
+            const Problems problems = Check(session, name, mode, members);
+            if (problems.Any()) {
+                return problems.Report(run);
+            }
+        }
+        ClientSet set(session);
+        CTeam team;
+        Invocation::Check(session.CreateTeam(mode, name, members, team,
+                                             static_cast<ePERFORMANCE_PROFILE>(m_profile), m_mfo,
+                                             m_linkSecurity),
+                          "create the team " + ToUtf8(name));
+        const bool restartNeeded = set.Close();
+        PrintChanged(run, team, "created the team " + ToUtf8(name), restartNeeded);
+        return ExitStatus::Done;
+    }
+
+  private:
+    std::wstring Name(CQuillet& session) const {
+        if (m_name.empty()) {
+            throw UsageError("a name is needed");
+        }
+        std::wstring prefix;
+        if (m_prefix) {
+            Invocation::Check(session.GetTeamNamePrefix(prefix), "read the prefix of team names");
+        }
+        return prefix + ToWide(m_name);
+    }
+
+    /// The library's own check, and then the provider's.
+    static Problems Check(CQuillet& session, const std::wstring& name, CTeam::TeamMode mode,
+                          const CAdapters& members) {
+        constexpr int NAME_AND_MEMBERS = 3;
+        Problems problems;
+        problems.Add(session.CreateTeamCheck(mode, name, members, NAME_AND_MEMBERS));
+        DWORD word = 0;
+        Ask(session.ValidateTeamName(name, {}, word), "check the name");
+        problems.Add(word);
+        Ask(session.ValidateTeamMode(mode, {}, word), "check the mode");
+        problems.Add(word);
+        ULONGLONG words = 0;
+        Ask(session.ValidateNewTeamMembers(members, mode, words), "check the members");
+        problems.Add(words);
+        Ask(session.ValidateSettingsOnNewTeam(members, words), "check the members' settings");
+        problems.Add(words);
+        return problems;
+    }
+
+    std::string m_name;
+    std::vector<std::string> m_adapters;
+    std::optional<std::string> m_mode;
+    std::uint32_t m_profile = PERFORMANCE_PROFILE_CUSTOM;
+    bool m_prefix = false;
+    bool m_mfo = false;
+    bool m_linkSecurity = false;
+    bool m_force = false;
+};
+
+/// A command that changes the members of a team.
+class ChangeMembers : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Argument("team", m_team, "The team: its name, object ID or object path");
+        syntax.Arguments("adapter...", m_adapters, 1, 64, "The adapters, by name, object ID or object path");
+    }
+
+    ExitStatus Run(Invocation& run) final {
+        CQuillet& session = run.Session();
+        const CTeam team = FindTeam(session, m_team);
+        const CTeamedAdapters current = MembersOf(session, team);
+        const CAdapters named = FindAdapters(session, m_adapters);
+        Problems problems;
+        const CAdapters wanted = Wanted(session, team, current, named, problems);
+        if (problems.Any()) {
+            return problems.Report(run);
+        }
+        ClientSet set(session);
+        Invocation::Check(session.ModifyMemberList(team.m_wsTeamID, current, wanted),
+                          "change the members of " + Called(team));
+        const bool restartNeeded = set.Close();
+        PrintChanged(run, team,
+                     Called(team) + " has " + std::to_string(wanted.m_vecItems.size()) +
+                         (wanted.m_vecItems.size() == 1 ? " member" : " members"),
+                     restartNeeded);
+        return ExitStatus::Done;
+    }
+
+  protected:
+    static bool Contains(const CTeamedAdapters& members, const std::wstring& path) {
+        return std::any_of(members.m_vecItems.begin(), members.m_vecItems.end(),
+                           [&](const CTeamedAdapter* each) { return each->m_wsAdapterID == path; });
+    }
+    static bool Contains(const CAdapters& adapters, const std::wstring& path) {
+        return std::any_of(adapters.m_vecItems.begin(), adapters.m_vecItems.end(),
+                           [&](const CAdapter* each) { return each->m_wsAdapterID == path; });
+    }
+
+  private:
+    virtual CAdapters Wanted(CQuillet& session, const CTeam& team, const CTeamedAdapters& current,
+                             const CAdapters& named, Problems& problems) const = 0;
+
+    std::string m_team;
+    std::vector<std::string> m_adapters;
+};
+
+class AddMembers final : public ChangeMembers {
+    CAdapters Wanted(CQuillet& session, const CTeam& team, const CTeamedAdapters& current,
+                     const CAdapters& named, Problems& problems) const override {
+        CAdapters added;
+        CAdapters wanted;
+        for (const CTeamedAdapter* member : current.m_vecItems) {
+            Append(wanted, member->m_wsAdapterID);
+        }
+        for (const CAdapter* adapter : named.m_vecItems) {
+            if (!Contains(wanted, adapter->m_wsAdapterID)) {
+                Append(added, adapter->m_wsAdapterID);
+                Append(wanted, adapter->m_wsAdapterID);
+            }
+        }
+        // A member that is there already is no problem; the rest is for the provider to judge.
+        ULONGLONG word = 0;
+        if (!added.m_vecItems.empty()) {
+            Invocation::Check(session.ValidateAddAdapters(team.m_wsTeamID, current, added, word),
+                              "check the adapters");
+        }
+        problems.Add(word);
+        return wanted;
+    }
+};
+
+class RemoveMembers final : public ChangeMembers {
+    CAdapters Wanted(CQuillet&, const CTeam& team, const CTeamedAdapters& current, const CAdapters& named,
+                     Problems&) const override {
+        for (const CAdapter* adapter : named.m_vecItems) {
+            if (!Contains(current, adapter->m_wsAdapterID)) {
+                throw UsageError(ToUtf8(adapter->m_wsAdapterID) + " is no member of " + Called(team));
+            }
+        }
+        CAdapters wanted;
+        for (const CTeamedAdapter* member : current.m_vecItems) {
+            if (!Contains(named, member->m_wsAdapterID)) {
+                Append(wanted, member->m_wsAdapterID);
+            }
+        }
+        return wanted;
+    }
+};
+
+class ModifyTeam final : public TeamCommand {
+  public:
+    void Declare(Syntax& syntax) override {
+        TeamCommand::Declare(syntax);
+        syntax.Text("--name", m_newName, "NAME", "The team's new name");
+        syntax.Text("--mode", m_mode, "MODE", "The team's new mode, by number or name");
+    }
+
+  private:
+    ExitStatus RunFor(const CTeam& team, Invocation& run) override {
+        if (!m_newName && !m_mode) {
+            throw UsageError("nothing to change: --name or --mode is needed");
+        }
+        CQuillet& session = run.Session();
+        CTeam changed = team;
+        Problems problems;
+        DWORD word = 0;
+        if (m_newName) {
+            changed.m_wsCaption = ToWide(*m_newName);
+            Ask(session.ValidateTeamName(changed.m_wsCaption, team.m_wsTeamID, word), "check the name");
+            problems.Add(word);
+        }
+        if (m_mode) {
+            changed.m_eTeamMode = ModeFrom(*m_mode);
+            Ask(session.ValidateTeamMode(changed.m_eTeamMode, team.m_wsTeamID, word), "check the mode");
+            problems.Add(word);
+        }
+        if (problems.Any()) {
+            return problems.Report(run);
+        }
+        ClientSet set(session);
+        Invocation::Check(session.ModifyTeamInfo(team.m_wsTeamID, changed), "change " + Called(team));
+        PrintChanged(run, changed, "changed " + Called(team), set.Close());
+        return ExitStatus::Done;
+    }
+
+    std::optional<std::string> m_newName;
+    std::optional<std::string> m_mode;
+};
+
+class DeleteTeam final : public TeamCommand {
+    ExitStatus RunFor(const CTeam& team, Invocation& run) override {
+        CQuillet& session = run.Session();
+        ClientSet set(session);
+        Invocation::Check(session.RemoveTeam(team.m_wsTeamID), "delete " + Called(team));
+        PrintChanged(run, team, "deleted " + Called(team), set.Close());
+        return ExitStatus::Done;
+    }
+};
+
+class MakePrimary final : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Argument("adapter", m_adapter, "The member: its name, object ID or object path");
+        syntax.Flag("--secondary", m_secondary, "Make it the secondary member instead");
+        syntax.Flag("--none", m_none, "Take its role away instead");
+    }
+
+    ExitStatus Run(Invocation& run) override {
+        if (m_secondary && m_none) {
+            throw UsageError("--secondary: not together with --none");
+        }
+        CQuillet& session = run.Session();
+        const ListedAdapter adapter = FindAdapter(session, m_adapter);
+        const LONG role = m_none ? 0 : m_secondary ? 2 : 1;
+        ClientSet set(session);
+        Invocation::Check(session.SetTeamedAdapterPriority(ToWide(adapter.path), role),
+                          "change the role of " + adapter.Called());
+        const bool restartNeeded = set.Close();
+        bool primary = false;
+        Invocation::Check(session.IsPrimaryAdapter(ToWide(adapter.path), primary),
+                          "read the role of " + adapter.Called());
+        if (run.WantsJson()) {
+            run.Print(Json{{"path", adapter.path},
+                           {"role", Coded(role, RoleText(role))},
+                           {"primary", primary},
+                           {"restartNeeded", restartNeeded}});
+        } else {
+            run.Out() << Printable(adapter.Called()) << ": " << RoleText(role) << ": "
+                      << RestartText(restartNeeded) << '\n';
+        }
+        return ExitStatus::Done;
+    }
+
+  private:
+    std::string m_adapter;
+    bool m_secondary = false;
+    bool m_none = false;
+};
+
+class TestSwitch final : public TeamCommand {
+  public:
+    void Declare(Syntax& syntax) override {
+        TeamCommand::Declare(syntax);
+        syntax.Number("--timeout", m_seconds, 1, 3600, "For how many seconds to wait for the result");
+    }
+
+  private:
+    struct Result {
+        CTeam::SwitchCmdStatus status{};
+        std::vector<std::wstring> causes, solutions;
+        std::vector<int> causeIds, solutionIds;
+    };
+
+    ExitStatus RunFor(const CTeam& team, Invocation& run) override {
+        CQuillet& session = run.Session();
+        if (session.TestSwitchSupport(team.m_eTeamMode) == 0) {
+            throw UsageError(Called(team) + ": " + ModeText(team.m_eTeamMode) +
+                             " asks nothing of the switch, so there is nothing to test");
+        }
+        const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(m_seconds);
+        Result result = Send(session, team, CTeam::SwitchCmdStart);
+        while (result.status == CTeam::SwitchCmdStatusRunning) {
+            if (std::chrono::steady_clock::now() >= until) {
+                Send(session, team, CTeam::SwitchCmdStop);
+                throw Refusal("test the switch of " + Called(team) + " in time",
+                              static_cast<HRESULT>(WBEM_E_TIMED_OUT));
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            result = Send(session, team, CTeam::SwitchCmdQuery);
+        }
+        Print(run, team, result);
+        return result.status == CTeam::SwitchCmdStatusPassed ? ExitStatus::Done : ExitStatus::Findings;
+    }
+
+    static Result Send(CQuillet& session, const CTeam& team, CTeam::SwitchCmd command) {
+        Result result;
+        Invocation::Check(session.TestSwitchConfiguration(team.m_wsTeamID, command, result.status,
+                                                          result.causes, result.solutions, result.causeIds,
+                                                          result.solutionIds),
+                          "test the switch of " + Called(team));
+        return result;
+    }
+
+    /// The text or number at a place; lists of the provider's need not be of one length.
+    template <class Value>
+    static Value At(const std::vector<Value>& values, std::size_t place) {
+        return place < values.size() ? values[place] : Value();
+    }
+
+    static void Print(Invocation& run, const CTeam& team, const Result& result) {
+        const std::string status = Words(result.status, CTeamTexts::SwitchCmdStatus(result.status));
+        const std::size_t count = std::max(result.causes.size(), result.solutions.size());
+        if (run.WantsJson()) {
+            Json troubles = Json::array();
+            for (std::size_t i = 0; i < count; ++i) {
+                troubles.push_back(Json{{"cause", ToUtf8(At(result.causes, i))},
+                                        {"causeId", At(result.causeIds, i)},
+                                        {"solution", ToUtf8(At(result.solutions, i))},
+                                        {"solutionId", At(result.solutionIds, i)}});
+            }
+            run.Print(Json{{"path", ToUtf8(team.m_wsTeamID)},
+                           {"status", Coded(result.status, status)},
+                           {"troubles", std::move(troubles)}});
+            return;
+        }
+        run.Out() << "the test of the switch: " << status << '\n';
+        for (std::size_t i = 0; i < count; ++i) {
+            run.Out() << Printable(ToUtf8(At(result.causes, i))) << '\n'
+                      << "  " << Printable(ToUtf8(At(result.solutions, i))) << '\n';
+        }
+    }
+
+    std::uint32_t m_seconds = 60;
+};
+
+} // namespace
+
+void AddTeamCommands(CommandTree& tree) {
+    tree.AddNoun("team", "Teams of adapters")
+        .Verb("list", "List the teams", ListTeams)
+        .Verb("show", "What is known of a team, and its members", std::make_unique<ShowTeam>())
+        .Verb("modes", "The modes that adapters can be teamed in", std::make_unique<ListModes>())
+        .Verb("create", "Check and make a team", std::make_unique<CreateTeam>())
+        .Verb("add", "Add adapters to a team", std::make_unique<AddMembers>())
+        .Verb("remove", "Take adapters out of a team", std::make_unique<RemoveMembers>())
+        .Verb("modify", "Change a team's name or mode", std::make_unique<ModifyTeam>())
+        .Verb("delete", "Remove a team and its VLANs", std::make_unique<DeleteTeam>())
+        .Verb("primary", "Make an adapter the primary member of its team", std::make_unique<MakePrimary>())
+        .Verb("switch-test", "Test whether the switch is set up for a team", std::make_unique<TestSwitch>());
+}
+
+} // namespace quilletctl
