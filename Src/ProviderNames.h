@@ -286,10 +286,6 @@ inline constexpr ProviderName L_CLASS_ZOREL_NETWORKVIRTUALADAPTER{L"L_CLASS_ZORE
 inline constexpr ProviderName L_PROP_NETWORKVIRTUALADAPTER_SAMEELEMENT{
     L"L_PROP_NETWORKVIRTUALADAPTER_SAMEELEMENT", L"SameElement"};
 
-// Teams.
-inline constexpr ProviderName L_CLASS_ZOREL_TEAMOFADAPTERS{L"L_CLASS_ZOREL_TEAMOFADAPTERS",
-                                                           L"Zorel_TeamOfAdapters"};
-
 // VLANs and the services that make them. Their properties are called parameters, as they are when a VLAN is
 // made.
 inline constexpr ProviderName L_CLASS_ZOREL_VLAN{L"L_CLASS_ZOREL_VLAN", L"Zorel_VLAN"};

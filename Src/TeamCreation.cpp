@@ -114,8 +114,7 @@ class MemberCheck {
             if (!m_speedsKnown && has) {
                 m_sharedSpeeds.push_back(speed.code);
             } else if (m_speedsKnown && !has) {
-                m_sharedSpeeds.erase(std::remove(m_sharedSpeeds.begin(), m_sharedSpeeds.end(), speed.code),
-                                     m_sharedSpeeds.end());
+                CQuillet::RemoveIntVectorElement(m_sharedSpeeds, speed.code);
             }
         }
         m_speedsKnown = true;

@@ -2,6 +2,7 @@
 #include "TeamChecks.h"
 
 #include "StoreQueries.h"
+#include "VlanModel.h"
 
 #include <algorithm>
 #include <functional>
@@ -88,7 +89,7 @@ std::uint64_t ReasonsAgainstMembers(const Repository& store, const std::vector<I
         if (!MembershipsOf(store, *adapter).empty()) {
             reasons |= ReasonTeamedAlready;
         }
-        if (!InstancesWhere(store, L"Zorel_VLAN", L"ParentID", adapter->Text(L"DeviceID")).empty()) {
+        if (!VlansOf(store, adapter->Text(L"DeviceID")).empty()) {
             reasons |= ReasonHasVlans;
         }
         all.push_back(adapter);

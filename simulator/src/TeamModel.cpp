@@ -2,6 +2,7 @@
 #include "TeamModel.h"
 
 #include "StoreQueries.h"
+#include "VlanModel.h"
 
 #include <algorithm>
 
@@ -48,14 +49,6 @@ void Delete(Repository& store, const Instance& instance) {
     }
 }
 
-void DeleteSettings(Repository& store, const std::wstring& owner, const wchar_t* kind) {
-    for (const auto& setting : InstancesWhere(store, L"Zorel_Setting", L"ParentId", owner)) {
-        if (SameName(setting->Text(L"ParentType"), kind)) {
-            Delete(store, *setting);
-        }
-    }
-}
-
 InstancePtr TeamOf(const Repository& store, const Instance& membership) {
     return store.FindInstance(membership.Text(L"GroupComponent"));
 }
@@ -69,6 +62,10 @@ InstancePtr HolderOf(const Repository& store, const Instance& team, std::int64_t
 }
 
 } // namespace
+
+std::wstring VlanServiceCaption(const std::wstring& team) {
+    return L"VLAN service of " + team;
+}
 
 Instance MakeInstance(const Repository& store, std::wstring_view className,
                       std::initializer_list<std::pair<const wchar_t*, Value>> values) {
@@ -208,7 +205,6 @@ void RefreshTeamOf(Repository& store, const Instance& adapter) {
 }
 
 HRESULT RenameTeam(Repository& store, const Instance& team, const std::wstring& caption) {
-    const auto before = team.Text(L"Caption");
     const auto id = team.Text(L"Name");
     const HRESULT result = Change(store, team, {{L"Caption", Value::Text(caption)}});
     if (FAILED(result)) {
@@ -217,32 +213,24 @@ HRESULT RenameTeam(Repository& store, const Instance& team, const std::wstring& 
     if (const auto logical = LogicalAdapterOf(store, team)) {
         Change(store, *logical, {{L"Name", Value::Text(caption)}, {L"Caption", Value::Text(caption)}});
     }
-    const auto replace = [&](const wchar_t* className, const wchar_t* owner, const std::wstring& prefix,
-                             const std::wstring& ending) {
-        for (const auto& part : InstancesWhere(store, className, owner, id)) {
-            const auto text = part->Text(L"Caption");
-            const auto named = prefix + before + ending;
-            if (text.compare(0, named.size(), named) == 0) {
-                Change(store, *part,
-                       {{L"Caption", Value::Text(prefix + caption + ending + text.substr(named.size()))}});
-            }
-        }
-    };
-    replace(L"Zorel_802dot1QVLANService", L"Name", L"VLAN service of ", L"");
-    replace(L"Zorel_VLAN", L"ParentID", L"", L" - VLAN : ");
+    for (const auto& service : InstancesWhere(store, L"Zorel_802dot1QVLANService", L"Name", id)) {
+        Change(store, *service, {{L"Caption", Value::Text(VlanServiceCaption(caption))}});
+    }
+    for (const auto& vlan : VlansOf(store, id)) {
+        Change(store, *vlan, {{L"Caption", Value::Text(VlanCaption(store, id, vlan->Text(L"VLANName")))}});
+    }
     return S_OK;
 }
 
 HRESULT RemoveTeamFrom(Repository& store, const Instance& team) {
     const auto id = team.Text(L"Name");
-    for (const auto& vlan : InstancesWhere(store, L"Zorel_VLAN", L"ParentID", id)) {
-        DeleteSettings(store, vlan->Text(L"Name"), L"VLAN");
-        Delete(store, *vlan);
-    }
+    RemoveVlansOf(store, id);
     for (const auto& service : InstancesWhere(store, L"Zorel_802dot1QVLANService", L"Name", id)) {
         Delete(store, *service);
     }
-    DeleteSettings(store, id, L"TEAM");
+    for (const auto& setting : InstancesWhere(store, L"Zorel_TeamSetting", L"ParentId", id)) {
+        Delete(store, *setting);
+    }
     for (const auto& membership : MembershipsOf(store, team)) {
         Delete(store, *membership);
     }

@@ -38,6 +38,9 @@ bool HasCapability(const Instance& adapter, std::int64_t code);
 /// Whether the adapter supports a team mode.
 bool SupportsMode(const Instance& adapter, std::int64_t mode);
 
+/// The display name of a team's VLAN service.
+std::wstring VlanServiceCaption(const std::wstring& team);
+
 /// Makes a membership. @param role nothing: the first that is free
 HRESULT AddMember(Repository& store, const Instance& team, const Instance& adapter,
                   std::optional<std::int64_t> role);

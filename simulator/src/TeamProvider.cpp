@@ -149,6 +149,7 @@ class TeamProvider final : public ClassProvider {
             }
             return made;
         }
+        call.request.Changed(*team->definition);
         call.out.Set(L"TeamPath", Value::Text(store.FullPath(*team)));
         call.Answer(L"ReturnValue", 0);
         return S_OK;
@@ -202,7 +203,7 @@ class TeamProvider final : public ClassProvider {
                         [](const InstancePtr& each) { return HasCapability(*each, kVlanCapability); })) {
             const auto service = MakeInstance(
                 store, L"Zorel_802dot1QVLANService",
-                {{L"Name", Value::Text(id)}, {L"Caption", Value::Text(L"VLAN service of " + caption)}});
+                {{L"Name", Value::Text(id)}, {L"Caption", Value::Text(VlanServiceCaption(caption))}});
             if (FAILED(result = store.PutInstance(service, create))) {
                 return result;
             }
