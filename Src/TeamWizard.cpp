@@ -118,7 +118,10 @@ HRESULT CQuillet::GetAdapterTeamModes(const std::wstring& adapterId, CAdapter& a
     if (adapter.m_pTeamModes) {
         adapter.m_pTeamModes->RemoveAll();
     } else {
-        adapter.m_pTeamModes = new CTeamWizTeamModes;
+        adapter.m_pTeamModes = new (std::nothrow) CTeamWizTeamModes;
+        if (!adapter.m_pTeamModes) {
+            return trace.Fail(E_FAIL, L"rAdapter.m_pTeamModes == NULL");
+        }
     }
     for (LONGLONG index = lower; index <= upper; ++index) {
         LONG code = 0;

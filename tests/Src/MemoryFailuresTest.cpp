@@ -121,6 +121,75 @@ TEST_F(MemoryFailuresTest, Settings_NoMemoryForTheSecondRecord_KeepsTheFirst) {
     EXPECT_THAT(Traced(), Contains("pSetting == NULL"));
 }
 
+class TeamMemoryFailuresTest : public MemoryFailuresTest {
+  protected:
+    void SetUp() override {
+        UseText(R"(
+            instance of Zorel_NetService { Name = "ZorelNetService"; };
+            instance of Zorel_PhysicalEthernetAdapter as $A { DeviceID = "{A}"; Capabilities = {4, 5}; };
+            instance of Zorel_PhysicalEthernetAdapter as $B { DeviceID = "{B}"; Capabilities = {4, 5}; };
+            instance of Zorel_TeamOfAdapters as $T {
+                Name = "{T}"; Caption = "t"; TeamingMode = 0; MFOEnabled = FALSE; LinksecEnabled = FALSE; };
+            instance of Zorel_TeamOfAdapters {
+                Name = "{U}"; Caption = "u"; TeamingMode = 0; MFOEnabled = FALSE; LinksecEnabled = FALSE; };
+            instance of Zorel_TeamedMemberAdapter { GroupComponent = $T; PartComponent = $A; };
+            instance of Zorel_TeamedMemberAdapter { GroupComponent = $T; PartComponent = $B; };)");
+        Connect();
+    }
+    const std::wstring A = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+};
+
+TEST_F(TeamMemoryFailuresTest, Teams_NoMemoryForTheSecondRecord_KeepsTheFirst) {
+    CTeams teams;
+    g_failAt = 2;
+    g_size = sizeof(CTeam);
+    EXPECT_EQ(Code(quillet.EnumerateTeams(teams)), "0x80004005");
+    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+    EXPECT_EQ(teams.m_vecItems.size(), 1u);
+    EXPECT_THAT(Traced(), Contains("pTeam == NULL"));
+}
+
+TEST_F(TeamMemoryFailuresTest, Members_NoMemoryForTheSecondRecord_KeepsTheFirst) {
+    CTeamedAdapters members;
+    g_failAt = 2;
+    g_size = sizeof(CTeamedAdapter);
+    EXPECT_EQ(Code(quillet.GetMemberAdapters(LR"(Zorel_TeamOfAdapters.Name="{T}")", members)), "0x80004005");
+    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+    EXPECT_EQ(members.m_vecItems.size(), 1u);
+    EXPECT_THAT(Traced(), Contains("pTeamedAdapter == NULL"));
+}
+
+TEST_F(TeamMemoryFailuresTest, TeamModes_NoMemoryForARecord_FailsWithItsLine) {
+    CAdapter adapter;
+    g_failAt = 1;
+    g_size = sizeof(CTeamWizTeamModes);
+    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(A, adapter)), "0x80004005");
+    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+    EXPECT_EQ(adapter.m_pTeamModes, nullptr);
+    EXPECT_THAT(Traced(), Contains("rAdapter.m_pTeamModes == NULL"));
+    g_failAt = 2;
+    g_size = sizeof(CTeamWizTeamMode);
+    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(A, adapter)), "0x80004005");
+    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+    ASSERT_NE(adapter.m_pTeamModes, nullptr);
+    EXPECT_EQ(adapter.m_pTeamModes->m_vecItems.size(), 1u);
+    EXPECT_THAT(Traced(), Contains("(NULL == pTeamMode)"));
+}
+
+TEST_F(TeamMemoryFailuresTest, CompatibleModes_NoMemoryForARecord_FailsWithItsLine) {
+    CAdapters adapters;
+    adapters.m_vecItems.push_back(new CAdapter);
+    adapters.m_vecItems[0]->m_wsAdapterID = A;
+    CTeamWizTeamModes modes;
+    // The adapter's own two records come first.
+    g_failAt = 4;
+    g_size = sizeof(CTeamWizTeamMode);
+    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(adapters, modes, true)), "0x80004005");
+    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+    EXPECT_EQ(modes.m_vecItems.size(), 1u);
+    EXPECT_THAT(Traced(), Contains("(NULL == pTeamModeComp)"));
+}
+
 TEST_F(MemoryFailuresTest, InitQuillet_NoMemoryForThePrivileges_IsThatCodeAndSendsNothing) {
     quillet.UninitQuillet();
     Calls();
