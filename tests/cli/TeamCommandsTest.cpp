@@ -31,7 +31,8 @@ class Teams : public CommandLine {
     /// The names and roles of a team's members.
     std::vector<std::string> Members(const std::string& team) {
         std::vector<std::string> members;
-        for (const Json& member : RunJson({"team", "show", team}).at("members")) {
+        const Json shown = RunJson({"team", "show", team});
+        for (const Json& member : shown.at("members")) {
             members.push_back(member.at("deviceId").get<std::string>() + " " +
                               member.at("role").at("text").get<std::string>());
         }
@@ -66,15 +67,15 @@ TEST_F(Teams, List_OfAMachineWithoutTeams) {
 TEST_F(Teams, Show_TellsTheTeamAndItsMembers) {
     const Outcome outcome = Run({"team", "show", TEAM_ID});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_EQ(outcome.out, "Name                      TEAM : Zürich\n"
-                           "Object ID                 {233D64CB-B845-581B-A807-C628FFE690C9}\n"
-                           "Mode                      adaptive load balancing\n"
-                           "Status                    enabled\n"
-                           "MAC address               02-00-5E-00-20-01\n"
-                           "Adapters of other makers  no\n"
-                           "Link security             no\n"
-                           "Bound to Hyper-V          no\n"
-                           "Enabled members           2 of 2\n"
+    EXPECT_EQ(outcome.out, "Name:                      TEAM : Zürich\n"
+                           "Object ID:                 {233D64CB-B845-581B-A807-C628FFE690C9}\n"
+                           "Mode:                      adaptive load balancing\n"
+                           "Status:                    enabled\n"
+                           "MAC address:               02-00-5E-00-20-01\n"
+                           "Adapters of other makers:  no\n"
+                           "Link security:             no\n"
+                           "Bound to Hyper-V:          no\n"
+                           "Enabled members:           2 of 2\n"
                            "\n"
                            "MEMBER    ROLE       STATUS  OBJECT ID\n"
                            "Zürich 1  primary    active  {DF69224E-BBCB-576F-A929-C8858BAF7155}\n"
@@ -128,9 +129,9 @@ TEST_F(Teams, Modes_AreThoseThatAllAdaptersSupport) {
 TEST_F(Teams, Modes_OfATeam_AsksForTheBest) {
     const Outcome outcome = Run({"team", "modes", "--team", TEAM_ID});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_EQ(outcome.out, "Detection  completed\n"
-                           "Coverage   100 %\n"
-                           "Best mode  IEEE 802.3ad Dynamic Link Aggregation (4)\n");
+    EXPECT_EQ(outcome.out, "Detection:  completed\n"
+                           "Coverage:   100 %\n"
+                           "Best mode:  IEEE 802.3ad Dynamic Link Aggregation (4)\n");
     const Json json = RunJson({"team", "modes", "--team", TEAM_ID});
     EXPECT_EQ(json.at("coverage"), 100);
     EXPECT_EQ(json.at("mode").at("code"), 4);
@@ -212,7 +213,7 @@ TEST_F(Teams, AddAndRemove_ChangeTheMembers) {
 TEST_F(Teams, Modify_ChangesNameAndMode) {
     const Outcome renamed = Run({"team", "modify", TEAM_ID, "--name", "Core", "--mode", "4"});
     EXPECT_EQ(renamed.status, 0) << renamed.err;
-    EXPECT_EQ(renamed.out, "changed Core: no restart is needed\n");
+    EXPECT_EQ(renamed.out, "changed TEAM : Zürich: no restart is needed\n");
     const Json shown = RunJson({"team", "show", "Core"});
     EXPECT_EQ(shown.at("mode").at("code"), 4);
     EXPECT_EQ(shown.at("objectId"), TEAM_ID);
