@@ -4,6 +4,7 @@
 #include "AdapterLookup.h"
 #include "Invocation.h"
 #include "ObjectPath.h"
+#include "TeamLookup.h"
 #include "Text.h"
 
 #include <algorithm>
@@ -92,6 +93,11 @@ SettingOwner FindSettingOwner(CQuillet& session, const std::string& text, const 
         const OwnerClass& agent = ClassOf(wanted);
         return {wanted, PathOf(agent.name, agent.key, adapter.objectId), adapter.objectId,
                 "the boot agent of " + adapter.Called()};
+    }
+    if (wanted == SettingOwner::Kind::Team) {
+        const CTeam team = FindTeam(session, text);
+        const std::string path = ToUtf8(team.m_wsTeamID);
+        return {wanted, path, NameInPath(path).key, Called(team)};
     }
     const std::string objectId = ObjectIdFrom(text);
     if (objectId.empty()) {

@@ -73,6 +73,12 @@ TEST_F(Settings, List_OfTeamsVlansAndBootAgents_ShowsAllSixKinds) {
     }
 }
 
+TEST_F(Settings, List_ATeamGoesByItsNameToo) {
+    const Outcome outcome = Run({"setting", "list", "team : Zürich", "--of", "team"});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out, Golden("setting-list-team.txt"));
+}
+
 TEST_F(Settings, List_APathSaysItselfWhatItIsAPathOf) {
     const std::string team = std::string("Zorel_TeamOfAdapters.Name=\"") + TEAM + '"';
     EXPECT_EQ(RunJson({"setting", "list", team}).at("owner").at("kind"), "team");
