@@ -18,13 +18,6 @@ namespace {
 /// The bit of "AdapterStatus" that says that the hardware is not there.
 constexpr LONG HARDWARE_MISSING = 4;
 
-/// A non-zero verdict of the provider is for whoever reads the trace; it does not fail the operation.
-void NoteVerdict(const wchar_t* operation, LONG verdict) {
-    if (verdict != 0) {
-        LumTrace().Print(L"%s -> ReturnValue %ld", operation, verdict);
-    }
-}
-
 } // namespace
 
 HRESULT CQuillet::EnumerateOtherPortOfAdapter(const std::wstring& adapterId, CAdapterPorts& ports) {
@@ -107,16 +100,11 @@ HRESULT CQuillet::IdentifyAdapter(const std::wstring& adapterId, LONG seconds) {
         return trace.Fail(E_FAIL, L"(wsAdapterID.empty())");
     }
     const ProviderSession session(*this);
-    LONG verdict = 0;
-    const HRESULT result =
-        ProviderMethod(session, L_CLASS_ZOREL_ETHERNETADAPTER, L_METHOD_ETHERNETADAPTER_IDENTIFY)
-            .Put(L_PARAM_ETHERNETADAPTER_IDENTIFY_SECONDS, VariantOfLong(seconds))
-            .Exec(adapterId.c_str(), L"wsAdapterID")
-            .Read(L"pAdapter_OutParams")
-            .Long(L_METHOD_RETURN, verdict)
-            .Result();
-    NoteVerdict(L"IdentifyAdapter", verdict);
-    return result;
+    ProviderMethod method(session, L_CLASS_ZOREL_ETHERNETADAPTER, L_METHOD_ETHERNETADAPTER_IDENTIFY);
+    PropertyReader read = method.Put(L_PARAM_ETHERNETADAPTER_IDENTIFY_SECONDS, VariantOfLong(seconds))
+                              .Exec(adapterId.c_str(), L"wsAdapterID")
+                              .Read(L"pAdapter_OutParams");
+    return ReadVerdict(read, L"IdentifyAdapter");
 }
 
 HRESULT CQuillet::GetHbaPath(const std::wstring& adapterId, std::wstring& path) {
@@ -125,16 +113,10 @@ HRESULT CQuillet::GetHbaPath(const std::wstring& adapterId, std::wstring& path) 
         return trace.Fail(E_FAIL, L"(wsAdapterID.empty())");
     }
     const ProviderSession session(*this);
-    LONG verdict = 0;
-    const HRESULT result =
-        ProviderMethod(session, L_CLASS_ZOREL_ETHERNETADAPTER, L_METHOD_ETHERNETADAPTER_GET_HBA_PATH)
-            .Exec(adapterId.c_str(), L"wsAdapterID")
-            .Read(L"pAdapter_OutParams")
-            .String(L_PARAM_ETHERNETADAPTER_HBA_PATH, path)
-            .Long(L_METHOD_RETURN, verdict)
-            .Result();
-    NoteVerdict(L"GetHbaPath", verdict);
-    return result;
+    ProviderMethod method(session, L_CLASS_ZOREL_ETHERNETADAPTER, L_METHOD_ETHERNETADAPTER_GET_HBA_PATH);
+    PropertyReader read = method.Exec(adapterId.c_str(), L"wsAdapterID").Read(L"pAdapter_OutParams");
+    read.String(L_PARAM_ETHERNETADAPTER_HBA_PATH, path);
+    return ReadVerdict(read, L"GetHbaPath");
 }
 
 HRESULT CQuillet::GetNDIS_Version(const std::wstring& adapterId, int& major, int& minor) {

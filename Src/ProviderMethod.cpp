@@ -131,3 +131,14 @@ void ProviderMethod::Fail(HRESULT result, const wchar_t* text, const ProviderNam
     LumTrace().Print(L"%s%s%s", text, name.symbol, ending);
     m_result = result;
 }
+
+HRESULT ReadVerdict(PropertyReader& read, const wchar_t* operation) {
+    LONG verdict = 0;
+    if (read.Long(L_METHOD_RETURN, verdict).Failed()) {
+        return read.Result();
+    }
+    if (verdict != 0) {
+        LumTrace().Print(L"%s -> ReturnValue %ld", operation, verdict);
+    }
+    return S_OK;
+}

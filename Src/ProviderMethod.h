@@ -59,3 +59,7 @@ class ProviderMethod {
     ATL::CComPtr<IWbemClassObject> m_out;
     HRESULT m_result = S_OK;
 };
+
+/// Reads "ReturnValue", the last thing that many operations read. One that is not 0 is for whoever reads the
+/// trace; it does not fail the operation. @return what the reader says, 0 for any success
+HRESULT ReadVerdict(PropertyReader& read, const wchar_t* operation);

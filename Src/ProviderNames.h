@@ -334,3 +334,61 @@ inline constexpr ProviderName L_PROP_SETTING_POSSIBLE_VALUES{L"L_PROP_SETTING_PO
                                                              L"PossibleValues"};
 inline constexpr ProviderName L_PROP_SETTING_FIRST_LABEL{L"L_PROP_SETTING_FIRST_LABEL", L"FirstLabel"};
 inline constexpr ProviderName L_PROP_SETTING_LAST_LABEL{L"L_PROP_SETTING_LAST_LABEL", L"LastLabel"};
+
+// Checks of settings by the team or VLAN.
+inline constexpr ProviderName L_METHOD_TEAMOFADAPTERS_VALIDATESETTING{
+    L"L_METHOD_TEAMOFADAPTERS_VALIDATESETTING", L"ValidateSetting"};
+inline constexpr ProviderName L_PARAM_TEAMOFADAPTERS_VALIDATESETTING_ADAPTERID{
+    L"L_PARAM_TEAMOFADAPTERS_VALIDATESETTING_ADAPTERID", L"Adapter"};
+inline constexpr ProviderName L_PARAM_TEAMOFADAPTERS_VALIDATESETTING_SETTINGNAME{
+    L"L_PARAM_TEAMOFADAPTERS_VALIDATESETTING_SETTINGNAME", L"SettingName"};
+inline constexpr ProviderName L_PARAM_TEAMOFADAPTERS_VALIDATESETTING_SETTINGVALUE{
+    L"L_PARAM_TEAMOFADAPTERS_VALIDATESETTING_SETTINGVALUE", L"Value"};
+inline constexpr ProviderName L_PARAM_TEAMOFADAPTERS_VALIDATESETTING_RESULT{
+    L"L_PARAM_TEAMOFADAPTERS_VALIDATESETTING_RESULT", L"ValResult"};
+inline constexpr ProviderName L_METHOD_VLAN_VALIDATESETTING{L"L_METHOD_VLAN_VALIDATESETTING",
+                                                            L"ValidateSetting"};
+inline constexpr ProviderName L_PARAM_VLAN_VALIDATESETTING_SETTINGNAME{
+    L"L_PARAM_VLAN_VALIDATESETTING_SETTINGNAME", L"SettingName"};
+inline constexpr ProviderName L_PARAM_VLAN_VALIDATESETTING_SETTINGVALUE{
+    L"L_PARAM_VLAN_VALIDATESETTING_SETTINGVALUE", L"Value"};
+inline constexpr ProviderName L_PARAM_VLAN_VALIDATESETTING_RESULT{L"L_PARAM_VLAN_VALIDATESETTING_RESULT",
+                                                                  L"ValResult"};
+
+// Power-saving and wake-on-LAN options. The symbol of the bus option is misspelt, and known so.
+inline constexpr ProviderName L_METHOD_ETHERNETADAPTER_GETPWRUSAGE{L"L_METHOD_ETHERNETADAPTER_GETPWRUSAGE",
+                                                                   L"GetPowerUsageOptions"};
+inline constexpr ProviderName L_METHOD_ETHERNETADAPTER_SETPWRUSAGE{L"L_METHOD_ETHERNETADAPTER_SETPWRUSAGE",
+                                                                   L"SetPowerUsageOptions"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_PWR_SAVEPWRENB{
+    L"L_PARAM_ETHERNETADAPTER_PWR_SAVEPWRENB", L"SavePowerNowEnabled"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_PWR_AUTOPWRSAVEENB{
+    L"L_PARAM_ETHERNETADAPTER_PWR_AUTOPWRSAVEENB", L"AutoPowerSaveModeEnabled"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_PWR_REDUCESPEED{
+    L"L_PARAM_ETHERNETADAPTER_PWR_REDUCESPEED", L"ReduceSpeedOnPowerDown"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_PWR_SMARTPWRDOWN{
+    L"L_PARAM_ETHERNETADAPTER_PWR_SMARTPWRDOWN", L"SmartPowerDown"};
+inline constexpr ProviderName L_PARAM_ETHERMETADAPTER_PWR_ASPMPWRSVR{
+    L"L_PARAM_ETHERMETADAPTER_PWR_ASPMPWRSVR", L"EnhancedASPMPowerSaver"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_PWR_ACBSMODE{L"L_PARAM_ETHERNETADAPTER_PWR_ACBSMODE",
+                                                                   L"ACBSMode"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_PWR_LNKSPDBATSVR{
+    L"L_PARAM_ETHERNETADAPTER_PWR_LNKSPDBATSVR", L"LinkSpeedBatterySaver"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_PWR_SYSIDLEPWRSVR{
+    L"L_PARAM_ETHERNETADAPTER_PWR_SYSIDLEPWRSVR", L"SystemIdlePowerSaver"};
+inline constexpr ProviderName L_METHOD_ETHERNETADAPTER_GETWAKEONLANUSAGE{
+    L"L_METHOD_ETHERNETADAPTER_GETWAKEONLANUSAGE", L"GetWakeOnLanPowerOptions"};
+inline constexpr ProviderName L_METHOD_ETHERNETADAPTER_SETWAKEONLANUSAGE{
+    L"L_METHOD_ETHERNETADAPTER_SETWAKEONLANUSAGE", L"SetWakeOnLanPowerOptions"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_WOL_FROMPWROFF{
+    L"L_PARAM_ETHERNETADAPTER_WOL_FROMPWROFF", L"WakeFromPowerOff"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_WOL_LINK{L"L_PARAM_ETHERNETADAPTER_WOL_LINK",
+                                                               L"WakeOnLink"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_WOL_MAGICPKT{L"L_PARAM_ETHERNETADAPTER_WOL_MAGICPKT",
+                                                                   L"WakeOnMagicPacket"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_WOL_DIRECTEDPKT{
+    L"L_PARAM_ETHERNETADAPTER_WOL_DIRECTEDPKT", L"WakeOnDirectedPacket"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_WOL_PATTERN{L"L_PARAM_ETHERNETADAPTER_WOL_PATTERN",
+                                                                  L"WakeOnPattern"};
+inline constexpr ProviderName L_METHOD_ETHERNETADAPTER_SETPOWERMGMTCAP{
+    L"L_METHOD_ETHERNETADAPTER_SETPOWERMGMTCAP", L"SetPowerMgmtCapabilities"};

@@ -16,6 +16,8 @@
 #include <quillet/ISCSIAdapter.h>
 #include <quillet/LinkSecurity.h>
 #include <quillet/PerformanceProfile.h>
+#include <quillet/Power.h>
+#include <quillet/RssWarning.h>
 #include <quillet/Setting.h>
 #include <quillet/SettingNames.h>
 #include <quillet/Team.h>
@@ -160,6 +162,78 @@ class QUILLET_API CQuillet {
                                          const _bstr_t& caption, CSettings& settings, DWORD selector);
     HRESULT GetSettingFromClassOnAdapter(const _bstr_t& className, const _bstr_t& parentId,
                                          const _bstr_t& caption, CSettings& settings);
+    /// @}
+
+    /// @name Writing and checking settings
+    /// A write belongs between BeginApply and ApplyDone. The checks change nothing; what they find is told by
+    /// bit masks, and their result says only whether the check could be made.
+    /// @{
+
+    /// Writes a setting's current value back ("CurrentValue", or "CurrentValues" of a list of texts) and
+    /// stores the instance.
+    /// @param settingId the object path of the setting's instance, its `m_wsPath`.
+    /// @return 0x80004005 for an empty path; 0x80041001 for a setting that has no value of its kind; else
+    ///         what the provider says to the value.
+    HRESULT SetSetting(const std::wstring& settingId, const CSetting& setting);
+    /// Asks the adapter's team whether the adapter may take a value
+    /// (Zorel_TeamOfAdapters.ValidateSetting). An adapter without a team may, as far as this goes.
+    /// @param[out] isTeamed whether the adapter is a member of a team.
+    /// @param[out] warnings the provider's reasons against it, its own bit mask; 0 for none.
+    HRESULT ValidateSetSetting(const std::wstring& adapterId, bool& isTeamed, const std::wstring& settingName,
+                               LONG value, ULONGLONG& warnings);
+    /// Asks a VLAN whether it may take a value (Zorel_VLAN.ValidateSetting).
+    /// @param vlanId the VLAN's object identifier (GUID text) or its object path.
+    /// @param[out] warnings the provider's reasons against it, its own bit mask; 0 for none.
+    HRESULT ValidateSetSettingOnVlan(const std::wstring& vlanId, const std::wstring& settingName, LONG value,
+                                     ULONGLONG& warnings);
+    /// Tells before a change of the jumbo-frame setting whether all that must change with it can.
+    /// @param[out] onAllMembers true for an adapter without a team; else whether every member of its team has
+    ///             a jumbo-frame setting.
+    /// @param[out] isTeamed whether the adapter is a member of a team.
+    HRESULT JumboFramePrecheckSetSetting(const std::wstring& adapterId, bool& onAllMembers, bool& isTeamed);
+    /// Tells what a change of a team's members would do to receive side scaling on the team.
+    /// @param currentMembers the members that the team has.
+    /// @param wantedAdapters the members that it shall have.
+    /// @param[out] warnings an `RssWarning`.
+    HRESULT RSS_PrecheckOnTeamModify(const CTeamedAdapters& currentMembers, const CAdapters& wantedAdapters,
+                                     ULONGLONG& warnings);
+    /// @}
+
+    /// @name Performance profiles
+    /// The predefined tunings of the setting "PerformanceProfile".
+    /// @{
+
+    /// The profiles that an adapter offers, in the provider's order; they replace what the collection holds.
+    /// @return 0x80004005 for an empty identifier, or when a profile has no text (those before it stay);
+    ///         0x80041001 when the adapter has no profiles or they cannot be read.
+    HRESULT GetAdapterProfiles(const std::wstring& adapterId, CPerformanceProfiles& profiles);
+    /// Moves every adapter that has the profile for hosts of virtual machines to another one, in one client
+    /// set; without such an adapter none is opened.
+    /// @return the first failure to open the set, to write or to close the set. An adapter that cannot be
+    ///         written does not keep the others from it.
+    HRESULT ChangeAllAdapterProfilesFromHyperV(ePERFORMANCE_PROFILE newProfile);
+    /// The profiles that all the adapters offer, in the order of the first; current where it is so on all.
+    /// Empty when an adapter has no profiles. @return 0x80004005 without adapters.
+    HRESULT GetCompatibleTeamProfilesWithAdapters(const CAdapters& adapters, CPerformanceProfiles& profiles);
+    /// @}
+
+    /// @name Power and wake-on-LAN
+    /// An empty identifier is 0x80004005. A "ReturnValue" of the provider's that is not 0 is traced, and no
+    /// failure.
+    /// @{
+
+    /// Reads the power-saving options (Zorel_PhysicalEthernetAdapter.GetPowerUsageOptions). When one cannot
+    /// be read, those before it are read already.
+    HRESULT GetAdapterPowerUsageOptions(const std::wstring& adapterId, CAdapterPowerUsageInfo& info);
+    /// Sets the power-saving options (SetPowerUsageOptions), without those that are not available.
+    /// @return 0x80004005 for a mode that is none of 0, 1 and 2; nothing is set then.
+    HRESULT SetAdapterPowerUsageOptions(const std::wstring& adapterId, const CAdapterPowerUsageInfo& info);
+    /// Reads the wake-on-LAN options (GetWakeOnLanPowerOptions).
+    HRESULT GetAdapterWakeOnLanOptions(const std::wstring& adapterId, CAdapterWakeOnLanInfo& info);
+    /// Sets the wake-on-LAN options (SetWakeOnLanPowerOptions), without those that are not available.
+    HRESULT SetAdapterWakeOnLanOptions(const std::wstring& adapterId, const CAdapterWakeOnLanInfo& info);
+    /// Lets the adapter apply its power-management capabilities again (SetPowerMgmtCapabilities).
+    HRESULT SetAdapterPowerManagementCapabilities(const std::wstring& adapterId);
     /// @}
 
     /// @name Teams
@@ -489,6 +563,25 @@ class QUILLET_API CQuillet {
                                DWORD selector);
     HRESULT GetSettingOnTeamOrAdapter(const std::vector<std::wstring>& adapterIds, CSettings& settings,
                                       bool& onAll, SettingName name);
+
+    // Checks of settings. CheckForValueMismatch is true when there is none.
+    static bool CheckForValueMismatch(const CSettings& settings, bool exact);
+    bool IsScalableNetworkingPackInstalled(const CAdapters& adapters);
+    HRESULT FindTeamOfAdapter(const std::wstring& adapterId, bool& isTeamed, std::wstring& teamId);
+    HRESULT GetJumboFrameSettings(const std::vector<std::wstring>& adapterIds, CSettings& settings,
+                                  bool& onAll);
+    bool IsTeamCapableOfAdvancedSetting(const std::vector<std::wstring>& adapterIds, const SettingName& name,
+                                        LONG& capable, LONG& enabled);
+    bool IsOldTeamCapableOfSetting(const CTeamedAdapters& members, const SettingName& name);
+    struct MemberSetting;
+    HRESULT ReadSettingOfMembers(const std::vector<std::wstring>& adapterIds, SettingName name,
+                                 std::vector<MemberSetting>& members);
+
+    // Performance profiles.
+    HRESULT RefreshProfileSetting(const std::wstring& adapterId, CSettingEnum& setting);
+    static HRESULT AppendProfiles(const CSettingEnum& setting, CPerformanceProfiles& profiles);
+    static bool IsPerformanceProfileSupported(const CPerformanceProfiles* profiles);
+    static bool IsCurrentPerformanceProfileCustom(const CPerformanceProfiles* profiles);
 
     // VLANs.
     struct VLANParent;

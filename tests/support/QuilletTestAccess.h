@@ -64,6 +64,34 @@ struct QuilletTestAccess {
         return quillet.FillTeamAttr(capability, modes);
     }
 
+    // --- checks of settings ---
+    static bool CheckForValueMismatch(const CSettings& settings, bool exact) {
+        return CQuillet::CheckForValueMismatch(settings, exact);
+    }
+    static bool IsScalableNetworkingPackInstalled(CQuillet& quillet, const CAdapters& adapters) {
+        return quillet.IsScalableNetworkingPackInstalled(adapters);
+    }
+    static HRESULT GetJumboFrameSettings(CQuillet& quillet, const std::vector<std::wstring>& adapterIds,
+                                         CSettings& settings, bool& onAll) {
+        return quillet.GetJumboFrameSettings(adapterIds, settings, onAll);
+    }
+    static bool IsTeamCapableOfAdvancedSetting(CQuillet& quillet, const std::vector<std::wstring>& adapterIds,
+                                               SettingName name, LONG& capable, LONG& enabled) {
+        return quillet.IsTeamCapableOfAdvancedSetting(adapterIds, name, capable, enabled);
+    }
+    static bool IsOldTeamCapableOfSetting(CQuillet& quillet, const CTeamedAdapters& members,
+                                          SettingName name) {
+        return quillet.IsOldTeamCapableOfSetting(members, name);
+    }
+
+    // --- performance profiles ---
+    static bool IsPerformanceProfileSupported(const CPerformanceProfiles* profiles) {
+        return CQuillet::IsPerformanceProfileSupported(profiles);
+    }
+    static bool IsCurrentPerformanceProfileCustom(const CPerformanceProfiles* profiles) {
+        return CQuillet::IsCurrentPerformanceProfileCustom(profiles);
+    }
+
     // --- session ---
     static ATL::CComPtr<IWbemServices> GetWbemService(CQuillet& quillet) {
         return Owned(quillet.GetWbemService());
