@@ -111,13 +111,11 @@ HRESULT CQuillet::ValidateSetSettingOnVlan(const std::wstring& vlanId, const std
         }
     }
     ProviderMethod method(session, L_CLASS_ZOREL_VLAN, L_METHOD_VLAN_VALIDATESETTING);
-    method.Put(L_PARAM_VLAN_VALIDATESETTING_SETTINGNAME, VariantOfText(settingName))
+    return method.Put(L_PARAM_VLAN_VALIDATESETTING_SETTINGNAME, VariantOfText(settingName))
         .Put(L_PARAM_VLAN_VALIDATESETTING_SETTINGVALUE, VariantOfLong(value))
-        .Exec(path.c_str(), L"wsVlanID");
-    if (!method.Failed() && !method.Answered()) {
-        return trace.Fail(E_FAIL, L"Outparam of method is NULL");
-    }
-    return method.Read(L"pWbemClassObject_OutParams")
+        .Exec(path.c_str(), L"wsVlanID")
+        .NeedAnswer(L"Outparam of method is NULL")
+        .Read(L"pWbemClassObject_OutParams")
         .UInt64(L_PARAM_VLAN_VALIDATESETTING_RESULT, warnings)
         .Result();
 }

@@ -73,12 +73,14 @@ std::unique_ptr<ClassProvider> MakeNetServiceProvider();
 std::unique_ptr<ClassProvider> MakeVlanServiceProvider();
 /// Changing and removing a Zorel_VLAN.
 std::unique_ptr<ClassProvider> MakeVlanProvider();
-/// "IdentifyAdapter", "GetHbaPath", "GetNDISVersion", "GetAdapterWarnings" and "ValidateSettingOnNewTeam" of
-/// Zorel_PhysicalEthernetAdapter; an adapter that is written takes its team along.
+/// "IdentifyAdapter", "GetHbaPath", "GetNDISVersion", "GetAdapterWarnings", "ValidateSettingOnNewTeam" and
+/// the power options of Zorel_PhysicalEthernetAdapter; an adapter that is written takes its team along.
 std::unique_ptr<ClassProvider> MakePhysicalAdapterProvider();
 /// The methods of Zorel_TeamOfAdapters; a team that changes or goes takes along what depends on it.
 std::unique_ptr<ClassProvider> MakeTeamProvider();
 /// The members that join and leave a team (Zorel_TeamedMemberAdapter), and their roles.
 std::unique_ptr<ClassProvider> MakeTeamMembershipProvider();
+/// Writes to advanced settings (Zorel_Setting and the classes below it).
+std::unique_ptr<ClassProvider> MakeSettingProvider();
 
 } // namespace quillet::simulator

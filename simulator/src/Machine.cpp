@@ -122,6 +122,7 @@ Machine::State::State(const Repository& prototype, const MachineOptions& options
     providers[L"Zorel_PhysicalEthernetAdapter"] = MakePhysicalAdapterProvider();
     providers[L"Zorel_802dot1QVLANService"] = MakeVlanServiceProvider();
     providers[L"Zorel_VLAN"] = MakeVlanProvider();
+    providers[L"Zorel_Setting"] = MakeSettingProvider();
     providers[L"Zorel_TeamOfAdapters"] = MakeTeamProvider();
     providers[L"Zorel_TeamedMemberAdapter"] = MakeTeamMembershipProvider();
 }

@@ -2,6 +2,7 @@
 #include "ClassProvider.h"
 #include "LinkSecurity.h"
 #include "MachineState.h"
+#include "PowerOptions.h"
 #include "TeamChecks.h"
 
 namespace quillet::simulator {
@@ -38,6 +39,11 @@ class PhysicalAdapterProvider final : public ClassProvider {
             {L"SetLinksecManualPMKeys", ChangeLinkSecurity},
             {L"GetLinksecSavedCreds", TellLinkSecurity},
             {L"GetLinksecSecurityStatsLog", TellLinkSecurity},
+            {L"GetPowerUsageOptions", TellPowerOptions},
+            {L"SetPowerUsageOptions", ChangePowerOptions},
+            {L"GetWakeOnLanPowerOptions", TellPowerOptions},
+            {L"SetWakeOnLanPowerOptions", ChangePowerOptions},
+            {L"SetPowerMgmtCapabilities", ApplyPowerCapabilities},
         };
         if (SameName(call.method.name, L"ValidateSettingOnNewTeam")) {
             return ValidateSettingOnNewTeam(call);

@@ -1,6 +1,7 @@
 // Teams: making, changing and removing them, the checks, the best mode and the test of the switch.
 #include "ClassProvider.h"
 #include "MachineState.h"
+#include "SettingValidation.h"
 #include "StoreQueries.h"
 #include "TeamChecks.h"
 
@@ -56,6 +57,7 @@ class TeamProvider final : public ClassProvider {
             {L"ValidateAddAdapters", ValidateAddAdapters},
             {L"GetBestTeamMode", GetBestTeamMode},
             {L"TestSwitchConfiguration", TestSwitchConfiguration},
+            {L"ValidateSetting", ValidateSettingOnTeam},
         };
         if (const auto handler = ofTheClass.find(call.method.name); handler != ofTheClass.end()) {
             return handler->second(call);

@@ -1,5 +1,6 @@
 // VLANs and the services that make them.
 #include "ClassProvider.h"
+#include "SettingValidation.h"
 #include "StoreQueries.h"
 #include "VlanModel.h"
 
@@ -47,6 +48,11 @@ class VlanServiceProvider final : public ClassProvider {
 
 class VlanProvider final : public ClassProvider {
   public:
+    HRESULT ExecMethod(MethodCall& call) override {
+        return SameName(call.method.name, L"ValidateSetting") ? ValidateSettingOnVlan(call)
+                                                              : ClassProvider::ExecMethod(call);
+    }
+
     HRESULT PutInstance(Request& request, const Instance& instance, Repository::Write mode) override {
         auto& store = request.Target().Store();
         const auto current = store.FindInstance(store.RelativePath(instance));
