@@ -9,6 +9,7 @@ const std::vector<PreparedOperation>& Operations() {
                  ReadingOperations(),
                  TeamOperations(),
                  VLANOperations(),
+                 WritingOperations(),
              }) {
             for (const OperationCase& operation : area.operations) {
                 prepared.push_back({operation, area.machine, area.changes});
