@@ -6,6 +6,8 @@ namespace quilletctl {
 void AddAllCommands(CommandTree& tree) {
     AddAdapterCommands(tree);
     AddSettingCommands(tree);
+    AddProfileCommands(tree);
+    AddPowerCommands(tree);
     AddTeamCommands(tree);
     AddLinksecCommands(tree);
     AddWarningsCommand(tree);

@@ -7,6 +7,11 @@ namespace quilletctl {
 
 void AddAdapterCommands(CommandTree& tree);
 void AddSettingCommands(CommandTree& tree);
+/// The verb that changes, beside those that read.
+void AddSettingSet(CommandTree::Noun& setting);
+void AddProfileCommands(CommandTree& tree);
+/// "power" and "wol".
+void AddPowerCommands(CommandTree& tree);
 void AddTeamCommands(CommandTree& tree);
 void AddLinksecCommands(CommandTree& tree);
 void AddWarningsCommand(CommandTree& tree);

@@ -121,10 +121,13 @@ class GetSetting final : public SettingCommand {
 } // namespace
 
 void AddSettingCommands(CommandTree& tree) {
-    tree.AddNoun("setting", "The advanced settings of adapters, teams, VLANs and boot agents")
+    CommandTree::Noun setting =
+        tree.AddNoun("setting", "The advanced settings of adapters, teams, VLANs and boot agents");
+    setting
         .Verb("list", "List the settings of an owner with current, default and possible values",
               std::make_unique<ListSettings>())
         .Verb("get", "Show one setting", std::make_unique<GetSetting>());
+    AddSettingSet(setting);
 }
 
 } // namespace quilletctl

@@ -1,4 +1,5 @@
 // quilletctl transaction: the bracket around changes, tried without one.
+#include "ClientSet.h"
 #include "Commands.h"
 
 #include <nlohmann/json.hpp>
@@ -8,15 +9,12 @@ namespace quilletctl {
 namespace {
 
 ExitStatus TryTransaction(Invocation& run) {
-    CQuillet& session = run.Session();
-    Invocation::Check(session.BeginApply(), "open a client set");
-    bool restartNeeded = false;
-    Invocation::Check(session.ApplyDone(restartNeeded), "close the client set");
+    ClientSet set(run.Session());
+    const bool restartNeeded = set.Close();
     if (run.WantsJson()) {
         run.Print(Json{{"restartNeeded", restartNeeded}});
     } else {
-        run.Out() << "opened a client set and closed it again: "
-                  << (restartNeeded ? "a restart is needed\n" : "no restart is needed\n");
+        run.Out() << "opened a client set and closed it again: " << RestartText(restartNeeded) << '\n';
     }
     return ExitStatus::Done;
 }

@@ -1,0 +1,17 @@
+// From what was typed to the value of a setting.
+#pragma once
+
+#include <quillet/Setting.h>
+
+#include <memory>
+#include <string>
+
+namespace quilletctl {
+
+/// A copy of the setting with another value. Numbers are given as such or, where the value has a text, by
+/// that text (case does not count); several bits by their texts with "+" between them; lists with "," between
+/// their texts. Whether a number is one that the setting can have is the provider's to say. Throws UsageError
+/// for a text that is neither number nor one of the setting's texts.
+std::unique_ptr<CSetting> WithValue(const CSetting& setting, const std::string& text);
+
+} // namespace quilletctl

@@ -1,0 +1,255 @@
+// quilletctl power and quilletctl wol: the power-saving and wake-on-LAN options of an adapter.
+#include "AdapterLookup.h"
+#include "ClientSet.h"
+#include "Commands.h"
+#include "Sheet.h"
+#include "Text.h"
+
+#include <nlohmann/json.hpp>
+
+#include <array>
+
+namespace quilletctl {
+
+namespace {
+
+/// An option on the command line, on the screen and in JSON, and its place in the record.
+template <class Record>
+struct Option {
+    const char* word;
+    const char* label;
+    const char* key;
+    DWORD Record::*field;
+};
+
+using Power = CAdapterPowerUsageInfo;
+constexpr std::array POWER_OPTIONS{
+    Option<Power>{"--auto-power-save", "Automatic power saving", "autoPowerSave",
+                  &Power::m_dwAutoPowerSaveModeEnabled},
+    Option<Power>{"--reduce-speed", "Reduce speed on power-down", "reduceSpeed",
+                  &Power::m_dwReduceSpeedOnPowerDown},
+    Option<Power>{"--smart-power-down", "Power down when unused", "smartPowerDown",
+                  &Power::m_dwSmartPowerDown},
+    Option<Power>{"--aspm", "Enhanced bus power saving", "aspm", &Power::m_dwEnhancedASPMPowerSaver},
+    Option<Power>{"--battery-connection", "Automatic connection battery saver", "batteryConnection",
+                  &Power::m_dwACBSMode},
+    Option<Power>{"--battery-speed", "Reduce speed on battery", "batterySpeed",
+                  &Power::m_dwLinkSpeedBatterySaver},
+    Option<Power>{"--system-idle", "Save power on an idle system", "systemIdle",
+                  &Power::m_dwSystemIdlePowerSaver},
+};
+using Wake = CAdapterWakeOnLanInfo;
+constexpr std::array WAKE_OPTIONS{
+    Option<Wake>{"--power-off", "Wake from power off", "powerOff", &Wake::m_dwWakeFromPowerOff},
+    Option<Wake>{"--link", "Wake on link", "link", &Wake::m_dwWakeOnLink},
+    Option<Wake>{"--magic-packet", "Wake on magic packet", "magicPacket", &Wake::m_dwWakeOnMagicPacket},
+    Option<Wake>{"--directed-packet", "Wake on directed packet", "directedPacket",
+                 &Wake::m_dwWakeOnDirectedPacket},
+    Option<Wake>{"--pattern", "Wake on packet pattern", "pattern", &Wake::m_dwWakeOnPattern},
+};
+
+const std::vector<std::string> SWITCH{"on", "off"};
+const std::vector<std::string> MODES{"0", "1", "2"};
+
+Power ReadPower(CQuillet& session, const ListedAdapter& adapter) {
+    Power info;
+    Invocation::Check(session.GetAdapterPowerUsageOptions(ToWide(adapter.path), info),
+                      "read the power options of " + adapter.Called());
+    return info;
+}
+
+Wake ReadWake(CQuillet& session, const ListedAdapter& adapter) {
+    Wake info;
+    Invocation::Check(session.GetAdapterWakeOnLanOptions(ToWide(adapter.path), info),
+                      "read the wake-on-LAN options of " + adapter.Called());
+    return info;
+}
+
+template <class Record, std::size_t Size>
+void AddTo(Sheet& sheet, const std::array<Option<Record>, Size>& options, const Record& info) {
+    for (const auto& option : options) {
+        const DWORD value = info.*option.field;
+        sheet.Add(option.label, value == Record::NotAvailable ? "not available" : value != 0 ? "on" : "off");
+    }
+}
+
+template <class Record, std::size_t Size>
+void AddTo(Json& json, const std::array<Option<Record>, Size>& options, const Record& info) {
+    for (const auto& option : options) {
+        const DWORD value = info.*option.field;
+        json[option.key] = value == Record::NotAvailable ? Json() : Json(value != 0);
+    }
+}
+
+/// A command about one adapter.
+class AdapterCommand : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Argument("adapter", m_adapter, "Its name, object ID or object path");
+    }
+    ExitStatus Run(Invocation& run) final { return RunFor(FindAdapter(run.Session(), m_adapter), run); }
+
+  private:
+    virtual ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) = 0;
+    std::string m_adapter;
+};
+
+class ShowPower final : public AdapterCommand {
+    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+        const Power info = ReadPower(run.Session(), adapter);
+        if (run.WantsJson()) {
+            Json json{{"adapter", adapter.path}, {"mode", static_cast<DWORD>(info.m_eSavePower)}};
+            AddTo(json, POWER_OPTIONS, info);
+            run.Print(json);
+            return ExitStatus::Done;
+        }
+        Sheet sheet;
+        sheet.Add("Power-saving mode", std::to_string(static_cast<DWORD>(info.m_eSavePower)));
+        AddTo(sheet, POWER_OPTIONS, info);
+        sheet.Print(run.Screen());
+        return ExitStatus::Done;
+    }
+};
+
+class ShowWake final : public AdapterCommand {
+    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+        const Wake info = ReadWake(run.Session(), adapter);
+        if (run.WantsJson()) {
+            Json json{{"adapter", adapter.path}};
+            AddTo(json, WAKE_OPTIONS, info);
+            run.Print(json);
+            return ExitStatus::Done;
+        }
+        Sheet sheet;
+        AddTo(sheet, WAKE_OPTIONS, info);
+        sheet.Print(run.Screen());
+        return ExitStatus::Done;
+    }
+};
+
+/// Options that are switched on or off; those that are not named stay as they are.
+template <class Record, std::size_t Size>
+class Switches {
+  public:
+    explicit Switches(const std::array<Option<Record>, Size>& options) : m_options(options) {}
+
+    void Declare(Syntax& syntax) {
+        for (std::size_t i = 0; i < Size; ++i) {
+            syntax.Choice(m_options[i].word, m_words[i], SWITCH, m_options[i].label);
+        }
+    }
+    bool IsAnyGiven() const {
+        for (const std::string& word : m_words) {
+            if (!word.empty()) {
+                return true;
+            }
+        }
+        return false;
+    }
+    /// A record of nothing but the named options. Throws UsageError for one that the adapter does not have.
+    Record Chosen(const Record& present, const ListedAdapter& adapter) const {
+        Record chosen;
+        for (std::size_t i = 0; i < Size; ++i) {
+            if (m_words[i].empty()) {
+                continue;
+            }
+            if (present.*m_options[i].field == Record::NotAvailable) {
+                throw UsageError(std::string(m_options[i].word) + ": not available on " + adapter.Called());
+            }
+            chosen.*m_options[i].field = m_words[i] == "on" ? 1 : 0;
+        }
+        return chosen;
+    }
+
+  private:
+    const std::array<Option<Record>, Size>& m_options;
+    std::array<std::string, Size> m_words;
+};
+
+/// Makes one change in a client set of its own and tells about it.
+template <class Change>
+ExitStatus MakeChange(Invocation& run, const std::string& asked, const char* done, Change change) {
+    ClientSet set(run.Session());
+    Invocation::Check(change(run.Session()), asked);
+    const bool restartNeeded = set.Close();
+    if (run.WantsJson()) {
+        run.Print(Json{{"restartNeeded", restartNeeded}});
+    } else {
+        run.Out() << done << "; " << RestartText(restartNeeded) << '\n';
+    }
+    return ExitStatus::Done;
+}
+
+class SetPower final : public AdapterCommand {
+  public:
+    void Declare(Syntax& syntax) override {
+        AdapterCommand::Declare(syntax);
+        syntax.Choice("--mode", m_mode, MODES, "Power-saving mode");
+        m_switches.Declare(syntax);
+    }
+
+  private:
+    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+        if (m_mode.empty() && !m_switches.IsAnyGiven()) {
+            throw UsageError("an option to set is needed; see quilletctl power set --help");
+        }
+        // The mode always travels with the options, so it must be known.
+        const Power present = ReadPower(run.Session(), adapter);
+        Power chosen = m_switches.Chosen(present, adapter);
+        chosen.m_eSavePower =
+            m_mode.empty() ? present.m_eSavePower : static_cast<Power::SavePower>(m_mode.front() - '0');
+        return MakeChange(run, "set the power options of " + adapter.Called(), "power options set",
+                          [&](CQuillet& session) {
+                              return session.SetAdapterPowerUsageOptions(ToWide(adapter.path), chosen);
+                          });
+    }
+
+    std::string m_mode;
+    Switches<Power, POWER_OPTIONS.size()> m_switches{POWER_OPTIONS};
+};
+
+class SetWake final : public AdapterCommand {
+  public:
+    void Declare(Syntax& syntax) override {
+        AdapterCommand::Declare(syntax);
+        m_switches.Declare(syntax);
+    }
+
+  private:
+    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+        if (!m_switches.IsAnyGiven()) {
+            throw UsageError("an option to set is needed; see quilletctl wol set --help");
+        }
+        const Wake chosen = m_switches.Chosen(ReadWake(run.Session(), adapter), adapter);
+        return MakeChange(run, "set the wake-on-LAN options of " + adapter.Called(),
+                          "wake-on-LAN options set", [&](CQuillet& session) {
+                              return session.SetAdapterWakeOnLanOptions(ToWide(adapter.path), chosen);
+                          });
+    }
+
+    Switches<Wake, WAKE_OPTIONS.size()> m_switches{WAKE_OPTIONS};
+};
+
+class ReapplyPower final : public AdapterCommand {
+    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+        return MakeChange(run, "apply the power-management capabilities of " + adapter.Called() + " again",
+                          "power-management capabilities applied", [&](CQuillet& session) {
+                              return session.SetAdapterPowerManagementCapabilities(ToWide(adapter.path));
+                          });
+    }
+};
+
+} // namespace
+
+void AddPowerCommands(CommandTree& tree) {
+    tree.AddNoun("power", "The power-saving options of an adapter")
+        .Verb("show", "Show the options, and which the adapter does not have", std::make_unique<ShowPower>())
+        .Verb("set", "Change options; those not named stay", std::make_unique<SetPower>())
+        .Verb("reapply", "Let the adapter apply its power-management capabilities again",
+              std::make_unique<ReapplyPower>());
+    tree.AddNoun("wol", "What wakes the machine through an adapter")
+        .Verb("show", "Show the options, and which the adapter does not have", std::make_unique<ShowWake>())
+        .Verb("set", "Change options; those not named stay", std::make_unique<SetWake>());
+}
+
+} // namespace quilletctl

@@ -1,0 +1,245 @@
+// quilletctl setting set: one setting of one owner, or of all adapters at once.
+#include "AdapterLookup.h"
+#include "BitMask.h"
+#include "ClientSet.h"
+#include "Commands.h"
+#include "ResultCodes.h"
+#include "SettingOwner.h"
+#include "SettingTexts.h"
+#include "SettingValue.h"
+#include "Text.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+
+namespace quilletctl {
+
+namespace {
+
+/// One owner of the setting, and what becomes of it.
+struct Target {
+    enum class Outcome { Changed, Unchanged, ReadOnly, Missing, Refused };
+
+    SettingOwner owner;
+    std::unique_ptr<CSetting> setting; ///< with the new value; null where the owner has no such setting
+    std::vector<std::string> warnings{};
+    Outcome outcome = Outcome::Missing;
+    HRESULT code = S_OK;
+};
+
+const char* NameOf(Target::Outcome outcome) {
+    switch (outcome) {
+    case Target::Outcome::Changed:
+        return "changed";
+    case Target::Outcome::Unchanged:
+        return "unchanged";
+    case Target::Outcome::ReadOnly:
+        return "readOnly";
+    case Target::Outcome::Missing:
+        return "missing";
+    case Target::Outcome::Refused:
+        return "refused";
+    }
+    return "";
+}
+
+class SetSetting final : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Arguments("[owner] setting value", m_words, 2, 3,
+                         "Whose setting (not with --all-adapters), its caption such as *JumboPacket, and the "
+                         "value, by number or by its text");
+        syntax.Flag("--all-adapters", m_allAdapters, "Set it on every adapter that has it");
+        syntax.Choice("--of", m_kind, OwnerKindWords(),
+                      "What the owner is, where its path does not say (default: adapter)");
+    }
+
+    ExitStatus Run(Invocation& run) override {
+        TakeWords();
+        CQuillet& session = run.Session();
+        std::vector<Target> targets = Targets(session);
+        for (Target& target : targets) {
+            Prepare(session, target);
+        }
+        for (Target& target : targets) {
+            Check(session, target);
+        }
+        if (!run.WantsJson()) {
+            PrintWarnings(targets, run.Out());
+        }
+        const bool restartNeeded = Write(session, targets);
+        if (run.WantsJson()) {
+            run.Print(AsJson(targets, restartNeeded));
+        } else {
+            PrintOutcomes(targets, restartNeeded, run.Out());
+        }
+        for (const Target& target : targets) {
+            if (target.outcome == Target::Outcome::Refused) {
+                throw Refusal("set " + m_caption + " of " + target.owner.called + " to " + m_value,
+                              target.code);
+            }
+        }
+        const bool leftAlone = !m_allAdapters && targets.front().outcome == Target::Outcome::ReadOnly;
+        return leftAlone ? ExitStatus::Findings : ExitStatus::Done;
+    }
+
+  private:
+    void TakeWords() {
+        if (m_allAdapters && !m_kind.empty() && m_kind != WordFor(SettingOwner::Kind::Adapter)) {
+            throw UsageError("--all-adapters: not together with --of " + m_kind);
+        }
+        if (m_words.size() != (m_allAdapters ? 2U : 3U)) {
+            throw UsageError(m_allAdapters
+                                 ? "--all-adapters: a setting and a value are needed, and no owner"
+                                 : "an owner (or --all-adapters), a setting and a value are needed");
+        }
+        m_caption = m_words[m_words.size() - 2];
+        m_value = m_words.back();
+    }
+
+    std::vector<Target> Targets(CQuillet& session) const {
+        std::vector<Target> targets;
+        if (!m_allAdapters) {
+            targets.push_back({FindSettingOwner(session, m_words.front(), m_kind), nullptr});
+            return targets;
+        }
+        for (const ListedAdapter& adapter : ReadAdapters(session)) {
+            targets.push_back(
+                {{SettingOwner::Kind::Adapter, adapter.path, adapter.objectId, adapter.Called()}, nullptr});
+        }
+        return targets;
+    }
+
+    /// Reads the setting and finds out whether there is something to write.
+    void Prepare(CQuillet& session, Target& target) const {
+        CSettings settings;
+        ReadSettings(session, target.owner, settings);
+        // Among many owners one without the setting is nothing special; a single one was meant.
+        const CSetting* setting = m_allAdapters ? settings.GetSettingByCaption(ToWide(m_caption))
+                                                : &FindSetting(settings, m_caption, target.owner);
+        if (setting == nullptr) {
+            return;
+        }
+        if (!setting->m_bWritable) {
+            target.outcome = Target::Outcome::ReadOnly;
+            return;
+        }
+        target.setting = WithValue(*setting, m_value);
+        target.outcome = target.setting->CurrentValueToSTRING() == setting->CurrentValueToSTRING()
+                             ? Target::Outcome::Unchanged
+                             : Target::Outcome::Changed;
+    }
+
+    /// Asks the team of an adapter, or the VLAN, what it thinks of the value.
+    static void Check(CQuillet& session, Target& target) {
+        LONG value = 0;
+        if (target.outcome != Target::Outcome::Changed || !target.setting->GetCurrentVal(value)) {
+            return;
+        }
+        const std::wstring path = ToWide(target.owner.path);
+        const std::wstring& caption = target.setting->m_wsCaption;
+        const std::string asked = "check " + ToUtf8(caption) + " of " + target.owner.called;
+        ULONGLONG objections = 0;
+        bool isTeamed = false;
+        if (target.owner.kind == SettingOwner::Kind::Adapter) {
+            Invocation::Check(session.ValidateSetSetting(path, isTeamed, caption, value, objections), asked);
+            if (isTeamed && CAdvancedSettingNames().IsSettingName(SettingName::MaxFrameSize, caption)) {
+                bool onAllMembers = true;
+                Invocation::Check(session.JumboFramePrecheckSetSetting(path, onAllMembers, isTeamed), asked);
+                if (!onAllMembers) {
+                    target.warnings.push_back("not every member of its team has a jumbo-frame setting");
+                }
+            }
+        } else if (target.owner.kind == SettingOwner::Kind::Vlan) {
+            Invocation::Check(session.ValidateSetSettingOnVlan(path, caption, value, objections), asked);
+        }
+        // The meaning of these bits is the provider's own.
+        for (const unsigned bit : SetBits(objections)) {
+            target.warnings.push_back(
+                (isTeamed ? "its team objects, provider reason " : "the VLAN objects, provider reason ") +
+                std::to_string(bit));
+        }
+    }
+
+    /// Writes in one client set; without anything to write none is opened.
+    static bool Write(CQuillet& session, std::vector<Target>& targets) {
+        const auto isToBeChanged = [](const Target& each) {
+            return each.outcome == Target::Outcome::Changed;
+        };
+        if (std::none_of(targets.begin(), targets.end(), isToBeChanged)) {
+            return false;
+        }
+        ClientSet set(session);
+        for (Target& target : targets) {
+            if (isToBeChanged(target)) {
+                target.code = session.SetSetting(target.setting->m_wsPath, *target.setting);
+                if (FAILED(target.code)) {
+                    target.outcome = Target::Outcome::Refused;
+                }
+            }
+        }
+        return set.Close();
+    }
+
+    static void PrintWarnings(const std::vector<Target>& targets, std::ostream& out) {
+        for (const Target& target : targets) {
+            for (const std::string& warning : target.warnings) {
+                out << "warning: " << Printable(target.owner.called) << ": " << warning << '\n';
+            }
+        }
+    }
+
+    std::string OutcomeText(const Target& target) const {
+        switch (target.outcome) {
+        case Target::Outcome::Changed:
+            return "set to " + CurrentText(*target.setting);
+        case Target::Outcome::Unchanged:
+            return "is " + CurrentText(*target.setting) + " already";
+        case Target::Outcome::ReadOnly:
+            return m_caption + " is read only, left alone";
+        case Target::Outcome::Missing:
+            return "has no " + m_caption + ", left alone";
+        case Target::Outcome::Refused:
+            return "refused, " + DescribeResult(target.code);
+        }
+        return {};
+    }
+
+    void PrintOutcomes(const std::vector<Target>& targets, bool restartNeeded, std::ostream& out) const {
+        for (const Target& target : targets) {
+            out << Printable(target.owner.called + ": " + OutcomeText(target)) << '\n';
+        }
+        out << RestartText(restartNeeded) << '\n';
+    }
+
+    Json AsJson(const std::vector<Target>& targets, bool restartNeeded) const {
+        Json list = Json::array();
+        for (const Target& target : targets) {
+            list.push_back(Json{{"kind", WordFor(target.owner.kind)},
+                                {"path", target.owner.path},
+                                {"outcome", NameOf(target.outcome)},
+                                {"warnings", target.warnings},
+                                {"code", FAILED(target.code) ? Json(DescribeResult(target.code)) : Json()}});
+        }
+        return Json{{"setting", m_caption},
+                    {"value", m_value},
+                    {"targets", std::move(list)},
+                    {"restartNeeded", restartNeeded}};
+    }
+
+    std::vector<std::string> m_words;
+    bool m_allAdapters = false;
+    std::string m_kind;
+    std::string m_caption;
+    std::string m_value;
+};
+
+} // namespace
+
+void AddSettingSet(CommandTree::Noun& setting) {
+    setting.Verb("set", "Change a setting of one owner, or of all adapters at once",
+                 std::make_unique<SetSetting>());
+}
+
+} // namespace quilletctl
