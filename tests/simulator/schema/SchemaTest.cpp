@@ -109,8 +109,7 @@ TEST(Schema, HasNoPropertyBeyondTheTableButTheProvidersOwnState) {
             if (std::ranges::none_of(
                     expected.properties,
                     [&](const ExpectedElement& element) { return SameName(element.name, property.name); }) &&
-                !SameName(property.name, L"PartialDataMask") &&
-                !SameName(property.name, L"FollowupAction")) {
+                !SameName(property.name, L"PartialDataMask") && !SameName(property.name, L"FollowupAction")) {
                 const auto name = expected.name + L"." + property.name;
                 EXPECT_TRUE(known.count(name) == 1) << Narrow(name);
                 used.insert(name);
