@@ -197,8 +197,8 @@ TEST_F(PerformanceProfilesTest, LeaveHyperV_SetCannotBeOpened_WritesNothing) {
     EXPECT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(STANDARD)), "0x80041003");
     EXPECT_THAT(Changes(), ElementsAre("BeginApply"));
     EXPECT_EQ(CurrentOf(L"{A}"), 5);
-    EXPECT_THAT(Traced(), Contains(testing::MatchesRegex(
-                              R"(\.\\Src\\Quillet \([0-9]+\): BeginApply\(\) call FAILED)")));
+    EXPECT_THAT(Traced(), Contains(testing::AllOf(testing::StartsWith(R"(.\Src\Quillet ()"),
+                                                  testing::EndsWith("): BeginApply() call FAILED"))));
 }
 
 TEST_F(PerformanceProfilesTest, LeaveHyperV_OneWriteFails_GoesOnAndReturnsTheFirstFailure) {
@@ -214,8 +214,8 @@ TEST_F(PerformanceProfilesTest, LeaveHyperV_SetCannotBeClosed_IsTheResult) {
     Fail(Operation::ExecMethod, WBEM_E_INVALID_PARAMETER, L"", 2);
     EXPECT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(STANDARD)), "0x80041008");
     const std::vector<std::string> trace = Traced();
-    EXPECT_THAT(trace,
-                Contains(testing::MatchesRegex(R"(\.\\Src\\Quillet \([0-9]+\): ApplyDone\(\) call FAILED)")));
+    EXPECT_THAT(trace, Contains(testing::AllOf(testing::StartsWith(R"(.\Src\Quillet ()"),
+                                               testing::EndsWith("): ApplyDone() call FAILED"))));
     EXPECT_THAT(trace, Contains("CAdvSettingPage::ChangeAllAdapterProfilesFromHyperV() bReboot 0"));
 }
 
