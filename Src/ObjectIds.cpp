@@ -25,6 +25,9 @@ bool ObjectIdFromPath(ObjectKind kind, const std::wstring& path, std::wstring& o
     case ObjectKind::Vlan:
         found = Helper::GetVlanObjectIdFromPath(&parsed);
         break;
+    case ObjectKind::BootAgent:
+        found = Helper::GetBootAgentIdFromPath(&parsed);
+        break;
     }
     if (!found) {
         return false;

@@ -7,7 +7,8 @@
 enum class ObjectKind {
     Ethernet, ///< adapters, logical adapters and boot agents
     Team,
-    Vlan
+    Vlan,
+    BootAgent ///< boot agents, in the list of those that can boot from iSCSI as well
 };
 
 /// The relative path of the logical adapter that stands for a team, by the team's own path; traced

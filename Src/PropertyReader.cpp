@@ -65,12 +65,17 @@ PropertyReader& PropertyReader::UInt64(const ProviderName& property, ULONGLONG& 
 
 template <typename Element>
 PropertyReader& PropertyReader::ReadArray(const ProviderName& property, std::vector<Element>& values,
-                                          const wchar_t* failure) {
+                                          const wchar_t* failure, bool whole) {
     m_found = false;
     if (Failed()) {
         return *this;
     }
-    m_result = CQuillet::GetPropertyArray(m_instance, property.name, values, nullptr);
+    const std::size_t before = values.size();
+    int count = 0;
+    m_result = CQuillet::GetPropertyArray(m_instance, property.name, values, &count);
+    if (!Failed() && whole && values.size() - before != static_cast<std::size_t>(count)) {
+        m_result = E_FAIL;
+    }
     m_found = SUCCEEDED(m_result);
     if (Failed()) {
         Trace(L"GetPropertyArray", property, failure, L"");
@@ -80,21 +85,31 @@ PropertyReader& PropertyReader::ReadArray(const ProviderName& property, std::vec
 
 PropertyReader& PropertyReader::Array(const ProviderName& property, std::vector<LONG>& values,
                                       const wchar_t* failure) {
-    return ReadArray(property, values, failure);
+    return ReadArray(property, values, failure, false);
 }
 
 PropertyReader& PropertyReader::Array(const ProviderName& property, std::vector<CComBSTR>& values,
                                       const wchar_t* failure) {
-    return ReadArray(property, values, failure);
+    return ReadArray(property, values, failure, false);
 }
 
-PropertyReader& PropertyReader::Plain(const ProviderName& property, VARIANT& value) {
+PropertyReader& PropertyReader::WholeArray(const ProviderName& property, std::vector<LONG>& values,
+                                           const wchar_t* failure) {
+    return ReadArray(property, values, failure, true);
+}
+
+PropertyReader& PropertyReader::WholeArray(const ProviderName& property, std::vector<CComBSTR>& values,
+                                           const wchar_t* failure) {
+    return ReadArray(property, values, failure, true);
+}
+
+PropertyReader& PropertyReader::Plain(const ProviderName& property, VARIANT& value, const wchar_t* step) {
     if (Failed()) {
         return *this;
     }
     m_result = m_instance ? m_instance->Get(property.name, 0, &value, nullptr, nullptr) : E_FAIL;
     if (Failed()) {
-        TraceText(L"Get -> ", property.symbol);
+        TraceText(step, property.symbol);
     }
     return *this;
 }

@@ -6,6 +6,8 @@
 
 #include <quillet/Quillet.h>
 
+#include <type_traits>
+
 class PropertyReader {
   public:
     /// What a property without a value means to the operation.
@@ -31,6 +33,16 @@ class PropertyReader {
                            const wchar_t* failure = nullptr);
     PropertyReader& Bool(const ProviderName& property, bool& value, const wchar_t* failure = nullptr);
     PropertyReader& Int(const ProviderName& property, int& value, const wchar_t* failure = nullptr);
+    /// Into a record, whose numbers are LONGs; where that is no int.
+    template <typename Number>
+    requires(!std::is_same_v<Number, int> &&
+             std::is_same_v<Number, LONG>) PropertyReader& Int(const ProviderName& property, Number& value,
+                                                               const wchar_t* failure = nullptr) {
+        int number = static_cast<int>(value);
+        Int(property, number, failure);
+        value = m_found ? number : value;
+        return *this;
+    }
     PropertyReader& Long(const ProviderName& property, LONG& value, const wchar_t* failure = nullptr);
     PropertyReader& UInt64(const ProviderName& property, ULONGLONG& value, const wchar_t* failure = nullptr);
     /// Appends the elements of an array; one that cannot be read is left out.
@@ -38,8 +50,14 @@ class PropertyReader {
                           const wchar_t* failure = nullptr);
     PropertyReader& Array(const ProviderName& property, std::vector<ATL::CComBSTR>& values,
                           const wchar_t* failure = nullptr);
-    /// The value as it comes; trace text "Get -> <symbol>".
-    PropertyReader& Plain(const ProviderName& property, VARIANT& value);
+    /// The same, but an element that cannot be read fails the read: in arrays that belong together a gap
+    /// would shift all that follow.
+    PropertyReader& WholeArray(const ProviderName& property, std::vector<LONG>& values,
+                               const wchar_t* failure = nullptr);
+    PropertyReader& WholeArray(const ProviderName& property, std::vector<ATL::CComBSTR>& values,
+                               const wchar_t* failure = nullptr);
+    /// The value as it comes; trace text "Get -> <symbol>", or another step before the symbol.
+    PropertyReader& Plain(const ProviderName& property, VARIANT& value, const wchar_t* step = L"Get -> ");
 
     /// Starts with the result of the steps before: after a failed one nothing is read.
     PropertyReader& After(HRESULT result) {
@@ -65,7 +83,7 @@ class PropertyReader {
                          const wchar_t* failure);
     template <typename Element>
     PropertyReader& ReadArray(const ProviderName& property, std::vector<Element>& values,
-                              const wchar_t* failure);
+                              const wchar_t* failure, bool whole);
     void Trace(const wchar_t* accessor, const ProviderName& property, const wchar_t* failure,
                const wchar_t* ending) const;
 

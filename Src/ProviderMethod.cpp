@@ -7,7 +7,7 @@
 using ATL::CComPtr;
 
 ProviderMethod::ProviderMethod(const ProviderSession& session, const ProviderName& className,
-                               const ProviderName& method, ClassFetch fetch)
+                               const ProviderName& method, ClassFetch fetch, const wchar_t* signatureNote)
     : m_session(session), m_method(method), m_result(session.Result()) {
     if (Failed()) {
         return;
@@ -21,6 +21,9 @@ ProviderMethod::ProviderMethod(const ProviderSession& session, const ProviderNam
     } else if (!classObject) {
         Fail(RESULT_WBEM_FAILED, L"GetObject -> ", className, L" -> NULL");
     } else {
+        if (signatureNote) {
+            TraceText(signatureNote);
+        }
         CComPtr<IWbemClassObject> outSignature;
         m_result = classObject->GetMethod(method.name, 0, &m_inSignature, &outSignature);
         if (Failed()) {
@@ -47,8 +50,10 @@ ProviderMethod& ProviderMethod::Spawn() {
     return *this;
 }
 
-ProviderMethod& ProviderMethod::Put(const ProviderName& parameter, _variant_t value) {
-    return PutVariant(parameter, value);
+ProviderMethod& ProviderMethod::Put(const ProviderName& parameter, const _variant_t& value,
+                                    const wchar_t* step) {
+    // The provider only reads the value; a copy of it here would be one more flash image in memory.
+    return PutVariant(parameter, const_cast<_variant_t&>(value), step);
 }
 
 ProviderMethod& ProviderMethod::PutSecret(const ProviderName& parameter, const std::wstring& text) {
@@ -59,13 +64,14 @@ ProviderMethod& ProviderMethod::PutSecret(const ProviderName& parameter, const s
     return PutVariant(parameter, value);
 }
 
-ProviderMethod& ProviderMethod::PutVariant(const ProviderName& parameter, VARIANT& value) {
+ProviderMethod& ProviderMethod::PutVariant(const ProviderName& parameter, VARIANT& value,
+                                           const wchar_t* step) {
     if (Spawn().Failed()) {
         return *this;
     }
     m_result = m_in->Put(parameter.name, 0, &value, 0);
     if (Failed()) {
-        Fail(m_result, L"Put -> ", parameter);
+        Fail(m_result, step, parameter);
     }
     return *this;
 }

@@ -13,8 +13,9 @@ class ProviderMethod {
     enum class ClassFetch { WithContext, WithoutContext };
 
     /// Fetches the class object and the method's signature. A failed session fails the call, too.
+    /// @param signatureNote traced before the signature is fetched.
     ProviderMethod(const ProviderSession& session, const ProviderName& className, const ProviderName& method,
-                   ClassFetch fetch = ClassFetch::WithContext);
+                   ClassFetch fetch = ClassFetch::WithContext, const wchar_t* signatureNote = nullptr);
     /// A method without in-parameters needs neither class nor signature: execute it and nothing else.
     ProviderMethod(const ProviderSession& session, const ProviderName& method);
     ProviderMethod(const ProviderMethod&) = delete;
@@ -23,7 +24,9 @@ class ProviderMethod {
     /// Makes the in-parameters, all of them unset; Put does so by itself.
     ProviderMethod& Spawn();
     /// Sets one in-parameter; the provider sees them in the order of these calls.
-    ProviderMethod& Put(const ProviderName& parameter, _variant_t value);
+    /// @param step what the trace line of a failure says before the parameter's symbol.
+    ProviderMethod& Put(const ProviderName& parameter, const _variant_t& value,
+                        const wchar_t* step = L"Put -> ");
     /// Sets one in-parameter to a text that is a secret: no copy of it is left behind.
     ProviderMethod& PutSecret(const ProviderName& parameter, const std::wstring& text);
     /// The same with a list of texts, as a VT_ARRAY | VT_BSTR.
@@ -36,7 +39,8 @@ class ProviderMethod {
     /// @param variable what trace lines call the path.
     ProviderMethod& Exec(const wchar_t* path, const wchar_t* variable, const wchar_t* failure = nullptr);
 
-    /// Ends the call when the method brought no out-parameters. @param failure the trace text of that.
+    /// Ends the call with 0x80041001 when the method brought no out-parameters. @param failure its trace
+    /// text.
     ProviderMethod& NeedAnswer(const wchar_t* failure);
 
     /// 0 or more while everything went well, else the code of the step that failed.
@@ -49,7 +53,8 @@ class ProviderMethod {
     }
 
   private:
-    ProviderMethod& PutVariant(const ProviderName& parameter, VARIANT& value);
+    ProviderMethod& PutVariant(const ProviderName& parameter, VARIANT& value,
+                               const wchar_t* step = L"Put -> ");
     void Fail(HRESULT result, const wchar_t* text, const ProviderName& name, const wchar_t* ending = L"");
 
     const ProviderSession& m_session;

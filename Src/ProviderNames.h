@@ -392,3 +392,95 @@ inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_WOL_PATTERN{L"L_PARAM_ETHE
                                                                   L"WakeOnPattern"};
 inline constexpr ProviderName L_METHOD_ETHERNETADAPTER_SETPOWERMGMTCAP{
     L"L_METHOD_ETHERNETADAPTER_SETPOWERMGMTCAP", L"SetPowerMgmtCapabilities"};
+
+// Diagnostic tests and their results.
+inline constexpr ProviderName L_CLASS_ZOREL_DIAGTEST{L"L_CLASS_ZOREL_DIAGTEST", L"Zorel_DiagTest"};
+inline constexpr ProviderName L_CLASS_ZOREL_DIAGRESULT{L"L_CLASS_ZOREL_DIAGRESULT", L"Zorel_DiagResult"};
+inline constexpr ProviderName L_PROP_DIAG_NAME{L"L_PROP_DIAG_NAME", L"Name"};
+inline constexpr ProviderName L_PROP_DIAG_ID{L"L_PROP_DIAG_ID", L"TestId"};
+inline constexpr ProviderName L_PROP_DIAG_GROUPED{L"L_PROP_DIAG_GROUPED", L"Grouped"};
+inline constexpr ProviderName L_PROP_DIAG_GROUP_ID{L"L_PROP_DIAG_GROUP_ID", L"GroupId"};
+inline constexpr ProviderName L_METHOD_DIAG_RUNTEST{L"L_METHOD_DIAG_RUNTEST", L"RunTest"};
+inline constexpr ProviderName L_METHOD_DIAG_DISCONTINUETEST{L"L_METHOD_DIAG_DISCONTINUETEST",
+                                                            L"DiscontinueTest"};
+inline constexpr ProviderName L_PARAM_DIAG_SYSTEMELEMENT{L"L_PARAM_DIAG_SYSTEMELEMENT", L"SystemElement"};
+inline constexpr ProviderName L_PARAM_DIAG_RESULT{L"L_PARAM_DIAG_RESULT", L"Result"};
+inline constexpr ProviderName L_PARAM_DIAG_TESTINGSTOPPED{L"L_PARAM_DIAG_TESTINGSTOPPED", L"TestingStopped"};
+inline constexpr ProviderName L_PROP_DIAGRESULT_DIAGNOSTICNAME{L"L_PROP_DIAGRESULT_DIAGNOSTICNAME",
+                                                               L"DiagnosticName"};
+inline constexpr ProviderName L_PROP_DIAGRESULT_PACKAGENAME{L"L_PROP_DIAGRESULT_PACKAGENAME", L"PackageName"};
+inline constexpr ProviderName L_PROP_DIAGRESULT_TITLE{L"L_PROP_DIAGRESULT_TITLE", L"Title"};
+inline constexpr ProviderName L_PROP_DIAGRESULT_RESULT{L"L_PROP_DIAGRESULT_RESULT", L"Result"};
+inline constexpr ProviderName L_PROP_DIAGRESULT_RESULTCODE{L"L_PROP_DIAGRESULT_RESULTCODE", L"ResultCode"};
+inline constexpr ProviderName L_PROP_DIAGRESULT_DESCRIPTION{L"L_PROP_DIAGRESULT_DESCRIPTION", L"Description"};
+inline constexpr ProviderName L_PROP_DIAGRESULT_ISPACKAGE{L"L_PROP_DIAGRESULT_ISPACKAGE", L"IsPackage"};
+inline constexpr ProviderName L_PROP_DIAGRESULT_TESTSTATE{L"L_PROP_DIAGRESULT_TESTSTATE", L"TestState"};
+inline constexpr ProviderName L_PROP_DIAGRESULT_TESTRESULTIDS{L"L_PROP_DIAGRESULT_TESTRESULTIDS",
+                                                              L"TestResultIds"};
+inline constexpr ProviderName L_PROP_DIAGRESULT_TESTRESULTSATTR{L"L_PROP_DIAGRESULT_TESTRESULTSATTR",
+                                                                L"TestResultsAttr"};
+
+// Boot agents. The methods that came after "ProgramFlash" took its place in the code and kept its symbols in
+// the lines about signatures and parameters; only a failed execution names the method itself.
+inline constexpr ProviderName L_CLASS_ZOREL_BOOTAGENT{L"L_CLASS_ZOREL_BOOTAGENT", L"Zorel_BootAgent"};
+inline constexpr ProviderName L_PROP_BOOTAGENT_VERSION{L"L_PROP_BOOTAGENT_VERSION", L"Version"};
+inline constexpr ProviderName L_PROP_BOOTAGENT_VERSIONNUMBER{L"L_PROP_BOOTAGENT_VERSIONNUMBER",
+                                                             L"VersionNumber"};
+inline constexpr ProviderName L_PROP_BOOTAGENT_UPDATEAVAILABLE{L"L_PROP_BOOTAGENT_UPDATEAVAILABLE",
+                                                               L"UpdateAvailable"};
+inline constexpr ProviderName L_PROP_BOOTAGENT_FLASHIMAGETYPE{L"L_PROP_BOOTAGENT_FLASHIMAGETYPE",
+                                                              L"FlashImageType"};
+inline constexpr ProviderName L_PROP_BOOTAGENT_ISCSI_STATUS{L"L_PROP_BOOTAGENT_ISCSI_STATUS",
+                                                            L"iSCSI_Status"};
+inline constexpr ProviderName L_PROP_BOOTAGENT_INSTALLEDFLASHIMAGETYPES{
+    L"L_PROP_BOOTAGENT_INSTALLEDFLASHIMAGETYPES", L"InstalledFlashImageTypes"};
+inline constexpr ProviderName L_METHOD_BOOTAGENT_READFLASH{L"L_METHOD_BOOTAGENT_READFLASH", L"ReadFlash"};
+inline constexpr ProviderName L_PARAM_BOOTAGENT_READFLASH_FLASHDATA{L"L_PARAM_BOOTAGENT_READFLASH_FLASHDATA",
+                                                                    L"FlashData"};
+inline constexpr ProviderName L_METHOD_BOOTAGENT_PROGRAMFLASHEX{L"L_METHOD_BOOTAGENT_PROGRAMFLASH",
+                                                                L"ProgramFlashEx"};
+inline constexpr ProviderName L_METHOD_BOOTAGENT_READIMAGEFILE{L"L_METHOD_BOOTAGENT_PROGRAMFLASH",
+                                                               L"ReadImageFile"};
+inline constexpr ProviderName L_METHOD_BOOTAGENT_VERIFYIMAGETYPE{L"L_METHOD_BOOTAGENT_PROGRAMFLASH",
+                                                                 L"VerifyImageType"};
+inline constexpr ProviderName L_PARAM_BOOTAGENT_PROGRAMFLASHEX_FLASHDATA{
+    L"L_PARAM_BOOTAGENT_PROGRAMFLASH_FLASHDATA", L"NewFlashData"};
+inline constexpr ProviderName L_PARAM_BOOTAGENT_PROGRAMFLASHEX_IMAGETYPE{
+    L"L_PARAM_BOOTAGENT_PROGRAMFLASH_ACTION", L"ImageType"};
+inline constexpr ProviderName L_PARAM_BOOTAGENT_IMAGEFILE_FLASHDATA{
+    L"L_PARAM_BOOTAGENT_PROGRAMFLASH_FLASHDATA", L"FlashData"};
+inline constexpr ProviderName L_PARAM_BOOTAGENT_IMAGEFILE_IMAGETYPE{
+    L"L_PARAM_BOOTAGENT_PROGRAMFLASH_FLASHDATA", L"ImageType"};
+inline constexpr ProviderName L_PARAM_BOOTAGENT_FLASHRETCODE{L"L_PARAM_BOOTAGENT_PROGRAMFLASH_RETURN",
+                                                             L"FlashRetCode"};
+inline constexpr ProviderName L_PARAM_BOOTAGENT_IMAGETYPE{L"L_PARAM_BOOTAGENT_IMAGETYPE", L"ImageType"};
+inline constexpr ProviderName L_PARAM_BOOTAGENT_IMAGEVERSIONNUMBER{L"L_PARAM_BOOTAGENT_IMAGEVERSIONNUMBER",
+                                                                   L"ImageVersionNumber"};
+inline constexpr ProviderName L_PARAM_BOOTAGENT_IMAGEGROUPNUMBER{L"L_PARAM_BOOTAGENT_IMAGEGROUPNUMBER",
+                                                                 L"ImageGroupNumber"};
+inline constexpr ProviderName L_PARAM_BOOTAGENT_IMAGEEXPOSELEVEL{L"L_PARAM_BOOTAGENT_IMAGEEXPOSELEVEL",
+                                                                 L"ImageExposeLevel"};
+
+// Boot from iSCSI.
+inline constexpr ProviderName L_CLASS_ZOREL_ISCSI_ADAPTERS{L"L_CLASS_ZOREL_ISCSI_ADAPTERS",
+                                                           L"Zorel_BootAgent_iSCSI_Adapters"};
+inline constexpr ProviderName L_PROP_ISCSI_ADAPTERS_STATUS{L"L_PROP_ISCSI_ADAPTERS_STATUS", L"iSCSI_Status"};
+inline constexpr ProviderName L_PROP_ISCSI_ADAPTERS_ADAPTERNAME{L"L_PROP_ISCSI_ADAPTERS_ADAPTERNAME",
+                                                                L"AdapterName"};
+inline constexpr ProviderName L_METHOD_BOOTAGENT_SET_ISCSI_STATUS{L"L_METHOD_BOOTAGENT_SET_ISCSI_STATUS",
+                                                                  L"SetiSCSI_Status"};
+inline constexpr ProviderName L_PARAM_SET_ISCSI_STATE{L"L_PARAM_SET_ISCSI_STATE", L"iSCSI_State"};
+inline constexpr ProviderName L_PARAM_SET_ISCSI_PRIORITY_RETURN{L"L_PARAM_SET_ISCSI_PRIORITY_RETURN",
+                                                                L"RetCode"};
+inline constexpr ProviderName L_METHOD_ETHERNETADAPTER_ISISCSIENABLED{
+    L"L_METHOD_ETHERNETADAPTER_ISISCSIENABLED", L"IsiSCSIEnabled"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_ISCSISTATUS{L"L_PARAM_ETHERNETADAPTER_ISCSISTATUS",
+                                                                  L"iSCSIStatus"};
+inline constexpr ProviderName L_METHOD_ETHERNETADAPTER_ISISCSISUPPORTED{
+    L"L_METHOD_ETHERNETADAPTER_ISISCSISUPPORTED", L"IsiSCSISupported"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_ISISCSIOS{L"L_PARAM_ETHERNETADAPTER_ISISCSIOS",
+                                                                L"bIsiSCSIOS"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_ISISCSIPATCH{L"L_PARAM_ETHERNETADAPTER_ISISCSIPATCH",
+                                                                   L"bIsiSCSIPatch"};
+inline constexpr ProviderName L_PARAM_ETHERNETADAPTER_ISISCSIHOTFIX{L"L_PARAM_ETHERNETADAPTER_ISISCSIHOTFIX",
+                                                                    L"bIsiSCSIHotFix"};

@@ -1,7 +1,6 @@
 // Display texts that the provider keeps in the qualifiers of a property, in the language of the connection.
-#include <quillet/Quillet.h>
+#include "QualifierTexts.h"
 
-#include "ProviderSession.h"
 #include "SafeArray.h"
 #include "Trace.h"
 
@@ -42,7 +41,8 @@ std::wstring TextAt(const std::vector<std::wstring>& texts, LONGLONG position) {
                : std::wstring();
 }
 
-/// The qualifiers of a property of a class, with the texts of the connection's language.
+} // namespace
+
 HRESULT PropertyQualifiers(const ProviderSession& session, const ProviderName& className,
                            const ProviderName& property, CComPtr<IWbemQualifierSet>& qualifiers) {
     if (FAILED(session.Result())) {
@@ -70,8 +70,6 @@ HRESULT PropertyQualifiers(const ProviderSession& session, const ProviderName& c
     }
     return result;
 }
-
-} // namespace
 
 HRESULT CQuillet::GetDataFromValues(const ProviderName& className, const ProviderName& property, LONG code,
                                     std::wstring& text) {

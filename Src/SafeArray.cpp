@@ -2,6 +2,9 @@
 
 #include "VariantValue.h"
 
+#include <cstring>
+#include <limits>
+
 namespace {
 
 /// Fetches one element as a VARIANT of the array's element type.
@@ -72,7 +75,7 @@ HRESULT ReadElement(SAFEARRAY* array, LONG index, ATL::CComBSTR& element) {
     return result;
 }
 
-bool MakeTextArray(const std::vector<std::wstring>& texts, _variant_t& result) {
+bool MakeTextArray(const std::vector<std::wstring>& texts, _variant_t& result, EmptyText empty) {
     result.Clear();
     SAFEARRAY* array = SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(texts.size()));
     if (!array) {
@@ -83,10 +86,50 @@ bool MakeTextArray(const std::vector<std::wstring>& texts, _variant_t& result) {
     result.vt = VT_ARRAY | VT_BSTR;
     for (LONG index = 0; index < static_cast<LONG>(texts.size()); ++index) {
         const std::wstring& text = texts[static_cast<std::size_t>(index)];
+        if (text.empty() && empty == EmptyText::Null) {
+            continue; // what a new array holds
+        }
         ATL::CComBSTR element(static_cast<int>(text.size()), text.c_str());
         if (FAILED(SafeArrayPutElement(array, &index, element.m_str))) {
             _com_issue_error(E_OUTOFMEMORY);
         }
     }
     return true;
+}
+
+HRESULT ArrayLength(SAFEARRAY* array, LONG& length, const wchar_t*& step) {
+    LONG lower = 0;
+    step = L"SafeArrayGetLBound";
+    HRESULT result = SafeArrayGetLBound(array, 1, &lower);
+    if (FAILED(result)) {
+        return result;
+    }
+    LONG upper = 0;
+    step = L"SafeArrayGetUBound";
+    result = SafeArrayGetUBound(array, 1, &upper);
+    if (FAILED(result)) {
+        return result;
+    }
+    step = L"SafeArrayGetDim";
+    // 64 bits: the bounds may be the ends of the range of LONG.
+    const LONGLONG count = static_cast<LONGLONG>(upper) - lower + 1;
+    if (SafeArrayGetDim(array) != 1 || count < 0 || count > std::numeric_limits<LONG>::max()) {
+        return E_FAIL;
+    }
+    length = static_cast<LONG>(count);
+    return S_OK;
+}
+
+HRESULT CopyBytes(SAFEARRAY* array, unsigned char* bytes, LONG length) {
+    void* data = nullptr;
+    const HRESULT result = SafeArrayAccessData(array, &data);
+    if (FAILED(result)) {
+        return result;
+    }
+    const bool present = length == 0 || (data && SafeArrayGetElemsize(array) > 0);
+    if (present && length > 0) {
+        std::memcpy(bytes, data, static_cast<std::size_t>(length));
+    }
+    SafeArrayUnaccessData(array);
+    return present ? S_OK : E_FAIL;
 }

@@ -18,6 +18,19 @@ SAFEARRAY* ArrayOf(const VARIANT& value);
 HRESULT ReadElement(SAFEARRAY* array, LONG index, LONG& element);
 HRESULT ReadElement(SAFEARRAY* array, LONG index, ATL::CComBSTR& element);
 
+/// What stands for an empty text in an array.
+enum class EmptyText { Empty, Null };
+
 /// A one-dimensional VT_ARRAY | VT_BSTR with lower bound 0. False when the array cannot be created;
 /// a text that cannot be allocated raises _com_error(E_OUTOFMEMORY).
-bool MakeTextArray(const std::vector<std::wstring>& texts, _variant_t& result);
+bool MakeTextArray(const std::vector<std::wstring>& texts, _variant_t& result,
+                   EmptyText empty = EmptyText::Empty);
+
+/// How many elements a one-dimensional array has, whatever its bounds. The code of OLE when the bounds cannot
+/// be read (`step` is the call that failed); E_FAIL for more dimensions than one and for a length that is
+/// negative or does not fit.
+HRESULT ArrayLength(SAFEARRAY* array, LONG& length, const wchar_t*& step);
+
+/// Copies so many bytes from the beginning of an array. Its elements are taken to be bytes, whatever they
+/// are; each takes one at least.
+HRESULT CopyBytes(SAFEARRAY* array, unsigned char* bytes, LONG length);

@@ -38,6 +38,12 @@ std::wstring SelectReferring(const wchar_t* className, const wchar_t* property, 
     return text + L'\'';
 }
 
+std::wstring MembersOfPackage(const wchar_t* className, const wchar_t* packageProperty,
+                              const wchar_t* nameProperty, const std::wstring& package) {
+    return SelectWhere(className, packageProperty, package) + L" AND NOT " + nameProperty + L" = " +
+           Quoted(package);
+}
+
 std::wstring Settings(const wchar_t* className, const std::wstring& parentId, const std::wstring& caption) {
     const std::wstring all = SelectWhere(className, L"ParentId", parentId);
     return caption.empty() ? all : all + L" AND Caption= " + Quoted(caption);

@@ -12,8 +12,13 @@
 /// "Zorel_BootAgent_iSCSI_Adapters".
 class QUILLET_API CISCSIAdapter {
   public:
-    /// "iSCSI_Status" of the adapter: the provider's number, unchanged.
-    enum iSCSIStatus : LONG {};
+    /// "iSCSI_Status" of the adapter: the provider's number, unchanged; one that has no name here is carried
+    /// as it is.
+    enum iSCSIStatus : LONG {
+        NotBootPort = 0,  ///< the machine does not boot through this port
+        PrimaryPort = 1,  ///< it tries this port first
+        SecondaryPort = 2 ///< it tries this port when the primary one fails
+    };
 
     /// The instance's object path ("__PATH").
     std::wstring m_wsPath;
@@ -22,7 +27,7 @@ class QUILLET_API CISCSIAdapter {
     /// "AdapterName".
     std::wstring m_wsAdapterName;
     /// "iSCSI_Status".
-    iSCSIStatus m_eStatus = iSCSIStatus(0);
+    iSCSIStatus m_eStatus = NotBootPort;
 };
 
 /// The adapters of a machine that can boot from an iSCSI target.

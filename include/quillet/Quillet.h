@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <quillet/Adapter.h>
+#include <quillet/BootAgent.h>
 #include <quillet/DiagTest.h>
 #include <quillet/Export.h>
 #include <quillet/ISCSIAdapter.h>
@@ -480,6 +481,91 @@ class QUILLET_API CQuillet {
     /// Says that the checks which follow are about a change of a VLAN, not an addition; false at first.
     void SetVlanIsModify(bool isModify);
     bool GetVlanIsModify() const;
+    /// @}
+
+    /// @name Diagnostics
+    /// A test runs inside the provider. Starting it returns at once; whoever wants to follow it reads its
+    /// result again and again until the state says that it has ended.
+    /// @{
+
+    /// Lists the tests that an adapter offers (the instances of Zorel_DiagTest associated with it), in the
+    /// provider's order. A test without an object path is left out.
+    /// @param[out] tests what it held before is deleted.
+    /// @return 0x80004005 for an empty identifier. When a test cannot be read, those before it stay.
+    HRESULT EnumerateDiagnostics(const std::wstring& adapterId, CDiagTests& tests);
+    /// Starts a test on an adapter (Zorel_DiagTest.RunTest).
+    /// @param diagId `CDiagTest::m_wsUniqueID`
+    /// @return 0 also when the provider refuses to start it: only the test's state tells.
+    HRESULT RunDiagnostics(const std::wstring& diagId, const std::wstring& adapterId);
+    /// Asks the provider to stop a test (Zorel_DiagTest.DiscontinueTest).
+    /// @return 0 also when the provider does not stop it, as above; 0x80041001, and nothing is asked, when
+    /// the
+    ///         test has no name or there is no result of its name.
+    HRESULT StopDiagnostics(const std::wstring& diagId, const std::wstring& adapterId);
+    /// Reads the result of a test (Zorel_DiagResult), with the results of its package.
+    /// @param[in,out] result members that the provider has no value for keep theirs.
+    /// @return 0, with nothing read, for a test without a "TestId"; 1 (WBEM_S_FALSE), with only that read,
+    /// for
+    ///         a test without a result.
+    HRESULT GetDiagnosticsResult(const std::wstring& diagId, CDiagResult& result);
+    /// Reads the results that belong to a package, those of packages within it included.
+    /// @param[in,out] result a package, with its path and package name; its package results are replaced.
+    /// @return 0x80004005 for a record without a path. When a result cannot be read, those before it stay.
+    HRESULT GetDiagnosticsPackageResults(const std::wstring& diagId, CDiagResult& result);
+    /// @}
+
+    /// @name Boot agent and flash images
+    /// An image travels as it is: the library never looks into it. The provider's verdict on an image is its
+    /// return code, and never a failure of the operation.
+    /// @{
+
+    /// Reads the boot agent of an adapter (Zorel_BootAgent). Members that the provider has no value for keep
+    /// theirs.
+    /// @return 0x80004005 for an identifier that is empty or no adapter's path.
+    HRESULT GetAdapterBootAgentInfo(const std::wstring& adapterId, CBootAgent& bootAgent);
+    /// Reads the whole flash memory (Zorel_BootAgent.ReadFlash).
+    /// @param bootAgentId `CBootAgent::m_wsBootAgentID`
+    /// @param[out] size   its length in bytes.
+    /// @param[out] data   a buffer that the caller releases with ::operator delete; null unless 0 is
+    /// returned.
+    /// @return 0x80004005 when the provider has no bytes to give, or an array whose length makes no sense.
+    HRESULT ReadBootAgentFlash(const std::wstring& bootAgentId, LONG& size, unsigned char** data);
+    /// Writes an image into the flash memory (Zorel_BootAgent.ProgramFlashEx) and returns when it is done.
+    /// Check it first: see VerifyImageType.
+    /// @param size, data       the image.
+    /// @param imageTypes       the images to write, by the captions of these settings.
+    /// @param[out] returnCode  what the provider says; 0 for success.
+    HRESULT WriteBootAgentFlash(const std::wstring& bootAgentId, const LONG& size, unsigned char* data,
+                                CSettings& imageTypes, int& returnCode);
+    /// Lists the images in an image file (Zorel_BootAgent.ReadImageFile).
+    /// @param size, data      the contents of the file.
+    /// @param[in,out] images  receives one CSettingString for each image, behind those it already holds: the
+    ///                        caption is the type, the value the version, further group and expose level.
+    /// @param[out] returnCode what the provider says; with bit 0 set there is no list.
+    HRESULT ReadBootAgentImageFile(const std::wstring& bootAgentId, const LONG& size, unsigned char* data,
+                                   CSettings& images, int& returnCode);
+    /// Checks an image file against image types (Zorel_BootAgent.VerifyImageType).
+    /// @param imageTypes      the types, by the captions of these settings.
+    /// @param[out] returnCode the provider's verdict; 0 when the file is right.
+    HRESULT VerifyImageType(const std::wstring& bootAgentId, const LONG& size, unsigned char* data,
+                            CSettings& imageTypes, int& returnCode);
+    /// @}
+
+    /// @name iSCSI boot
+    /// @{
+
+    /// Lists the adapters whose boot agent can boot from iSCSI (Zorel_BootAgent_iSCSI_Adapters).
+    /// @param[out] adapters what it held before is deleted. When an adapter cannot be read, those before it
+    ///             stay.
+    HRESULT EnumerateISCSIAdapters(CISCSIAdapters& adapters);
+    /// Changes the part that a boot agent plays in booting from iSCSI (SetiSCSI_Status).
+    /// @param bootAgentId     `CBootAgent::m_wsBootAgentID` or `CISCSIAdapter::m_wsPath`
+    /// @param[out] returnCode what the provider says; left untouched when it says nothing.
+    HRESULT SetiSCSIStatus(std::wstring bootAgentId, CISCSIAdapter::iSCSIStatus status,
+                           unsigned int& returnCode);
+    /// Tells whether iSCSI boot is enabled on an adapter (IsiSCSIEnabled of Zorel_PhysicalEthernetAdapter)
+    /// and whether the operating system can do it (IsiSCSISupported).
+    HRESULT GetiSCSI_Info(const std::wstring& adapterId, CiSCSI& info);
     /// @}
 
   private:

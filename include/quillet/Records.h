@@ -2,6 +2,7 @@
 #pragma once
 
 #include <quillet/Adapter.h>
+#include <quillet/BootAgent.h>
 #include <quillet/DiagTest.h>
 #include <quillet/ISCSIAdapter.h>
 #include <quillet/LinkSecurity.h>

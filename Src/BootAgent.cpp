@@ -1,0 +1,150 @@
+// Boot agents: what is known of one, reading its flash memory and writing it.
+#include <quillet/Quillet.h>
+
+#include "FlashImage.h"
+#include "Lum2InstUtility.h"
+#include "ObjectIds.h"
+#include "ProviderInstance.h"
+#include "SafeArray.h"
+
+#include <new>
+
+using ATL::CComBSTR;
+
+namespace {
+
+/// The path that resolves on whatever the connection is open to.
+constexpr int RELATIVE_PATH = 1;
+
+/// Copies the bytes of an array into a buffer of the caller's. Nothing is allocated for a length that makes
+/// no sense.
+HRESULT TakeBytes(SAFEARRAY* array, LONG& size, unsigned char** data) {
+    LONG length = 0;
+    const wchar_t* step = nullptr;
+    HRESULT result = ArrayLength(array, length, step);
+    if (FAILED(result)) {
+        TraceText(step, L" -> vFlashData.parray");
+        return result;
+    }
+    size = length;
+    void* buffer = ::operator new(static_cast<std::size_t>(length), std::nothrow);
+    if (!buffer) {
+        TraceText(L"(!pbyBuffer)");
+        return E_OUTOFMEMORY;
+    }
+    result = CopyBytes(array, static_cast<unsigned char*>(buffer), length);
+    if (FAILED(result)) {
+        ::operator delete(buffer);
+        TraceText(L"SafeArrayAccessData -> vFlashData.parray");
+        return result;
+    }
+    *data = static_cast<unsigned char*>(buffer);
+    return S_OK;
+}
+
+} // namespace
+
+HRESULT CQuillet::GetAdapterBootAgentInfo(const std::wstring& adapterId, CBootAgent& bootAgent) {
+    const OperationTrace trace(L"GetAdapterBootAgentInfo");
+    if (adapterId.empty()) {
+        return trace.Fail(E_FAIL, L"(wsAdapterID.empty())");
+    }
+    const ProviderSession session(*this);
+    if (FAILED(session.Result())) {
+        return session.Result();
+    }
+    std::wstring objectId;
+    if (!ObjectIdFromPath(ObjectKind::Ethernet, adapterId, objectId)) {
+        return trace.Fail(E_FAIL, L"GetObjectIdFromPath -> wsAdapterID");
+    }
+    CComBSTR path;
+    CZorel_EthernetAdapterMgrHelper::MakePathFromBootAgentId(RELATIVE_PATH, objectId.c_str(), path);
+    const std::wstring bootAgentPath(path ? path.m_str : L"", path.Length());
+    TraceText(L"Boot Agent WMI Object ID is ", bootAgentPath.c_str());
+
+    const wchar_t* instance = L"pIAdapterBootAgtInstance";
+    const ProviderInstance agent(session, bootAgentPath, L"pIAdapterBootAgtInstance -> FAIL");
+    PropertyReader read = agent.Read(instance);
+    LONG imageType = 0;
+    read.String(L_ZOREL_PATH, bootAgent.m_wsBootAgentID)
+        .String(L_PROP_BOOTAGENT_VERSION, bootAgent.m_wsVersion)
+        .Long(L_PROP_BOOTAGENT_VERSIONNUMBER, bootAgent.m_lVersionNumber)
+        .Bool(L_PROP_BOOTAGENT_UPDATEAVAILABLE, bootAgent.m_bUpdateAvailable)
+        .Long(L_PROP_BOOTAGENT_FLASHIMAGETYPE, imageType);
+    if (read.Found()) {
+        bootAgent.m_lFlashImageType = imageType;
+        std::wstring text;
+        const HRESULT result =
+            GetDataFromValueMap(L_CLASS_ZOREL_BOOTAGENT, L_PROP_BOOTAGENT_FLASHIMAGETYPE, imageType, text);
+        if (FAILED(result)) {
+            return trace.Fail(result, L"GetDataFromValueMap -> L_PROP_BOOTAGENT_FLASHIMAGETYPE");
+        }
+        bootAgent.m_wsFlashImageType = text;
+    }
+    read.Long(L_PROP_BOOTAGENT_ISCSI_STATUS, bootAgent.m_lISCSIStatus)
+        .Long(L_PROP_BOOTAGENT_INSTALLEDFLASHIMAGETYPES, bootAgent.m_lInstalledFlashImageTypes);
+    return FAILED(read.Result()) ? read.Result() : S_OK;
+}
+
+HRESULT CQuillet::ReadBootAgentFlash(const std::wstring& bootAgentId, LONG& size, unsigned char** data) {
+    const OperationTrace trace(L"ReadBootAgentFlash");
+    if (data) {
+        *data = nullptr;
+    }
+    if (bootAgentId.empty() || !data) {
+        return trace.Fail(E_FAIL, L"((wsBootAgtID.empty()) || (ppbyFlashData == NULL))");
+    }
+    const ProviderSession session(*this);
+    _variant_t flash;
+    const HRESULT result = ProviderMethod(session, L_CLASS_ZOREL_BOOTAGENT, L_METHOD_BOOTAGENT_READFLASH)
+                               .Exec(bootAgentId.c_str(), L"wsBootAgtID")
+                               .NeedAnswer(L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_READFLASH, "
+                                           L"pWbemClassObject_OutParams -> NULL")
+                               .Read(L"pWbemClassObject_OutParams")
+                               .Plain(L_PARAM_BOOTAGENT_READFLASH_FLASHDATA, flash)
+                               .Result();
+    if (FAILED(result)) {
+        return result;
+    }
+    SAFEARRAY* array = ArrayOf(flash);
+    if (!array) {
+        return trace.Fail(E_FAIL, L"((vFlashData.vt == VT_EMPTY) || (vFlashData.vt == VT_NULL) || "
+                                  L"(!vFlashData.parray))");
+    }
+    return TakeBytes(array, size, data);
+}
+
+HRESULT CQuillet::WriteBootAgentFlash(const std::wstring& bootAgentId, const LONG& size, unsigned char* data,
+                                      CSettings& imageTypes, int& returnCode) {
+    const OperationTrace trace(L"WriteBootAgentFlash");
+    HRESULT result = FlashImage::CheckArguments(bootAgentId, size, data);
+    if (FAILED(result)) {
+        return result;
+    }
+    const ProviderSession session(*this);
+    if (FAILED(session.Result())) {
+        return session.Result();
+    }
+    _variant_t bytes;
+    _variant_t types;
+    result = FlashImage::MakeBytes(size, data, bytes);
+    if (SUCCEEDED(result)) {
+        result = FlashImage::MakeTypes(imageTypes, types);
+    }
+    if (FAILED(result)) {
+        return result;
+    }
+    ProviderMethod method(session, L_CLASS_ZOREL_BOOTAGENT, L_METHOD_BOOTAGENT_PROGRAMFLASHEX,
+                          ProviderMethod::ClassFetch::WithContext, FlashImage::SIGNATURE_NOTE);
+    method.Put(L_PARAM_BOOTAGENT_PROGRAMFLASHEX_FLASHDATA, bytes, FlashImage::PUT_STEP);
+    if (!method.Failed()) {
+        TraceText(L"Fill up input parameter, Action");
+    }
+    PropertyReader read = method.Put(L_PARAM_BOOTAGENT_PROGRAMFLASHEX_IMAGETYPE, types, FlashImage::PUT_STEP)
+                              .Exec(bootAgentId.c_str(), L"wsBootAgtID",
+                                    L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_PROGRAMFLASHEX")
+                              .NeedAnswer(FlashImage::NO_ANSWER)
+                              .Read(L"pIWbemClassObject_OutParams");
+    result = FlashImage::ReadReturnCode(read, returnCode);
+    return FAILED(result) ? result : S_OK;
+}

@@ -1,0 +1,104 @@
+// Booting from an iSCSI target: the adapters that can, and the part that each of them plays.
+#include <quillet/Quillet.h>
+
+#include "ObjectIds.h"
+#include "ProviderMethod.h"
+#include "Trace.h"
+#include "VariantValue.h"
+
+#include <memory>
+#include <new>
+
+using ATL::CComPtr;
+
+namespace {
+
+/// Reads an adapter of the list and appends it.
+HRESULT AppendAdapter(IWbemClassObject* instance, CISCSIAdapters& adapters) {
+    std::unique_ptr<CISCSIAdapter> adapter(new (std::nothrow) CISCSIAdapter);
+    if (!adapter) {
+        TraceText(L"pAdapter == NULL");
+        return E_FAIL;
+    }
+    PropertyReader read(instance, L"pIAdapter_Instance");
+    LONG status = adapter->m_eStatus;
+    read.String(L_ZOREL_PATH, adapter->m_wsPath, L"CQuillet::EnumerateISCSIAdapters failed to get GUID")
+        .Long(L_PROP_ISCSI_ADAPTERS_STATUS, status)
+        .String(L_PROP_ISCSI_ADAPTERS_ADAPTERNAME, adapter->m_wsAdapterName);
+    if (read.Failed()) {
+        return read.Result();
+    }
+    ObjectIdFromPath(ObjectKind::BootAgent, adapter->m_wsPath, adapter->m_wsBootAgentID);
+    adapter->m_eStatus = static_cast<CISCSIAdapter::iSCSIStatus>(status);
+    adapters.m_vecItems.push_back(adapter.get());
+    adapter.release();
+    return S_OK;
+}
+
+} // namespace
+
+HRESULT CQuillet::EnumerateISCSIAdapters(CISCSIAdapters& adapters) {
+    const OperationTrace trace(L"EnumerateISCSIAdapters");
+    adapters.RemoveAll();
+    const ProviderSession session(*this);
+    ProviderEnum instances;
+    HRESULT result = session.Enumerate(L_CLASS_ZOREL_ISCSI_ADAPTERS, instances,
+                                       L"CreateInstanceEnum -> L_CLASS_ZOREL_ISCSI_ADAPTERS");
+    CComPtr<IWbemClassObject> instance;
+    while (SUCCEEDED(result) && instances.Next(instance)) {
+        result = AppendAdapter(instance, adapters);
+    }
+    if (FAILED(result)) {
+        return result;
+    }
+    return FAILED(instances.Result()) ? trace.Fail(instances.Result(), L"pEnumAdapters -> Next") : S_OK;
+}
+
+HRESULT CQuillet::SetiSCSIStatus(std::wstring bootAgentId, CISCSIAdapter::iSCSIStatus status,
+                                 unsigned int& returnCode) {
+    const OperationTrace trace(L"SetiSCSIStatus");
+    const ProviderSession session(*this);
+    LONG verdict = 0;
+    ProviderMethod method(session, L_CLASS_ZOREL_ISCSI_ADAPTERS, L_METHOD_BOOTAGENT_SET_ISCSI_STATUS);
+    PropertyReader read = method.Put(L_PARAM_SET_ISCSI_STATE, VariantOfLong(status))
+                              .Exec(bootAgentId.c_str(), L"wsBootAgtID")
+                              .NeedAnswer(L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_SET_ISCSI_STATUS, "
+                                          L"pWbemClassObject_OutParams -> NULL")
+                              .Read(L"pIWbemClassObject_OutParams");
+    // The line speaks of a text, and of a priority, on purpose: it is known so.
+    read.Long(L_PARAM_SET_ISCSI_PRIORITY_RETURN, verdict,
+              L"GetPropertyAsString -> pIWbemClassObject_OutParams -> L_PARAM_SET_ISCSI_PRIORITY_RETURN");
+    if (read.Found()) {
+        returnCode = static_cast<unsigned int>(verdict);
+    }
+    return FAILED(read.Result()) ? read.Result() : S_OK;
+}
+
+HRESULT CQuillet::GetiSCSI_Info(const std::wstring& adapterId, CiSCSI& info) {
+    const OperationTrace trace(L"GetiSCSI_Info");
+    if (adapterId.empty()) {
+        return trace.Fail(E_FAIL, L"(wsAdapterID.empty())");
+    }
+    const ProviderSession session(*this);
+    HRESULT result =
+        ProviderMethod(session, L_CLASS_ZOREL_ETHERNETADAPTER, L_METHOD_ETHERNETADAPTER_ISISCSIENABLED)
+            .Exec(adapterId.c_str(), L"wsAdapterID")
+            .NeedAnswer(L"ExecMethod -> wsAdapterID, L_METHOD_ETHERNETADAPTER_ISISCSIENABLED, "
+                        L"pAdapter_OutParams -> NULL")
+            .Read(L"pAdapter_OutParams")
+            .Long(L_PARAM_ETHERNETADAPTER_ISCSISTATUS, info.m_lStatus)
+            .Result();
+    if (FAILED(result)) {
+        return result;
+    }
+    result = ProviderMethod(session, L_CLASS_ZOREL_ETHERNETADAPTER, L_METHOD_ETHERNETADAPTER_ISISCSISUPPORTED)
+                 .Exec(adapterId.c_str(), L"wsAdapterID")
+                 .NeedAnswer(L"ExecMethod -> wsAdapterID, L_METHOD_ETHERNETADAPTER_ISISCSISUPPORTED, "
+                             L"pAdapter_OutParams -> NULL")
+                 .Read(L"pAdapter_OutParams")
+                 .Bool(L_PARAM_ETHERNETADAPTER_ISISCSIOS, info.m_bOSSupported)
+                 .Bool(L_PARAM_ETHERNETADAPTER_ISISCSIPATCH, info.m_bPatchPresent)
+                 .Bool(L_PARAM_ETHERNETADAPTER_ISISCSIHOTFIX, info.m_bHotFixPresent)
+                 .Result();
+    return FAILED(result) ? result : S_OK;
+}
