@@ -53,6 +53,10 @@ HRESULT ClassProvider::ExecMethod(MethodCall&) {
     return HRESULT(WBEM_E_NOT_SUPPORTED);
 }
 
+std::chrono::milliseconds ClassProvider::Duration(const MethodCall&) const {
+    return {};
+}
+
 HRESULT ClassProvider::PutInstance(Request& request, const Instance& instance, Repository::Write mode) {
     return request.Target().Store().PutInstance(instance, mode);
 }

@@ -25,6 +25,9 @@ class Request {
     /// To be called after a change of an instance of this class: asks for the follow-up action that the
     /// machine's own description says.
     void Changed(const ClassDefinition& definition);
+    /// The power fails while the call is at work, and the call then returns this code.
+    void CutPower(HRESULT code) noexcept { m_powerCut = code; }
+    std::optional<HRESULT> PowerCut() const noexcept { return m_powerCut; }
     /// Tells the reader of the journal what a stricter machine would have refused.
     void Note(std::wstring text) { m_note = std::move(text); }
     const std::wstring& Notes() const noexcept { return m_note; }
@@ -32,6 +35,7 @@ class Request {
   private:
     Machine& m_machine;
     LONG m_clientSet = 0;
+    std::optional<HRESULT> m_powerCut;
     std::wstring m_note;
 };
 
@@ -58,6 +62,8 @@ class ClassProvider {
 
     /// Runs a method. WBEM_E_NOT_SUPPORTED unless the class has behaviour for it.
     virtual HRESULT ExecMethod(MethodCall& call);
+    /// How much simulated time a method takes; it has passed when ExecMethod is called.
+    virtual std::chrono::milliseconds Duration(const MethodCall& call) const;
     /// Stores an instance.
     virtual HRESULT PutInstance(Request& request, const Instance& instance, Repository::Write mode);
     /// Removes an instance.
@@ -82,5 +88,9 @@ std::unique_ptr<ClassProvider> MakeTeamProvider();
 std::unique_ptr<ClassProvider> MakeTeamMembershipProvider();
 /// Writes to advanced settings (Zorel_Setting and the classes below it).
 std::unique_ptr<ClassProvider> MakeSettingProvider();
+/// The methods of Zorel_BootAgent and of the list of iSCSI adapters.
+std::unique_ptr<ClassProvider> MakeNetworkBootProvider();
+/// "RunTest" and "DiscontinueTest" of Zorel_DiagTest.
+std::unique_ptr<ClassProvider> MakeDiagTestProvider();
 
 } // namespace quillet::simulator

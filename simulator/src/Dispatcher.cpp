@@ -133,6 +133,7 @@ HRESULT Dispatcher::ParsePath(std::wstring_view text, ObjectPath& path) const {
 }
 
 HRESULT Dispatcher::GetObject(std::wstring_view text, ProvidedObject& found) const {
+    m_machine.Internals().CatchUp();
     ObjectPath path;
     if (const HRESULT parsed = ParsePath(text, path); FAILED(parsed)) {
         return parsed;
@@ -155,6 +156,7 @@ HRESULT Dispatcher::GetObject(std::wstring_view text, ProvidedObject& found) con
 
 HRESULT Dispatcher::InstancesOf(std::wstring_view className, bool shallow,
                                 std::vector<ProvidedObject>& found) const {
+    m_machine.Internals().CatchUp();
     const auto& store = m_machine.Store();
     if (store.FindClass(className) == nullptr) {
         return HRESULT(WBEM_E_INVALID_CLASS);
@@ -181,6 +183,7 @@ HRESULT Dispatcher::ClassesBelow(std::wstring_view superclass, bool shallow,
 }
 
 HRESULT Dispatcher::Query(std::wstring_view text, std::vector<ProvidedObject>& found) const {
+    m_machine.Internals().CatchUp();
     const auto query = ParseWql(text);
     if (!query) {
         return HRESULT(WBEM_E_INVALID_QUERY);
@@ -210,7 +213,8 @@ HRESULT Dispatcher::Query(std::wstring_view text, std::vector<ProvidedObject>& f
 
 HRESULT Dispatcher::ExecMethod(Request& request, std::wstring_view text, std::wstring_view name,
                                const Instance* given, InstancePtr& out) const {
-    const std::lock_guard lock(m_machine.Internals().changes);
+    m_machine.Internals().CatchUp();
+    std::unique_lock lock(m_machine.Internals().changes);
     ObjectPath path;
     if (const HRESULT parsed = ParsePath(text, path); FAILED(parsed)) {
         return parsed;
@@ -243,7 +247,18 @@ HRESULT Dispatcher::ExecMethod(Request& request, std::wstring_view text, std::ws
     if (request.verdict) {
         call.Answer(L"ReturnValue", *request.verdict);
     } else {
-        result = m_machine.Internals().ProviderOf(*definition).ExecMethod(call);
+        auto& machine = m_machine.Internals();
+        auto& provider = machine.ProviderOf(*definition);
+        // Others go on while a method takes its time.
+        const auto duration = provider.Duration(call);
+        lock.unlock();
+        if (const auto cut = request.PowerCut()) {
+            machine.clock.Pass(duration / 2);
+            return *cut;
+        }
+        machine.clock.Pass(duration);
+        lock.lock();
+        result = provider.ExecMethod(call);
     }
     if (SUCCEEDED(result) && call.out.definition != nullptr) {
         out = std::make_shared<Instance>(std::move(call.out));

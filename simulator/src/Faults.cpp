@@ -32,6 +32,7 @@ constexpr std::array Effects{
     NamedEffect{Effect::UnreadableElement, L"UnreadableElement"},
     NamedEffect{Effect::HugeString, L"HugeString"},
     NamedEffect{Effect::EndOfData, L"EndOfData"},
+    NamedEffect{Effect::PowerCut, L"PowerCut"},
     NamedEffect{Effect::Delay, L"Delay"},
 };
 
@@ -91,6 +92,7 @@ bool Applies(Effect effect, Operation operation) noexcept {
         return HandsOutObjects(operation);
     case Effect::Verdict:
     case Effect::NoOutParameters:
+    case Effect::PowerCut:
         return operation == Operation::ExecMethod;
     case Effect::EndOfData:
         return operation == Operation::Next;

@@ -89,14 +89,19 @@ void AppendScalar(std::wstring& line, const std::optional<Scalar>& scalar) {
 }
 
 void AppendValue(std::wstring& line, const Value& value) {
-    if (const auto* array = value.AsArray()) {
+    if (value.IsArray()) {
+        const auto* array = value.AsArray();
         line += L'{';
-        for (std::size_t index = 0; index < array->size() && index < LongestArray; ++index) {
+        for (std::size_t index = 0; index < value.Size() && index < LongestArray; ++index) {
             line += index == 0 ? L"" : L", ";
-            AppendScalar(line, (*array)[index]);
+            if (array != nullptr) {
+                AppendScalar(line, (*array)[index]);
+            } else {
+                line += std::to_wstring((*value.AsBytes())[index]);
+            }
         }
-        if (array->size() > LongestArray) {
-            line += L", \u2026 " + std::to_wstring(array->size()) + L" elements";
+        if (value.Size() > LongestArray) {
+            line += L", \u2026 " + std::to_wstring(value.Size()) + L" elements";
         }
         line += L'}';
     } else if (const auto* scalar = value.AsScalar()) {

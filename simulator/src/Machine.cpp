@@ -125,6 +125,8 @@ Machine::State::State(const Repository& prototype, const MachineOptions& options
     providers[L"Zorel_Setting"] = MakeSettingProvider();
     providers[L"Zorel_TeamOfAdapters"] = MakeTeamProvider();
     providers[L"Zorel_TeamedMemberAdapter"] = MakeTeamMembershipProvider();
+    providers[L"Zorel_NetworkBoot"] = MakeNetworkBootProvider();
+    providers[L"Zorel_DiagTest"] = MakeDiagTestProvider();
 }
 
 void Machine::State::Configure(const std::string& fileName) {
@@ -143,6 +145,10 @@ void Machine::State::Configure(const std::string& fileName) {
             RejectFault(fileName, *fault, refused.what());
         }
     }
+}
+
+void Machine::State::CatchUp() {
+    diagnostics.CatchUp(store, clock.Now());
 }
 
 ClassProvider& Machine::State::ProviderOf(const ClassDefinition& definition) {
@@ -197,6 +203,7 @@ std::chrono::milliseconds Machine::Now() const {
 
 void Machine::Advance(std::chrono::milliseconds time) {
     m_state->clock.Advance(time);
+    m_state->CatchUp();
 }
 
 void Machine::FollowRealTime(bool follow) {
@@ -216,6 +223,7 @@ void Machine::RequireFollowup(LONG action) {
 }
 
 std::string Machine::Save() const {
+    m_state->CatchUp();
     return WriteInstancesAsMof(m_state->store);
 }
 

@@ -4,6 +4,7 @@
 #include "BlinkingLights.h"
 #include "ClassProvider.h"
 #include "ClientSets.h"
+#include "DiagnosticRuns.h"
 #include "SimulatedClock.h"
 #include "SwitchTests.h"
 
@@ -19,6 +20,9 @@ struct Machine::State {
     /// The provider for a class: its own, or that of the nearest class above it.
     ClassProvider& ProviderOf(const ClassDefinition& definition);
 
+    /// Brings the instances up to what has happened in the meantime.
+    void CatchUp();
+
     Repository store;
     Journal journal;
     Faults faults;
@@ -26,6 +30,7 @@ struct Machine::State {
     ClientSets sets;
     BlinkingLights blinking;
     SwitchTests switchTests;
+    DiagnosticRuns diagnostics;
     ClassProviders providers;
     ClassProvider plain;
     std::map<std::wstring, LONG, NameLess> followUps; ///< what changes of a class ask for

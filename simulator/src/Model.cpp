@@ -89,6 +89,20 @@ Scalar NormalisedScalar(Scalar scalar, CIMTYPE type) {
     return scalar;
 }
 
+/// The elements of an array of uint8; nothing when one of them is null.
+std::optional<Value::Bytes> BytesOf(const Value::Array& array) {
+    Value::Bytes bytes;
+    bytes.reserve(array.size());
+    for (const std::optional<Scalar>& scalar : array) {
+        if (!scalar) {
+            return std::nullopt;
+        }
+        bytes.push_back(
+            static_cast<std::uint8_t>(std::get<std::uint64_t>(NormalisedScalar(*scalar, CIM_UINT8))));
+    }
+    return bytes;
+}
+
 bool IsDigitOrOpen(wchar_t c) noexcept {
     return (c >= L'0' && c <= L'9') || c == L'*';
 }
@@ -161,6 +175,41 @@ bool ClassDefinition::IsA(std::wstring_view className) const noexcept {
                        [className](const std::wstring& ancestor) { return SameName(ancestor, className); });
 }
 
+Value::Array Value::Elements() const {
+    if (const Array* array = AsArray()) {
+        return *array;
+    }
+    Array elements;
+    if (const Bytes* bytes = AsBytes()) {
+        elements.reserve(bytes->size());
+        for (const std::uint8_t byte : *bytes) {
+            elements.emplace_back(Scalar(std::uint64_t{byte}));
+        }
+    }
+    return elements;
+}
+
+std::size_t Value::Size() const noexcept {
+    if (const Array* array = AsArray()) {
+        return array->size();
+    }
+    const Bytes* bytes = AsBytes();
+    return bytes != nullptr ? bytes->size() : 0;
+}
+
+bool operator==(const Value& left, const Value& right) {
+    const Value::Bytes* leftBytes = left.AsBytes();
+    const Value::Bytes* rightBytes = right.AsBytes();
+    if (leftBytes != nullptr && rightBytes != nullptr) {
+        return leftBytes == rightBytes || *leftBytes == *rightBytes;
+    }
+    if (leftBytes != nullptr || rightBytes != nullptr) {
+        return left.IsArray() && right.IsArray() && left.Size() == right.Size() &&
+               left.Elements() == right.Elements();
+    }
+    return left.m_payload == right.m_payload;
+}
+
 Instance::Instance(ClassPtr cls) : definition(std::move(cls)) {
     if (definition) {
         values.reserve(definition->properties.size());
@@ -221,6 +270,13 @@ bool Fits(const Value& value, CIMTYPE type) noexcept {
         return true;
     }
     const CIMTYPE element = type & ~kArray;
+    if (const Value::Bytes* bytes = value.AsBytes()) {
+        const std::optional<Range> range = IntegerRange(element);
+        return (type & kArray) != 0 && range &&
+               (range->high >= UINT8_MAX ||
+                std::all_of(bytes->begin(), bytes->end(),
+                            [high = range->high](std::uint8_t byte) { return byte <= high; }));
+    }
     if (const Value::Array* array = value.AsArray()) {
         return (type & kArray) != 0 &&
                std::all_of(array->begin(), array->end(), [element](const std::optional<Scalar>& scalar) {
@@ -235,9 +291,17 @@ Value Normalised(Value value, CIMTYPE type) {
     if (const Scalar* scalar = value.AsScalar()) {
         return Value(NormalisedScalar(*scalar, element));
     }
+    if (value.AsBytes() != nullptr) {
+        return element == CIM_UINT8 ? value : Normalised(Value(value.Elements()), type);
+    }
     if (const Value::Array* array = value.AsArray(); array != nullptr) {
         if (!IntegerRange(element) && element != CIM_REAL32) {
             return value;
+        }
+        if (element == CIM_UINT8) {
+            if (auto bytes = BytesOf(*array)) {
+                return Value(*std::move(bytes));
+            }
         }
         Value::Array result;
         result.reserve(array->size());

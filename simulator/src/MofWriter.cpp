@@ -87,6 +87,16 @@ void AppendValue(std::wstring& out, const Value& value) {
         out += L'}';
         return;
     }
+    if (const Value::Bytes* bytes = value.AsBytes()) {
+        out.reserve(out.size() + bytes->size() * 5 + 2);
+        out += L'{';
+        for (std::size_t i = 0; i < bytes->size(); ++i) {
+            out += i == 0 ? L"" : L", ";
+            out += std::to_wstring((*bytes)[i]);
+        }
+        out += L'}';
+        return;
+    }
     AppendScalar(out, value.AsScalar() != nullptr ? std::optional<Scalar>(*value.AsScalar()) : std::nullopt);
 }
 

@@ -24,6 +24,8 @@ class PhysicalAdapterProvider final : public ClassProvider {
                  return Tell(made, {{L"dwMajorVersion", L"NDISMajorVersion"},
                                     {L"dwMinorVersion", L"NDISMinorVersion"}});
              }},
+            {L"IsiSCSIEnabled", TellPlaceInBoot},
+            {L"IsiSCSISupported", TellSystemsSupport},
             {L"GetAdapterWarnings",
              [](MethodCall& made) {
                  return Tell(made, {{L"dwAdapterWarnings", L"AdapterWarnings"}});
@@ -81,6 +83,26 @@ class PhysicalAdapterProvider final : public ClassProvider {
             if (const Value* value = call.instance->Find(property)) {
                 call.out.Set(parameter, *value);
             }
+        }
+        call.Answer(L"ReturnValue", 0);
+        return S_OK;
+    }
+
+    /// The port's place among the iSCSI boot adapters; 0 when it has none.
+    static HRESULT TellPlaceInBoot(MethodCall& call) {
+        ObjectPath path{{}, {}, L"Zorel_BootAgent_iSCSI_Adapters", {}, false};
+        path.keys.push_back({L"Name", Scalar(call.instance->Text(L"DeviceID"))});
+        const auto entry = call.request.Target().Store().FindInstance(path);
+        call.Answer(L"iSCSIStatus", entry != nullptr ? entry->Number(L"iSCSI_Status") : 0);
+        call.Answer(L"ReturnValue", 0);
+        return S_OK;
+    }
+
+    /// What the network service knows of the operating system.
+    static HRESULT TellSystemsSupport(MethodCall& call) {
+        const auto services = call.request.Target().Store().Instances(L"Zorel_NetService");
+        for (const wchar_t* name : {L"bIsiSCSIOS", L"bIsiSCSIPatch", L"bIsiSCSIHotFix"}) {
+            call.Answer(name, services.empty() ? 0 : services.front()->Number(name));
         }
         call.Answer(L"ReturnValue", 0);
         return S_OK;

@@ -211,8 +211,7 @@ HRESULT Repository::State::CheckValues(Instance& instance, std::wstring& reason)
                      CimTypeName(property.type) + ((property.type & CIM_FLAG_ARRAY) != 0 ? L"[]" : L"");
             return Code(WBEM_E_TYPE_MISMATCH);
         }
-        if (const Value::Array* array = value.AsArray();
-            array != nullptr && property.arrayLimit != 0 && array->size() > property.arrayLimit) {
+        if (property.arrayLimit != 0 && value.Size() > property.arrayLimit) {
             reason = L"property " + Quoted(property.name) + L" holds at most " +
                      std::to_wstring(property.arrayLimit) + L" elements";
             return Code(WBEM_E_TYPE_MISMATCH);

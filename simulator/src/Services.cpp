@@ -286,6 +286,8 @@ class ServicesProxy final : public ComObject<IWbemServices, IID_IWbemServices> {
             Request request(*m_session->machine, call.Entry());
             if (call.Has(Effect::Verdict)) {
                 request.verdict = call.Fault()->verdict;
+            } else if (call.Has(Effect::PowerCut)) {
+                request.CutPower(call.FaultCode());
             }
             const auto in = own ? std::optional<Instance>(own->Values()) : std::nullopt;
             outcome.status =

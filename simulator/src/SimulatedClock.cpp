@@ -30,6 +30,20 @@ void SimulatedClock::FollowRealTime(bool follow) {
     m_since = std::chrono::steady_clock::now();
 }
 
+void SimulatedClock::Pass(std::chrono::milliseconds time) {
+    if (time.count() <= 0) {
+        return;
+    }
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_follows) {
+            m_elapsed += time;
+            return;
+        }
+    }
+    std::this_thread::sleep_for(time);
+}
+
 void SimulatedClock::Sleep(std::chrono::milliseconds time) {
     if (time.count() <= 0) {
         return;

@@ -12,6 +12,8 @@ class SimulatedClock {
     std::chrono::milliseconds Now() const;
     void Advance(std::chrono::milliseconds time);
     void FollowRealTime(bool follow);
+    /// Lets the time pass that something takes on the machine; real time only when the clock follows it.
+    void Pass(std::chrono::milliseconds time);
     /// Lets real time pass, and simulated time with it.
     void Sleep(std::chrono::milliseconds time);
 

@@ -112,6 +112,27 @@ HRESULT FillArray(const Value::Array& elements, VARTYPE vt, LONG lowerBound, VAR
     return S_OK;
 }
 
+/// The same for bytes, in one piece.
+HRESULT FillBytes(const Value::Bytes& bytes, LONG lowerBound, VARIANT* variant) {
+    VariantInit(variant);
+    SAFEARRAY* array = SafeArrayCreateVector(VT_UI1, lowerBound, static_cast<ULONG>(bytes.size()));
+    if (array == nullptr) {
+        return HRESULT(WBEM_E_OUT_OF_MEMORY);
+    }
+    void* raw = nullptr;
+    if (const HRESULT result = SafeArrayAccessData(array, &raw); FAILED(result)) {
+        SafeArrayDestroy(array);
+        return result;
+    }
+    if (!bytes.empty()) {
+        std::memcpy(raw, bytes.data(), bytes.size());
+    }
+    SafeArrayUnaccessData(array);
+    V_VT(variant) = VT_ARRAY | VT_UI1;
+    V_ARRAY(variant) = array;
+    return S_OK;
+}
+
 /// An array of VARIANTs that hold the elements, all but one of which can be converted.
 HRESULT FillUnreadable(const Value::Array& elements, VARTYPE vt, LONG unreadable, VARIANT* variant) {
     VariantInit(variant);
@@ -167,13 +188,10 @@ HRESULT FillWrongType(VARTYPE vt, VARIANT* variant) {
 }
 
 Value::Array ElementsOf(const Value& value) {
-    if (const auto* array = value.AsArray()) {
-        return *array;
-    }
     if (const auto* scalar = value.AsScalar()) {
         return {*scalar};
     }
-    return {};
+    return value.Elements();
 }
 
 /// The number in a VARIANT of an integer type that WMI takes. The 64-bit integer types are not among them:
@@ -356,13 +374,19 @@ std::size_t ElementSize(VARTYPE vt) noexcept {
     }
 }
 
-/// Calls `take` with a borrowed VARIANT for each element of a one-dimensional array; false when the array is
-/// not of that shape or an element is not taken.
+/// The elements of a one-dimensional array where they lie.
+struct Elements {
+    const unsigned char* first = nullptr;
+    std::size_t count = 0;
+    std::size_t size = 0; ///< of each, in bytes
+};
+
+/// Calls `take` with the elements of a one-dimensional array; false when the array is not of that shape or
+/// `take` refuses them.
 template <class Take>
-bool ForEachElement(const VARIANT& variant, Take take) {
+bool WithElements(const VARIANT& variant, Take take) {
     SAFEARRAY* array = V_ARRAY(&variant);
-    const VARTYPE vt = static_cast<VARTYPE>(V_VT(&variant) & TypeMask);
-    const std::size_t size = ElementSize(vt);
+    const std::size_t size = ElementSize(static_cast<VARTYPE>(V_VT(&variant) & TypeMask));
     LONG lower = 0;
     LONG upper = -1;
     if (array == nullptr || size == 0 || SafeArrayGetDim(array) != 1 || SafeArrayGetElemsize(array) != size ||
@@ -371,23 +395,46 @@ bool ForEachElement(const VARIANT& variant, Take take) {
     }
     const std::int64_t count = static_cast<std::int64_t>(upper) - lower + 1;
     if (count <= 0) {
-        return true;
+        return take(Elements{nullptr, 0, size});
     }
     void* raw = nullptr;
     if (FAILED(SafeArrayAccessData(array, &raw))) {
         return false;
     }
-    const auto* place = static_cast<const unsigned char*>(raw);
-    bool taken = true;
-    for (std::int64_t index = 0; taken && index < count; ++index, place += size) {
-        VARIANT one;
-        VariantInit(&one);
-        std::memcpy(&V_UI1(&one), place, size);
-        V_VT(&one) = vt;
-        taken = take(one);
-    }
+    const bool taken =
+        take(Elements{static_cast<const unsigned char*>(raw), static_cast<std::size_t>(count), size});
     SafeArrayUnaccessData(array);
     return taken;
+}
+
+/// Calls `take` with a borrowed VARIANT for each element of a one-dimensional array; false when the array is
+/// not of that shape or an element is not taken.
+template <class Take>
+bool ForEachElement(const VARIANT& variant, Take take) {
+    const VARTYPE vt = static_cast<VARTYPE>(V_VT(&variant) & TypeMask);
+    return WithElements(variant, [&](const Elements& elements) {
+        const auto* place = elements.first;
+        for (std::size_t index = 0; index < elements.count; ++index, place += elements.size) {
+            VARIANT one;
+            VariantInit(&one);
+            std::memcpy(&V_UI1(&one), place, elements.size);
+            V_VT(&one) = vt;
+            if (!take(one)) {
+                return false;
+            }
+        }
+        return true;
+    });
+}
+
+/// The bytes of a VT_ARRAY | VT_UI1; nothing when it is not one-dimensional.
+std::optional<Value::Bytes> BytesFrom(const VARIANT& variant) {
+    Value::Bytes bytes;
+    const bool taken = WithElements(variant, [&](const Elements& elements) {
+        bytes.assign(elements.first, elements.first + elements.count);
+        return true;
+    });
+    return taken ? std::optional<Value::Bytes>(std::move(bytes)) : std::nullopt;
 }
 
 } // namespace
@@ -437,8 +484,11 @@ HRESULT ToVariant(const Value& value, CIMTYPE type, VARIANT* variant) {
         V_VT(variant) = VT_NULL;
         return S_OK;
     }
-    if (const auto* array = value.AsArray()) {
-        return FillArray(*array, static_cast<VARTYPE>(vt & TypeMask), 0, variant);
+    if (const auto* bytes = value.AsBytes(); bytes != nullptr && vt == (VT_ARRAY | VT_UI1)) {
+        return FillBytes(*bytes, 0, variant);
+    }
+    if (value.IsArray()) {
+        return FillArray(value.Elements(), static_cast<VARTYPE>(vt & TypeMask), 0, variant);
     }
     return FillScalar(*value.AsScalar(), vt, variant);
 }
@@ -453,6 +503,9 @@ HRESULT ToDamagedVariant(const Value& value, CIMTYPE type, const FaultRule& rule
     case Effect::WrongType:
         return FillWrongType(rule.vt, variant);
     case Effect::ShiftedArray:
+        if (const auto* bytes = value.AsBytes(); bytes != nullptr && element == VT_UI1) {
+            return FillBytes(*bytes, 5, variant);
+        }
         return FillArray(ElementsOf(value), element, 5, variant);
     case Effect::EmptyArray:
         return FillArray({}, element, 0, variant);
@@ -486,6 +539,14 @@ HRESULT FromVariant(const VARIANT& variant, CIMTYPE type, Value& value) {
         if ((V_VT(&variant) & ~TypeMask) != VT_ARRAY) {
             return HRESULT(WBEM_E_TYPE_MISMATCH);
         }
+        if (type == (CIM_UINT8 | CIM_FLAG_ARRAY) && V_VT(&variant) == (VT_ARRAY | VT_UI1)) {
+            auto bytes = BytesFrom(variant);
+            if (!bytes) {
+                return HRESULT(WBEM_E_TYPE_MISMATCH);
+            }
+            value = Value(*std::move(bytes));
+            return S_OK;
+        }
         Value::Array elements;
         if (!ForEachElement(variant, [&](const VARIANT& one) {
                 auto scalar = ScalarFrom(one, type);
@@ -502,7 +563,7 @@ HRESULT FromVariant(const VARIANT& variant, CIMTYPE type, Value& value) {
     if (!Fits(read, type)) {
         return HRESULT(WBEM_E_TYPE_MISMATCH);
     }
-    value = std::move(read);
+    value = Normalised(std::move(read), type);
     return S_OK;
 }
 

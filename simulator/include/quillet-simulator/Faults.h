@@ -21,7 +21,8 @@ enum class Effect {
     UnreadableElement, ///< Get: an array of which element `element` cannot be converted
     HugeString,        ///< Get: a text of `size` characters
     EndOfData,         ///< Next: the enumeration ends early
-    Delay              ///< the call takes `milliseconds` longer and is otherwise right
+    PowerCut, ///< ExecMethod: the power fails halfway; nothing has changed, and the call returns `code`
+    Delay     ///< the call takes `milliseconds` longer and is otherwise right
 };
 
 /// "Fail" and so on.

@@ -36,27 +36,43 @@ struct NameLess {
 using Scalar = std::variant<bool, std::int64_t, std::uint64_t, double, std::wstring>;
 
 /// A CIM value: null, one scalar, or an array whose elements may be null.
+///
+/// An array of uint8 without nulls is held as its bytes, which all copies of the value share: flash images
+/// have millions of elements and pass through many hands.
 class Value {
   public:
     using Array = std::vector<std::optional<Scalar>>;
+    using Bytes = std::vector<std::uint8_t>;
 
     Value() = default;
     explicit Value(Scalar scalar) : m_payload(std::move(scalar)) {}
     explicit Value(Array array) : m_payload(std::move(array)) {}
+    explicit Value(Bytes bytes) : m_payload(std::make_shared<const Bytes>(std::move(bytes))) {}
     static Value Text(std::wstring text) { return Value(Scalar(std::move(text))); }
     static Value Bool(bool flag) { return Value(Scalar(flag)); }
     static Value Signed(std::int64_t number) { return Value(Scalar(number)); }
     static Value Unsigned(std::uint64_t number) { return Value(Scalar(number)); }
 
     bool IsNull() const noexcept { return std::holds_alternative<std::monostate>(m_payload); }
-    bool IsArray() const noexcept { return std::holds_alternative<Array>(m_payload); }
+    bool IsArray() const noexcept { return AsArray() != nullptr || AsBytes() != nullptr; }
     const Scalar* AsScalar() const noexcept { return std::get_if<Scalar>(&m_payload); }
+    /// Null for an array that is held as bytes; see Elements().
     const Array* AsArray() const noexcept { return std::get_if<Array>(&m_payload); }
+    const Bytes* AsBytes() const noexcept {
+        const auto* bytes = std::get_if<SharedBytes>(&m_payload);
+        return bytes != nullptr ? bytes->get() : nullptr;
+    }
+    /// The elements of an array in either form; none for what is no array.
+    Array Elements() const;
+    /// How many there are.
+    std::size_t Size() const noexcept;
 
-    friend bool operator==(const Value&, const Value&) = default;
+    /// The form in which an array is held makes no difference.
+    friend bool operator==(const Value& left, const Value& right);
 
   private:
-    std::variant<std::monostate, Scalar, Array> m_payload;
+    using SharedBytes = std::shared_ptr<const Bytes>;
+    std::variant<std::monostate, Scalar, Array, SharedBytes> m_payload;
 };
 
 /// A qualifier as it stands on a class, property, method or parameter.

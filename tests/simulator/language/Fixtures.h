@@ -27,9 +27,9 @@ inline void PrintTo(const Value& value, std::ostream* out) {
             *out << '"' << ToUtf8(std::get<std::wstring>(*scalar)) << '"';
         }
     };
-    if (const Value::Array* array = value.AsArray()) {
+    if (value.IsArray()) {
         *out << '{';
-        for (const auto& element : *array) {
+        for (const auto& element : value.Elements()) {
             print(element);
             *out << ' ';
         }

@@ -32,10 +32,10 @@ const Repository& Schema() {
 std::vector<std::int64_t> Numbers(const Instance& instance, std::wstring_view property) {
     std::vector<std::int64_t> numbers;
     const Value* value = instance.Find(property);
-    if (value == nullptr || value->AsArray() == nullptr) {
+    if (value == nullptr) {
         return numbers;
     }
-    for (const auto& element : *value->AsArray()) {
+    for (const auto& element : value->Elements()) {
         if (!element) {
             continue;
         }
