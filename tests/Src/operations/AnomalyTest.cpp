@@ -86,6 +86,11 @@ class AnomalyTest : public OperationsTest {
         return documented ? documented(call, FAULT) : FAULT;
     }
 
+    bool Ignores(std::size_t index) const {
+        const auto& ignores = GetParam().operation.ignores;
+        return ignores && ignores(m_calls, index);
+    }
+
     bool GoesOn(const JournalEntry& call) const {
         const auto& goesOn = GetParam().operation.goesOn;
         return goesOn && goesOn(call);
@@ -139,7 +144,7 @@ TEST_P(AnomalyTest, EachCallFails_ItsCodeComesBackItIsNamedAndNothingFollows) {
             continue;
         }
         if (!GetParam().operation.differs && (FAILED(result) || !GoesOn(call))) {
-            EXPECT_EQ(Code(result), Code(Expected(call)));
+            EXPECT_EQ(Code(result), Code(Ignores(index) ? S_OK : Expected(call)));
         }
         if (FAILED(result)) {
             const bool last = index + 1 == m_calls.size() && call.operation == Operation::SetContextValue;

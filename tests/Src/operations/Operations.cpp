@@ -8,6 +8,7 @@ const std::vector<PreparedOperation>& Operations() {
                  LinkSecurityOperations(),
                  ReadingOperations(),
                  TeamOperations(),
+                 BootOperations(),
                  VLANOperations(),
                  WritingOperations(),
              }) {
