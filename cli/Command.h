@@ -46,6 +46,9 @@ class Syntax {
     void Arguments(const std::string& name, std::vector<std::string>& words, std::size_t least,
                    std::size_t most, const std::string& description);
 
+    /// An option with a text that may be given several times.
+    void Texts(const std::string& name, std::vector<std::string>& values, const std::string& description);
+
   private:
     CLI::App& m_app;
 };

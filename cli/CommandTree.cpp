@@ -84,6 +84,11 @@ void Syntax::Arguments(const std::string& name, std::vector<std::string>& words,
         ->type_name("");
 }
 
+void Syntax::Texts(const std::string& name, std::vector<std::string>& values,
+                   const std::string& description) {
+    m_app.add_option(name, values, description)->type_name("TEXT")->allow_extra_args(false);
+}
+
 CommandTree::CommandTree()
     : m_app(std::make_unique<CLI::App>("Manages the network adapters of a machine.", "quilletctl")) {
     Configure(*m_app);

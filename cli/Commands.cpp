@@ -10,6 +10,9 @@ void AddAllCommands(CommandTree& tree) {
     AddPowerCommands(tree);
     AddTeamCommands(tree);
     AddLinksecCommands(tree);
+    AddDiagCommands(tree);
+    AddBootCommands(tree);
+    AddISCSICommands(tree);
     AddWarningsCommand(tree);
     AddTraceCommand(tree);
     AddTransactionCommands(tree);

@@ -6,6 +6,9 @@
 namespace quilletctl {
 
 void AddAdapterCommands(CommandTree& tree);
+void AddBootCommands(CommandTree& tree);
+void AddDiagCommands(CommandTree& tree);
+void AddISCSICommands(CommandTree& tree);
 void AddSettingCommands(CommandTree& tree);
 /// The verb that changes, beside those that read.
 void AddSettingSet(CommandTree::Noun& setting);

@@ -27,6 +27,7 @@ Console::Console(int argumentCount, char** arguments) : m_state(std::make_unique
     terminal.errIsTerminal = isatty(STDERR_FILENO) == 1;
     terminal.outColour = terminal.outIsTerminal;
     terminal.errColour = terminal.errIsTerminal;
+    terminal.in = isatty(STDIN_FILENO) == 1 ? &std::cin : nullptr;
     winsize size{};
     if (terminal.outIsTerminal && ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) {
         terminal.width = size.ws_col;

@@ -8,6 +8,7 @@
 #include <shellapi.h>
 
 #include <algorithm>
+#include <iostream>
 #include <streambuf>
 #include <string_view>
 
@@ -115,6 +116,8 @@ Console::Console(int, char**) : m_state(std::make_unique<State>()) {
     terminal.errIsTerminal = m_state->errBuffer.IsConsole();
     terminal.outColour = m_state->outBuffer.UnderstandsEscapes();
     terminal.errColour = m_state->errBuffer.UnderstandsEscapes();
+    DWORD inputMode = 0;
+    terminal.in = GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &inputMode) ? &std::cin : nullptr;
     CONSOLE_SCREEN_BUFFER_INFO screen{};
     if (terminal.outIsTerminal && GetConsoleScreenBufferInfo(m_state->outBuffer.Handle(), &screen) &&
         screen.srWindow.Right > screen.srWindow.Left) {

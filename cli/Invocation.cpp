@@ -32,6 +32,20 @@ void Invocation::Print(const Json& json) {
     m_terminal.out << json.dump(INDENT, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
+bool Invocation::Confirm(const std::string& question) {
+    if (m_options.yes) {
+        return true;
+    }
+    if (m_terminal.in == nullptr) {
+        throw UsageError("nobody can be asked \"" + question + "\"; add --yes to agree");
+    }
+    m_terminal.out.flush();
+    m_terminal.err << Printable(question) << " [y/N] " << std::flush;
+    std::string answer;
+    std::getline(*m_terminal.in, answer);
+    return answer == "y" || answer == "Y" || answer == "yes";
+}
+
 void Invocation::Finish() {
     Disconnect();
     // The journal first: it is most wanted when things went wrong.

@@ -35,6 +35,9 @@ class Invocation {
     /// Writes the command's answer for programs.
     void Print(const Json& json);
 
+    /// Whether a person agrees, or --yes was given. Throws UsageError where nobody can be asked.
+    bool Confirm(const std::string& question);
+
     /// After the command: disconnects, saves the simulated machine if asked to, and prints the journal if
     /// asked to. Throws UsageError when the state file cannot be written.
     void Finish();

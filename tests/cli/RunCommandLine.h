@@ -25,13 +25,21 @@ struct Outcome {
 struct Screen {
     bool isTerminal = false;
     std::size_t width = 80;
+    std::string answers = {}; ///< what a person types; none: nobody is there
 };
 
 inline Outcome RunCommandLine(const std::vector<std::string>& arguments, Screen screen = {}) {
     std::ostringstream out;
     std::ostringstream err;
-    const quilletctl::Terminal terminal{
-        out, err, screen.isTerminal, screen.isTerminal, screen.isTerminal, screen.isTerminal, screen.width};
+    std::istringstream in(screen.answers);
+    const quilletctl::Terminal terminal{out,
+                                        err,
+                                        screen.isTerminal,
+                                        screen.isTerminal,
+                                        screen.isTerminal,
+                                        screen.isTerminal,
+                                        screen.width,
+                                        screen.answers.empty() ? nullptr : &in};
     const quilletctl::ExitStatus status = quilletctl::RunCommandLine(arguments, terminal);
     return {static_cast<int>(status), out.str(), err.str()};
 }

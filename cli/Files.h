@@ -1,0 +1,26 @@
+// Files that a command reads or writes as a whole.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quilletctl {
+
+/// The path of a name from the command line (UTF-8).
+std::filesystem::path FilePath(const std::string& utf8);
+bool FileExists(const std::string& file);
+/// Throws UsageError where there is no such file, or it cannot be read.
+void CheckReadable(const std::string& file);
+/// As CheckReadable.
+std::vector<std::uint8_t> ReadWholeFile(const std::string& file);
+
+/// Who may read what is written.
+enum class Access { Usual, OwnerOnly };
+
+/// Replaces a file, as a whole or not at all. Throws UsageError.
+void ReplaceFile(const std::string& file, std::string_view bytes, Access access = Access::Usual);
+
+} // namespace quilletctl

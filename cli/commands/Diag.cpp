@@ -1,0 +1,307 @@
+// quilletctl diag: the diagnostic tests of an adapter.
+#include "AdapterLookup.h"
+#include "Commands.h"
+#include "Interrupt.h"
+#include "ObjectPath.h"
+#include "Progress.h"
+#include "Sheet.h"
+#include "Table.h"
+#include "Text.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+namespace quilletctl {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// Values of "TestState".
+constexpr LONG FAILED_STATE = 3;
+constexpr LONG IN_PROGRESS = 4;
+constexpr LONG STOPPED = 5;
+
+/// How often the bar moves.
+constexpr auto FRAME = std::chrono::milliseconds(100);
+
+CDiagTests ReadTests(CQuillet& session, const ListedAdapter& adapter) {
+    CDiagTests tests;
+    Invocation::Check(session.EnumerateDiagnostics(ToWide(adapter.path), tests),
+                      "list the tests of " + adapter.Called());
+    return tests;
+}
+
+/// The test of an adapter that a text names: by path, number, name, or the beginning of its name where only
+/// one begins so; case does not count.
+CDiagTest FindTest(CQuillet& session, const ListedAdapter& adapter, const std::string& text) {
+    const CDiagTests tests = ReadTests(session, adapter);
+    using Names = bool (*)(const CDiagTest&, const std::string&);
+    constexpr Names ways[] = {
+        [](const CDiagTest& test, const std::string& given) {
+            return SameIgnoringCase(ToUtf8(test.m_wsUniqueID), given);
+        },
+        [](const CDiagTest& test, const std::string& given) {
+            return std::to_string(test.m_lTestId) == given;
+        },
+        [](const CDiagTest& test, const std::string& given) {
+            return SameIgnoringCase(ToUtf8(test.m_wsName), given);
+        },
+        [](const CDiagTest& test, const std::string& given) {
+            return !given.empty() && SameIgnoringCase(ToUtf8(test.m_wsName).substr(0, given.size()), given);
+        },
+    };
+    for (const Names isNamed : ways) {
+        std::vector<const CDiagTest*> found;
+        for (const CDiagTest* test : tests.m_vecItems) {
+            if (test != nullptr && isNamed(*test, text)) {
+                found.push_back(test);
+            }
+        }
+        if (found.size() == 1) {
+            return *found.front();
+        }
+        if (found.size() > 1) {
+            throw UsageError("several tests of " + adapter.Called() + " are called \"" + text + "\"");
+        }
+    }
+    throw UsageError("no test of " + adapter.Called() + " is called \"" + text +
+                     "\"; see quilletctl diag list");
+}
+
+/// What is known of a test; nothing when it never ran.
+bool ReadResult(CQuillet& session, const CDiagTest& test, CDiagResult& result) {
+    const HRESULT code = session.GetDiagnosticsResult(test.m_wsUniqueID, result);
+    Invocation::Check(code, "read the result of " + ToUtf8(test.m_wsName));
+    return code == S_OK && !result.m_sUniqueID.empty();
+}
+
+bool Passed(const CDiagResult& result) {
+    return result.m_lResultCode == 0 && result.m_lTestState != FAILED_STATE &&
+           result.m_lTestState != STOPPED && result.m_lTestState != IN_PROGRESS;
+}
+
+Json Messages(const CDiagResult& result) {
+    Json messages = Json::array();
+    for (std::size_t i = 0; i < result.m_vecTestResultIds.size(); ++i) {
+        const bool known = i < result.m_vecTestResultAttributes.size();
+        messages.push_back(Json{{"id", result.m_vecTestResultIds[i]},
+                                {"attribute", known ? Json(result.m_vecTestResultAttributes[i]) : Json()}});
+    }
+    return messages;
+}
+
+Json Members(const CDiagResult& package) {
+    Json members = Json::array();
+    for (const CDiagResult& member : package.m_vecPackageResults) {
+        members.push_back(Json{{"name", ToUtf8(member.m_wsDiagnosticName)},
+                               {"title", ToUtf8(member.m_wsTitle)},
+                               {"result", ToUtf8(member.m_wsResult)},
+                               {"description", ToUtf8(member.m_wsDescription)},
+                               {"resultCode", member.m_lResultCode},
+                               {"members", Members(member)}});
+    }
+    return members;
+}
+
+Json AsJson(const CDiagTest& test, const CDiagResult& result) {
+    return Json{{"test", ToUtf8(test.m_wsName)},
+                {"testId", test.m_lTestId},
+                {"passed", Passed(result)},
+                {"state", Json{{"code", result.m_lTestState}, {"text", ToUtf8(result.m_wsStateText)}}},
+                {"title", ToUtf8(result.m_wsTitle)},
+                {"result", ToUtf8(result.m_wsResult)},
+                {"description", ToUtf8(result.m_wsDescription)},
+                {"resultCode", result.m_lResultCode},
+                {"messages", Messages(result)},
+                {"members", Members(result)}};
+}
+
+void AddMembers(Table& table, const CDiagResult& package, const std::string& indentation) {
+    for (const CDiagResult& member : package.m_vecPackageResults) {
+        const std::wstring& name = member.m_wsTitle.empty() ? member.m_wsDiagnosticName : member.m_wsTitle;
+        table.AddRow(
+            {indentation + ToUtf8(name), std::to_string(member.m_lResultCode), ToUtf8(member.m_wsResult)});
+        AddMembers(table, member, indentation + "  ");
+    }
+}
+
+void Print(Invocation& run, const CDiagTest& test, const CDiagResult& result) {
+    if (run.WantsJson()) {
+        run.Print(AsJson(test, result));
+        return;
+    }
+    std::string messages;
+    for (const LONG id : result.m_vecTestResultIds) {
+        messages += (messages.empty() ? "" : ", ") + std::to_string(id);
+    }
+    Sheet sheet;
+    sheet.Add("Test", ToUtf8(test.m_wsName))
+        .Add("State", ToUtf8(result.m_wsStateText))
+        .Add("Result", ToUtf8(result.m_wsResult))
+        .Add("Details", ToUtf8(result.m_wsDescription))
+        .Add("Code", std::to_string(result.m_lResultCode))
+        .Add("Messages", messages);
+    sheet.Print(run.Screen());
+    if (!result.m_vecPackageResults.empty()) {
+        run.Out() << '\n';
+        Table table({{"MEMBER", Fit::MayShorten}, {"CODE", Fit::Whole}, {"RESULT", Fit::MayShorten}});
+        AddMembers(table, result, "");
+        table.Print(run.Screen());
+    }
+}
+
+class ListTests final : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Argument("adapter", m_adapter, "The adapter: its name, object ID or object path");
+    }
+    ExitStatus Run(Invocation& run) override {
+        const CDiagTests tests = ReadTests(run.Session(), FindAdapter(run.Session(), m_adapter));
+        if (run.WantsJson()) {
+            Json list = Json::array();
+            for (const CDiagTest* test : tests.m_vecItems) {
+                list.push_back(Json{{"name", ToUtf8(test->m_wsName)},
+                                    {"testId", test->m_lTestId},
+                                    {"group", test->m_bGrouped ? Json(test->m_lGroupId) : Json()},
+                                    {"path", ToUtf8(test->m_wsUniqueID)}});
+            }
+            run.Print(Json{{"tests", std::move(list)}});
+        } else if (tests.m_vecItems.empty()) {
+            run.Out() << "no tests\n";
+        } else {
+            Table table({{"ID", Fit::Whole}, {"TEST", Fit::MayShorten}, {"GROUP", Fit::Whole}});
+            for (const CDiagTest* test : tests.m_vecItems) {
+                table.AddRow({std::to_string(test->m_lTestId), ToUtf8(test->m_wsName),
+                              test->m_bGrouped ? std::to_string(test->m_lGroupId) : "-"});
+            }
+            table.Print(run.Screen());
+        }
+        return ExitStatus::Done;
+    }
+
+  private:
+    std::string m_adapter;
+};
+
+/// A command about one test of one adapter.
+class TestCommand : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Argument("adapter", m_adapter, "The adapter: its name, object ID or object path");
+        syntax.Argument("test", m_test,
+                        "The test: its number, the beginning of its name, or its object path");
+    }
+    ExitStatus Run(Invocation& run) final {
+        const ListedAdapter adapter = FindAdapter(run.Session(), m_adapter);
+        return RunFor(adapter, FindTest(run.Session(), adapter, m_test), run);
+    }
+
+  protected:
+    static void Stop(CQuillet& session, const ListedAdapter& adapter, const CDiagTest& test) {
+        Invocation::Check(session.StopDiagnostics(test.m_wsUniqueID, ToWide(adapter.path)),
+                          "stop " + ToUtf8(test.m_wsName));
+    }
+
+  private:
+    virtual ExitStatus RunFor(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run) = 0;
+
+    std::string m_adapter;
+    std::string m_test;
+};
+
+class RunTest final : public TestCommand {
+  public:
+    void Declare(Syntax& syntax) override {
+        TestCommand::Declare(syntax);
+        syntax.Number("--interval", m_interval, 10, 60000,
+                      "Milliseconds from one look at the test to the next");
+    }
+
+  private:
+    ExitStatus RunFor(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run) override {
+        CQuillet& session = run.Session();
+        // Before the start: a test that was started is stopped, whenever the person loses patience.
+        const Interrupt interrupt;
+        Invocation::Check(session.RunDiagnostics(test.m_wsUniqueID, ToWide(adapter.path)),
+                          "start " + ToUtf8(test.m_wsName));
+        CDiagResult result;
+        if (!Follow(adapter, test, run, interrupt, result)) {
+            throw UsageError("the provider did not start " + ToUtf8(test.m_wsName) + ": it has no result");
+        }
+        Print(run, test, result);
+        return Passed(result) ? ExitStatus::Done : ExitStatus::Findings;
+    }
+
+    /// Looks at the test until it has ended. False when there is nothing to look at.
+    bool Follow(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run,
+                const Interrupt& interrupt, CDiagResult& result) const {
+        CQuillet& session = run.Session();
+        Progress progress(run.Screen());
+        const auto start = Clock::now();
+        bool stopping = false;
+        for (;;) {
+            result = CDiagResult();
+            if (!ReadResult(session, test, result)) {
+                return false;
+            }
+            if (result.m_lTestState != IN_PROGRESS) {
+                return true;
+            }
+            const auto next = Clock::now() + std::chrono::milliseconds(m_interval);
+            do {
+                if (interrupt.Requested() && !stopping) {
+                    stopping = true;
+                    Stop(session, adapter, test);
+                    break;
+                }
+                Show(progress, run, result, Clock::now() - start);
+                std::this_thread::sleep_for(std::min<Clock::duration>(FRAME, next - Clock::now()));
+            } while (Clock::now() < next);
+        }
+    }
+
+    static void Show(Progress& progress, const Invocation& run, const CDiagResult& result,
+                     Clock::duration elapsed) {
+        if (run.WantsJson()) {
+            return;
+        }
+        std::string text = ToUtf8(result.m_wsStateText);
+        if (run.Screen().outIsTerminal) {
+            text += "  " + std::to_string(std::chrono::duration_cast<std::chrono::seconds>(elapsed).count()) +
+                    " s";
+        }
+        progress.Show(text);
+    }
+
+    std::uint32_t m_interval = 500;
+};
+
+class StopTest final : public TestCommand {
+    ExitStatus RunFor(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run) override {
+        Stop(run.Session(), adapter, test);
+        CDiagResult result;
+        ReadResult(run.Session(), test, result);
+        if (run.WantsJson()) {
+            run.Print(AsJson(test, result));
+        } else {
+            run.Out() << Printable(ToUtf8(test.m_wsName)) << ": " << Printable(ToUtf8(result.m_wsStateText))
+                      << '\n';
+        }
+        return ExitStatus::Done;
+    }
+};
+
+} // namespace
+
+void AddDiagCommands(CommandTree& tree) {
+    tree.AddNoun("diag", "Diagnostic tests of an adapter")
+        .Verb("list", "List the tests", std::make_unique<ListTests>())
+        .Verb("run", "Run a test and tell its outcome; Ctrl-C stops it", std::make_unique<RunTest>())
+        .Verb("stop", "Stop a test", std::make_unique<StopTest>());
+}
+
+} // namespace quilletctl

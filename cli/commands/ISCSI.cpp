@@ -1,0 +1,156 @@
+// quilletctl iscsi: booting from an iSCSI target.
+#include "AdapterLookup.h"
+#include "ClientSet.h"
+#include "Commands.h"
+#include "ObjectPath.h"
+#include "Sheet.h"
+#include "Table.h"
+#include "Text.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+
+namespace quilletctl {
+
+namespace {
+
+struct Place {
+    CISCSIAdapter::iSCSIStatus status;
+    const char* word;
+};
+
+constexpr std::array PLACES{Place{CISCSIAdapter::NotBootPort, "off"},
+                            Place{CISCSIAdapter::PrimaryPort, "primary"},
+                            Place{CISCSIAdapter::SecondaryPort, "secondary"}};
+
+std::string PlaceText(LONG status) {
+    const auto* found = std::find_if(PLACES.begin(), PLACES.end(),
+                                     [status](const Place& place) { return place.status == status; });
+    return found != PLACES.end() ? found->word : "place " + std::to_string(status);
+}
+
+Json PlaceAsJson(LONG status) {
+    return Json{{"code", status}, {"text", PlaceText(status)}};
+}
+
+CISCSIAdapters ReadPorts(CQuillet& session) {
+    CISCSIAdapters ports;
+    Invocation::Check(session.EnumerateISCSIAdapters(ports), "list the adapters that can boot from iSCSI");
+    return ports;
+}
+
+ExitStatus ListPorts(Invocation& run) {
+    const CISCSIAdapters ports = ReadPorts(run.Session());
+    if (run.WantsJson()) {
+        Json list = Json::array();
+        for (const CISCSIAdapter* port : ports.m_vecItems) {
+            list.push_back(Json{{"adapter", ToUtf8(port->m_wsAdapterName)},
+                                {"bootAgentId", ToUtf8(port->m_wsBootAgentID)},
+                                {"status", PlaceAsJson(port->m_eStatus)},
+                                {"path", ToUtf8(port->m_wsPath)}});
+        }
+        run.Print(Json{{"adapters", std::move(list)}});
+    } else if (ports.m_vecItems.empty()) {
+        run.Out() << "no adapter can boot from iSCSI\n";
+    } else {
+        Table table({{"ADAPTER", Fit::MayShorten}, {"PLACE", Fit::Whole}, {"BOOT AGENT ID", Fit::Whole}});
+        for (const CISCSIAdapter* port : ports.m_vecItems) {
+            table.AddRow(
+                {ToUtf8(port->m_wsAdapterName), PlaceText(port->m_eStatus), ToUtf8(port->m_wsBootAgentID)});
+        }
+        table.Print(run.Screen());
+    }
+    return ExitStatus::Done;
+}
+
+/// A command about one adapter.
+class PortCommand : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Argument("adapter", m_adapter, "The adapter: its name, object ID or object path");
+    }
+    ExitStatus Run(Invocation& run) final { return RunFor(FindAdapter(run.Session(), m_adapter), run); }
+
+  private:
+    virtual ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) = 0;
+
+    std::string m_adapter;
+};
+
+class SetPlace final : public PortCommand {
+  public:
+    void Declare(Syntax& syntax) override {
+        PortCommand::Declare(syntax);
+        syntax.Argument("place", m_place, "Its place: primary, secondary or off");
+    }
+
+  private:
+    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+        const auto* place = std::find_if(PLACES.begin(), PLACES.end(),
+                                         [this](const Place& each) { return m_place == each.word; });
+        if (place == PLACES.end()) {
+            throw UsageError("\"" + m_place + "\" is no place; primary, secondary and off are");
+        }
+        const CISCSIAdapters ports = ReadPorts(run.Session());
+        const auto port =
+            std::find_if(ports.m_vecItems.begin(), ports.m_vecItems.end(), [&](const CISCSIAdapter* each) {
+                return SameIgnoringCase(ToUtf8(each->m_wsBootAgentID), adapter.objectId);
+            });
+        if (port == ports.m_vecItems.end()) {
+            throw UsageError(adapter.Called() + " cannot boot from iSCSI; see quilletctl iscsi list");
+        }
+        ClientSet changes(run.Session());
+        unsigned int code = 0;
+        Invocation::Check(run.Session().SetiSCSIStatus((*port)->m_wsPath, place->status, code),
+                          "change the place of " + adapter.Called());
+        const bool restartNeeded = changes.Close();
+        if (run.WantsJson()) {
+            run.Print(Json{{"code", code}, {"restartNeeded", restartNeeded}});
+        } else if (code != 0) {
+            run.Out() << "the provider refused: code " << code << '\n';
+        } else {
+            run.Out() << Printable(adapter.Called()) << " is " << m_place << "; "
+                      << RestartText(restartNeeded) << '\n';
+        }
+        return code == 0 ? ExitStatus::Done : ExitStatus::Refused;
+    }
+
+    std::string m_place;
+};
+
+class ShowPort final : public PortCommand {
+    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+        CiSCSI info;
+        Invocation::Check(run.Session().GetiSCSI_Info(ToWide(adapter.path), info),
+                          "read the iSCSI boot status of " + adapter.Called());
+        if (run.WantsJson()) {
+            run.Print(Json{{"status", PlaceAsJson(info.m_lStatus)},
+                           {"systemSupported", info.m_bOSSupported},
+                           {"patchPresent", info.m_bPatchPresent},
+                           {"hotFixPresent", info.m_bHotFixPresent}});
+            return ExitStatus::Done;
+        }
+        const auto yes = [](bool flag) { return flag ? "yes" : "no"; };
+        Sheet sheet;
+        sheet.Add("Adapter", adapter.Called())
+            .Add("Place", PlaceText(info.m_lStatus))
+            .Add("System supports it", yes(info.m_bOSSupported))
+            .Add("Patch present", yes(info.m_bPatchPresent))
+            .Add("Hot fix present", yes(info.m_bHotFixPresent));
+        sheet.Print(run.Screen());
+        return ExitStatus::Done;
+    }
+};
+
+} // namespace
+
+void AddISCSICommands(CommandTree& tree) {
+    tree.AddNoun("iscsi", "Booting from an iSCSI target")
+        .Verb("list", "List the adapters that can, and their places", ListPorts)
+        .Verb("show", "Show an adapter's place, and what the system can do", std::make_unique<ShowPort>())
+        .Verb("set", "Change an adapter's place", std::make_unique<SetPlace>());
+}
+
+} // namespace quilletctl
