@@ -230,7 +230,8 @@ class RunTest final : public TestCommand {
                           "start " + ToUtf8(test.m_wsName));
         CDiagResult result;
         if (!Follow(adapter, test, run, interrupt, result)) {
-            throw UsageError("the provider did not start " + ToUtf8(test.m_wsName) + ": it has no result");
+            // The provider has no result of the test: it was not started.
+            throw Refusal("follow " + ToUtf8(test.m_wsName), WBEM_S_FALSE);
         }
         Print(run, test, result);
         return Passed(result) ? ExitStatus::Done : ExitStatus::Findings;

@@ -92,12 +92,12 @@ TEST_F(BootCommands, DiagRun_IntoAFile_PrintsPlainLines) {
     const Outcome outcome = Run({"diag", "run", "Left port", "Link", "--interval", "10"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.out, "In Progress\n"
-                           "Test      Link test - Left port\n"
-                           "State     Passed\n"
-                           "Result    The test passed.\n"
-                           "Details   -\n"
-                           "Code      0\n"
-                           "Messages  -\n");
+                           "Test:      Link test - Left port\n"
+                           "State:     Passed\n"
+                           "Result:    The test passed.\n"
+                           "Details:   -\n"
+                           "Code:      0\n"
+                           "Messages:  -\n");
 }
 
 TEST_F(BootCommands, DiagRun_OnATerminal_MovesABarAndWipesIt) {
@@ -113,7 +113,7 @@ TEST_F(BootCommands, DiagRun_OnATerminal_MovesABarAndWipesIt) {
         }
     }
     EXPECT_GE(pictures.size(), 3u) << outcome.out;
-    EXPECT_THAT(outcome.out, HasSubstr("\rTest      Link test - Left port\n")) << "behind the wiped bar";
+    EXPECT_THAT(outcome.out, HasSubstr("\rTest:      Link test - Left port\n")) << "behind the wiped bar";
 }
 
 TEST_F(BootCommands, DiagRun_FailedTest_IsAFinding) {
@@ -136,7 +136,7 @@ TEST_F(BootCommands, DiagRun_FailedTest_IsAFinding) {
 TEST_F(BootCommands, DiagRun_Package_ShowsItsMembers) {
     const Outcome outcome = Run({"diag", "run", "Left port", "all", "--interval", "10"});
     EXPECT_EQ(outcome.status, 3) << outcome.err;
-    EXPECT_THAT(outcome.out, HasSubstr("State     Failed\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("State:     Failed\n"));
     EXPECT_THAT(outcome.out, HasSubstr("Cable                  4     Pair 2 is broken.\n"));
     const Json json = Json::parse(Run({"diag", "run", "{a}", "7", "--interval", "10", "--json"}).out);
     ASSERT_EQ(json.at("members").size(), 2u);
@@ -164,9 +164,9 @@ TEST_F(BootCommands, DiagStop_OfATestThatRanBefore_TellsItsState) {
 TEST_F(BootCommands, BootShow_TellsWhatIsThere) {
     const Outcome outcome = Run({"boot", "show", "Left port"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_THAT(outcome.out, HasSubstr("Version           1.2.3\n"));
-    EXPECT_THAT(outcome.out, HasSubstr("Update available  yes\n"));
-    EXPECT_THAT(outcome.out, HasSubstr("Image in flash    PXE\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("Version:           1.2.3\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("Update available:  yes\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("Image in flash:    PXE\n"));
     const Json json = Json::parse(Run({"boot", "show", "Left port", "--json"}).out);
     EXPECT_EQ(json.at("version"), "1.2.3");
     EXPECT_EQ(json.at("versionNumber"), 66051);
@@ -273,9 +273,10 @@ TEST_F(BootCommands, BootWrite_WrongFile_IsNeverWrittenNorAskedFor) {
 }
 
 TEST_F(BootCommands, BootWrite_PowerCut_IsARefusalAndTheClientSetIsClosed) {
-    const std::string machine = MachineFile(
-        std::string(MACHINE) + "instance of QuilletSimulator_Fault { Id = 1; Operation = \"ExecMethod\"; "
-                               "Method = \"ProgramFlashEx\"; Effect = \"PowerCut\"; Code = 0x80041015; };");
+    const std::string machine =
+        MachineFile(std::string(MACHINE) +
+                    "instance of QuilletSimulator_Fault { Id = 1; Operation = \"ExecMethod\"; "
+                    "MethodName = \"ProgramFlashEx\"; Effect = \"PowerCut\"; Code = 0x80041015; };");
     const Outcome outcome = RunCommandLine({"--simulate", machine, "boot", "write", "Left port",
                                             File("new.img", Image()), "--yes", "--journal"});
     EXPECT_EQ(outcome.status, 1);
@@ -305,7 +306,7 @@ TEST_F(BootCommands, Iscsi_ListShowSet) {
     const Json show = Json::parse(Run({"iscsi", "show", "Left port", "--json"}).out);
     EXPECT_EQ(show.at("status").at("text"), "primary");
     EXPECT_EQ(show.at("systemSupported"), false);
-    EXPECT_THAT(Run({"iscsi", "show", "Left port"}).out, HasSubstr("Place               primary\n"));
+    EXPECT_THAT(Run({"iscsi", "show", "Left port"}).out, HasSubstr("Place:               primary\n"));
     EXPECT_EQ(Run({"iscsi", "set", "Left port", "first"}).status, 2);
     EXPECT_EQ(Run({"iscsi", "set", "Right port", "primary"}).status, 2);
     EXPECT_EQ(RunCommandLine({"--simulate", MachineFile(""), "iscsi", "list"}).out,

@@ -114,7 +114,7 @@ TEST_F(OnPosix, CtrlC_StopsTheTestInTheProviderFirst) {
         {"--simulate", Machine("600000"), "diag", "run", "Port", "4", "--interval", "50", "--journal"});
     typist.join();
     EXPECT_EQ(outcome.status, 3) << outcome.err;
-    EXPECT_THAT(outcome.out, HasSubstr("State     Stopped\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("State:     Stopped\n"));
     EXPECT_THAT(outcome.out, HasSubstr("DiscontinueTest("));
 }
 
@@ -125,7 +125,7 @@ TEST_F(OnPosix, APseudoTerminal_ShowsAMovingBar) {
     EXPECT_EQ(status, 0) << output;
     EXPECT_GE(Bars(output).size(), 4u) << output;
     EXPECT_THAT(output, HasSubstr("] In Progress  0 s"));
-    EXPECT_THAT(output, HasSubstr("State     Passed\r\n"));
+    EXPECT_THAT(output, HasSubstr("State:     Passed\r\n"));
     std::printf("on a terminal: %zu pictures of the bar, %zu bytes\n", Bars(output).size(), output.size());
 }
 
@@ -135,7 +135,7 @@ TEST_F(OnPosix, APseudoTerminal_CtrlCTyped_StopsTheTest) {
         OnATerminal({"--simulate", Machine("600000"), "diag", "run", "Port", "4", "--interval", "100"},
                     status, std::chrono::milliseconds(1500));
     EXPECT_EQ(status, 3) << output;
-    EXPECT_THAT(output, HasSubstr("State     Stopped\r\n"));
+    EXPECT_THAT(output, HasSubstr("State:     Stopped\r\n"));
 }
 
 TEST_F(OnPosix, AFile_GetsPlainLines) {
@@ -147,12 +147,12 @@ TEST_F(OnPosix, AFile_GetsPlainLines) {
     EXPECT_THAT(output, Not(HasSubstr("\r")));
     EXPECT_THAT(output, Not(HasSubstr("\x1b")));
     EXPECT_EQ(output, "In Progress\n"
-                      "Test      Link test\n"
-                      "State     Passed\n"
-                      "Result    The test passed.\n"
-                      "Details   -\n"
-                      "Code      0\n"
-                      "Messages  -\n");
+                      "Test:      Link test\n"
+                      "State:     Passed\n"
+                      "Result:    The test passed.\n"
+                      "Details:   -\n"
+                      "Code:      0\n"
+                      "Messages:  -\n");
 }
 
 } // namespace
