@@ -501,7 +501,7 @@ TEST_F(BootAgentTest, Write_BadArguments_AreRefusedBeforeAnyCall) {
     Bytes image = boot::NewImage();
     CSettings types;
     int code = 99;
-    for (const LONG size : {0, -1, static_cast<LONG>(-2147483647 - 1)}) {
+    for (const LONG size : std::initializer_list<LONG>{0, -1, -2147483647 - 1}) {
         EXPECT_EQ(Code(quillet.WriteBootAgentFlash(AGENT, size, image.data(), types, code)), "0x80004005");
         EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::WriteBootAgentFlash", line,
                                           "Exiting CQuillet::WriteBootAgentFlash"));
