@@ -27,19 +27,7 @@ std::string Text(const std::vector<FreedBlocks::Finding>& findings) {
 
 // --- the watcher itself ------------------------------------------------------------------------------------
 
-/// For SetUp.
-void SkipWhereNothingCanBeWatched() {
-    if (!FreedBlocks::IsPossible()) {
-        GTEST_SKIP() << "valgrind frees in place of the program";
-    }
-}
-
-class FreedBlocksTest : public testing::Test {
-  protected:
-    void SetUp() override { SkipWhereNothingCanBeWatched(); }
-};
-
-TEST_F(FreedBlocksTest, FindsWhatIsFreedAsItIs) {
+TEST(FreedBlocksTest, FindsWhatIsFreedAsItIs) {
     const FreedBlocks freed(CANARY);
     { const std::wstring text(SECRET); }
     ASSERT_EQ(freed.Findings().size(), 1u);
@@ -52,7 +40,7 @@ TEST_F(FreedBlocksTest, FindsWhatIsFreedAsItIs) {
     EXPECT_EQ(freed.FindingsOutsideSimulator().size(), 3u);
 }
 
-TEST_F(FreedBlocksTest, FindsNeitherLiveNorOverwrittenTexts) {
+TEST(FreedBlocksTest, FindsNeitherLiveNorOverwrittenTexts) {
     const std::wstring live(SECRET);
     const FreedBlocks freed(CANARY);
     {
@@ -67,7 +55,6 @@ TEST_F(FreedBlocksTest, FindsNeitherLiveNorOverwrittenTexts) {
 class FreedSecretsTest : public ProviderTest {
   protected:
     void SetUp() override {
-        SkipWhereNothingCanBeWatched();
         UseText(LinkSecurityOperations().machine);
         Connect();
     }
@@ -118,10 +105,7 @@ TEST_F(FreedSecretsTest, RecordThatIsUsedAgain_LeavesNothingOfWhatItHeld) {
 
 // --- operations --------------------------------------------------------------------------------------------
 
-class OperationsFreeNoSecrets : public EveryWayTest {
-  protected:
-    void SetUp() override { SkipWhereNothingCanBeWatched(); }
-};
+class OperationsFreeNoSecrets : public EveryWayTest {};
 
 TEST_P(OperationsFreeNoSecrets, InAnyWay) {
     std::size_t freedBlocks = 0;

@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -33,7 +34,7 @@ constexpr std::size_t MOST_FRAMES = 128;
 struct Function {
     std::uintptr_t begin = 0;
     std::uintptr_t end = 0;
-    const char* name = nullptr; ///< mangled
+    std::string name; ///< mangled
     bool ofSimulator = false;
 };
 
@@ -52,12 +53,9 @@ std::uintptr_t LoadAddress() {
 /// The functions of this program by address, from its own symbol table: hidden ones, which the dynamic linker
 /// does not know, included.
 std::vector<Function> ReadFunctions() {
-    std::ifstream file("/proc/self/exe", std::ios::binary | std::ios::ate);
-    static std::string image; // the names stay in it
-    image.resize(static_cast<std::size_t>(file.tellg()));
-    file.seekg(0);
-    file.read(image.data(), static_cast<std::streamsize>(image.size()));
-    const auto at = [](std::size_t offset, auto& value) {
+    std::ifstream file("/proc/self/exe", std::ios::binary);
+    const std::string image(std::istreambuf_iterator<char>(file), {});
+    const auto at = [&image](std::size_t offset, auto& value) {
         if (offset > image.size() || sizeof value > image.size() - offset) {
             throw std::runtime_error("the program's symbol table can not be read");
         }
@@ -88,8 +86,8 @@ std::vector<Function> ReadFunctions() {
             function.begin = base + symbol.st_value;
             function.end = function.begin + symbol.st_size;
             function.name = image.c_str() + names.sh_offset + symbol.st_name;
-            function.ofSimulator = std::strstr(function.name, "7quillet9simulator") != nullptr;
-            functions.push_back(function);
+            function.ofSimulator = function.name.find("7quillet9simulator") != std::string::npos;
+            functions.push_back(std::move(function));
         }
     }
     std::sort(functions.begin(), functions.end(),
@@ -119,10 +117,10 @@ const Function* FunctionAt(const void* returnAddress) {
     return &*after;
 }
 
-std::string Readable(const char* mangled) {
+std::string Readable(const std::string& mangled) {
     int status = 0;
     const std::unique_ptr<char, decltype(&std::free)> name(
-        abi::__cxa_demangle(mangled, nullptr, nullptr, &status), &std::free);
+        abi::__cxa_demangle(mangled.c_str(), nullptr, nullptr, &status), &std::free);
     return status == 0 ? name.get() : mangled;
 }
 
@@ -202,11 +200,6 @@ void SeeFreedBstr(const void* text, std::size_t bytes) {
 
 } // namespace
 
-bool FreedBlocks::IsPossible() {
-    const char* preloaded = std::getenv("LD_PRELOAD");
-    return preloaded == nullptr || std::strstr(preloaded, "vgpreload") == nullptr;
-}
-
 FreedBlocks::FreedBlocks(std::string_view sought) {
     if (watch != nullptr) {
         throw std::logic_error("one watcher at a time");
@@ -258,25 +251,11 @@ bool KeepFreedBlock(void* block) noexcept {
 
 } // namespace quillet::test
 
-// Every form of the two but those for overaligned types: a sanitizer's own forms do not call these.
-
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return std::calloc(1, size != 0 ? size : 1);
-}
-
 void* operator new(std::size_t size) {
-    if (void* block = operator new(size, std::nothrow)) {
+    if (void* block = std::calloc(1, size != 0 ? size : 1)) {
         return block;
     }
     throw std::bad_alloc();
-}
-
-void* operator new[](std::size_t size) {
-    return operator new(size);
-}
-
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return operator new(size, std::nothrow);
 }
 
 void operator delete(void* block) noexcept {
@@ -286,21 +265,5 @@ void operator delete(void* block) noexcept {
 }
 
 void operator delete(void* block, std::size_t) noexcept {
-    operator delete(block);
-}
-
-void operator delete(void* block, const std::nothrow_t&) noexcept {
-    operator delete(block);
-}
-
-void operator delete[](void* block) noexcept {
-    operator delete(block);
-}
-
-void operator delete[](void* block, std::size_t) noexcept {
-    operator delete(block);
-}
-
-void operator delete[](void* block, const std::nothrow_t&) noexcept {
     operator delete(block);
 }

@@ -23,9 +23,6 @@ class FreedBlocks {
         std::string where;        ///< the functions that freed it, innermost first
     };
 
-    /// False under valgrind, which puts its own operator delete in place of this one.
-    static bool IsPossible();
-
     /// @param sought what to look for, as wide or as narrow characters; in ASCII. One watcher at a time.
     explicit FreedBlocks(std::string_view sought);
     ~FreedBlocks();
