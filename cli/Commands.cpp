@@ -10,6 +10,7 @@ void AddAllCommands(CommandTree& tree) {
     AddPowerCommands(tree);
     AddTeamCommands(tree);
     AddLinksecCommands(tree);
+    AddVlanCommands(tree);
     AddDiagCommands(tree);
     AddBootCommands(tree);
     AddISCSICommands(tree);

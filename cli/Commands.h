@@ -17,6 +17,7 @@ void AddProfileCommands(CommandTree& tree);
 void AddPowerCommands(CommandTree& tree);
 void AddTeamCommands(CommandTree& tree);
 void AddLinksecCommands(CommandTree& tree);
+void AddVlanCommands(CommandTree& tree);
 void AddWarningsCommand(CommandTree& tree);
 void AddTraceCommand(CommandTree& tree);
 void AddTransactionCommands(CommandTree& tree);

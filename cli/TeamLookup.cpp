@@ -23,10 +23,7 @@ CTeams ReadTeams(CQuillet& session) {
     return teams;
 }
 
-CTeam FindTeam(CQuillet& session, const std::string& text) {
-    if (text.empty()) {
-        throw UsageError("a team is needed: its name, object ID or path");
-    }
+std::optional<CTeam> LookForTeam(CQuillet& session, const std::string& text) {
     const CTeams teams = ReadTeams(session);
     std::vector<const CTeam*> named;
     for (const CTeam* team : teams.m_vecItems) {
@@ -56,7 +53,18 @@ CTeam FindTeam(CQuillet& session, const std::string& text) {
         Invocation::Check(session.GetTeamInfo(ToWide(text), team), "read the team " + text);
         return team;
     }
-    throw UsageError("no team is called \"" + text + "\"; see quilletctl team list");
+    return std::nullopt;
+}
+
+CTeam FindTeam(CQuillet& session, const std::string& text) {
+    if (text.empty()) {
+        throw UsageError("a team is needed: its name, object ID or path");
+    }
+    std::optional<CTeam> team = LookForTeam(session, text);
+    if (!team) {
+        throw UsageError("no team is called \"" + text + "\"; see quilletctl team list");
+    }
+    return *std::move(team);
 }
 
 std::string Called(const CTeam& team) {

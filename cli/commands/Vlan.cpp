@@ -1,0 +1,365 @@
+// quilletctl vlan: the VLANs of adapters and teams.
+#include "BitMask.h"
+#include "ClientSet.h"
+#include "Commands.h"
+#include "ObjectPath.h"
+#include "Table.h"
+#include "Text.h"
+#include "VlanParent.h"
+
+#include <quillet/VLANTexts.h>
+
+#include <nlohmann/json.hpp>
+
+#include <charconv>
+#include <memory>
+#include <optional>
+
+namespace quilletctl {
+
+namespace {
+
+std::string StatusText(const CVLAN& vlan) {
+    const std::wstring text = CVLANTexts::Status(vlan.m_eStatus);
+    return text.empty() ? "code " + std::to_string(vlan.m_eStatus) : ToUtf8(text);
+}
+
+Json AsJson(const VlanParent& parent) {
+    return Json{{"kind", parent.isTeam ? "team" : "adapter"},
+                {"path", parent.path},
+                {"objectId", parent.objectId.empty() ? Json() : Json(parent.objectId)},
+                {"name", parent.name}};
+}
+
+Json AsJson(const CVLAN& vlan) {
+    return Json{{"path", ToUtf8(vlan.m_wsVLANID)},
+                {"objectId", ToUtf8(vlan.m_wsName)},
+                {"number", vlan.m_lVLANNumber},
+                {"name", ToUtf8(vlan.m_wsVLANName)},
+                {"caption", ToUtf8(vlan.m_wsCaption)},
+                {"status", Json{{"code", static_cast<LONG>(vlan.m_eStatus)}, {"text", StatusText(vlan)}}}};
+}
+
+/// "VLAN 12 \"Lab\"", or "the untagged VLAN \"Lab\"".
+std::string Called(const CVLAN& vlan) {
+    return (vlan.m_lVLANNumber == 0 ? std::string("the untagged VLAN")
+                                    : "VLAN " + std::to_string(vlan.m_lVLANNumber)) +
+           " \"" + ToUtf8(vlan.m_wsVLANName) + '"';
+}
+
+/// A VLAN ID as it was typed; whether it is in range is for the checks to say. Throws UsageError.
+LONG NumberIn(const std::string& text) {
+    LONG number = 0;
+    const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (read.ec != std::errc() || read.ptr != text.data() + text.size()) {
+        throw UsageError("\"" + text + "\" is no VLAN ID: a number is needed, 0 for the untagged VLAN");
+    }
+    return number;
+}
+
+class ListVlans final : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Arguments("parent", m_parents, 0, 1,
+                         "An adapter or a team: its name, object ID or object path (default: all)");
+    }
+
+    ExitStatus Run(Invocation& run) override {
+        CQuillet& session = run.Session();
+        const std::vector<VlanParent> parents =
+            m_parents.empty() ? ReadVlanParents(session)
+                              : std::vector<VlanParent>{FindVlanParent(session, m_parents.front())};
+        Json list = Json::array();
+        Table table({{"PARENT", Fit::MayShorten},
+                     {"VLAN", Fit::Whole},
+                     {"NAME", Fit::MayShorten},
+                     {"STATUS", Fit::Whole},
+                     {"OBJECT ID", Fit::Whole}});
+        for (const VlanParent& parent : parents) {
+            const CVLANs vlans = ReadVlans(session, parent);
+            for (const CVLAN* vlan : vlans.m_vecItems) {
+                Json entry{{"parent", AsJson(parent)}};
+                entry.update(AsJson(*vlan));
+                list.push_back(std::move(entry));
+                table.AddRow({parent.name,
+                              vlan->m_lVLANNumber == 0 ? "untagged" : std::to_string(vlan->m_lVLANNumber),
+                              ToUtf8(vlan->m_wsVLANName), StatusText(*vlan), ToUtf8(vlan->m_wsName)});
+            }
+        }
+        if (run.WantsJson()) {
+            run.Print(Json{{"vlans", std::move(list)}});
+        } else if (list.empty()) {
+            run.Out() << "no VLANs\n";
+        } else {
+            table.Print(run.Screen());
+        }
+        return ExitStatus::Done;
+    }
+
+  private:
+    std::vector<std::string> m_parents;
+};
+
+/// What stands in the way of a change.
+struct Findings {
+    ULONGLONG mask = 0;
+    std::vector<std::string> sentences;
+
+    void Add(ULONGLONG problems) {
+        mask |= problems;
+        for (const std::wstring& sentence : CVLANTexts::Problems(problems)) {
+            sentences.push_back(ToUtf8(sentence));
+        }
+    }
+    Json AsJson() const { return Json{{"mask", HexMask(mask)}, {"texts", sentences}}; }
+    void Print(std::ostream& out) const {
+        for (const std::string& sentence : sentences) {
+            out << Printable(sentence) << '\n';
+        }
+    }
+};
+
+/// The end of a command that changes nothing because of what it found.
+ExitStatus EndUnchanged(Invocation& run, const VlanParent& parent, const Findings& findings) {
+    if (run.WantsJson()) {
+        run.Print(Json{{"parent", AsJson(parent)}, {"problems", findings.AsJson()}});
+    } else {
+        findings.Print(run.Out());
+        run.Out() << "nothing was changed\n";
+    }
+    return ExitStatus::Findings;
+}
+
+/// Whether the parent takes VLANs at all.
+void CheckParent(CQuillet& session, const VlanParent& parent, Findings& findings) {
+    const HRESULT result = session.ParentSupportingVLAN(ToWide(parent.path));
+    if (result == CVLAN::ParentIsTeamMember) {
+        findings.sentences.push_back(ToUtf8(CVLANTexts::ParentIsTeamMember()));
+    } else if (result == static_cast<HRESULT>(WBEM_E_NOT_FOUND)) {
+        findings.sentences.push_back(parent.name + " cannot carry VLANs");
+    } else {
+        Invocation::Check(result, "find out whether " + parent.name + " carries VLANs");
+    }
+}
+
+/// Checks one VLAN, tagged or not, beside those of its parent.
+ULONGLONG CheckOne(CQuillet& session, const VlanParent& parent, const CVLAN& vlan) {
+    const std::wstring path = ToWide(parent.path);
+    if (vlan.m_lVLANNumber == 0) {
+        return parent.isTeam ? session.CreateUnTaggedVLANTeamCheck(path, vlan)
+                             : session.CreateUnTaggedVLANAdapterCheck(path, vlan);
+    }
+    return parent.isTeam ? session.CreateVLANTeamCheck(path, vlan)
+                         : session.CreateVLANAdapterCheck(path, vlan);
+}
+
+/// A command about new VLANs of one parent.
+class NewVlans : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Argument("parent", m_parent, "An adapter or a team: its name, object ID or object path");
+        syntax.Argument("id", m_id, "The VLAN ID, 1 to 4094; 0 for the untagged VLAN");
+        syntax.Argument("name", m_name, "The VLAN's name");
+        syntax.Text("--through", m_through, "ID",
+                    "Several VLANs, up to this ID; each is called by the name and its ID");
+    }
+
+  protected:
+    /// What the command line asks for.
+    CVLANs Wanted() const {
+        const LONG first = NumberIn(m_id);
+        const LONG last = m_through ? NumberIn(*m_through) : first;
+        constexpr LONG MOST = 4095;
+        if (last < first || last - first >= MOST) {
+            throw UsageError("--through: an ID from " + m_id + " on is needed");
+        }
+        CVLANs wanted;
+        for (LONG number = first; number <= last; ++number) {
+            auto vlan = std::make_unique<CVLAN>();
+            vlan->m_lVLANNumber = number;
+            vlan->m_wsVLANName = ToWide(m_through ? m_name + ' ' + std::to_string(number) : m_name);
+            wanted.m_vecItems.push_back(vlan.get());
+            vlan.release();
+        }
+        return wanted;
+    }
+    VlanParent Parent(CQuillet& session) const { return FindVlanParent(session, m_parent); }
+
+    static Findings Check(CQuillet& session, const VlanParent& parent, const CVLANs& wanted) {
+        Findings findings;
+        CheckParent(session, parent, findings);
+        if (wanted.m_vecItems.size() == 1) {
+            findings.Add(CheckOne(session, parent, *wanted.m_vecItems.front()));
+        } else {
+            const std::wstring path = ToWide(parent.path);
+            findings.Add(parent.isTeam ? session.CreateMultipleVLANTeamCheck(path, wanted)
+                                       : session.CreateMultipleVLANAdapterCheck(path, wanted));
+        }
+        return findings;
+    }
+
+  private:
+    std::string m_parent;
+    std::string m_id;
+    std::string m_name;
+    std::optional<std::string> m_through;
+};
+
+class CheckVlans final : public NewVlans {
+  public:
+    ExitStatus Run(Invocation& run) override {
+        const CVLANs wanted = Wanted();
+        CQuillet& session = run.Session();
+        const VlanParent parent = Parent(session);
+        const Findings findings = Check(session, parent, wanted);
+        if (run.WantsJson()) {
+            run.Print(Json{{"parent", AsJson(parent)}, {"problems", findings.AsJson()}});
+        } else if (findings.sentences.empty()) {
+            run.Out() << "no problems\n";
+        } else {
+            findings.Print(run.Out());
+        }
+        return findings.sentences.empty() ? ExitStatus::Done : ExitStatus::Findings;
+    }
+};
+
+class AddVlans final : public NewVlans {
+  public:
+    ExitStatus Run(Invocation& run) override {
+        const CVLANs wanted = Wanted();
+        CQuillet& session = run.Session();
+        const VlanParent parent = Parent(session);
+        const Findings findings = Check(session, parent, wanted);
+        if (!findings.sentences.empty()) {
+            return EndUnchanged(run, parent, findings);
+        }
+        Json added = Json::array();
+        std::vector<std::string> told;
+        ClientSet set(session);
+        const std::wstring path = ToWide(parent.path);
+        for (CVLAN* vlan : wanted.m_vecItems) {
+            Invocation::Check(parent.isTeam ? session.AddVLANToTeam(path, *vlan)
+                                            : session.AddVLANToAdapter(path, *vlan),
+                              "add " + Called(*vlan) + " to " + parent.name);
+            added.push_back(AsJson(*vlan));
+            told.push_back("added " + Called(*vlan) + " to " + parent.name);
+        }
+        const bool restartNeeded = set.Close();
+        if (run.WantsJson()) {
+            run.Print(Json{{"parent", AsJson(parent)},
+                           {"problems", findings.AsJson()},
+                           {"vlans", std::move(added)},
+                           {"restartNeeded", restartNeeded}});
+        } else {
+            for (const std::string& line : told) {
+                run.Out() << Printable(line) << '\n';
+            }
+            run.Out() << RestartText(restartNeeded) << '\n';
+        }
+        return ExitStatus::Done;
+    }
+};
+
+/// A command about a VLAN that is there, by its parent and its ID.
+class ExistingVlan : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Argument("parent", m_parent, "An adapter or a team: its name, object ID or object path");
+        syntax.Argument("id", m_id, "The VLAN ID; 0 for the untagged VLAN");
+    }
+    ExitStatus Run(Invocation& run) final {
+        const LONG number = NumberIn(m_id);
+        CQuillet& session = run.Session();
+        const VlanParent parent = FindVlanParent(session, m_parent);
+        return RunFor(parent, FindVlan(session, parent, number), run);
+    }
+
+  private:
+    virtual ExitStatus RunFor(const VlanParent& parent, const CVLAN& vlan, Invocation& run) = 0;
+
+    std::string m_parent;
+    std::string m_id;
+};
+
+class ModifyVlan final : public ExistingVlan {
+  public:
+    void Declare(Syntax& syntax) override {
+        ExistingVlan::Declare(syntax);
+        syntax.Text("--name", m_name, "NAME", "Its new name");
+        syntax.Text("--id", m_newId, "ID", "Its new VLAN ID");
+    }
+
+  private:
+    ExitStatus RunFor(const VlanParent& parent, const CVLAN& vlan, Invocation& run) override {
+        if (!m_name && !m_newId) {
+            throw UsageError("a new name or a new ID is needed: --name, --id");
+        }
+        CVLAN changed = vlan;
+        changed.m_wsVLANName = m_name ? ToWide(*m_name) : vlan.m_wsVLANName;
+        changed.m_lVLANNumber = m_newId ? NumberIn(*m_newId) : vlan.m_lVLANNumber;
+        CQuillet& session = run.Session();
+        Findings findings;
+        // The untagged VLAN under a new name is in nobody's way: it would only meet itself.
+        if (changed.m_lVLANNumber != 0 || vlan.m_lVLANNumber != 0) {
+            session.SetVlanIsModify(true);
+            findings.Add(CheckOne(session, parent, changed));
+            session.SetVlanIsModify(false);
+        }
+        if (!findings.sentences.empty()) {
+            return EndUnchanged(run, parent, findings);
+        }
+        ClientSet set(session);
+        Invocation::Check(session.ModifyVLANProperty(vlan.m_wsVLANID, changed),
+                          "change " + Called(vlan) + " of " + parent.name);
+        const bool restartNeeded = set.Close();
+        // As it is now, for the provider may have taken it differently.
+        CVLAN now;
+        Invocation::Check(session.GetVLANInfo(vlan.m_wsVLANID, now), "read " + Called(changed));
+        if (run.WantsJson()) {
+            run.Print(Json{{"parent", AsJson(parent)},
+                           {"problems", findings.AsJson()},
+                           {"vlan", AsJson(now)},
+                           {"restartNeeded", restartNeeded}});
+        } else {
+            run.Out() << Printable("changed " + Called(vlan) + " of " + parent.name + " to " + Called(now))
+                      << '\n'
+                      << RestartText(restartNeeded) << '\n';
+        }
+        return ExitStatus::Done;
+    }
+
+    std::optional<std::string> m_name;
+    std::optional<std::string> m_newId;
+};
+
+class RemoveVlan final : public ExistingVlan {
+    ExitStatus RunFor(const VlanParent& parent, const CVLAN& vlan, Invocation& run) override {
+        CQuillet& session = run.Session();
+        ClientSet set(session);
+        Invocation::Check(session.RemoveVLAN(vlan.m_wsVLANID),
+                          "remove " + Called(vlan) + " from " + parent.name);
+        const bool restartNeeded = set.Close();
+        if (run.WantsJson()) {
+            run.Print(
+                Json{{"parent", AsJson(parent)}, {"vlan", AsJson(vlan)}, {"restartNeeded", restartNeeded}});
+        } else {
+            run.Out() << Printable("removed " + Called(vlan) + " from " + parent.name) << '\n'
+                      << RestartText(restartNeeded) << '\n';
+        }
+        return ExitStatus::Done;
+    }
+};
+
+} // namespace
+
+void AddVlanCommands(CommandTree& tree) {
+    tree.AddNoun("vlan", "The VLANs of adapters and teams")
+        .Verb("list", "List the VLANs", std::make_unique<ListVlans>())
+        .Verb("check", "Say what stands in the way of new VLANs", std::make_unique<CheckVlans>())
+        .Verb("add", "Add VLANs, unless something stands in the way", std::make_unique<AddVlans>())
+        .Verb("modify", "Change the name or the ID of a VLAN, unless something stands in the way",
+              std::make_unique<ModifyVlan>())
+        .Verb("remove", "Remove a VLAN", std::make_unique<RemoveVlan>());
+}
+
+} // namespace quilletctl
