@@ -174,9 +174,10 @@ INSTANTIATE_TEST_SUITE_P(
                             "Code = 0x80041010;",
                             {"adapter", "list"},
                             "list the adapters: 0x80041010 WBEM_E_INVALID_CLASS"},
-                    Refused{"Operation = \"ExecMethod\"; MethodName = \"GetKavlorWarnings\"; Code = 0x80041004;",
-                            {"warnings"},
-                            "read the warnings: 0x80041004 WBEM_E_PROVIDER_FAILURE"},
+                    Refused{
+                        "Operation = \"ExecMethod\"; MethodName = \"GetKavlorWarnings\"; Code = 0x80041004;",
+                        {"warnings"},
+                        "read the warnings: 0x80041004 WBEM_E_PROVIDER_FAILURE"},
                     Refused{"Operation = \"ExecMethod\"; MethodName = \"BeginApply\"; Code = 0x80041001;",
                             {"transaction", "try"},
                             "open a client set: 0x80041001 WBEM_E_FAILED"},
