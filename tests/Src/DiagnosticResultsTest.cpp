@@ -239,7 +239,7 @@ TEST_F(DiagnosticResultsTest, StateText_OfAStateWithoutOne_StaysAndIsNoFailure) 
 TEST_F(DiagnosticResultsTest, StateText_IsInTheLanguageOfTheConnection) {
     quillet.UninitQuillet();
     quillet::test::RegistryScope registry;
-    registry.SetString(quillet::test::kLum2Key, L"LCID", L"407");
+    registry.SetDword(quillet::test::kOrbaKey, L"ForcedLanguage", 0x407);
     Connect();
     EXPECT_EQ(StateTextOf(4), L"L\u00E4uft");
 }
