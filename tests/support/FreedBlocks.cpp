@@ -258,6 +258,20 @@ void* operator new(std::size_t size) {
     throw std::bad_alloc();
 }
 
+// The other forms, which the standard library builds on these two, and the sanitizers' libraries do not.
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return std::calloc(1, size != 0 ? size : 1);
+}
+
+void* operator new[](std::size_t size) {
+    return operator new(size);
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
+    return operator new(size, tag);
+}
+
 void operator delete(void* block) noexcept {
     if (block != nullptr && !quillet::test::KeepFreedBlock(block)) {
         std::free(block);
@@ -265,5 +279,21 @@ void operator delete(void* block) noexcept {
 }
 
 void operator delete(void* block, std::size_t) noexcept {
+    operator delete(block);
+}
+
+void operator delete(void* block, const std::nothrow_t&) noexcept {
+    operator delete(block);
+}
+
+void operator delete[](void* block) noexcept {
+    operator delete(block);
+}
+
+void operator delete[](void* block, std::size_t) noexcept {
+    operator delete(block);
+}
+
+void operator delete[](void* block, const std::nothrow_t&) noexcept {
     operator delete(block);
 }
