@@ -44,6 +44,11 @@ struct Forced {
     const wchar_t* locale;
 };
 
+/// GoogleTest would show the bytes, those between the members included.
+void PrintTo(const Forced& forced, std::ostream* out) {
+    *out << forced.language << " as " << Narrow(forced.locale);
+}
+
 class ForcedLanguageTest : public SessionLocaleTest, public testing::WithParamInterface<Forced> {};
 
 TEST_P(ForcedLanguageTest, InitQuillet_ForcedLanguage_IsTheLocale) {
