@@ -10,6 +10,14 @@ struct BadLine {
     std::string mentions;
 };
 
+/// GoogleTest would show the bytes, and what lies in them is not all written.
+void PrintTo(const BadLine& line, std::ostream* out) {
+    for (const std::string& argument : line.arguments) {
+        *out << argument << ' ';
+    }
+    *out << "-> " << line.mentions;
+}
+
 class BadUsage : public testing::TestWithParam<BadLine> {};
 
 TEST_P(BadUsage, IsOneLineOnTheErrorStreamAndStatusTwo) {

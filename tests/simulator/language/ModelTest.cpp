@@ -29,6 +29,11 @@ struct RangeCase {
     std::uint64_t high;
 };
 
+/// GoogleTest would show the bytes, those between the members included.
+void PrintTo(const RangeCase& range, std::ostream* out) {
+    *out << "type " << range.type << " from " << range.low << " to " << range.high;
+}
+
 class IntegerRange : public ::testing::TestWithParam<RangeCase> {};
 
 TEST_P(IntegerRange, FitsExactlyItsLimits) {
