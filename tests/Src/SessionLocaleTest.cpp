@@ -99,6 +99,10 @@ struct Mapping {
     DWORD provider;
 };
 
+void PrintTo(const Mapping& mapping, std::ostream* out) {
+    *out << mapping.user << " as " << mapping.provider;
+}
+
 class ProviderLanguageTest : public testing::TestWithParam<Mapping> {};
 
 TEST_P(ProviderLanguageTest, ProviderLanguage_MapsThePrimaryLanguage) {
