@@ -229,6 +229,11 @@ struct LocaleCase {
     LCID language;
 };
 
+/// GoogleTest would show the bytes, those between the members included.
+void PrintTo(const LocaleCase& locale, std::ostream* out) {
+    *out << locale.locale << " as " << locale.language;
+}
+
 class MofLocale : public MofCompiler, public ::testing::WithParamInterface<LocaleCase> {};
 
 TEST_P(MofLocale, HasItsWindowsLanguage) {
