@@ -1,5 +1,7 @@
 // SAFEARRAY: creation, access and the ownership of its elements.
 #include "SafeArray.h"
+
+#include <quillet-platform/TestHooks.h>
 #include "Counters.h"
 
 #include <cstdlib>
@@ -139,6 +141,13 @@ HRESULT CopyElement(const SAFEARRAY* array, void* destination, const void* sourc
     return S_OK;
 }
 
+/// Which of the arrays that the thread creates is to fail, for tests; 0 when none is.
+thread_local unsigned long failIn = 0;
+
+bool MustFail() noexcept {
+    return failIn != 0 && --failIn == 0;
+}
+
 SAFEARRAY* AllocateDescriptor(VARTYPE type, UINT dimensions) noexcept {
     const std::size_t bytes = sizeof(Hidden) + sizeof(SAFEARRAY) + (dimensions - 1) * sizeof(SAFEARRAYBOUND);
     auto* const block = static_cast<char*>(std::calloc(1, bytes));
@@ -180,7 +189,7 @@ SAFEARRAY* Create(VARTYPE type, UINT dimensions, const SAFEARRAYBOUND* bounds, b
     for (UINT i = 0; i < dimensions; ++i)
         array->rgsabound[i] = bounds[reversed ? dimensions - 1 - i : i];
     const std::size_t bytes = static_cast<std::size_t>(*cells) * array->cbElements;
-    array->pvData = std::calloc(1, bytes ? bytes : 1);
+    array->pvData = MustFail() ? nullptr : std::calloc(1, bytes ? bytes : 1);
     if (!array->pvData) {
         std::free(HiddenOf(array));
         return nullptr;
@@ -208,6 +217,14 @@ HRESULT FindElement(SAFEARRAY* array, const LONG* indices, void** address) noexc
 }
 
 } // namespace
+
+namespace quillet::platform {
+
+void FailArrayAllocation(unsigned long nth) noexcept {
+    failIn = nth;
+}
+
+} // namespace quillet::platform
 
 SAFEARRAY* WINAPI SafeArrayCreate(VARTYPE type, UINT dimensions, SAFEARRAYBOUND* bounds) {
     if (!bounds || dimensions == 0 || dimensions > std::numeric_limits<USHORT>::max())

@@ -153,4 +153,25 @@ TEST_F(AllocationFailuresTest, GetPropertyAsString_NoMemory_IsTheProvidersCode) 
     EXPECT_STREQ(static_cast<const wchar_t*>(path), L"before");
 }
 
+TEST_F(AllocationFailuresTest, FlashOperations_NoMemoryForTheArray_FailBeforeTheProviderIsAsked) {
+    Connect();
+    unsigned char image[] = {1, 2, 3};
+    const LONG size = 3;
+    CSettings types;
+    int returnCode = 77;
+    // The image is the first array that these two make.
+    platform::FailArrayAllocation(1);
+    EXPECT_EQ(
+        Code(quillet.WriteBootAgentFlash(L"Zorel_BootAgent.Name=\"{A}\"", size, image, types, returnCode)),
+        "0x8007000E");
+    EXPECT_THAT(Traced(), testing::Contains("(pSafeArray == NULL)"));
+    platform::FailArrayAllocation(1);
+    EXPECT_EQ(
+        Code(quillet.ReadBootAgentImageFile(L"Zorel_BootAgent.Name=\"{A}\"", size, image, types, returnCode)),
+        "0x8007000E");
+    platform::FailArrayAllocation(0);
+    EXPECT_THAT(Traced(), testing::Contains("(pSafeArray == NULL)"));
+    EXPECT_THAT(Called(), testing::IsEmpty());
+}
+
 } // namespace

@@ -190,6 +190,59 @@ TEST_F(TeamMemoryFailuresTest, CompatibleModes_NoMemoryForARecord_FailsWithItsLi
     EXPECT_THAT(Traced(), Contains("(NULL == pTeamModeComp)"));
 }
 
+class BootMemoryFailuresTest : public MemoryFailuresTest {
+  protected:
+    void SetUp() override {
+        MemoryFailuresTest::SetUp();
+        if (IsSkipped()) {
+            return;
+        }
+        UseText(R"(
+            instance of Zorel_NetService { Name = "ZorelNetService"; };
+            instance of Zorel_PhysicalEthernetAdapter as $A { DeviceID = "{A}"; };
+            instance of Zorel_DiagTest as $Link { Name = "Link test"; TestId = 4; Grouped = FALSE; };
+            instance of Zorel_DiagTest as $Call { Name = "Connection test"; TestId = 6; Grouped = FALSE; };
+            instance of Zorel_DiagTestForAdapter { Antecedent = $Link; Dependent = $A; };
+            instance of Zorel_DiagTestForAdapter { Antecedent = $Call; Dependent = $A; };
+            instance of Zorel_BootAgent { Name = "{A}"; FlashImage = {1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17}; };
+            instance of Zorel_BootAgent_iSCSI_Adapters { Name = "{A}"; AdapterName = "a"; iSCSI_Status = 1; };
+            instance of Zorel_BootAgent_iSCSI_Adapters { Name = "{B}"; AdapterName = "b"; iSCSI_Status = 0; };)");
+        Connect();
+    }
+};
+
+TEST_F(BootMemoryFailuresTest, Diagnostics_NoMemoryForTheSecondRecord_KeepsTheFirst) {
+    CDiagTests tests;
+    g_failAt = 2;
+    g_size = sizeof(CDiagTest);
+    EXPECT_EQ(Code(quillet.EnumerateDiagnostics(LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")", tests)),
+              "0x80004005");
+    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+    EXPECT_EQ(tests.m_vecItems.size(), 1u);
+    EXPECT_THAT(Traced(), Contains("(NULL == pDiagTest)"));
+}
+
+TEST_F(BootMemoryFailuresTest, ReadFlash_NoMemoryForTheBuffer_HandsOutNone) {
+    LONG size = 0;
+    unsigned char* data = nullptr;
+    g_failAt = 1;
+    g_size = 17; // no record has this size
+    EXPECT_EQ(Code(quillet.ReadBootAgentFlash(LR"(Zorel_BootAgent.Name="{A}")", size, &data)), "0x8007000E");
+    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+    EXPECT_EQ(data, nullptr);
+    EXPECT_THAT(Traced(), Contains("(!pbyBuffer)"));
+}
+
+TEST_F(BootMemoryFailuresTest, ISCSIAdapters_NoMemoryForTheSecondRecord_KeepsTheFirst) {
+    CISCSIAdapters adapters;
+    g_failAt = 2;
+    g_size = sizeof(CISCSIAdapter);
+    EXPECT_EQ(Code(quillet.EnumerateISCSIAdapters(adapters)), "0x80004005");
+    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+    EXPECT_EQ(adapters.m_vecItems.size(), 1u);
+    EXPECT_THAT(Traced(), Contains("pAdapter == NULL"));
+}
+
 TEST_F(MemoryFailuresTest, InitQuillet_NoMemoryForThePrivileges_IsThatCodeAndSendsNothing) {
     quillet.UninitQuillet();
     Calls();

@@ -27,6 +27,10 @@ unsigned long BstrAllocations() noexcept;
 /// Makes the nth BSTR allocation of the calling thread from now on fail (1: the next); 0 disarms.
 void FailBstrAllocation(unsigned long nth) noexcept;
 
+/// Makes the n-th SAFEARRAY that the calling thread creates from now on fail for want of memory; 0 makes none
+/// fail.
+void FailArrayAllocation(unsigned long nth) noexcept;
+
 /// Shows every BSTR, of any thread, just before it is freed: its text as it then is, terminator excluded.
 /// Null shows them to nobody (the default).
 using FreedBstrObserver = void (*)(const void* text, std::size_t bytes);
