@@ -86,6 +86,11 @@ struct IndexedQuery {
     bool indexed;
 };
 
+/// GoogleTest would show the bytes, those behind the last member included.
+void PrintTo(const IndexedQuery& query, std::ostream* out) {
+    *out << query.results << (query.indexed ? " by index" : " by search");
+}
+
 class RepositoryIndexes : public RepositoryQuery, public ::testing::WithParamInterface<IndexedQuery> {};
 
 TEST_P(RepositoryIndexes, ServeWhatTheyCanAndChangeNoAnswer) {
