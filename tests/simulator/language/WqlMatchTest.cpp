@@ -34,6 +34,11 @@ struct Truth {
     bool expected;
 };
 
+/// GoogleTest would show the bytes, those behind the last member included.
+void PrintTo(const Truth& truth, std::ostream* out) {
+    *out << (truth.expected ? "a true condition" : "a false condition");
+}
+
 class WqlTruth : public WqlMatch, public ::testing::WithParamInterface<Truth> {};
 
 TEST_P(WqlTruth, IsAsWmiHasIt) {
