@@ -114,7 +114,7 @@ HRESULT CQuillet::RunDiagnostics(const std::wstring& diagId, const std::wstring&
                                .Long(L_METHOD_RETURN, verdict)
                                .Result();
     // A refused start shows in the state of the test, and only there.
-    return FAILED(result) ? result : S_OK;
+    return SuccessOr(result);
 }
 
 HRESULT CQuillet::StopDiagnostics(const std::wstring& diagId, const std::wstring& adapterId) {
@@ -147,5 +147,5 @@ HRESULT CQuillet::StopDiagnostics(const std::wstring& diagId, const std::wstring
                  .Bool(L_PARAM_DIAG_TESTINGSTOPPED, stopped)
                  .Long(L_METHOD_RETURN, verdict)
                  .Result();
-    return FAILED(result) ? result : S_OK;
+    return SuccessOr(result);
 }

@@ -71,7 +71,7 @@ HRESULT CQuillet::SetiSCSIStatus(std::wstring bootAgentId, CISCSIAdapter::iSCSIS
     if (read.Found()) {
         returnCode = static_cast<unsigned int>(verdict);
     }
-    return FAILED(read.Result()) ? read.Result() : S_OK;
+    return SuccessOr(read.Result());
 }
 
 HRESULT CQuillet::GetiSCSI_Info(const std::wstring& adapterId, CiSCSI& info) {
@@ -100,5 +100,5 @@ HRESULT CQuillet::GetiSCSI_Info(const std::wstring& adapterId, CiSCSI& info) {
                  .Bool(L_PARAM_ETHERNETADAPTER_ISISCSIPATCH, info.m_bPatchPresent)
                  .Bool(L_PARAM_ETHERNETADAPTER_ISISCSIHOTFIX, info.m_bHotFixPresent)
                  .Result();
-    return FAILED(result) ? result : S_OK;
+    return SuccessOr(result);
 }

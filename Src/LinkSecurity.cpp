@@ -46,9 +46,7 @@ class Answer {
         return Progress(progress);
     }
     Answer& Int(const ProviderName& parameter, LONG& member, const wchar_t* progress) {
-        int number = static_cast<int>(member);
-        m_read.When(OnNull::Keep).Int(parameter, number);
-        member = number;
+        m_read.When(OnNull::Keep).Int(parameter, member);
         return Progress(progress);
     }
     Answer& Long(const ProviderName& parameter, LONG& member, const wchar_t* progress) {
@@ -115,10 +113,6 @@ void PutCredentials(ProviderMethod& method, const CAdapterAuthTypeInfo& info) {
         TraceText(L"WindowsCreds Value is:");
     }
     method.Put(L_PARAM_ETHERNETADAPTER_LINKSEC_WINDOWSCREDS, VariantOfLong(info.m_bUseWindowsCreds));
-}
-
-HRESULT SuccessOr(HRESULT result) {
-    return FAILED(result) ? result : S_OK;
 }
 
 } // namespace
