@@ -17,11 +17,8 @@ ProviderInstance::ProviderInstance(const ProviderSession& session, const std::ws
     }
 }
 
-HRESULT ProviderInstance::Put(const ProviderName& property, _variant_t value) const {
-    if (Failed()) {
-        return m_result;
-    }
-    const HRESULT result = m_object->Put(property.name, 0, &value, 0);
+HRESULT PutProperty(IWbemClassObject* object, const ProviderName& property, _variant_t value) {
+    const HRESULT result = object->Put(property.name, 0, &value, 0);
     if (FAILED(result)) {
         TraceText(L"Put -> ", property.symbol);
     }

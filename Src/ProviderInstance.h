@@ -5,6 +5,9 @@
 #include "PropertyReader.h"
 #include "ProviderSession.h"
 
+/// Sets a property of an object in the client's hands. A failure is traced "Put -> <symbol>".
+HRESULT PutProperty(IWbemClassObject* object, const ProviderName& property, _variant_t value);
+
 class ProviderInstance {
   public:
     /// Fetches the object with the thread's context. A failed session fails the fetch, too.
@@ -21,9 +24,10 @@ class ProviderInstance {
     bool Failed() const { return FAILED(m_result); }
     IWbemClassObject* Get() const { return m_object; }
 
-    /// Sets a property of the object in the client's hands; ProviderSession::Commit writes it back. A failure
-    /// is traced "Put -> <symbol>".
-    HRESULT Put(const ProviderName& property, _variant_t value) const;
+    /// Sets a property; ProviderSession::Commit writes it back.
+    HRESULT Put(const ProviderName& property, const _variant_t& value) const {
+        return Failed() ? m_result : PutProperty(m_object, property, value);
+    }
 
     /// A reader of the object's properties. @param variable what trace lines call the object.
     PropertyReader Read(const wchar_t* variable,

@@ -16,15 +16,6 @@ namespace {
 constexpr const wchar_t* MEMBERSHIP_VARIABLE = L"pTeamedMemberAdapter";
 constexpr const wchar_t* CALL_STATUS = L"pWbemCallResult -> GetCallStatus";
 
-/// Sets a property of an instance that is to be written. Traces "Put -> <symbol>" where it cannot.
-HRESULT PutProperty(IWbemClassObject* instance, const ProviderName& property, _variant_t value) {
-    const HRESULT result = instance->Put(property.name, 0, &value, 0);
-    if (FAILED(result)) {
-        TraceText(L"Put -> ", property.symbol);
-    }
-    return result;
-}
-
 bool Contains(const CTeamedAdapters& members, const std::wstring& adapterId) {
     return std::any_of(members.m_vecItems.begin(), members.m_vecItems.end(),
                        [&](const CTeamedAdapter* each) { return each && each->m_wsAdapterID == adapterId; });
