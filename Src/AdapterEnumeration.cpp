@@ -7,6 +7,7 @@
 #include "ProviderEnum.h"
 #include "ProviderSession.h"
 #include "Trace.h"
+#include "VariantValue.h"
 
 #include <memory>
 #include <new>
@@ -27,6 +28,8 @@ HRESULT CQuillet::EnumerateAdapters(CAdapters& adapters) {
     if (FAILED(session.Result())) {
         return session.Result();
     }
+    // Not a PartialRetrieval, on purpose: a refused enumeration leaves the context in this mode, which harms
+    // nobody, since the context is this call's own and goes with it.
     session.Retrieve(IDENTITY_ONLY);
     ProviderEnum instances;
     const HRESULT result = session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, instances,
@@ -68,7 +71,7 @@ HRESULT CQuillet::GetAdapterID(const std::wstring& objectId, std::wstring& adapt
     CComBSTR path;
     CZorel_EthernetAdapterMgrHelper::MakePathFromObjectId(0, objectId.c_str(), path,
                                                           CZorel_EthernetAdapterMgrHelper::PhysicalAdapter);
-    adapterId.assign(path ? path.m_str : L"", path.Length());
+    adapterId = TextOf(path);
     LumTrace().Print(L"Adapter Path from WMI Is %s", adapterId.c_str());
     return S_OK;
 }

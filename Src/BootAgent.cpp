@@ -6,6 +6,7 @@
 #include "ObjectIds.h"
 #include "ProviderInstance.h"
 #include "SafeArray.h"
+#include "VariantValue.h"
 
 #include <new>
 
@@ -59,7 +60,7 @@ HRESULT CQuillet::GetAdapterBootAgentInfo(const std::wstring& adapterId, CBootAg
     }
     CComBSTR path;
     CZorel_EthernetAdapterMgrHelper::MakePathFromBootAgentId(RELATIVE_PATH, objectId.c_str(), path);
-    const std::wstring bootAgentPath(path ? path.m_str : L"", path.Length());
+    const std::wstring bootAgentPath = TextOf(path);
     TraceText(L"Boot Agent WMI Object ID is ", bootAgentPath.c_str());
 
     const wchar_t* instance = L"pIAdapterBootAgtInstance";
@@ -83,7 +84,7 @@ HRESULT CQuillet::GetAdapterBootAgentInfo(const std::wstring& adapterId, CBootAg
     }
     read.Long(L_PROP_BOOTAGENT_ISCSI_STATUS, bootAgent.m_lISCSIStatus)
         .Long(L_PROP_BOOTAGENT_INSTALLEDFLASHIMAGETYPES, bootAgent.m_lInstalledFlashImageTypes);
-    return FAILED(read.Result()) ? read.Result() : S_OK;
+    return SuccessOr(read.Result());
 }
 
 HRESULT CQuillet::ReadBootAgentFlash(const std::wstring& bootAgentId, LONG& size, unsigned char** data) {
@@ -145,6 +146,5 @@ HRESULT CQuillet::WriteBootAgentFlash(const std::wstring& bootAgentId, const LON
                                     L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_PROGRAMFLASHEX")
                               .NeedAnswer(FlashImage::NO_ANSWER)
                               .Read(L"pIWbemClassObject_OutParams");
-    result = FlashImage::ReadReturnCode(read, returnCode);
-    return FAILED(result) ? result : S_OK;
+    return SuccessOr(FlashImage::ReadReturnCode(read, returnCode));
 }

@@ -2,16 +2,13 @@
 #include <quillet/Quillet.h>
 
 #include "FlashImage.h"
+#include "VariantValue.h"
 
 #include <memory>
 
 using ATL::CComBSTR;
 
 namespace {
-
-std::wstring TextOf(const CComBSTR& text) {
-    return std::wstring(text ? text.m_str : L"", text.Length());
-}
 
 /// Appends one setting for each image type. A list that is shorter than that of the types leaves the member
 /// of the others as it is.
@@ -112,6 +109,5 @@ HRESULT CQuillet::VerifyImageType(const std::wstring& bootAgentId, const LONG& s
                                     L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_VERIFYIMAGETYPE")
                               .NeedAnswer(FlashImage::NO_ANSWER)
                               .Read(L"pIWbemClassObject_OutParams");
-    result = FlashImage::ReadReturnCode(read, returnCode);
-    return FAILED(result) ? result : S_OK;
+    return SuccessOr(FlashImage::ReadReturnCode(read, returnCode));
 }

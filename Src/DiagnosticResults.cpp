@@ -5,6 +5,7 @@
 #include "QualifierTexts.h"
 #include "SafeArray.h"
 #include "Trace.h"
+#include "VariantValue.h"
 #include "Wql.h"
 
 #include <algorithm>
@@ -164,7 +165,7 @@ HRESULT ReadStateText(const ProviderSession& session, LONG state, std::wstring& 
         TraceText(L"hRes = SafeArrayGetElement(vValues.parray, (long*)&lValue, &bstrData);");
         return result;
     }
-    text.assign(element ? element.m_str : L"", element.Length());
+    text = TextOf(element);
     return S_OK;
 }
 

@@ -3,6 +3,7 @@
 #include "Lum2InstUtility.h"
 #include "Records/Text.h"
 #include "Trace.h"
+#include "VariantValue.h"
 
 using Helper = CZorel_EthernetAdapterMgrHelper;
 
@@ -62,6 +63,6 @@ bool LogicalAdapterOfTeam(const std::wstring& teamPath, std::wstring& adapterPat
     ATL::CComBSTR path;
     Helper::MakePathFromObjectId(1, objectId.c_str(), path, Helper::LogicalAdapter);
     TraceText(L"Logical Ethernet Adapter Path");
-    adapterPath.assign(path.m_str, path.Length());
+    adapterPath = TextOf(path);
     return true;
 }

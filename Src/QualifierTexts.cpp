@@ -3,6 +3,7 @@
 
 #include "SafeArray.h"
 #include "Trace.h"
+#include "VariantValue.h"
 
 #include <algorithm>
 
@@ -28,8 +29,8 @@ std::vector<std::wstring> TextsOf(IWbemQualifierSet* qualifiers, const wchar_t* 
     for (LONGLONG index = lower; index <= upper; ++index) {
         CComBSTR element;
         // A text that cannot be read keeps its place: the position is the code.
-        const bool read = SUCCEEDED(ReadElement(array, static_cast<LONG>(index), element)) && element;
-        texts.emplace_back(read ? element.m_str : L"", read ? element.Length() : 0);
+        const bool read = SUCCEEDED(ReadElement(array, static_cast<LONG>(index), element));
+        texts.push_back(read ? TextOf(element) : std::wstring());
     }
     return texts;
 }

@@ -75,6 +75,15 @@ HRESULT ReadElement(SAFEARRAY* array, LONG index, ATL::CComBSTR& element) {
     return result;
 }
 
+std::vector<std::wstring> TextsOf(const std::vector<ATL::CComBSTR>& elements) {
+    std::vector<std::wstring> texts;
+    texts.reserve(elements.size());
+    for (const ATL::CComBSTR& element : elements) {
+        texts.push_back(TextOf(element));
+    }
+    return texts;
+}
+
 bool MakeTextArray(const std::vector<std::wstring>& texts, _variant_t& result, EmptyText empty) {
     result.Clear();
     SAFEARRAY* array = SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(texts.size()));

@@ -18,6 +18,9 @@ SAFEARRAY* ArrayOf(const VARIANT& value);
 HRESULT ReadElement(SAFEARRAY* array, LONG index, LONG& element);
 HRESULT ReadElement(SAFEARRAY* array, LONG index, ATL::CComBSTR& element);
 
+/// The texts of a list that was read.
+std::vector<std::wstring> TextsOf(const std::vector<ATL::CComBSTR>& elements);
+
 /// What stands for an empty text in an array.
 enum class EmptyText { Empty, Null };
 

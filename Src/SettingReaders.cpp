@@ -2,6 +2,7 @@
 #include <quillet/Quillet.h>
 
 #include "PropertyReader.h"
+#include "SafeArray.h"
 #include "Trace.h"
 
 using ATL::CComBSTR;
@@ -13,12 +14,8 @@ constexpr const wchar_t* INSTANCE = L"pIWbemSetting";
 /// Reads a list of texts, in the provider's order.
 void ReadTexts(PropertyReader& read, const ProviderName& property, std::vector<std::wstring>& texts) {
     std::vector<CComBSTR> elements;
-    if (!read.Array(property, elements).Found()) {
-        return;
-    }
-    texts.clear();
-    for (const CComBSTR& element : elements) {
-        texts.emplace_back(element ? element.m_str : L"", element.Length());
+    if (read.Array(property, elements).Found()) {
+        texts = TextsOf(elements);
     }
 }
 

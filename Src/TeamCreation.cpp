@@ -192,14 +192,10 @@ HRESULT CQuillet::CreateTeam(CTeam::TeamMode mode, const std::wstring& name, con
     // Two readers: without a path the provider's return value is still worth a line.
     std::wstring path;
     method.Read(L"pTeam_OutParams").When(PropertyReader::OnNull::Note).String(L_PARAM_TEAM_TEAMPATH, path);
-    LONG verdict = 0;
     PropertyReader read = method.Read(L"pTeam_OutParams");
-    if (read.Long(L_METHOD_RETURN, verdict).Failed()) {
-        return read.Result();
-    }
     // The verdict itself decides nothing: there is a new team when there is a path to it.
-    if (verdict != 0) {
-        LumTrace().Print(L"CreateTeam -> ReturnValue %ld", verdict);
+    if (FAILED(ReadVerdict(read, L"CreateTeam"))) {
+        return read.Result();
     }
     team.m_eTeamMode = mode;
     team.m_wsCaption = name;

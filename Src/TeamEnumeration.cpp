@@ -5,6 +5,7 @@
 #include "ObjectIds.h"
 #include "ProviderInstance.h"
 #include "Trace.h"
+#include "VariantValue.h"
 #include "Wql.h"
 
 #include <memory>
@@ -108,7 +109,7 @@ HRESULT CQuillet::GetTeamID(const std::wstring& objectId, std::wstring& teamId) 
     const OperationTrace trace(L"GetTeamID");
     CComBSTR path;
     CZorel_EthernetAdapterMgrHelper::MakeTeamOfAdapPathFromObjectId(1, objectId.c_str(), path);
-    AddNameSpace(path ? std::wstring(path.m_str, path.Length()) : std::wstring(), teamId);
+    AddNameSpace(TextOf(path), teamId);
     return S_OK;
 }
 

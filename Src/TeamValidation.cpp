@@ -25,7 +25,7 @@ bool FirstText(VARIANT& value, std::wstring& text) {
         if (FAILED(SafeArrayGetLBound(array, 1, &lower)) || FAILED(ReadElement(array, lower, element))) {
             return false;
         }
-        text.assign(element ? element.m_str : L"", element ? element.Length() : 0);
+        text = TextOf(element);
         return true;
     }
     _bstr_t single;

@@ -43,14 +43,6 @@ bool Offers(const CTeamWizTeamModes& modes, LONG mode) {
                        [mode](const CTeamWizTeamMode* each) { return each && each->m_lTeamMode == mode; });
 }
 
-std::vector<std::wstring> Texts(const std::vector<CComBSTR>& elements) {
-    std::vector<std::wstring> texts;
-    for (const CComBSTR& element : elements) {
-        texts.emplace_back(element ? element.m_str : L"", element ? element.Length() : 0);
-    }
-    return texts;
-}
-
 } // namespace
 
 LONG CQuillet::TestSwitchSupport(CTeam::TeamMode mode) {
@@ -272,14 +264,11 @@ HRESULT CQuillet::TestSwitchConfiguration(const std::wstring& teamId, CTeam::Swi
     }
     std::vector<CComBSTR> texts;
     read.Array(L_PARAM_TEAM_CAUSE, texts);
-    causes = Texts(texts);
+    causes = TextsOf(texts);
     texts.clear();
     read.Array(L_PARAM_TEAM_SOLUTION, texts);
-    solutions = Texts(texts);
-    LONG verdict = 0;
-    if (read.Long(L_METHOD_RETURN, verdict).Found() && verdict != 0) {
-        LumTrace().Print(L"TestSwitchConfiguration -> ReturnValue %ld", verdict);
-    }
+    solutions = TextsOf(texts);
+    ReadVerdict(read, L"TestSwitchConfiguration");
     std::vector<LONG> ids;
     read.Array(L_PARAM_TEAM_CAUSEMESSAGEID, ids);
     causeIds.assign(ids.begin(), ids.end());

@@ -137,6 +137,10 @@ bool ReadVariant(VARIANT& value, _bstr_t& result) {
     return true;
 }
 
+std::wstring TextOf(const ATL::CComBSTR& text) {
+    return text ? std::wstring(text.m_str, text.Length()) : std::wstring();
+}
+
 _variant_t VariantOfLong(LONG value) {
     _variant_t variant;
     variant.vt = VT_I4;

@@ -5,6 +5,7 @@
 #include <windows.h>
 #include <oleauto.h>
 #include <comutil.h>
+#include <atlbase.h>
 
 #include <string>
 
@@ -20,6 +21,9 @@ bool ReadVariant(const VARIANT& value, LONG& result);
 bool ReadVariant(const VARIANT& value, ULONGLONG& result);
 /// Takes the text out of the VARIANT instead of copying it. Anything but a BSTR reads as an empty text.
 bool ReadVariant(VARIANT& value, _bstr_t& result);
+
+/// The text of a BSTR, embedded zeros and all; a null BSTR is an empty text.
+std::wstring TextOf(const ATL::CComBSTR& text);
 
 /// A VARIANT to put: each has exactly the type that the provider's protocol names.
 _variant_t VariantOfLong(LONG value);

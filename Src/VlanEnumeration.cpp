@@ -5,6 +5,7 @@
 #include "ObjectIds.h"
 #include "ProviderInstance.h"
 #include "Trace.h"
+#include "VariantValue.h"
 #include "Wql.h"
 
 #include <memory>
@@ -66,11 +67,12 @@ HRESULT CQuillet::EnumerateVLANsOfComponent(const _bstr_t& parentId, CVLANs& vla
     }
     const std::wstring parent = parentId.length() ? static_cast<const wchar_t*>(parentId) : L"";
     ProviderEnum instances;
-    session.Retrieve(PARTIAL_DATA);
-    HRESULT result =
-        session.Query(Wql::SelectWhere(L_CLASS_ZOREL_VLAN.name, L_PARAM_VLAN_PARENTID.name, parent),
-                      instances, L"ExecQuery -> L_CLASS_ZOREL_VLAN");
-    session.Retrieve(ProviderSession::Everything);
+    HRESULT result = S_OK;
+    {
+        const PartialRetrieval partial(session, PARTIAL_DATA);
+        result = session.Query(Wql::SelectWhere(L_CLASS_ZOREL_VLAN.name, L_PARAM_VLAN_PARENTID.name, parent),
+                               instances, L"ExecQuery -> L_CLASS_ZOREL_VLAN");
+    }
     CComPtr<IWbemClassObject> instance;
     while (SUCCEEDED(result) && instances.Next(instance)) {
         result = AppendVLAN(instance, vlans);
@@ -164,7 +166,7 @@ HRESULT CQuillet::GetVLANID(const std::wstring& objectId, std::wstring& vlanId) 
     CComBSTR path;
     CZorel_EthernetAdapterMgrHelper::MakePathFromVlanObjectId(1, objectId.c_str(), path);
     TraceText(L"VLAN WMI Object ID is");
-    AddNameSpace(std::wstring(path.m_str, path.Length()), vlanId);
+    AddNameSpace(TextOf(path), vlanId);
     return S_OK;
 }
 
@@ -184,8 +186,7 @@ HRESULT CQuillet::GetVLANService(const std::wstring& componentId, CComPtr<IWbemC
     CComBSTR path;
     CZorel_EthernetAdapterMgrHelper::MakeVlanServicePathFromParentObjectId(1, objectId.c_str(), path);
     TraceText(L"VLAN Servie WMI ObjectID");
-    const ProviderInstance instance(session, std::wstring(path.m_str, path.Length()),
-                                    L"GetObject -> bstrVLANServicePath");
+    const ProviderInstance instance(session, TextOf(path), L"GetObject -> bstrVLANServicePath");
     if (instance.Failed()) {
         return trace.Fail(instance.Result(), L"(pVLANService == NULL)");
     }
