@@ -62,9 +62,11 @@ class ShellSession:
         self.environment = {key: value for key, value in os.environ.items()
                             if not key.startswith(("QUILLET", "NO_COLOR", "LC_"))}
         self.environment |= {"PATH": os.pathsep.join([*programs, os.environ["PATH"]]), "LANG": "C.UTF-8",
-                             "TMPDIR": str(folder), "COLUMNS": "200"}
-        # A reader's commands name the scripts from the root of the tree.
-        (self.folder / "scripts").symlink_to(root / "scripts")
+                             "TMPDIR": str(folder), "COLUMNS": "200",
+                             "ANSIBLE_HOME": f"{folder}/ansible", "ANSIBLE_REMOTE_TEMP": f"{folder}/ansible/remote"}
+        # A reader's commands name scripts and examples from the root of the tree.
+        for name in ("scripts", "examples"):
+            (self.folder / name).symlink_to(root / name)
 
     def run(self, commands):
         """Yields for each command its status and the lines that it printed."""
