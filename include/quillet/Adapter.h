@@ -53,9 +53,10 @@ class QUILLET_API CAdapterCapInfo {
 
     /// A capability code of the provider's and the flag that it sets.
     struct Flag {
-        LONG m_lCode;
-        bool CAdapterCapInfo::*m_pFlag;
+        LONG m_lCode;                   ///< of the "Capabilities" array
+        bool CAdapterCapInfo::*m_pFlag; ///< what it sets
     };
+    /// How many codes are known.
     static constexpr std::size_t FlagCount = 34;
     /// All flags in the order of the record, so that one can be found by its code or its position.
     static const std::array<Flag, FlagCount>& Flags() noexcept;

@@ -67,9 +67,13 @@ class QUILLET_API CDiagResult {
     std::wstring m_wsDescription;
 
     CDiagResult();
+    /// Copies the results of the package, too.
     CDiagResult(const CDiagResult& rOther);
+    /// Takes the texts and results over.
     CDiagResult(CDiagResult&& rOther) noexcept;
+    /// Copies the results of the package, too.
     CDiagResult& operator=(const CDiagResult& rOther);
+    /// Takes the texts and results over.
     CDiagResult& operator=(CDiagResult&& rOther) noexcept;
     virtual ~CDiagResult();
 };

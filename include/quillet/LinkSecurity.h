@@ -37,7 +37,9 @@ class QUILLET_API CAdapterManualAuthInfo {
     bool m_bUseEncryption = false;
 
     CAdapterManualAuthInfo();
+    /// Copies the keys, too.
     CAdapterManualAuthInfo(const CAdapterManualAuthInfo& other);
+    /// Overwrites the keys that it replaces.
     CAdapterManualAuthInfo& operator=(const CAdapterManualAuthInfo& other);
     ~CAdapterManualAuthInfo();
 
@@ -83,7 +85,9 @@ class QUILLET_API CAdapterAuthTypeInfo {
     bool m_bRandMACAddress = false;
 
     CAdapterAuthTypeInfo();
+    /// Copies the password, too.
     CAdapterAuthTypeInfo(const CAdapterAuthTypeInfo& other);
+    /// Overwrites the password that it replaces.
     CAdapterAuthTypeInfo& operator=(const CAdapterAuthTypeInfo& other);
     ~CAdapterAuthTypeInfo();
 
@@ -115,7 +119,9 @@ class QUILLET_API CAdapterPACInfo {
     bool m_bPACInfoChanged = false;
 
     CAdapterPACInfo();
+    /// Copies the password, too.
     CAdapterPACInfo(const CAdapterPACInfo& other);
+    /// Overwrites the password that it replaces.
     CAdapterPACInfo& operator=(const CAdapterPACInfo& other);
     ~CAdapterPACInfo();
 
@@ -142,6 +148,7 @@ class QUILLET_API CAdapterPacFileInfo {
     LONG m_lExpiryTime = 0;
     /// Nothing fills these two; they stay empty.
     std::wstring m_sReserved1;
+    /// As the one before.
     std::wstring m_sReserved2;
 };
 
@@ -154,7 +161,9 @@ class QUILLET_API CAdapterManualPMKInfo {
     bool m_bRandMACAddress = false;
 
     CAdapterManualPMKInfo();
+    /// Copies the key, too.
     CAdapterManualPMKInfo(const CAdapterManualPMKInfo& other);
+    /// Overwrites the key that it replaces.
     CAdapterManualPMKInfo& operator=(const CAdapterManualPMKInfo& other);
     ~CAdapterManualPMKInfo();
 
@@ -175,7 +184,9 @@ class QUILLET_API CAdapterLinksecSavedCredInfo {
     std::wstring m_sMachineDomainName;
 
     CAdapterLinksecSavedCredInfo();
+    /// Copies the password, too.
     CAdapterLinksecSavedCredInfo(const CAdapterLinksecSavedCredInfo& other);
+    /// Overwrites the password that it replaces.
     CAdapterLinksecSavedCredInfo& operator=(const CAdapterLinksecSavedCredInfo& other);
     ~CAdapterLinksecSavedCredInfo();
 

@@ -51,6 +51,7 @@ class QUILLET_API CQuillet {
     /// Copies share the connection: both name the same entries of the interface table, so after
     /// UninitQuillet on one the other is disconnected too.
     CQuillet(const CQuillet& other);
+    /// Shares the connection, as a copy does.
     CQuillet& operator=(const CQuillet& other);
     /// Does not disconnect; call UninitQuillet first.
     virtual ~CQuillet();
@@ -86,6 +87,8 @@ class QUILLET_API CQuillet {
     /// @}
 
     /// @name Adapters
+    /// An adapter is an instance of Zorel_PhysicalEthernetAdapter, and its identifier the instance's object
+    /// path. What is read of it are properties, what it does are methods of that class.
     /// @{
 
     /// Lists the physical adapters (instances of Zorel_PhysicalEthernetAdapter).
@@ -115,30 +118,34 @@ class QUILLET_API CQuillet {
     /// @return 0x80004005 for an empty identifier or an adapter that has the record already, 0x80041001 when
     ///         there is no array.
     HRESULT GetAdapterCapabilities(const std::wstring& adapterId, CAdapter& adapter);
-    /// Reads the adapter's identity on its bus and its addresses, as texts for display.
+    /// Reads the adapter's identity on its bus and its addresses, as texts for display; the members of
+    /// CPCIInfo name the properties.
     HRESULT GetAdapterPCIInfo(const std::wstring& adapterId, CPCIInfo& info);
 
     /// Appends one record for every present adapter in the same slot (the adapter itself included) that is a
-    /// member of a team.
+    /// member of a team (Zorel_TeamedMemberAdapter).
     HRESULT EnumerateOtherPortOfAdapter(const std::wstring& adapterId, CAdapterPorts& ports);
-    /// Lets the adapter show where it is (it blinks) for so many seconds.
+    /// Lets the adapter show where it is (it blinks) for so many seconds (IdentifyAdapter).
     HRESULT IdentifyAdapter(const std::wstring& adapterId, LONG seconds);
-    /// The path of the adapter's storage host bus adapter.
+    /// The path of the adapter's storage host bus adapter (GetHbaPath).
     HRESULT GetHbaPath(const std::wstring& adapterId, std::wstring& path);
-    /// The NDIS version of the adapter's driver; both -1 when it cannot be read.
+    /// The NDIS version of the adapter's driver (GetNDISVersion); both -1 when it cannot be read.
     HRESULT GetNDIS_Version(const std::wstring& adapterId, int& major, int& minor);
-    /// The adapter's own warnings, the provider's bit mask; 0 when they cannot be read.
+    /// The adapter's own warnings, the provider's bit mask (GetAdapterWarnings); 0 when they cannot be read.
     HRESULT GetAdapterWarnings(const std::wstring& adapterId, ULONGLONG& warnings);
     /// @}
 
     /// @name Advanced settings
-    /// Each replaces what the collection holds with the settings of one owner. An empty identifier, or one
-    /// that is no object path, is 0x80004005. When a setting cannot be read, those before it stay.
+    /// Each replaces what the collection holds with the settings of one owner, instances of the classes below
+    /// Zorel_Setting: Zorel_AdapterSettingEnum is one of an adapter with a list of values. An empty
+    /// identifier, or one that is no object path, is 0x80004005. When a setting cannot be read, those before
+    /// it stay.
     /// @{
 
     /// The settings of an adapter (Zorel_AdapterSetting).
     /// @param selector what the provider is asked to retrieve; 0xFFFFFFFF for everything.
     HRESULT GetAdapterSettings(const std::wstring& adapterId, CSettings& settings, DWORD selector);
+    /// The same with everything.
     HRESULT GetAdapterSettings(const std::wstring& adapterId, CSettings& settings);
     /// The settings of an adapter's virtual-machine queues.
     HRESULT GetAdapterVmqSettings(const CLumString& adapterId, CSettings& settings);
@@ -161,13 +168,15 @@ class QUILLET_API CQuillet {
     /// @param parentId the owner's object identifier.
     HRESULT GetSettingFromClassOnAdapter(const _bstr_t& className, const _bstr_t& parentId,
                                          const _bstr_t& caption, CSettings& settings, DWORD selector);
+    /// The same with everything.
     HRESULT GetSettingFromClassOnAdapter(const _bstr_t& className, const _bstr_t& parentId,
                                          const _bstr_t& caption, CSettings& settings);
     /// @}
 
     /// @name Writing and checking settings
-    /// A write belongs between BeginApply and ApplyDone. The checks change nothing; what they find is told by
-    /// bit masks, and their result says only whether the check could be made.
+    /// Settings are those of the classes below Zorel_Setting. A write belongs between BeginApply and
+    /// ApplyDone. The checks change nothing; what they find is told by bit masks, and their result says only
+    /// whether the check could be made.
     /// @{
 
     /// Writes a setting's current value back ("CurrentValue", or "CurrentValues" of a list of texts) and
@@ -201,7 +210,7 @@ class QUILLET_API CQuillet {
     /// @}
 
     /// @name Performance profiles
-    /// The predefined tunings of the setting "PerformanceProfile".
+    /// The predefined tunings of the setting "PerformanceProfile" (Zorel_AdapterSettingEnum).
     /// @{
 
     /// The profiles that an adapter offers, in the provider's order; they replace what the collection holds.
@@ -209,7 +218,7 @@ class QUILLET_API CQuillet {
     ///         0x80041001 when the adapter has no profiles or they cannot be read.
     HRESULT GetAdapterProfiles(const std::wstring& adapterId, CPerformanceProfiles& profiles);
     /// Moves every adapter that has the profile for hosts of virtual machines to another one, in one client
-    /// set; without such an adapter none is opened.
+    /// set (Zorel_NetService.BeginApply and Apply); without such an adapter none is opened.
     /// @return the first failure to open the set, to write or to close the set. An adapter that cannot be
     ///         written does not keep the others from it.
     HRESULT ChangeAllAdapterProfilesFromHyperV(ePERFORMANCE_PROFILE newProfile);
@@ -219,8 +228,8 @@ class QUILLET_API CQuillet {
     /// @}
 
     /// @name Power and wake-on-LAN
-    /// An empty identifier is 0x80004005. A "ReturnValue" of the provider's that is not 0 is traced, and no
-    /// failure.
+    /// Methods of Zorel_PhysicalEthernetAdapter. An empty identifier is 0x80004005. A "ReturnValue" of the
+    /// provider's that is not 0 is traced, and no failure.
     /// @{
 
     /// Reads the power-saving options (Zorel_PhysicalEthernetAdapter.GetPowerUsageOptions). When one cannot
@@ -238,8 +247,9 @@ class QUILLET_API CQuillet {
     /// @}
 
     /// @name Teams
-    /// A team is identified by its object path, an adapter by its own. An empty path is 0x80041001 unless an
-    /// operation says otherwise.
+    /// A team is an instance of Zorel_TeamOfAdapters, and its identifier the instance's object path; what
+    /// joins it with a member is a Zorel_TeamedMemberAdapter. An empty path is 0x80041001 unless an operation
+    /// says otherwise.
     /// @{
 
     /// Lists the teams (instances of Zorel_TeamOfAdapters).
@@ -249,7 +259,7 @@ class QUILLET_API CQuillet {
     /// Reads one team, its MAC address and its use by virtual machines included.
     /// @return 0x80041001 whatever it is that cannot be read.
     HRESULT GetTeamInfo(const std::wstring& teamId, CTeam& team);
-    /// The status of a team: "StatusInfo" of its logical adapter.
+    /// The status of a team: "StatusInfo" of its logical adapter (Zorel_LogicalEthernetAdapter).
     HRESULT GetTeamStatus(const std::wstring& teamId, CTeam::TeamStatus& status);
     /// The object path of a team on this computer for an object identifier (GUID text). @return always 0.
     HRESULT GetTeamID(const std::wstring& objectId, std::wstring& teamId);
@@ -302,12 +312,14 @@ class QUILLET_API CQuillet {
     /// @param current the members that the team has; the provider knows them itself.
     HRESULT ValidateAddAdapters(const std::wstring& teamId, const CTeamedAdapters& current,
                                 const CAdapters& added, ULONGLONG& validation);
-    /// The prefix that the provider proposes for the names of new teams.
+    /// The prefix that the provider proposes for the names of new teams: the qualifier "Values" of
+    /// Zorel_TeamOfAdapters' "TeamPrefix".
     HRESULT GetTeamNamePrefix(std::wstring& prefix);
     /// @}
 
     /// @name Changing teams
-    /// Nothing is rolled back: after a failure the changes made so far stay.
+    /// Writes and deletions of Zorel_TeamOfAdapters and Zorel_TeamedMemberAdapter. Nothing is rolled back:
+    /// after a failure the changes made so far stay.
     /// @{
 
     /// Makes the wanted adapters the members of a team: removes the memberships of the others, then adds
@@ -412,8 +424,8 @@ class QUILLET_API CQuillet {
     /// @}
 
     /// @name VLANs
-    /// VLANs sit on a parent, which is an adapter or a team. An empty identifier is 0x80041001 unless an
-    /// operation says otherwise. CVLANTexts has the words for people.
+    /// A VLAN is an instance of Zorel_VLAN. It sits on a parent, which is an adapter or a team. An empty
+    /// identifier is 0x80041001 unless an operation says otherwise. CVLANTexts has the words for people.
     /// @{
 
     /// Appends the VLANs of an adapter (Zorel_VLAN). When one cannot be read, those before it stay.
@@ -435,38 +447,45 @@ class QUILLET_API CQuillet {
     /// @}
 
     /// @name Checks of VLANs before they are added or changed
-    /// Each returns a mask of CVLAN::Problem, 0 for none, and never fails: a parent whose VLANs cannot be
-    /// read counts as one without.
+    /// They read the parent's VLANs (Zorel_VLAN). Each returns a mask of CVLAN::Problem, 0 for none, and
+    /// never fails: a parent whose VLANs cannot be read counts as one without.
     /// @{
 
     /// Checks one tagged VLAN: its ID (1 to 4094), its ID and name against the parent's VLANs (but not
     /// against itself, told by CVLAN::m_wsName), and, unless SetVlanIsModify says that none is added, their
     /// number.
     ULONGLONG CreateVLANAdapterCheck(const std::wstring& adapterId, const CVLAN& vlan);
+    /// The same for a team, by its path.
     ULONGLONG CreateVLANTeamCheck(const std::wstring& teamId, const CVLAN& vlan);
     /// Checks the untagged VLAN (ID 0), which may only be added beside tagged ones.
     ULONGLONG CreateUnTaggedVLANAdapterCheck(const std::wstring& adapterId, const CVLAN& vlan);
+    /// The same for a team, by its path.
     ULONGLONG CreateUnTaggedVLANTeamCheck(const std::wstring& teamId, const CVLAN& vlan);
     /// Checks several tagged VLANs in the order of their IDs. Only the first and the last one's ID is checked
     /// for its range, and they are not compared with each other.
     ULONGLONG CreateMultipleVLANAdapterCheck(const std::wstring& adapterId, const CVLANs& vlans);
+    /// The same for a team, by its path.
     ULONGLONG CreateMultipleVLANTeamCheck(const std::wstring& teamId, const CVLANs& vlans);
-    /// The same for either kind of parent.
+    /// Checks the untagged VLAN for either kind of parent.
     ULONGLONG CheckForUniqueIDForUnTaggedVLAN(const std::wstring& parentId, bool isTeam, const CVLAN& vlan);
+    /// Checks several tagged VLANs for either kind of parent.
     ULONGLONG CheckForUniqueIDForMultipleVLANs(const std::wstring& parentId, bool isTeam,
                                                const CVLANs& vlans);
     /// CVLAN::IDTaken when the parent has a VLAN of this ID.
     ULONGLONG CheckForUntaggedVLANOnAdapter(const std::wstring& adapterId, int vlanNumber);
+    /// The same for a team, by its path.
     ULONGLONG CheckForUntaggedVLANOnTeam(const std::wstring& teamId, int vlanNumber);
     /// How many tagged VLANs the parent has.
     int CheckForTaggedVLANOnAdapter(const std::wstring& adapterId);
+    /// The same for a team, by its path.
     int CheckForTaggedVLANOnTeam(const std::wstring& teamId);
     /// Removes every element that equals the value.
     static void RemoveIntVectorElement(std::vector<int>& values, int value);
     /// @}
 
     /// @name Changes of VLANs
-    /// An empty identifier is 0x80041001.
+    /// An empty identifier is 0x80041001. A VLAN that is there is changed and removed by its instance of
+    /// Zorel_VLAN.
     /// @{
 
     /// Makes a VLAN on an adapter (Zorel_802dot1QVLANService.CreateVLAN).
@@ -477,9 +496,11 @@ class QUILLET_API CQuillet {
     HRESULT AddVLANToTeam(const std::wstring& teamId, CVLAN& vlan);
     /// Writes the record's VLAN name and VLAN number, both, into the VLAN.
     HRESULT ModifyVLANProperty(const std::wstring& vlanId, const CVLAN& vlan);
+    /// Removes a VLAN, with its settings.
     HRESULT RemoveVLAN(const std::wstring& vlanId);
     /// Says that the checks which follow are about a change of a VLAN, not an addition; false at first.
     void SetVlanIsModify(bool isModify);
+    /// What SetVlanIsModify was told last.
     bool GetVlanIsModify() const;
     /// @}
 
@@ -526,7 +547,7 @@ class QUILLET_API CQuillet {
     /// Reads the whole flash memory (Zorel_BootAgent.ReadFlash).
     /// @param bootAgentId `CBootAgent::m_wsBootAgentID`
     /// @param[out] size   its length in bytes.
-    /// @param[out] data   a buffer that the caller releases with ::operator delete; null unless 0 is
+    /// @param[out] data   a buffer that the caller releases with `operator delete`; null unless 0 is
     /// returned.
     /// @return 0x80004005 when the provider has no bytes to give, or an array whose length makes no sense.
     HRESULT ReadBootAgentFlash(const std::wstring& bootAgentId, LONG& size, unsigned char** data);
@@ -558,7 +579,8 @@ class QUILLET_API CQuillet {
     /// @param[out] adapters what it held before is deleted. When an adapter cannot be read, those before it
     ///             stay.
     HRESULT EnumerateISCSIAdapters(CISCSIAdapters& adapters);
-    /// Changes the part that a boot agent plays in booting from iSCSI (SetiSCSI_Status).
+    /// Changes the part that a boot agent plays in booting from iSCSI
+    /// (Zorel_BootAgent.SetiSCSI_Status).
     /// @param bootAgentId     `CBootAgent::m_wsBootAgentID` or `CISCSIAdapter::m_wsPath`
     /// @param[out] returnCode what the provider says; left untouched when it says nothing.
     HRESULT SetiSCSIStatus(std::wstring bootAgentId, CISCSIAdapter::iSCSIStatus status,

@@ -71,6 +71,7 @@ class QUILLET_API CSetting {
     virtual LONG GetExposeLevel() const;
     /// Empties the values that were read; false if the kind keeps them.
     virtual bool ClearValues();
+    /// The kind, by which a caller may cast to the class.
     virtual tagSettingType GetSettingType() const = 0;
 };
 

@@ -29,6 +29,7 @@ class QUILLET_API CAdvancedSettingNames {
     bool m_bUseStandardKeywords = false;
 
     CAdvancedSettingNames() = default;
+    /// @param bUseStandardKeywords whether `GetSettingName` gives standardised keywords.
     explicit CAdvancedSettingNames(bool bUseStandardKeywords);
     CAdvancedSettingNames(const CAdvancedSettingNames&) = default;
     CAdvancedSettingNames& operator=(const CAdvancedSettingNames&) = default;

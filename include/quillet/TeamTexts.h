@@ -15,8 +15,8 @@ class QUILLET_API CTeamTexts {
   public:
     /// A number and its text; of a mask, one bit and a sentence.
     struct Entry {
-        ULONGLONG m_ullValue;
-        const wchar_t* m_pszText;
+        ULONGLONG m_ullValue;     ///< the number, or one bit
+        const wchar_t* m_pszText; ///< what it means
     };
 
     /// A `CTeam::TeamMode`.

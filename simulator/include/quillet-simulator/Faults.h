@@ -39,16 +39,16 @@ struct FaultRule {
     std::optional<Operation> operation = Operation::ExecMethod; ///< nothing: any provider call
     /// The target must be this, or name this class or property; without regard to case; empty: any.
     std::wstring target;
-    std::wstring method; ///< ExecMethod and GetMethod only; empty: any
-    unsigned nth = 1;
-    bool repeat = false;
-    Effect effect = Effect::Fail;
-    HRESULT code = HRESULT(WBEM_E_FAILED);
-    VARTYPE vt = VT_UNKNOWN;
-    LONG verdict = 1;
-    LONG element = 0;
-    std::size_t size = 1u << 20;
-    unsigned milliseconds = 0; ///< the call takes that much longer, whatever the effect
+    std::wstring method;                   ///< ExecMethod and GetMethod only; empty: any
+    unsigned nth = 1;                      ///< which of the calls that fit, from 1
+    bool repeat = false;                   ///< whether the later ones are hit as well
+    Effect effect = Effect::Fail;          ///< what happens
+    HRESULT code = HRESULT(WBEM_E_FAILED); ///< Fail, FailStatus, PowerCut: the result
+    VARTYPE vt = VT_UNKNOWN;               ///< WrongType: what comes instead
+    LONG verdict = 1;                      ///< Verdict: the "ReturnValue"
+    LONG element = 0;                      ///< UnreadableElement: its index
+    std::size_t size = 1u << 20;           ///< HugeString: its characters
+    unsigned milliseconds = 0;             ///< the call takes that much longer, whatever the effect
 };
 
 /// The rules of a machine. Safe for many threads.
@@ -56,6 +56,7 @@ class Faults {
   public:
     /// Throws std::invalid_argument when the effect means nothing for the operation, or `nth` is 0.
     void Add(FaultRule rule);
+    /// Takes all rules away. Calls that were hit stay counted.
     void Clear();
     /// Counts a call and returns the rule that hits it, if any. When several do, the first that is more than
     /// a delay wins, and `milliseconds` is the sum of all that hit.

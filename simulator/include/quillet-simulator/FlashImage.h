@@ -14,12 +14,13 @@ using FlashBytes = std::span<const std::uint8_t>;
 
 /// One boot image of a container.
 struct BootImage {
-    std::wstring type;    ///< "PXE" and so on; at most 23 bytes of UTF-8, not empty
-    std::wstring version; ///< for display, "1.3.72"; at most 15 bytes of UTF-8
-    std::int32_t group = 0;
-    std::int32_t exposeLevel = 0;
-    std::vector<std::uint8_t> contents;
+    std::wstring type;                  ///< "PXE" and so on; at most 23 bytes of UTF-8, not empty
+    std::wstring version;               ///< for display, "1.3.72"; at most 15 bytes of UTF-8
+    std::int32_t group = 0;             ///< where it belongs; the boot agent hands it on
+    std::int32_t exposeLevel = 0;       ///< whom it is shown to; handed on likewise
+    std::vector<std::uint8_t> contents; ///< the image itself
 
+    /// Compares everything, the contents too.
     friend bool operator==(const BootImage&, const BootImage&) = default;
 };
 

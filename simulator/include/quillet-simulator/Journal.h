@@ -46,7 +46,7 @@ bool IsProviderCall(Operation operation) noexcept;
 
 /// One named value of a call: an in-parameter or a context value.
 struct NamedValue {
-    std::wstring name;
+    std::wstring name;     ///< as the schema has it
     VARTYPE vt = VT_EMPTY; ///< the VARIANT type that the client put
     CIMTYPE type = 0;      ///< the CIM type of the parameter or property
     Value value;           ///< the text *** in place of a secret
@@ -54,18 +54,20 @@ struct NamedValue {
 
 /// One call.
 struct JournalEntry {
-    Operation operation = Operation::GetObject;
-    std::wstring target;               ///< class name, object path, query text or property name
-    std::wstring method;               ///< ExecMethod, GetMethod and Unsupported
+    Operation operation = Operation::GetObject; ///< what was called
+    std::wstring target;                        ///< class name, object path, query text or property name
+    std::wstring method;                        ///< ExecMethod, GetMethod and Unsupported
     std::vector<NamedValue> arguments; ///< in-parameters, or the properties put, in the order of the puts
     std::vector<NamedValue> context;   ///< the context's values at the time of the call, by name
     bool hasContext = false;           ///< whether a context was passed at all
-    LONG flags = 0;
-    DWORD thread = 0;
-    HRESULT result = 0;
+    LONG flags = 0;                    ///< as the client gave them
+    DWORD thread = 0;                  ///< GetCurrentThreadId() of the caller
+    HRESULT result = 0;                ///< what the client got
     std::wstring note; ///< what the machine let pass but a stricter one would refuse; mostly empty
 
+    /// The in-parameter or property of that name, without regard to case; null when there is none.
     const NamedValue* Argument(std::wstring_view name) const noexcept;
+    /// The context value of that name, likewise.
     const NamedValue* ContextValue(std::wstring_view name) const noexcept;
     /// One line for people: "ExecMethod \\…:Zorel_NetService…, Apply(ClientSetHandle=7) -> 0x00000000".
     /// Parameters and properties marked as secrets in the schema print as ***; long values are shortened.
@@ -75,7 +77,9 @@ struct JournalEntry {
 /// Safe for many threads.
 class Journal {
   public:
+    /// Writes a call down.
     void Add(JournalEntry entry);
+    /// Forgets all calls.
     void Clear();
     /// Everything, in order.
     std::vector<JournalEntry> All() const;
@@ -89,6 +93,7 @@ class Journal {
     /// Also records the calls that stay with the client (Get, Put, SetBlanket, …). Off at first: there are
     /// dozens of them for each provider call.
     void RecordLocal(bool record) noexcept { m_recordLocal.store(record, std::memory_order_relaxed); }
+    /// Whether it records them.
     bool RecordsLocal() const noexcept { return m_recordLocal.load(std::memory_order_relaxed); }
 
   private:

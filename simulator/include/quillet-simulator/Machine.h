@@ -12,7 +12,7 @@ namespace quillet::simulator {
 /// Where a machine's text comes from and how it behaves.
 struct MachineOptions {
     std::wstring serverName; ///< the name in object paths; empty: this computer's (GetComputerNameW)
-    std::wstring namespaceName = L"ROOT\\MarloLUM2";
+    std::wstring namespaceName = L"ROOT\\MarloLUM2"; ///< where clients connect to
     /// A change outside an open client set is refused (WBEM_E_ACCESS_DENIED) instead of only noted, and so
     /// is an "Apply" of a set that is not open (WBEM_E_INVALID_PARAMETER).
     bool strict = false;
@@ -30,19 +30,25 @@ class Machine {
     /// The schema and a machine from MOF. Throws MofError.
     static std::shared_ptr<Machine> FromText(std::string_view mof, const std::string& fileName,
                                              MachineOptions options = {});
+    /// The same from a file. What it includes is looked for beside it.
     static std::shared_ptr<Machine> FromFile(const std::filesystem::path& file, MachineOptions options = {});
     ~Machine();
     Machine(const Machine&) = delete;
     Machine& operator=(const Machine&) = delete;
 
+    /// The classes and instances. A change made here is in no journal and meets no fault.
     Repository& Store() noexcept;
+    /// What clients called.
     Journal& Calls() noexcept;
+    /// The fault rules.
     Faults& Rules() noexcept;
 
     /// Simulated time since the machine was made; it stands still until it is advanced, unless it follows
     /// the real clock.
     std::chrono::milliseconds Now() const;
+    /// Lets simulated time pass, and what runs in it go on.
     void Advance(std::chrono::milliseconds time);
+    /// Whether simulated time runs with real time from now on.
     void FollowRealTime(bool follow);
 
     /// How much longer, in simulated time, this adapter blinks after an "IdentifyAdapter"; zero when it does
@@ -68,6 +74,7 @@ class Machine {
 
     /// What the class providers share; only the simulator's own sources know it.
     struct State;
+    /// See State.
     State& Internals() noexcept { return *m_state; }
 
   private:
@@ -81,10 +88,12 @@ class Machine {
 /// been initialised on the thread.
 class Registration {
   public:
+    /// Registers the machine on this thread's apartment; see Result.
     explicit Registration(std::shared_ptr<Machine> machine);
     ~Registration();
     Registration(const Registration&) = delete;
     Registration& operator=(const Registration&) = delete;
+    /// S_OK, or why COM did not take the registration.
     HRESULT Result() const noexcept { return m_result; }
 
   private:

@@ -25,7 +25,9 @@ inline bool SameName(std::wstring_view left, std::wstring_view right) noexcept {
 
 /// Orders names without regard to case; for std::map and std::set.
 struct NameLess {
+    /// Look-ups by any kind of text.
     using is_transparent = void;
+    /// Whether the left name comes first.
     bool operator()(std::wstring_view left, std::wstring_view right) const noexcept {
         return CompareNames(left, right) < 0;
     }
@@ -41,23 +43,36 @@ using Scalar = std::variant<bool, std::int64_t, std::uint64_t, double, std::wstr
 /// have millions of elements and pass through many hands.
 class Value {
   public:
+    /// The elements; nothing stands for null.
     using Array = std::vector<std::optional<Scalar>>;
+    /// The elements of an array of uint8.
     using Bytes = std::vector<std::uint8_t>;
 
     Value() = default;
+    /// One scalar.
     explicit Value(Scalar scalar) : m_payload(std::move(scalar)) {}
+    /// An array.
     explicit Value(Array array) : m_payload(std::move(array)) {}
+    /// An array of uint8.
     explicit Value(Bytes bytes) : m_payload(std::make_shared<const Bytes>(std::move(bytes))) {}
+    /// A text, reference or datetime.
     static Value Text(std::wstring text) { return Value(Scalar(std::move(text))); }
+    /// A truth value.
     static Value Bool(bool flag) { return Value(Scalar(flag)); }
+    /// A number of a signed type.
     static Value Signed(std::int64_t number) { return Value(Scalar(number)); }
+    /// A number of an unsigned type.
     static Value Unsigned(std::uint64_t number) { return Value(Scalar(number)); }
 
+    /// Whether there is no value.
     bool IsNull() const noexcept { return std::holds_alternative<std::monostate>(m_payload); }
+    /// Whether it is an array, in either form.
     bool IsArray() const noexcept { return AsArray() != nullptr || AsBytes() != nullptr; }
+    /// The scalar; null for what is none.
     const Scalar* AsScalar() const noexcept { return std::get_if<Scalar>(&m_payload); }
     /// Null for an array that is held as bytes; see Elements().
     const Array* AsArray() const noexcept { return std::get_if<Array>(&m_payload); }
+    /// The bytes of an array that is held as such; null for anything else.
     const Bytes* AsBytes() const noexcept {
         const auto* bytes = std::get_if<SharedBytes>(&m_payload);
         return bytes != nullptr ? bytes->get() : nullptr;
@@ -77,11 +92,11 @@ class Value {
 
 /// A qualifier as it stands on a class, property, method or parameter.
 struct Qualifier {
-    std::wstring name;
+    std::wstring name;          ///< as it was declared
     CIMTYPE type = CIM_BOOLEAN; ///< with CIM_FLAG_ARRAY for arrays
-    Value value;
-    LONG flavor = 0;      ///< WBEM_FLAVOR_… bits
-    bool amended = false; ///< only visible to callers that ask for amended qualifiers
+    Value value;                ///< what it says, in the schema's own language
+    LONG flavor = 0;            ///< WBEM_FLAVOR_… bits
+    bool amended = false;       ///< only visible to callers that ask for amended qualifiers
     /// Texts of an amended qualifier in other languages, by Windows language identifier (0x407, …).
     std::map<LCID, Value> localized;
 };
@@ -89,11 +104,15 @@ struct Qualifier {
 /// Qualifiers in the order of their declaration.
 class Qualifiers {
   public:
+    /// The qualifier of that name; null when there is none.
     const Qualifier* Find(std::wstring_view name) const noexcept;
     /// True when the boolean qualifier is present and not false.
     bool Has(std::wstring_view name) const noexcept;
+    /// Adds a qualifier, or replaces that of its name.
     void Set(Qualifier qualifier);
+    /// Takes a qualifier away; false when there is none of that name.
     bool Remove(std::wstring_view name);
+    /// All of them.
     const std::vector<Qualifier>& All() const noexcept { return m_all; }
 
   private:
@@ -102,42 +121,48 @@ class Qualifiers {
 
 /// A property of a class, or a parameter of a method.
 struct Property {
-    std::wstring name;
+    std::wstring name;           ///< as it was declared
     CIMTYPE type = CIM_STRING;   ///< with CIM_FLAG_ARRAY for arrays
     std::wstring referenceClass; ///< the class a CIM_REFERENCE points to
-    Value defaultValue;
-    Qualifiers qualifiers;
-    std::wstring origin;        ///< the class that declared it first
-    std::size_t arrayLimit = 0; ///< the most elements that the array may have; 0 for any number
-    bool inherited = false;     ///< taken over from the superclass as it is
+    Value defaultValue;          ///< what a new instance has
+    Qualifiers qualifiers;       ///< its own and those that it inherits
+    std::wstring origin;         ///< the class that declared it first
+    std::size_t arrayLimit = 0;  ///< the most elements that the array may have; 0 for any number
+    bool inherited = false;      ///< taken over from the superclass as it is
+    /// Whether it is part of the keys of its class.
     bool IsKey() const noexcept { return qualifiers.Has(L"key"); }
 };
 
 /// A method of a class. A parameter that is both In and Out stands in both lists.
 struct Method {
-    std::wstring name;
-    CIMTYPE returnType = CIM_UINT32;
-    bool returnsVoid = false;
-    std::vector<Property> in;
-    std::vector<Property> out; ///< without "ReturnValue", which the engine adds last
-    Qualifiers qualifiers;
-    std::wstring origin;
-    bool inherited = false; ///< taken over from the superclass as it is
+    std::wstring name;               ///< as it was declared
+    CIMTYPE returnType = CIM_UINT32; ///< the CIM type of "ReturnValue"
+    bool returnsVoid = false;        ///< whether it has no "ReturnValue"
+    std::vector<Property> in;        ///< the in-parameters, in their order
+    std::vector<Property> out;       ///< without "ReturnValue", which the engine adds last
+    Qualifiers qualifiers;           ///< of the method itself
+    std::wstring origin;             ///< the class that declared it first
+    bool inherited = false;          ///< taken over from the superclass as it is
 };
 
 /// A class with everything it inherits; immutable once the repository has taken it.
 struct ClassDefinition {
-    std::wstring name;
+    std::wstring name;                   ///< as it was declared
     std::wstring superclass;             ///< empty for a root class
     std::vector<std::wstring> ancestors; ///< nearest first
     std::vector<Property> properties;    ///< inherited ones first, in declaration order
-    std::vector<Method> methods;
-    Qualifiers qualifiers;
+    std::vector<Method> methods;         ///< those that it inherits first
+    Qualifiers qualifiers;               ///< its own and those that it inherits
 
+    /// The property of that name; null when there is none.
     const Property* FindProperty(std::wstring_view name) const noexcept;
+    /// Its place among the properties.
     std::optional<std::size_t> PropertyIndex(std::wstring_view name) const noexcept;
+    /// The method of that name; null when there is none.
     const Method* FindMethod(std::wstring_view name) const noexcept;
+    /// Whether it is that class, or derived from it.
     bool IsA(std::wstring_view className) const noexcept;
+    /// Whether its instances associate others.
     bool IsAssociation() const noexcept { return qualifiers.Has(L"association"); }
 };
 
@@ -145,12 +170,13 @@ using ClassPtr = std::shared_ptr<const ClassDefinition>;
 
 /// An instance: its class and one value per property of the class, in the same order.
 struct Instance {
-    ClassPtr definition;
-    std::vector<Value> values;
+    ClassPtr definition;       ///< its class
+    std::vector<Value> values; ///< one for each property of the class
 
     Instance() = default;
     /// A new instance with the defaults of its class.
     explicit Instance(ClassPtr cls);
+    /// The value of a property; null when the class has none of that name.
     const Value* Find(std::wstring_view property) const noexcept;
     /// Sets a property; false when the class has no such property. A number that fits the property is
     /// brought into the signedness of its type.

@@ -11,9 +11,13 @@ namespace quillet::simulator {
 /// A MOF text that does not compile: file, line and column (both from 1), and what is wrong.
 class MofError : public std::runtime_error {
   public:
+    /// An error at a place.
     MofError(std::string file, std::size_t line, std::size_t column, const std::string& message);
+    /// The file's name.
     const std::string& File() const noexcept { return m_file; }
+    /// The line, from 1.
     std::size_t Line() const noexcept { return m_line; }
+    /// The column, from 1.
     std::size_t Column() const noexcept { return m_column; }
 
   private:

@@ -10,8 +10,10 @@
 
 namespace quillet::simulator {
 
+/// Classes, and instances by their keys, by what they refer to, and by WQL.
 class Repository {
   public:
+    /// An empty repository. The names stand in the paths of its objects.
     Repository(std::wstring serverName, std::wstring namespaceName);
     /// A repository with the same names and content, which changes on its own from then on. Classes and
     /// instances are shared, so this costs a small part of compiling them again.
@@ -26,6 +28,7 @@ class Repository {
     /// WBEM_E_INVALID_SUPERCLASS, WBEM_E_ALREADY_EXISTS or WBEM_E_INVALID_CLASS when it cannot be taken;
     /// the reason in words, if asked for.
     HRESULT AddClass(ClassDefinition definition, std::wstring* reason = nullptr);
+    /// The class of that name; null when there is none.
     ClassPtr FindClass(std::wstring_view name) const;
     /// All classes in the order they were added.
     std::vector<ClassPtr> Classes() const;
@@ -47,9 +50,11 @@ class Repository {
     /// The instance a path names, whatever the order and spelling of its keys; null when there is none.
     /// A path may name a superclass of the instance's class.
     InstancePtr FindInstance(const ObjectPath& path) const;
+    /// The same for the text of a path; null for what is none.
     InstancePtr FindInstance(std::wstring_view path) const;
     /// The instances of a class, and of its subclasses unless shallow, in order of creation.
     std::vector<InstancePtr> Instances(std::wstring_view className, bool shallow = false) const;
+    /// All instances, in order of creation.
     std::vector<InstancePtr> AllInstances() const;
 
     /// Runs a SELECT. WBEM_E_INVALID_CLASS when the class is unknown, WBEM_E_INVALID_QUERY when it names a
@@ -62,7 +67,7 @@ class Repository {
 
     /// Class.Key="value",… of an instance, keys in the order of the class.
     std::wstring RelativePath(const Instance& instance) const;
-    /// \\server\namespace:Class.Key="value",…
+    /// RelativePath behind this server and namespace.
     std::wstring FullPath(const Instance& instance) const;
     /// The text of a reference as clients see it: the full path of the object that it names or, when there is
     /// no such object, the text itself with this server and namespace in front where it has none.
@@ -91,15 +96,17 @@ class Repository {
     };
     /// What is known of a qualifier before it is used.
     struct QualifierDeclaration {
-        std::wstring name;
-        CIMTYPE type = CIM_BOOLEAN;
-        Value defaultValue;
-        unsigned scope = ScopeAny;
-        LONG flavor = WBEM_FLAVOR_FLAG_PROPAGATE_TO_DERIVED_CLASS;
+        std::wstring name;          ///< its name
+        CIMTYPE type = CIM_BOOLEAN; ///< its CIM type
+        Value defaultValue;         ///< what it is where it stands without a value
+        unsigned scope = ScopeAny;  ///< Scope bits
+        LONG flavor = WBEM_FLAVOR_FLAG_PROPAGATE_TO_DERIVED_CLASS; ///< WBEM_FLAVOR_… bits
     };
     /// Declares a qualifier, or declares it anew. WBEM_E_TYPE_MISMATCH when it is there with another type.
     HRESULT DeclareQualifier(QualifierDeclaration declaration);
+    /// The declaration of a qualifier; nothing when there is none.
     std::optional<QualifierDeclaration> FindQualifierDeclaration(std::wstring_view name) const;
+    /// All declarations, by name.
     std::vector<QualifierDeclaration> QualifierDeclarations() const;
 
   private:

@@ -33,8 +33,8 @@ std::optional<char32_t> DecodeUtf8(std::string_view text, std::size_t& position)
 /// The number that a text says (decimal, with an optional minus sign); nothing when it says none or when
 /// it does not fit 64 bits.
 struct TextNumber {
-    bool negative = false;
-    std::uint64_t magnitude = 0;
+    bool negative = false;       ///< whether a minus sign stands before it
+    std::uint64_t magnitude = 0; ///< the digits
 };
 std::optional<TextNumber> ParseDecimal(std::wstring_view text) noexcept;
 
