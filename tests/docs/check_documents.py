@@ -19,6 +19,7 @@ import shell_session  # noqa: E402
 FOLDERS = "include|Common|Lum2InstUtility|Src|platform|simulator|cli|examples|tests|fuzz|benchmarks|docs|scripts|cmake"
 TREE_PATH = re.compile(rf"(?:{FOLDERS})/[\w./*-]+")
 FILE_NAME = re.compile(r"[\w*-]+\.(?:cpp|h|md|mof|cmake|py|map|svg|json|xml|dict)")
+IDENTIFIER = re.compile(r"[A-Za-z_]\w*(?:(?:::|\.|->)~?[A-Za-z_]\w*)*(?:\(\))?")
 MADE_BY_THE_BUILD = {"Export.h"}
 
 
@@ -31,6 +32,10 @@ class Checker:
         self.counts = {}
         self.help_texts = {}
         self.file_names = {path.name for path in self._tree()}
+        self.words = set()
+        for path in self._tree():
+            if path.is_file() and path.suffix != ".md":
+                self.words.update(re.findall(r"\w+", path.read_text(encoding="utf-8", errors="replace")))
 
     def _tree(self):
         for path in self.root.iterdir():
@@ -166,6 +171,12 @@ class Checker:
                 self.count("name")
                 if span not in self.file_names | MADE_BY_THE_BUILD | defined:
                     self.error(place, f"there is no file {span}")
+
+            elif IDENTIFIER.fullmatch(span):
+                self.count("name")
+                for word in re.findall(r"\w+", span):
+                    if word not in self.words | defined:
+                        self.error(place, f"the tree has nothing that is called {word}")
 
     def check_command(self, place, span):
         """A command in running text: its words must be commands, its options must be known."""

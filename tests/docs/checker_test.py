@@ -139,6 +139,11 @@ class CheckerTest(unittest.TestCase):
         self.assert_wrong("`scripts/missing`\n", "scripts/missing")
         self.assert_wrong("`missing.h`\n", "missing.h")
 
+    def test_names_of_the_code(self):
+        (self.root / "tests" / "a.h").write_text("class CThing { int Member(); };\n", encoding="utf-8")
+        self.assert_right("`CThing`, `CThing::Member()`, `a phrase`, `other`\n```sh\nother=1\n```\n")
+        self.assert_wrong("`CThing::Lost`\n", "called Lost")
+
     def test_commands_in_the_text(self):
         self.assert_right("`quilletctl adapter list --json --all`, `quilletctl …`\n")
         self.assert_wrong("`quilletctl adapter\nlist --any`\n", "--any")
