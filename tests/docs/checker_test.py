@@ -131,6 +131,7 @@ class CheckerTest(unittest.TestCase):
     def test_links(self):
         (self.root / "other.md").write_text("# A heading, here\n", encoding="utf-8")
         self.assert_right("[a](other.md) [b](other.md#a-heading-here) [c](https://example.invalid/)\n")
+        self.assert_wrong("[a link that\ngoes on](missing.md)\n", "page.md:1", "missing.md")
         self.assert_wrong("[a](missing.md)\n", "page.md:1", "missing.md")
         self.assert_wrong("[a](other.md#another)\n", "#another")
 

@@ -101,17 +101,22 @@ class Document:
         return index + 1
 
     def links(self):
-        for number, line in self.prose:
-            for target in LINK.findall(CODE_SPAN.sub("", line)):
-                yield number, target
+        yield from self._in_text(LINK, lambda text: CODE_SPAN.sub(lambda code: "\n" * code.group().count("\n"), text))
 
     def code_spans(self):
-        """The inline code, also where it goes on in the next line."""
-        text = "\n".join(line for _, line in self.prose)
-        numbers = [number for number, _ in self.prose]
-        for found in CODE_SPAN.finditer(text):
-            if "\n\n" not in found.group(1):
-                yield numbers[text.count("\n", 0, found.start())], " ".join(found.group(1).split())
+        yield from self._in_text(CODE_SPAN, str)
+
+    def _in_text(self, pattern, prepare):
+        """What a pattern finds and where, also when it goes on in the next line. A paragraph ends it."""
+        paragraph = []
+        for number, line in [*self.prose, (0, "")]:
+            if line.strip():
+                paragraph.append((number, line))
+                continue
+            text = prepare("\n".join(line for _, line in paragraph))
+            for found in pattern.finditer(text):
+                yield paragraph[text.count("\n", 0, found.start())][0], " ".join(found.group(1).split())
+            paragraph = []
 
     def headings(self):
         """The names by which links find the headings."""
