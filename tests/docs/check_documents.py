@@ -10,6 +10,7 @@ import re
 import subprocess
 import sys
 import tempfile
+import xml.etree.ElementTree
 
 sys.dont_write_bytecode = True
 import documents  # noqa: E402
@@ -20,6 +21,8 @@ FOLDERS = "include|Common|Lum2InstUtility|Src|platform|simulator|cli|examples|te
 TREE_PATH = re.compile(rf"(?:{FOLDERS})/[\w./*-]+")
 FILE_NAME = re.compile(r"[\w*-]+\.(?:cpp|h|md|mof|cmake|py|map|svg|json|xml|dict)")
 IDENTIFIER = re.compile(r"[A-Za-z_]\w*(?:(?:::|\.|->)~?[A-Za-z_]\w*)*(?:\(\))?")
+QUERY = re.compile(r"(?:SELECT|REFERENCES OF|ASSOCIATORS OF) \S")
+GOLDEN = "tests/Src/operations/golden"
 MADE_BY_THE_BUILD = {"Export.h"}
 
 
@@ -31,6 +34,7 @@ class Checker:
         self.used = set()  # lines of the list of what runs elsewhere
         self.counts = {}
         self.help_texts = {}
+        self.queries = None
         self.file_names = {path.name for path in self._tree()}
         self.words = set()
         for path in self._tree():
@@ -153,6 +157,11 @@ class Checker:
             file = document.folder / path if path else document.path
             if not file.exists():
                 self.error(f"{document.name}:{line}", f"there is no {target}")
+            elif file.suffix == ".svg":
+                try:
+                    xml.etree.ElementTree.parse(file)
+                except xml.etree.ElementTree.ParseError as problem:
+                    self.error(f"{document.name}:{line}", f"{target}: {problem}")
             elif anchor and anchor not in documents.Document(self.root, file.resolve()).headings():
                 self.error(f"{document.name}:{line}", f"{path or 'this page'} has no heading #{anchor}")
 
@@ -172,11 +181,21 @@ class Checker:
                 if span not in self.file_names | MADE_BY_THE_BUILD | defined:
                     self.error(place, f"there is no file {span}")
 
+            elif QUERY.match(span):
+                self.check_query(place, span)
             elif IDENTIFIER.fullmatch(span):
                 self.count("name")
                 for word in re.findall(r"\w+", span):
                     if word not in self.words | defined:
                         self.error(place, f"the tree has nothing that is called {word}")
+
+    def check_query(self, place, span):
+        """A query must be one that the golden files of the operations saw."""
+        self.count("query")
+        if self.queries is None:
+            self.queries = "\n".join(file.read_text(encoding="utf-8") for file in (self.root / GOLDEN).glob("*.txt"))
+        if not re.search(r"ExecQuery " + re.sub(r"…|\\\{.*?\\\}", ".*", re.escape(span)) + " -> ", self.queries):
+            self.error(place, f"no operation asks {span}")
 
     def check_command(self, place, span):
         """A command in running text: its words must be commands, its options must be known."""
@@ -202,11 +221,19 @@ class Checker:
         return self.help_texts[path]
 
 
+def check_version(root):
+    """The version that is built must have its place among the changes."""
+    version = re.search(r"project\(\w+ VERSION ([\d.]+)", (root / "CMakeLists.txt").read_text(encoding="utf-8")).group(1)
+    if not re.search(rf"(?<![\d.]){re.escape(version)}(?!\d|\.\d)", (root / "CHANGELOG.md").read_text(encoding="utf-8")):
+        yield f"CHANGELOG.md: does not know version {version}"
+
+
 def main(arguments):
     root, quilletctl, programs = (pathlib.Path(argument).resolve() for argument in arguments)
     checker = Checker(root, quilletctl, programs)
     for document in documents.read_documents(root):
         checker.check(document)
+    checker.errors += check_version(root)
     for pattern in elsewhere.ELSEWHERE:
         if pattern not in checker.used:
             checker.error("tests/docs/elsewhere.py", f"no document needs {pattern}")

@@ -135,6 +135,29 @@ class CheckerTest(unittest.TestCase):
         self.assert_wrong("[a](missing.md)\n", "page.md:1", "missing.md")
         self.assert_wrong("[a](other.md#another)\n", "#another")
 
+    def test_the_version_is_among_the_changes(self):
+        (self.root / "CMakeLists.txt").write_text("project(A VERSION 1.2.0 LANGUAGES CXX)\n", encoding="utf-8")
+        (self.root / "CHANGELOG.md").write_text("## [1.2.0]\n", encoding="utf-8")
+        self.assertEqual(list(check_documents.check_version(self.root)), [])
+        (self.root / "CHANGELOG.md").write_text("## [11.2.0], [1.2.0.1]\n", encoding="utf-8")
+        self.assertEqual(len(list(check_documents.check_version(self.root))), 1)
+
+    def test_pictures(self):
+        picture = self.root / "a.svg"
+        picture.write_text('<svg xmlns="http://www.w3.org/2000/svg"/>', encoding="utf-8")
+        self.assert_right("![a](a.svg)\n")
+        picture.write_text("<svg>", encoding="utf-8")
+        self.assert_wrong("![a](a.svg)\n", "a.svg: no element")
+
+    def test_queries(self):
+        golden = self.root / check_documents.GOLDEN
+        golden.mkdir(parents=True)
+        (golden / "A.txt").write_text('call 1: ExecQuery REFERENCES OF {X.Y="1"} WHERE R = Z -> 0x0\n'
+                                      'call 2: ExecQuery SELECT * FROM A WHERE B = "1" -> 0x0\n', encoding="utf-8")
+        self.assert_right('`SELECT * FROM A WHERE B = "…"` and `REFERENCES OF {path} WHERE R = Z`\n')
+        self.assert_wrong('`SELECT * FROM A WHERE C = "…"`\n', "no operation asks")
+        self.assert_wrong('`SELECT * FROM A`\n', "no operation asks")
+
     def test_names_of_files(self):
         self.assert_right("`scripts/quilletctl` and `page.md`\n")
         self.assert_wrong("`scripts/missing`\n", "scripts/missing")
