@@ -125,7 +125,7 @@ class ModuleTest(OnAMachine):
             self.assertIn("found in adapters", answer["msg"])
 
     def test_what_the_checks_find_is_told(self):
-        # The two ports have no speed in common that static link aggregation could use.
+        # The two are made alike only in part.
         make_machine(8)
         teams = [{"name": "Mixed", "mode": "static link aggregation", "members": [GIGABIT, FAST]}]
         adapters = [{"name": GIGABIT, "settings": {"*JumboPacket": 9014}}]
@@ -134,6 +134,7 @@ class ModuleTest(OnAMachine):
         self.assertIn("the adapters differ in a setting that a team needs to be alike", answer["problems"])
         self.assertEqual([change["what"] for change in answer["changes"]], ["*JumboPacket"])
         self.assertEqual(answer["failed_change"]["subject"], "team Mixed")
+        self.assertEqual(answer["pending_changes"], [])
         self.assertTrue(answer["changed"])
         self.assertIsNone(answer["provider_code"])
 

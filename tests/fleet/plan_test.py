@@ -288,6 +288,14 @@ class Teams(PlanTest):
             ],
         )
 
+    def test_a_member_that_carries_vlans_already_is_left_in_peace(self):
+        machine = a_machine(a_team("Front", [1, 2]), vlans={1: {9: "z"}})
+        self.assertEqual(self.planned(machine, [], [{"name": "Front", "members": ["Port 1", "Port 2"]}]), [])
+        self.assertEqual(
+            self.problems(machine, [{"name": "Port 1", "vlans": [{"id": 8, "name": "y"}]}]),
+            ["Port 1 cannot carry VLANs (8, 9) and be a member of team Front: VLANs go on the team"],
+        )
+
     def test_exclusive_removes_what_is_not_described(self):
         machine = a_machine(
             a_team("One", [1], vlans={1: "a"}), a_team("Two", [2], vlans={0: "u", 2: "b"}), vlans={3: {3: "c"}}
