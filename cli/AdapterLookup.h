@@ -1,6 +1,9 @@
 // The machine's adapters, and finding the one that the command line names.
 #pragma once
 
+#include "Invocation.h"
+#include "Text.h"
+
 #include <quillet/Quillet.h>
 
 #include <string>
@@ -29,5 +32,16 @@ std::vector<ListedAdapter> ReadAdapters(CQuillet& session);
 /// adapters is taken as it is, for the provider may know it in another form. Throws UsageError where nothing,
 /// or more than one adapter, is named, and Refusal.
 ListedAdapter FindAdapter(CQuillet& session, const std::string& text);
+
+/// What an operation of the library reads of an adapter. Throws Refusal.
+/// @param what completes "could not read … of the adapter"
+template <class Record>
+Record ReadRecord(CQuillet& session, HRESULT (CQuillet::*read)(const std::wstring&, Record&),
+                  const ListedAdapter& adapter, const char* what) {
+    Record record;
+    Invocation::Check((session.*read)(ToWide(adapter.path), record),
+                      std::string("read ") + what + " of " + adapter.Called());
+    return record;
+}
 
 } // namespace quilletctl

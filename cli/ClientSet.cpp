@@ -1,9 +1,9 @@
 // Opening and closing a client set.
 #include "ClientSet.h"
 
-#include "Invocation.h"
-
 #include <comutil.h>
+
+#include <nlohmann/json.hpp>
 
 namespace quilletctl {
 
@@ -27,6 +27,15 @@ bool ClientSet::Close() {
     bool restartNeeded = false;
     Invocation::Check(m_session.ApplyDone(restartNeeded), "close the client set");
     return restartNeeded;
+}
+
+ExitStatus AnswerChange(Invocation& run, const char* done, bool restartNeeded) {
+    if (run.WantsJson()) {
+        run.Print(Json{{"restartNeeded", restartNeeded}});
+    } else {
+        run.Out() << done << "; " << RestartText(restartNeeded) << '\n';
+    }
+    return ExitStatus::Done;
 }
 
 const char* RestartText(bool isNeeded) {

@@ -1,7 +1,11 @@
 // The bracket around the changes of one command.
 #pragma once
 
+#include "Invocation.h"
+
 #include <quillet/Quillet.h>
+
+#include <string>
 
 namespace quilletctl {
 
@@ -22,6 +26,18 @@ class ClientSet {
     CQuillet& m_session;
     bool m_isOpen = true;
 };
+
+/// The answer of a command that made one change.
+ExitStatus AnswerChange(Invocation& run, const char* done, bool restartNeeded);
+
+/// Makes one change in a client set of its own and answers whether a restart is needed. Throws Refusal.
+/// @param asked completes "could not …"; `done` says what was done
+template <class Change>
+ExitStatus ChangeInSet(Invocation& run, const std::string& asked, const char* done, Change change) {
+    ClientSet set(run.Session());
+    Invocation::Check(change(run.Session()), asked);
+    return AnswerChange(run, done, set.Close());
+}
 
 /// "a restart is needed" or "no restart is needed".
 const char* RestartText(bool isNeeded);

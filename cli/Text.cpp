@@ -161,6 +161,10 @@ std::wstring ToWide(std::string_view utf8) {
     return text;
 }
 
+const char* YesOrNo(bool flag) noexcept {
+    return flag ? "yes" : "no";
+}
+
 bool SameIgnoringCase(std::string_view left, std::string_view right) noexcept {
     const auto fold = [](char letter) {
         return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;

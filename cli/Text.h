@@ -15,6 +15,9 @@ std::wstring ToWide(std::string_view utf8);
 /// The characters of a UTF-8 text; malformed bytes become U+FFFD.
 std::u32string Characters(std::string_view utf8);
 
+/// A flag as people read it.
+const char* YesOrNo(bool flag) noexcept;
+
 /// Whether two texts are equal but for the case of ASCII letters, as the provider compares its names.
 bool SameIgnoringCase(std::string_view left, std::string_view right) noexcept;
 

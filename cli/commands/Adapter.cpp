@@ -1,8 +1,9 @@
 // quilletctl adapter: the machine's network adapters.
-#include "AdapterLookup.h"
+#include "AdapterCommand.h"
 #include "AdapterTexts.h"
 #include "BitMask.h"
 #include "Commands.h"
+#include "JsonParts.h"
 #include "ObjectPath.h"
 #include "ResultCodes.h"
 #include "Sheet.h"
@@ -16,15 +17,6 @@
 namespace quilletctl {
 
 namespace {
-
-Json TextOrNull(const std::string& text) {
-    return text.empty() ? Json() : Json(text);
-}
-
-/// A number of the provider's and what it means.
-Json Coded(LONG code, const std::string& text) {
-    return Json{{"code", code}, {"text", text}};
-}
 
 Json AsJson(const std::vector<ListedAdapter>& adapters) {
     Json list = Json::array();
@@ -65,20 +57,6 @@ ExitStatus ListAdapters(Invocation& run) {
     }
     return ExitStatus::Done;
 }
-
-/// A command about one adapter.
-class AdapterCommand : public Command {
-  public:
-    void Declare(Syntax& syntax) override {
-        syntax.Argument("adapter", m_name, "The adapter: its name, object ID or object path");
-    }
-    ExitStatus Run(Invocation& run) final { return RunFor(FindAdapter(run.Session(), m_name), run); }
-
-  private:
-    virtual ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) = 0;
-
-    std::string m_name;
-};
 
 /// A number that a provider method tells, or the code of its refusal: one that an adapter cannot tell must
 /// not hide the others.

@@ -1,8 +1,9 @@
 // quilletctl boot: the boot agent of an adapter and its flash memory.
-#include "AdapterLookup.h"
+#include "AdapterCommand.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "Files.h"
+#include "JsonParts.h"
 #include "Progress.h"
 #include "Sheet.h"
 #include "Table.h"
@@ -117,34 +118,26 @@ std::string VerdictText(int code) {
 }
 
 /// A command about the boot agent of one adapter.
-class BootCommand : public Command {
-  public:
-    void Declare(Syntax& syntax) override {
-        syntax.Argument("adapter", m_adapter, "The adapter: its name, object ID or object path");
-    }
-    ExitStatus Run(Invocation& run) final {
-        const ListedAdapter adapter = FindAdapter(run.Session(), m_adapter);
+class BootCommand : public AdapterCommand {
+    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) final {
         CBootAgent agent;
         Invocation::Check(run.Session().GetAdapterBootAgentInfo(ToWide(adapter.path), agent),
                           "read the boot agent of " + adapter.Called());
-        return RunFor(adapter, agent, run);
+        return RunForAgent(adapter, agent, run);
     }
 
-  private:
-    virtual ExitStatus RunFor(const ListedAdapter& adapter, const CBootAgent& agent, Invocation& run) = 0;
-
-    std::string m_adapter;
+    virtual ExitStatus RunForAgent(const ListedAdapter& adapter, const CBootAgent& agent,
+                                   Invocation& run) = 0;
 };
 
 class ShowBootAgent final : public BootCommand {
-    ExitStatus RunFor(const ListedAdapter& adapter, const CBootAgent& agent, Invocation& run) override {
+    ExitStatus RunForAgent(const ListedAdapter& adapter, const CBootAgent& agent, Invocation& run) override {
         if (run.WantsJson()) {
             run.Print(Json{{"path", ToUtf8(agent.m_wsBootAgentID)},
                            {"version", ToUtf8(agent.m_wsVersion)},
                            {"versionNumber", agent.m_lVersionNumber},
                            {"updateAvailable", agent.m_bUpdateAvailable},
-                           {"imageType", Json{{"code", agent.m_lFlashImageType},
-                                              {"text", ToUtf8(agent.m_wsFlashImageType)}}},
+                           {"imageType", Coded(agent.m_lFlashImageType, ToUtf8(agent.m_wsFlashImageType))},
                            {"iSCSIStatus", agent.m_lISCSIStatus},
                            {"installedImageTypes", agent.m_lInstalledFlashImageTypes}});
             return ExitStatus::Done;
@@ -152,7 +145,7 @@ class ShowBootAgent final : public BootCommand {
         Sheet sheet;
         sheet.Add("Adapter", adapter.Called())
             .Add("Version", ToUtf8(agent.m_wsVersion))
-            .Add("Update available", agent.m_bUpdateAvailable ? "yes" : "no")
+            .Add("Update available", YesOrNo(agent.m_bUpdateAvailable))
             .Add("Image in flash", ToUtf8(agent.m_wsFlashImageType))
             .Add("Installed types", std::to_string(agent.m_lInstalledFlashImageTypes))
             .Add("iSCSI status", std::to_string(agent.m_lISCSIStatus))
@@ -170,7 +163,7 @@ class ReadBootAgent final : public BootCommand {
     }
 
   private:
-    ExitStatus RunFor(const ListedAdapter&, const CBootAgent& agent, Invocation& run) override {
+    ExitStatus RunForAgent(const ListedAdapter&, const CBootAgent& agent, Invocation& run) override {
         if (FileExists(m_file) && !run.Confirm("Overwrite " + m_file + "?")) {
             run.Out() << "nothing was written\n";
             return ExitStatus::Done;
@@ -196,7 +189,7 @@ class InspectImageFile final : public BootCommand {
     }
 
   private:
-    ExitStatus RunFor(const ListedAdapter&, const CBootAgent& agent, Invocation& run) override {
+    ExitStatus RunForAgent(const ListedAdapter&, const CBootAgent& agent, Invocation& run) override {
         const ImageFile file = Inspect(run.Session(), agent, m_file);
         if (run.WantsJson()) {
             run.Print(Json{{"file", m_file}, {"code", file.code}, {"images", ImagesAsJson(file.images)}});
@@ -240,7 +233,7 @@ class ChosenImagesCommand : public BootCommand {
 };
 
 class VerifyImageFile final : public ChosenImagesCommand {
-    ExitStatus RunFor(const ListedAdapter&, const CBootAgent& agent, Invocation& run) override {
+    ExitStatus RunForAgent(const ListedAdapter&, const CBootAgent& agent, Invocation& run) override {
         ImageFile file = Inspect(run.Session(), agent, File());
         CSettings types = Choose(file, Types());
         const int code = file.code != 0 ? file.code : Verify(run.Session(), agent, file, types);
@@ -254,7 +247,7 @@ class VerifyImageFile final : public ChosenImagesCommand {
 };
 
 class WriteBootAgent final : public ChosenImagesCommand {
-    ExitStatus RunFor(const ListedAdapter& adapter, const CBootAgent& agent, Invocation& run) override {
+    ExitStatus RunForAgent(const ListedAdapter& adapter, const CBootAgent& agent, Invocation& run) override {
         CQuillet& session = run.Session();
         ImageFile file = Inspect(session, agent, File());
         CSettings types = Choose(file, Types());

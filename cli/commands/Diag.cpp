@@ -1,7 +1,8 @@
 // quilletctl diag: the diagnostic tests of an adapter.
-#include "AdapterLookup.h"
+#include "AdapterCommand.h"
 #include "Commands.h"
 #include "Interrupt.h"
+#include "JsonParts.h"
 #include "ObjectPath.h"
 #include "Progress.h"
 #include "Sheet.h"
@@ -111,7 +112,7 @@ Json AsJson(const CDiagTest& test, const CDiagResult& result) {
     return Json{{"test", ToUtf8(test.m_wsName)},
                 {"testId", test.m_lTestId},
                 {"passed", Passed(result)},
-                {"state", Json{{"code", result.m_lTestState}, {"text", ToUtf8(result.m_wsStateText)}}},
+                {"state", Coded(result.m_lTestState, ToUtf8(result.m_wsStateText))},
                 {"title", ToUtf8(result.m_wsTitle)},
                 {"result", ToUtf8(result.m_wsResult)},
                 {"description", ToUtf8(result.m_wsDescription)},
@@ -154,13 +155,9 @@ void Print(Invocation& run, const CDiagTest& test, const CDiagResult& result) {
     }
 }
 
-class ListTests final : public Command {
-  public:
-    void Declare(Syntax& syntax) override {
-        syntax.Argument("adapter", m_adapter, "The adapter: its name, object ID or object path");
-    }
-    ExitStatus Run(Invocation& run) override {
-        const CDiagTests tests = ReadTests(run.Session(), FindAdapter(run.Session(), m_adapter));
+class ListTests final : public AdapterCommand {
+    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+        const CDiagTests tests = ReadTests(run.Session(), adapter);
         if (run.WantsJson()) {
             Json list = Json::array();
             for (const CDiagTest* test : tests.m_vecItems) {
@@ -182,22 +179,15 @@ class ListTests final : public Command {
         }
         return ExitStatus::Done;
     }
-
-  private:
-    std::string m_adapter;
 };
 
 /// A command about one test of one adapter.
-class TestCommand : public Command {
+class TestCommand : public AdapterCommand {
   public:
     void Declare(Syntax& syntax) override {
-        syntax.Argument("adapter", m_adapter, "The adapter: its name, object ID or object path");
+        AdapterCommand::Declare(syntax);
         syntax.Argument("test", m_test,
                         "The test: its number, the beginning of its name, or its object path");
-    }
-    ExitStatus Run(Invocation& run) final {
-        const ListedAdapter adapter = FindAdapter(run.Session(), m_adapter);
-        return RunFor(adapter, FindTest(run.Session(), adapter, m_test), run);
     }
 
   protected:
@@ -207,9 +197,11 @@ class TestCommand : public Command {
     }
 
   private:
-    virtual ExitStatus RunFor(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run) = 0;
+    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) final {
+        return RunForTest(adapter, FindTest(run.Session(), adapter, m_test), run);
+    }
+    virtual ExitStatus RunForTest(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run) = 0;
 
-    std::string m_adapter;
     std::string m_test;
 };
 
@@ -222,7 +214,7 @@ class RunTest final : public TestCommand {
     }
 
   private:
-    ExitStatus RunFor(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run) override {
+    ExitStatus RunForTest(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run) override {
         CQuillet& session = run.Session();
         // Before the start: a test that was started is stopped, whenever the person loses patience.
         const Interrupt interrupt;
@@ -282,7 +274,7 @@ class RunTest final : public TestCommand {
 };
 
 class StopTest final : public TestCommand {
-    ExitStatus RunFor(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run) override {
+    ExitStatus RunForTest(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run) override {
         Stop(run.Session(), adapter, test);
         CDiagResult result;
         ReadResult(run.Session(), test, result);

@@ -1,7 +1,8 @@
 // quilletctl iscsi: booting from an iSCSI target.
-#include "AdapterLookup.h"
+#include "AdapterCommand.h"
 #include "ClientSet.h"
 #include "Commands.h"
+#include "JsonParts.h"
 #include "ObjectPath.h"
 #include "Sheet.h"
 #include "Table.h"
@@ -32,7 +33,7 @@ std::string PlaceText(LONG status) {
 }
 
 Json PlaceAsJson(LONG status) {
-    return Json{{"code", status}, {"text", PlaceText(status)}};
+    return Coded(status, PlaceText(status));
 }
 
 CISCSIAdapters ReadPorts(CQuillet& session) {
@@ -65,24 +66,10 @@ ExitStatus ListPorts(Invocation& run) {
     return ExitStatus::Done;
 }
 
-/// A command about one adapter.
-class PortCommand : public Command {
+class SetPlace final : public AdapterCommand {
   public:
     void Declare(Syntax& syntax) override {
-        syntax.Argument("adapter", m_adapter, "The adapter: its name, object ID or object path");
-    }
-    ExitStatus Run(Invocation& run) final { return RunFor(FindAdapter(run.Session(), m_adapter), run); }
-
-  private:
-    virtual ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) = 0;
-
-    std::string m_adapter;
-};
-
-class SetPlace final : public PortCommand {
-  public:
-    void Declare(Syntax& syntax) override {
-        PortCommand::Declare(syntax);
+        AdapterCommand::Declare(syntax);
         syntax.Argument("place", m_place, "Its place: primary, secondary or off");
     }
 
@@ -120,7 +107,7 @@ class SetPlace final : public PortCommand {
     std::string m_place;
 };
 
-class ShowPort final : public PortCommand {
+class ShowPort final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         CiSCSI info;
         Invocation::Check(run.Session().GetiSCSI_Info(ToWide(adapter.path), info),
@@ -132,13 +119,12 @@ class ShowPort final : public PortCommand {
                            {"hotFixPresent", info.m_bHotFixPresent}});
             return ExitStatus::Done;
         }
-        const auto yes = [](bool flag) { return flag ? "yes" : "no"; };
         Sheet sheet;
         sheet.Add("Adapter", adapter.Called())
             .Add("Place", PlaceText(info.m_lStatus))
-            .Add("System supports it", yes(info.m_bOSSupported))
-            .Add("Patch present", yes(info.m_bPatchPresent))
-            .Add("Hot fix present", yes(info.m_bHotFixPresent));
+            .Add("System supports it", YesOrNo(info.m_bOSSupported))
+            .Add("Patch present", YesOrNo(info.m_bPatchPresent))
+            .Add("Hot fix present", YesOrNo(info.m_bHotFixPresent));
         sheet.Print(run.Screen());
         return ExitStatus::Done;
     }

@@ -1,6 +1,6 @@
 // quilletctl linksec: link security of an adapter. Secrets are asked for, never shown, and never on the
 // command line.
-#include "AdapterLookup.h"
+#include "AdapterCommand.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "SecretInput.h"
@@ -29,29 +29,17 @@ Json MaskedJson(const std::wstring& secret) {
     return secret.empty() ? Json() : Json("***");
 }
 
-std::string YesNo(bool value) {
-    return value ? "yes" : "no";
-}
-
 CAdapterManualAuthInfo ReadKeys(CQuillet& session, const ListedAdapter& adapter) {
-    CAdapterManualAuthInfo info;
-    Invocation::Check(session.GetAdapterLinksecManualAuthOptions(ToWide(adapter.path), info),
-                      "read the keys of " + adapter.Called());
-    return info;
+    return ReadRecord(session, &CQuillet::GetAdapterLinksecManualAuthOptions, adapter, "the keys");
 }
 
 CAdapterAuthTypeInfo ReadAuthentication(CQuillet& session, const ListedAdapter& adapter) {
-    CAdapterAuthTypeInfo info;
-    Invocation::Check(session.GetAdapterLinksecStrictPreferredOptions(ToWide(adapter.path), info),
-                      "read the authentication of " + adapter.Called());
-    return info;
+    return ReadRecord(session, &CQuillet::GetAdapterLinksecStrictPreferredOptions, adapter,
+                      "the authentication");
 }
 
 CAdapterLinksecSavedCredInfo ReadSaved(CQuillet& session, const ListedAdapter& adapter) {
-    CAdapterLinksecSavedCredInfo info;
-    Invocation::Check(session.GetAdapterSavedCredOptions(ToWide(adapter.path), info),
-                      "read the saved credentials of " + adapter.Called());
-    return info;
+    return ReadRecord(session, &CQuillet::GetAdapterSavedCredOptions, adapter, "the saved credentials");
 }
 
 CAdapterManualPMKInfo ReadMasterKey(CQuillet& session, const ListedAdapter& adapter) {
@@ -80,40 +68,11 @@ void Take(const std::string& given, bool& member) {
     }
 }
 
-/// A command about one adapter.
-class LinksecCommand : public Command {
-  public:
-    void Declare(Syntax& syntax) override {
-        syntax.Argument("adapter", m_adapter, "Its name, object ID or object path");
-    }
-    ExitStatus Run(Invocation& run) final { return RunFor(FindAdapter(run.Session(), m_adapter), run); }
+void DeclareReload(Syntax& syntax, bool& reload) {
+    syntax.Flag("--reload", reload, "Reload the driver, so that the change takes effect at once");
+}
 
-  private:
-    virtual ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) = 0;
-    std::string m_adapter;
-};
-
-/// A command that changes something, in a client set of its own.
-class LinksecChange : public LinksecCommand {
-  protected:
-    template <class Change>
-    static ExitStatus Make(Invocation& run, const std::string& asked, const char* done, Change change) {
-        ClientSet set(run.Session());
-        Invocation::Check(change(run.Session()), asked);
-        const bool restartNeeded = set.Close();
-        if (run.WantsJson()) {
-            run.Print(Json{{"restartNeeded", restartNeeded}});
-        } else {
-            run.Out() << done << "; " << RestartText(restartNeeded) << '\n';
-        }
-        return ExitStatus::Done;
-    }
-    static void DeclareReload(Syntax& syntax, bool& reload) {
-        syntax.Flag("--reload", reload, "Reload the driver, so that the change takes effect at once");
-    }
-};
-
-class ShowLinksec final : public LinksecCommand {
+class ShowLinksec final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         CQuillet& session = run.Session();
         const CAdapterAuthTypeInfo auth = ReadAuthentication(session, adapter);
@@ -132,22 +91,22 @@ class ShowLinksec final : public LinksecCommand {
             .Add("User name", ToUtf8(auth.m_sUserName))
             .Add("Password", Masked(auth.m_sPassword))
             .Add("Machine and domain", ToUtf8(auth.m_sMachineDomainName))
-            .Add("Machine's credentials", YesNo(auth.m_bMachineCred))
+            .Add("Machine's credentials", YesOrNo(auth.m_bMachineCred))
             .Add("Windows credentials", std::to_string(auth.m_bUseWindowsCreds))
-            .Add("Automatic PAC", YesNo(auth.m_bUseAutoPAC))
+            .Add("Automatic PAC", YesOrNo(auth.m_bUseAutoPAC))
             .Add("PAC authority", ToUtf8(auth.m_sPACAuthority))
             .Add("Kind of keys", std::to_string(auth.m_eKeySecType))
-            .Add("Random MAC address", YesNo(auth.m_bRandMACAddress))
+            .Add("Random MAC address", YesOrNo(auth.m_bRandMACAddress))
             .Add("Outgoing key", Masked(keys.m_sTXSAKey))
             .Add("Outgoing association numbers",
                  std::to_string(keys.m_nTXAssocNum1) + ", " + std::to_string(keys.m_nTXAssocNum2))
             .Add("Outgoing channel identifier", ToUtf8(keys.m_sTXSCI))
-            .Add("Identifier in outgoing frames", YesNo(keys.m_bIncludeSCIOnTX))
+            .Add("Identifier in outgoing frames", YesOrNo(keys.m_bIncludeSCIOnTX))
             .Add("Incoming key", Masked(keys.m_sRXSAKey))
             .Add("Incoming association numbers",
                  std::to_string(keys.m_nRXAssocNum1) + ", " + std::to_string(keys.m_nRXAssocNum2))
             .Add("Incoming channel identifier", ToUtf8(keys.m_sRXSCI))
-            .Add("Encryption", YesNo(keys.m_bUseEncryption))
+            .Add("Encryption", YesOrNo(keys.m_bUseEncryption))
             .Add("Saved user name", ToUtf8(saved.m_sUserName))
             .Add("Saved password", Masked(saved.m_sPassword))
             .Add("Saved machine and domain", ToUtf8(saved.m_sMachineDomainName));
@@ -186,10 +145,10 @@ class ShowLinksec final : public LinksecCommand {
     }
 };
 
-class SetKeys final : public LinksecChange {
+class SetKeys final : public AdapterCommand {
   public:
     void Declare(Syntax& syntax) override {
-        LinksecCommand::Declare(syntax);
+        AdapterCommand::Declare(syntax);
         syntax.Number("--tx-number1", m_txNumber1, LEAST, GREATEST, "First outgoing association number");
         syntax.Number("--tx-number2", m_txNumber2, LEAST, GREATEST, "Second outgoing association number");
         syntax.Text("--tx-sci", m_txSci, "TEXT", "Outgoing secure channel identifier");
@@ -215,7 +174,7 @@ class SetKeys final : public LinksecChange {
         Take(m_rxNumber2, info.m_nRXAssocNum2);
         Take(m_rxSci, info.m_sRXSCI);
         Take(m_encryption, info.m_bUseEncryption);
-        return Make(run, "set the keys of " + adapter.Called(), "keys set", [&](CQuillet& session) {
+        return ChangeInSet(run, "set the keys of " + adapter.Called(), "keys set", [&](CQuillet& session) {
             return session.SetAdapterLinksecManualAuthOptions(ToWide(adapter.path), info, m_reload);
         });
     }
@@ -237,10 +196,10 @@ class SetKeys final : public LinksecChange {
     SecretInput m_secrets;
 };
 
-class SetAuthentication final : public LinksecChange {
+class SetAuthentication final : public AdapterCommand {
   public:
     void Declare(Syntax& syntax) override {
-        LinksecCommand::Declare(syntax);
+        AdapterCommand::Declare(syntax);
         syntax.Number("--outer", m_outer, 1, 4, "Outer EAP method");
         syntax.Number("--inner", m_inner, LEAST, GREATEST, "Inner EAP method, 1 to 3; 0: leave it as it is");
         syntax.Text("--user", m_user, "NAME", "User name");
@@ -276,11 +235,11 @@ class SetAuthentication final : public LinksecChange {
         Take(m_autoPac, info.m_bUseAutoPAC);
         Take(m_authority, info.m_sPACAuthority);
         Take(m_randomMac, info.m_bRandMACAddress);
-        return Make(run, "set the authentication of " + adapter.Called(), "authentication set",
-                    [&](CQuillet& session) {
-                        return session.SetAdapterLinksecStrictPreferredOptions(ToWide(adapter.path), info,
-                                                                               m_reload);
-                    });
+        return ChangeInSet(run, "set the authentication of " + adapter.Called(), "authentication set",
+                           [&](CQuillet& session) {
+                               return session.SetAdapterLinksecStrictPreferredOptions(ToWide(adapter.path),
+                                                                                      info, m_reload);
+                           });
     }
 
     template <class Code>
@@ -296,10 +255,10 @@ class SetAuthentication final : public LinksecChange {
     SecretInput m_secrets;
 };
 
-class ImportPac final : public LinksecChange {
+class ImportPac final : public AdapterCommand {
   public:
     void Declare(Syntax& syntax) override {
-        LinksecCommand::Declare(syntax);
+        AdapterCommand::Declare(syntax);
         syntax.Argument("file", m_file, "Its path on the managed machine");
         DeclareReload(syntax, m_reload);
         m_secrets.Declare(syntax);
@@ -311,10 +270,10 @@ class ImportPac final : public LinksecChange {
         info.m_sPACPath = ToWide(m_file);
         info.m_bPACInfoChanged = true;
         m_secrets.Read("Password of the file", info.m_sPACFilePassword);
-        return Make(run, "import " + m_file + " into " + adapter.Called(), "PAC file imported",
-                    [&](CQuillet& session) {
-                        return session.AdapterImportManualPAC(ToWide(adapter.path), info, m_reload);
-                    });
+        return ChangeInSet(run, "import " + m_file + " into " + adapter.Called(), "PAC file imported",
+                           [&](CQuillet& session) {
+                               return session.AdapterImportManualPAC(ToWide(adapter.path), info, m_reload);
+                           });
     }
 
     std::string m_file;
@@ -322,10 +281,10 @@ class ImportPac final : public LinksecChange {
     SecretInput m_secrets;
 };
 
-class ShowPac final : public LinksecCommand {
+class ShowPac final : public AdapterCommand {
   public:
     void Declare(Syntax& syntax) override {
-        LinksecCommand::Declare(syntax);
+        AdapterCommand::Declare(syntax);
         syntax.Argument("file", m_file, "Name of the imported file");
     }
 
@@ -361,16 +320,16 @@ class ShowPac final : public LinksecCommand {
     std::string m_file;
 };
 
-class DeletePac final : public LinksecChange {
+class DeletePac final : public AdapterCommand {
   public:
     void Declare(Syntax& syntax) override {
-        LinksecCommand::Declare(syntax);
+        AdapterCommand::Declare(syntax);
         syntax.Argument("file", m_file, "Name of the imported file");
     }
 
   private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        return Make(
+        return ChangeInSet(
             run, "delete " + m_file + " from " + adapter.Called(), "PAC file deleted",
             [&](CQuillet& session) { return session.DeletePacFile(ToWide(adapter.path), ToWide(m_file)); });
     }
@@ -378,10 +337,10 @@ class DeletePac final : public LinksecChange {
     std::string m_file;
 };
 
-class MasterKey final : public LinksecChange {
+class MasterKey final : public AdapterCommand {
   public:
     void Declare(Syntax& syntax) override {
-        LinksecCommand::Declare(syntax);
+        AdapterCommand::Declare(syntax);
         syntax.Flag("--set", m_set, "Ask for a new key (as with --secret-fd)");
         syntax.Choice("--random-mac", m_randomMac, SWITCH, "Use a random MAC address");
         DeclareReload(syntax, m_reload);
@@ -400,11 +359,11 @@ class MasterKey final : public LinksecChange {
             m_secrets.Read("Pairwise master key", info.m_sManualPMKKey);
         }
         Take(m_randomMac, info.m_bRandMACAddress);
-        return Make(run, "set the pairwise master key of " + adapter.Called(), "pairwise master key set",
-                    [&](CQuillet& session) {
-                        return session.SetAdapterManualPMKOptions(ToWide(adapter.path), info, m_reload,
-                                                                  false);
-                    });
+        return ChangeInSet(run, "set the pairwise master key of " + adapter.Called(),
+                           "pairwise master key set", [&](CQuillet& session) {
+                               return session.SetAdapterManualPMKOptions(ToWide(adapter.path), info, m_reload,
+                                                                         false);
+                           });
     }
 
     static ExitStatus Show(const ListedAdapter& adapter, const CAdapterManualPMKInfo& info, Invocation& run) {
@@ -416,7 +375,7 @@ class MasterKey final : public LinksecChange {
         }
         Sheet sheet;
         sheet.Add("Pairwise master key", Masked(info.m_sManualPMKKey))
-            .Add("Random MAC address", YesNo(info.m_bRandMACAddress));
+            .Add("Random MAC address", YesOrNo(info.m_bRandMACAddress));
         sheet.Print(run.Screen());
         return ExitStatus::Done;
     }
@@ -427,11 +386,10 @@ class MasterKey final : public LinksecChange {
     SecretInput m_secrets;
 };
 
-class ShowStatistics final : public LinksecCommand {
+class ShowStatistics final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        std::wstring log;
-        Invocation::Check(run.Session().GetAdapterLinksecSecurityStats(ToWide(adapter.path), log),
-                          "read the statistics of " + adapter.Called());
+        const std::wstring log =
+            ReadRecord(run.Session(), &CQuillet::GetAdapterLinksecSecurityStats, adapter, "the statistics");
         if (run.WantsJson()) {
             run.Print(Json{{"path", adapter.path}, {"log", ToUtf8(log)}});
             return ExitStatus::Done;

@@ -1,5 +1,5 @@
 // quilletctl power and quilletctl wol: the power-saving and wake-on-LAN options of an adapter.
-#include "AdapterLookup.h"
+#include "AdapterCommand.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "Sheet.h"
@@ -52,17 +52,11 @@ const std::vector<std::string> SWITCH{"on", "off"};
 const std::vector<std::string> MODES{"0", "1", "2"};
 
 Power ReadPower(CQuillet& session, const ListedAdapter& adapter) {
-    Power info;
-    Invocation::Check(session.GetAdapterPowerUsageOptions(ToWide(adapter.path), info),
-                      "read the power options of " + adapter.Called());
-    return info;
+    return ReadRecord(session, &CQuillet::GetAdapterPowerUsageOptions, adapter, "the power options");
 }
 
 Wake ReadWake(CQuillet& session, const ListedAdapter& adapter) {
-    Wake info;
-    Invocation::Check(session.GetAdapterWakeOnLanOptions(ToWide(adapter.path), info),
-                      "read the wake-on-LAN options of " + adapter.Called());
-    return info;
+    return ReadRecord(session, &CQuillet::GetAdapterWakeOnLanOptions, adapter, "the wake-on-LAN options");
 }
 
 template <class Record, std::size_t Size>
@@ -80,19 +74,6 @@ void AddTo(Json& json, const std::array<Option<Record>, Size>& options, const Re
         json[option.key] = value == Record::NotAvailable ? Json() : Json(value != 0);
     }
 }
-
-/// A command about one adapter.
-class AdapterCommand : public Command {
-  public:
-    void Declare(Syntax& syntax) override {
-        syntax.Argument("adapter", m_adapter, "Its name, object ID or object path");
-    }
-    ExitStatus Run(Invocation& run) final { return RunFor(FindAdapter(run.Session(), m_adapter), run); }
-
-  private:
-    virtual ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) = 0;
-    std::string m_adapter;
-};
 
 class ShowPower final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
@@ -166,20 +147,6 @@ class Switches {
     std::array<std::string, Size> m_words;
 };
 
-/// Makes one change in a client set of its own and tells about it.
-template <class Change>
-ExitStatus MakeChange(Invocation& run, const std::string& asked, const char* done, Change change) {
-    ClientSet set(run.Session());
-    Invocation::Check(change(run.Session()), asked);
-    const bool restartNeeded = set.Close();
-    if (run.WantsJson()) {
-        run.Print(Json{{"restartNeeded", restartNeeded}});
-    } else {
-        run.Out() << done << "; " << RestartText(restartNeeded) << '\n';
-    }
-    return ExitStatus::Done;
-}
-
 class SetPower final : public AdapterCommand {
   public:
     void Declare(Syntax& syntax) override {
@@ -198,10 +165,10 @@ class SetPower final : public AdapterCommand {
         Power chosen = m_switches.Chosen(present, adapter);
         chosen.m_eSavePower =
             m_mode.empty() ? present.m_eSavePower : static_cast<Power::SavePower>(m_mode.front() - '0');
-        return MakeChange(run, "set the power options of " + adapter.Called(), "power options set",
-                          [&](CQuillet& session) {
-                              return session.SetAdapterPowerUsageOptions(ToWide(adapter.path), chosen);
-                          });
+        return ChangeInSet(run, "set the power options of " + adapter.Called(), "power options set",
+                           [&](CQuillet& session) {
+                               return session.SetAdapterPowerUsageOptions(ToWide(adapter.path), chosen);
+                           });
     }
 
     std::string m_mode;
@@ -221,10 +188,10 @@ class SetWake final : public AdapterCommand {
             throw UsageError("an option to set is needed; see quilletctl wol set --help");
         }
         const Wake chosen = m_switches.Chosen(ReadWake(run.Session(), adapter), adapter);
-        return MakeChange(run, "set the wake-on-LAN options of " + adapter.Called(),
-                          "wake-on-LAN options set", [&](CQuillet& session) {
-                              return session.SetAdapterWakeOnLanOptions(ToWide(adapter.path), chosen);
-                          });
+        return ChangeInSet(run, "set the wake-on-LAN options of " + adapter.Called(),
+                           "wake-on-LAN options set", [&](CQuillet& session) {
+                               return session.SetAdapterWakeOnLanOptions(ToWide(adapter.path), chosen);
+                           });
     }
 
     Switches<Wake, WAKE_OPTIONS.size()> m_switches{WAKE_OPTIONS};
@@ -232,10 +199,10 @@ class SetWake final : public AdapterCommand {
 
 class ReapplyPower final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        return MakeChange(run, "apply the power-management capabilities of " + adapter.Called() + " again",
-                          "power-management capabilities applied", [&](CQuillet& session) {
-                              return session.SetAdapterPowerManagementCapabilities(ToWide(adapter.path));
-                          });
+        return ChangeInSet(run, "apply the power-management capabilities of " + adapter.Called() + " again",
+                           "power-management capabilities applied", [&](CQuillet& session) {
+                               return session.SetAdapterPowerManagementCapabilities(ToWide(adapter.path));
+                           });
     }
 };
 

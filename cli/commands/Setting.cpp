@@ -1,5 +1,6 @@
 // quilletctl setting: the advanced settings of adapters, teams, VLANs and boot agents.
 #include "Commands.h"
+#include "JsonParts.h"
 #include "SettingOwner.h"
 #include "SettingTexts.h"
 #include "Sheet.h"
@@ -26,9 +27,8 @@ class SettingCommand : public Command {
 
   protected:
     static Json OwnerAsJson(const SettingOwner& owner) {
-        return Json{{"kind", WordFor(owner.kind)},
-                    {"path", owner.path},
-                    {"objectId", owner.objectId.empty() ? Json() : Json(owner.objectId)}};
+        return Json{
+            {"kind", WordFor(owner.kind)}, {"path", owner.path}, {"objectId", TextOrNull(owner.objectId)}};
     }
 
   private:
@@ -107,7 +107,7 @@ class GetSetting final : public SettingCommand {
             .Add("Current", CurrentText(setting))
             .Add("Default", DefaultText(setting))
             .Add("Possible values", PossibleText(setting))
-            .Add("Writable", setting.m_bWritable ? "yes" : "no")
+            .Add("Writable", YesOrNo(setting.m_bWritable))
             .Add("Group", setting.m_bGrouped ? std::to_string(setting.m_lGroupId) : std::string())
             .Add("Expose level", std::to_string(setting.GetExposeLevel()))
             .Add("Path", ToUtf8(setting.m_wsPath))

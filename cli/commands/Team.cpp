@@ -3,6 +3,7 @@
 #include "BitMask.h"
 #include "ClientSet.h"
 #include "Commands.h"
+#include "JsonParts.h"
 #include "ResultCodes.h"
 #include "Sheet.h"
 #include "Table.h"
@@ -43,14 +44,6 @@ std::string RoleText(LONG role) {
 }
 std::string MemberStatusText(LONG status) {
     return Words(status, CTeamTexts::MemberStatus(status));
-}
-
-Json Coded(LONG code, const std::string& text) {
-    return Json{{"code", code}, {"text", text}};
-}
-
-const char* YesOrNo(bool flag) {
-    return flag ? "yes" : "no";
 }
 
 /// A team's status; a team without its logical adapter has none, and is a team all the same.

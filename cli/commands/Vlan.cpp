@@ -2,6 +2,7 @@
 #include "BitMask.h"
 #include "ClientSet.h"
 #include "Commands.h"
+#include "JsonParts.h"
 #include "ObjectPath.h"
 #include "Table.h"
 #include "Text.h"
@@ -27,17 +28,14 @@ std::string StatusText(const CVLAN& vlan) {
 Json AsJson(const VlanParent& parent) {
     return Json{{"kind", parent.isTeam ? "team" : "adapter"},
                 {"path", parent.path},
-                {"objectId", parent.objectId.empty() ? Json() : Json(parent.objectId)},
+                {"objectId", TextOrNull(parent.objectId)},
                 {"name", parent.name}};
 }
 
 Json AsJson(const CVLAN& vlan) {
-    return Json{{"path", ToUtf8(vlan.m_wsVLANID)},
-                {"objectId", ToUtf8(vlan.m_wsName)},
-                {"number", vlan.m_lVLANNumber},
-                {"name", ToUtf8(vlan.m_wsVLANName)},
-                {"caption", ToUtf8(vlan.m_wsCaption)},
-                {"status", Json{{"code", static_cast<LONG>(vlan.m_eStatus)}, {"text", StatusText(vlan)}}}};
+    return Json{{"path", ToUtf8(vlan.m_wsVLANID)},     {"objectId", ToUtf8(vlan.m_wsName)},
+                {"number", vlan.m_lVLANNumber},        {"name", ToUtf8(vlan.m_wsVLANName)},
+                {"caption", ToUtf8(vlan.m_wsCaption)}, {"status", Coded(vlan.m_eStatus, StatusText(vlan))}};
 }
 
 /// "VLAN 12 \"Lab\"", or "the untagged VLAN \"Lab\"".
