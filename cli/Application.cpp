@@ -2,10 +2,14 @@
 #include "Application.h"
 
 #include "Commands.h"
+#include "ResultCodes.h"
 #include "Text.h"
 
 #include <comutil.h>
 
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
 #include <cstdlib>
 #include <functional>
 #include <new>
@@ -15,6 +19,13 @@ namespace quilletctl {
 
 namespace {
 
+/// How one step of a run ended.
+struct Ending {
+    ExitStatus status = ExitStatus::Done;
+    std::string message{};         ///< what went wrong; empty: nothing
+    std::optional<HRESULT> code{}; ///< the provider's, where it refused
+};
+
 void PrintError(const Terminal& terminal, const std::string& message) {
     // The two streams may end on one screen; the error belongs below what came before it.
     terminal.out.flush();
@@ -22,26 +33,46 @@ void PrintError(const Terminal& terminal, const std::string& message) {
                  << Printable(message) << '\n';
 }
 
-/// Runs a step and turns whatever it throws into a message and an exit status.
-ExitStatus Guarded(const Terminal& terminal, const std::function<ExitStatus()>& step) {
+/// Runs a step and turns whatever it throws into its ending.
+Ending Guarded(const Terminal& terminal, const std::function<ExitStatus()>& step) {
     try {
-        return step();
+        return {step()};
     } catch (const TextRequest& request) {
         terminal.out << request.text;
-        return ExitStatus::Done;
+        return {};
     } catch (const UsageError& mistake) {
-        PrintError(terminal, mistake.what());
-        return ExitStatus::BadUsage;
+        return {ExitStatus::BadUsage, mistake.what()};
     } catch (const Refusal& refusal) {
-        PrintError(terminal, refusal.what());
+        return {ExitStatus::Refused, refusal.what(), refusal.Code()};
     } catch (const _com_error& failure) {
-        PrintError(terminal, Refusal("finish the command", failure.Error()).what());
+        return {ExitStatus::Refused, Refusal("finish the command", failure.Error()).what(), failure.Error()};
     } catch (const std::bad_alloc&) {
-        PrintError(terminal, "out of memory");
+        return {ExitStatus::Refused, "out of memory"};
     } catch (const std::exception& failure) {
-        PrintError(terminal, failure.what());
+        return {ExitStatus::Refused, failure.what()};
     }
-    return ExitStatus::Refused;
+}
+
+/// The failure as the answer of a command that has no other.
+Json AsJson(const Ending& failure) {
+    Json code;
+    Json name;
+    if (failure.code) {
+        const std::string described = DescribeResult(*failure.code);
+        const std::size_t blank = described.find(' ');
+        code = described.substr(0, blank);
+        name = blank == std::string::npos ? Json() : Json(described.substr(blank + 1));
+    }
+    return Json{{"error", Json{{"status", static_cast<int>(failure.status)},
+                               {"message", failure.message},
+                               {"code", std::move(code)},
+                               {"name", std::move(name)}}}};
+}
+
+/// Whether a line asks for JSON, also one that cannot be read otherwise.
+bool AsksForJson(const std::vector<std::string>& arguments) {
+    const auto end = std::find(arguments.begin(), arguments.end(), "--");
+    return std::find(arguments.begin(), end, "--json") != end;
 }
 
 void ChooseColours(Terminal& terminal, const GlobalOptions& options) {
@@ -58,26 +89,42 @@ ExitStatus RunCommandLine(const std::vector<std::string>& arguments, Terminal te
     CommandTree tree;
     AddAllCommands(tree);
     Command* command = nullptr;
-    ExitStatus status = Guarded(terminal, [&] {
+    bool hasAnswered = !AsksForJson(arguments);
+    const auto tell = [&](const Ending& ending) {
+        if (ending.message.empty()) {
+            return;
+        }
+        // One document for whoever parses the output, whatever happens.
+        if (!hasAnswered) {
+            PrintJson(AsJson(ending), terminal.out);
+            hasAnswered = true;
+        }
+        PrintError(terminal, ending.message);
+    };
+    Ending ending = Guarded(terminal, [&] {
         command = &tree.Parse(arguments);
         return ExitStatus::Done;
     });
     ChooseColours(terminal, tree.Options());
+    tell(ending);
     if (command != nullptr) {
         Invocation run(tree.Options(), terminal);
-        status = Guarded(terminal, [&] { return command->Run(run); });
-        const ExitStatus after = Guarded(terminal, [&] {
+        ending = Guarded(terminal, [&] { return command->Run(run); });
+        hasAnswered = hasAnswered || run.HasAnswered();
+        tell(ending);
+        const Ending after = Guarded(terminal, [&] {
             run.Finish();
             return ExitStatus::Done;
         });
-        status = status == ExitStatus::Done ? after : status;
+        tell(after);
+        ending = ending.status == ExitStatus::Done ? after : ending;
     }
     terminal.out.flush();
-    if (!terminal.out && status == ExitStatus::Done) {
+    if (!terminal.out && ending.status == ExitStatus::Done) {
         PrintError(terminal, "standard output cannot be written");
-        status = ExitStatus::Refused;
+        return ExitStatus::Refused;
     }
-    return status;
+    return ending.status;
 }
 
 } // namespace quilletctl

@@ -2,6 +2,7 @@
 // file per noun in commands/ adds them to the tree, and Commands.cpp lists those files.
 #pragma once
 
+#include "CommandDescription.h"
 #include "Failure.h"
 #include "Invocation.h"
 #include "Options.h"
@@ -12,6 +13,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace CLI {
@@ -24,33 +26,43 @@ namespace quilletctl {
 /// the default until the command line is read.
 class Syntax {
   public:
-    explicit Syntax(CLI::App& app) noexcept : m_app(app) {}
+    Syntax(CLI::App& app, CommandDescription& command) noexcept : m_app(app), m_command(command) {}
     /// An option with a number, such as "--lines".
     void Number(const std::string& name, std::uint32_t& value, std::uint32_t least, std::uint32_t most,
                 const std::string& description);
     /// The same with nothing as its default.
     void Number(const std::string& name, std::optional<LONG>& value, LONG least, LONG most,
                 const std::string& description);
-    /// An option with a text; `kind` is how the help calls that.
+    /// An option with a text; `kind` is how the help calls that. Of the texts that it may be, some may be
+    /// proposed.
     void Text(const std::string& name, std::optional<std::string>& value, const std::string& kind,
-              const std::string& description);
+              const std::string& description, const std::vector<std::string>& proposals = {});
+    /// The same, but it may also stand without the text.
+    void OptionalText(const std::string& name, bool& isGiven, std::string& value, const std::string& kind,
+                      const std::string& description);
     /// An option with one of a few words, such as "--of".
     void Choice(const std::string& name, std::string& value, const std::vector<std::string>& words,
                 const std::string& description);
     /// An option without a value.
     void Flag(const std::string& name, bool& value, const std::string& description);
     /// What the command is about, without an option's name; must be given. Several stand in the order of the
-    /// calls. `name` is how the help calls it.
-    void Argument(const std::string& name, std::string& value, const std::string& description);
+    /// calls. Where `words` are named it is one of them.
+    void Argument(const std::string& name, std::string& value, const std::string& description,
+                  const std::vector<std::string>& words = {});
     /// So many words without an option's name, where their number tells what they are.
     void Arguments(const std::string& name, std::vector<std::string>& words, std::size_t least,
                    std::size_t most, const std::string& description);
-
     /// An option with a text that may be given several times.
-    void Texts(const std::string& name, std::vector<std::string>& values, const std::string& description);
+    void Texts(const std::string& name, std::vector<std::string>& values, const std::string& kind,
+               const std::string& description);
+    /// The command reads secrets, so messages about its command line repeat nothing of it.
+    void TakesSecrets() noexcept { m_command.takesSecrets = true; }
 
   private:
+    OptionDescription& Describe(const std::string& name, const std::string& description);
+
     CLI::App& m_app;
+    CommandDescription& m_command;
 };
 
 class Command {
@@ -87,13 +99,15 @@ class CommandTree {
     /// The verbs of one noun.
     class Noun {
       public:
-        Noun(CommandTree& tree, CLI::App& app) noexcept : m_tree(tree), m_app(app) {}
+        Noun(CommandTree& tree, CLI::App& app, std::string name)
+            : m_tree(tree), m_app(app), m_name(std::move(name)) {}
         Noun& Verb(const std::string& name, const std::string& description, CommandFunction function);
         Noun& Verb(const std::string& name, const std::string& description, std::unique_ptr<Command> command);
 
       private:
         CommandTree& m_tree;
         CLI::App& m_app;
+        std::string m_name;
     };
     Noun AddNoun(const std::string& name, const std::string& description, Group group = Group::Management);
     /// A noun that needs no verb.
@@ -106,21 +120,36 @@ class CommandTree {
     /// UsageError, or TextRequest.
     Command& Parse(const std::vector<std::string>& arguments);
     const GlobalOptions& Options() const noexcept { return m_options; }
+    const TreeDescription& Description() const noexcept { return m_description; }
 
   private:
-    CLI::App& Subcommand(CLI::App& parent, const std::string& name, const std::string& description);
-    void Attach(CLI::App& app, std::unique_ptr<Command> command);
+    CLI::App& Subcommand(CLI::App& parent, const std::string& name);
+    CLI::App& AddNounApp(const std::string& name, const std::string& description, Group group);
+    void Attach(CLI::App& app, const std::string& name, const std::string& description,
+                std::unique_ptr<Command> command);
     /// The line with each "--simulate" that has no file moved to its end, where it cannot take the name of a
     /// command for one.
     std::vector<std::string> WithSimulateApart(const std::vector<std::string>& arguments) const;
+    /// Noun and verb that the line has chosen so far.
+    std::vector<std::string> ChosenWords() const;
+    const CommandDescription* ChosenCommand() const;
+    const OptionDescription* FindOption(const std::string& name) const;
+    /// What is wrong with a line that the parser refused, in words. The first is for lines with words too
+    /// many, the second for all others.
+    std::string SuperfluousText() const;
+    std::string MistakeText(const std::vector<std::string>& line, const std::string& parserText) const;
+    void CheckGlobalOptions();
 
     GlobalOptions m_options;
+    std::optional<std::string> m_machine; ///< --machine
+    std::optional<std::string> m_state;   ///< --state
+    TreeDescription m_description;
     std::unique_ptr<CLI::App> m_app;
     struct Leaf {
         CLI::App* app;
         std::unique_ptr<Command> command;
     };
-    std::vector<Leaf> m_leaves;
+    std::vector<Leaf> m_leaves;    ///< in the order of the descriptions of the commands
     std::set<std::string> m_names; ///< of all nouns and verbs
 };
 

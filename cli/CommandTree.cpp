@@ -1,11 +1,12 @@
 // The command line: global options, nouns and verbs.
 #include "Command.h"
+#include "HostName.h"
 #include "SimulatedMachine.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <limits>
+#include <map>
 #include <utility>
 
 namespace quilletctl {
@@ -21,123 +22,101 @@ class FunctionCommand final : public Command {
     CommandFunction m_function;
 };
 
-constexpr const char* FOOTER = R"(
-Exit status: 0 done, 1 the provider refused, 2 bad usage, 3 a check found problems.)";
-
 void Configure(CLI::App& app) {
     // One syntax on every host; "/S" is a file name here.
     app.allow_windows_style_options(false);
     // A global option may stand anywhere on the line.
     app.fallthrough();
-    app.get_formatter()->column_width(28);
-    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    app.set_help_flag("-h,--help");
 }
 
 const char* NameOf(CommandTree::Group group) {
-    return group == CommandTree::Group::Management ? "Commands" : "Diagnostics";
+    return group == CommandTree::Group::Management ? "Nouns" : "Diagnostics and help";
 }
+
+std::string Joined(const std::vector<std::string>& words, const char* separator = " ") {
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : separator) + word;
+    }
+    return text;
+}
+
+/// The nouns, or the verbs of one noun.
+std::string NamesWithin(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::App* each : app.get_subcommands([](const CLI::App*) { return true; })) {
+        names.push_back(each->get_name());
+    }
+    return Joined(names, ", ");
+}
+
+/// The name of the option that a word of the line is, without its value; empty when it is none.
+std::string OptionIn(const std::string& word) {
+    return word.starts_with("--") ? word.substr(0, word.find('=')) : std::string();
+}
+
+constexpr const char* NOT_REPEATED =
+    " takes no such word or option; it is not repeated here, for it may be a secret: secrets are typed at a "
+    "prompt or read with --secret-fd, never given on the command line";
 
 } // namespace
 
-void Syntax::Number(const std::string& name, std::uint32_t& value, std::uint32_t least, std::uint32_t most,
-                    const std::string& description) {
-    m_app.add_option(name, value, description)->check(CLI::Range(least, most))->capture_default_str();
-}
-
-void Syntax::Number(const std::string& name, std::optional<LONG>& value, LONG least, LONG most,
-                    const std::string& description) {
-    CLI::Option& option = *m_app.add_option_function<LONG>(
-        name, [&value](const LONG& given) { value = given; }, description);
-    option.type_name("NUMBER");
-    // A range that leaves nothing out would only fill the help.
-    if (least != std::numeric_limits<LONG>::min() || most != std::numeric_limits<LONG>::max()) {
-        option.check(CLI::Range(least, most));
-    }
-}
-
-void Syntax::Text(const std::string& name, std::optional<std::string>& value, const std::string& kind,
-                  const std::string& description) {
-    m_app
-        .add_option_function<std::string>(
-            name, [&value](const std::string& given) { value = given; }, description)
-        ->type_name(kind);
-}
-
-void Syntax::Choice(const std::string& name, std::string& value, const std::vector<std::string>& words,
-                    const std::string& description) {
-    m_app.add_option(name, value, description)->check(CLI::IsMember(words));
-}
-
-void Syntax::Flag(const std::string& name, bool& value, const std::string& description) {
-    m_app.add_flag(name, value, description);
-}
-
-void Syntax::Argument(const std::string& name, std::string& value, const std::string& description) {
-    m_app.add_option(name, value, description)->required()->type_name("");
-}
-
-void Syntax::Arguments(const std::string& name, std::vector<std::string>& words, std::size_t least,
-                       std::size_t most, const std::string& description) {
-    m_app.add_option(name, words, description)
-        ->required(least > 0)
-        ->expected(static_cast<int>(least), static_cast<int>(most))
-        ->type_name("");
-}
-
-void Syntax::Texts(const std::string& name, std::vector<std::string>& values,
-                   const std::string& description) {
-    m_app.add_option(name, values, description)->type_name("TEXT")->allow_extra_args(false);
-}
-
-CommandTree::CommandTree()
-    : m_app(std::make_unique<CLI::App>("Manages the network adapters of a machine.", "quilletctl")) {
+CommandTree::CommandTree() : m_app(std::make_unique<CLI::App>("", "quilletctl")) {
     Configure(*m_app);
-    m_app->footer(FOOTER);
-    m_app->add_option("--machine", m_options.machine, "Machine to manage, by name or address")
-        ->type_name("HOST");
+    // One noun; a word after it that is another noun's name is a name like any other.
+    m_app->require_subcommand(0, 1);
+    CommandDescription everywhere;
+    Syntax syntax(*m_app, everywhere);
+    syntax.Text("--machine", m_machine, "HOST",
+                "The machine to manage, by name or address (default: this one)");
+    syntax.OptionalText("--simulate", m_options.simulate, m_options.machineFile, "FILE",
+                        "Talk to a simulated machine: that of a MOF file, or the built-in one");
+    syntax.Text("--state", m_state, "FILE",
+                "Keep the simulated machine in a file from one command to the next");
+    syntax.Flag("--json", m_options.json, "Answer as JSON");
+    syntax.Flag("--journal", m_options.journal, "Print the calls that the simulated provider received");
+    syntax.Flag("--yes", m_options.yes, "Answer yes to every question");
+    syntax.Flag("--no-color", m_options.noColour, "Print without colours (as with NO_COLOR set)");
+    m_description.options = std::move(everywhere.options);
+    for (const char* name : {"--help", "--version"}) {
+        OptionDescription option;
+        option.name = name;
+        option.description = option.name == "--help" ? "Print what the command takes (also -h)" : "Print the version";
+        m_description.options.push_back(std::move(option));
+    }
     m_app->set_version_flag("--version", "quilletctl " QUILLETCTL_VERSION);
-    m_app
-        ->add_option_function<std::vector<std::string>>(
-            "--simulate",
-            [this](const std::vector<std::string>& file) {
-                m_options.simulate = true;
-                m_options.machineFile = file.empty() ? std::string() : file.front();
-            },
-            "Talk to a simulated machine: that of a MOF file, or the built-in one")
-        ->type_name("[FILE]")
-        ->expected(0, 1)
-        ->trigger_on_parse();
-    m_app
-        ->add_option("--state", m_options.stateFile,
-                     "Keep the simulated machine in a file from one command to the next")
-        ->type_name("FILE");
-    m_app->add_flag("--json", m_options.json, "Answer as JSON");
-    m_app->add_flag("--journal", m_options.journal, "Print the calls that the provider received");
-    m_app->add_flag("--yes", m_options.yes, "Answer yes to every question");
-    m_app->add_flag("--no-color", m_options.noColour, "Print without colours (as with NO_COLOR set)");
 }
 
 CommandTree::~CommandTree() = default;
 
-CLI::App& CommandTree::Subcommand(CLI::App& parent, const std::string& name, const std::string& description) {
-    CLI::App& app = *parent.add_subcommand(name, description);
+CLI::App& CommandTree::Subcommand(CLI::App& parent, const std::string& name) {
+    CLI::App& app = *parent.add_subcommand(name);
     m_names.insert(name);
     Configure(app);
-    app.group("Commands");
-    app.footer("\nquilletctl --help lists the options that every command takes.");
     return app;
 }
 
-void CommandTree::Attach(CLI::App& app, std::unique_ptr<Command> command) {
-    Syntax syntax(app);
+CLI::App& CommandTree::AddNounApp(const std::string& name, const std::string& description, Group group) {
+    CLI::App& app = Subcommand(*m_app, name);
+    app.require_subcommand(0, 1);
+    m_description.nouns.push_back({name, description, NameOf(group)});
+    return app;
+}
+
+void CommandTree::Attach(CLI::App& app, const std::string& name, const std::string& description,
+                         std::unique_ptr<Command> command) {
+    CommandDescription described;
+    described.name = name;
+    described.description = description;
+    Syntax syntax(app, described);
     command->Declare(syntax);
+    m_description.commands.push_back(std::move(described));
     m_leaves.push_back({&app, std::move(command)});
 }
 
 CommandTree::Noun CommandTree::AddNoun(const std::string& name, const std::string& description, Group group) {
-    CLI::App& app = Subcommand(*m_app, name, description);
-    app.group(NameOf(group));
-    return {*this, app};
+    return {*this, AddNounApp(name, description, group), name};
 }
 
 void CommandTree::AddCommand(const std::string& name, const std::string& description, Group group,
@@ -147,9 +126,7 @@ void CommandTree::AddCommand(const std::string& name, const std::string& descrip
 
 void CommandTree::AddCommand(const std::string& name, const std::string& description, Group group,
                              std::unique_ptr<Command> command) {
-    CLI::App& app = Subcommand(*m_app, name, description);
-    app.group(NameOf(group));
-    Attach(app, std::move(command));
+    Attach(AddNounApp(name, description, group), name, description, std::move(command));
 }
 
 CommandTree::Noun& CommandTree::Noun::Verb(const std::string& name, const std::string& description,
@@ -159,7 +136,7 @@ CommandTree::Noun& CommandTree::Noun::Verb(const std::string& name, const std::s
 
 CommandTree::Noun& CommandTree::Noun::Verb(const std::string& name, const std::string& description,
                                            std::unique_ptr<Command> command) {
-    m_tree.Attach(m_tree.Subcommand(m_app, name, description), std::move(command));
+    m_tree.Attach(m_tree.Subcommand(m_app, name), m_name + ' ' + name, description, std::move(command));
     return *this;
 }
 
@@ -179,56 +156,130 @@ std::vector<std::string> CommandTree::WithSimulateApart(const std::vector<std::s
     return line;
 }
 
+std::vector<std::string> CommandTree::ChosenWords() const {
+    std::vector<std::string> words;
+    for (const CLI::App* app = m_app.get(); !app->get_subcommands().empty();) {
+        app = app->get_subcommands().front();
+        words.push_back(app->get_name());
+    }
+    return words;
+}
+
+const CommandDescription* CommandTree::ChosenCommand() const {
+    const std::string name = Joined(ChosenWords());
+    const auto found = std::find_if(m_description.commands.begin(), m_description.commands.end(),
+                                    [&](const CommandDescription& each) { return each.name == name; });
+    return found == m_description.commands.end() ? nullptr : &*found;
+}
+
+const OptionDescription* CommandTree::FindOption(const std::string& name) const {
+    const CommandDescription* command = ChosenCommand();
+    if (const OptionDescription* own = command == nullptr ? nullptr : command->Option(name)) {
+        return own;
+    }
+    const auto found = std::find_if(m_description.options.begin(), m_description.options.end(),
+                                    [&](const OptionDescription& each) { return each.name == name; });
+    return found == m_description.options.end() ? nullptr : &*found;
+}
+
+std::string CommandTree::SuperfluousText() const {
+    const std::vector<std::string> chosen = ChosenWords();
+    const std::string name = Joined(chosen);
+    const CommandDescription* command = ChosenCommand();
+    if (command != nullptr && command->takesSecrets) {
+        return name + NOT_REPEATED;
+    }
+    const std::vector<std::string> words = m_app->remaining(true);
+    const std::string word = words.empty() ? std::string() : words.front();
+    if (word.starts_with('-') && word.size() > 1) {
+        return (name.empty() ? "there is" : name + " has") + " no option " + word.substr(0, word.find('=')) +
+               "; see quilletctl help" + (name.empty() ? "" : ' ' + name);
+    }
+    if (command != nullptr) {
+        return name + " takes no further word: \"" + word + '"';
+    }
+    return chosen.empty()
+               ? "there is no command \"" + word + "\", only " + NamesWithin(*m_app)
+               : name + " has no verb \"" + word + "\", only " + NamesWithin(*m_app->get_subcommand(name));
+}
+
+std::string CommandTree::MistakeText(const std::vector<std::string>& line,
+                                     const std::string& parserText) const {
+    const CommandDescription* command = ChosenCommand();
+    const auto end = std::find(line.begin(), line.end(), "--");
+    // Options of the line in their order: the parser's own texts may repeat values, and speak its language.
+    std::map<std::string, int> given;
+    for (auto word = line.begin(); word != end; ++word) {
+        const std::string name = OptionIn(*word);
+        const OptionDescription* option = name.empty() ? nullptr : FindOption(name);
+        if (option != nullptr && option->value.empty() && name.size() < word->size()) {
+            return name + ": takes no value";
+        }
+        if (option != nullptr && !option->value.empty() && !option->isRepeatable && ++given[name] > 1) {
+            return name + ": given more than once";
+        }
+    }
+    const std::string subject = parserText.substr(0, parserText.find(": "));
+    if (const OptionDescription* option = FindOption(subject)) {
+        return subject + ": " + ValueText(*option) + " is needed";
+    }
+    const auto isSubject = [&](const ArgumentDescription& each) { return each.name == subject; };
+    if (command != nullptr && parserText.size() > subject.size() + 2) {
+        const auto argument = std::find_if(command->arguments.begin(), command->arguments.end(), isSubject);
+        if (argument != command->arguments.end() && !argument->words.empty()) {
+            return ShownName(*argument) + ": " + ListOf(argument->words) + " is needed";
+        }
+    }
+    return command == nullptr ? "not understood" : "words are missing; usage: " + UsageOf(*command);
+}
+
 Command& CommandTree::Parse(const std::vector<std::string>& arguments) {
+    const std::vector<std::string> line = WithSimulateApart(arguments);
     try {
-        const std::vector<std::string> line = WithSimulateApart(arguments);
         m_app->parse(std::vector<std::string>(line.rbegin(), line.rend()));
     } catch (const CLI::CallForHelp&) {
-        throw TextRequest{m_app->help()};
+        throw TextRequest{HelpText(m_description, ChosenWords()).value_or("")};
     } catch (const CLI::CallForVersion& version) {
         throw TextRequest{std::string(version.what()) + "\n"};
     } catch (const CLI::ExtrasError&) {
-        std::string unexpected;
-        for (const std::string& each : m_app->remaining(true)) {
-            unexpected += " " + each;
-        }
-        throw UsageError("not understood:" + unexpected);
+        throw UsageError(SuperfluousText());
     } catch (const CLI::ParseError& mistake) {
-        throw UsageError(mistake.what());
+        throw UsageError(MistakeText(line, mistake.what()));
     }
+    CheckGlobalOptions();
 
-    const CLI::App* chosen = m_app.get();
-    while (!chosen->get_subcommands().empty()) {
-        if (chosen->get_subcommands().size() > 1) {
-            throw UsageError("one command at a time: " + chosen->get_subcommands()[0]->get_name() + " or " +
-                             chosen->get_subcommands()[1]->get_name());
-        }
-        chosen = chosen->get_subcommands().front();
+    const CommandDescription* command = ChosenCommand();
+    if (command == nullptr) {
+        const std::vector<std::string> chosen = ChosenWords();
+        throw UsageError(chosen.empty() ? "a command is needed: " + NamesWithin(*m_app)
+                                        : chosen.front() + " needs a verb: " +
+                                              NamesWithin(*m_app->get_subcommand(chosen.front())));
     }
-    const auto leaf =
-        std::find_if(m_leaves.begin(), m_leaves.end(), [=](const Leaf& each) { return each.app == chosen; });
-    if (leaf == m_leaves.end()) {
-        std::string names;
-        for (const CLI::App* each : chosen->get_subcommands([](const CLI::App*) { return true; })) {
-            names += (names.empty() ? "" : ", ") + each->get_name();
-        }
-        throw UsageError((chosen == m_app.get() ? std::string("a command is needed: ")
-                                                : chosen->get_name() + " needs a verb: ") +
-                         names);
-    }
+    return *m_leaves[static_cast<std::size_t>(command - m_description.commands.data())].command;
+}
 
-    // Names are often pasted with the backslashes of a network path.
-    m_options.machine.erase(0, m_options.machine.find_first_not_of('\\'));
-    if (m_app->count("--machine") > 0 && m_options.machine.empty()) {
-        throw UsageError("--machine: a name or an address is needed");
+void CommandTree::CheckGlobalOptions() {
+    if (m_machine) {
+        // Names are often pasted with the backslashes of a network path.
+        m_options.machine =
+            m_machine->substr(std::min(m_machine->size(), m_machine->find_first_not_of('\\')));
+        if (m_options.machine.empty()) {
+            throw UsageError("--machine: a name or an address is needed");
+        }
+        if (!IsHostName(m_options.machine)) {
+            throw UsageError("--machine: \"" + m_options.machine +
+                             "\" is no name and no address of a machine");
+        }
     }
-    if (m_app->count("--state") > 0 && m_options.stateFile.empty()) {
-        throw UsageError("--state: the name of a file is needed");
+    if (m_state) {
+        m_options.stateFile = *m_state;
+        if (m_options.stateFile.empty()) {
+            throw UsageError("--state: the name of a file is needed");
+        }
     }
     if (m_options.journal && !UsesSimulator(m_options)) {
         throw UsageError("--journal: only a simulated machine keeps a journal; add --simulate");
     }
-    return *leaf->command;
 }
 
 } // namespace quilletctl

@@ -18,6 +18,7 @@ void AddAllCommands(CommandTree& tree) {
     AddTraceCommand(tree);
     AddTransactionCommands(tree);
     AddVersionCommand(tree);
+    AddHelpCommand(tree);
 }
 
 } // namespace quilletctl

@@ -22,6 +22,8 @@ void AddWarningsCommand(CommandTree& tree);
 void AddTraceCommand(CommandTree& tree);
 void AddTransactionCommands(CommandTree& tree);
 void AddVersionCommand(CommandTree& tree);
+/// Needs the tree to live as long as its commands do.
+void AddHelpCommand(CommandTree& tree);
 
 /// All of them, in the order of the help.
 void AddAllCommands(CommandTree& tree);

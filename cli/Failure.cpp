@@ -6,6 +6,6 @@
 namespace quilletctl {
 
 Refusal::Refusal(const std::string& asked, HRESULT code)
-    : std::runtime_error("could not " + asked + ": " + DescribeResult(code)) {}
+    : std::runtime_error("could not " + asked + ": " + DescribeResult(code)), m_code(code) {}
 
 } // namespace quilletctl

@@ -19,6 +19,10 @@ enum class ExitStatus : int {
 class Refusal : public std::runtime_error {
   public:
     Refusal(const std::string& asked, HRESULT code);
+    HRESULT Code() const noexcept { return m_code; }
+
+  private:
+    HRESULT m_code;
 };
 
 /// The command line, or a file that it names, cannot be used.

@@ -27,16 +27,22 @@ void Invocation::Check(HRESULT code, const std::string& asked) {
     }
 }
 
-void Invocation::Print(const Json& json) {
+void PrintJson(const Json& json, std::ostream& out) {
     constexpr int INDENT = 2;
-    m_terminal.out << json.dump(INDENT, ' ', false, Json::error_handler_t::replace) << '\n';
+    out << json.dump(INDENT, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+void Invocation::Print(const Json& json) {
+    m_hasAnswered = true;
+    PrintJson(json, m_terminal.out);
 }
 
 bool Invocation::Confirm(const std::string& question) {
     if (m_options.yes) {
         return true;
     }
-    if (m_terminal.in == nullptr) {
+    // A program that reads JSON is no person, whoever sits before the terminal.
+    if (m_terminal.in == nullptr || WantsJson()) {
         throw UsageError("nobody can be asked \"" + question + "\"; add --yes to agree");
     }
     m_terminal.out.flush();
@@ -44,6 +50,14 @@ bool Invocation::Confirm(const std::string& question) {
     std::string answer;
     std::getline(*m_terminal.in, answer);
     return answer == "y" || answer == "Y" || answer == "yes";
+}
+
+bool Invocation::ConfirmChange(const std::string& question) {
+    const bool agreed = Confirm(question);
+    if (!agreed) {
+        m_terminal.out << "nothing was changed\n";
+    }
+    return agreed;
 }
 
 void Invocation::Finish() {

@@ -18,6 +18,9 @@ namespace quilletctl {
 /// Keys stay in the order in which a command names them.
 using Json = nlohmann::ordered_json;
 
+/// Writes JSON as every command does.
+void PrintJson(const Json& json, std::ostream& out);
+
 class Invocation {
   public:
     Invocation(const GlobalOptions& options, Terminal& terminal);
@@ -34,9 +37,13 @@ class Invocation {
     std::ostream& Out() noexcept { return m_terminal.out; }
     /// Writes the command's answer for programs.
     void Print(const Json& json);
+    /// Whether that was done.
+    bool HasAnswered() const noexcept { return m_hasAnswered; }
 
     /// Whether a person agrees, or --yes was given. Throws UsageError where nobody can be asked.
     bool Confirm(const std::string& question);
+    /// The same before something is deleted; a person who does not agree is told that nothing was changed.
+    bool ConfirmChange(const std::string& question);
 
     /// After the command: disconnects, saves the simulated machine if asked to, and prints the journal if
     /// asked to. Throws UsageError when the state file cannot be written.
@@ -49,6 +56,7 @@ class Invocation {
     Terminal& m_terminal;
     std::shared_ptr<quillet::simulator::Machine> m_machine;
     std::optional<Connection> m_connection;
+    bool m_hasAnswered = false;
 };
 
 } // namespace quilletctl

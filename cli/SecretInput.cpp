@@ -46,6 +46,7 @@ void SecretLine::MoveTo(std::wstring& secret) const {
 }
 
 void SecretInput::Declare(Syntax& syntax) {
+    syntax.TakesSecrets();
     syntax.Number("--secret-fd", m_descriptor, 0, 65535,
                   "Read secrets from this file descriptor, a line each, instead of asking");
 }

@@ -6,6 +6,7 @@
 #include "ObjectPath.h"
 #include "TeamLookup.h"
 #include "Text.h"
+#include "VlanParent.h"
 
 #include <algorithm>
 #include <string_view>
@@ -65,6 +66,30 @@ SettingOwner OwnerAt(const std::string& path, const ObjectName& name, const std:
     throw UsageError("a " + name.className + " has no settings: " + path);
 }
 
+/// The VLAN with this name, of whatever parent. Throws UsageError where there is none, or more than one.
+SettingOwner VlanCalled(CQuillet& session, const std::string& text) {
+    std::vector<SettingOwner> found;
+    std::string ids;
+    for (const VlanParent& parent : ReadVlanParents(session)) {
+        const CVLANs vlans = ReadVlans(session, parent);
+        for (const CVLAN* vlan : vlans.m_vecItems) {
+            if (SameIgnoringCase(ToUtf8(vlan->m_wsVLANName), text)) {
+                const std::string objectId = ToUtf8(vlan->m_wsName);
+                found.push_back({SettingOwner::Kind::Vlan, ToUtf8(vlan->m_wsVLANID), objectId,
+                                 ToUtf8(vlan->m_wsVLANName) + " of " + parent.name});
+                ids += (ids.empty() ? "" : ", ") + objectId;
+            }
+        }
+    }
+    if (found.empty()) {
+        throw UsageError("no VLAN is called \"" + text + "\"; see quilletctl vlan list");
+    }
+    if (found.size() > 1) {
+        throw UsageError("several VLANs are called \"" + text + "\": " + ids);
+    }
+    return found.front();
+}
+
 } // namespace
 
 const std::vector<std::string>& OwnerKindWords() {
@@ -101,7 +126,7 @@ SettingOwner FindSettingOwner(CQuillet& session, const std::string& text, const 
     }
     const std::string objectId = ObjectIdFrom(text);
     if (objectId.empty()) {
-        throw UsageError("\"" + text + "\" is no object ID or path of a " + kind);
+        return VlanCalled(session, text);
     }
     return {wanted, PathOf(ClassOf(wanted).name, ClassOf(wanted).key, objectId), objectId, objectId};
 }

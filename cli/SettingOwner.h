@@ -23,7 +23,7 @@ const std::string& WordFor(SettingOwner::Kind kind);
 
 /// The owner that a text names. An object path says itself what it is a path of. Otherwise `kind` (one of the
 /// words; empty: adapter) does: adapters, and boot agents by their adapter, go by every name of
-/// FindAdapter(), teams by every name of FindTeam(), VLANs by object ID. Throws UsageError, Refusal.
+/// FindAdapter(), teams by every name of FindTeam(), VLANs by object ID or name. Throws UsageError, Refusal.
 SettingOwner FindSettingOwner(CQuillet& session, const std::string& text, const std::string& kind);
 
 /// All settings of an owner. Throws Refusal.

@@ -2,6 +2,7 @@
 #include "SettingValue.h"
 
 #include "Failure.h"
+#include "HostName.h"
 #include "SettingTexts.h"
 #include "Text.h"
 
@@ -39,6 +40,22 @@ std::vector<std::string> Pieces(const std::string& text, char separator) {
 [[noreturn]] void Reject(const CSetting& setting, const std::string& text) {
     throw UsageError("\"" + text + "\" is no value of " + ToUtf8(setting.m_wsCaption) + ": " +
                      PossibleText(setting));
+}
+
+/// Whether a text that the setting takes for an address is one. An empty text is none, and takes it away.
+void CheckAddress(const CSetting& setting, const std::string& text) {
+    const std::string caption = ToUtf8(setting.m_wsCaption);
+    if (text.empty()) {
+        return;
+    }
+    if (SameIgnoringCase(caption, "NetworkAddress") && !IsMacAddress(text)) {
+        throw UsageError("\"" + text + "\" is no value of " + caption +
+                         ": twelve hexadecimal digits are needed, or nothing");
+    }
+    if (SameIgnoringCase(caption, "TargetIP") && !IsIPv4Address(text)) {
+        throw UsageError("\"" + text + "\" is no value of " + caption +
+                         ": an address such as 192.0.2.10 is needed, or nothing");
+    }
 }
 
 /// The number that a value's text stands for.
@@ -106,6 +123,7 @@ std::unique_ptr<CSetting> WithValue(const CSetting& setting, const std::string& 
         break;
     }
     case CSetting::SettingTypeString:
+        CheckAddress(setting, text);
         changed->SetCurrentValue(ToWide(text));
         break;
     }

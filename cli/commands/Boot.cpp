@@ -220,7 +220,7 @@ class ChosenImagesCommand : public BootCommand {
     void Declare(Syntax& syntax) override {
         BootCommand::Declare(syntax);
         syntax.Argument("file", m_file, "The image file");
-        syntax.Texts("--type", m_types, "An image of the file, by its type (default: all of them)");
+        syntax.Texts("--type", m_types, "TYPE", "An image of the file, by its type (default: all of them)");
     }
 
   protected:

@@ -70,16 +70,17 @@ class SetPlace final : public AdapterCommand {
   public:
     void Declare(Syntax& syntax) override {
         AdapterCommand::Declare(syntax);
-        syntax.Argument("place", m_place, "Its place: primary, secondary or off");
+        std::vector<std::string> words;
+        for (const Place& place : PLACES) {
+            words.emplace_back(place.word);
+        }
+        syntax.Argument("place", m_place, "Its place", words);
     }
 
   private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         const auto* place = std::find_if(PLACES.begin(), PLACES.end(),
                                          [this](const Place& each) { return m_place == each.word; });
-        if (place == PLACES.end()) {
-            throw UsageError("\"" + m_place + "\" is no place; primary, secondary and off are");
-        }
         const CISCSIAdapters ports = ReadPorts(run.Session());
         const auto port =
             std::find_if(ports.m_vecItems.begin(), ports.m_vecItems.end(), [&](const CISCSIAdapter* each) {

@@ -285,7 +285,7 @@ class ShowPac final : public AdapterCommand {
   public:
     void Declare(Syntax& syntax) override {
         AdapterCommand::Declare(syntax);
-        syntax.Argument("file", m_file, "Name of the imported file");
+        syntax.Argument("name", m_file, "Name of the imported file");
     }
 
   private:
@@ -324,11 +324,14 @@ class DeletePac final : public AdapterCommand {
   public:
     void Declare(Syntax& syntax) override {
         AdapterCommand::Declare(syntax);
-        syntax.Argument("file", m_file, "Name of the imported file");
+        syntax.Argument("name", m_file, "Name of the imported file");
     }
 
   private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+        if (!run.ConfirmChange("Delete " + m_file + " from " + adapter.Called() + "?")) {
+            return ExitStatus::Done;
+        }
         return ChangeInSet(
             run, "delete " + m_file + " from " + adapter.Called(), "PAC file deleted",
             [&](CQuillet& session) { return session.DeletePacFile(ToWide(adapter.path), ToWide(m_file)); });

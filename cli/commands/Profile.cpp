@@ -13,7 +13,8 @@ namespace {
 class ListProfiles final : public Command {
   public:
     void Declare(Syntax& syntax) override {
-        syntax.Arguments("adapter", m_adapters, 0, 1, "Its name, object ID or object path (default: all)");
+        syntax.Arguments("adapter", m_adapters, 0, 1,
+                         "The adapter: its name, object ID or object path (default: all)");
     }
 
     ExitStatus Run(Invocation& run) override {

@@ -28,6 +28,9 @@ std::string Words(LONG number, const std::wstring& text) {
 std::string ModeText(LONG mode) {
     return Words(mode, CTeamTexts::TeamMode(mode));
 }
+/// What is proposed for a mode; its name does as well.
+const std::vector<std::string> MODE_NUMBERS{"0", "1", "2", "3", "4", "5", "6"};
+
 /// The mode that a word of the command line names, by its number or its text. Throws UsageError.
 CTeam::TeamMode ModeFrom(const std::string& word) {
     std::string known;
@@ -251,7 +254,7 @@ class ShowTeam final : public TeamCommand {
 class ListModes final : public Command {
   public:
     void Declare(Syntax& syntax) override {
-        syntax.Arguments("[adapter...]", m_adapters, 0, 64,
+        syntax.Arguments("adapter", m_adapters, 0, 64,
                          "The adapters, by name, object ID or object path; none: all that are in no team");
         syntax.Text("--team", m_team, "TEAM", "Ask which mode suits this team best instead");
     }
@@ -337,10 +340,10 @@ class CreateTeam final : public Command {
   public:
     void Declare(Syntax& syntax) override {
         syntax.Argument("name", m_name, "The new team's name");
-        syntax.Arguments("adapter...", m_adapters, 1, 64,
+        syntax.Arguments("adapter", m_adapters, 1, 64,
                          "The members, by name, object ID or object path; the first becomes primary");
-        syntax.Text("--mode", m_mode, "MODE",
-                    "The team mode, by number or name (default: 1); see team modes");
+        syntax.Text("--mode", m_mode, "MODE", "The team mode, by number or name (default: 1); see team modes",
+                    MODE_NUMBERS);
         syntax.Number("--profile", m_profile, 0, 0x7FFFFFFF, "The performance profile");
         syntax.Flag("--prefix", m_prefix, "Put the prefix that the provider proposes before the name");
         syntax.Flag("--mfo", m_mfo, "Allow adapters of other makers");
@@ -416,7 +419,7 @@ class ChangeMembers : public Command {
   public:
     void Declare(Syntax& syntax) override {
         syntax.Argument("team", m_team, "The team: its name, object ID or object path");
-        syntax.Arguments("adapter...", m_adapters, 1, 64, "The adapters, by name, object ID or object path");
+        syntax.Arguments("adapter", m_adapters, 1, 64, "The adapters, by name, object ID or object path");
     }
 
     ExitStatus Run(Invocation& run) final {
@@ -428,6 +431,9 @@ class ChangeMembers : public Command {
         const CAdapters wanted = Wanted(session, team, current, named, problems);
         if (problems.Any()) {
             return problems.Report(run);
+        }
+        if (!MayChange(run, team, named)) {
+            return ExitStatus::Done;
         }
         ClientSet set(session);
         Invocation::Check(session.ModifyMemberList(team.m_wsTeamID, current, wanted),
@@ -453,6 +459,8 @@ class ChangeMembers : public Command {
   private:
     virtual CAdapters Wanted(CQuillet& session, const CTeam& team, const CTeamedAdapters& current,
                              const CAdapters& named, Problems& problems) const = 0;
+    /// Whether the person agrees, where that is asked.
+    virtual bool MayChange(Invocation&, const CTeam&, const CAdapters&) const { return true; }
 
     std::string m_team;
     std::vector<std::string> m_adapters;
@@ -499,6 +507,11 @@ class RemoveMembers final : public ChangeMembers {
         }
         return wanted;
     }
+    bool MayChange(Invocation& run, const CTeam& team, const CAdapters& named) const override {
+        const std::size_t count = named.m_vecItems.size();
+        return run.ConfirmChange("Take " + std::to_string(count) + (count == 1 ? " adapter" : " adapters") +
+                                 " out of " + Called(team) + "?");
+    }
 };
 
 class ModifyTeam final : public TeamCommand {
@@ -506,7 +519,7 @@ class ModifyTeam final : public TeamCommand {
     void Declare(Syntax& syntax) override {
         TeamCommand::Declare(syntax);
         syntax.Text("--name", m_newName, "NAME", "The team's new name");
-        syntax.Text("--mode", m_mode, "MODE", "The team's new mode, by number or name");
+        syntax.Text("--mode", m_mode, "MODE", "The team's new mode, by number or name", MODE_NUMBERS);
     }
 
   private:
@@ -543,6 +556,9 @@ class ModifyTeam final : public TeamCommand {
 
 class DeleteTeam final : public TeamCommand {
     ExitStatus RunFor(const CTeam& team, Invocation& run) override {
+        if (!run.ConfirmChange("Delete the team " + Called(team) + " and its VLANs?")) {
+            return ExitStatus::Done;
+        }
         CQuillet& session = run.Session();
         ClientSet set(session);
         Invocation::Check(session.RemoveTeam(team.m_wsTeamID), "delete " + Called(team));

@@ -332,6 +332,9 @@ class ModifyVlan final : public ExistingVlan {
 
 class RemoveVlan final : public ExistingVlan {
     ExitStatus RunFor(const VlanParent& parent, const CVLAN& vlan, Invocation& run) override {
+        if (!run.ConfirmChange("Remove " + Called(vlan) + " from " + parent.name + "?")) {
+            return ExitStatus::Done;
+        }
         CQuillet& session = run.Session();
         ClientSet set(session);
         Invocation::Check(session.RemoveVLAN(vlan.m_wsVLANID),

@@ -156,9 +156,20 @@ TEST_P(ProviderRefuses, IsOneLineWithCodeAndNameAndStatusOne) {
             arguments.push_back("--json");
         }
         const Outcome outcome = RunCommandLine(arguments);
+        const std::string message = "could not " + std::string(GetParam().message);
         EXPECT_EQ(outcome.status, 1);
-        EXPECT_EQ(outcome.out, "");
-        EXPECT_EQ(outcome.err, "quilletctl: could not " + std::string(GetParam().message) + "\n");
+        EXPECT_EQ(outcome.err, "quilletctl: " + message + "\n");
+        if (json) {
+            const Json error = Json::parse(outcome.out).at("error");
+            EXPECT_EQ(error.at("message"), message);
+            EXPECT_EQ(error.at("status"), 1);
+            // Not every code has a name.
+            const Json& name = error.at("name");
+            EXPECT_TRUE(message.ends_with(": " + error.at("code").get<std::string>() +
+                                          (name.is_null() ? "" : ' ' + name.get<std::string>())));
+        } else {
+            EXPECT_EQ(outcome.out, "");
+        }
     }
 }
 

@@ -182,13 +182,13 @@ TEST_F(Linksec, Pac_IsShownAndDeleted) {
                                                            {"issuedTo", "iid"},
                                                            {"expiryTime", 86400}}));
     EXPECT_NE(Run({"pac-show", "A", "old.pac"}).out.find("86400"), std::string::npos);
-    const Outcome deleted = Run({"pac-delete", "A", "old.pac"});
+    const Outcome deleted = Run({"pac-delete", "A", "old.pac", "--yes"});
     EXPECT_EQ(deleted.status, 0) << deleted.err;
     EXPECT_EQ(deleted.out, "PAC file deleted; no restart is needed\n");
     const Outcome gone = Run({"pac-show", "A", "old.pac"});
     EXPECT_EQ(gone.status, 1);
     EXPECT_EQ(gone.err, "quilletctl: could not read old.pac of A: 0x80041002 WBEM_E_NOT_FOUND\n");
-    EXPECT_EQ(Run({"pac-delete", "A", "old.pac"}).status, 1);
+    EXPECT_EQ(Run({"pac-delete", "A", "old.pac", "--yes"}).status, 1);
 }
 
 TEST_F(Linksec, Pmk_TellsWhetherThereIsOneAndSetsIt) {

@@ -199,10 +199,10 @@ TEST_F(Teams, AddAndRemove_ChangeTheMembers) {
     EXPECT_EQ(added.status, 0) << added.err;
     EXPECT_EQ(added.out, "TEAM : Zürich has 3 members: no restart is needed\n");
     EXPECT_EQ(Members(TEAM_ID).size(), 3u);
-    const Outcome removed = Run({"team", "remove", TEAM_ID, MEMBER, FIRST});
+    const Outcome removed = Run({"team", "remove", TEAM_ID, MEMBER, FIRST, "--yes"});
     EXPECT_EQ(removed.out, "TEAM : Zürich has 1 member: no restart is needed\n");
     EXPECT_EQ(Members(TEAM_ID), (std::vector<std::string>{OTHER_MEMBER + std::string(" primary")}));
-    const Outcome stranger = Run({"team", "remove", TEAM_ID, SECOND});
+    const Outcome stranger = Run({"team", "remove", TEAM_ID, SECOND, "--yes"});
     EXPECT_EQ(stranger.status, 2);
     EXPECT_NE(stranger.err.find(" is no member of TEAM : Zürich"), std::string::npos) << stranger.err;
     const Outcome problems = Run({"team", "add", TEAM_ID, FAST_ETHERNET, FIRST});
@@ -226,11 +226,11 @@ TEST_F(Teams, Modify_ChangesNameAndMode) {
 }
 
 TEST_F(Teams, Delete_TakesTheTeamAway) {
-    const Outcome outcome = Run({"team", "delete", TEAM_ID});
+    const Outcome outcome = Run({"team", "delete", TEAM_ID, "--yes"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.out, "deleted TEAM : Zürich: no restart is needed\n");
     EXPECT_EQ(Run({"team", "list"}).out, "no teams\n");
-    EXPECT_EQ(Run({"team", "delete", TEAM_ID}).status, 2);
+    EXPECT_EQ(Run({"team", "delete", TEAM_ID, "--yes"}).status, 2);
 }
 
 TEST_F(Teams, Primary_ChangesTheRole) {
@@ -283,8 +283,8 @@ TEST_F(Teams, AFailureInsideTheSet_ClosesIt) {
     mof.replace(include, mof.find('\n', include) - include,
                 ReadFile(QUILLET_SOURCE_DIR "/simulator/machines/builtin.mof"));
     WriteFile(InFolder("faulty.mof"), mof);
-    const Outcome outcome =
-        RunCommandLine({"--simulate", Utf8(InFolder("faulty.mof")), "team", "delete", TEAM_ID, "--journal"});
+    const Outcome outcome = RunCommandLine(
+        {"--simulate", Utf8(InFolder("faulty.mof")), "team", "delete", TEAM_ID, "--yes", "--journal"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "quilletctl: could not delete TEAM : Zürich: 0x80041003 WBEM_E_ACCESS_DENIED\n");
     EXPECT_LT(outcome.out.find("DeleteInstance"), outcome.out.find(", Apply(")) << outcome.out;

@@ -33,11 +33,11 @@ TEST_P(BadUsage, IsOneLineOnTheErrorStreamAndStatusTwo) {
 INSTANTIATE_TEST_SUITE_P(
     Lines, BadUsage,
     testing::Values(
-        BadLine{{}, "a command is needed: adapter, "}, BadLine{{"--json"}, "a command is needed"},
-        BadLine{{"adapter"}, "adapter needs a verb: list"}, BadLine{{"adaptor", "list"}, "adaptor"},
-        BadLine{{"adapter", "lost"}, "lost"}, BadLine{{"adapter", "list", "more"}, "more"},
-        BadLine{{"adapter", "list", "--colour"}, "--colour"}, BadLine{{"adapter", "list", "/json"}, "/json"},
-        BadLine{{"warnings", "version"}, "one command at a time"},
+        BadLine{{}, "a command is needed: adapter, "}, BadLine{{"adapter"}, "adapter needs a verb: list"},
+        BadLine{{"adaptor", "list"}, "adaptor"}, BadLine{{"adapter", "lost"}, "lost"},
+        BadLine{{"adapter", "list", "more"}, "more"}, BadLine{{"adapter", "list", "--colour"}, "--colour"},
+        BadLine{{"adapter", "list", "/json"}, "/json"},
+        BadLine{{"warnings", "version"}, "takes no further word"},
         BadLine{{"adapter", "list", "--machine"}, "--machine"},
         BadLine{{"adapter", "list", "--machine", "\\\\"}, "--machine"},
         BadLine{{"adapter", "list", "--state"}, "--state"},
@@ -53,7 +53,7 @@ TEST(Usage, Help_GoesToTheOutputAndListsEveryCommand) {
     EXPECT_EQ(outcome.err, "");
     for (const char* word :
          {"adapter", "warnings", "trace", "transaction", "version", "--machine", "--simulate", "--state",
-          "--json", "--journal", "--yes", "--no-color", "Exit status"}) {
+          "--json", "--journal", "--yes", "--no-color", "Exit status", "help"}) {
         EXPECT_NE(outcome.out.find(word), std::string::npos) << word;
     }
 }

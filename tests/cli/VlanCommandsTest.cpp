@@ -197,13 +197,14 @@ TEST_F(VlanCommands, Modify_WithSomethingInTheWay_ChangesNothing) {
 }
 
 TEST_F(VlanCommands, Remove_TakesItAway) {
-    ExpectText(Run({"remove", TEAM, "12"}), 0,
+    ExpectText(Run({"remove", TEAM, "12", "--yes"}), 0,
                "removed VLAN 12 \"Büro\" from TEAM : Zürich\nno restart is needed\n");
     EXPECT_EQ(Numbers(TEAM), (std::vector<int>{0, 340}));
-    ExpectUsage(Run({"remove", TEAM, "12"}), "TEAM : Zürich has no VLAN 12; see quilletctl vlan list");
-    ExpectUsage(Run({"remove", TEAM, "12x"}),
+    ExpectUsage(Run({"remove", TEAM, "12", "--yes"}),
+                "TEAM : Zürich has no VLAN 12; see quilletctl vlan list");
+    ExpectUsage(Run({"remove", TEAM, "12x", "--yes"}),
                 "\"12x\" is no VLAN ID: a number is needed, 0 for the untagged VLAN");
-    EXPECT_EQ(RunJson({"remove", TEAM, "340"}).at("vlan").at("name"), "VoIP");
+    EXPECT_EQ(RunJson({"remove", TEAM, "340", "--yes"}).at("vlan").at("name"), "VoIP");
 }
 
 TEST_F(VlanCommands, ProviderThatRefuses_IsOneLineAndTheSetIsClosed) {
