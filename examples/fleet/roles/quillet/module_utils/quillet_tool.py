@@ -101,7 +101,8 @@ class Tool:
 
     def __init__(self, run, command, machine=None, simulate=None, state=None):
         self.run = run
-        self.words = list(command) + ["--json"]
+        # Whoever runs the role has agreed already.
+        self.words = list(command) + ["--json", "--yes"]
         for option, value in (("--machine", machine), ("--simulate", simulate), ("--state", state)):
             if value:
                 self.words.append(f"{option}={value}")
