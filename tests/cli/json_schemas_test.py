@@ -1,0 +1,159 @@
+#!/usr/bin/env python3
+"""Holds what every command of quilletctl answers with --json against its JSON Schema in docs/json.
+
+Each schema is strict: every answer is also tried with a key too many and with a key too few, everywhere, and must be
+refused then. Usage: json_schemas_test.py PROGRAM SCHEMAS MACHINE MAKE_FLASH_IMAGE (needs Debian's python3-jsonschema)
+"""
+import copy
+import json
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+from jsonschema import Draft202012Validator, RefResolver
+
+PROGRAM, SCHEMAS, MACHINE, MAKE_FLASH_IMAGE = (pathlib.Path(argument).resolve() for argument in sys.argv[1:5])
+
+TEAM = "TEAM : Zürich"
+PORT = "Zorel 10G Dual Port Server Adapter"
+OTHER_PORT = "Zorel 10G Dual Port Server Adapter #2"
+FREE = "Zorel Gigabit Server Adapter (東京)"
+MEMBER = "Zorel Quad Port Gigabit Server Adapter #2"
+SECURE = "Zorel Gigabit Server Adapter #2"
+# Beside what the machine has: an adapter with link security, secrets included.
+MORE = """
+instance of Zorel_LinkSecConfiguration { DeviceID = "{B8A405BF-61B9-5217-AADA-670F163E6DF1}"; OuterEAPType = 2;
+    LinksecCredPassword = "secret"; strTXSAKey = "secret"; strSecStats = "InPktsOK 7\\n"; };
+instance of Zorel_PACFile { DeviceID = "{B8A405BF-61B9-5217-AADA-670F163E6DF1}"; FileName = "old.pac"; };
+instance of Zorel_PACFile { DeviceID = ""; FileName = "new.pac"; PACFilePassword = "secret"; };
+"""
+
+# The lines of one run, each on the machine that the one before it left; with the exit status where it is not 0.
+LINES = [
+    (["adapter", "list"],), (["adapter", "show", FREE],), (["adapter", "capabilities", FREE],),
+    (["adapter", "ports", MEMBER],), (["adapter", "identify", FREE, "--seconds", "1"],),
+    (["setting", "list", FREE],), (["setting", "list", TEAM, "--of", "team"],), (["setting", "list", "VoIP", "--of=vlan"],),
+    (["setting", "list", FREE, "--of", "boot-agent"],), (["setting", "get", FREE, "*FlowControl"],),
+    (["setting", "set", FREE, "*JumboPacket", "9014"],), (["setting", "set", FREE, "*JumboPacket", "9014"],),
+    (["setting", "set", FREE, "DriverDate", "2012-01-01"], 3), (["setting", "set", FREE, "*TransmitBuffers", "7"], 1),
+    (["setting", "set", "--all-adapters", "*JumboPacket", "4088"],),
+    (["profile", "list"],), (["power", "show", FREE],), (["power", "set", FREE, "--mode", "1"],),
+    (["power", "reapply", FREE],), (["wol", "show", FREE],), (["wol", "set", FREE, "--magic-packet", "on"],),
+    (["vlan", "list"],), (["vlan", "check", TEAM, "12", "VoIP"], 3), (["vlan", "check", TEAM, "100", "Lab"],),
+    (["vlan", "add", TEAM, "12", "VoIP"], 3), (["vlan", "add", TEAM, "100", "Lab", "--through", "101"],),
+    (["vlan", "modify", TEAM, "100", "--name", "Labor"],), (["vlan", "modify", TEAM, "101", "--id", "100"], 3),
+    (["vlan", "remove", TEAM, "100", "--yes"],),
+    (["team", "list"],), (["team", "show", TEAM],), (["team", "modes", PORT, OTHER_PORT],),
+    (["team", "modes", "--team", TEAM],), (["team", "create", "Front", PORT, OTHER_PORT, "--mode", "4"],),
+    (["team", "create", "Front", PORT], 3), (["team", "add", TEAM, FREE],), (["team", "primary", FREE],),
+    (["team", "remove", TEAM, FREE, "--yes"],), (["team", "modify", TEAM, "--name", "Back"],),
+    (["team", "switch-test", "Front"],), (["team", "delete", "Front", "--yes"],),
+    (["linksec", "show", SECURE],), (["linksec", "pac-show", SECURE, "old.pac"],), (["linksec", "pmk", SECURE],),
+    (["linksec", "stats", SECURE],), (["linksec", "set-keys", SECURE],), (["linksec", "set-auth", SECURE],),
+    (["linksec", "pmk", SECURE],), (["linksec", "import-pac", SECURE, "new.pac"],),
+    (["linksec", "pac-delete", SECURE, "old.pac", "--yes"],),
+    (["diag", "list", FREE],), (["diag", "run", FREE, "1", "--interval", "10"],), (["diag", "stop", FREE, "1"],),
+    (["boot", "show", FREE],), (["boot", "read", FREE, "flash.bin"],), (["boot", "inspect", FREE, "new.img"],),
+    (["boot", "verify", FREE, "new.img"],), (["boot", "write", FREE, "new.img", "--yes"],),
+    (["iscsi", "list"],), (["iscsi", "show", FREE],), (["iscsi", "set", FREE, "primary"],),
+    (["warnings"],), (["trace"],), (["transaction", "try"],), (["version"],), (["help"],), (["help", "vlan", "add"],),
+    (["adapter", "show", "nobody"], 2), (["adapter", "shew"], 2), (["linksec", "stats", FREE], 1),
+]
+# What these read from a descriptor.
+SECRETS = {"set-keys": "one\ntwo\n", "set-auth": "one\n", "import-pac": "secret\n"}
+
+
+def objects_in(document, path=(), most=None):
+    """The places of the objects in a document, of those in a list only the first where there are many."""
+    if isinstance(document, dict):
+        yield path
+    for key, value in document.items() if isinstance(document, dict) else enumerate(document[:most]):
+        if isinstance(value, (dict, list)):
+            yield from objects_in(value, (*path, key), most)
+
+
+def at(document, path):
+    for key in path:
+        document = document[key]
+    return document
+
+
+class Schemas(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.schemas = {file.stem: json.loads(file.read_text(encoding="utf-8")) for file in SCHEMAS.glob("*.json")}
+        cls.folder = tempfile.TemporaryDirectory()
+        folder = pathlib.Path(cls.folder.name)
+        (folder / "lab.mof").write_text(MACHINE.read_text(encoding="utf-8") + MORE, encoding="utf-8")
+        subprocess.run([MAKE_FLASH_IMAGE, folder / "new.img", "PXE:1.4.0", "iSCSI:2.1.7:1:3"], check=True,
+                       capture_output=True)
+        environment = {**os.environ, "Temp": cls.folder.name}
+        cls.answers = []
+        for line, *status in LINES:
+            words, descriptors = [PROGRAM, "--state", "lab.mof", "--json", *line], ()
+            secret = SECRETS.get(line[1]) if len(line) > 1 else None
+            if secret:
+                reading, writing = os.pipe()
+                os.write(writing, secret.encode())
+                os.close(writing)
+                words, descriptors = [*words, "--secret-fd", str(reading)], (reading,)
+            run = subprocess.run(words, cwd=folder, env=environment, capture_output=True, pass_fds=descriptors, check=False)
+            for descriptor in descriptors:
+                os.close(descriptor)
+            cls.answers.append((line, status[0] if status else 0, run))
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.folder.cleanup()
+
+    def validator(self, name):
+        resolver = RefResolver((SCHEMAS / f"{name}.json").as_uri(), self.schemas[name],
+                               store={(SCHEMAS / "common.json").as_uri(): self.schemas["common"]})
+        return Draft202012Validator(self.schemas[name], resolver=resolver)
+
+    @staticmethod
+    def schema_for(line, answer):
+        return "error" if set(answer) == {"error"} else "-".join(line[:2] if line[0] not in
+                                                                 ("warnings", "trace", "version", "help") else line[:1])
+
+    def test_every_answer_fits_and_nothing_else_does(self):
+        used = set()
+        for line, status, run in self.answers:
+            with self.subTest(line=" ".join(line)):
+                self.assertEqual(run.returncode, status, run.stdout.decode() + run.stderr.decode())
+                answer = json.loads(run.stdout)
+                name = self.schema_for(line, answer)
+                used.add(name)
+                validator = self.validator(name)
+                validator.validate(answer)
+                for path in objects_in(answer, most=3):
+                    changed = copy.deepcopy(answer)
+                    at(changed, path)["unexpected"] = 1
+                    self.assertFalse(validator.is_valid(changed), f"a key too many at {path}")
+                    for key in at(answer, path):
+                        changed = copy.deepcopy(answer)
+                        del at(changed, path)[key]
+                        self.assertFalse(validator.is_valid(changed), f"without {key} at {path}")
+        self.assertEqual(used, set(self.schemas) - {"common"}, "every schema is used, and every answer has one")
+
+    def test_every_command_has_a_schema(self):
+        tree = next(json.loads(run.stdout) for line, _, run in self.answers if line == ["help"])
+        self.assertEqual({command["name"].replace(" ", "-") for command in tree["commands"]},
+                         set(self.schemas) - {"common", "error"})
+
+    def test_the_schemas_are_schemas_and_strict(self):
+        for name, schema in self.schemas.items():
+            with self.subTest(schema=name):
+                Draft202012Validator.check_schema(schema)
+                for path in objects_in(schema):
+                    part = at(schema, path)
+                    if part.get("type") == "object" and path[-1:] != ("properties",):
+                        self.assertIs(part["additionalProperties"], False, path)
+                        self.assertEqual(part["required"], list(part["properties"]), path)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
