@@ -356,7 +356,7 @@ class Reading(unittest.TestCase):
     def test_where_quilletctl_is_pointed(self):
         tool = self.tool((0, "{}", ""), machine="host", simulate="a.mof", state="b.mof")
         tool.ask(["vlan", "modify"], ["-x", "5"], ["--name=-y"])
-        words = "wrap quilletctl --json --machine=host --simulate=a.mof --state=b.mof vlan modify --name=-y -- -x 5"
+        words = "wrap quilletctl --json --yes --machine=host --simulate=a.mof --state=b.mof vlan modify --name=-y -- -x 5"
         self.assertEqual(" ".join(self.asked[0]), words)
 
     def test_no_more_than_a_description_needs(self):
@@ -365,7 +365,7 @@ class Reading(unittest.TestCase):
         teams = (0, '{"teams": []}', "")
         tool = self.tool(adapters, teams)
         read(tool, [{"name": "Port 1"}], [])
-        self.assertEqual([words[3:5] for words in self.asked], [["adapter", "list"], ["team", "list"]])
+        self.assertEqual([words[4:6] for words in self.asked], [["adapter", "list"], ["team", "list"]])
         shown = (0, '{"macAddress": "02-00-5E-00-00-01", "slotId": "Slot 1", "portNumber": "1"}', "")
         tool = self.tool(adapters, shown, teams, (0, '{"vlans": []}', ""), (0, '{"settings": []}', ""))
         machine = read(tool, [{"slot": "Slot 1", "settings": {"x": 1}, "vlans": [{"id": 1}]}], [])
