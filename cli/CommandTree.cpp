@@ -82,7 +82,8 @@ CommandTree::CommandTree() : m_app(std::make_unique<CLI::App>("", "quilletctl"))
     for (const char* name : {"--help", "--version"}) {
         OptionDescription option;
         option.name = name;
-        option.description = option.name == "--help" ? "Print what the command takes (also -h)" : "Print the version";
+        option.description =
+            option.name == "--help" ? "Print what the command takes (also -h)" : "Print the version";
         m_description.options.push_back(std::move(option));
     }
     m_app->set_version_flag("--version", "quilletctl " QUILLETCTL_VERSION);
@@ -230,7 +231,11 @@ std::string CommandTree::MistakeText(const std::vector<std::string>& line,
             return ShownName(*argument) + ": " + ListOf(argument->words) + " is needed";
         }
     }
-    return command == nullptr ? "not understood" : "words are missing; usage: " + UsageOf(*command);
+    if (command == nullptr) {
+        return "not understood";
+    }
+    const bool areTooMany = parserText.find("At Most") != std::string::npos;
+    return (areTooMany ? "too many words; usage: " : "words are missing; usage: ") + UsageOf(*command);
 }
 
 Command& CommandTree::Parse(const std::vector<std::string>& arguments) {

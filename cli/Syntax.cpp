@@ -96,6 +96,7 @@ void Syntax::OptionalText(const std::string& name, bool& isGiven, std::string& v
                                                                given.empty() ? std::string() : given.front();
                                                        })
         ->expected(0, 1)
+        ->allow_extra_args(false)
         ->trigger_on_parse();
 }
 

@@ -370,7 +370,7 @@ class Reading(unittest.TestCase):
         tool = self.tool(adapters, shown, teams, (0, '{"vlans": []}', ""), (0, '{"settings": []}', ""))
         machine = read(tool, [{"slot": "Slot 1", "settings": {"x": 1}, "vlans": [{"id": 1}]}], [])
         self.assertEqual(
-            [words[3:] for words in self.asked[1:]],
+            [words[4:] for words in self.asked[1:]],
             [["adapter", "show", "--", "{1}"], ["team", "list"], ["vlan", "list"], ["setting", "list", "--", "{1}"]],
         )
         self.assertEqual(machine.adapters[0].slot, "Slot 1")
