@@ -8,6 +8,9 @@
 #include <algorithm>
 #include <cstring>
 #include <cwchar>
+#include <iterator>
+#include <limits>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -86,6 +89,37 @@ std::size_t FormatBounded(wchar_t* target, std::size_t capacity, const wchar_t* 
     }
     return std::wcslen(target);
 }
+
+constexpr wchar_t kLowerDigits[] = L"0123456789abcdef";
+constexpr wchar_t kUpperDigits[] = L"0123456789ABCDEF";
+
+/// Puts a line's head together; what does not fit is cut.
+class HeadText {
+  public:
+    HeadText(wchar_t* target, std::size_t room) noexcept : m_target(target), m_room(room) {}
+
+    HeadText& Text(std::wstring_view text) noexcept {
+        const std::size_t kept = std::min(text.size(), m_room - m_length);
+        std::copy_n(text.begin(), kept, m_target + m_length);
+        m_length += kept;
+        return *this;
+    }
+    /// @param least digits, zeros in front
+    HeadText& Number(std::uint64_t value, const wchar_t* symbols, unsigned base, std::size_t least) noexcept {
+        wchar_t digits[std::numeric_limits<std::uint64_t>::digits10 + 1];
+        std::size_t first = std::size(digits);
+        for (; value != 0 || std::size(digits) - first < least; value /= base) {
+            digits[--first] = symbols[value % base];
+        }
+        return Text(std::wstring_view(digits + first, std::size(digits) - first));
+    }
+    std::size_t Length() const noexcept { return m_length; }
+
+  private:
+    wchar_t* m_target;
+    std::size_t m_room;
+    std::size_t m_length = 0;
+};
 
 } // namespace
 
@@ -277,19 +311,31 @@ bool CLumDebug::MayWriteLine() const noexcept {
            (m_maxFileSize == 0 || LogFileLength(m_file.get()) < m_maxFileSize);
 }
 
+/// Every line pays for its head, so that is put together without a format:
+/// "%s\tPID:%x\tTID:%x\t%02.2d:%02.2d:%02.2d.%03.3d\t(%I64X)\t".
 std::size_t CLumDebug::FormatHead() noexcept {
     SYSTEMTIME now{};
     GetLocalTime(&now);
     LARGE_INTEGER counter{};
     QueryPerformanceCounter(&counter);
-    wchar_t* const line = m_lock->line;
-    line[0] = L'\0';
-    _snwprintf_s(line, kLineFeedLimit + 1, _TRUNCATE,
-                 L"%s\tPID:%x\tTID:%x\t%02.2d:%02.2d:%02.2d.%03.3d\t(%I64X)\t", m_processName->c_str(),
-                 static_cast<unsigned>(GetCurrentProcessId()), static_cast<unsigned>(GetCurrentThreadId()),
-                 int{now.wHour}, int{now.wMinute}, int{now.wSecond}, int{now.wMilliseconds},
-                 static_cast<unsigned long long>(counter.QuadPart));
-    return wcsnlen(line, kLineFeedLimit);
+    HeadText head(m_lock->line, kLineFeedLimit);
+    head.Text(*m_processName)
+        .Text(L"\tPID:")
+        .Number(GetCurrentProcessId(), kLowerDigits, 16, 1)
+        .Text(L"\tTID:")
+        .Number(GetCurrentThreadId(), kLowerDigits, 16, 1)
+        .Text(L"\t")
+        .Number(now.wHour, kLowerDigits, 10, 2)
+        .Text(L":")
+        .Number(now.wMinute, kLowerDigits, 10, 2)
+        .Text(L":")
+        .Number(now.wSecond, kLowerDigits, 10, 2)
+        .Text(L".")
+        .Number(now.wMilliseconds, kLowerDigits, 10, 3)
+        .Text(L"\t(")
+        .Number(static_cast<std::uint64_t>(counter.QuadPart), kUpperDigits, 16, 1)
+        .Text(L")\t");
+    return head.Length();
 }
 
 void CLumDebug::WriteLine(std::size_t length) noexcept {

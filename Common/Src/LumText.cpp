@@ -61,7 +61,12 @@ constexpr wchar_t Lower(wchar_t character) noexcept {
 std::size_t ToUtf8(const wchar_t* text, std::size_t length, char* target) noexcept {
     char* end = target;
     for (std::size_t index = 0; index < length;) {
-        end = PutUtf8(NextCharacter(text, length, index), end);
+        // Trace lines are ASCII but for names.
+        if (static_cast<char32_t>(text[index]) < 0x80) {
+            *end++ = static_cast<char>(text[index++]);
+        } else {
+            end = PutUtf8(NextCharacter(text, length, index), end);
+        }
     }
     return static_cast<std::size_t>(end - target);
 }

@@ -5,10 +5,12 @@
 
 #include <windows.h>
 
+#include <pthread.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <climits>
 #include <string>
 
@@ -34,6 +36,16 @@ std::wstring HostName() {
     return wide;
 }
 
+// Each of them is a system call, and every trace line and every call of the simulator asks. 0: not asked yet.
+std::atomic<DWORD> ownProcess{0};
+thread_local DWORD ownThread = 0;
+
+/// A forked child is another process, and its one thread another thread.
+[[maybe_unused]] const int forgetInChild = pthread_atfork(nullptr, nullptr, [] {
+    ownProcess.store(0, std::memory_order_relaxed);
+    ownThread = 0;
+});
+
 std::wstring ProgramPath() {
     std::string path(PATH_MAX, '\0');
     const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
@@ -48,11 +60,18 @@ HANDLE WINAPI GetCurrentProcess() noexcept {
 }
 
 DWORD WINAPI GetCurrentProcessId() noexcept {
-    return static_cast<DWORD>(getpid());
+    DWORD id = ownProcess.load(std::memory_order_relaxed);
+    if (id == 0) {
+        id = static_cast<DWORD>(getpid());
+        ownProcess.store(id, std::memory_order_relaxed);
+    }
+    return id;
 }
 
 DWORD WINAPI GetCurrentThreadId() noexcept {
-    return static_cast<DWORD>(syscall(SYS_gettid));
+    if (ownThread == 0)
+        ownThread = static_cast<DWORD>(syscall(SYS_gettid));
+    return ownThread;
 }
 
 BOOL WINAPI CloseHandle(HANDLE handle) noexcept {

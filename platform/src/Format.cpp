@@ -41,6 +41,27 @@ class Output {
 };
 
 enum class Size { Default, Char, Short, Long, Bits64, Wide };
+constexpr Size POINTER_SIZE = sizeof(void*) == 8 ? Size::Bits64 : Size::Long;
+
+/// The digits of a number, which take no memory of their own: every trace line has eight numbers in its head.
+class DigitText {
+  public:
+    DigitText(unsigned long long value, unsigned base, bool upper) {
+        const wchar_t* const symbols = upper ? L"0123456789ABCDEF" : L"0123456789abcdef";
+        for (; value; value /= base)
+            Prepend(symbols[value % base]);
+    }
+    void Prepend(wchar_t digit) { m_text[--m_first] = digit; }
+    bool Empty() const { return m_first == CAPACITY; }
+    std::wstring_view View() const { return {m_text + m_first, CAPACITY - m_first}; }
+
+  private:
+    /// 64 bits in octal, and a zero before them.
+    static constexpr std::size_t CAPACITY = 23;
+
+    wchar_t m_text[CAPACITY];
+    std::size_t m_first = CAPACITY;
+};
 
 struct Conversion {
     bool left = false;
@@ -114,34 +135,51 @@ class Formatter {
             count = count < most / 10 ? count * 10 + static_cast<int>(*m_at - L'0') : most;
         return count;
     }
-    bool Accept(const wchar_t* text) {
-        const std::size_t length = std::wcslen(text);
-        if (std::wcsncmp(m_at, text, length) != 0)
-            return false;
-        m_at += length;
+    /// Moves behind a text of the format if it stands here.
+    bool Accept(std::wstring_view text) {
+        for (std::size_t index = 0; index < text.size(); ++index) {
+            if (m_at[index] != text[index])
+                return false;
+        }
+        m_at += text.size();
         return true;
     }
     Size ReadSize() {
-        if (Accept(L"I64") || Accept(L"ll") || Accept(L"j"))
-            return Size::Bits64;
-        if (Accept(L"I32"))
+        switch (*m_at) {
+        case L'I':
+            if (Accept(L"I64"))
+                return Size::Bits64;
+            if (Accept(L"I32"))
+                return Size::Long;
+            // A lone I is a size only before an integer conversion; elsewhere it is a conversion that there
+            // is not.
+            return m_at[1] && std::wcschr(L"diouxX", m_at[1]) && Accept(L"I") ? POINTER_SIZE : Size::Default;
+        case L'z':
+        case L't':
+            ++m_at;
+            return POINTER_SIZE;
+        case L'l':
+            if (Accept(L"ll"))
+                return Size::Bits64;
+            ++m_at;
             return Size::Long;
-        // A lone I is a size only before an integer conversion; elsewhere it is a conversion that there is
-        // not.
-        const bool isPointerSize = *m_at == L'I' && m_at[1] && std::wcschr(L"diouxX", m_at[1]);
-        if ((isPointerSize && Accept(L"I")) || Accept(L"z") || Accept(L"t"))
-            return sizeof(void*) == 8 ? Size::Bits64 : Size::Long;
-        if (Accept(L"hh"))
-            return Size::Char;
-        if (Accept(L"h"))
+        case L'h':
+            if (Accept(L"hh"))
+                return Size::Char;
+            ++m_at;
             return Size::Short;
-        if (Accept(L"l"))
-            return Size::Long;
-        if (Accept(L"w"))
+        case L'j':
+            ++m_at;
+            return Size::Bits64;
+        case L'w':
+            ++m_at;
             return Size::Wide;
-        if (Accept(L"L"))
+        case L'L':
+            ++m_at;
             return Size::Default;
-        return Size::Default;
+        default:
+            return Size::Default;
+        }
     }
 
     void Convert(const Conversion& conversion) {
@@ -236,17 +274,12 @@ class Formatter {
             m_output.Put(L' ', padding);
     }
 
-    static std::wstring DigitsOf(unsigned long long value, unsigned base, bool upper) {
-        const wchar_t* const symbols = upper ? L"0123456789ABCDEF" : L"0123456789abcdef";
-        std::wstring digits;
-        for (; value; value /= base)
-            digits.push_back(symbols[value % base]);
-        std::reverse(digits.begin(), digits.end());
-        return digits;
-    }
-    static std::wstring OneDigitAtLeast(const Conversion& conversion, std::wstring digits) {
-        if (digits.empty() && conversion.precision != 0)
-            digits = L"0";
+    static DigitText DigitsOf(const Conversion& conversion, unsigned long long value, unsigned base,
+                              bool upper) {
+        DigitText digits(value, base, upper);
+        // Only a precision of 0 makes nothing of a zero.
+        if (digits.Empty() && conversion.precision != 0)
+            digits.Prepend(L'0');
         return digits;
     }
 
@@ -263,7 +296,7 @@ class Formatter {
                                       : conversion.space ? L" "
                                                          : L"";
         Digits(conversion, prefix,
-               OneDigitAtLeast(conversion, DigitsOf(value < 0 ? 0 - magnitude : magnitude, 10, false)));
+               DigitsOf(conversion, value < 0 ? 0 - magnitude : magnitude, 10, false).View());
     }
 
     void Unsigned(const Conversion& conversion, unsigned base, bool upper) {
@@ -274,19 +307,19 @@ class Formatter {
             value = static_cast<unsigned short>(value);
         else if (conversion.size == Size::Char)
             value = static_cast<unsigned char>(value);
-        std::wstring digits = OneDigitAtLeast(conversion, DigitsOf(value, base, upper));
+        DigitText digits = DigitsOf(conversion, value, base, upper);
         std::wstring_view prefix;
         if (conversion.alternative && base == 16 && value)
             prefix = upper ? L"0X" : L"0x";
-        if (conversion.alternative && base == 8 && (digits.empty() || digits.front() != L'0'))
-            digits.insert(0, 1, L'0');
-        Digits(conversion, prefix, digits);
+        if (conversion.alternative && base == 8 && (digits.Empty() || digits.View().front() != L'0'))
+            digits.Prepend(L'0');
+        Digits(conversion, prefix, digits.View());
     }
 
     void Pointer(Conversion conversion) {
         const auto value = reinterpret_cast<std::uintptr_t>(va_arg(m_arguments.list, void*));
         conversion.precision = static_cast<int>(2 * sizeof value);
-        Digits(conversion, {}, DigitsOf(value, 16, true));
+        Digits(conversion, {}, DigitText(value, 16, true).View());
     }
 
     void WideText(const Conversion& conversion) {

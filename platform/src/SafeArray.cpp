@@ -109,10 +109,18 @@ void ClearElements(SAFEARRAY* array, ULONG first, ULONG end) noexcept {
         for (ULONG i = first; i < end; ++i)
             VariantClear(&variants[i]);
     }
+}
+
+void ZeroElements(SAFEARRAY* array, ULONG first, ULONG end) noexcept {
     if (end > first) {
         std::memset(static_cast<char*>(array->pvData) + static_cast<std::size_t>(first) * array->cbElements,
                     0, static_cast<std::size_t>(end - first) * array->cbElements);
     }
+}
+
+/// Whether elements are just their bytes.
+bool IsPlain(const SAFEARRAY* array) noexcept {
+    return (array->fFeatures & (FADF_BSTR | FADF_UNKNOWN | FADF_DISPATCH | FADF_VARIANT)) == 0;
 }
 
 /// Copies one element into a place that holds nothing.
@@ -177,7 +185,11 @@ SAFEARRAY* AllocateDescriptor(VARTYPE type, UINT dimensions) noexcept {
     return array;
 }
 
-SAFEARRAY* Create(VARTYPE type, UINT dimensions, const SAFEARRAYBOUND* bounds, bool reversed) noexcept {
+enum class Contents { Zero, Open };
+
+/// @param contents Open: the caller writes every element at once; only for plain ones.
+SAFEARRAY* Create(VARTYPE type, UINT dimensions, const SAFEARRAYBOUND* bounds, bool reversed,
+                  Contents contents = Contents::Zero) noexcept {
     if (ElementSize(type) == 0)
         return nullptr;
     const auto cells = CellCount(bounds, dimensions, ElementSize(type));
@@ -189,7 +201,9 @@ SAFEARRAY* Create(VARTYPE type, UINT dimensions, const SAFEARRAYBOUND* bounds, b
     for (UINT i = 0; i < dimensions; ++i)
         array->rgsabound[i] = bounds[reversed ? dimensions - 1 - i : i];
     const std::size_t bytes = static_cast<std::size_t>(*cells) * array->cbElements;
-    array->pvData = MustFail() ? nullptr : std::calloc(1, bytes ? bytes : 1);
+    if (!MustFail())
+        array->pvData =
+            contents == Contents::Open ? std::malloc(bytes ? bytes : 1) : std::calloc(1, bytes ? bytes : 1);
     if (!array->pvData) {
         std::free(HiddenOf(array));
         return nullptr;
@@ -244,7 +258,9 @@ HRESULT WINAPI SafeArrayDestroyData(SAFEARRAY* array) {
         return DISP_E_ARRAYISLOCKED;
     if (array->pvData) {
         ClearElements(array, 0, Cells(array));
-        if (!(array->fFeatures & FADF_STATIC)) {
+        if (array->fFeatures & FADF_STATIC) {
+            ZeroElements(array, 0, Cells(array));
+        } else {
             std::free(array->pvData);
             array->pvData = nullptr;
         }
@@ -273,10 +289,18 @@ HRESULT WINAPI SafeArrayCopy(SAFEARRAY* array, SAFEARRAY** copy) {
     const HRESULT typed = SafeArrayGetVartype(array, &type);
     if (FAILED(typed))
         return typed;
-    SAFEARRAY* const made = Create(type, array->cDims, array->rgsabound, false);
+    // Without cells there is nothing that would be copied over what is in the new array.
+    const ULONG cells = Cells(array);
+    const bool inOnePiece = IsPlain(array) && cells != 0;
+    SAFEARRAY* const made =
+        Create(type, array->cDims, array->rgsabound, false, inOnePiece ? Contents::Open : Contents::Zero);
     if (!made)
         return E_OUTOFMEMORY;
-    const ULONG cells = Cells(array);
+    if (inOnePiece) {
+        std::memcpy(made->pvData, array->pvData, static_cast<std::size_t>(cells) * array->cbElements);
+        *copy = made;
+        return S_OK;
+    }
     const auto* const from = static_cast<const char*>(array->pvData);
     auto* const to = static_cast<char*>(made->pvData);
     for (ULONG i = 0; i < cells; ++i) {
@@ -393,6 +417,7 @@ HRESULT WINAPI SafeArrayPutElement(SAFEARRAY* array, LONG* indices, void* elemen
         static_cast<std::size_t>(static_cast<char*>(place) - static_cast<char*>(array->pvData)) /
         array->cbElements);
     ClearElements(array, cell, cell + 1);
+    ZeroElements(array, cell, cell + 1);
     std::memcpy(place, copy, array->cbElements);
     return S_OK;
 }

@@ -33,8 +33,13 @@ void Fill(LPSYSTEMTIME time, const timespec& now, const std::tm& parts) {
 void WINAPI GetLocalTime(LPSYSTEMTIME time) {
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
-    std::tm parts{};
-    localtime_r(&now.tv_sec, &parts);
+    // The calendar takes its time and a lock; most who ask again do so within the same second.
+    thread_local std::time_t second = -1;
+    thread_local std::tm parts{};
+    if (now.tv_sec != second) {
+        localtime_r(&now.tv_sec, &parts);
+        second = now.tv_sec;
+    }
     Fill(time, now, parts);
 }
 
