@@ -108,12 +108,19 @@ std::optional<std::wstring> ClassObject::Path() const {
 }
 
 std::optional<std::wstring> ClassObject::FullPath() const {
+    if (m_path && !m_own) {
+        return m_path;
+    }
     const auto relative = RelativePath();
     if (!relative) {
         return std::nullopt;
     }
     const auto& store = m_session->machine->Store();
-    return L"\\\\" + store.ServerName() + L'\\' + store.NamespaceName() + L':' + *relative;
+    std::wstring path = L"\\\\" + store.ServerName() + L'\\' + store.NamespaceName() + L':' + *relative;
+    if (!m_own) {
+        m_path = path;
+    }
+    return path;
 }
 
 Instance& ClassObject::Writable() {

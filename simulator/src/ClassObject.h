@@ -96,6 +96,7 @@ class ClassObject final : public ComObject<IWbemClassObject, IID_IWbemClassObjec
     InstancePtr m_shared;            ///< the values as the repository has them, until the first change
     std::unique_ptr<Instance> m_own; ///< the values with the client's changes
     std::vector<NamedValue> m_puts;
+    mutable std::optional<std::wstring> m_path; ///< of the shared values, once it was asked for
     const Instance& Data() const { return m_own ? *m_own : *m_shared; }
     Instance& Writable();
 

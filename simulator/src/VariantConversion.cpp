@@ -112,22 +112,25 @@ HRESULT FillArray(const Value::Array& elements, VARTYPE vt, LONG lowerBound, VAR
     return S_OK;
 }
 
-/// The same for bytes, in one piece.
+/// The same for bytes, in one piece: a copy of an array that has them on loan. A new array would be filled
+/// with zeros first, and flash images are long.
 HRESULT FillBytes(const Value::Bytes& bytes, LONG lowerBound, VARIANT* variant) {
     VariantInit(variant);
-    SAFEARRAY* array = SafeArrayCreateVector(VT_UI1, lowerBound, static_cast<ULONG>(bytes.size()));
-    if (array == nullptr) {
+    SAFEARRAY* lender = SafeArrayCreateVector(VT_UI1, lowerBound, 0);
+    if (lender == nullptr) {
         return HRESULT(WBEM_E_OUT_OF_MEMORY);
     }
-    void* raw = nullptr;
-    if (const HRESULT result = SafeArrayAccessData(array, &raw); FAILED(result)) {
-        SafeArrayDestroy(array);
-        return result;
+    void* const own = lender->pvData;
+    lender->pvData = const_cast<std::uint8_t*>(bytes.data());
+    lender->rgsabound[0].cElements = static_cast<ULONG>(bytes.size());
+    SAFEARRAY* array = nullptr;
+    const HRESULT copied = SafeArrayCopy(lender, &array);
+    lender->pvData = own;
+    lender->rgsabound[0].cElements = 0;
+    SafeArrayDestroy(lender);
+    if (FAILED(copied)) {
+        return HRESULT(WBEM_E_OUT_OF_MEMORY);
     }
-    if (!bytes.empty()) {
-        std::memcpy(raw, bytes.data(), bytes.size());
-    }
-    SafeArrayUnaccessData(array);
     V_VT(variant) = VT_ARRAY | VT_UI1;
     V_ARRAY(variant) = array;
     return S_OK;
