@@ -1,0 +1,96 @@
+// Reading a boot agent's flash memory against copying the same bytes.
+#include "Bench.h"
+
+#include <quillet-simulator/FlashImage.h>
+
+#include <cstring>
+#include <new>
+
+namespace quillet::bench {
+
+namespace {
+
+constexpr std::size_t BYTES = 16u << 20;
+constexpr const wchar_t* AGENT = L"Zorel_BootAgent.Name=\"{A1}\"";
+
+std::vector<std::uint8_t> Image() {
+    std::vector<std::uint8_t> contents(BYTES - 4096);
+    std::uint32_t seed = 1;
+    for (std::uint8_t& byte : contents) {
+        seed = seed * 1664525u + 1013904223u;
+        byte = static_cast<std::uint8_t>(seed >> 24);
+    }
+    std::vector<std::uint8_t> image = simulator::WriteFlashImage({{L"PXE", L"1.0.0", 0, 1, contents}});
+    // Up to the size to the byte.
+    contents.resize(contents.size() + BYTES - image.size());
+    return simulator::WriteFlashImage({{L"PXE", L"1.0.0", 0, 1, contents}});
+}
+
+/// A machine whose boot agent has the image.
+Lab& FlashLab() {
+    static const bool written = [] {
+        Lab& lab = LabOf({.adapters = 1, .iscsiPorts = 1});
+        std::vector<std::uint8_t> image = Image();
+        CSettings types;
+        auto* type = new CSettingString;
+        type->m_wsCaption = L"PXE";
+        types.m_vecItems.push_back(type);
+        int returnCode = -1;
+        return SUCCEEDED(lab.quillet.WriteBootAgentFlash(AGENT, static_cast<LONG>(image.size()), image.data(),
+                                                         types, returnCode)) &&
+               returnCode == 0;
+    }();
+    Lab& lab = LabOf({.adapters = 1, .iscsiPorts = 1});
+    if (!written) {
+        throw std::runtime_error("the flash memory can not be written");
+    }
+    return lab;
+}
+
+void ReadFlash(benchmark::State& state) {
+    Lab& lab = FlashLab();
+    Measure(state, lab, [&]() -> HRESULT {
+        LONG size = 0;
+        unsigned char* data = nullptr;
+        const HRESULT result = lab.quillet.ReadBootAgentFlash(AGENT, size, &data);
+        benchmark::DoNotOptimize(data);
+        ::operator delete(data);
+        return FAILED(result) ? result : size == LONG{BYTES} ? S_OK : E_UNEXPECTED;
+    });
+    state.SetBytesProcessed(state.iterations() * std::int64_t{BYTES});
+}
+
+/// Into a buffer that the caller then owns, as the operation does it.
+void CopyBytes(benchmark::State& state) {
+    const std::vector<std::uint8_t> image = Image();
+    for (auto _ : state) {
+        void* const data = ::operator new(BYTES);
+        std::memcpy(data, image.data(), BYTES);
+        benchmark::DoNotOptimize(data);
+        benchmark::ClobberMemory();
+        ::operator delete(data);
+    }
+    state.SetBytesProcessed(state.iterations() * std::int64_t{BYTES});
+}
+
+/// Into one buffer again and again: no page of it is new.
+void CopyBytesInPlace(benchmark::State& state) {
+    const std::vector<std::uint8_t> image = Image();
+    std::vector<std::uint8_t> target(BYTES);
+    for (auto _ : state) {
+        std::memcpy(target.data(), image.data(), BYTES);
+        benchmark::DoNotOptimize(target.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetBytesProcessed(state.iterations() * std::int64_t{BYTES});
+}
+
+} // namespace
+
+void RegisterFlash() {
+    benchmark::RegisterBenchmark("flash/read_16_MiB/library", ReadFlash);
+    benchmark::RegisterBenchmark("flash/read_16_MiB/memcpy", CopyBytes);
+    benchmark::RegisterBenchmark("flash/read_16_MiB/memcpy_in_place", CopyBytesInPlace);
+}
+
+} // namespace quillet::bench

@@ -1,0 +1,84 @@
+// An operation of the library against the same provider calls written by hand.
+#include "Bench.h"
+
+namespace quillet::bench {
+
+namespace {
+
+using Use = PlainClient::Use;
+
+constexpr MachineSize ADAPTERS{.adapters = 1000};
+constexpr MachineSize SETTINGS{.adapters = 1, .settings = 60};
+
+/// One operation, done by the library and by hand.
+struct Contest {
+    const char* name;
+    MachineSize size;
+    HRESULT (*library)(Lab&);
+    HRESULT (*plain)(Lab&, Use);
+};
+
+/// The adapter that every machine has, as the operations name it and by its object ID.
+const std::wstring FIRST_ADAPTER = AdapterId(1);
+constexpr const wchar_t* FIRST_OBJECT_ID = L"{A1}";
+
+HRESULT Enumerated(std::size_t count, std::size_t expected) {
+    return count == expected ? S_OK : E_UNEXPECTED;
+}
+
+const Contest CONTESTS[] = {
+    {"enumerate_1000_adapters", ADAPTERS,
+     [](Lab& lab) {
+         CAdapters adapters;
+         const HRESULT result = lab.quillet.EnumerateAdapters(adapters);
+         return FAILED(result) ? result : Enumerated(adapters.m_vecItems.size(), 1000);
+     },
+     [](Lab& lab, Use use) {
+         std::vector<PlainAdapter> adapters;
+         const HRESULT result = lab.plain.EnumerateAdapters(adapters, use);
+         return FAILED(result) ? result : Enumerated(adapters.size(), 1000);
+     }},
+    {"read_60_settings", SETTINGS,
+     [](Lab& lab) {
+         CSettings settings;
+         const HRESULT result = lab.quillet.GetAdapterSettings(FIRST_ADAPTER, settings);
+         return FAILED(result) ? result : Enumerated(settings.m_vecItems.size(), 60);
+     },
+     [](Lab& lab, Use use) {
+         std::vector<PlainSetting> settings;
+         const HRESULT result = lab.plain.GetAdapterSettings(FIRST_OBJECT_ID, settings, use);
+         return FAILED(result) ? result : Enumerated(settings.size(), 60);
+     }},
+    {"method_call", SETTINGS, [](Lab& lab) { return lab.quillet.IdentifyAdapter(FIRST_ADAPTER, 10); },
+     [](Lab& lab, Use use) {
+         LONG verdict = -1;
+         const HRESULT result = lab.plain.IdentifyAdapter(FIRST_ADAPTER, 10, verdict, use);
+         return FAILED(result) ? result : Enumerated(static_cast<std::size_t>(verdict), 0);
+     }},
+};
+
+void Library(benchmark::State& state, const Contest& contest, Tracing tracing) {
+    Lab& lab = LabOf(contest.size);
+    SetTracing(tracing);
+    Measure(state, lab, [&] { return contest.library(lab); });
+    SetTracing(Tracing::Off);
+}
+
+void Plain(benchmark::State& state, const Contest& contest, Use use) {
+    Lab& lab = LabOf(contest.size);
+    Measure(state, lab, [&] { return contest.plain(lab, use); });
+}
+
+} // namespace
+
+void RegisterOperations() {
+    for (const Contest& contest : CONTESTS) {
+        const std::string name = std::string("operation/") + contest.name + '/';
+        benchmark::RegisterBenchmark((name + "library").c_str(), Library, contest, Tracing::Off);
+        benchmark::RegisterBenchmark((name + "library_traced").c_str(), Library, contest, Tracing::On);
+        benchmark::RegisterBenchmark((name + "plain").c_str(), Plain, contest, Use::AnyThread);
+        benchmark::RegisterBenchmark((name + "plain_one_thread").c_str(), Plain, contest, Use::ThisThread);
+    }
+}
+
+} // namespace quillet::bench

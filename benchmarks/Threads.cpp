@@ -1,0 +1,97 @@
+// Two threads on one object against one thread.
+#include "Bench.h"
+
+#include <atomic>
+#include <chrono>
+#include <latch>
+#include <thread>
+#include <vector>
+
+namespace quillet::bench {
+
+namespace {
+
+constexpr MachineSize SIZE{.adapters = 100, .settings = 60};
+
+struct Work {
+    const char* name;
+    int times; ///< runs of each thread in one go; a few milliseconds of them
+    HRESULT (*run)(CQuillet&, const std::wstring& adapter);
+};
+
+const Work WORKS[] = {
+    {"enumerate_100_adapters", 20,
+     [](CQuillet& quillet, const std::wstring&) {
+         CAdapters adapters;
+         return quillet.EnumerateAdapters(adapters);
+     }},
+    {"read_60_settings", 20,
+     [](CQuillet& quillet, const std::wstring& adapter) {
+         CSettings settings;
+         return quillet.GetAdapterSettings(adapter, settings);
+     }},
+    {"method_call", 500,
+     [](CQuillet& quillet, const std::wstring& adapter) { return quillet.IdentifyAdapter(adapter, 10); }},
+    // What there is to gain: two threads that share nothing at all.
+    {"nothing_shared", 500,
+     [](CQuillet&, const std::wstring&) -> HRESULT {
+         std::uint64_t number = 1;
+         for (int step = 0; step < 5000; ++step) {
+             number = number * 6364136223846793005u + 1442695040888963407u;
+             benchmark::DoNotOptimize(number);
+         }
+         return S_OK;
+     }},
+    {"basic_information", 500,
+     [](CQuillet& quillet, const std::wstring& id) {
+         CAdapter adapter;
+         return quillet.GetAdapterBasicInfo(id, adapter);
+     }},
+};
+
+/// Each thread does all the work: twice the threads, twice the work. What is timed begins when the last
+/// thread is ready and ends when the last one is done.
+void Threads(benchmark::State& state, const Work& work, unsigned count) {
+    using Clock = std::chrono::steady_clock;
+    Lab& lab = LabOf(SIZE);
+    std::atomic<int> failures{0};
+    for (auto _ : state) {
+        lab.machine->Calls().Clear();
+        std::latch ready(count + 1);
+        std::vector<std::thread> threads;
+        for (unsigned index = 0; index < count; ++index) {
+            // Each has an adapter of its own, as the threads of a client that watches several do.
+            threads.emplace_back([&, adapter = AdapterId(index + 1)] {
+                const Apartment apartment;
+                ready.arrive_and_wait();
+                for (int time = 0; time < work.times; ++time) {
+                    failures += work.run(lab.quillet, adapter) != S_OK ? 1 : 0;
+                }
+            });
+        }
+        ready.arrive_and_wait();
+        const Clock::time_point begin = Clock::now();
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        state.SetIterationTime(std::chrono::duration<double>(Clock::now() - begin).count());
+    }
+    lab.machine->Calls().Clear();
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * work.times * count);
+    if (failures != 0) {
+        state.SkipWithError("an operation fails");
+    }
+}
+
+} // namespace
+
+void RegisterThreads() {
+    for (const Work& work : WORKS) {
+        for (const unsigned count : {1u, 2u}) {
+            const std::string name = std::string("threads/") + work.name + '/' + std::to_string(count);
+            benchmark::RegisterBenchmark(name.c_str(), Threads, work, count)->UseManualTime();
+        }
+    }
+}
+
+} // namespace quillet::bench

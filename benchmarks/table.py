@@ -1,0 +1,193 @@
+#!/usr/bin/env python3
+"""Reads the results of the benchmarks and prints the table of ratios.
+
+usage: table.py FOLDER
+
+The folder holds what scripts/bench left there: Google Benchmark's JSON of each group, wmi.json from the program that
+runs under Wine, if there is one, and machine.txt. Every figure is the median of all repetitions.
+"""
+
+import json
+import math
+import pathlib
+import statistics
+import sys
+
+FEWEST_REPETITIONS = 10
+
+# What is compared: title, the group's benchmark, the one that it is held against, and the largest ratio that is good.
+OPERATIONS = [
+    ("enumerate_1000_adapters", "enumerate 1,000 adapters"),
+    ("read_60_settings", "read one adapter's 60 settings"),
+    ("method_call", "one provider method call"),
+]
+RATIOS = [
+    row
+    for name, title in OPERATIONS
+    for row in (
+        (f"{title}, tracing off / by hand", f"operation/{name}/library", f"operation/{name}/plain", 1.05),
+        (f"{title}, tracing on / by hand", f"operation/{name}/library_traced", f"operation/{name}/plain", None),
+        (f"{title}, tracing off / by hand, one thread's proxies", f"operation/{name}/library",
+         f"operation/{name}/plain_one_thread", None),
+    )
+] + [
+    ("a trace line / spdlog, its own pattern", "trace/line/quillet", "trace/line/spdlog", 1.0),
+    ("a trace line / spdlog, the same head", "trace/line/quillet", "trace/line/spdlog_same_head", None),
+    ("fetch by path, 10,000 / 100 instances", "simulator/fetch_by_path/10000", "simulator/fetch_by_path/100", 1.3),
+    ("WQL by key, 10,000 / 100 instances", "simulator/query_by_key/10000", "simulator/query_by_key/100", None),
+    ("association query, 10,000 / 100 instances", "simulator/query_by_association/10000",
+     "simulator/query_by_association/100", None),
+    ("16 MiB flash read / memcpy", "flash/read_16_MiB/library", "flash/read_16_MiB/memcpy", 2.0),
+]
+# Throughput of two threads against one: the smallest ratio that is good.
+THREADS = [
+    ("enumerate_100_adapters", "two threads / one, enumerate 100 adapters", 1.8),
+    ("read_60_settings", "two threads / one, read 60 settings", 1.8),
+    ("method_call", "two threads / one, one provider method call", 1.8),
+    ("basic_information", "two threads / one, read one adapter", 1.8),
+    ("nothing_shared", "two threads / one, arithmetic: what the machine gives", None),
+]
+# Measured for themselves.
+ALONE = [
+    ("simulator/load_10000_instances", "loading a machine of 10,000 instances"),
+    ("trace/switched_off/quillet", "a trace line that is switched off"),
+]
+# An exponent has to be about 1 or less; caches make a large machine somewhat dearer than linear.
+LARGEST_EXPONENT = 1.1
+
+
+class Results:
+    """All measured times, by benchmark."""
+
+    def __init__(self, folder):
+        self.times, self.counters = {}, {}
+        for file in sorted(folder.glob("*.json")):
+            if file.name == "wmi.json":
+                continue
+            for run in json.loads(file.read_text(encoding="utf-8"))["benchmarks"]:
+                if run.get("run_type") == "iteration":
+                    self._add(run)
+
+    def _add(self, run):
+        name = run["name"]
+        if run.get("error_occurred"):
+            raise ValueError(f"{name}: {run.get('error_message', 'failed')}")
+        # What one thread computes is told by the processor's clock, which others on the machine disturb least.
+        wall = name.endswith("/manual_time")
+        name = name.removesuffix("/manual_time")
+        unit = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[run["time_unit"]]
+        self.times.setdefault(name, []).append(run["real_time" if wall else "cpu_time"] * unit)
+        self.counters[name] = run
+
+    def median(self, name):
+        times = self.times[name]
+        if len(times) < FEWEST_REPETITIONS:
+            raise ValueError(f"{name}: only {len(times)} repetitions")
+        return statistics.median(times)
+
+    def spread(self, name):
+        """Half the distance between the quartiles, in per cent of the median."""
+        quartiles = statistics.quantiles(self.times[name], n=4)
+        return 50 * (quartiles[2] - quartiles[0]) / self.median(name)
+
+
+def duration(nanoseconds):
+    for unit, size in (("s", 1e9), ("ms", 1e6), ("µs", 1e3)):
+        if nanoseconds >= size:
+            return f"{nanoseconds / size:.3g} {unit}"
+    return f"{nanoseconds:.3g} ns"
+
+
+def verdict(good):
+    return "" if good is None else "met" if good else "MISSED"
+
+
+def line(title, left, right, ratio, goal, outcome):
+    print(f"{title:<74} {left:>9} {right:>9} {ratio:>6}  {goal:<7} {outcome}".rstrip())
+
+
+def slope(points):
+    """The exponent k of the power n**k that fits best: the slope of a line through the logarithms."""
+    logs = [(math.log(n), math.log(value)) for n, value in points]
+    mean_x = statistics.fmean(x for x, _ in logs)
+    mean_y = statistics.fmean(y for _, y in logs)
+    return sum((x - mean_x) * (y - mean_y) for x, y in logs) / sum((x - mean_x) ** 2 for x, _ in logs)
+
+
+def print_ratios(results):
+    for title, left, right, most in RATIOS:
+        if left not in results.times:
+            continue  # only some groups were run
+        ratio = results.median(left) / results.median(right)
+        line(title, duration(results.median(left)), duration(results.median(right)), f"{ratio:.2f}",
+             f"<= {most:g}" if most else "-", verdict(ratio <= most if most else None))
+    for name, title, least in THREADS:
+        if f"threads/{name}/1" not in results.times:
+            continue
+        two, one = results.median(f"threads/{name}/2"), results.median(f"threads/{name}/1")
+        # Each thread does all the work: two do twice as much.
+        ratio = 2 * one / two
+        line(title, duration(two), duration(one), f"{ratio:.2f}", f">= {least:g}" if least else "-",
+             verdict(ratio >= least if least else None))
+
+
+def print_wmi(folder):
+    file = folder / "wmi.json"
+    if not file.exists():
+        return
+    for contest in json.loads(file.read_text(encoding="utf-8")):
+        times = [statistics.median(contest[side]) for side in ("simulator", "system")]
+        if len(contest["simulator"]) < FEWEST_REPETITIONS or len(contest["system"]) < FEWEST_REPETITIONS:
+            raise ValueError("wmi.json: too few repetitions")
+        line(f"{contest['name']}, simulator / Wine's WMI (under Wine)", duration(times[0]), duration(times[1]),
+             f"{times[0] / times[1]:.2f}", "-", "")
+
+
+def print_growth(results):
+    series = {}
+    for name in results.times:
+        parts = name.split("/")
+        if parts[0] == "growth":
+            series.setdefault((parts[1], parts[2]), []).append(int(parts[3]))
+    if not series:
+        return
+    print()
+    print(f"{'growth: the exponent k of n^k':<50} {'n':>12} {'time':>6} {'last':>6} {'calls':>6} "
+          f"{'calls at n':>11}  goal")
+    for (what, operation), sizes in series.items():
+        sizes.sort()
+        names = [f"growth/{what}/{operation}/{size}" for size in sizes]
+        times = list(zip(sizes, map(results.median, names)))
+        calls = [(size, results.counters[name]["calls"]) for size, name in zip(sizes, names)]
+        # A quadratic term hides behind a constant one at first: the last step shows it best.
+        exponents = [slope(times), slope(times[-2:])]
+        by_calls = slope(calls) if all(count > 0 for _, count in calls) else 0.0
+        good = max(*exponents, by_calls) <= LARGEST_EXPONENT
+        print(f"{operation + ', ' + what:<50} {f'{sizes[0]}..{sizes[-1]}':>12} {exponents[0]:>6.2f} "
+              f"{exponents[1]:>6.2f} {by_calls:>6.2f} {calls[-1][1]:>11,.0f}  <= 1 {verdict(good)}")
+
+
+def main(arguments):
+    if len(arguments) != 1:
+        print(__doc__.strip(), file=sys.stderr)
+        return 2
+    folder = pathlib.Path(arguments[0])
+    results = Results(folder)
+    print((folder / "machine.txt").read_text(encoding="utf-8"))
+    line("ratio", "this", "other", "ratio", "goal", "")
+    print_ratios(results)
+    print_wmi(folder)
+    print_growth(results)
+    print()
+    for name, title in ALONE:
+        if name in results.times:
+            print(f"{title}: {duration(results.median(name))}")
+    widest = max(results.times, key=results.spread, default=None)
+    if widest:
+        print(f"widest half distance between quartiles: {results.spread(widest):.0f} % ({widest})")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.stdout.reconfigure(encoding="utf-8")
+    sys.exit(main(sys.argv[1:]))
