@@ -60,7 +60,7 @@ Text Setting(const Text& classPrefix, const Text& owner, const char* ownerKind, 
             kind.values);
 }
 
-Text Profile(const Text& owner, unsigned values) {
+Text Profile(const Text& owner, unsigned values, unsigned current) {
     Text texts;
     Text numbers;
     for (unsigned value = 1; value <= values; ++value) {
@@ -70,8 +70,8 @@ Text Profile(const Text& owner, unsigned values) {
     }
     return Instance("Zorel_AdapterSettingEnum",
                     Property("Caption", "PerformanceProfile") + Property("ParentId", owner) +
-                        Property("ParentType", "NIC") + "CurrentValue=1;DefaultValue=1;DescriptionMap={" +
-                        texts + "};PossibleValues={" + numbers + "};");
+                        Property("ParentType", "NIC") + "CurrentValue=" + Number(current) +
+                        ";DefaultValue=1;DescriptionMap={" + texts + "};PossibleValues={" + numbers + "};");
 }
 
 Text Adapter(unsigned number) {
@@ -162,7 +162,7 @@ std::string MachineText(const MachineSize& size) {
             text += Setting("Zorel_AdapterSetting", id, "NIC", setting);
         }
         if (size.profiles != 0) {
-            text += Profile(id, size.profiles);
+            text += Profile(id, size.profiles, size.currentProfile);
         }
         text += TestsOf(number, size.tests);
     }

@@ -8,15 +8,16 @@ namespace quillet::test {
 
 /// How many of everything. Whatever is 0 is not there at all.
 struct MachineSize {
-    unsigned adapters = 0;     ///< dual-port boards: two adapters share a slot
-    unsigned settings = 0;     ///< advanced settings of each adapter, the kinds in turn
-    unsigned profiles = 0;     ///< values of each adapter's performance profile; the first is the one in use
-    unsigned tests = 0;        ///< diagnostic tests of each adapter
-    unsigned teams = 0;        ///< over adapters 1 to teams * members, in their order
-    unsigned members = 2;      ///< adapters of each team
-    unsigned vlans = 0;        ///< VLANs of the last adapter, and of the first team
-    unsigned iscsiPorts = 0;   ///< entries of the list of iSCSI boot adapters, for the adapters from 1 on
-    unsigned vlanSettings = 0; ///< settings of the first VLAN of each parent
+    unsigned adapters = 0;       ///< dual-port boards: two adapters share a slot
+    unsigned settings = 0;       ///< advanced settings of each adapter, the kinds in turn
+    unsigned profiles = 0;       ///< values of each adapter's performance profile
+    unsigned currentProfile = 1; ///< the value in use
+    unsigned tests = 0;          ///< diagnostic tests of each adapter
+    unsigned teams = 0;          ///< over adapters 1 to teams * members, in their order
+    unsigned members = 2;        ///< adapters of each team
+    unsigned vlans = 0;          ///< VLANs of the last adapter, and of the first team
+    unsigned iscsiPorts = 0;     ///< entries of the list of iSCSI boot adapters, for the adapters from 1 on
+    unsigned vlanSettings = 0;   ///< settings of the first VLAN of each parent
 
     auto operator<=>(const MachineSize&) const = default;
 };

@@ -1,0 +1,101 @@
+// Provider calls of the operations on diagnostics, boot agents and booting from iSCSI, and of connecting.
+#include "CallCounts.h"
+
+namespace calls {
+
+namespace {
+
+MachineSize Tests(unsigned n) {
+    return {.adapters = 3, .tests = n};
+}
+MachineSize OneMoreTest(unsigned n) {
+    return Tests(n + 1);
+}
+MachineSize BootAgents(unsigned n) {
+    return {.adapters = n + 1, .iscsiPorts = n};
+}
+MachineSize OneMoreBootAgent(unsigned n) {
+    return BootAgents(n + 1);
+}
+
+constexpr const wchar_t* FIRST_TEST = LR"(Zorel_DiagTest.Name="Test 1 - Adapter 1")";
+
+const Operation OPERATIONS[] = {
+    {"EnumerateDiagnostics", Tests,
+     [](CQuillet& q, unsigned) {
+         CDiagTests all;
+         return q.EnumerateDiagnostics(AdapterId(2), all);
+     },
+     // The tests that are associated with the adapter, not those of its neighbours.
+     [](unsigned n) { return Query(n); }},
+    {"RunDiagnostics", OneMoreTest,
+     [](CQuillet& q, unsigned) { return q.RunDiagnostics(FIRST_TEST, AdapterId(1)); },
+     [](unsigned) { return METHOD; }},
+    {"RunDiagnostics_and_GetDiagnosticsResult", OneMoreTest,
+     [](CQuillet& q, unsigned) {
+         CDiagResult result;
+         const HRESULT started = q.RunDiagnostics(FIRST_TEST, AdapterId(1));
+         return FAILED(started) ? started : q.GetDiagnosticsResult(FIRST_TEST, result);
+     },
+     // The test tells its name, by which its result is found; the class has the texts of the states.
+     [](unsigned) { return METHOD + OBJECT + FIRST_OF_QUERY + OBJECT; }},
+    {"RunDiagnostics_and_StopDiagnostics", OneMoreTest,
+     [](CQuillet& q, unsigned) {
+         const HRESULT started = q.RunDiagnostics(FIRST_TEST, AdapterId(1));
+         return FAILED(started) ? started : q.StopDiagnostics(FIRST_TEST, AdapterId(1));
+     },
+     // The test tells its name; the results are looked through until it is found, and here it is the only
+     // one.
+     [](unsigned) { return METHOD + OBJECT + Count{.enumerations = 1, .nexts = 1} + METHOD; }},
+    {"GetAdapterBootAgentInfo", OneMoreBootAgent,
+     [](CQuillet& q, unsigned) {
+         CBootAgent agent;
+         return q.GetAdapterBootAgentInfo(AdapterId(1), agent);
+     },
+     // An agent without an image has no image type that would need a text.
+     [](unsigned) { return OBJECT; }},
+    {"EnumerateISCSIAdapters", BootAgents,
+     [](CQuillet& q, unsigned) {
+         CISCSIAdapters all;
+         return q.EnumerateISCSIAdapters(all);
+     },
+     [](unsigned n) { return Enumeration(n); }},
+    {"SetiSCSIStatus", OneMoreBootAgent,
+     [](CQuillet& q, unsigned) {
+         unsigned int returnCode = 0;
+         return q.SetiSCSIStatus(L"Zorel_BootAgent_iSCSI_Adapters.Name=\"{A1}\"",
+                                 static_cast<CISCSIAdapter::iSCSIStatus>(1), returnCode);
+     },
+     [](unsigned) { return METHOD; }},
+    {"GetiSCSI_Info", OneMoreBootAgent,
+     [](CQuillet& q, unsigned) {
+         CiSCSI info;
+         return q.GetiSCSI_Info(AdapterId(1), info);
+     },
+     // Two methods.
+     [](unsigned) { return 2 * METHOD; }},
+};
+
+std::string Name(const testing::TestParamInfo<Operation>& info) {
+    return info.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Ports, CallCountsTest, testing::ValuesIn(OPERATIONS), Name);
+
+} // namespace
+
+TEST_F(ProviderTest, InitQuillet_OnMachinesOfAnySize_MakesFourCalls) {
+    for (const unsigned n : {0u, 1u, 64u}) {
+        SCOPED_TRACE(n);
+        UseText(quillet::test::MachineText({.adapters = n}));
+        ASSERT_EQ(Code(quillet.InitQuillet()), "0x00000000");
+        std::vector<std::string> operations;
+        for (const JournalEntry& call : machine->Calls().ProviderCalls()) {
+            operations.push_back(Narrow(quillet::simulator::OperationName(call.operation)));
+        }
+        // The connection; and the one network service, enumerated to its end.
+        EXPECT_THAT(operations, testing::ElementsAre("ConnectServer", "CreateInstanceEnum", "Next", "Next"));
+    }
+}
+
+} // namespace calls

@@ -1,0 +1,153 @@
+// Provider calls of the operations on VLANs.
+#include "CallCounts.h"
+
+namespace calls {
+
+namespace {
+
+/// The last of three adapters and the one team, each with so many VLANs.
+MachineSize Vlans(unsigned n) {
+    return {.adapters = 3, .teams = 1, .vlans = n};
+}
+MachineSize OneMoreVlan(unsigned n) {
+    return Vlans(n + 1);
+}
+/// One less, so that there is room for another.
+MachineSize OneLessVlan(unsigned n) {
+    return Vlans(n > 0 ? n - 1 : 0);
+}
+
+constexpr unsigned PARENT = 3;
+
+CVLAN NewVlan() {
+    CVLAN vlan;
+    vlan.m_lVLANNumber = 4000;
+    vlan.m_wsVLANName = L"New";
+    return vlan;
+}
+
+/// Two of them.
+CVLANs NewVlans() {
+    CVLANs vlans;
+    for (const LONG number : {4000, 4001}) {
+        vlans.m_vecItems.push_back(new CVLAN(NewVlan()));
+        vlans.m_vecItems.back()->m_lVLANNumber = number;
+    }
+    return vlans;
+}
+
+/// A check answers with problems, of which there may be some: whatever it finds, it has read the VLANs once.
+template <class Check>
+HRESULT Run(Check check) {
+    check();
+    return S_OK;
+}
+
+constexpr auto ALL_VLANS = [](unsigned n) { return Query(n); };
+
+/// The parent's service, which makes VLANs, by its path; the method; and what it has made.
+constexpr Count ADDITION{.objects = 1 + 1 + 1, .methods = 1};
+
+const Operation OPERATIONS[] = {
+    {"EnumerateVLANsOfAdapter", Vlans,
+     [](CQuillet& q, unsigned) {
+         CVLANs all;
+         return q.EnumerateVLANsOfAdapter(AdapterId(PARENT), all);
+     },
+     // The parent's object ID is in its path; a VLAN's properties come with it.
+     ALL_VLANS},
+    {"EnumerateVLANsOfTeam", Vlans,
+     [](CQuillet& q, unsigned) {
+         CVLANs all;
+         return q.EnumerateVLANsOfTeam(TeamId(1), all);
+     },
+     ALL_VLANS},
+    {"GetVLANInfo", OneMoreVlan,
+     [](CQuillet& q, unsigned) {
+         CVLAN vlan;
+         return q.GetVLANInfo(AdapterVlanId(PARENT, 1), vlan);
+     },
+     [](unsigned) { return OBJECT; }},
+    {"GetVlanStatus", OneMoreVlan,
+     [](CQuillet& q, unsigned) {
+         CVLAN::VlanStatus status{};
+         return q.GetVlanStatus(TeamVlanId(1, 1), status);
+     },
+     [](unsigned) { return OBJECT; }},
+    {"GetVlanSettings", [](unsigned n) { return MachineSize{.adapters = 1, .vlans = 2, .vlanSettings = n}; },
+     [](CQuillet& q, unsigned) {
+         CSettings settings;
+         return q.GetVlanSettings(AdapterVlanId(1, 1), settings);
+     },
+     [](unsigned n) { return Query(n); }},
+    {"ParentSupportingVLAN_Adapter", Vlans,
+     [](CQuillet& q, unsigned) { return q.ParentSupportingVLAN(AdapterId(PARENT)); },
+     // The service, and whether the adapter is a member of a team.
+     [](unsigned) { return OBJECT + FIRST_OF_QUERY; }},
+    {"ParentSupportingVLAN_Team", Vlans,
+     [](CQuillet& q, unsigned) { return q.ParentSupportingVLAN(TeamId(1)); },
+     [](unsigned) { return OBJECT; }},
+    {"CreateVLANAdapterCheck", Vlans,
+     [](CQuillet& q, unsigned) {
+         return Run([&] { q.CreateVLANAdapterCheck(AdapterId(PARENT), NewVlan()); });
+     },
+     ALL_VLANS},
+    {"CreateVLANTeamCheck", Vlans,
+     [](CQuillet& q, unsigned) { return Run([&] { q.CreateVLANTeamCheck(TeamId(1), NewVlan()); }); },
+     ALL_VLANS},
+    {"CreateUnTaggedVLANAdapterCheck", Vlans,
+     [](CQuillet& q, unsigned) {
+         return Run([&] { q.CreateUnTaggedVLANAdapterCheck(AdapterId(PARENT), NewVlan()); });
+     },
+     ALL_VLANS},
+    {"CreateUnTaggedVLANTeamCheck", Vlans,
+     [](CQuillet& q, unsigned) { return Run([&] { q.CreateUnTaggedVLANTeamCheck(TeamId(1), NewVlan()); }); },
+     ALL_VLANS},
+    {"CreateMultipleVLANAdapterCheck", Vlans,
+     [](CQuillet& q, unsigned) {
+         return Run([&] { q.CreateMultipleVLANAdapterCheck(AdapterId(PARENT), NewVlans()); });
+     },
+     // However many are new, those that are there are read once.
+     ALL_VLANS},
+    {"CreateMultipleVLANTeamCheck", Vlans,
+     [](CQuillet& q, unsigned) { return Run([&] { q.CreateMultipleVLANTeamCheck(TeamId(1), NewVlans()); }); },
+     ALL_VLANS},
+    {"CheckForUntaggedVLANOnAdapter", Vlans,
+     [](CQuillet& q, unsigned) {
+         return Run([&] { q.CheckForUntaggedVLANOnAdapter(AdapterId(PARENT), 0); });
+     },
+     ALL_VLANS},
+    {"CheckForTaggedVLANOnTeam", Vlans,
+     [](CQuillet& q, unsigned n) {
+         return q.CheckForTaggedVLANOnTeam(TeamId(1)) == static_cast<int>(n) ? S_OK : E_UNEXPECTED;
+     },
+     ALL_VLANS},
+    {"AddVLANToAdapter", OneLessVlan,
+     [](CQuillet& q, unsigned) {
+         CVLAN vlan = NewVlan();
+         return q.AddVLANToAdapter(AdapterId(PARENT), vlan);
+     },
+     [](unsigned) { return ADDITION; }},
+    {"AddVLANToTeam", OneLessVlan,
+     [](CQuillet& q, unsigned) {
+         CVLAN vlan = NewVlan();
+         return q.AddVLANToTeam(TeamId(1), vlan);
+     },
+     [](unsigned) { return ADDITION; }},
+    {"ModifyVLANProperty", OneMoreVlan,
+     [](CQuillet& q, unsigned) { return q.ModifyVLANProperty(TeamVlanId(1, 1), NewVlan()); },
+     // Name and number go back together.
+     [](unsigned) { return OBJECT + COMMIT; }},
+    {"RemoveVLAN", OneMoreVlan, [](CQuillet& q, unsigned) { return q.RemoveVLAN(TeamVlanId(1, 1)); },
+     [](unsigned) { return Count{.deletions = 1}; }},
+};
+
+std::string Name(const testing::TestParamInfo<Operation>& info) {
+    return info.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Vlans, CallCountsTest, testing::ValuesIn(OPERATIONS), Name);
+
+} // namespace
+
+} // namespace calls
