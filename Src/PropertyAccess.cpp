@@ -2,6 +2,7 @@
 // provider, and the switch of a context to partial retrieval.
 #include <quillet/Quillet.h>
 
+#include "GetProperty.h"
 #include "ProviderSession.h"
 #include "SafeArray.h"
 #include "SecretVariant.h"
@@ -11,36 +12,6 @@
 using ATL::CComBSTR;
 
 namespace {
-
-/// The frame of every getter: what differs is the value's type, what it passes through, and what the
-/// operation is called in traces.
-template <typename Holder = _variant_t, typename Value>
-HRESULT GetProperty(IWbemClassObject* instance, const wchar_t* name, Value& value, bool& isNull,
-                    const wchar_t* missing, bool verbose = false) {
-    if (!instance) {
-        TraceText(missing);
-        return E_FAIL;
-    }
-    isNull = false;
-    Holder variant;
-    CIMTYPE type = CIM_EMPTY;
-    const HRESULT result = instance->Get(name, 0, &variant, &type, nullptr);
-    if (FAILED(result) || result == WBEM_S_NO_MORE_DATA) {
-        return result;
-    }
-    if (verbose) {
-        TraceText(L"pInstance->Get() passed");
-    }
-    if (HoldsNothing(variant)) {
-        isNull = true;
-        if (verbose) {
-            TraceText(L"variant is empty or null");
-        }
-    } else {
-        ReadVariant(variant, value);
-    }
-    return result;
-}
 
 /// Appends one element that was read; the integer form traces it.
 void Append(std::vector<LONG>& values, LONG element) {

@@ -1,5 +1,6 @@
 #include "PropertyReader.h"
 
+#include "GetProperty.h"
 #include "ResultCodes.h"
 #include "Trace.h"
 
@@ -28,15 +29,10 @@ PropertyReader& PropertyReader::Read(Getter getter, const wchar_t* accessor, con
 
 PropertyReader& PropertyReader::String(const ProviderName& property, std::wstring& value,
                                        const wchar_t* failure) {
+    // As GetPropertyAsString, but straight into the record: most of what is read is text.
     const auto getter = [](IWbemClassObject* instance, const wchar_t* name, std::wstring& target,
                            bool& isNull) {
-        _bstr_t text;
-        const HRESULT result = CQuillet::GetPropertyAsString(instance, name, text, isNull);
-        // With WBEM_S_NO_MORE_DATA nothing was read; a null BSTR, however, is an empty text.
-        if (SUCCEEDED(result) && !isNull && result != WBEM_S_NO_MORE_DATA) {
-            target.assign(text.length() ? text.GetBSTR() : L"", text.length());
-        }
-        return result;
+        return GetProperty(instance, name, target, isNull, L"GetPropertyAsString -> pInstance == NULL");
     };
     return Read(getter, L"GetPropertyAsString", property, value, failure);
 }

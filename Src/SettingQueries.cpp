@@ -132,7 +132,7 @@ HRESULT CQuillet::AppendSetting(IWbemClassObject* instance, CSettings& settings)
         TraceText(reader);
         return result;
     }
-    setting->m_wsPath = path;
+    setting->m_wsPath = std::move(path);
     settings.m_vecItems.push_back(setting.get());
     setting.release();
     return S_OK;

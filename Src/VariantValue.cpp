@@ -137,6 +137,16 @@ bool ReadVariant(VARIANT& value, _bstr_t& result) {
     return true;
 }
 
+bool ReadVariant(const VARIANT& value, std::wstring& result) {
+    if (value.vt != VT_BSTR) {
+        result.clear();
+        return false;
+    }
+    const BSTR text = V_BSTR(&value);
+    result.assign(text ? text : L"", ::SysStringLen(text));
+    return true;
+}
+
 std::wstring TextOf(const ATL::CComBSTR& text) {
     return text ? std::wstring(text.m_str, text.Length()) : std::wstring();
 }

@@ -19,6 +19,8 @@ inline bool HoldsNothing(const VARIANT& value) {
 bool ReadVariant(const VARIANT& value, bool& result);
 bool ReadVariant(const VARIANT& value, LONG& result);
 bool ReadVariant(const VARIANT& value, ULONGLONG& result);
+/// Copies the text, embedded zeros and all. Anything but a BSTR, and a null one, reads as an empty text.
+bool ReadVariant(const VARIANT& value, std::wstring& result);
 /// Takes the text out of the VARIANT instead of copying it. Anything but a BSTR reads as an empty text.
 bool ReadVariant(VARIANT& value, _bstr_t& result);
 

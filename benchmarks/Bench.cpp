@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <map>
+#include <malloc.h>
 #include <stdexcept>
 
 namespace quillet::bench {
@@ -15,6 +16,13 @@ namespace quillet::bench {
 namespace {
 
 namespace fs = std::filesystem;
+
+/// The allocator keeps what was freed: otherwise it would return the memory of a flash image to the system
+/// after each copy, and what is measured would be how fast the kernel hands out empty pages.
+void KeepFreedMemory() {
+    mallopt(M_MMAP_THRESHOLD, 32 << 20);
+    mallopt(M_TRIM_THRESHOLD, 256 << 20);
+}
 
 /// A directory of the process's own.
 class Scratch {
@@ -98,6 +106,7 @@ int main(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 2;
     }
+    KeepFreedMemory();
     const Apartment apartment;
     try {
         SetTracing(Tracing::Off);

@@ -251,8 +251,8 @@ HRESULT PlainClient::Connect() {
 HRESULT PlainClient::Take(Use use, Interfaces& interfaces) const {
     if (use == Use::ThisThread) {
         interfaces.services = m_services;
-        interfaces.context = m_context;
-        return S_OK;
+        // Each operation asks for its own part of the data.
+        return m_context->Clone(&interfaces.context);
     }
     HRESULT result = m_table->GetInterfaceFromGlobal(m_servicesCookie, IID_IWbemServices,
                                                      reinterpret_cast<void**>(&interfaces.services));

@@ -9,7 +9,6 @@
 #include <cstring>
 #include <cwchar>
 #include <iterator>
-#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -104,13 +103,22 @@ class HeadText {
         m_length += kept;
         return *this;
     }
-    /// @param least digits, zeros in front
-    HeadText& Number(std::uint64_t value, const wchar_t* symbols, unsigned base, std::size_t least) noexcept {
-        wchar_t digits[std::numeric_limits<std::uint64_t>::digits10 + 1];
-        std::size_t first = std::size(digits);
-        for (; value != 0 || std::size(digits) - first < least; value /= base) {
-            digits[--first] = symbols[value % base];
+    /// With this many digits: zeros in front.
+    template <std::size_t Count>
+    HeadText& Decimal(unsigned value) noexcept {
+        wchar_t digits[Count];
+        for (std::size_t place = Count; place-- > 0; value /= 10) {
+            digits[place] = kLowerDigits[value % 10];
         }
+        return Text(std::wstring_view(digits, Count));
+    }
+    HeadText& Hexadecimal(std::uint64_t value, const wchar_t* symbols) noexcept {
+        wchar_t digits[sizeof value * 2];
+        std::size_t first = std::size(digits);
+        do {
+            digits[--first] = symbols[value & 0xF];
+            value >>= 4;
+        } while (value != 0);
         return Text(std::wstring_view(digits + first, std::size(digits) - first));
     }
     std::size_t Length() const noexcept { return m_length; }
@@ -321,19 +329,19 @@ std::size_t CLumDebug::FormatHead() noexcept {
     HeadText head(m_lock->line, kLineFeedLimit);
     head.Text(*m_processName)
         .Text(L"\tPID:")
-        .Number(GetCurrentProcessId(), kLowerDigits, 16, 1)
+        .Hexadecimal(GetCurrentProcessId(), kLowerDigits)
         .Text(L"\tTID:")
-        .Number(GetCurrentThreadId(), kLowerDigits, 16, 1)
+        .Hexadecimal(GetCurrentThreadId(), kLowerDigits)
         .Text(L"\t")
-        .Number(now.wHour, kLowerDigits, 10, 2)
+        .Decimal<2>(now.wHour)
         .Text(L":")
-        .Number(now.wMinute, kLowerDigits, 10, 2)
+        .Decimal<2>(now.wMinute)
         .Text(L":")
-        .Number(now.wSecond, kLowerDigits, 10, 2)
+        .Decimal<2>(now.wSecond)
         .Text(L".")
-        .Number(now.wMilliseconds, kLowerDigits, 10, 3)
+        .Decimal<3>(now.wMilliseconds)
         .Text(L"\t(")
-        .Number(static_cast<std::uint64_t>(counter.QuadPart), kUpperDigits, 16, 1)
+        .Hexadecimal(static_cast<std::uint64_t>(counter.QuadPart), kUpperDigits)
         .Text(L")\t");
     return head.Length();
 }

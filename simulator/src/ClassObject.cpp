@@ -23,8 +23,8 @@ bool IsSystemName(std::wstring_view name) noexcept {
     return name.substr(0, 2) == L"__";
 }
 
-Value TextOrNull(const std::optional<std::wstring>& text) {
-    return text && !text->empty() ? Value::Text(*text) : Value();
+Value TextOrNull(std::optional<std::wstring> text) {
+    return text && !text->empty() ? Value::Text(*std::move(text)) : Value();
 }
 
 bool SameText(std::wstring_view left, std::wstring_view right, bool ignoreCase) {
@@ -184,12 +184,16 @@ std::optional<std::wstring> ClassObject::RelativePath() const {
 std::optional<ClassObject::SystemProperty> ClassObject::System(std::wstring_view name) const {
     const auto& store = m_session->machine->Store();
     const auto is = [name](const wchar_t* system) { return SameName(name, system); };
-    if (is(L"__GENUS")) {
-        return SystemProperty{CIM_SINT32,
-                              Value::Signed(m_isInstance ? WBEM_GENUS_INSTANCE : WBEM_GENUS_CLASS)};
+    // What clients read of every object comes first.
+    if (is(L"__PATH")) {
+        return SystemProperty{CIM_STRING, TextOrNull(FullPath())};
     }
     if (is(L"__CLASS")) {
         return SystemProperty{CIM_STRING, Value::Text(m_definition->name)};
+    }
+    if (is(L"__GENUS")) {
+        return SystemProperty{CIM_SINT32,
+                              Value::Signed(m_isInstance ? WBEM_GENUS_INSTANCE : WBEM_GENUS_CLASS)};
     }
     if (is(L"__SUPERCLASS")) {
         return SystemProperty{CIM_STRING, TextOrNull(m_definition->superclass)};
@@ -215,9 +219,6 @@ std::optional<ClassObject::SystemProperty> ClassObject::System(std::wstring_view
     }
     if (is(L"__NAMESPACE")) {
         return SystemProperty{CIM_STRING, IsParameters() ? Value() : Value::Text(store.NamespaceName())};
-    }
-    if (is(L"__PATH")) {
-        return SystemProperty{CIM_STRING, TextOrNull(FullPath())};
     }
     return std::nullopt;
 }
