@@ -1,6 +1,9 @@
 #include "Frame.h"
 
-DocumentTest::DocumentTest() : m_before(std::filesystem::current_path()) {
+// A path without a drive is one on the drive of the current directory, so it is completed before that
+// changes.
+DocumentTest::DocumentTest()
+    : m_before(std::filesystem::current_path()), m_files(std::filesystem::absolute(QUILLET_DOCUMENT_FILES)) {
     std::filesystem::current_path(m_folder.Path());
 }
 
@@ -9,7 +12,7 @@ DocumentTest::~DocumentTest() {
 }
 
 void DocumentTest::TakeFilesOf(const char* document) {
-    const std::filesystem::path files = std::filesystem::path(QUILLET_DOCUMENT_FILES) / document;
+    const std::filesystem::path files = m_files / document;
     if (std::filesystem::exists(files)) {
         std::filesystem::copy(files, m_folder.Path());
     }

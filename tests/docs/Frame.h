@@ -21,6 +21,7 @@ class DocumentTest : public testing::Test {
 
   private:
     std::filesystem::path m_before;
+    std::filesystem::path m_files;
     quillet::test::TemporaryDirectory m_folder;
 };
 

@@ -15,6 +15,7 @@ import xml.etree.ElementTree
 sys.dont_write_bytecode = True
 import documents  # noqa: E402
 import elsewhere  # noqa: E402
+import json_shapes  # noqa: E402
 import shell_session  # noqa: E402
 
 FOLDERS = "include|Common|Lum2InstUtility|Src|platform|simulator|cli|examples|tests|fuzz|benchmarks|docs|scripts|cmake"
@@ -69,6 +70,7 @@ class Checker:
                 program = block if block.is_program else None
         self.check_links(document)
         self.check_names(document)
+        self.check_shapes(document)
 
     def check_block(self, block, session, program):
         language, directive = block.language, block.directive
@@ -164,6 +166,21 @@ class Checker:
                     self.error(f"{document.name}:{line}", f"{target}: {problem}")
             elif anchor and anchor not in documents.Document(self.root, file.resolve()).headings():
                 self.error(f"{document.name}:{line}", f"{path or 'this page'} has no heading #{anchor}")
+
+    def check_shapes(self, document):
+        """Of the shapes beside a command the first is its answer; others may be parts of it."""
+        schemas = json_shapes.Schemas(self.root / "docs" / "json")
+        for line, commands, shapes in json_shapes.rows(document):
+            for index, shape in enumerate(shapes):
+                for command in commands:
+                    self.count("shape of an answer")
+                    try:
+                        right = schemas.answers(command, json_shapes.parse(shape), part=index > 0)
+                    except (ValueError, OSError) as problem:
+                        self.error(f"{document.name}:{line}", f"{shape}: {problem}")
+                        continue
+                    if not right:
+                        self.error(f"{document.name}:{line}", f"the schema of \"{command}\" has no {shape}")
 
     def check_names(self, document):
         defined = set(re.findall(r"[\w.-]+", "".join(block.text for block in document.blocks)))

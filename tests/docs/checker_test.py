@@ -158,6 +158,23 @@ class CheckerTest(unittest.TestCase):
         self.assert_wrong('`SELECT * FROM A WHERE C = "…"`\n', "no operation asks")
         self.assert_wrong('`SELECT * FROM A`\n', "no operation asks")
 
+    def test_shapes_of_answers(self):
+        folder = self.root / "docs" / "json"
+        folder.mkdir(parents=True)
+        (folder / "a-list.json").write_text(
+            '{"properties": {"all": {"items": {"$ref": "c.json#/$defs/one"}}, "more": {}}}', encoding="utf-8")
+        (folder / "a-show.json").write_text('{"oneOf": [{"properties": {"x": {}}}, {"$ref": "c.json#/$defs/one"}]}',
+                                            encoding="utf-8")
+        (folder / "c.json").write_text('{"$defs": {"one": {"properties": {"p": {}, "q": {}}}}}', encoding="utf-8")
+        head = "| command | answer |\n|---|---|\n"
+        self.assert_right(head + '| `a list` | `{"all": [{"p", "q"}, …], "more"}` |\n'
+                                 '| `a show` | `{"p", …}`, or `{"x"}` |\n| `a list` | `{"all", "more"}`: `{"p", "q"}` |\n')
+        self.assert_wrong(head + '| `a list` | `{"all": [{"p"}, …], "more"}` |\n', "has no")
+        self.assert_wrong(head + '| `a list` | `{"more", "all"}` |\n', "has no")
+        self.assert_wrong(head + '| `a show`, `list` | `{"x"}` |\n', '"a list" has no')
+        self.assert_wrong(head + '| `a list` | `{"all", "more"}`: `{"p"}` |\n', "has no")
+        self.assert_wrong(head + '| `a lost` | `{"x"}` |\n', "a-lost.json")
+
     def test_names_of_files(self):
         self.assert_right("`scripts/quilletctl` and `page.md`\n")
         self.assert_wrong("`scripts/missing`\n", "scripts/missing")
