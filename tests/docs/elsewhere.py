@@ -13,7 +13,7 @@ ELSEWHERE = {
     r"cmake --preset (?P<preset>\S+)": BUILD,
     r"cmake --build (?:--preset |build/)(?P<preset>\S+)(?: -j ?\S+)?(?: --target (?P<targets>[\w ]+))?": BUILD,
     r"(?:\w+=\S+ )?(?:scripts/wine-run )?build/(?P<preset>\w+)/(?:\S+/)?(?P<targets>\w+)(?:\.exe)?(?: .*)?": BUILD,
-    r"(?P<script>scripts/(?:demo|test|setup|valgrind))(?P<arguments>(?: [\w-]+)*)": SCRIPT,
+    r"(?P<script>scripts/(?:bench|coverage|demo|lint|setup|test|valgrind))(?P<arguments>(?: [\w-]+)*)": SCRIPT,
     r"cmake --install build/(?P<preset>\w+) --prefix \S+": PACKAGE,
     r"\(cd build/(?P<preset>\w+) && cpack\)": PACKAGE,
 }
