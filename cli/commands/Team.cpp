@@ -88,7 +88,9 @@ void Append(CAdapters& adapters, const std::wstring& path) {
 CAdapters FindAdapters(CQuillet& session, const std::vector<std::string>& words) {
     CAdapters adapters;
     for (const std::string& word : words) {
-        Append(adapters, ToWide(FindAdapter(session, word).path));
+        const ListedAdapter adapter = FindAdapter(session, word);
+        Append(adapters, ToWide(adapter.path));
+        adapters.m_vecItems.back()->m_wsName = ToWide(adapter.Called());
     }
     return adapters;
 }
@@ -496,7 +498,7 @@ class RemoveMembers final : public ChangeMembers {
                      Problems&) const override {
         for (const CAdapter* adapter : named.m_vecItems) {
             if (!Contains(current, adapter->m_wsAdapterID)) {
-                throw UsageError(ToUtf8(adapter->m_wsAdapterID) + " is no member of " + Called(team));
+                throw UsageError(ToUtf8(adapter->m_wsName) + " is no member of " + Called(team));
             }
         }
         CAdapters wanted;

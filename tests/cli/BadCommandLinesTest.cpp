@@ -223,6 +223,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{{"team", "switch-test", TEAM},
                 "TEAM : Zürich: adaptive load balancing asks nothing of the switch, "
                 "so there is nothing to test"},
+        BadLine{{"team", "remove", TEAM, FREE}, std::string(FREE) + " is no member of TEAM : Zürich"},
         BadLine{{"vlan", "check", "", "1", "x"},
                 "an adapter or a team is needed: its name, object ID or path"},
         BadLine{{"vlan", "remove", TEAM, "99"}, "TEAM : Zürich has no VLAN 99; see quilletctl vlan list"},

@@ -77,9 +77,9 @@ INSTANTIATE_TEST_SUITE_P(
                              "Remove VLAN 340 \"VoIP\" from TEAM : Zürich?"}));
 
 TEST(Names, AWordBehindTheVerb_IsNoCommand) {
-    EXPECT_EQ(RunCommandLine({"team", "show", "trace"}).err,
+    EXPECT_EQ(RunCommandLine({"--simulate", "team", "show", "trace"}).err,
               "quilletctl: no team is called \"trace\"; see quilletctl team list\n");
-    EXPECT_EQ(RunCommandLine({"vlan", "list", "vlan"}).err,
+    EXPECT_EQ(RunCommandLine({"vlan", "list", "vlan", "--simulate"}).err,
               "quilletctl: no adapter is called \"vlan\"; see quilletctl adapter list\n");
 }
 

@@ -13,6 +13,12 @@ file(REMOVE_RECURSE ${WORK_DIR})
 set(prefix ${WORK_DIR}/prefix)
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
 
+foreach(file IN ITEMS share/man/man1/quilletctl.1 share/bash-completion/completions/quilletctl)
+  if(NOT EXISTS ${prefix}/${file})
+    message(FATAL_ERROR "${file} was not installed")
+  endif()
+endforeach()
+
 # The outside project must not find its way back into this tree.
 file(COPY ${SOURCE_DIR}/consumer DESTINATION ${WORK_DIR})
 file(GLOB_RECURSE texts ${prefix}/*.cmake ${prefix}/*.pc)
