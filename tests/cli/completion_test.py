@@ -15,8 +15,8 @@ PROGRAM, COMPLETION = map(os.path.abspath, sys.argv[1:3])
 # Each line of input is a case: the words, separated by tabs, the last one under the cursor.
 DRIVER = r"""
 source "$1" || exit
-spec=$(complete -p quilletctl) || exit
-function=${spec#*-F }; function=${function%% *}
+registered=$(complete -p quilletctl) || exit
+function=${registered#*-F }; function=${function%% *}
 compopt() { told+=" $2"; }   # readline's own part
 while IFS= read -r line; do
   COMP_WORDS=() told=
