@@ -29,6 +29,11 @@ MachineSize WithVlans(unsigned count) {
     return {.adapters = 3, .teams = 1, .vlans = count, .vlanSettings = 6};
 }
 
+/// One less, so that there is room for the nth.
+MachineSize WithOneVlanLess(unsigned count) {
+    return WithVlans(count - 1);
+}
+
 CVLAN NewVlan() {
     CVLAN vlan;
     vlan.m_lVLANNumber = 4000;
@@ -129,6 +134,9 @@ const Growing OVER_VLANS[] = {
          CSettings all;
          return q.GetVlanSettings(TeamVlanId(1, 1), all);
      }},
+};
+
+const Growing ADDITIONS[] = {
     {"AddVLANToTeam_and_RemoveVLAN",
      [](CQuillet& q, unsigned) {
          CVLAN vlan = NewVlan();
@@ -147,18 +155,20 @@ void Grow(benchmark::State& state, const Growing& operation, MachineSize (*size)
 
 void RegisterGrowth() {
     for (const Growing& operation : OVER_ADAPTERS) {
-        benchmark::RegisterBenchmark((std::string("growth/adapters/") + operation.name).c_str(), Grow,
-                                     operation, WithAdapters)
-            ->Arg(10)
-            ->Arg(100)
-            ->Arg(1000)
-            ->Arg(10000);
+        const std::string name = std::string("growth/adapters/") + operation.name;
+        benchmark::RegisterBenchmark(name.c_str(), Grow, operation, WithAdapters)
+            ->RangeMultiplier(10)
+            ->Range(10, 10000);
     }
+    const auto overVlans = [](const Growing& operation, MachineSize (*size)(unsigned)) {
+        const std::string name = std::string("growth/vlans/") + operation.name;
+        benchmark::RegisterBenchmark(name.c_str(), Grow, operation, size)->RangeMultiplier(2)->Range(1, 64);
+    };
     for (const Growing& operation : OVER_VLANS) {
-        benchmark::RegisterBenchmark((std::string("growth/vlans/") + operation.name).c_str(), Grow, operation,
-                                     WithVlans)
-            ->RangeMultiplier(2)
-            ->Range(1, 64);
+        overVlans(operation, WithVlans);
+    }
+    for (const Growing& operation : ADDITIONS) {
+        overVlans(operation, WithOneVlanLess);
     }
 }
 

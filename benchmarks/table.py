@@ -32,7 +32,7 @@ RATIOS = [
     )
 ] + [
     ("a trace line / spdlog, its own pattern", "trace/line/quillet", "trace/line/spdlog", 1.0),
-    ("a trace line / spdlog, the same head", "trace/line/quillet", "trace/line/spdlog_same_head", None),
+    ("a trace line / spdlog, the same head", "trace/line/quillet", "trace/line/spdlog_same_head", 1.0),
     ("fetch by path, 10,000 / 100 instances", "simulator/fetch_by_path/10000", "simulator/fetch_by_path/100", 1.3),
     ("WQL by key, 10,000 / 100 instances", "simulator/query_by_key/10000", "simulator/query_by_key/100", None),
     ("association query, 10,000 / 100 instances", "simulator/query_by_association/10000",

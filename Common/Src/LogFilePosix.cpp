@@ -31,6 +31,11 @@ std::FILE* OpenLogFile(const std::wstring& path, bool append) {
     return stream;
 }
 
+void WriteLogLine(std::FILE* file, const char* bytes, std::size_t count) noexcept {
+    fwrite_unlocked(bytes, 1, count, file);
+    fflush_unlocked(file);
+}
+
 unsigned long long LogFileLength(std::FILE* file) noexcept {
     struct stat status {};
     return fstat(fileno(file), &status) == 0 ? static_cast<unsigned long long>(status.st_size) : 0;

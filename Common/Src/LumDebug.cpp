@@ -349,6 +349,5 @@ std::size_t CLumDebug::FormatHead() noexcept {
 void CLumDebug::WriteLine(std::size_t length) noexcept {
     m_lock->line[length] = L'\n';
     const std::size_t bytes = ToUtf8(m_lock->line, length + 1, m_lock->bytes);
-    std::fwrite(m_lock->bytes, 1, bytes, m_file.get());
-    std::fflush(m_file.get());
+    WriteLogLine(m_file.get(), m_lock->bytes, bytes);
 }

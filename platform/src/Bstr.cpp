@@ -76,7 +76,7 @@ BSTR WINAPI SysAllocStringByteLen(LPCSTR text, UINT bytes) {
     if (text && bytes)
         std::memcpy(content, text, bytes);
     std::memset(content + bytes, 0, contentBytes - bytes);
-    quillet::platform::counters.bstrs.fetch_add(1, std::memory_order_relaxed);
+    quillet::platform::counters.bstrs.Add(1);
     return reinterpret_cast<BSTR>(content);
 }
 
@@ -130,7 +130,7 @@ INT WINAPI SysReAllocString(BSTR* text, const OLECHAR* newText) {
 void WINAPI SysFreeString(BSTR text) {
     if (!text)
         return;
-    quillet::platform::counters.bstrs.fetch_sub(1, std::memory_order_relaxed);
+    quillet::platform::counters.bstrs.Add(-1);
     if (const auto observer = freedObserver.load(std::memory_order_acquire))
         observer(text, SysStringByteLen(text));
     std::free(BlockOf(text));

@@ -1,16 +1,48 @@
 // How many objects of each counted kind are alive in the process.
 #pragma once
 
+#include <array>
 #include <atomic>
+#include <cstddef>
 
 namespace quillet::platform {
 
+/// A number that every thread changes all the time and that is read seldom. Each thread changes a part of its
+/// own: a single number would travel between the cores with every BSTR.
+class Counter {
+  public:
+    void Add(long difference) noexcept {
+        m_parts[OwnPart()].value.fetch_add(difference, std::memory_order_relaxed);
+    }
+    long Value() const noexcept {
+        long sum = 0;
+        for (const Part& part : m_parts)
+            sum += part.value.load(std::memory_order_relaxed);
+        return sum;
+    }
+
+  private:
+    /// As long as what a core holds in one piece.
+    struct alignas(64) Part {
+        std::atomic<long> value{0};
+    };
+    static constexpr std::size_t PARTS = 16;
+
+    static std::size_t OwnPart() noexcept {
+        static std::atomic<std::size_t> threads{0};
+        thread_local const std::size_t own = threads.fetch_add(1, std::memory_order_relaxed) % PARTS;
+        return own;
+    }
+
+    std::array<Part, PARTS> m_parts;
+};
+
 struct Counters {
-    std::atomic<long> bstrs{0};
-    std::atomic<long> safeArrays{0};
-    std::atomic<long> interfaceTableEntries{0};
-    std::atomic<long> registryKeys{0};
-    std::atomic<long> tokens{0};
+    Counter bstrs;
+    Counter safeArrays;
+    Counter interfaceTableEntries;
+    Counter registryKeys;
+    Counter tokens;
 };
 inline Counters counters;
 

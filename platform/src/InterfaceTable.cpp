@@ -43,7 +43,7 @@ class Table final : public IGlobalInterfaceTable {
         while (m_lastCookie == 0 || m_entries.count(m_lastCookie) != 0);
         m_entries.emplace(m_lastCookie, asked);
         *cookie = m_lastCookie;
-        counters.interfaceTableEntries.fetch_add(1, std::memory_order_relaxed);
+        counters.interfaceTableEntries.Add(1);
         return S_OK;
     }
 
@@ -59,7 +59,7 @@ class Table final : public IGlobalInterfaceTable {
             object = found->second;
             m_entries.erase(found);
         }
-        counters.interfaceTableEntries.fetch_sub(1, std::memory_order_relaxed);
+        counters.interfaceTableEntries.Add(-1);
         // Outside the lock: the last release may run any code.
         object->Release();
         return S_OK;

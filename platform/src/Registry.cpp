@@ -196,7 +196,7 @@ class LockedHive {
         auto handle = std::make_unique<Handle>(Handle{std::move(key), access});
         const HKEY name = reinterpret_cast<HKEY>(handle.get());
         m_hive.open.emplace(name, std::move(handle));
-        counters.registryKeys.fetch_add(1, std::memory_order_relaxed);
+        counters.registryKeys.Add(1);
         return name;
     }
 
@@ -377,6 +377,6 @@ LSTATUS WINAPI RegCloseKey(HKEY key) {
         return ERROR_SUCCESS;
     if (hive->open.erase(key) == 0)
         return ERROR_INVALID_HANDLE;
-    counters.registryKeys.fetch_sub(1, std::memory_order_relaxed);
+    counters.registryKeys.Add(-1);
     return ERROR_SUCCESS;
 }

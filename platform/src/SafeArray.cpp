@@ -208,7 +208,7 @@ SAFEARRAY* Create(VARTYPE type, UINT dimensions, const SAFEARRAYBOUND* bounds, b
         std::free(HiddenOf(array));
         return nullptr;
     }
-    counters.safeArrays.fetch_add(1, std::memory_order_relaxed);
+    counters.safeArrays.Add(1);
     return array;
 }
 
@@ -275,7 +275,7 @@ HRESULT WINAPI SafeArrayDestroy(SAFEARRAY* array) {
     if (FAILED(hr))
         return hr;
     std::free(HiddenOf(array));
-    counters.safeArrays.fetch_sub(1, std::memory_order_relaxed);
+    counters.safeArrays.Add(-1);
     return S_OK;
 }
 

@@ -8,11 +8,11 @@ namespace quillet::platform {
 
 LiveCounts Live() noexcept {
     LiveCounts live;
-    live.bstrs = counters.bstrs.load();
-    live.safeArrays = counters.safeArrays.load();
-    live.interfaceTableEntries = counters.interfaceTableEntries.load();
-    live.registryKeys = counters.registryKeys.load();
-    live.tokens = counters.tokens.load();
+    live.bstrs = counters.bstrs.Value();
+    live.safeArrays = counters.safeArrays.Value();
+    live.interfaceTableEntries = counters.interfaceTableEntries.Value();
+    live.registryKeys = counters.registryKeys.Value();
+    live.tokens = counters.tokens.Value();
     return live;
 }
 

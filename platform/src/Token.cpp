@@ -72,7 +72,7 @@ bool CloseToken(HANDLE handle) noexcept {
     const std::lock_guard guard(tokens.lock);
     if (tokens.access.erase(handle) == 0)
         return false;
-    counters.tokens.fetch_sub(1, std::memory_order_relaxed);
+    counters.tokens.Add(-1);
     return true;
 }
 
@@ -92,7 +92,7 @@ BOOL WINAPI OpenProcessToken(HANDLE process, DWORD access, PHANDLE token) {
     tokens.lastHandle += 4;
     *token = reinterpret_cast<HANDLE>(tokens.lastHandle);
     tokens.access.emplace(*token, access);
-    counters.tokens.fetch_add(1, std::memory_order_relaxed);
+    counters.tokens.Add(1);
     return TRUE;
 }
 

@@ -66,9 +66,9 @@ InstancePtr Defaults(const ClassPtr& definition) {
 } // namespace
 
 ClassObject::ClassObject(SessionPtr session, ProvidedObject object, bool amended)
-    : m_session(std::move(session)), m_definition(object.definition),
+    : m_session(std::move(session)), m_definition(std::move(object.definition)),
       m_isInstance(object.instance != nullptr), m_amended(amended),
-      m_shared(m_isInstance ? object.instance : Defaults(m_definition)) {}
+      m_shared(m_isInstance ? std::move(object.instance) : Defaults(m_definition)) {}
 
 ComOwner<ClassObject> ClassObject::Behind(IWbemClassObject* object) {
     void* own = nullptr;

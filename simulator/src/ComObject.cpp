@@ -1,13 +1,21 @@
 // The count of live objects, and marshalling that copies on each retrieval.
 #include "ComObject.h"
 
+#include "ReadMostlyMutex.h"
+
+#include <array>
 #include <new>
 
 namespace quillet::simulator {
 
 namespace {
 
-std::atomic<long> g_live{0};
+/// Part of the count of live objects. Every call makes objects: with one number for all threads they would
+/// wait for it rather than for each other's calls.
+struct alignas(64) LivePart {
+    std::atomic<long> count{0};
+};
+std::array<LivePart, OwnPart::Count> g_live;
 
 /// Stands for an object in a marshalled stream; whoever queries it gets a copy of that object.
 class RetrievalSource final : public IUnknown {
@@ -56,15 +64,19 @@ class RetrievalSource final : public IUnknown {
 } // namespace
 
 long LiveObjectCount() noexcept {
-    return g_live.load(std::memory_order_acquire);
+    long sum = 0;
+    for (const LivePart& part : g_live) {
+        sum += part.count.load(std::memory_order_acquire);
+    }
+    return sum;
 }
 
 CountedLife::CountedLife() noexcept {
-    g_live.fetch_add(1, std::memory_order_relaxed);
+    g_live[OwnPart::Index()].count.fetch_add(1, std::memory_order_relaxed);
 }
 
 CountedLife::~CountedLife() {
-    g_live.fetch_sub(1, std::memory_order_release);
+    g_live[OwnPart::Index()].count.fetch_sub(1, std::memory_order_release);
 }
 
 ComOwner<IMarshal> FreeThreadedMarshaler() noexcept {

@@ -55,11 +55,12 @@ std::vector<ProvidedObject> Projected(const std::vector<InstancePtr>& instances,
     return objects;
 }
 
-std::vector<ProvidedObject> Whole(const std::vector<InstancePtr>& instances) {
+std::vector<ProvidedObject> Whole(std::vector<InstancePtr> instances) {
     std::vector<ProvidedObject> objects;
     objects.reserve(instances.size());
-    for (const auto& instance : instances) {
-        objects.push_back({instance->definition, instance});
+    for (auto& instance : instances) {
+        ClassPtr definition = instance->definition;
+        objects.push_back({std::move(definition), std::move(instance)});
     }
     return objects;
 }
@@ -193,7 +194,7 @@ HRESULT Dispatcher::Query(std::wstring_view text, std::vector<ProvidedObject>& f
     if (query->kind != WqlQuery::Kind::Select) {
         const HRESULT result = store.Associations(*query, instances);
         if (SUCCEEDED(result)) {
-            found = query->classDefsOnly ? ClassesOf(instances) : Whole(instances);
+            found = query->classDefsOnly ? ClassesOf(instances) : Whole(std::move(instances));
         }
         return result;
     }
@@ -206,7 +207,8 @@ HRESULT Dispatcher::Query(std::wstring_view text, std::vector<ProvidedObject>& f
     }
     const HRESULT result = store.Select(*query, instances);
     if (SUCCEEDED(result)) {
-        found = query->properties.empty() ? Whole(instances) : Projected(instances, query->properties);
+        found =
+            query->properties.empty() ? Whole(std::move(instances)) : Projected(instances, query->properties);
     }
     return result;
 }

@@ -148,7 +148,9 @@ void Machine::State::Configure(const std::string& fileName) {
 }
 
 void Machine::State::CatchUp() {
-    diagnostics.CatchUp(store, clock.Now());
+    if (diagnostics.Busy()) {
+        diagnostics.CatchUp(store, clock.Now());
+    }
 }
 
 ClassProvider& Machine::State::ProviderOf(const ClassDefinition& definition) {

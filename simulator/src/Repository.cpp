@@ -11,8 +11,8 @@ namespace quillet::simulator {
 
 namespace {
 
-using Shared = std::shared_lock<std::shared_mutex>;
-using Unique = std::unique_lock<std::shared_mutex>;
+using Shared = std::shared_lock<ReadMostlyMutex>;
+using Unique = std::unique_lock<ReadMostlyMutex>;
 
 constexpr HRESULT Code(WBEMSTATUS status) noexcept {
     return static_cast<HRESULT>(status);

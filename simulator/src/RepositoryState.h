@@ -1,13 +1,13 @@
 // The inside of the repository: classes, extents and indexes. The caller holds the lock.
 #pragma once
 
+#include "ReadMostlyMutex.h"
 #include "WqlMatch.h"
 
 #include <quillet-simulator/Repository.h>
 
 #include <atomic>
 #include <set>
-#include <shared_mutex>
 #include <unordered_map>
 
 namespace quillet::simulator {
@@ -42,7 +42,7 @@ struct Repository::State {
     /// The caller holds the prototype's lock.
     State(const State& prototype);
 
-    mutable std::shared_mutex mutex;
+    mutable ReadMostlyMutex mutex;
     const std::wstring serverName;
     const std::wstring namespaceName;
     std::atomic<std::uint64_t> generation{0};

@@ -40,9 +40,16 @@ void KeepSubset(const JournalEntry& call, std::vector<ProvidedObject>& found) {
     });
 }
 
+/// The same session with a count of its own. Each thread has its own proxy; whatever that hands out holds the
+/// session, and would otherwise share its count with the objects of all other threads.
+SessionPtr CountedAlone(SessionPtr session) {
+    const Session* const same = session.get();
+    return SessionPtr(std::make_shared<const SessionPtr>(std::move(session)), same);
+}
+
 class ServicesProxy final : public ComObject<IWbemServices, IID_IWbemServices> {
   public:
-    explicit ServicesProxy(SessionPtr session) : m_session(std::move(session)) {}
+    explicit ServicesProxy(SessionPtr session) : m_session(CountedAlone(std::move(session))) {}
 
     HRESULT STDMETHODCALLTYPE OpenNamespace(const BSTR path, LONG flags, IWbemContext* context,
                                             IWbemServices** services, IWbemCallResult** result) override {
