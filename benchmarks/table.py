@@ -154,13 +154,13 @@ def print_growth(results):
     print()
     print(f"{'growth: the exponent k of n^k':<50} {'n':>12} {'time':>6} {'last':>6} {'calls':>6} "
           f"{'calls at n':>11}  goal")
-    for (what, operation), sizes in series.items():
+    for (what, operation), sizes in sorted(series.items()):
         sizes.sort()
         names = [f"growth/{what}/{operation}/{size}" for size in sizes]
         times = list(zip(sizes, map(results.median, names)))
         calls = [(size, results.counters[name]["calls"]) for size, name in zip(sizes, names)]
-        # A quadratic term hides behind a constant one at first: the last step shows it best.
-        exponents = [slope(times), slope(times[-2:])]
+        # A quadratic term hides behind a constant one at first: the last decade shows it best.
+        exponents = [slope(times), slope([(n, time) for n, time in times if 10 * n >= sizes[-1]])]
         by_calls = slope(calls) if all(count > 0 for _, count in calls) else 0.0
         good = max(*exponents, by_calls) <= LARGEST_EXPONENT
         print(f"{operation + ', ' + what:<50} {f'{sizes[0]}..{sizes[-1]}':>12} {exponents[0]:>6.2f} "
