@@ -139,8 +139,8 @@ def print_wmi(folder):
         times = [statistics.median(contest[side]) for side in ("simulator", "system")]
         if len(contest["simulator"]) < FEWEST_REPETITIONS or len(contest["system"]) < FEWEST_REPETITIONS:
             raise ValueError("wmi.json: too few repetitions")
-        line(f"{contest['name']}, simulator / Wine's WMI (under Wine)", duration(times[0]), duration(times[1]),
-             f"{times[0] / times[1]:.2f}", "-", "")
+        line(f"{contest['name']}, simulator / Wine's WMI", duration(times[0]), duration(times[1]),
+             f"{times[0] / times[1]:.2g}", "-", "")
 
 
 def print_growth(results):
