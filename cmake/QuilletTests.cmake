@@ -21,11 +21,20 @@ endif()
 # Everything that ThreadSanitizer needs, and no more.
 add_custom_target(threaded_tests)
 
+# GoogleTest's headers are most of what the compiler reads of a test; they are read once for all programs.
+# Something to be compiled is needed for that, with the very options of a test.
+file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/TestHeaders.cpp CONTENT "int main() {}\n" @ONLY)
+add_executable(quillet_test_headers EXCLUDE_FROM_ALL ${CMAKE_BINARY_DIR}/TestHeaders.cpp)
+# A test runs once: optimising it, above all with sanitizers in it, takes longer than it can ever save.
+target_compile_options(quillet_test_headers PRIVATE -O0)
+target_link_libraries(quillet_test_headers PRIVATE GTest::gmock GTest::gtest Quillet::platform Quillet::warnings)
+target_precompile_headers(quillet_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+
 function(quillet_add_test name)
   cmake_parse_arguments(arg "THREADED" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
-  # A test runs once: optimising it, above all with sanitizers in it, takes longer than it can ever save.
   target_compile_options(${name} PRIVATE -O0)
+  target_precompile_headers(${name} REUSE_FROM quillet_test_headers)
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest Quillet::warnings)
   if(arg_THREADED)
     set(label threaded)
