@@ -100,7 +100,7 @@ TEST_P(PropertyTypesTest, GetPropertyAsString) {
 }
 
 TEST_P(PropertyTypesTest, GetPropertyArray_OfWhatIsNoArray_Fails) {
-    const VARTYPE type = [this] {
+    const VARTYPE type = [] {
         VARIANT made = GetParam().make();
         const VARTYPE vt = V_VT(&made);
         VariantClear(&made);
