@@ -32,7 +32,7 @@ class CComPtr {
         CComPtr(other).Swap(*this);
         return *this;
     }
-    CComPtr& operator=(const CComPtr& other) noexcept {
+    CComPtr& operator=(const CComPtr& other) noexcept { // NOLINT(bugprone-unhandled-self-assignment)
         CComPtr(other).Swap(*this);
         return *this;
     }

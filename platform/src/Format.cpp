@@ -289,7 +289,7 @@ class Formatter {
         if (conversion.size == Size::Short)
             value = static_cast<short>(value);
         else if (conversion.size == Size::Char)
-            value = static_cast<signed char>(value);
+            value = static_cast<std::int8_t>(value);
         const auto magnitude = static_cast<unsigned long long>(value);
         const wchar_t* const prefix = value < 0          ? L"-"
                                       : conversion.plus  ? L"+"
@@ -387,7 +387,7 @@ class Formatter {
 
 std::size_t FormatWide(wchar_t* buffer, std::size_t room, const wchar_t* format, va_list arguments) {
     Output output(buffer, room);
-    Arguments copy;
+    Arguments copy{};
     va_copy(copy.list, arguments);
     Formatter(output, format, copy).Run();
     va_end(copy.list);

@@ -3,7 +3,9 @@
 #include "Apartment.h"
 #include "Counters.h"
 
+#include <cstddef>
 #include <mutex>
+#include <new>
 #include <shared_mutex>
 #include <unordered_map>
 
@@ -111,7 +113,8 @@ class Table final : public IGlobalInterfaceTable {
 
 IGlobalInterfaceTable* InterfaceTable() noexcept {
     // Never destroyed, because objects with static lifetime may still revoke their entries at exit.
-    static Table* const table = new Table;
+    alignas(Table) static std::byte place[sizeof(Table)];
+    static Table* const table = new (place) Table;
     return table;
 }
 
