@@ -155,7 +155,7 @@ bool MergeMethods(ClassDefinition& definition, const ClassDefinition* superclass
             return false;
         }
         if (!CheckParameters(method.in, reason) || !CheckParameters(method.out, reason)) {
-            reason = L"method " + Quoted(method.name) + L": " + reason;
+            reason.insert(0, L"method " + Quoted(method.name) + L": ");
             return false;
         }
         method.inherited = false;

@@ -14,7 +14,7 @@ namespace {
 /// Owns what a VARIANT holds.
 class OwnedVariant {
   public:
-    OwnedVariant() noexcept { VariantInit(&m_variant); }
+    OwnedVariant() noexcept = default;
     OwnedVariant(OwnedVariant&& other) noexcept : m_variant(other.m_variant) {
         VariantInit(&other.m_variant);
     }
@@ -26,7 +26,7 @@ class OwnedVariant {
     VARIANT* Get() noexcept { return &m_variant; }
 
   private:
-    VARIANT m_variant;
+    VARIANT m_variant{};
 };
 
 using Values = std::map<std::wstring, OwnedVariant, NameLess>;

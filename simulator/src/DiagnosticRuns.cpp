@@ -96,7 +96,7 @@ InstancePtr OutcomeOf(const Repository& store, const std::wstring& test, const I
 }
 
 /// A property of the outcome, where there is one with a value.
-Value Of(const InstancePtr& outcome, const wchar_t* property, Value otherwise) {
+Value Of(const InstancePtr& outcome, const wchar_t* property, const Value& otherwise) {
     const Value* value = outcome != nullptr ? outcome->Find(property) : nullptr;
     return value != nullptr && !value->IsNull() ? *value : otherwise;
 }

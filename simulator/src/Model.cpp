@@ -236,7 +236,10 @@ bool Instance::Set(std::wstring_view property, Value value) {
         return false;
     }
     const CIMTYPE type = definition->properties[*index].type;
-    values[*index] = Fits(value, type) ? Normalised(std::move(value), type) : std::move(value);
+    if (Fits(value, type)) {
+        value = Normalised(std::move(value), type);
+    }
+    values[*index] = std::move(value);
     return true;
 }
 

@@ -96,8 +96,8 @@ class ClassFactory final : public ComObject<IClassFactory, IID_IClassFactory> {
     Creator m_create;
 };
 
-HRESULT Register(REFCLSID clsid, const std::shared_ptr<Machine>& machine, Creator create, DWORD* cookie) {
-    const ComOwner<IClassFactory> factory(new ClassFactory(machine, create));
+HRESULT Register(REFCLSID clsid, std::shared_ptr<Machine> machine, Creator create, DWORD* cookie) {
+    const ComOwner<IClassFactory> factory(new ClassFactory(std::move(machine), create));
     return CoRegisterClassObject(clsid, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, cookie);
 }
 
@@ -106,7 +106,7 @@ HRESULT Register(REFCLSID clsid, const std::shared_ptr<Machine>& machine, Creato
 Registration::Registration(std::shared_ptr<Machine> machine) {
     m_result = Register(CLSID_WbemLocator, machine, CreateLocator, &m_locator);
     if (SUCCEEDED(m_result)) {
-        m_result = Register(CLSID_WbemContext, machine, CreateContext, &m_context);
+        m_result = Register(CLSID_WbemContext, std::move(machine), CreateContext, &m_context);
     }
 }
 

@@ -76,6 +76,7 @@ std::vector<ClassPtr> Repository::ClassAndSubclasses(std::wstring_view name) con
     std::vector<ClassEntry*> entries;
     State::Collect(m_state->FindEntry(name), entries);
     std::vector<ClassPtr> result;
+    result.reserve(entries.size());
     for (const ClassEntry* entry : entries) {
         result.push_back(entry->definition);
     }

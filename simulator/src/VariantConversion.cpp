@@ -317,7 +317,6 @@ std::optional<Scalar> ScalarFrom(const VARIANT& variant, CIMTYPE type) {
     case CIM_SINT16:
         return Narrow(variant, -32768, 32767, VT_I2, true);
     case CIM_UINT16:
-        return Narrow(variant, 0, 65535, VT_I2, false);
     case CIM_CHAR16:
         return Narrow(variant, 0, 65535, VT_I2, false);
     case CIM_SINT32:

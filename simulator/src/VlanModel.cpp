@@ -91,7 +91,7 @@ HRESULT MayHaveVlan(const Repository& store, const std::wstring& parentId, std::
 }
 
 std::wstring VlanCaption(const Repository& store, const std::wstring& parentId, const std::wstring& name) {
-    const std::wstring own = L"VLAN : " + name;
+    std::wstring own = L"VLAN : " + name;
     for (const auto& path : {PathByKey(L"Zorel_TeamOfAdapters", L"Name", parentId),
                              PathByKey(L"Zorel_PhysicalEthernetAdapter", L"DeviceID", parentId)}) {
         const auto parent = store.FindInstance(path);

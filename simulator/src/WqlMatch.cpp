@@ -170,17 +170,17 @@ std::partial_ordering CompareScalar(const Scalar& value, CIMTYPE type, const Wql
 bool Holds(Operator op, std::partial_ordering order) noexcept {
     switch (op) {
     case Operator::Equal:
-        return order == 0;
+        return std::is_eq(order);
     case Operator::NotEqual:
-        return order != 0;
+        return std::is_neq(order);
     case Operator::Less:
-        return order < 0;
+        return std::is_lt(order);
     case Operator::Greater:
-        return order > 0;
+        return std::is_gt(order);
     case Operator::LessOrEqual:
-        return order <= 0;
+        return std::is_lteq(order);
     case Operator::GreaterOrEqual:
-        return order >= 0;
+        return std::is_gteq(order);
     }
     return false;
 }
