@@ -78,7 +78,8 @@ ListedAdapter FindAdapter(CQuillet& session, const std::string& text) {
         if (found.size() > 1) {
             std::string ids;
             for (const ListedAdapter* each : found) {
-                ids += (ids.empty() ? "" : ", ") + (each->objectId.empty() ? each->path : each->objectId);
+                ids += ids.empty() ? "" : ", ";
+                ids += each->objectId.empty() ? each->path : each->objectId;
             }
             throw UsageError("several adapters are called \"" + text + "\": " + ids);
         }

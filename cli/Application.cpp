@@ -83,9 +83,7 @@ void ChooseColours(Terminal& terminal, const GlobalOptions& options) {
     }
 }
 
-} // namespace
-
-ExitStatus RunCommandLine(const std::vector<std::string>& arguments, Terminal terminal) noexcept {
+ExitStatus Run(const std::vector<std::string>& arguments, Terminal& terminal) {
     CommandTree tree;
     AddAllCommands(tree);
     Command* command = nullptr;
@@ -123,6 +121,17 @@ ExitStatus RunCommandLine(const std::vector<std::string>& arguments, Terminal te
     if (!terminal.out && ending.status == ExitStatus::Done) {
         PrintError(terminal, "standard output cannot be written");
         return ExitStatus::Refused;
+    }
+    return ending.status;
+}
+
+} // namespace
+
+ExitStatus RunCommandLine(const std::vector<std::string>& arguments, Terminal terminal) noexcept {
+    // The steps are guarded one by one; this is for what lies between them.
+    const Ending ending = Guarded(terminal, [&] { return Run(arguments, terminal); });
+    if (!ending.message.empty()) {
+        PrintError(terminal, ending.message);
     }
     return ending.status;
 }

@@ -68,7 +68,7 @@ void SecretInput::Read(const std::string& asked, std::wstring& secret) const {
         }
         line.Append(byte);
     }
-    byte = '\0';
+    SecureZeroMemory(&byte, sizeof byte);
     if (!isLine) {
         throw UsageError("--secret-fd: no line is left for \"" + asked + "\"");
     }

@@ -30,7 +30,7 @@ class SecretLine {
     void MoveTo(std::wstring& secret) const;
 
   private:
-    char m_bytes[LONGEST_SECRET];
+    char m_bytes[LONGEST_SECRET]{};
     std::size_t m_length = 0;
 };
 

@@ -91,7 +91,7 @@ bool AskOnTerminal(int terminal, const std::string& prompt, std::wstring& secret
         line.Append(byte);
     }
     isLine = isLine || byte == '\n';
-    byte = '\0';
+    SecureZeroMemory(&byte, sizeof byte);
     Write(terminal, "\n");
     line.MoveTo(secret);
     return isLine;

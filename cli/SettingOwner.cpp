@@ -58,7 +58,8 @@ SettingOwner OwnerAt(const std::string& path, const ObjectName& name, const std:
     for (const OwnerClass& each : CLASSES) {
         if (SameIgnoringCase(each.name, name.className)) {
             if (!kind.empty() && KindByWord(kind) != each.kind) {
-                throw UsageError("the path is not that of a " + kind + ": " + path);
+                throw UsageError(
+                    std::string("the path is not that of a ").append(kind).append(": ").append(path));
             }
             return {each.kind, path, name.key, path};
         }

@@ -73,7 +73,7 @@ CSettings Choose(const ImageFile& file, const std::vector<std::string>& names) {
         auto image = std::make_unique<CSettingString>();
         image->m_wsCaption = ToWide(name);
         chosen.m_vecItems.push_back(image.get());
-        image.release();
+        static_cast<void>(image.release()); // the list owns it
     }
     return chosen;
 }

@@ -41,7 +41,7 @@ class TraceCommand final : public Command {
             }
         }
         if (refusal) {
-            throw *refusal;
+            throw Refusal(*refusal);
         }
         return ExitStatus::Done;
     }

@@ -177,7 +177,7 @@ class NewVlans : public Command {
             vlan->m_lVLANNumber = number;
             vlan->m_wsVLANName = ToWide(m_through ? m_name + ' ' + std::to_string(number) : m_name);
             wanted.m_vecItems.push_back(vlan.get());
-            vlan.release();
+            static_cast<void>(vlan.release()); // the list owns it
         }
         return wanted;
     }
