@@ -1,6 +1,7 @@
 // The ports of an adapter's board, and what one adapter can be asked to do or tell.
 #include <quillet/Quillet.h>
 
+#include "AddRecord.h"
 #include "ProviderEnum.h"
 #include "ProviderInstance.h"
 #include "ProviderMethod.h"
@@ -84,8 +85,7 @@ HRESULT CQuillet::AppendPorts(const ProviderSession& session, IWbemClassObject* 
         port->m_wsAdapterID = path;
         port->m_wsTeamID = team;
         port->m_bTeamed = true;
-        ports.m_vecItems.push_back(port.get());
-        port.release();
+        AddRecord(ports, std::move(port));
     }
     if (SUCCEEDED(result) && FAILED(memberships.Result())) {
         TraceText(L"pEnumTeamedMemberAdapters -> Next");

@@ -1,6 +1,7 @@
 // Listing the adapters, and the two forms of an adapter's identity.
 #include <quillet/Quillet.h>
 
+#include "AddRecord.h"
 #include "Lum2InstUtility.h"
 #include "ObjectIds.h"
 #include "PropertyReader.h"
@@ -53,8 +54,7 @@ HRESULT CQuillet::EnumerateAdapters(CAdapters& adapters) {
         if (read.Failed()) {
             return E_FAIL;
         }
-        adapters.m_vecItems.push_back(adapter.get());
-        adapter.release();
+        AddRecord(adapters, std::move(adapter));
     }
     // An enumeration that broke off is not a shorter list of adapters.
     return FAILED(instances.Result()) ? trace.Fail(instances.Result(), L"pEnumAdapters -> Next") : S_OK;

@@ -1,6 +1,7 @@
 // Image files before they are written: which images one holds, and whether it is right.
 #include <quillet/Quillet.h>
 
+#include "AddRecord.h"
 #include "FlashImage.h"
 #include "VariantValue.h"
 
@@ -26,8 +27,7 @@ void AppendImages(const std::vector<CComBSTR>& types, const std::vector<CComBSTR
         if (i < exposeLevels.size()) {
             image->m_wsExposeLevel = std::to_wstring(exposeLevels[i]);
         }
-        images.m_vecItems.push_back(image.get());
-        image.release();
+        AddRecord(images, std::move(image));
     }
 }
 

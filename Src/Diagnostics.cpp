@@ -1,6 +1,7 @@
 // Diagnostic tests: listing those of an adapter, starting one and stopping it.
 #include <quillet/Quillet.h>
 
+#include "AddRecord.h"
 #include "ProviderInstance.h"
 #include "ProviderMethod.h"
 #include "Trace.h"
@@ -40,8 +41,7 @@ HRESULT AppendTest(IWbemClassObject* instance, CDiagTests& tests) {
     if (read.Failed()) {
         return read.Result();
     }
-    tests.m_vecItems.push_back(test.get());
-    test.release();
+    AddRecord(tests, std::move(test));
     return S_OK;
 }
 

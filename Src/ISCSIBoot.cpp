@@ -1,6 +1,7 @@
 // Booting from an iSCSI target: the adapters that can, and the part that each of them plays.
 #include <quillet/Quillet.h>
 
+#include "AddRecord.h"
 #include "ObjectIds.h"
 #include "ProviderMethod.h"
 #include "Trace.h"
@@ -30,8 +31,7 @@ HRESULT AppendAdapter(IWbemClassObject* instance, CISCSIAdapters& adapters) {
     }
     ObjectIdFromPath(ObjectKind::BootAgent, adapter->m_wsPath, adapter->m_wsBootAgentID);
     adapter->m_eStatus = static_cast<CISCSIAdapter::iSCSIStatus>(status);
-    adapters.m_vecItems.push_back(adapter.get());
-    adapter.release();
+    AddRecord(adapters, std::move(adapter));
     return S_OK;
 }
 
@@ -54,6 +54,8 @@ HRESULT CQuillet::EnumerateISCSIAdapters(CISCSIAdapters& adapters) {
     return FAILED(instances.Result()) ? trace.Fail(instances.Result(), L"pEnumAdapters -> Next") : S_OK;
 }
 
+// The interface takes the ID by value.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 HRESULT CQuillet::SetiSCSIStatus(std::wstring bootAgentId, CISCSIAdapter::iSCSIStatus status,
                                  unsigned int& returnCode) {
     const OperationTrace trace(L"SetiSCSIStatus");

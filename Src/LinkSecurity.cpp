@@ -263,6 +263,8 @@ HRESULT CQuillet::AdapterImportManualPAC(const std::wstring& adapterId, const CA
             .Result());
 }
 
+// The interface takes the name by value.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 HRESULT CQuillet::DeletePacFile(const std::wstring& adapterId, std::wstring pacFile) {
     const OperationTrace trace(L"DeletePacFile");
     if (adapterId.empty()) {

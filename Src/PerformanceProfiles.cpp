@@ -1,6 +1,7 @@
 // Performance profiles: the setting "PerformanceProfile" as a list, and leaving the one for virtual machines.
 #include <quillet/Quillet.h>
 
+#include "AddRecord.h"
 #include "Lum2InstUtility.h"
 #include "Records/Text.h"
 #include "ResultCodes.h"
@@ -42,8 +43,7 @@ HRESULT CQuillet::AppendProfiles(const CSettingEnum& setting, CPerformanceProfil
         profile->m_eProfile =
             static_cast<ePERFORMANCE_PROFILE>(quillet::ParseDecimal(setting.m_vecPossibleValues[i]));
         profile->m_bIsCurrent = setting.m_lCurrentValue == profile->m_eProfile;
-        profiles.m_vecItems.push_back(profile.get());
-        profile.release();
+        AddRecord(profiles, std::move(profile));
     }
     return S_OK;
 }

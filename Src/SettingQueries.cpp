@@ -1,6 +1,7 @@
 // Finding the advanced settings of an adapter, team, VLAN or boot agent.
 #include <quillet/Quillet.h>
 
+#include "AddRecord.h"
 #include "Lum2InstUtility.h"
 #include "ObjectIds.h"
 #include "ProviderInstance.h"
@@ -133,8 +134,7 @@ HRESULT CQuillet::AppendSetting(IWbemClassObject* instance, CSettings& settings)
         return result;
     }
     setting->m_wsPath = std::move(path);
-    settings.m_vecItems.push_back(setting.get());
-    setting.release();
+    AddRecord(settings, std::move(setting));
     return S_OK;
 }
 
@@ -201,7 +201,8 @@ HRESULT CQuillet::GetSpeedDuplexSetting(const std::wstring& adapterId, CSettingE
                                         bool standardKeywords) {
     const OperationTrace trace(L"GetSpeedDuplexSetting");
     // The lists of values are left alone: only a setting that was found replaces them.
-    static_cast<CSetting&>(setting) = CSettingEnum();
+    const CSettingEnum blank;
+    static_cast<CSetting&>(setting) = static_cast<const CSetting&>(blank);
     setting.m_lCurrentValue = 0;
     setting.m_lDefaultValue = 0;
     if (adapterId.empty()) {
@@ -320,8 +321,7 @@ HRESULT CQuillet::GetSettingOnTeamOrAdapter(const std::vector<std::wstring>& ada
         }
         if (names.IsSettingName(name, setting->m_wsCaption)) {
             carriers.insert(parent);
-            settings.m_vecItems.push_back(setting.get());
-            setting.release();
+            AddRecord(settings, std::move(setting));
         }
     }
     onAll = carriers.size() == parents.size();

@@ -1,6 +1,7 @@
 // Listing the teams, reading one, and the ways from a team to its identity and to its virtual adapter.
 #include <quillet/Quillet.h>
 
+#include "AddRecord.h"
 #include "Lum2InstUtility.h"
 #include "ObjectIds.h"
 #include "ProviderInstance.h"
@@ -54,8 +55,7 @@ HRESULT CQuillet::EnumerateTeams(CTeams& teams) {
         if (read.Failed()) {
             return read.Result();
         }
-        teams.m_vecItems.push_back(team.get());
-        team.release();
+        AddRecord(teams, std::move(team));
     }
     // An enumeration that broke off is not a shorter list of teams.
     return FAILED(instances.Result()) ? trace.Fail(instances.Result(), L"pEnumTeams -> Next") : S_OK;

@@ -1,6 +1,7 @@
 // The members of a team: who they are, which role they have, and in what state they are.
 #include <quillet/Quillet.h>
 
+#include "AddRecord.h"
 #include "CircularSearch.h"
 #include "ObjectIds.h"
 #include "ProviderInstance.h"
@@ -119,8 +120,7 @@ HRESULT CQuillet::AppendMembers(const ProviderSession& session, const std::wstri
         if (FAILED(result)) {
             return result;
         }
-        members.m_vecItems.push_back(member.get());
-        member.release();
+        AddRecord(members, std::move(member));
     }
     if (FAILED(adapters.Result())) {
         TraceText(L"pEnumAdapters -> Next");

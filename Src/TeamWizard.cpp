@@ -1,6 +1,7 @@
 // What the team wizard offers: adapters, team modes, the best mode, and the test of the switch.
 #include <quillet/Quillet.h>
 
+#include "AddRecord.h"
 #include "ProviderInstance.h"
 #include "ProviderMethod.h"
 #include "SafeArray.h"
@@ -70,8 +71,7 @@ HRESULT CQuillet::FillTeamAttr(LONG capability, CTeamWizTeamModes* modes) {
         TraceText(L"GetDataFromValues -> ", L_PROP_ETHERNETADAPTER_CAPABILITIES.symbol);
         return result;
     }
-    modes->m_vecItems.push_back(mode.get());
-    mode.release();
+    AddRecord(*modes, std::move(mode));
     return S_OK;
 }
 
@@ -166,8 +166,7 @@ HRESULT CQuillet::GetCompatibleTeamModesWithAdapters(const CAdapters& adapters, 
         if (!compatible) {
             return trace.Fail(E_FAIL, L"(NULL == pTeamModeComp)");
         }
-        modes.m_vecItems.push_back(compatible.get());
-        compatible.release();
+        AddRecord(modes, std::move(compatible));
     }
     return S_OK;
 }

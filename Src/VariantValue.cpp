@@ -1,6 +1,7 @@
 #include "VariantValue.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cwchar>
 #include <limits>
 
@@ -29,7 +30,7 @@ bool ReadSmallInteger(const VARIANT& value, LONG& result) {
         result = V_UI2(&value);
         return true;
     case VT_I1:
-        result = static_cast<signed char>(V_I1(&value));
+        result = static_cast<std::int8_t>(V_I1(&value));
         return true;
     case VT_UI1:
         result = V_UI1(&value);

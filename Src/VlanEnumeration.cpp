@@ -1,6 +1,7 @@
 // The VLANs of an adapter or a team, what is known of one VLAN, and the services that make them.
 #include <quillet/Quillet.h>
 
+#include "AddRecord.h"
 #include "Lum2InstUtility.h"
 #include "ObjectIds.h"
 #include "ProviderInstance.h"
@@ -101,8 +102,7 @@ HRESULT CQuillet::AppendVLAN(IWbemClassObject* instance, CVLANs& vlans) {
         TraceText(L"(Res != WBEM_S_NO_ERROR)");
         return result;
     }
-    vlans.m_vecItems.push_back(vlan.get());
-    vlan.release();
+    AddRecord(vlans, std::move(vlan));
     return S_OK;
 }
 

@@ -150,12 +150,12 @@ class CLumDebug::Guard {
         Guard& m_guard;
     };
 
-    wchar_t line[kLineCapacity];
-    wchar_t errorText[kErrorTextCapacity];
-    char bytes[kLineBytes];
+    wchar_t line[kLineCapacity]{};
+    wchar_t errorText[kErrorTextCapacity]{};
+    char bytes[kLineBytes]{};
 
   private:
-    CRITICAL_SECTION m_section;
+    CRITICAL_SECTION m_section{};
 };
 
 CLumDebug::CLumDebug() : m_lock(std::make_shared<Guard>()) {}
