@@ -18,7 +18,7 @@ import role
 import yaml
 from ansible.module_utils import basic
 from ansible.module_utils.quillet_plan import TEAM_MODES, DescriptionError, plan, read
-from ansible.module_utils.quillet_tool import Tool, ToolFailure
+from ansible.module_utils.quillet_tool import Tool
 
 QUILLETCTL, WORK = (os.path.abspath(argument) for argument in sys.argv[1:3])
 STATE = os.path.join(WORK, "machine.mof")
