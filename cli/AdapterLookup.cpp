@@ -26,6 +26,15 @@ std::string ObjectIdIn(CQuillet& session, const std::wstring& path) {
     return ToUtf8(objectId);
 }
 
+UsageError SeveralAreCalled(const std::string& text, const std::vector<const ListedAdapter*>& found) {
+    std::string ids;
+    for (const ListedAdapter* each : found) {
+        ids += ids.empty() ? "" : ", ";
+        ids += each->objectId.empty() ? each->path : each->objectId;
+    }
+    return UsageError("several adapters are called \"" + text + "\": " + ids);
+}
+
 } // namespace
 
 std::vector<ListedAdapter> ReadAdapters(CQuillet& session) {
@@ -76,12 +85,7 @@ ListedAdapter FindAdapter(CQuillet& session, const std::string& text) {
             return *found.front();
         }
         if (found.size() > 1) {
-            std::string ids;
-            for (const ListedAdapter* each : found) {
-                ids += ids.empty() ? "" : ", ";
-                ids += each->objectId.empty() ? each->path : each->objectId;
-            }
-            throw UsageError("several adapters are called \"" + text + "\": " + ids);
+            throw SeveralAreCalled(text, found);
         }
     }
     if (IsObjectPath(text)) {

@@ -71,6 +71,7 @@ class SetPlace final : public AdapterCommand {
     void Declare(Syntax& syntax) override {
         AdapterCommand::Declare(syntax);
         std::vector<std::string> words;
+        words.reserve(std::size(PLACES));
         for (const Place& place : PLACES) {
             words.emplace_back(place.word);
         }
