@@ -21,18 +21,19 @@ class Output {
     Output(wchar_t* buffer, std::size_t room) : m_buffer(buffer), m_room(room) {}
 
     void Put(std::wstring_view text) {
-        const std::size_t kept = std::min(text.size(), Left());
-        std::copy_n(text.begin(), kept, m_buffer + m_length);
+        if (const std::size_t kept = std::min(text.size(), Left()))
+            std::copy_n(text.begin(), kept, m_buffer + m_length);
         m_length += text.size();
     }
     void Put(wchar_t character, std::size_t count) {
-        const std::size_t kept = std::min(count, Left());
-        std::fill_n(m_buffer + m_length, kept, character);
+        if (const std::size_t kept = std::min(count, Left()))
+            std::fill_n(m_buffer + m_length, kept, character);
         m_length += count;
     }
     std::size_t Length() const { return m_length; }
 
   private:
+    /// Where nothing is left there may be no buffer at all, when only the length is asked for.
     std::size_t Left() const { return m_length < m_room ? m_room - m_length : 0; }
 
     wchar_t* m_buffer;
