@@ -1,5 +1,6 @@
 # Installs the build tree and builds, tests and links somebody else's project against what was installed.
-# BUILD_DIR, WORK_DIR, SOURCE_DIR, LIBDIR; TOOLCHAIN and EMULATOR of a cross-build; FLAGS of the build tree.
+# BUILD_DIR, WORK_DIR, SOURCE_DIR, LIBDIR; TOOLCHAIN and EMULATOR of a cross-build; COMPILER and FLAGS of
+# the build tree.
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE out)
   if(NOT status EQUAL 0)
@@ -37,6 +38,8 @@ set(arguments -G Ninja -S ${WORK_DIR}/consumer -B ${WORK_DIR}/build -DCMAKE_PREF
   "-DCMAKE_CXX_FLAGS=${FLAGS}")
 if(TOOLCHAIN)
   list(APPEND arguments -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=BOTH)
+else()
+  list(APPEND arguments -DCMAKE_CXX_COMPILER=${COMPILER})
 endif()
 run(${CMAKE_COMMAND} ${arguments})
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
@@ -49,7 +52,7 @@ if(NOT TOOLCHAIN)
   run(pkg-config --cflags --libs quillet)
   separate_arguments(flags UNIX_COMMAND "${out} ${FLAGS}")
   file(WRITE ${WORK_DIR}/version.cpp "#include <quillet/Quillet.h>\nint main() { CQuillet quillet; return 0; }\n")
-  run(c++ -std=c++20 ${WORK_DIR}/version.cpp -o ${WORK_DIR}/version ${flags})
+  run(${COMPILER} -std=c++20 ${WORK_DIR}/version.cpp -o ${WORK_DIR}/version ${flags})
   set(ENV{LD_LIBRARY_PATH} ${prefix}/${LIBDIR})
   run(${WORK_DIR}/version)
 endif()
