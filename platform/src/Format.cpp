@@ -60,7 +60,7 @@ class DigitText {
     /// 64 bits in octal, and a zero before them.
     static constexpr std::size_t CAPACITY = 23;
 
-    wchar_t m_text[CAPACITY];
+    wchar_t m_text[CAPACITY]{};
     std::size_t m_first = CAPACITY;
 };
 

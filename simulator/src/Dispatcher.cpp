@@ -206,9 +206,13 @@ HRESULT Dispatcher::Query(std::wstring_view text, std::vector<ProvidedObject>& f
         }
     }
     const HRESULT result = store.Select(*query, instances);
-    if (SUCCEEDED(result)) {
-        found =
-            query->properties.empty() ? Whole(std::move(instances)) : Projected(instances, query->properties);
+    if (FAILED(result)) {
+        return result;
+    }
+    if (query->properties.empty()) {
+        found = Whole(std::move(instances));
+    } else {
+        found = Projected(instances, query->properties);
     }
     return result;
 }
