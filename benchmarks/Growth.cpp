@@ -1,10 +1,15 @@
 // How time and provider calls of the operations grow with the machine.
 #include "Bench.h"
+#include "Reads.h"
 
 namespace quillet::bench {
 
 namespace {
 
+using test::OfAdapter;
+using test::OfMachine;
+using test::OfTeam;
+using test::OfTeamVlan;
 using test::TeamVlanId;
 
 /// An operation over a machine that is n times something.
@@ -47,73 +52,33 @@ HRESULT AsExpected(ULONGLONG problems, ULONGLONG expected) {
 }
 
 const Growing OVER_ADAPTERS[] = {
-    {"EnumerateAdapters",
-     [](CQuillet& q, unsigned) {
-         CAdapters all;
-         return q.EnumerateAdapters(all);
-     }},
+    {"EnumerateAdapters", OfMachine<&CQuillet::EnumerateAdapters>},
     {"GetTeamableAdapters",
      [](CQuillet& q, unsigned) {
          CAdapters all;
          const HRESULT result = q.EnumerateAdapters(all);
          return FAILED(result) ? result : q.GetTeamableAdapters(all);
      }},
-    {"EnumerateTeams",
-     [](CQuillet& q, unsigned) {
-         CTeams all;
-         return q.EnumerateTeams(all);
-     }},
-    {"EnumerateISCSIAdapters",
-     [](CQuillet& q, unsigned) {
-         CISCSIAdapters all;
-         return q.EnumerateISCSIAdapters(all);
-     }},
+    {"EnumerateTeams", OfMachine<&CQuillet::EnumerateTeams>},
+    {"EnumerateISCSIAdapters", OfMachine<&CQuillet::EnumerateISCSIAdapters>},
     {"ChangeAllAdapterProfilesFromHyperV",
      [](CQuillet& q, unsigned) { return q.ChangeAllAdapterProfilesFromHyperV(ePERFORMANCE_PROFILE(2)); }},
-    {"GetAdapterBasicInfo",
-     [](CQuillet& q, unsigned) {
-         CAdapter adapter;
-         return q.GetAdapterBasicInfo(AdapterId(1), adapter);
-     }},
+    {"GetAdapterBasicInfo", OfAdapter<&CQuillet::GetAdapterBasicInfo>},
     {"GetAdapterSettings",
      [](CQuillet& q, unsigned) {
-         CSettings all;
-         return q.GetAdapterSettings(AdapterId(1), all);
+         CSettings settings;
+         return q.GetAdapterSettings(AdapterId(1), settings);
      }},
-    {"EnumerateOtherPortOfAdapter",
-     [](CQuillet& q, unsigned) {
-         CAdapterPorts all;
-         return q.EnumerateOtherPortOfAdapter(AdapterId(1), all);
-     }},
-    {"EnumerateDiagnostics",
-     [](CQuillet& q, unsigned) {
-         CDiagTests all;
-         return q.EnumerateDiagnostics(AdapterId(1), all);
-     }},
-    {"GetMemberAdapters",
-     [](CQuillet& q, unsigned) {
-         CTeamedAdapters all;
-         return q.GetMemberAdapters(TeamId(1), all);
-     }},
+    {"EnumerateOtherPortOfAdapter", OfAdapter<&CQuillet::EnumerateOtherPortOfAdapter>},
+    {"EnumerateDiagnostics", OfAdapter<&CQuillet::EnumerateDiagnostics>},
+    {"GetMemberAdapters", OfTeam<&CQuillet::GetMemberAdapters>},
     {"IdentifyAdapter", [](CQuillet& q, unsigned) { return q.IdentifyAdapter(AdapterId(1), 10); }},
-    {"GetWarnings",
-     [](CQuillet& q, unsigned) {
-         ULONGLONG warnings = 0;
-         return q.GetWarnings(warnings);
-     }},
+    {"GetWarnings", OfMachine<&CQuillet::GetWarnings>},
 };
 
 const Growing OVER_VLANS[] = {
-    {"EnumerateVLANsOfAdapter",
-     [](CQuillet& q, unsigned) {
-         CVLANs all;
-         return q.EnumerateVLANsOfAdapter(AdapterId(3), all);
-     }},
-    {"EnumerateVLANsOfTeam",
-     [](CQuillet& q, unsigned) {
-         CVLANs all;
-         return q.EnumerateVLANsOfTeam(TeamId(1), all);
-     }},
+    {"EnumerateVLANsOfAdapter", OfAdapter<&CQuillet::EnumerateVLANsOfAdapter, 3>},
+    {"EnumerateVLANsOfTeam", OfTeam<&CQuillet::EnumerateVLANsOfTeam>},
     {"CreateVLANAdapterCheck",
      [](CQuillet& q, unsigned n) {
          return AsExpected(q.CreateVLANAdapterCheck(AdapterId(3), NewVlan()),
@@ -129,11 +94,7 @@ const Growing OVER_VLANS[] = {
          CVLAN vlan;
          return q.GetVLANInfo(TeamVlanId(1, 1), vlan);
      }},
-    {"GetVlanSettings",
-     [](CQuillet& q, unsigned) {
-         CSettings all;
-         return q.GetVlanSettings(TeamVlanId(1, 1), all);
-     }},
+    {"GetVlanSettings", OfTeamVlan<&CQuillet::GetVlanSettings>},
 };
 
 const Growing ADDITIONS[] = {

@@ -26,48 +26,15 @@ MachineSize TeamedPair(unsigned n) {
 }
 
 const Operation OPERATIONS[] = {
-    {"EnumerateAdapters", Adapters,
-     [](CQuillet& q, unsigned) {
-         CAdapters all;
-         return q.EnumerateAdapters(all);
-     },
+    {"EnumerateAdapters", Adapters, OfMachine<&CQuillet::EnumerateAdapters>,
      // The four properties of an adapter come with it.
      [](unsigned n) { return Enumeration(n); }},
-    {"GetAdapterBasicInfo", OneAmongAdapters,
-     [](CQuillet& q, unsigned) {
-         CAdapter adapter;
-         return q.GetAdapterBasicInfo(AdapterId(1), adapter);
-     },
-     [](unsigned) { return OBJECT; }},
-    {"GetAdapterDynamicInfo", OneAmongAdapters,
-     [](CQuillet& q, unsigned) {
-         CAdapter adapter;
-         return q.GetAdapterDynamicInfo(AdapterId(1), adapter);
-     },
-     [](unsigned) { return OBJECT; }},
-    {"GetAdapterStatus", OneAmongAdapters,
-     [](CQuillet& q, unsigned) {
-         CAdapter adapter;
-         return q.GetAdapterStatus(AdapterId(1), adapter);
-     },
-     [](unsigned) { return OBJECT; }},
-    {"GetAdapterCapabilities", OneAmongAdapters,
-     [](CQuillet& q, unsigned) {
-         CAdapter adapter;
-         return q.GetAdapterCapabilities(AdapterId(1), adapter);
-     },
-     [](unsigned) { return OBJECT; }},
-    {"GetAdapterPCIInfo", OneAmongAdapters,
-     [](CQuillet& q, unsigned) {
-         CPCIInfo info;
-         return q.GetAdapterPCIInfo(AdapterId(1), info);
-     },
-     [](unsigned) { return OBJECT; }},
-    {"EnumerateOtherPortOfAdapter", TeamedPair,
-     [](CQuillet& q, unsigned) {
-         CAdapterPorts ports;
-         return q.EnumerateOtherPortOfAdapter(AdapterId(1), ports);
-     },
+    {"GetAdapterBasicInfo", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterBasicInfo>, ONE_OBJECT},
+    {"GetAdapterDynamicInfo", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterDynamicInfo>, ONE_OBJECT},
+    {"GetAdapterStatus", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterStatus>, ONE_OBJECT},
+    {"GetAdapterCapabilities", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterCapabilities>, ONE_OBJECT},
+    {"GetAdapterPCIInfo", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterPCIInfo>, ONE_OBJECT},
+    {"EnumerateOtherPortOfAdapter", TeamedPair, OfAdapter<&CQuillet::EnumerateOtherPortOfAdapter>,
      // The adapter tells its slot, a query finds the two ports in it, and another for each its one
      // membership.
      [](unsigned) { return OBJECT + Query(2) + 2 * Query(1); }},
@@ -82,27 +49,16 @@ const Operation OPERATIONS[] = {
          return OBJECT + Query(ports) + ports * Query(0);
      }},
     {"IdentifyAdapter", OneAmongAdapters,
-     [](CQuillet& q, unsigned) { return q.IdentifyAdapter(AdapterId(1), 10); },
-     [](unsigned) { return METHOD; }},
-    {"GetHbaPath", OneAmongAdapters,
-     [](CQuillet& q, unsigned) {
-         std::wstring path;
-         return q.GetHbaPath(AdapterId(1), path);
-     },
-     [](unsigned) { return METHOD; }},
+     [](CQuillet& q, unsigned) { return q.IdentifyAdapter(AdapterId(1), 10); }, ONE_METHOD},
+    {"GetHbaPath", OneAmongAdapters, OfAdapter<&CQuillet::GetHbaPath>, ONE_METHOD},
     {"GetNDIS_Version", OneAmongAdapters,
      [](CQuillet& q, unsigned) {
          int major = 0;
          int minor = 0;
          return q.GetNDIS_Version(AdapterId(1), major, minor);
      },
-     [](unsigned) { return METHOD; }},
-    {"GetAdapterWarnings", OneAmongAdapters,
-     [](CQuillet& q, unsigned) {
-         ULONGLONG warnings = 0;
-         return q.GetAdapterWarnings(AdapterId(1), warnings);
-     },
-     [](unsigned) { return METHOD; }},
+     ONE_METHOD},
+    {"GetAdapterWarnings", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterWarnings>, ONE_METHOD},
     {"GetAdapterSettings", SettingsOfEach,
      [](CQuillet& q, unsigned) {
          CSettings settings;
@@ -142,10 +98,7 @@ const Operation OPERATIONS[] = {
      // Asked for in one call, taken in another.
      [](unsigned) { return OBJECT + Count{.results = 1}; }},
     {"GetAdapterProfiles", [](unsigned n) { return MachineSize{.adapters = 1, .profiles = n + 1}; },
-     [](CQuillet& q, unsigned) {
-         CPerformanceProfiles profiles;
-         return q.GetAdapterProfiles(AdapterId(1), profiles);
-     },
+     OfAdapter<&CQuillet::GetAdapterProfiles>,
      // All profiles are values of one setting.
      [](unsigned) { return OBJECT + Count{.results = 1}; }},
     {"ChangeAllAdapterProfilesFromHyperV", Profiles,
@@ -184,14 +137,8 @@ const Operation OPERATIONS[] = {
          return q.ValidateSetSetting(FullPath(AdapterId(1)), teamed, L"*Setting1", 1, warnings);
      },
      [](unsigned) { return OBJECT + Query(2) + 2 * Query(1) + METHOD; }},
-    {"BeginApply", Adapters, [](CQuillet& q, unsigned) { return q.BeginApply(); },
-     [](unsigned) { return METHOD; }},
-    {"GetWarnings", Adapters,
-     [](CQuillet& q, unsigned) {
-         ULONGLONG warnings = 0;
-         return q.GetWarnings(warnings);
-     },
-     [](unsigned) { return METHOD; }},
+    {"BeginApply", Adapters, [](CQuillet& q, unsigned) { return q.BeginApply(); }, ONE_METHOD},
+    {"GetWarnings", Adapters, OfMachine<&CQuillet::GetWarnings>, ONE_METHOD},
 };
 
 std::string Name(const testing::TestParamInfo<Operation>& info) {

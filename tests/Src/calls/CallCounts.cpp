@@ -35,6 +35,17 @@ Count Counted(const std::vector<JournalEntry>& journal) {
     return count;
 }
 
+/// Records that name the adapters from the first on.
+template <class Records, class Record>
+Records First(unsigned count) {
+    Records records;
+    for (unsigned number = 1; number <= count; ++number) {
+        records.m_vecItems.push_back(new Record);
+        records.m_vecItems.back()->m_wsAdapterID = AdapterId(number);
+    }
+    return records;
+}
+
 } // namespace
 
 void PrintTo(const Count& count, std::ostream* out) {
@@ -49,21 +60,11 @@ void PrintTo(const Operation& operation, std::ostream* out) {
 }
 
 CAdapters FirstAdapters(unsigned count) {
-    CAdapters adapters;
-    for (unsigned number = 1; number <= count; ++number) {
-        adapters.m_vecItems.push_back(new CAdapter);
-        adapters.m_vecItems.back()->m_wsAdapterID = AdapterId(number);
-    }
-    return adapters;
+    return First<CAdapters, CAdapter>(count);
 }
 
 CTeamedAdapters FirstMembers(unsigned count) {
-    CTeamedAdapters members;
-    for (unsigned number = 1; number <= count; ++number) {
-        members.m_vecItems.push_back(new CTeamedAdapter);
-        members.m_vecItems.back()->m_wsAdapterID = AdapterId(number);
-    }
-    return members;
+    return First<CTeamedAdapters, CTeamedAdapter>(count);
 }
 
 TEST_P(CallCountsTest, OnMachinesOfAnySize_AreAsManyAsTheFormulaSays) {

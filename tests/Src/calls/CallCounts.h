@@ -3,7 +3,7 @@
 #pragma once
 
 #include "ProviderTest.h"
-#include "SizedMachine.h"
+#include "Reads.h"
 
 #include <map>
 
@@ -12,6 +12,11 @@ namespace calls {
 using quillet::test::AdapterId;
 using quillet::test::AdapterVlanId;
 using quillet::test::MachineSize;
+using quillet::test::OfAdapter;
+using quillet::test::OfAdapterVlan;
+using quillet::test::OfMachine;
+using quillet::test::OfTeam;
+using quillet::test::OfTeamVlan;
 using quillet::test::TeamId;
 using quillet::test::TeamVlanId;
 
@@ -66,6 +71,10 @@ inline constexpr Count OBJECT{.objects = 1};
 inline constexpr Count METHOD{.objects = 1, .methods = 1};
 /// An object that is in the client's hands goes back, and its final status is waited for.
 inline constexpr Count COMMIT{.puts = 1, .statuses = 1};
+
+// The two formulas that do not depend on the machine and that many have.
+constexpr auto ONE_OBJECT = [](unsigned) { return OBJECT; };
+constexpr auto ONE_METHOD = [](unsigned) { return METHOD; };
 
 /// One operation over a machine that is n times something.
 struct Operation {

@@ -21,16 +21,11 @@ MachineSize OneMoreBootAgent(unsigned n) {
 constexpr const wchar_t* FIRST_TEST = LR"(Zorel_DiagTest.Name="Test 1 - Adapter 1")";
 
 const Operation OPERATIONS[] = {
-    {"EnumerateDiagnostics", Tests,
-     [](CQuillet& q, unsigned) {
-         CDiagTests all;
-         return q.EnumerateDiagnostics(AdapterId(2), all);
-     },
+    {"EnumerateDiagnostics", Tests, OfAdapter<&CQuillet::EnumerateDiagnostics, 2>,
      // The tests that are associated with the adapter, not those of its neighbours.
      [](unsigned n) { return Query(n); }},
     {"RunDiagnostics", OneMoreTest,
-     [](CQuillet& q, unsigned) { return q.RunDiagnostics(FIRST_TEST, AdapterId(1)); },
-     [](unsigned) { return METHOD; }},
+     [](CQuillet& q, unsigned) { return q.RunDiagnostics(FIRST_TEST, AdapterId(1)); }, ONE_METHOD},
     {"RunDiagnostics_and_GetDiagnosticsResult", OneMoreTest,
      [](CQuillet& q, unsigned) {
          CDiagResult result;
@@ -47,18 +42,10 @@ const Operation OPERATIONS[] = {
      // The test tells its name; the results are looked through until it is found, and here it is the only
      // one.
      [](unsigned) { return METHOD + OBJECT + Count{.enumerations = 1, .nexts = 1} + METHOD; }},
-    {"GetAdapterBootAgentInfo", OneMoreBootAgent,
-     [](CQuillet& q, unsigned) {
-         CBootAgent agent;
-         return q.GetAdapterBootAgentInfo(AdapterId(1), agent);
-     },
+    {"GetAdapterBootAgentInfo", OneMoreBootAgent, OfAdapter<&CQuillet::GetAdapterBootAgentInfo>,
      // An agent without an image has no image type that would need a text.
-     [](unsigned) { return OBJECT; }},
-    {"EnumerateISCSIAdapters", BootAgents,
-     [](CQuillet& q, unsigned) {
-         CISCSIAdapters all;
-         return q.EnumerateISCSIAdapters(all);
-     },
+     ONE_OBJECT},
+    {"EnumerateISCSIAdapters", BootAgents, OfMachine<&CQuillet::EnumerateISCSIAdapters>,
      [](unsigned n) { return Enumeration(n); }},
     {"SetiSCSIStatus", OneMoreBootAgent,
      [](CQuillet& q, unsigned) {
@@ -66,12 +53,8 @@ const Operation OPERATIONS[] = {
          return q.SetiSCSIStatus(L"Zorel_BootAgent_iSCSI_Adapters.Name=\"{A1}\"",
                                  static_cast<CISCSIAdapter::iSCSIStatus>(1), returnCode);
      },
-     [](unsigned) { return METHOD; }},
-    {"GetiSCSI_Info", OneMoreBootAgent,
-     [](CQuillet& q, unsigned) {
-         CiSCSI info;
-         return q.GetiSCSI_Info(AdapterId(1), info);
-     },
+     ONE_METHOD},
+    {"GetiSCSI_Info", OneMoreBootAgent, OfAdapter<&CQuillet::GetiSCSI_Info>,
      // Two methods.
      [](unsigned) { return 2 * METHOD; }},
 };

@@ -44,37 +44,13 @@ Count MemberAdapters(unsigned members) {
 constexpr Count TEAM_MODES{.objects = 1 + 7};
 
 const Operation OPERATIONS[] = {
-    {"EnumerateTeams", Teams,
-     [](CQuillet& q, unsigned) {
-         CTeams all;
-         return q.EnumerateTeams(all);
-     },
-     ALL_TEAMS},
-    {"GetTeamInfo", OneAmongTeams,
-     [](CQuillet& q, unsigned) {
-         CTeam team;
-         return q.GetTeamInfo(TeamId(1), team);
-     },
-     [](unsigned) { return OBJECT; }},
-    {"GetTeamStatus", OneAmongTeams,
-     [](CQuillet& q, unsigned) {
-         CTeam::TeamStatus status{};
-         return q.GetTeamStatus(TeamId(1), status);
-     },
+    {"EnumerateTeams", Teams, OfMachine<&CQuillet::EnumerateTeams>, ALL_TEAMS},
+    {"GetTeamInfo", OneAmongTeams, OfTeam<&CQuillet::GetTeamInfo>, ONE_OBJECT},
+    {"GetTeamStatus", OneAmongTeams, OfTeam<&CQuillet::GetTeamStatus>,
      // The state is that of the team's logical adapter, whose path is made here.
-     [](unsigned) { return OBJECT; }},
-    {"GetTeamSettings", OneAmongTeams,
-     [](CQuillet& q, unsigned) {
-         CSettings settings;
-         return q.GetTeamSettings(TeamId(1), settings);
-     },
-     [](unsigned) { return Query(0); }},
-    {"GetMemberAdapters", Members,
-     [](CQuillet& q, unsigned) {
-         CTeamedAdapters members;
-         return q.GetMemberAdapters(TeamId(1), members);
-     },
-     MemberAdapters},
+     ONE_OBJECT},
+    {"GetTeamSettings", OneAmongTeams, OfTeam<&CQuillet::GetTeamSettings>, [](unsigned) { return Query(0); }},
+    {"GetMemberAdapters", Members, OfTeam<&CQuillet::GetMemberAdapters>, MemberAdapters},
     {"GetMemberAdaptersStatus", [](unsigned n) { return Members(n + 1); },
      [](CQuillet& q, unsigned n) {
          CTeamedAdapters members = FirstMembers(n + 1);
@@ -82,17 +58,9 @@ const Operation OPERATIONS[] = {
      },
      // One membership for each member, and the state of its adapter.
      [](unsigned n) { return Query(n + 1) + (n + 1) * OBJECT; }},
-    {"IsPrimaryAdapter", OneAmongTeams,
-     [](CQuillet& q, unsigned) {
-         bool primary = false;
-         return q.IsPrimaryAdapter(AdapterId(1), primary);
-     },
+    {"IsPrimaryAdapter", OneAmongTeams, OfAdapter<&CQuillet::IsPrimaryAdapter>,
      [](unsigned) { return FIRST_OF_QUERY; }},
-    {"GetNumberEnabledMembers", Members,
-     [](CQuillet& q, unsigned) {
-         int count = 0;
-         return q.GetNumberEnabledMembers(TeamId(1), count);
-     },
+    {"GetNumberEnabledMembers", Members, OfTeam<&CQuillet::GetNumberEnabledMembers>,
      [](unsigned n) { return MemberAdapters(n) + n * OBJECT; }},
     {"CreateTeamCheck_OfTheName", Teams,
      [](CQuillet& q, unsigned) {
@@ -125,7 +93,7 @@ const Operation OPERATIONS[] = {
          DWORD validation = 0;
          return q.ValidateTeamName(L"New", L"Zorel_TeamOfAdapters", validation);
      },
-     [](unsigned) { return METHOD; }},
+     ONE_METHOD},
     {"ValidateNewTeamMembers", Members,
      [](CQuillet& q, unsigned n) {
          ULONGLONG validation = 0;
@@ -144,14 +112,10 @@ const Operation OPERATIONS[] = {
          ULONGLONG validation = 0;
          return q.ValidateAddAdapters(TeamId(1), FirstMembers(n), FirstAdapters(2 * n), validation);
      },
-     [](unsigned) { return METHOD; }},
-    {"GetTeamNamePrefix", Teams,
-     [](CQuillet& q, unsigned) {
-         std::wstring prefix;
-         return q.GetTeamNamePrefix(prefix);
-     },
+     ONE_METHOD},
+    {"GetTeamNamePrefix", Teams, OfMachine<&CQuillet::GetTeamNamePrefix>,
      // The prefix is a qualifier of the class.
-     [](unsigned) { return OBJECT; }},
+     ONE_OBJECT},
     {"ModifyMemberList_ToTheSameMembers", Members,
      [](CQuillet& q, unsigned n) { return q.ModifyMemberList(TeamId(1), FirstMembers(n), FirstAdapters(n)); },
      // Nobody leaves, nobody comes.
@@ -192,11 +156,7 @@ const Operation OPERATIONS[] = {
      },
      // Whether there is a first membership is all that counts.
      [](unsigned n) { return (2 * n) * FIRST_OF_QUERY; }},
-    {"GetAdapterTeamModes", OneAmongTeams,
-     [](CQuillet& q, unsigned) {
-         CAdapter adapter;
-         return q.GetAdapterTeamModes(AdapterId(1), adapter);
-     },
+    {"GetAdapterTeamModes", OneAmongTeams, OfAdapter<&CQuillet::GetAdapterTeamModes>,
      [](unsigned) { return TEAM_MODES; }},
     {"GetCompatibleTeamModesWithAdapters", OneAmongTeams,
      [](CQuillet& q, unsigned n) {

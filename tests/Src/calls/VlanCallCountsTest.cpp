@@ -49,44 +49,25 @@ constexpr auto ALL_VLANS = [](unsigned n) { return Query(n); };
 constexpr Count ADDITION{.objects = 1 + 1 + 1, .methods = 1};
 
 const Operation OPERATIONS[] = {
-    {"EnumerateVLANsOfAdapter", Vlans,
-     [](CQuillet& q, unsigned) {
-         CVLANs all;
-         return q.EnumerateVLANsOfAdapter(AdapterId(PARENT), all);
-     },
+    {"EnumerateVLANsOfAdapter", Vlans, OfAdapter<&CQuillet::EnumerateVLANsOfAdapter, PARENT>,
      // The parent's object ID is in its path; a VLAN's properties come with it.
      ALL_VLANS},
-    {"EnumerateVLANsOfTeam", Vlans,
-     [](CQuillet& q, unsigned) {
-         CVLANs all;
-         return q.EnumerateVLANsOfTeam(TeamId(1), all);
-     },
-     ALL_VLANS},
+    {"EnumerateVLANsOfTeam", Vlans, OfTeam<&CQuillet::EnumerateVLANsOfTeam>, ALL_VLANS},
     {"GetVLANInfo", OneMoreVlan,
      [](CQuillet& q, unsigned) {
          CVLAN vlan;
          return q.GetVLANInfo(AdapterVlanId(PARENT, 1), vlan);
      },
-     [](unsigned) { return OBJECT; }},
-    {"GetVlanStatus", OneMoreVlan,
-     [](CQuillet& q, unsigned) {
-         CVLAN::VlanStatus status{};
-         return q.GetVlanStatus(TeamVlanId(1, 1), status);
-     },
-     [](unsigned) { return OBJECT; }},
+     ONE_OBJECT},
+    {"GetVlanStatus", OneMoreVlan, OfTeamVlan<&CQuillet::GetVlanStatus>, ONE_OBJECT},
     {"GetVlanSettings", [](unsigned n) { return MachineSize{.adapters = 1, .vlans = 2, .vlanSettings = n}; },
-     [](CQuillet& q, unsigned) {
-         CSettings settings;
-         return q.GetVlanSettings(AdapterVlanId(1, 1), settings);
-     },
-     [](unsigned n) { return Query(n); }},
+     OfAdapterVlan<&CQuillet::GetVlanSettings, 1>, [](unsigned n) { return Query(n); }},
     {"ParentSupportingVLAN_Adapter", Vlans,
      [](CQuillet& q, unsigned) { return q.ParentSupportingVLAN(AdapterId(PARENT)); },
      // The service, and whether the adapter is a member of a team.
      [](unsigned) { return OBJECT + FIRST_OF_QUERY; }},
     {"ParentSupportingVLAN_Team", Vlans,
-     [](CQuillet& q, unsigned) { return q.ParentSupportingVLAN(TeamId(1)); },
-     [](unsigned) { return OBJECT; }},
+     [](CQuillet& q, unsigned) { return q.ParentSupportingVLAN(TeamId(1)); }, ONE_OBJECT},
     {"CreateVLANAdapterCheck", Vlans,
      [](CQuillet& q, unsigned) {
          return Run([&] { q.CreateVLANAdapterCheck(AdapterId(PARENT), NewVlan()); });
