@@ -6,7 +6,7 @@ import re
 
 BUILD = "it builds the tree, as scripts/test does: presets and targets must exist"
 SCRIPT = "it builds and runs much: the script must exist and know its arguments"
-PACKAGE = "tests/package installs what was built and uses it"
+PACKAGE = "tests/package installs and packs what was built, and uses it"
 
 # A command, and what it names.
 ELSEWHERE = {

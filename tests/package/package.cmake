@@ -1,4 +1,5 @@
-# Installs the build tree and builds, tests and links somebody else's project against what was installed.
+# Installs the build tree, makes its package, and builds, tests and links somebody else's project against what the
+# package brings.
 # BUILD_DIR, WORK_DIR, SOURCE_DIR, LIBDIR; TOOLCHAIN and EMULATOR of a cross-build; COMPILER and FLAGS of
 # the build tree.
 function(run)
@@ -11,14 +12,32 @@ function(run)
 endfunction()
 
 file(REMOVE_RECURSE ${WORK_DIR})
-set(prefix ${WORK_DIR}/prefix)
-run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
+set(installed ${WORK_DIR}/installed)
+run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${installed})
 
 foreach(file IN ITEMS share/man/man1/quilletctl.1 share/bash-completion/completions/quilletctl)
-  if(NOT EXISTS ${prefix}/${file})
+  if(NOT EXISTS ${installed}/${file})
     message(FATAL_ERROR "${file} was not installed")
   endif()
 endforeach()
+
+# cpack comes with CMake, and is told its generator by the build tree.
+cmake_path(GET CMAKE_COMMAND PARENT_PATH programs)
+run(${programs}/cpack --config ${BUILD_DIR}/CPackConfig.cmake -B ${WORK_DIR}/package)
+if(TOOLCHAIN)
+  file(GLOB package ${WORK_DIR}/package/*.zip)
+  file(ARCHIVE_EXTRACT INPUT ${package} DESTINATION ${WORK_DIR}/unpacked)
+  file(GLOB prefix ${WORK_DIR}/unpacked/*) # the zip holds one folder, of its own name
+else()
+  file(GLOB package ${WORK_DIR}/package/*.deb)
+  run(dpkg-deb --extract ${package} ${WORK_DIR}/unpacked)
+  set(prefix ${WORK_DIR}/unpacked/usr)
+endif()
+file(GLOB_RECURSE files RELATIVE ${installed} ${installed}/*)
+file(GLOB_RECURSE packaged RELATIVE ${prefix} ${prefix}/*)
+if(NOT packaged STREQUAL files)
+  message(FATAL_ERROR "the package has other files than the installation\n${packaged}\nnot\n${files}")
+endif()
 
 # The outside project must not find its way back into this tree.
 file(COPY ${SOURCE_DIR}/consumer DESTINATION ${WORK_DIR})
