@@ -32,7 +32,9 @@ class CComPtr {
         CComPtr(other).Swap(*this);
         return *this;
     }
-    CComPtr& operator=(const CComPtr& other) noexcept { // NOLINT(bugprone-unhandled-self-assignment)
+    // Through a copy, so that assigning a pointer to itself is safe as well.
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
+    CComPtr& operator=(const CComPtr& other) noexcept {
         CComPtr(other).Swap(*this);
         return *this;
     }

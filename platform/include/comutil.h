@@ -237,7 +237,9 @@ inline int _bstr_t::Compare(const _bstr_t& other) const noexcept {
 /// are two types, as VT_INT): say LONG and ULONG where the type matters.
 class _variant_t : public tagVARIANT {
   public:
-    _variant_t() noexcept { ::VariantInit(this); } // NOLINT(cppcoreguidelines-pro-type-member-init)
+    // VariantInit sets all that a reader of VT_EMPTY may look at.
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
+    _variant_t() noexcept { ::VariantInit(this); }
     _variant_t(const VARIANT& source) : _variant_t() { _com_util::CheckError(::VariantCopy(this, &source)); }
     _variant_t(const VARIANT* source) : _variant_t() {
         if (!source)
