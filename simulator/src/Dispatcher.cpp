@@ -55,12 +55,27 @@ std::vector<ProvidedObject> Projected(const std::vector<InstancePtr>& instances,
     return objects;
 }
 
+/// The class of an instance, counted with the instance that holds it: the count of a class is shared by the
+/// threads of all clients.
+ClassPtr DefinitionOf(const InstancePtr& instance) {
+    return ClassPtr(instance, instance->definition.get());
+}
+
+/// Why there is no such instance.
+HRESULT Missing(const Repository& store, const ObjectPath& path) {
+    return store.FindClass(path.className) == nullptr ? HRESULT(WBEM_E_INVALID_CLASS)
+                                                      : HRESULT(WBEM_E_NOT_FOUND);
+}
+
+/// Instances with all their properties, counted with the answer that they are part of: it is one client's
+/// alone, and their own counts are shared by the threads of all clients.
 std::vector<ProvidedObject> Whole(std::vector<InstancePtr> instances) {
+    const auto answer = std::make_shared<const std::vector<InstancePtr>>(std::move(instances));
     std::vector<ProvidedObject> objects;
-    objects.reserve(instances.size());
-    for (auto& instance : instances) {
-        ClassPtr definition = instance->definition;
-        objects.push_back({std::move(definition), std::move(instance)});
+    objects.reserve(answer->size());
+    for (const InstancePtr& instance : *answer) {
+        objects.push_back(
+            {ClassPtr(answer, instance->definition.get()), InstancePtr(answer, instance.get())});
     }
     return objects;
 }
@@ -140,18 +155,15 @@ HRESULT Dispatcher::GetObject(std::wstring_view text, ProvidedObject& found) con
         return parsed;
     }
     const auto& store = m_machine.Store();
-    found.definition = store.FindClass(path.className);
     if (path.IsClass()) {
+        found.definition = store.FindClass(path.className);
         return found.definition != nullptr ? HRESULT(S_OK) : HRESULT(WBEM_E_NOT_FOUND);
-    }
-    if (found.definition == nullptr) {
-        return HRESULT(WBEM_E_INVALID_CLASS);
     }
     found.instance = store.FindInstance(path);
     if (found.instance == nullptr) {
-        return HRESULT(WBEM_E_NOT_FOUND);
+        return Missing(store, path);
     }
-    found.definition = found.instance->definition;
+    found.definition = DefinitionOf(found.instance);
     return S_OK;
 }
 
@@ -220,23 +232,24 @@ HRESULT Dispatcher::Query(std::wstring_view text, std::vector<ProvidedObject>& f
 HRESULT Dispatcher::ExecMethod(Request& request, std::wstring_view text, std::wstring_view name,
                                const Instance* given, InstancePtr& out) const {
     m_machine.Internals().CatchUp();
-    std::unique_lock lock(m_machine.Internals().changes);
     ObjectPath path;
     if (const HRESULT parsed = ParsePath(text, path); FAILED(parsed)) {
         return parsed;
     }
     const auto& store = m_machine.Store();
-    auto definition = store.FindClass(path.className);
-    if (definition == nullptr) {
-        return HRESULT(WBEM_E_INVALID_CLASS);
-    }
     InstancePtr instance;
-    if (!path.IsClass()) {
+    ClassPtr definition;
+    if (path.IsClass()) {
+        definition = store.FindClass(path.className);
+        if (definition == nullptr) {
+            return HRESULT(WBEM_E_INVALID_CLASS);
+        }
+    } else {
         instance = store.FindInstance(path);
         if (instance == nullptr) {
-            return HRESULT(WBEM_E_NOT_FOUND);
+            return Missing(store, path);
         }
-        definition = instance->definition;
+        definition = DefinitionOf(instance);
     }
     const auto* method = definition->FindMethod(name);
     if (method == nullptr) {
@@ -255,15 +268,20 @@ HRESULT Dispatcher::ExecMethod(Request& request, std::wstring_view text, std::ws
     } else {
         auto& machine = m_machine.Internals();
         auto& provider = machine.ProviderOf(*definition);
-        // Others go on while a method takes its time.
+        // Others go on while a method takes its time, and may change or delete the instance meanwhile.
         const auto duration = provider.Duration(call);
-        lock.unlock();
         if (const auto cut = request.PowerCut()) {
             machine.clock.Pass(duration / 2);
             return *cut;
         }
         machine.clock.Pass(duration);
-        lock.lock();
+        const std::lock_guard lock(machine.changes);
+        if (call.instance != nullptr) {
+            call.instance = store.FindInstance(path);
+            if (call.instance == nullptr) {
+                return HRESULT(WBEM_E_NOT_FOUND);
+            }
+        }
         result = provider.ExecMethod(call);
     }
     if (SUCCEEDED(result) && call.out.definition != nullptr) {
@@ -302,12 +320,9 @@ HRESULT Dispatcher::DeleteInstance(Request& request, std::wstring_view text) con
         return HRESULT(WBEM_E_INVALID_OBJECT_PATH);
     }
     const auto& store = m_machine.Store();
-    if (store.FindClass(path.className) == nullptr) {
-        return HRESULT(WBEM_E_INVALID_CLASS);
-    }
     const auto instance = store.FindInstance(path);
     if (instance == nullptr) {
-        return HRESULT(WBEM_E_NOT_FOUND);
+        return Missing(store, path);
     }
     if (const HRESULT allowed = request.Change(); FAILED(allowed)) {
         return allowed;

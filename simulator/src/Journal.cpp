@@ -1,9 +1,11 @@
 // The journal of calls, and one entry as a line for people.
 #include <quillet-simulator/Journal.h>
 
+#include "ReadMostlyMutex.h"
+
 #include <algorithm>
 #include <array>
-#include <iterator>
+#include <mutex>
 
 namespace quillet::simulator {
 
@@ -172,40 +174,89 @@ std::wstring JournalEntry::Line() const {
     return line;
 }
 
+/// The calls of the threads that have this part, in their order.
+struct alignas(64) Journal::Part {
+    struct Numbered {
+        std::uint64_t number; ///< among the calls of all threads
+        JournalEntry entry;
+    };
+    std::mutex mutex;
+    std::vector<Numbered> calls;
+};
+
+/// Threads write into parts of their own, and share no more than the number that puts their calls into one
+/// order.
+struct Journal::Parts {
+    std::array<Part, OwnPart::Count> all;
+    alignas(64) std::atomic<std::uint64_t> next{0};
+
+    /// While they are held no thread has a number without having written its call.
+    std::vector<std::unique_lock<std::mutex>> Lock() {
+        std::vector<std::unique_lock<std::mutex>> locks;
+        locks.reserve(all.size());
+        for (Part& part : all) {
+            locks.emplace_back(part.mutex);
+        }
+        return locks;
+    }
+};
+
+Journal::Journal() : m_parts(std::make_unique<Parts>()) {}
+
+Journal::~Journal() = default;
+
 void Journal::Add(JournalEntry entry) {
-    const std::lock_guard lock(m_mutex);
-    m_entries.push_back(std::move(entry));
+    Part& own = m_parts->all[OwnPart::Index()];
+    const std::lock_guard lock(own.mutex);
+    own.calls.push_back({m_parts->next.fetch_add(1, std::memory_order_relaxed), std::move(entry)});
 }
 
 void Journal::Clear() {
-    const std::lock_guard lock(m_mutex);
-    m_entries.clear();
+    const auto locks = m_parts->Lock();
+    for (Part& part : m_parts->all) {
+        part.calls.clear();
+    }
+}
+
+std::vector<JournalEntry> Journal::Those(const std::function<bool(const JournalEntry&)>& wanted) const {
+    const auto locks = m_parts->Lock();
+    std::vector<const Part::Numbered*> found;
+    for (const Part& part : m_parts->all) {
+        for (const Part::Numbered& call : part.calls) {
+            if (wanted(call.entry)) {
+                found.push_back(&call);
+            }
+        }
+    }
+    std::sort(found.begin(), found.end(),
+              [](const auto* left, const auto* right) { return left->number < right->number; });
+    std::vector<JournalEntry> calls;
+    calls.reserve(found.size());
+    for (const Part::Numbered* call : found) {
+        calls.push_back(call->entry);
+    }
+    return calls;
 }
 
 std::vector<JournalEntry> Journal::All() const {
-    const std::lock_guard lock(m_mutex);
-    return m_entries;
+    return Those([](const JournalEntry&) { return true; });
 }
 
 std::vector<JournalEntry> Journal::ProviderCalls() const {
-    std::vector<JournalEntry> calls;
-    const std::lock_guard lock(m_mutex);
-    std::copy_if(m_entries.begin(), m_entries.end(), std::back_inserter(calls),
-                 [](const JournalEntry& entry) { return IsProviderCall(entry.operation); });
-    return calls;
+    return Those([](const JournalEntry& call) { return IsProviderCall(call.operation); });
 }
 
 std::vector<JournalEntry> Journal::Of(Operation operation) const {
-    std::vector<JournalEntry> calls;
-    const std::lock_guard lock(m_mutex);
-    std::copy_if(m_entries.begin(), m_entries.end(), std::back_inserter(calls),
-                 [operation](const JournalEntry& entry) { return entry.operation == operation; });
-    return calls;
+    return Those([operation](const JournalEntry& call) { return call.operation == operation; });
 }
 
 std::size_t Journal::Size() const {
-    const std::lock_guard lock(m_mutex);
-    return m_entries.size();
+    const auto locks = m_parts->Lock();
+    std::size_t size = 0;
+    for (const Part& part : m_parts->all) {
+        size += part.calls.size();
+    }
+    return size;
 }
 
 } // namespace quillet::simulator

@@ -23,19 +23,21 @@ struct Machine::State {
     /// Brings the instances up to what has happened in the meantime.
     void CatchUp();
 
+    // Read by every call.
     Repository store;
     Journal journal;
     Faults faults;
-    SimulatedClock clock;
-    ClientSets sets;
-    BlinkingLights blinking;
-    SwitchTests switchTests;
     DiagnosticRuns diagnostics;
     ClassProviders providers;
     ClassProvider plain;
     std::map<std::wstring, LONG, NameLess> followUps; ///< what changes of a class ask for
-    std::mutex changes; ///< held by a call that may change the machine: what it looks up stays true meanwhile
     bool strict = false;
+    // Written by some, and therefore apart.
+    alignas(64) SimulatedClock clock;
+    ClientSets sets;
+    BlinkingLights blinking;
+    SwitchTests switchTests;
+    std::mutex changes; ///< held by a call that may change the machine: what it looks up stays true meanwhile
 };
 
 } // namespace quillet::simulator

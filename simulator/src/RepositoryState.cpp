@@ -530,7 +530,6 @@ void Repository::State::Select(ClassEntry* entry, const WqlCondition& condition,
     const ObjectIdentity identity = IdentityFunction();
     for (ClassEntry* each : entries) {
         const auto consider = [&](std::uint64_t number, const InstancePtr& instance) {
-            ++examined;
             if (Matches(condition, *instance, identity)) {
                 result.push_back({each, number, instance});
             }
@@ -539,10 +538,12 @@ void Repository::State::Select(ClassEntry* entry, const WqlCondition& condition,
             for (const std::uint64_t number : *candidates) {
                 consider(number, each->extent.at(number));
             }
+            examined += candidates->size();
         } else {
             for (const auto& [number, instance] : each->extent) {
                 consider(number, instance);
             }
+            examined += each->extent.size();
         }
     }
     std::sort(result.begin(), result.end(),
@@ -586,8 +587,8 @@ HRESULT Repository::State::Associations(const WqlQuery& query, std::vector<Insta
     if (found == referrers.end()) {
         return 0;
     }
+    examined += found->second.size();
     for (const auto& [place, association] : found->second) {
-        ++examined;
         const ClassDefinition& definition = *association->definition;
         if (!allows(query.role, definition.properties[place.second].name)) {
             continue;

@@ -43,10 +43,11 @@ struct Repository::State {
     State(const State& prototype);
 
     mutable ReadMostlyMutex mutex;
-    const std::wstring serverName;
+    /// Every query writes it: away from what every call reads.
+    alignas(64) mutable std::atomic<std::uint64_t> examined{0};
+    alignas(64) const std::wstring serverName;
     const std::wstring namespaceName;
     std::atomic<std::uint64_t> generation{0};
-    mutable std::atomic<std::uint64_t> examined{0};
 
     std::unordered_map<std::wstring, std::unique_ptr<ClassEntry>> classes; ///< by folded name
     std::vector<ClassEntry*> classOrder;

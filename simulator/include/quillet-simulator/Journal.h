@@ -4,7 +4,8 @@
 #include <quillet-simulator/Model.h>
 
 #include <atomic>
-#include <mutex>
+#include <functional>
+#include <memory>
 
 namespace quillet::simulator {
 
@@ -77,6 +78,11 @@ struct JournalEntry {
 /// Safe for many threads.
 class Journal {
   public:
+    Journal();
+    ~Journal();
+    Journal(const Journal&) = delete;
+    Journal& operator=(const Journal&) = delete;
+
     /// Writes a call down.
     void Add(JournalEntry entry);
     /// Forgets all calls.
@@ -97,8 +103,12 @@ class Journal {
     bool RecordsLocal() const noexcept { return m_recordLocal.load(std::memory_order_relaxed); }
 
   private:
-    mutable std::mutex m_mutex;
-    std::vector<JournalEntry> m_entries;
+    struct Part;
+    struct Parts;
+
+    std::vector<JournalEntry> Those(const std::function<bool(const JournalEntry&)>& wanted) const;
+
+    const std::unique_ptr<Parts> m_parts;
     std::atomic<bool> m_recordLocal{false};
 };
 
