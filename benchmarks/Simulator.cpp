@@ -70,7 +70,7 @@ void Ask(benchmark::State& state, Question question) {
     for (std::size_t index = 0; index < adapters.size(); ++index) {
         adapters[index] = static_cast<unsigned>(index) + 1;
     }
-    std::shuffle(adapters.begin(), adapters.end(), std::mt19937(1)); // NOLINT: the same order every time
+    std::shuffle(adapters.begin(), adapters.end(), std::mt19937(1)); // the same order every time
     std::size_t next = 0;
     Measure(state, lab, [&] {
         next = next + 1 == adapters.size() ? 0 : next + 1;

@@ -12,28 +12,37 @@ namespace quillet::bench {
 
 namespace {
 
-constexpr MachineSize SIZE{.adapters = 100, .settings = 60};
+/// Machines that are asked in the same way, one for each thread.
+constexpr MachineSize SIZES[] = {{.adapters = 100, .settings = 60},
+                                 {.adapters = 100, .settings = 60, .iscsiPorts = 1}};
 
 struct Work {
     const char* name;
     int times; ///< runs of each thread in one go: long enough that starting and waking threads does not
                ///< matter
     HRESULT (*run)(CQuillet&, const std::wstring& adapter);
+    bool apart = false; ///< each thread has an object and a machine of its own
 };
 
+HRESULT EnumerateAdapters(CQuillet& quillet, const std::wstring&) {
+    CAdapters adapters;
+    return quillet.EnumerateAdapters(adapters);
+}
+
+HRESULT IdentifyAdapter(CQuillet& quillet, const std::wstring& adapter) {
+    return quillet.IdentifyAdapter(adapter, 10);
+}
+
 const Work WORKS[] = {
-    {"enumerate_100_adapters", 100,
-     [](CQuillet& quillet, const std::wstring&) {
-         CAdapters adapters;
-         return quillet.EnumerateAdapters(adapters);
-     }},
+    {"enumerate_100_adapters", 100, EnumerateAdapters},
+    {"enumerate_100_adapters_apart", 100, EnumerateAdapters, true},
     {"read_60_settings", 100,
      [](CQuillet& quillet, const std::wstring& adapter) {
          CSettings settings;
          return quillet.GetAdapterSettings(adapter, settings);
      }},
-    {"method_call", 4000,
-     [](CQuillet& quillet, const std::wstring& adapter) { return quillet.IdentifyAdapter(adapter, 10); }},
+    {"method_call", 4000, IdentifyAdapter},
+    {"method_call_apart", 4000, IdentifyAdapter, true},
     // What there is to gain: two threads that share nothing at all.
     {"nothing_shared", 5000,
      [](CQuillet&, const std::wstring&) -> HRESULT {
@@ -58,26 +67,32 @@ void Threads(benchmark::State& state, const Work& work, unsigned count) {
     struct Span {
         Clock::time_point begin, end;
     };
-    Lab& lab = LabOf(SIZE);
+    std::vector<Lab*> labs(count);
+    for (unsigned index = 0; index < count; ++index) {
+        labs[index] = &LabOf(SIZES[work.apart ? index : 0]);
+    }
     std::atomic<int> failures{0};
     for (auto _ : state) {
-        lab.machine->Calls().Clear();
+        for (Lab* lab : labs) {
+            lab->machine->Calls().Clear();
+        }
         std::latch ready(count);
         std::vector<Span> spans(count);
         std::vector<std::thread> threads;
         for (unsigned index = 0; index < count; ++index) {
             // Each has an adapter of its own, as the threads of a client that watches several do.
-            threads.emplace_back([&, adapter = AdapterId(index + 1), &span = spans[index]] {
-                const Apartment apartment;
-                ready.arrive_and_wait();
-                int failed = 0;
-                const Clock::time_point begin = Clock::now();
-                for (int time = 0; time < work.times; ++time) {
-                    failed += work.run(lab.quillet, adapter) != S_OK ? 1 : 0;
-                }
-                span = {begin, Clock::now()};
-                failures += failed;
-            });
+            threads.emplace_back(
+                [&, adapter = AdapterId(index + 1), &lab = *labs[index], &span = spans[index]] {
+                    const Apartment apartment;
+                    ready.arrive_and_wait();
+                    int failed = 0;
+                    const Clock::time_point begin = Clock::now();
+                    for (int time = 0; time < work.times; ++time) {
+                        failed += work.run(lab.quillet, adapter) != S_OK ? 1 : 0;
+                    }
+                    span = {begin, Clock::now()};
+                    failures += failed;
+                });
         }
         for (std::thread& thread : threads) {
             thread.join();
@@ -89,7 +104,9 @@ void Threads(benchmark::State& state, const Work& work, unsigned count) {
         }
         state.SetIterationTime(std::chrono::duration<double>(whole.end - whole.begin).count());
     }
-    lab.machine->Calls().Clear();
+    for (Lab* lab : labs) {
+        lab->machine->Calls().Clear();
+    }
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * work.times * count);
     if (failures != 0) {
         state.SkipWithError("an operation fails");

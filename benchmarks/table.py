@@ -45,6 +45,8 @@ THREADS = [
     ("read_60_settings", "two threads / one, read 60 settings", 1.8),
     ("method_call", "two threads / one, one provider method call", 1.8),
     ("basic_information", "two threads / one, read one adapter", 1.8),
+    ("enumerate_100_adapters_apart", "two threads / one, enumerate 100 adapters, a machine each", None),
+    ("method_call_apart", "two threads / one, one provider method call, a machine each", None),
     ("nothing_shared", "two threads / one, arithmetic: what the machine gives", None),
 ]
 # Measured for themselves.
