@@ -78,6 +78,25 @@ TEST_F(MemoryFailuresTest, EnumerateAdapters_NoMemoryForTheSecondRecord_KeepsThe
     EXPECT_THAT(Traced(), Contains("pAdapter == NULL"));
 }
 
+TEST_F(MemoryFailuresTest, Vlans_NoMemoryForTheSecondRecord_KeepsTheFirst) {
+    UseText(R"(
+        instance of Zorel_NetService { Name = "ZorelNetService"; };
+        instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; };
+        instance of Zorel_802dot1QVLANService { Name = "{A}"; };
+        instance of Zorel_VLAN { Name = "{V1}"; Caption = "a - VLAN : 1"; ParentID = "{A}"; VLANName = "1"; VLANNumber = 1; StatusInfo = 3; };
+        instance of Zorel_VLAN { Name = "{V2}"; Caption = "a - VLAN : 2"; ParentID = "{A}"; VLANName = "2"; VLANNumber = 2; StatusInfo = 3; };)");
+    Connect();
+    CVLANs vlans;
+    g_failAt = 2;
+    g_size = sizeof(CVLAN);
+    EXPECT_EQ(
+        Code(quillet.EnumerateVLANsOfAdapter(LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")", vlans)),
+        "0x80004005");
+    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+    EXPECT_EQ(vlans.m_vecItems.size(), 1u);
+    EXPECT_THAT(Traced(), Contains("(pVLANInfo == NULL)"));
+}
+
 TEST_F(MemoryFailuresTest, Ports_NoMemoryForTheSecondRecord_KeepsTheFirst) {
     CAdapterPorts ports;
     g_failAt = 2;

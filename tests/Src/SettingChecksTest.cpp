@@ -196,12 +196,12 @@ TEST_F(SettingChecksTest, Pack_NeedsBothCapabilitiesOnOneAdapter) {
     EXPECT_THAT(Traced(), Not(Contains("CQuillet::IsScalableNetworkingPackInstalled - SNP is installed!")));
     CAdapters some;
     Fill(some, {L"T", L"E1", L"E2"});
-    some.m_vecItems.push_back(nullptr);
+    some.m_vecItems.insert(some.m_vecItems.begin(), nullptr);
     Called();
     EXPECT_TRUE(QuilletTestAccess::IsScalableNetworkingPackInstalled(quillet, some));
     EXPECT_THAT(Traced(), Contains("CQuillet::IsScalableNetworkingPackInstalled - SNP is installed!"));
     EXPECT_EQ(Called().size(), 2u) << "the first adapter that has it ends the search";
-    EXPECT_EQ(some.m_vecItems[1]->m_pAdapterCapabilities, nullptr) << "the caller's record";
+    EXPECT_EQ(some.m_vecItems[2]->m_pAdapterCapabilities, nullptr) << "the caller's record";
     EXPECT_FALSE(QuilletTestAccess::IsScalableNetworkingPackInstalled(quillet, CAdapters()));
 }
 
@@ -310,6 +310,9 @@ TEST_F(SettingChecksTest, TeamCapable_ThirdPartyMember_WinsOverOneWithoutTheSett
     EXPECT_TRUE(QuilletTestAccess::IsTeamCapableOfAdvancedSetting(quillet, Paths({L"E1", L"X"}),
                                                                   SettingName::RssMode, capable, enabled))
         << "a third party with the setting is capable";
+    EXPECT_TRUE(QuilletTestAccess::IsTeamCapableOfAdvancedSetting(quillet, Names{Path(L"E1"), L"{E2}"},
+                                                                  SettingName::RssMode, capable, enabled))
+        << "an object identifier alone is no path to an adapter, but finds its settings";
 }
 
 TEST_F(SettingChecksTest, TeamCapable_SettingsUnreadable_IsFalseWithBothCountsZero) {

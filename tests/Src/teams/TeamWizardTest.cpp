@@ -147,6 +147,16 @@ TEST_F(TeamWizardTest, CompatibleModes_WithoutRefreshing_UseWhatTheRecordsCarry)
     EXPECT_THAT(ModesOf(*adapters.m_vecItems[0]->m_pTeamModes), ElementsAre(4));
 }
 
+TEST_F(TeamWizardTest, CompatibleModes_NullEntries_AreNoAdapters) {
+    CAdapters adapters = Adapters({A, B});
+    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(adapters, modes, true)), "0x00000000");
+    const std::vector<LONG> without = ModesOf(modes);
+    adapters.m_vecItems.insert(adapters.m_vecItems.begin() + 1, nullptr);
+    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(adapters, modes, true)), "0x00000000");
+    EXPECT_EQ(ModesOf(modes), without);
+    EXPECT_FALSE(without.empty());
+}
+
 TEST_F(TeamWizardTest, CompatibleModes_NoAdapters_IsAFailure) {
     EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(CAdapters(), modes, true)), "0x80004005");
     EXPECT_THAT(Called(), IsEmpty());
