@@ -3,7 +3,10 @@
 #include "LumDebug.h"
 #include "RegistryScope.h"
 #include "TemporaryDirectory.h"
+#include "TraceAtLoad.h"
 #include "TraceFile.h"
+
+#include <quillet-platform/TestHooks.h>
 
 #include <fstream>
 #include <gmock/gmock.h>
@@ -61,6 +64,20 @@ TEST_F(LumDebugPosix, PipeUnderTheName_IsNoTraceFileAndDoesNotBlock) {
     ASSERT_EQ(mkfifo(File().c_str(), 0600), 0);
     EXPECT_EQ(Configure(), 0);
     EXPECT_TRUE(exists(m_temp.File(L"Trace.txt")));
+}
+
+TEST_F(LumDebugPosix, DeviceUnderTheName_IsNoTraceFile) {
+    // As "RvSetup" the log takes the file's full name, and falls back to its last part.
+    EXPECT_EQ(m_log.Configure(L"RvSetup", L"/dev/null", 1, false, 0), 0);
+    m_log.PrintText(L"line");
+    EXPECT_THAT(ReadFile(m_temp.File(L"null")), testing::EndsWith("line\n"));
+}
+
+TEST_F(LumDebugPosix, ProgramWithALongPath_IsStillKnown) {
+    const std::wstring path = L"/" + std::wstring(700, L'd') + L"/LUM2Prov";
+    quillet::platform::SetModuleFileName(path);
+    EXPECT_EQ(HostExecutablePath(), path);
+    quillet::platform::SetModuleFileName({});
 }
 
 TEST_F(LumDebugPosix, BackslashesInTheName_AreDirectories) {
