@@ -23,7 +23,7 @@ struct Machine::State {
     /// Brings the instances up to what has happened in the meantime.
     void CatchUp();
 
-    // Read by every call.
+    // What every call reads is not next to what some write: between them stands what is seldom read.
     Repository store;
     Journal journal;
     Faults faults;
@@ -32,11 +32,10 @@ struct Machine::State {
     ClassProvider plain;
     std::map<std::wstring, LONG, NameLess> followUps; ///< what changes of a class ask for
     bool strict = false;
-    // Written by some, and therefore apart.
-    alignas(64) SimulatedClock clock;
     ClientSets sets;
     BlinkingLights blinking;
     SwitchTests switchTests;
+    SimulatedClock clock;
     std::mutex changes; ///< held by a call that may change the machine: what it looks up stays true meanwhile
 };
 

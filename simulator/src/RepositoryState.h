@@ -43,9 +43,7 @@ struct Repository::State {
     State(const State& prototype);
 
     mutable ReadMostlyMutex mutex;
-    /// Every query writes it: away from what every call reads.
-    alignas(64) mutable std::atomic<std::uint64_t> examined{0};
-    alignas(64) const std::wstring serverName;
+    const std::wstring serverName;
     const std::wstring namespaceName;
     std::atomic<std::uint64_t> generation{0};
 
@@ -60,6 +58,8 @@ struct Repository::State {
     /// means.
     std::set<std::wstring> unknownClasses;
     std::uint64_t nextNumber = 1;
+    /// Every query writes it: away from what every call reads.
+    mutable std::atomic<std::uint64_t> examined{0};
 
     ClassEntry* FindEntry(std::wstring_view name) const;
     HRESULT AddClass(ClassDefinition definition, std::wstring& reason);
