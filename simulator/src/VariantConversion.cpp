@@ -92,7 +92,9 @@ HRESULT FillArray(const Value::Array& elements, VARTYPE vt, LONG lowerBound, VAR
         auto* place = static_cast<unsigned char*>(raw);
         const std::size_t size = SafeArrayGetElemsize(array);
         for (const auto& element : elements) {
-            VARIANT one;
+            // All zero, which VariantInit does not make it everywhere: a type that no property has is left
+            // so.
+            VARIANT one{};
             result = FillScalar(element, vt, &one);
             if (FAILED(result)) {
                 break;
