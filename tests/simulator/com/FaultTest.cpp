@@ -75,6 +75,13 @@ TEST_F(Fault, LooksOnlyAtCallsOnItsTarget) {
     EXPECT_EQ(Code(Query(L"SELECT * FROM Test_Lone")), "0x80041001");
 }
 
+TEST_F(Fault, ACallOnWhatIsNoPathMeetsNoRuleForAClass) {
+    Arm(Operation::GetObject, Effect::Fail, L"Test_All");
+    EXPECT_EQ(Code(GetStatus(L"...")), "0x8004103A");
+    EXPECT_EQ(machine->Rules().Hits(), 0u);
+    EXPECT_EQ(Code(GetStatus(ALL)), "0x80041001");
+}
+
 TEST_F(Fault, LooksOnlyAtCallsOfItsMethod) {
     auto& rule = Rule(Operation::ExecMethod, Effect::Fail, L"Zorel_NetService");
     rule.method = L"BeginApply";
@@ -292,6 +299,18 @@ TEST_F(Fault, AStatusCanFailLater) {
     EXPECT_EQ(Code(status), "0x80041001");
 }
 
+TEST_F(Fault, ARemovalCanFailLater) {
+    Arm(Operation::DeleteInstance, Effect::FailStatus);
+    CComPtr<IWbemCallResult> result;
+    ASSERT_EQ(Code(services->DeleteInstance(_bstr_t(L"Test_Lone=1").GetBSTR(), WBEM_FLAG_RETURN_IMMEDIATELY,
+                                            nullptr, &result)),
+              "0x00000000");
+    LONG status = 0;
+    ASSERT_EQ(result->GetCallStatus(Forever, &status), S_OK);
+    EXPECT_EQ(Code(status), "0x80041001");
+    EXPECT_EQ(Code(GetStatus(L"Test_Lone=1")), "0x00000000") << "it was removed all the same";
+}
+
 TEST_F(Fault, AValueCanBeNullOrAbsent) {
     EXPECT_EQ(V_VT(&static_cast<const VARIANT&>(Damaged(Effect::NullValue, L"Caption"))), VT_NULL);
     machine->Rules().Clear();
@@ -324,6 +343,20 @@ TEST_F(Fault, AValueCanHaveAnyOtherType) {
         LONG upper = 99;
         EXPECT_EQ(SafeArrayGetUBound(V_ARRAY(&value), 1, &upper), S_OK);
         EXPECT_EQ(upper, 0);
+    }
+}
+
+TEST_F(Fault, AnArrayOfATypeThatNoPropertyHasHoldsAnEmptyElement) {
+    for (const VARTYPE element : {VT_DATE, VT_UI8, VT_ERROR, VT_UNKNOWN, VT_DISPATCH}) {
+        auto& rule = Rule(Operation::Get, Effect::WrongType, L"Caption");
+        rule.vt = static_cast<VARTYPE>(VT_ARRAY | element);
+        Arm(rule);
+        const auto value = Get(one, L"Caption");
+        ASSERT_EQ(V_VT(&value), rule.vt);
+        LONG index = 0;
+        ULONGLONG held = 99;
+        EXPECT_EQ(SafeArrayGetElement(V_ARRAY(&value), &index, &held), S_OK);
+        EXPECT_EQ(element == VT_ERROR ? static_cast<ULONG>(held) : held, 0u) << element;
     }
 }
 
@@ -408,6 +441,14 @@ TEST_F(Fault, ADelayTakesRealAndSimulatedTime) {
     EXPECT_EQ(Code(GetStatus(ALL)), "0x00000000");
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(30));
     EXPECT_EQ(machine->Now(), std::chrono::milliseconds(30));
+}
+
+TEST_F(Fault, ADelayedValueIsTheRightOne) {
+    auto& rule = Rule(Operation::Get, Effect::Delay, L"Caption");
+    rule.milliseconds = 5;
+    Arm(rule);
+    EXPECT_EQ(Get(one, L"Caption"), _variant_t(L"First"));
+    EXPECT_EQ(machine->Now(), std::chrono::milliseconds(5));
 }
 
 TEST_F(Fault, ADelayComesOnTopOfAnotherFault) {
