@@ -109,6 +109,11 @@ TEST_F(Connection, ABlanketCanBeQueried) {
     EXPECT_EQ(impersonation, DWORD{RPC_C_IMP_LEVEL_IMPERSONATE});
     EXPECT_EQ(capabilities, DWORD{EOAC_NONE});
     EXPECT_EQ(security->SetBlanket(nullptr, 0, 0, nullptr, 0, 0, nullptr, 0), E_INVALIDARG);
+    EXPECT_EQ(security->QueryBlanket(nullptr, &service, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr),
+              E_INVALIDARG);
+    CComPtr<IUnknown> copied;
+    EXPECT_EQ(security->CopyProxy(nullptr, &copied), E_INVALIDARG);
+    EXPECT_EQ(security->CopyProxy(services, nullptr), E_INVALIDARG);
 }
 
 TEST_F(Connection, ACopiedProxyHasNoBlanket) {
@@ -161,6 +166,43 @@ TEST_F(Connection, WhatIsNotDoneIsRefused) {
                             "Unsupported DeleteClass -> 0x8004100C",
                             "Unsupported ExecNotificationQuery -> 0x8004100C",
                             "Unsupported CancelAsyncCall -> 0x8004100C"));
+}
+
+TEST_F(Connection, NothingIsDoneBehindTheClientsBack) {
+    _bstr_t text(ALL);
+    const BSTR name = text.GetBSTR();
+    const auto one = Object(ALL);
+    ASSERT_EQ(Put(one, L"Caption", L"changed"), S_OK);
+    machine->Calls().Clear();
+    EXPECT_EQ(Code(services->PutClassAsync(one, 0, nullptr, nullptr)), "0x8004100C");
+    EXPECT_EQ(Code(services->DeleteClassAsync(name, 0, nullptr, nullptr)), "0x8004100C");
+    EXPECT_EQ(Code(services->CreateClassEnumAsync(name, 0, nullptr, nullptr)), "0x8004100C");
+    EXPECT_EQ(Code(services->PutInstanceAsync(one, 0, nullptr, nullptr)), "0x8004100C");
+    EXPECT_EQ(Code(services->DeleteInstanceAsync(name, 0, nullptr, nullptr)), "0x8004100C");
+    EXPECT_EQ(Code(services->CreateInstanceEnumAsync(name, 0, nullptr, nullptr)), "0x8004100C");
+    EXPECT_EQ(Code(services->ExecQueryAsync(name, name, 0, nullptr, nullptr)), "0x8004100C");
+    EXPECT_EQ(Code(services->ExecNotificationQueryAsync(name, name, 0, nullptr, nullptr)), "0x8004100C");
+    EXPECT_EQ(Code(services->ExecMethodAsync(name, name, 0, nullptr, nullptr, nullptr)), "0x8004100C");
+    EXPECT_THAT(
+        Lines(machine->Calls().All()),
+        ElementsAre(
+            "Unsupported PutClassAsync -> 0x8004100C", "Unsupported DeleteClassAsync -> 0x8004100C",
+            "Unsupported CreateClassEnumAsync -> 0x8004100C", "Unsupported PutInstanceAsync -> 0x8004100C",
+            "Unsupported DeleteInstanceAsync -> 0x8004100C",
+            "Unsupported CreateInstanceEnumAsync -> 0x8004100C", "Unsupported ExecQueryAsync -> 0x8004100C",
+            "Unsupported ExecNotificationQueryAsync -> 0x8004100C",
+            "Unsupported ExecMethodAsync -> 0x8004100C"));
+    const auto stored = machine->Store().FindInstance(ALL);
+    ASSERT_NE(stored, nullptr);
+    EXPECT_EQ(stored->Text(L"Caption"), L"First");
+}
+
+TEST_F(Connection, ThereIsNoSinkToHandOut) {
+    // A value that is no pointer to anything, to see that it is taken back.
+    auto* sink = reinterpret_cast<IWbemObjectSink*>(this);
+    EXPECT_EQ(Code(services->QueryObjectSink(0, &sink)), "0x8004100C");
+    EXPECT_EQ(sink, nullptr);
+    EXPECT_THAT(Lines(machine->Calls().All()), ElementsAre("Unsupported QueryObjectSink -> 0x8004100C"));
 }
 
 TEST_F(Connection, ClassObjectsRefuseAggregationAndForeignInterfaces) {
