@@ -73,6 +73,16 @@ TEST_F(ClassFace, AnInstanceWithoutItsKeyHasNoPath) {
     EXPECT_EQ(Text(fresh, L"__RELPATH"), L"Test_Lone.Number=5");
 }
 
+TEST_F(ClassFace, AnInstanceOfAClassWithoutKeysHasNoPath) {
+    Use("class Test_Keyless { string Text; };");
+    Connect();
+    CComPtr<IWbemClassObject> fresh;
+    ASSERT_EQ(Object(L"Test_Keyless")->SpawnInstance(0, &fresh), S_OK);
+    EXPECT_EQ(Text(fresh, L"__PATH"), L"null");
+    EXPECT_EQ(Text(fresh, L"__RELPATH"), L"null");
+    EXPECT_EQ(Text(fresh, L"__CLASS"), L"Test_Keyless");
+}
+
 TEST_F(ClassFace, NamesComeByOriginAndKind) {
     EXPECT_EQ(Names(WBEM_FLAG_ALWAYS).size(), 40u);
     EXPECT_EQ(Names(WBEM_FLAG_NONSYSTEM_ONLY).size(), 30u);
@@ -80,9 +90,15 @@ TEST_F(ClassFace, NamesComeByOriginAndKind) {
     EXPECT_THAT(Names(WBEM_FLAG_KEYS_ONLY), ElementsAre(L"Name"));
     EXPECT_THAT(Names(WBEM_FLAG_REFS_ONLY), ElementsAre(L"Other"));
     EXPECT_THAT(Names(WBEM_FLAG_PROPAGATED_ONLY), ElementsAre(L"State"));
+    EXPECT_EQ(Names(WBEM_FLAG_LOCAL_ONLY).size(), 29u);
+    EXPECT_THAT(Names(WBEM_FLAG_LOCAL_ONLY), testing::Not(testing::Contains(L"State")));
     SAFEARRAY* names = nullptr;
     EXPECT_EQ(definition->GetNames(nullptr, WBEM_FLAG_PROPAGATED_ONLY, nullptr, &names), S_OK);
     EXPECT_THAT(TakeNames(names), ElementsAre(L"Name", L"Caption"));
+    EXPECT_EQ(definition->GetNames(nullptr, WBEM_FLAG_LOCAL_ONLY, nullptr, &names), S_OK);
+    const auto own = TakeNames(names);
+    EXPECT_EQ(own.size(), 28u);
+    EXPECT_THAT(own, testing::Not(testing::Contains(L"Caption")));
 }
 
 TEST_F(ClassFace, NamesComeByQualifier) {
@@ -121,6 +137,7 @@ TEST_F(ClassFace, EnumeratesItsProperties) {
     EXPECT_EQ(one->EndEnumeration(), S_OK);
     EXPECT_EQ(Code(one->Next(0, nullptr, nullptr, nullptr, nullptr)), "0x8004101D");
     EXPECT_EQ(Code(one->Next(1, nullptr, nullptr, nullptr, nullptr)), "0x80041008");
+    EXPECT_EQ(Code(one->BeginEnumeration(WBEM_FLAG_ONLY_IF_TRUE)), "0x80041008");
     ASSERT_EQ(one->BeginEnumeration(WBEM_FLAG_SYSTEM_ONLY), S_OK);
     value.Clear();
     ASSERT_EQ(one->Next(0, &name, &value, nullptr, &flavor), S_OK);
@@ -161,6 +178,21 @@ TEST_F(ClassFace, Compares) {
     ASSERT_EQ(Put(changed, L"Caption", L"other"), S_OK);
     EXPECT_EQ(Code(definition->CompareTo(0, changed)), "0x00040003");
     EXPECT_EQ(Code(definition->CompareTo(WBEM_FLAG_IGNORE_DEFAULT_VALUES, changed)), "0x00000000");
+}
+
+TEST_F(ClassFace, ObjectsOfDifferentClassesDiffer) {
+    Use("class Test_Same { [Key] uint32 Number; string Text; };"
+        "class Test_Other { [Key] uint32 Number; string Story; };"
+        "instance of Test_Same { Number = 1; Text = \"alone\"; };"
+        "instance of Test_Other { Number = 1; Story = \"alone\"; };");
+    Connect();
+    const auto lone = Object(L"Test_Lone=1");
+    const auto same = Object(L"Test_Same=1");
+    const auto other = Object(L"Test_Other=1");
+    EXPECT_EQ(Code(lone->CompareTo(0, same)), "0x00040003");
+    EXPECT_EQ(Code(lone->CompareTo(WBEM_FLAG_IGNORE_CLASS, same)), "0x00000000");
+    EXPECT_EQ(Code(lone->CompareTo(WBEM_FLAG_IGNORE_CLASS, other)), "0x00040003") << "other properties";
+    EXPECT_EQ(Code(lone->CompareTo(WBEM_FLAG_IGNORE_CLASS, Object(ALL))), "0x00040003") << "more of them";
 }
 
 TEST_F(ClassFace, SpawnsInstancesWithDefaults) {
@@ -205,6 +237,10 @@ TEST_F(ClassFace, TellsOriginsAndAncestors) {
     EXPECT_STREQ(origin, L"Test_Base");
     SysFreeString(origin);
     EXPECT_EQ(Code(definition->GetMethodOrigin(L"Nothing", &origin)), "0x80041002");
+    EXPECT_EQ(Code(definition->GetMethodOrigin(nullptr, &origin)), "0x80041008");
+    EXPECT_EQ(Code(definition->GetMethodOrigin(L"Hello", nullptr)), "0x80041008");
+    EXPECT_EQ(Code(one->GetPropertyOrigin(nullptr, &origin)), "0x80041008");
+    EXPECT_EQ(Code(one->GetPropertyOrigin(L"Name", nullptr)), "0x80041008");
     EXPECT_EQ(Code(one->InheritsFrom(L"test_base")), "0x00000000");
     EXPECT_EQ(Code(one->InheritsFrom(L"Test_All")), "0x00000000");
     EXPECT_EQ(Code(one->InheritsFrom(L"Test_Lone")), "0x00000001");
@@ -249,6 +285,20 @@ TEST_F(ClassFace, AMethodWithoutInParametersHasNoInSignature) {
     EXPECT_EQ(type, CIM_STRING);
 }
 
+TEST_F(ClassFace, AMethodThatReturnsNothingHasNoReturnValue) {
+    Use("class Test_Quiet { void Forget([In] string Name, [In(false), Out] uint32 Left); void Sleep(); };");
+    Connect();
+    const auto quiet = Object(L"Test_Quiet");
+    CComPtr<IWbemClassObject> out;
+    ASSERT_EQ(quiet->GetMethod(L"Forget", 0, nullptr, &out), S_OK);
+    SAFEARRAY* names = nullptr;
+    ASSERT_EQ(out->GetNames(nullptr, WBEM_FLAG_NONSYSTEM_ONLY, nullptr, &names), S_OK);
+    EXPECT_THAT(TakeNames(names), ElementsAre(L"Left"));
+    out.Release();
+    ASSERT_EQ(quiet->GetMethod(L"Sleep", 0, nullptr, &out), S_OK);
+    EXPECT_EQ(out.p, nullptr);
+}
+
 TEST_F(ClassFace, OnlyAClassHasMethods) {
     CComPtr<IWbemClassObject> in;
     CComPtr<IWbemQualifierSet> qualifiers;
@@ -258,6 +308,10 @@ TEST_F(ClassFace, OnlyAClassHasMethods) {
     EXPECT_EQ(Code(definition->GetMethod(L"Nothing", 0, &in, nullptr)), "0x80041002");
     EXPECT_EQ(Code(definition->GetMethod(nullptr, 0, &in, nullptr)), "0x80041008");
     EXPECT_EQ(Code(definition->GetMethod(L"Run", 1, &in, nullptr)), "0x80041008");
+    EXPECT_EQ(Code(definition->GetMethodQualifierSet(L"Nothing", &qualifiers)), "0x80041002");
+    EXPECT_EQ(Code(definition->GetMethodQualifierSet(nullptr, &qualifiers)), "0x80041008");
+    EXPECT_EQ(Code(definition->GetMethodQualifierSet(L"Run", nullptr)), "0x80041008");
+    EXPECT_EQ(qualifiers.p, nullptr);
     EXPECT_EQ(Code(definition->PutMethod(L"New", 0, nullptr, nullptr)), "0x8004100C");
     EXPECT_EQ(Code(definition->DeleteMethod(L"Run")), "0x8004100C");
 }
@@ -287,6 +341,8 @@ TEST_F(ClassFace, EnumeratesMethods) {
     EXPECT_THAT(walk(WBEM_FLAG_PROPAGATED_ONLY), ElementsAre(L"Hello"));
     EXPECT_EQ(Code(definition->NextMethod(0, nullptr, nullptr, nullptr)), "0x8004101D");
     EXPECT_EQ(Code(definition->BeginMethodEnumeration(4)), "0x80041008");
+    ASSERT_EQ(definition->BeginMethodEnumeration(0), S_OK);
+    EXPECT_EQ(Code(definition->NextMethod(1, nullptr, nullptr, nullptr)), "0x80041008");
 }
 
 } // namespace

@@ -112,4 +112,21 @@ TEST_F(ContextObject, TheJournalKeepsTheValuesOfEachCall) {
     EXPECT_TRUE(calls[1].context.empty());
 }
 
+TEST_F(ContextObject, TheJournalShowsValuesOfEveryType) {
+    EXPECT_EQ(Set(L"Real", 2.5), S_OK);
+    EXPECT_EQ(Set(L"Bytes", ByteArray({1, 2})), S_OK);
+    EXPECT_EQ(Set(L"Texts", TextArray({L"a", L"b"})), S_OK);
+    EXPECT_EQ(Set(L"Date", NumberVariant(VT_DATE, 0)), S_OK);
+    CComPtr<IWbemClassObject> object;
+    ASSERT_EQ(services->GetObject(_bstr_t(L"Test_All").GetBSTR(), 0, context, &object, nullptr), S_OK);
+    const auto call = machine->Calls().All().back();
+    EXPECT_EQ(call.ContextValue(L"Real")->value, Value(Scalar(2.5)));
+    EXPECT_EQ(call.ContextValue(L"Bytes")->value,
+              Value(Value::Array{Scalar(std::int64_t{1}), Scalar(std::int64_t{2})}));
+    EXPECT_EQ(call.ContextValue(L"Texts")->value,
+              Value(Value::Array{Scalar(std::wstring(L"a")), Scalar(std::wstring(L"b"))}));
+    EXPECT_EQ(call.ContextValue(L"Date")->vt, VT_DATE);
+    EXPECT_TRUE(call.ContextValue(L"Date")->value.IsNull()) << "CIM has no such type";
+}
+
 } // namespace

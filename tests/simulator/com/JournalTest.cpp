@@ -132,6 +132,19 @@ TEST_F(Recorded, ALineIsALine) {
                                         "\xE2\x80\xA6\", N=null, B=true) -> 0x80070005");
 }
 
+TEST_F(Recorded, RealsAndMissingElementsAreShown) {
+    machine->Calls().RecordLocal(true);
+    const auto one = Object(ALL);
+    ASSERT_EQ(Put(one, L"R64", 0.125), S_OK);
+    EXPECT_EQ(Narrow(machine->Calls().All().back().Line()), "Put R64(R64=0.125000) -> 0x00000000");
+    JournalEntry entry;
+    entry.operation = Operation::PutInstance;
+    entry.target = L"A";
+    entry.arguments = {{L"T", VT_ARRAY | VT_BSTR, CIM_STRING | CIM_FLAG_ARRAY,
+                        Value(Value::Array{std::nullopt, Scalar(std::wstring(L"x"))})}};
+    EXPECT_EQ(Narrow(entry.Line()), "PutInstance A(T={null, \"x\"}) -> 0x00000000");
+}
+
 TEST_F(Recorded, OperationsHaveNames) {
     for (int number = 0; number <= static_cast<int>(Operation::GetQualifier); ++number) {
         const auto operation = static_cast<Operation>(number);

@@ -203,6 +203,15 @@ TEST_F(Property, RealsAreTakenFromReals) {
     const auto held = Get(two, L"R64");
     EXPECT_EQ(V_R8(&held), 0.125);
     EXPECT_EQ(PutCode(L"S32", 1.0), "0x80041005");
+    _variant_t half;
+    V_R4(&half) = 0.5F;
+    V_VT(&half) = VT_R4;
+    EXPECT_EQ(PutCode(L"R32", half), "0x00000000");
+    EXPECT_EQ(PutCode(L"R64", half), "0x00000000");
+    const auto narrow = Get(two, L"R32");
+    const auto wide = Get(two, L"R64");
+    EXPECT_EQ(V_R4(&narrow), 0.5F);
+    EXPECT_EQ(V_R8(&wide), 0.5);
 }
 
 TEST_F(Property, ArraysAreTakenElementByElement) {
@@ -221,6 +230,36 @@ TEST_F(Property, ArraysAreTakenElementByElement) {
     EXPECT_EQ(PutCode(L"U64s", TextArray({L"1", L"x"})), "0x80041005");
     EXPECT_EQ(PutCode(L"S32s", ByteArray({1, 2})), "0x00000000");
     EXPECT_EQ(PutCode(L"S32s", TextArray({L"1"})), "0x80041005");
+}
+
+TEST_F(Property, ArraysOfEveryElementTypeAreTaken) {
+    const auto array = [](VARTYPE vt, auto first, auto second) {
+        _variant_t variant;
+        V_ARRAY(&variant) = SafeArrayCreateVector(vt, 0, 2);
+        V_VT(&variant) = static_cast<VARTYPE>(VT_ARRAY | vt);
+        LONG index = 0;
+        EXPECT_EQ(SafeArrayPutElement(V_ARRAY(&variant), &index, &first), S_OK);
+        index = 1;
+        EXPECT_EQ(SafeArrayPutElement(V_ARRAY(&variant), &index, &second), S_OK);
+        return variant;
+    };
+    EXPECT_EQ(PutCode(L"S16s", array(VT_I2, SHORT{-3}, SHORT{4})), "0x00000000");
+    EXPECT_EQ(PutCode(L"S64s", array(VT_I2, SHORT{-3}, SHORT{4})), "0x00000000");
+    EXPECT_EQ(PutCode(L"Flags", array(VT_BOOL, VARIANT_BOOL{VARIANT_TRUE}, VARIANT_BOOL{VARIANT_FALSE})),
+              "0x00000000");
+    EXPECT_EQ(PutCode(L"R32s", array(VT_R4, 0.5F, -1.5F)), "0x00000000");
+    EXPECT_EQ(PutCode(L"R64s", array(VT_R8, 0.25, -1e300)), "0x00000000");
+    EXPECT_EQ(PutCode(L"R32s", array(VT_R8, 0.25, -1e300)), "0x80041005") << "too large for a real32";
+    ASSERT_EQ(services->PutInstance(two, 0, nullptr, nullptr), S_OK);
+    const auto stored = machine->Store().FindInstance(L"Test_All.Name=\"two\"");
+    const auto elements = [](auto first, auto second) {
+        return Value(Value::Array{Scalar(first), Scalar(second)});
+    };
+    EXPECT_EQ(*stored->Find(L"S16s"), elements(std::int64_t{-3}, std::int64_t{4}));
+    EXPECT_EQ(*stored->Find(L"S64s"), elements(std::int64_t{-3}, std::int64_t{4}));
+    EXPECT_EQ(*stored->Find(L"Flags"), elements(true, false));
+    EXPECT_EQ(*stored->Find(L"R32s"), elements(0.5, -1.5));
+    EXPECT_EQ(*stored->Find(L"R64s"), elements(0.25, -1e300));
 }
 
 TEST_F(Property, ArraysOfOtherShapesAreRefused) {

@@ -134,6 +134,28 @@ TEST_F(QualifierFace, Enumerates) {
     EXPECT_EQ(Names(passedOn, WBEM_FLAG_PROPAGATED_ONLY).size(), 2u);
 }
 
+TEST_F(QualifierFace, EnumeratesByOrigin) {
+    const auto walk = [](IWbemQualifierSet* set, LONG origin) {
+        std::vector<std::wstring> names;
+        EXPECT_EQ(set->BeginEnumeration(origin), S_OK);
+        for (BSTR name = nullptr; set->Next(0, &name, nullptr, nullptr) == S_OK;) {
+            names.emplace_back(name);
+            SysFreeString(name);
+        }
+        return names;
+    };
+    // What a property inherits as it is, its qualifiers inherit, too.
+    const auto own = Of(L"Test_All", L"State");
+    EXPECT_THAT(walk(own, 0), testing::UnorderedElementsAreArray(Names(own)));
+    for (const LONG origin : {LONG{WBEM_FLAG_LOCAL_ONLY}, LONG{WBEM_FLAG_PROPAGATED_ONLY}}) {
+        EXPECT_THAT(walk(own, origin), testing::ElementsAreArray(Names(own, origin)));
+    }
+    EXPECT_THAT(walk(own, WBEM_FLAG_LOCAL_ONLY), testing::Contains(L"ValueMap"));
+    const auto passedOn = Of(ALL, L"Name");
+    EXPECT_THAT(walk(passedOn, WBEM_FLAG_LOCAL_ONLY), ElementsAre());
+    EXPECT_THAT(walk(passedOn, WBEM_FLAG_PROPAGATED_ONLY), testing::UnorderedElementsAre(L"Key", L"CIMTYPE"));
+}
+
 TEST_F(QualifierFace, ArgumentsAreCheckedAndChangesRefused) {
     const auto set = Of(L"Test_All", L"State");
     _variant_t value(true);
