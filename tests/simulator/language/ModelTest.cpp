@@ -128,6 +128,14 @@ TEST(QualifierList, FindsReplacesAndRemovesWithoutCase) {
 
 class InstanceTest : public RepositoryFixture {};
 
+TEST(FitsTest, BytesFitSignedNumbersUpTo127) {
+    EXPECT_TRUE(Fits(Value(Value::Bytes{0, 127}), static_cast<CIMTYPE>(CIM_SINT8) | kArrayFlag));
+    EXPECT_FALSE(Fits(Value(Value::Bytes{0, 128}), static_cast<CIMTYPE>(CIM_SINT8) | kArrayFlag));
+    EXPECT_TRUE(Fits(Value(Value::Bytes{0, 255}), static_cast<CIMTYPE>(CIM_SINT16) | kArrayFlag));
+    EXPECT_FALSE(Fits(Value(Value::Bytes{0}), CIM_SINT8)) << "an array is no scalar";
+    EXPECT_FALSE(Fits(Value(Value::Bytes{0}), static_cast<CIMTYPE>(CIM_STRING) | kArrayFlag));
+}
+
 TEST_F(InstanceTest, BeginsWithTheDefaultsOfItsClass) {
     const Instance device = New(L"T_FastDevice");
     EXPECT_EQ(device.Number(L"speed"), 1000);

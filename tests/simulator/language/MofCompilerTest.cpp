@@ -345,5 +345,28 @@ TEST_F(MofCompiler, TakesKeywordsAndNamesInAnyCase) {
     EXPECT_EQ(Only(L"A")->Text(L"Other"), L"a.id=\"1\"");
 }
 
+TEST_F(MofCompiler, InfersTheTypeOfAQualifierThatIsNotDeclared) {
+    Compile("[Small(5), Large(9000000000), Huge(18446744073709551615), Broken(1.5), Letter('x'), Yes(TRUE),"
+            " Word(\"w\"), Words{\"a\", NULL}, Letters{'x', 'y'}] class A { };");
+    const ClassPtr a = Class(L"A");
+    const auto type = [&](const wchar_t* name) { return a->qualifiers.Find(name)->type; };
+    EXPECT_EQ(type(L"Small"), CIM_SINT32);
+    EXPECT_EQ(type(L"Large"), CIM_SINT64);
+    EXPECT_EQ(type(L"Huge"), CIM_UINT64);
+    EXPECT_EQ(type(L"Broken"), CIM_REAL64);
+    EXPECT_EQ(type(L"Letter"), CIM_CHAR16);
+    EXPECT_EQ(type(L"Yes"), CIM_BOOLEAN);
+    EXPECT_EQ(type(L"Word"), CIM_STRING);
+    EXPECT_EQ(type(L"Words"), static_cast<CIMTYPE>(CIM_STRING) | kArrayFlag);
+    EXPECT_EQ(type(L"Letters"), static_cast<CIMTYPE>(CIM_CHAR16) | kArrayFlag);
+    EXPECT_EQ(a->qualifiers.Find(L"Letter")->value, Value::Unsigned(L'x'));
+}
+
+TEST_F(MofCompiler, AnIndicationTakesTheQualifiersOfIndications) {
+    Compile("Qualifier Alarm : boolean, Scope(indication); [Indication, Alarm] class A { };");
+    EXPECT_TRUE(Class(L"A")->qualifiers.Has(L"Alarm"));
+    EXPECT_THROW(Compile("[Alarm] class B { };"), MofError);
+}
+
 } // namespace
 } // namespace quillet::simulator::tests

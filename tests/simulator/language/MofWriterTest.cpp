@@ -62,6 +62,14 @@ TEST_F(MofWriter, RoundTripsTextBeyondAscii) {
     ExpectSameAfterRoundTrip();
 }
 
+TEST_F(MofWriter, WritesSurrogatesThatBelongTogetherAsOneCharacter) {
+    Instance device = New(L"T_Device");
+    device.Set(L"DeviceID",
+               Value::Text(std::wstring{static_cast<wchar_t>(0xD83D), static_cast<wchar_t>(0xDE00)}));
+    ASSERT_EQ(m_repository.PutInstance(device), 0);
+    EXPECT_THAT(WriteInstancesAsMof(m_repository), ::testing::HasSubstr("\"\xF0\x9F\x98\x80\""));
+}
+
 TEST_F(MofWriter, RoundTripsLoneSurrogates) {
     Instance device = New(L"T_Device");
     device.Set(L"DeviceID", Value::Text(std::wstring{static_cast<wchar_t>(0xDC00), L'0',
@@ -122,6 +130,39 @@ TEST_F(MofWriter, WritesClassesThatCompileIntoTheSame) {
     EXPECT_EQ(derived->FindMethod(L"Go")->out.size(), 2u);
     EXPECT_EQ(derived->FindMethod(L"Run")->in.size(), 1u);
     EXPECT_TRUE(derived->FindMethod(L"Go")->returnsVoid);
+}
+
+TEST_F(MofWriter, WritesTheFlavorsOfQualifiers) {
+    Compile("[Abstract] class F_Flavors { [Remark(\"x\") : ToInstance] string A; [Fixed : DisableOverride] "
+            "string B;"
+            " [Own : Restricted] string C; };");
+    const std::wstring text = ObjectText(*m_repository.FindClass(L"F_Flavors"));
+    EXPECT_THAT(ToUtf8(text), ::testing::HasSubstr("Remark(\"x\") : ToInstance]"));
+    Repository again(L"HOST", L"ROOT\\Test");
+    CompileMof(again, ToUtf8(text), "again.mof");
+    const ClassPtr definition = again.FindClass(L"F_Flavors");
+    const auto flavor = [&](const wchar_t* property, const wchar_t* qualifier) {
+        return definition->FindProperty(property)->qualifiers.Find(qualifier)->flavor;
+    };
+    EXPECT_NE(flavor(L"A", L"Remark") & WBEM_FLAVOR_FLAG_PROPAGATE_TO_INSTANCE, 0);
+    EXPECT_NE(flavor(L"B", L"Fixed") & WBEM_FLAVOR_NOT_OVERRIDABLE, 0);
+    EXPECT_EQ(flavor(L"C", L"Own") & WBEM_FLAVOR_FLAG_PROPAGATE_TO_DERIVED_CLASS, 0);
+}
+
+TEST_F(MofWriter, LeavesOutTextsInLanguagesThatMofHasNoNameFor) {
+    ClassDefinition definition;
+    definition.name = L"L_Spoken";
+    Qualifier description;
+    description.name = L"Description";
+    description.type = CIM_STRING;
+    description.value = Value::Text(L"base");
+    description.amended = true;
+    description.localized = {{0x407, Value::Text(L"Basis")}, {0x7FFF, Value::Text(L"nowhere")}};
+    definition.qualifiers.Set(description);
+    ASSERT_EQ(m_repository.AddClass(definition), 0);
+    const std::string text = ToUtf8(ObjectText(*m_repository.FindClass(L"L_Spoken")));
+    EXPECT_THAT(text, ::testing::HasSubstr("Description_de_DE(\"Basis\")"));
+    EXPECT_THAT(text, ::testing::Not(::testing::HasSubstr("nowhere")));
 }
 
 } // namespace

@@ -81,6 +81,14 @@ TEST(ObjectPath, FormatsBackToWhatItWas) {
     EXPECT_EQ(Parsed(LR"(\\S\n:C.k='v')").Relative(), LR"(C.k="v")");
 }
 
+TEST(ObjectPath, ARealNumberIsKeptAsText) {
+    ObjectPath path;
+    path.className = L"C";
+    path.keys.push_back({L"k", Scalar(1.5)});
+    EXPECT_EQ(path.Relative(), L"C.k=\"1.5\"");
+    EXPECT_EQ(Parsed(path.Relative()).keys[0].value, Text(L"1.5"));
+}
+
 struct BadPath {
     const wchar_t* text;
     std::size_t position;

@@ -251,6 +251,16 @@ TEST_F(RepositoryAssociations, FollowChangesAndDeletions) {
     EXPECT_THAT(Query(L"ASSOCIATORS OF {T_Device='a'}"), ElementsAre(L"team", L"b"));
 }
 
+TEST_F(RepositoryFixture, ANumberInAQueryMayBeWrittenInAnyForm) {
+    Compile("instance of T_Device { DeviceID = \"a\"; Speed = 1000; };"
+            "instance of T_Device { DeviceID = \"b\"; Speed = 2000; };");
+    for (const wchar_t* number : {L"2000", L"'2000'", L"2000.0", L"'2e3'"}) {
+        EXPECT_THAT(Query(L"SELECT * FROM T_Device WHERE Speed = " + std::wstring(number)),
+                    ::testing::ElementsAre(L"b"))
+            << ToUtf8(number);
+    }
+}
+
 TEST(RepositoryLateClass, GivesMeaningToPathsThatWereStoredBefore) {
     Repository repository(L"HOST", L"ROOT\\Test");
     CompileMof(repository,

@@ -45,6 +45,48 @@ TEST_F(RepositoryStore, TakesKeysInAnyOrderAndByValue) {
     }
 }
 
+TEST_F(RepositoryStore, TakesKeysOfEverySortOfNumber) {
+    Compile("class T_Signed { [Key] sint32 Number; }; class T_Lettered { [Key] char16 Letter; };"
+            "instance of T_Signed { Number = -5; }; instance of T_Signed { Number = 5; };"
+            "instance of T_Lettered { Letter = 'x'; };");
+    for (const wchar_t* path : {L"T_Signed.Number=-5", L"T_Signed=-5", L"T_Signed.Number=\"-5\""}) {
+        EXPECT_EQ(Found(path), L"T_Signed.Number=-5") << ToUtf8(path);
+    }
+    EXPECT_EQ(Found(L"T_Signed.Number=5"), L"T_Signed.Number=5");
+    EXPECT_EQ(Found(L"T_Signed.Number=4"), L"");
+    const std::wstring letter = L"T_Lettered.Letter=" + std::to_wstring(int{L'x'});
+    for (const std::wstring& path : {letter, std::wstring(L"T_Lettered.Letter='x'")}) {
+        EXPECT_EQ(Found(path.c_str()), letter) << ToUtf8(path);
+    }
+    for (const wchar_t* path :
+         {L"T_Lettered.Letter='y'", L"T_Lettered.Letter='xx'", L"T_Lettered.Letter=''"}) {
+        EXPECT_EQ(Found(path), L"") << ToUtf8(path);
+    }
+}
+
+TEST_F(RepositoryStore, AnInstanceOfNoClassHasNoPath) {
+    EXPECT_EQ(m_repository.RelativePath(Instance()), L"");
+}
+
+TEST_F(RepositoryStore, RefusesClassesWithNamesThatAreNone) {
+    const auto refused = [this](ClassDefinition definition) {
+        std::wstring reason;
+        EXPECT_EQ(m_repository.AddClass(std::move(definition), &reason), Code(WBEM_E_INVALID_CLASS));
+        return reason;
+    };
+    ClassDefinition definition;
+    definition.name = L"T_New";
+    definition.properties.emplace_back().name = L"two words";
+    EXPECT_EQ(refused(definition), L"'two words' is no property name");
+    definition.properties.clear();
+    definition.methods.emplace_back().name = L"5th";
+    EXPECT_EQ(refused(definition), L"'5th' is no method name");
+    definition.methods.front().name = L"Run";
+    definition.methods.front().in.emplace_back().name = L"";
+    EXPECT_EQ(refused(definition), L"method 'Run': '' is no property name");
+    EXPECT_EQ(m_repository.FindClass(L"T_New"), nullptr);
+}
+
 TEST_F(RepositoryStore, ComparesReferenceKeysByTheObjectTheyName) {
     Compile(R"(instance of T_Member { Group = "T_Device.DeviceID=\"g\""; Part = "T_Device='p'"; };)");
     const std::wstring path = LR"(T_Member.Group="T_Device.DeviceID=\"g\"",Part="T_Device='p'")";

@@ -56,6 +56,12 @@ TEST(JoinSurrogates, MakesOneCharacterOfAPair) {
     EXPECT_EQ(text, std::wstring(L"😀x") + static_cast<wchar_t>(0xD83D));
 }
 
+TEST(ToUtf8, JoinsSurrogatesOnEveryHost) {
+    // Where a wchar_t has 32 bits, such a pair comes from a client that counts in 16.
+    EXPECT_EQ(ToUtf8(std::wstring{static_cast<wchar_t>(0xD83D), static_cast<wchar_t>(0xDE00)}),
+              "\xF0\x9F\x98\x80");
+}
+
 TEST(ParseDecimal, TakesWhatFits64BitsAndNothingElse) {
     EXPECT_EQ(ParseDecimal(L"18446744073709551615")->magnitude, UINT64_MAX);
     EXPECT_EQ(ParseDecimal(L"-9223372036854775808")->magnitude, std::uint64_t{1} << 63);

@@ -69,22 +69,20 @@ INSTANTIATE_TEST_SUITE_P(Integers, WqlTruth,
                                            Truth{L"Serial = -1", false},
                                            Truth{L"Serial > 9223372036854775807", true},
                                            Truth{L"Serial > 18446744073709551614", true}));
-INSTANTIATE_TEST_SUITE_P(OtherTypes, WqlTruth,
-                         ::testing::Values(Truth{L"Enabled = TRUE", true}, Truth{L"Enabled = FALSE", false},
-                                           Truth{L"Enabled <> FALSE", true}, Truth{L"Enabled = 1", true},
-                                           Truth{L"Enabled = 'true'", true}, Truth{L"Enabled = '0'", false},
-                                           Truth{L"Enabled = 'yes'", false}, Truth{L"Load = 0.5", true},
-                                           Truth{L"Load < 1", true}, Truth{L"Load = '0.5'", true},
-                                           Truth{L"Letter = 'x'", true}, Truth{L"Letter = 120", true},
-                                           Truth{L"Letter = 'xy'", false},
-                                           Truth{L"Installed = '20240301120000.000000+060'", true},
-                                           Truth{L"Installed = '20240301110000.000000+000'", true},
-                                           Truth{L"Installed > '20240229235959.000000+000'", true},
-                                           Truth{L"Installed < '20240301110000.000001+000'", true},
-                                           Truth{L"Installed > '20231231235959.999999-000'", true},
-                                           Truth{L"Installed = 'yesterday'", false},
-                                           Truth{L"Names = 'a'", false}, Truth{L"Names <> 'a'", false},
-                                           Truth{L"Names IS NOT NULL", true}));
+INSTANTIATE_TEST_SUITE_P(
+    OtherTypes, WqlTruth,
+    ::testing::Values(
+        Truth{L"Enabled = TRUE", true}, Truth{L"Enabled = FALSE", false}, Truth{L"Enabled <> FALSE", true},
+        Truth{L"Enabled = 1", true}, Truth{L"Enabled = 'true'", true}, Truth{L"Enabled = 'False'", false},
+        Truth{L"Enabled <> 'FALSE'", true}, Truth{L"Enabled = '0'", false}, Truth{L"Enabled = 'yes'", false},
+        Truth{L"Load = 0.5", true}, Truth{L"Load < 1", true}, Truth{L"Load = '0.5'", true},
+        Truth{L"Letter = 'x'", true}, Truth{L"Letter = 120", true}, Truth{L"Letter = 'xy'", false},
+        Truth{L"Installed = '20240301120000.000000+060'", true},
+        Truth{L"Installed = '20240301110000.000000+000'", true},
+        Truth{L"Installed > '20240229235959.000000+000'", true},
+        Truth{L"Installed < '20240301110000.000001+000'", true},
+        Truth{L"Installed > '20231231235959.999999-000'", true}, Truth{L"Installed = 'yesterday'", false},
+        Truth{L"Names = 'a'", false}, Truth{L"Names <> 'a'", false}, Truth{L"Names IS NOT NULL", true}));
 INSTANTIATE_TEST_SUITE_P(
     References, WqlTruth,
     ::testing::Values(Truth{L"Peer = 'T_Device.DeviceID=\"p\"'", true},
@@ -126,6 +124,12 @@ INSTANTIATE_TEST_SUITE_P(System, WqlTruth,
                          ::testing::Values(Truth{L"__CLASS = 't_device'", true},
                                            Truth{L"__CLASS = 'T_FastDevice'", false},
                                            Truth{L"__SUPERCLASS = 'T_Element'", true}));
+
+TEST_F(WqlMatch, AReferenceMayNameItsKeysInAnyOrder) {
+    m_device.Set(L"Peer", Value::Text(L"T_Numbered.Number=1,Flag=TRUE"));
+    EXPECT_TRUE(Holds(L"Peer = 'T_Numbered.Flag=TRUE,Number=1'"));
+    EXPECT_FALSE(Holds(L"Peer = 'T_Numbered.Flag=FALSE,Number=1'"));
+}
 
 TEST_F(WqlMatch, PatternsOfManyPercentSignsStayQuick) {
     m_device.Set(L"DeviceID", Value::Text(std::wstring(5000, L'a')));
