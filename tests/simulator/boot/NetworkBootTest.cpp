@@ -3,6 +3,8 @@
 
 #include <quillet-simulator/FlashImage.h>
 
+#include <thread>
+
 namespace quillet::simulator::tests {
 
 namespace {
@@ -86,6 +88,40 @@ TEST_F(NetworkBootTest, Programming_ChangesTheWholeDescription) {
     EXPECT_TRUE(Find(AGENT)->Find(L"FlashImageType")->IsNull()) << "there is no code for these two";
 }
 
+TEST_F(NetworkBootTest, Programming_TellsWhichTypesAreInstalled) {
+    const auto installed = [this](std::initializer_list<const wchar_t*> types) {
+        std::vector<BootImage> images;
+        for (const wchar_t* type : types) {
+            images.push_back({type, L"1.0", 0, 1, {9}});
+        }
+        EXPECT_EQ(Program(WriteFlashImage(images), Value()), 0);
+        return std::pair(Find(AGENT)->Number(L"InstalledFlashImageTypes"),
+                         Find(AGENT)->Number(L"FlashImageType", -1));
+    };
+    EXPECT_EQ(installed({L"Other"}), std::pair(std::int64_t{0}, std::int64_t{0}));
+    EXPECT_EQ(installed({L"PXE"}), std::pair(std::int64_t{1}, std::int64_t{1}));
+    EXPECT_EQ(installed({L"EFI"}), std::pair(std::int64_t{2}, std::int64_t{2}));
+    EXPECT_EQ(installed({L"iSCSI"}), std::pair(std::int64_t{4}, std::int64_t{3}));
+    EXPECT_EQ(installed({L"PXE", L"iSCSI"}), std::pair(std::int64_t{5}, std::int64_t{4}));
+    EXPECT_EQ(installed({L"PXE", L"iSCSI", L"EFI"}), std::pair(std::int64_t{7}, std::int64_t{5}));
+    EXPECT_EQ(installed({L"EFI", L"iSCSI"}), std::pair(std::int64_t{6}, std::int64_t{-1}));
+}
+
+TEST_F(NetworkBootTest, Programming_AnAgentThatIsRemovedMeanwhile_IsNotFound) {
+    const Parameters parameters = {{L"NewFlashData", Value(Image(8 << 20))}};
+    machine->FollowRealTime(true);
+    const auto start = machine->Now();
+    std::thread other([this] {
+        std::this_thread::sleep_for(100ms);
+        EXPECT_EQ(machine->Store().DeleteInstance(*ObjectPath::Parse(AGENT)), S_OK);
+    });
+    EXPECT_EQ(Call(AGENT, L"ProgramFlashEx", parameters), nullptr);
+    other.join();
+    EXPECT_EQ(result, HRESULT(WBEM_E_NOT_FOUND));
+    EXPECT_GE(machine->Now() - start, 1500ms) << "it was refused before it began";
+    EXPECT_EQ(Find(AGENT), nullptr);
+}
+
 TEST_F(NetworkBootTest, Programming_IsRefusedForWrongImagesAndTypes) {
     auto damaged = Image();
     damaged.back() ^= 1;
@@ -118,6 +154,11 @@ TEST_F(NetworkBootTest, Changes_NeedARestartAndTheStrictMachinesClientSet) {
     EXPECT_EQ(Program(Image(), Value()), -1);
     EXPECT_EQ(result, HRESULT(WBEM_E_ACCESS_DENIED));
     EXPECT_EQ(*Find(AGENT)->Find(L"FlashImage"), Value(Value::Bytes{1, 2, 255}));
+    EXPECT_EQ(
+        Call(LR"(Zorel_BootAgent.Name="{B}")", L"SetiSCSI_Status", {{L"iSCSI_State", Value::Signed(1)}}),
+        nullptr);
+    EXPECT_EQ(result, HRESULT(WBEM_E_ACCESS_DENIED));
+    EXPECT_EQ(Place(L"{B}"), 2);
 }
 
 TEST_F(NetworkBootTest, AProgrammedMachine_IsSavedAndLoadedByteForByte) {
