@@ -213,6 +213,7 @@ TEST_F(WrittenSettings, ATeamSaysWhatSpeaksAgainstAMembersValue) {
     EXPECT_EQ(AskTeam(L"{C}", L"*JumboPacket", 4088), 0x1u | 0x20);
     EXPECT_EQ(AskTeam(L"{A}", L"Fixed", 1), 0x2u | 0x8);
     EXPECT_EQ(AskTeam(L"{D}", L"*JumboPacket", 1514, "0x8004102F"), 0u) << "no member";
+    EXPECT_EQ(AskTeam(L"{A}", L"Text", 1), 0x4u | 0x8) << "a number is no text";
 }
 
 TEST_F(WrittenSettings, AVlanSaysWhatSpeaksAgainstItsValue) {
@@ -220,6 +221,16 @@ TEST_F(WrittenSettings, AVlanSaysWhatSpeaksAgainstItsValue) {
     EXPECT_EQ(AskVlan(L"*JumboPacket", 9014), 0x40u) << "larger than the team's";
     EXPECT_EQ(AskVlan(L"*JumboPacket", 5), 0x4u);
     EXPECT_EQ(AskVlan(L"Nothing", 1), 0x1u);
+    Ask(L"Zorel_VLAN", L"Zorel_VLAN", {}, "0x8004102F");
+    EXPECT_EQ(out.p, nullptr) << "the class has no settings";
+}
+
+TEST_F(WrittenSettings, AnEnumerationWithoutPossibleValuesTakesNone) {
+    Use(std::string(MACHINE) + R"(instance of Zorel_AdapterSettingEnum {
+        Caption = "Unfinished"; ParentId = "{A}"; ParentType = "NIC"; CurrentValue = 0; };)");
+    Connect();
+    EXPECT_EQ(Write(Path(L"Enum", L"Unfinished"), L"CurrentValue", I4(1)), "0x8004102B");
+    EXPECT_EQ(Stored(Path(L"Enum", L"Unfinished")), 0);
 }
 
 TEST_F(WrittenSettings, PowerOptionsAreToldAndWhatAPortLacksIsNull) {
