@@ -152,6 +152,55 @@ TEST_F(Threads, ManyShareOneEnumerationAndEachObjectComesOnce) {
     EXPECT_EQ(seen, 401);
 }
 
+TEST_F(Threads, TheJournalHasEveryCallOnceAndInTheOrderOfItsThread) {
+    machine->Calls().Clear();
+    DWORD service = 0;
+    ASSERT_EQ(table->RegisterInterfaceInGlobal(services, IID_IWbemServices, &service), S_OK);
+    OnThreads(4, [&](int number) {
+        const auto proxy = Retrieve<IWbemServices>(service, IID_IWbemServices);
+        ASSERT_EQ(SetBlanket(proxy), S_OK);
+        for (int round = 0; round < Rounds; ++round) {
+            const std::wstring path =
+                L"Test_Lone=" + std::to_wstring(100'000 * (number + 1) + round); // there is none
+            CComPtr<IWbemClassObject> object;
+            ASSERT_EQ(Code(proxy->GetObject(_bstr_t(path.c_str()).GetBSTR(), 0, nullptr, &object, nullptr)),
+                      "0x80041002");
+        }
+    });
+    int rounds[4] = {};
+    for (const auto& call : machine->Calls().All()) {
+        const auto path = ObjectPath::Parse(call.target);
+        ASSERT_TRUE(path);
+        const auto number = std::get<std::int64_t>(path->keys.at(0).value);
+        int& round = rounds[number / 100'000 - 1];
+        EXPECT_EQ(number % 100'000, round);
+        ++round;
+    }
+    EXPECT_THAT(rounds, testing::Each(Rounds));
+    EXPECT_EQ(machine->Calls().Size(), 4u * Rounds);
+    EXPECT_EQ(table->RevokeInterfaceFromGlobal(service), S_OK);
+}
+
+TEST_F(Threads, CallsThatFollowEachOtherStandSoInTheJournal) {
+    std::atomic<int> turn{0};
+    OnThreads(2, [&](int number) {
+        for (int call = number; call < 2 * Rounds; call += 2) {
+            while (turn.load() != call) {
+                std::this_thread::yield();
+            }
+            JournalEntry entry;
+            entry.target = std::to_wstring(call);
+            machine->Calls().Add(entry);
+            turn.store(call + 1);
+        }
+    });
+    const auto calls = machine->Calls().All();
+    ASSERT_EQ(calls.size(), 2u * Rounds);
+    for (std::size_t index = 0; index < calls.size(); ++index) {
+        EXPECT_EQ(calls[index].target, std::to_wstring(index));
+    }
+}
+
 TEST_F(Threads, ClientSetsNeverCollide) {
     std::mutex lock;
     std::vector<LONG> handles;
