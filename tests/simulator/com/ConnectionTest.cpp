@@ -116,6 +116,33 @@ TEST_F(Connection, ABlanketCanBeQueried) {
     EXPECT_EQ(security->CopyProxy(services, nullptr), E_INVALIDARG);
 }
 
+TEST_F(Connection, AnObjectThatIsNoProxyHasNoBlanketToTell) {
+    CComPtr<IClientSecurity> security;
+    const auto one = Object(ALL);
+    ASSERT_EQ(one->QueryInterface(IID_IClientSecurity, reinterpret_cast<void**>(&security)), S_OK);
+    DWORD authentication = 99;
+    EXPECT_EQ(
+        security->QueryBlanket(one, nullptr, nullptr, nullptr, &authentication, nullptr, nullptr, nullptr),
+        E_NOINTERFACE);
+    EXPECT_EQ(authentication, 99u);
+}
+
+TEST_F(Connection, TheFactoryMakesWholeObjectsOnly) {
+    CComPtr<IClassFactory> factory;
+    ASSERT_EQ(CoGetClassObject(CLSID_WbemLocator, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
+                               reinterpret_cast<void**>(&factory)),
+              S_OK);
+    EXPECT_EQ(factory->CreateInstance(nullptr, IID_IWbemLocator, nullptr), E_POINTER);
+    CComPtr<IUnknown> made;
+    EXPECT_EQ(factory->CreateInstance(services, IID_IUnknown, reinterpret_cast<void**>(&made)),
+              CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(made.p, nullptr);
+    EXPECT_EQ(factory->LockServer(TRUE), S_OK);
+    EXPECT_EQ(factory->LockServer(FALSE), S_OK);
+    EXPECT_EQ(factory->CreateInstance(nullptr, IID_IUnknown, reinterpret_cast<void**>(&made)), S_OK);
+    EXPECT_NE(made.p, nullptr);
+}
+
 TEST_F(Connection, ACopiedProxyHasNoBlanket) {
     CComPtr<IClientSecurity> security;
     ASSERT_EQ(services->QueryInterface(IID_IClientSecurity, reinterpret_cast<void**>(&security)), S_OK);

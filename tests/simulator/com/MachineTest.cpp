@@ -45,6 +45,42 @@ TEST(Machines, TheNameIsThatOfThisComputerUnlessGiven) {
     EXPECT_EQ(Machine::FromText(named, "lab.mof")->Store().AllInstances().size(), 1u);
 }
 
+TEST(Machines, OfManyNamesEachKeepsItsOwn) {
+    std::vector<std::shared_ptr<Machine>> machines;
+    for (int round = 0; round < 2; ++round) {
+        for (int number = 0; number < 10; ++number) {
+            MachineOptions options;
+            options.serverName = L"HOST" + std::to_wstring(number);
+            machines.push_back(Machine::Empty(options));
+        }
+    }
+    for (std::size_t number = 0; number < machines.size(); ++number) {
+        auto& store = machines[number]->Store();
+        EXPECT_EQ(store.FullPath(*store.AllInstances().at(0)),
+                  L"\\\\HOST" + std::to_wstring(number % 10) +
+                      L"\\ROOT\\MarloLUM2:Zorel_NetService.Name=\"ZorelNetService\"");
+    }
+}
+
+TEST(Machines, ANewLinkIsAsFastAsThePortCanBe) {
+    const auto machine = Machine::FromText(
+        "instance of Zorel_PhysicalEthernetAdapter { DeviceID = \"{A}\"; Capabilities = {32, 33, 34, 35}; };"
+        "instance of Zorel_PhysicalEthernetAdapter { DeviceID = \"{B}\"; Capabilities = {32, 33, 34}; };"
+        "instance of Zorel_PhysicalEthernetAdapter { DeviceID = \"{C}\"; Capabilities = {32, 33}; };"
+        "instance of Zorel_PhysicalEthernetAdapter { DeviceID = \"{D}\"; Capabilities = {32}; };",
+        "ports.mof", OnTestHost());
+    const auto linked = [&](const std::wstring& id) {
+        EXPECT_EQ(machine->SetHardwareStatus(id, 3), S_OK);
+        return machine->Store()
+            .FindInstance(L"Zorel_PhysicalEthernetAdapter.DeviceID=\"" + id + L'"')
+            ->Number(L"Speed");
+    };
+    EXPECT_EQ(linked(L"{A}"), 10'000'000'000);
+    EXPECT_EQ(linked(L"{B}"), 1'000'000'000);
+    EXPECT_EQ(linked(L"{C}"), 100'000'000);
+    EXPECT_EQ(linked(L"{D}"), 10'000'000);
+}
+
 TEST(Machines, EachChangesOnItsOwn) {
     const auto first = Machine::BuiltIn(OnTestHost());
     const auto second = Machine::BuiltIn(OnTestHost());

@@ -61,6 +61,30 @@ TEST_F(Methods, WithoutBehaviourAMethodIsNotSupported) {
     EXPECT_EQ(out.p, nullptr);
 }
 
+TEST_F(Methods, AMachineMayDeclareMethodsButNotWhatTheyDo) {
+    const std::pair<const wchar_t*, const wchar_t*> keys[] = {{L"Zorel_NetService", L"Name"},
+                                                              {L"Zorel_PhysicalEthernetAdapter", L"DeviceID"},
+                                                              {L"Zorel_TeamOfAdapters", L"Name"},
+                                                              {L"Zorel_VLAN", L"Name"},
+                                                              {L"Zorel_802dot1QVLANService", L"Name"},
+                                                              {L"Zorel_BootAgent", L"Name"},
+                                                              {L"Zorel_DiagTest", L"Name"}};
+    std::string mof;
+    for (const auto& [name, key] : keys) {
+        const auto own = "Own_" + Narrow(name);
+        mof += "class " + own + " : " + Narrow(name) + " { uint32 Dance(); }; instance of " + own + " { " +
+               Narrow(key) + " = \"x\"; };";
+    }
+    Use(mof);
+    Connect();
+    for (const auto& [name, key] : keys) {
+        SCOPED_TRACE(Narrow(name));
+        const auto path = L"Own_" + std::wstring(name);
+        EXPECT_EQ(Run((path + L'.' + key + L"=\"x\"").c_str(), L"Dance"), "0x8004100C");
+        EXPECT_EQ(Run(path.c_str(), L"Dance"), "0x8004100C");
+    }
+}
+
 TEST_F(Methods, OnlyItsOwnParametersGoIn) {
     EXPECT_EQ(Run(ALL, L"Run", Object(ALL)), "0x8004102F");
     CComPtr<IWbemClassObject> signature;
@@ -193,6 +217,31 @@ TEST_F(Methods, TheClientMayLeaveTheOutParameters) {
     EXPECT_EQ(Code(services->ExecMethod(_bstr_t(NET_SERVICE).GetBSTR(), _bstr_t(L"BeginApply").GetBSTR(), 0,
                                         nullptr, nullptr, nullptr, nullptr)),
               "0x00000000");
+}
+
+TEST_F(Methods, CredentialsOfLinkSecurityStayUnlessTheyAreSaidToChange) {
+    constexpr const wchar_t* PORT = L"Zorel_PhysicalEthernetAdapter.DeviceID=\"{A}\"";
+    Use("instance of Zorel_PhysicalEthernetAdapter { DeviceID = \"{A}\"; };"
+        "instance of Zorel_LinkSecConfiguration { DeviceID = \"{A}\"; strUsername = \"before\"; };");
+    Connect();
+    const auto set = [&](LONG method, bool changed) {
+        const auto in = InParameters(L"Zorel_PhysicalEthernetAdapter", L"SetLinksecParams");
+        EXPECT_EQ(Put(in, L"OuterEAPType", I4(method)), S_OK);
+        EXPECT_EQ(Put(in, L"LinksecCredUsername", L"after"), S_OK);
+        EXPECT_EQ(Put(in, L"bCredChanged", changed), S_OK);
+        return Run(PORT, L"SetLinksecParams", in);
+    };
+    const auto user = [&] {
+        return machine->Store()
+            .FindInstance(L"Zorel_LinkSecConfiguration.DeviceID=\"{A}\"")
+            ->Text(L"strUsername");
+    };
+    EXPECT_EQ(set(5, true), "0x8004102F") << "there are four methods";
+    EXPECT_EQ(set(0, true), "0x8004102F");
+    EXPECT_EQ(set(1, false), "0x00000000");
+    EXPECT_EQ(user(), L"before");
+    EXPECT_EQ(set(1, true), "0x00000000");
+    EXPECT_EQ(user(), L"after");
 }
 
 } // namespace
