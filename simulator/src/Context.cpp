@@ -71,10 +71,11 @@ class Context final : public ComObject<IWbemContext, IID_IWbemContext> {
         if (!m_enumerating) {
             return HRESULT(WBEM_E_UNEXPECTED);
         }
-        // A value deleted since the enumeration began is passed over.
+        // A value deleted since the enumeration began is passed over; one that is not handed out comes again.
+        auto position = m_position;
         auto found = m_values.end();
-        while (m_position < m_enumerated.size() && found == m_values.end()) {
-            found = m_values.find(m_enumerated[m_position++]);
+        while (position < m_enumerated.size() && found == m_values.end()) {
+            found = m_values.find(m_enumerated[position++]);
         }
         if (found == m_values.end()) {
             return WBEM_S_NO_MORE_DATA;
@@ -91,6 +92,7 @@ class Context final : public ComObject<IWbemContext, IID_IWbemContext> {
             }
             return HRESULT(WBEM_E_OUT_OF_MEMORY);
         }
+        m_position = position;
         return S_OK;
     }
 
