@@ -172,17 +172,12 @@ class NetworkBootProvider final : public ClassProvider {
         if (const FlashCode code = Examine(call, L"NewFlashData", images); code != FlashCode::Good) {
             return Finish(call, code);
         }
-        // The memory changes as a whole, with the last step; the rest of the boot agent may have changed
-        // while it was written.
-        auto& store = call.request.Target().Store();
-        const auto found = OfPort(store, AgentClass, call.instance->Text(L"Name"));
-        if (found == nullptr) {
-            return HRESULT(WBEM_E_NOT_FOUND);
-        }
-        Instance agent = *found;
+        // The memory changes as a whole, with the last step.
+        Instance agent = *call.instance;
         agent.Set(L"FlashImage", *call.in.Find(L"NewFlashData"));
         Describe(agent, images);
-        if (const HRESULT stored = store.PutInstance(std::move(agent), Repository::Write::UpdateOnly);
+        if (const HRESULT stored =
+                call.request.Target().Store().PutInstance(std::move(agent), Repository::Write::UpdateOnly);
             FAILED(stored)) {
             return stored;
         }

@@ -24,9 +24,6 @@ void Answer(MethodCall& call, std::uint64_t objections) {
 } // namespace
 
 HRESULT ValidateSettingOnTeam(MethodCall& call) {
-    if (call.instance == nullptr) {
-        return HRESULT(WBEM_E_INVALID_METHOD_PARAMETERS);
-    }
     const auto& store = call.request.Target().Store();
     const auto caption = call.in.Text(L"SettingName");
     const auto value = call.in.Number(L"Value");
