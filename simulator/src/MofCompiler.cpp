@@ -7,8 +7,8 @@
 #include <quillet-simulator/Text.h>
 
 #include <algorithm>
+#include <array>
 #include <fstream>
-#include <iterator>
 #include <set>
 
 namespace quillet::simulator {
@@ -39,7 +39,13 @@ std::optional<std::string> ReadFile(const std::filesystem::path& file) {
     if (!stream) {
         return std::nullopt;
     }
-    std::string text((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+    // A folder opens, too, and fails only now. What the buffer throws then is the stream's to catch, which an
+    // iterator over the buffer would go around.
+    std::string text;
+    std::array<char, 1 << 14> part;
+    while (stream.read(part.data(), part.size()) || stream.gcount() != 0) {
+        text.append(part.data(), static_cast<std::size_t>(stream.gcount()));
+    }
     return stream.bad() ? std::nullopt : std::optional(std::move(text));
 }
 
