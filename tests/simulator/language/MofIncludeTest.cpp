@@ -81,6 +81,11 @@ TEST_F(MofInclude, RefusesMissingFilesAndFolders) {
     ExpectError("main.mof", 1, "cannot be read");
 }
 
+TEST_F(MofInclude, RefusesAFolderInPlaceOfAFile) {
+    std::filesystem::create_directories(m_folder / "main.mof");
+    ExpectError("main.mof", 1, "cannot be read");
+}
+
 TEST_F(MofInclude, RefusesEndlessDepth) {
     Write("main.mof", "#pragma include (\"0.mof\")");
     for (int i = 0; i < 40; ++i) {
