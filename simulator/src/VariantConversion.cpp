@@ -155,8 +155,8 @@ HRESULT FillUnreadable(const Value::Array& elements, VARTYPE vt, LONG unreadable
         } else {
             result = FillScalar(elements[static_cast<std::size_t>(index)], vt, &one);
         }
-        if (SUCCEEDED(result)) {
-            result = SafeArrayPutElement(array, &index, &one);
+        if (SUCCEEDED(result) && FAILED(SafeArrayPutElement(array, &index, &one))) {
+            result = HRESULT(WBEM_E_OUT_OF_MEMORY);
         }
         VariantClear(&one);
         if (FAILED(result)) {
