@@ -85,6 +85,15 @@ TEST_F(Methods, AMachineMayDeclareMethodsButNotWhatTheyDo) {
     }
 }
 
+TEST_F(Methods, OneThatAMachineDeclaresWithoutOutParametersWorksAndTellsNothing) {
+    Use("class Own_Service : Zorel_NetService { void BeginApply(); };"
+        "instance of Own_Service { Name = \"own\"; };");
+    Connect();
+    EXPECT_EQ(Run(L"Own_Service.Name=\"own\"", L"BeginApply"), "0x00000000");
+    EXPECT_EQ(out.p, nullptr);
+    EXPECT_NE(machine->OpenClientSet(), 0);
+}
+
 TEST_F(Methods, OnlyItsOwnParametersGoIn) {
     EXPECT_EQ(Run(ALL, L"Run", Object(ALL)), "0x8004102F");
     CComPtr<IWbemClassObject> signature;
