@@ -3,8 +3,8 @@
 
 #include "Failure.h"
 
+#include <array>
 #include <fstream>
-#include <iterator>
 #include <random>
 #include <system_error>
 
@@ -51,7 +51,13 @@ void CheckReadable(const std::string& file) {
 std::vector<std::uint8_t> ReadWholeFile(const std::string& file) {
     CheckReadable(file);
     std::ifstream stream(FilePath(file), std::ios::binary);
-    std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(stream), {}};
+    // The stream catches what its buffer throws when a disk cannot be read; an iterator over the buffer would
+    // not.
+    std::vector<std::uint8_t> bytes;
+    std::array<char, 1 << 16> part;
+    while (stream.read(part.data(), part.size()) || stream.gcount() != 0) {
+        bytes.insert(bytes.end(), part.data(), part.data() + stream.gcount());
+    }
     if (stream.bad()) {
         throw UsageError(file + ": cannot be read");
     }
