@@ -9,6 +9,8 @@ using ATL::CComPtr;
 using Access = QuilletTestAccess;
 namespace platform = quillet::platform;
 
+constexpr const char* NO_ARRAY = "(NULL == pSafeArray) -> Create fail";
+
 class AllocationFailuresTest : public ProviderTest {
   protected:
     AllocationFailuresTest()
@@ -171,7 +173,38 @@ TEST_F(AllocationFailuresTest, FlashOperations_NoMemoryForTheArray_FailBeforeThe
         "0x8007000E");
     platform::FailArrayAllocation(0);
     EXPECT_THAT(Traced(), testing::Contains("(pSafeArray == NULL)"));
+    // The types come first where an image is only looked at.
+    platform::FailArrayAllocation(1);
+    EXPECT_EQ(Code(quillet.VerifyImageType(L"Zorel_BootAgent.Name=\"{A}\"", size, image, types, returnCode)),
+              "0x80004005");
+    platform::FailArrayAllocation(0);
+    EXPECT_THAT(Traced(), testing::Contains(NO_ARRAY));
     EXPECT_THAT(Called(), testing::IsEmpty());
+}
+
+TEST_F(AllocationFailuresTest, ListsOfTexts_NoMemoryForTheArray_AreNotSent) {
+    Connect();
+    CAdapters adapters;
+    adapters.m_vecItems.push_back(new CAdapter);
+    adapters.m_vecItems.back()->m_wsAdapterID = L"Zorel_PhysicalEthernetAdapter.DeviceID=\"{A}\"";
+    ULONGLONG validation = 0;
+    platform::FailArrayAllocation(1);
+    EXPECT_EQ(Code(quillet.ValidateSettingsOnNewTeam(adapters, validation)), "0x80041001");
+    platform::FailArrayAllocation(0);
+    EXPECT_THAT(Traced(), testing::Contains(NO_ARRAY));
+
+    const CComPtr<IWbemClassObject> netService = Access::GetNetService(quillet);
+    ASSERT_TRUE(netService);
+    Called();
+    platform::FailArrayAllocation(1);
+    EXPECT_EQ(Code(Access::SetPropertyAsMultiString(quillet, netService, L"Name", {L"a", L"b"})),
+              "0x80004005");
+    platform::FailArrayAllocation(0);
+    EXPECT_THAT(Traced(), testing::Contains(NO_ARRAY));
+    for (const JournalEntry& call : machine->Calls().All()) {
+        EXPECT_NE(call.operation, Operation::ExecMethod);
+        EXPECT_NE(call.operation, Operation::PutInstance);
+    }
 }
 
 } // namespace

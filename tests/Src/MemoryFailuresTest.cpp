@@ -66,16 +66,25 @@ class MemoryFailuresTest : public ProviderTest {
         g_failAt = 0;
         g_size = 0;
     }
+
+    static constexpr const wchar_t* ADAPTER = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+
+    /// The second record of a list cannot be made: the operation fails, says why, and keeps the first.
+    template <class Record, class Records, class Operation>
+    void ExpectFirstOnly(const Records& records, Operation operation, const char* line) {
+        g_failAt = 2;
+        g_size = sizeof(Record);
+        EXPECT_EQ(Code(operation()), "0x80004005");
+        EXPECT_EQ(g_failAt, 0) << "the fault was never met";
+        EXPECT_EQ(records.m_vecItems.size(), 1u);
+        EXPECT_THAT(Traced(), Contains(line));
+    }
 };
 
 TEST_F(MemoryFailuresTest, EnumerateAdapters_NoMemoryForTheSecondRecord_KeepsTheFirst) {
     CAdapters adapters;
-    g_failAt = 2;
-    g_size = sizeof(CAdapter);
-    EXPECT_EQ(Code(quillet.EnumerateAdapters(adapters)), "0x80004005");
-    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
-    EXPECT_EQ(adapters.m_vecItems.size(), 1u);
-    EXPECT_THAT(Traced(), Contains("pAdapter == NULL"));
+    ExpectFirstOnly<CAdapter>(
+        adapters, [&] { return quillet.EnumerateAdapters(adapters); }, "pAdapter == NULL");
 }
 
 TEST_F(MemoryFailuresTest, Vlans_NoMemoryForTheSecondRecord_KeepsTheFirst) {
@@ -83,34 +92,25 @@ TEST_F(MemoryFailuresTest, Vlans_NoMemoryForTheSecondRecord_KeepsTheFirst) {
         instance of Zorel_NetService { Name = "ZorelNetService"; };
         instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; };
         instance of Zorel_802dot1QVLANService { Name = "{A}"; };
-        instance of Zorel_VLAN { Name = "{V1}"; Caption = "a - VLAN : 1"; ParentID = "{A}"; VLANName = "1"; VLANNumber = 1; StatusInfo = 3; };
-        instance of Zorel_VLAN { Name = "{V2}"; Caption = "a - VLAN : 2"; ParentID = "{A}"; VLANName = "2"; VLANNumber = 2; StatusInfo = 3; };)");
+        instance of Zorel_VLAN { Name = "{V1}"; Caption = "a - VLAN : 1"; ParentID = "{A}"; VLANName = "1"; VLANNumber = 1;
+            StatusInfo = 3; };
+        instance of Zorel_VLAN { Name = "{V2}"; Caption = "a - VLAN : 2"; ParentID = "{A}"; VLANName = "2"; VLANNumber = 2;
+            StatusInfo = 3; };)");
     Connect();
     CVLANs vlans;
-    g_failAt = 2;
-    g_size = sizeof(CVLAN);
-    EXPECT_EQ(
-        Code(quillet.EnumerateVLANsOfAdapter(LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")", vlans)),
-        "0x80004005");
-    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
-    EXPECT_EQ(vlans.m_vecItems.size(), 1u);
-    EXPECT_THAT(Traced(), Contains("(pVLANInfo == NULL)"));
+    ExpectFirstOnly<CVLAN>(
+        vlans, [&] { return quillet.EnumerateVLANsOfAdapter(ADAPTER, vlans); }, "(pVLANInfo == NULL)");
 }
 
 TEST_F(MemoryFailuresTest, Ports_NoMemoryForTheSecondRecord_KeepsTheFirst) {
     CAdapterPorts ports;
-    g_failAt = 2;
-    g_size = sizeof(CAdapterPort);
-    EXPECT_EQ(
-        Code(quillet.EnumerateOtherPortOfAdapter(LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")", ports)),
-        "0x80004005");
-    EXPECT_EQ(g_failAt, 0) << "the fault was never met";
-    EXPECT_EQ(ports.m_vecItems.size(), 1u);
-    EXPECT_THAT(Traced(), Contains("Mem alloc problem in CAdapterPort *pAdapterPort"));
+    ExpectFirstOnly<CAdapterPort>(
+        ports, [&] { return quillet.EnumerateOtherPortOfAdapter(ADAPTER, ports); },
+        "Mem alloc problem in CAdapterPort *pAdapterPort");
 }
 
 TEST_F(MemoryFailuresTest, AdapterInformation_NoMemoryForTheRecord_FailsAndLeavesTheAdapterWithoutOne) {
-    const std::wstring path = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+    const std::wstring path = ADAPTER;
     CAdapter adapter;
     g_size = sizeof(CAdapterDynamicInfo);
     g_failAt = 1;

@@ -22,23 +22,20 @@ class Memory : public ComTest {
         ASSERT_EQ(Code(call()), "0x00000000");
         const unsigned long count = platform::BstrAllocations() - before;
         ASSERT_GT(count, 0u) << "no string is allocated";
-        const auto alive = platform::Live();
-        for (unsigned long nth = 1; nth <= count; ++nth) {
-            platform::FailBstrAllocation(nth);
-            EXPECT_EQ(Code(call()), OUT_OF_MEMORY) << nth << " of " << count;
-            platform::FailBstrAllocation(0);
-            EXPECT_TRUE(platform::Live() == alive) << nth << " of " << count << " leaves something";
-        }
-        EXPECT_EQ(Code(call()), "0x00000000") << "it does not recover";
+        FailEach(count, platform::FailBstrAllocation, call);
     }
     /// The same for the arrays, of which it creates this many.
     template <class Call>
     static void FailEachArray(unsigned long count, Call call) {
+        FailEach(count, platform::FailArrayAllocation, call);
+    }
+    template <class Call>
+    static void FailEach(unsigned long count, void (*fail)(unsigned long), Call call) {
         const auto alive = platform::Live();
         for (unsigned long nth = 1; nth <= count; ++nth) {
-            platform::FailArrayAllocation(nth);
+            fail(nth);
             EXPECT_EQ(Code(call()), OUT_OF_MEMORY) << nth << " of " << count;
-            platform::FailArrayAllocation(0);
+            fail(0);
             EXPECT_TRUE(platform::Live() == alive) << nth << " of " << count << " leaves something";
         }
         EXPECT_EQ(Code(call()), "0x00000000") << "it does not recover";
