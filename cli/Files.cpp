@@ -54,7 +54,7 @@ std::vector<std::uint8_t> ReadWholeFile(const std::string& file) {
     // The stream catches what its buffer throws when a disk cannot be read; an iterator over the buffer would
     // not.
     std::vector<std::uint8_t> bytes;
-    std::array<char, 1 << 16> part;
+    std::array<char, 1 << 16> part{};
     while (stream.read(part.data(), part.size()) || stream.gcount() != 0) {
         bytes.insert(bytes.end(), part.data(), part.data() + stream.gcount());
     }

@@ -42,7 +42,7 @@ std::optional<std::string> ReadFile(const std::filesystem::path& file) {
     // A folder opens, too, and fails only now. What the buffer throws then is the stream's to catch, which an
     // iterator over the buffer would go around.
     std::string text;
-    std::array<char, 1 << 14> part;
+    std::array<char, 1 << 14> part{};
     while (stream.read(part.data(), part.size()) || stream.gcount() != 0) {
         text.append(part.data(), static_cast<std::size_t>(stream.gcount()));
     }
