@@ -143,6 +143,10 @@ TEST_F(MemoryFailuresTest, Settings_NoMemoryForTheSecondRecord_KeepsTheFirst) {
 class TeamMemoryFailuresTest : public MemoryFailuresTest {
   protected:
     void SetUp() override {
+        MemoryFailuresTest::SetUp();
+        if (IsSkipped()) {
+            return;
+        }
         UseText(R"(
             instance of Zorel_NetService { Name = "ZorelNetService"; };
             instance of Zorel_PhysicalEthernetAdapter as $A { DeviceID = "{A}"; Capabilities = {4, 5}; };
