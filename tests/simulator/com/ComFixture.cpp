@@ -265,12 +265,17 @@ HRESULT ComTest::Put(IWbemClassObject* object, const wchar_t* name, _variant_t v
     return object->Put(name, 0, &value, type);
 }
 
+std::string ComTest::ExecMethod(const wchar_t* path, const wchar_t* method, IWbemClassObject* in,
+                                CComPtr<IWbemClassObject>& out, IWbemContext* context) {
+    out.Release();
+    return Code(services->ExecMethod(_bstr_t(path).GetBSTR(), _bstr_t(method).GetBSTR(), 0, context, in, &out,
+                                     nullptr));
+}
+
 LONG ComTest::Begin() {
     CComPtr<IWbemClassObject> out;
-    EXPECT_EQ(
-        Code(services->ExecMethod(_bstr_t(L"Zorel_NetService.Name=\"ZorelNetService\"").GetBSTR(),
-                                  _bstr_t(L"BeginApply").GetBSTR(), 0, nullptr, nullptr, &out, nullptr)),
-        "0x00000000");
+    EXPECT_EQ(ExecMethod(L"Zorel_NetService.Name=\"ZorelNetService\"", L"BeginApply", nullptr, out),
+              "0x00000000");
     const auto handle = Get(out, L"ClientSetHandle");
     EXPECT_EQ(V_VT(&handle), VT_I4);
     return V_I4(&handle);

@@ -61,6 +61,9 @@ class ComTest : public testing::Test {
     ATL::CComPtr<IWbemClassObject> Object(const wchar_t* path, LONG flags = 0);
     /// In-parameters of a method, spawned from its signature.
     ATL::CComPtr<IWbemClassObject> InParameters(const wchar_t* className, const wchar_t* method);
+    /// Executes a method. What it answers takes the place of what `out` held.
+    std::string ExecMethod(const wchar_t* path, const wchar_t* method, IWbemClassObject* in,
+                           ATL::CComPtr<IWbemClassObject>& out, IWbemContext* context = nullptr);
     HRESULT GetStatus(const wchar_t* path, LONG flags = 0);
     HRESULT Query(const wchar_t* text, std::vector<std::wstring>* names = nullptr);
 

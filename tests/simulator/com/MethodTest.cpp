@@ -11,9 +11,7 @@ class Methods : public ComTest {
   protected:
     std::string Run(const wchar_t* path, const wchar_t* method, IWbemClassObject* in = nullptr,
                     IWbemContext* context = nullptr) {
-        out.Release();
-        return Code(services->ExecMethod(_bstr_t(path).GetBSTR(), _bstr_t(method).GetBSTR(), 0, context, in,
-                                         &out, nullptr));
+        return ExecMethod(path, method, in, out, context);
     }
     std::string Apply(LONG handle) {
         const auto in = InParameters(L"Zorel_NetService", L"Apply");

@@ -79,10 +79,7 @@ class WrittenSettings : public ComTest {
         for (const auto& [name, value] : parameters) {
             EXPECT_EQ(Put(in, name, value), S_OK);
         }
-        out.Release();
-        EXPECT_EQ(Code(services->ExecMethod(_bstr_t(path).GetBSTR(), _bstr_t(L"ValidateSetting").GetBSTR(), 0,
-                                            nullptr, in, &out, nullptr)),
-                  expected);
+        EXPECT_EQ(ExecMethod(path, L"ValidateSetting", in, out), expected);
         return out ? std::wcstoull(_bstr_t(Get(out, L"ValResult")), nullptr, 10) : 0;
     }
     ULONGLONG AskTeam(const wchar_t* adapter, const wchar_t* caption, LONG value,
@@ -107,9 +104,7 @@ class WrittenSettings : public ComTest {
                 EXPECT_EQ(Put(in, name, I4(value)), S_OK);
             }
         }
-        out.Release();
-        return Code(services->ExecMethod(_bstr_t(path.c_str()).GetBSTR(), _bstr_t(method).GetBSTR(), 0,
-                                         nullptr, in, &out, nullptr));
+        return ExecMethod(path.c_str(), method, in, out);
     }
     std::int64_t Option(const wchar_t* name) {
         return machine->Store().FindInstance(LR"(Zorel_PowerConfiguration.DeviceID="{A}")")->Number(name, -1);

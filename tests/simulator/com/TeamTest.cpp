@@ -41,9 +41,7 @@ class Teams : public ComTest {
         return Code(services->PutInstance(object, flags, nullptr, nullptr));
     }
     std::string Run(const wchar_t* path, const wchar_t* method, IWbemClassObject* in) {
-        out.Release();
-        return Code(services->ExecMethod(_bstr_t(path).GetBSTR(), _bstr_t(method).GetBSTR(), 0, nullptr, in,
-                                         &out, nullptr));
+        return ExecMethod(path, method, in, out);
     }
     std::string TestSwitch(LONG command) {
         const auto in = InParameters(L"Zorel_TeamOfAdapters", L"TestSwitchConfiguration");
@@ -86,6 +84,14 @@ TEST_F(Teams, AClientWritesOnlyTheTeamsThatAreThere) {
     EXPECT_EQ(Write(team, WBEM_FLAG_UPDATE_ONLY), "0x80041002");
     EXPECT_EQ(Write(team), "0x80041024") << "there is a method for making teams";
     EXPECT_EQ(machine->Store().Instances(L"Zorel_TeamOfAdapters").size(), 2u);
+}
+
+TEST_F(Teams, WhatIsAskedOfATeamIsNotAnsweredByTheClass) {
+    for (const wchar_t* method :
+         {L"ValidateAddAdapters", L"GetBestTeamMode", L"TestSwitchConfiguration", L"ValidateSetting"}) {
+        EXPECT_EQ(Run(L"Zorel_TeamOfAdapters", method, nullptr), "0x8004102F") << Narrow(method);
+        EXPECT_FALSE(out) << Narrow(method);
+    }
 }
 
 TEST_F(Teams, TwoCannotHaveOneName) {
