@@ -1,16 +1,16 @@
 // What is known of one adapter: its names, link and state, capabilities, and identity on its bus.
 #include <quillet/Quillet.h>
 
+#include "CapabilityCodes.h"
+#include "MakeRecord.h"
 #include "ProviderInstance.h"
 #include "SafeArray.h"
-#include "Trace.h"
-#include "VariantValue.h"
-
-#include <new>
 
 using ATL::CComBSTR;
 
 namespace {
+
+constexpr const wchar_t* NO_DYNAMIC_INFO = L"rAdapter.m_pAdapterDynamicInfo == NULL";
 
 /// Capabilities whose presence is worth a line of its own in every trace file.
 const wchar_t* CapabilityTrace(LONG code) {
@@ -39,12 +39,32 @@ void SetCapability(CAdapterCapInfo& capabilities, LONG code) {
 
 } // namespace
 
+HRESULT ReadCapabilityCodes(SAFEARRAY* array, std::vector<LONG>& codes) {
+    LONG lower = 0;
+    HRESULT result = SafeArrayGetLBound(array, 1, &lower);
+    if (FAILED(result)) {
+        TraceText(L"SafeArrayGetLBound -> vAdapterCapabilities.parray");
+        return result;
+    }
+    LONG upper = 0;
+    result = SafeArrayGetUBound(array, 1, &upper);
+    if (FAILED(result)) {
+        TraceText(L"SafeArrayGetUBound -> vAdapterCapabilities.parray");
+        return result;
+    }
+    for (LONGLONG index = lower; index <= upper; ++index) {
+        LONG code = 0;
+        // A code that cannot be read is one that the adapter does not have.
+        if (SUCCEEDED(ReadElement(array, static_cast<LONG>(index), code))) {
+            codes.push_back(code);
+        }
+    }
+    return S_OK;
+}
+
 HRESULT CQuillet::GetAdapterBasicInfo(const std::wstring& adapterId, CAdapter& adapter) {
     const OperationTrace trace(L"GetAdapterBasicInfo");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, L"(wsAdapterID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     const ProviderInstance instance(session, adapterId, L"GetObject -> wsAdapterID");
     return instance.Read(L"pInstanceHandle")
         .String(L_PROP_ETHERNETADAPTER_NAME, adapter.m_wsName)
@@ -56,28 +76,22 @@ HRESULT CQuillet::GetAdapterBasicInfo(const std::wstring& adapterId, CAdapter& a
 
 HRESULT CQuillet::GetAdapterDynamicInfo(const std::wstring& adapterId, CAdapter& adapter) {
     const OperationTrace trace(L"GetAdapterDynamicInfo");
-    if (adapterId.empty() || adapter.m_pAdapterDynamicInfo) {
-        return trace.Fail(E_FAIL, L"((wsAdapterID.empty()) || (NULL != rAdapter.m_pAdapterDynamicInfo))");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this,
+                                  {adapterId.empty() || adapter.m_pAdapterDynamicInfo,
+                                   L"((wsAdapterID.empty()) || (NULL != rAdapter.m_pAdapterDynamicInfo))"});
     const ProviderInstance instance(session, adapterId, L"GetObject -> wsAdapterID");
     if (instance.Failed()) {
         return instance.Result();
     }
     // The adapter has its record from here on, also when a read fails: what was read is worth showing.
-    adapter.m_pAdapterDynamicInfo = new (std::nothrow) CAdapterDynamicInfo;
+    adapter.m_pAdapterDynamicInfo = MakeRecord<CAdapterDynamicInfo>(NO_DYNAMIC_INFO).release();
     if (!adapter.m_pAdapterDynamicInfo) {
-        return trace.Fail(E_FAIL, L"rAdapter.m_pAdapterDynamicInfo == NULL");
+        return E_FAIL;
     }
     CAdapterDynamicInfo& info = *adapter.m_pAdapterDynamicInfo;
     PropertyReader read = instance.Read(L"pInstanceHandle");
-    LONG number = 0;
-    if (read.Long(L_PROP_ETHERNETADAPTER_SPEED, number).Found()) {
-        info.m_eLinkSpeed = GetLinkSpeed(number);
-    }
-    if (read.Long(L_PROP_ETHERNETADAPTER_LINKSECSTATUS, number).Found()) {
-        info.m_eLinkSecStatus = GetLinkSecStatus(number);
-    }
+    read.Code(L_PROP_ETHERNETADAPTER_SPEED, info.m_eLinkSpeed, GetLinkSpeed)
+        .Code(L_PROP_ETHERNETADAPTER_LINKSECSTATUS, info.m_eLinkSecStatus, GetLinkSecStatus);
     bool fullDuplex = false;
     if (read.Bool(L_PROP_ETHERNETADAPTER_FULLDUPLEX, fullDuplex).Found()) {
         info.m_eDuplexMode = GetDuplex(fullDuplex);
@@ -92,18 +106,15 @@ HRESULT CQuillet::GetAdapterDynamicInfo(const std::wstring& adapterId, CAdapter&
 
 HRESULT CQuillet::GetAdapterStatus(const std::wstring& adapterId, CAdapter& adapter) {
     const OperationTrace trace(L"GetAdapterStatus");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, L"(wsAdapterID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     const ProviderInstance instance(session, adapterId, L"GetObject -> wsAdapterID");
     if (instance.Failed()) {
         return instance.Result();
     }
     if (!adapter.m_pAdapterDynamicInfo) {
-        adapter.m_pAdapterDynamicInfo = new (std::nothrow) CAdapterDynamicInfo;
+        adapter.m_pAdapterDynamicInfo = MakeRecord<CAdapterDynamicInfo>(NO_DYNAMIC_INFO).release();
         if (!adapter.m_pAdapterDynamicInfo) {
-            return trace.Fail(E_FAIL, L"rAdapter.m_pAdapterDynamicInfo == NULL");
+            return E_FAIL;
         }
     }
     return instance.Read(L"pInstanceHandle")
@@ -113,10 +124,9 @@ HRESULT CQuillet::GetAdapterStatus(const std::wstring& adapterId, CAdapter& adap
 
 HRESULT CQuillet::GetAdapterCapabilities(const std::wstring& adapterId, CAdapter& adapter) {
     const OperationTrace trace(L"GetAdapterCapabilities");
-    if (adapterId.empty() || adapter.m_pAdapterCapabilities) {
-        return trace.Fail(E_FAIL, L"((wsAdapterID.empty()) || (NULL != rAdapter.m_pAdapterCapabilities))");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this,
+                                  {adapterId.empty() || adapter.m_pAdapterCapabilities,
+                                   L"((wsAdapterID.empty()) || (NULL != rAdapter.m_pAdapterCapabilities))"});
     const ProviderInstance instance(session, adapterId, L"GetObject -> wsAdapterID");
     _variant_t value;
     PropertyReader read = instance.Read(L"pInstanceHandle");
@@ -126,41 +136,29 @@ HRESULT CQuillet::GetAdapterCapabilities(const std::wstring& adapterId, CAdapter
     if (!(value.vt & VT_ARRAY)) {
         return trace.Fail(RESULT_WBEM_FAILED, L"vAdapterCapabilities.vt - NA");
     }
-    SAFEARRAY* codes = ArrayOf(value);
-    if (!codes) {
+    SAFEARRAY* array = ArrayOf(value);
+    if (!array) {
         return trace.Fail(RESULT_WBEM_FAILED, L"vAdapterCapabilities.parray - EMPTY");
     }
-    LONG lower = 0;
-    HRESULT result = SafeArrayGetLBound(codes, 1, &lower);
+    std::vector<LONG> codes;
+    const HRESULT result = ReadCapabilityCodes(array, codes);
     if (FAILED(result)) {
-        return trace.Fail(result, L"SafeArrayGetLBound -> vAdapterCapabilities.parray");
+        return result;
     }
-    LONG upper = 0;
-    result = SafeArrayGetUBound(codes, 1, &upper);
-    if (FAILED(result)) {
-        return trace.Fail(result, L"SafeArrayGetUBound -> vAdapterCapabilities.parray");
-    }
-    adapter.m_pAdapterCapabilities = new (std::nothrow) CAdapterCapInfo;
+    adapter.m_pAdapterCapabilities =
+        MakeRecord<CAdapterCapInfo>(L"rAdapter.m_pAdapterCapabilities == NULL").release();
     if (!adapter.m_pAdapterCapabilities) {
-        return trace.Fail(E_FAIL, L"rAdapter.m_pAdapterCapabilities == NULL");
+        return E_FAIL;
     }
-    CAdapterCapInfo& capabilities = *adapter.m_pAdapterCapabilities;
-    for (LONGLONG index = lower; index <= upper; ++index) {
-        LONG code = 0;
-        // A code that cannot be read is one that the adapter does not have.
-        if (SUCCEEDED(ReadElement(codes, static_cast<LONG>(index), code))) {
-            SetCapability(capabilities, code);
-        }
+    for (const LONG code : codes) {
+        SetCapability(*adapter.m_pAdapterCapabilities, code);
     }
     return S_OK;
 }
 
 HRESULT CQuillet::GetAdapterPCIInfo(const std::wstring& adapterId, CPCIInfo& info) {
     const OperationTrace trace(L"GetAdapterPCIInfo");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, L"(wsAdapterID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     const ProviderInstance instance(session, adapterId, L"GetObject -> wsAdapterID");
     std::wstring busType;
     PropertyReader read = instance.Read(L"pInstanceHandle");

@@ -6,6 +6,7 @@
 #include "ObjectIds.h"
 #include "ProviderInstance.h"
 #include "SafeArray.h"
+#include "Trace.h"
 #include "VariantValue.h"
 
 #include <new>
@@ -47,15 +48,12 @@ HRESULT TakeBytes(SAFEARRAY* array, LONG& size, unsigned char** data) {
 
 HRESULT CQuillet::GetAdapterBootAgentInfo(const std::wstring& adapterId, CBootAgent& bootAgent) {
     const OperationTrace trace(L"GetAdapterBootAgentInfo");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, L"(wsAdapterID.empty())");
-    }
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
+    const ProviderSession session(*this, NoAdapter(adapterId));
+    if (session.Failed()) {
         return session.Result();
     }
     std::wstring objectId;
-    if (!ObjectIdFromPath(ObjectKind::Ethernet, adapterId, objectId)) {
+    if (!ObjectIdFromPath(ObjectKind::Adapter, adapterId, objectId)) {
         return trace.Fail(E_FAIL, L"GetObjectIdFromPath -> wsAdapterID");
     }
     CComBSTR path;
@@ -92,13 +90,11 @@ HRESULT CQuillet::ReadBootAgentFlash(const std::wstring& bootAgentId, LONG& size
     if (data) {
         *data = nullptr;
     }
-    if (bootAgentId.empty() || !data) {
-        return trace.Fail(E_FAIL, L"((wsBootAgtID.empty()) || (ppbyFlashData == NULL))");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(
+        *this, {bootAgentId.empty() || !data, L"((wsBootAgtID.empty()) || (ppbyFlashData == NULL))"});
     _variant_t flash;
     const HRESULT result = ProviderMethod(session, L_CLASS_ZOREL_BOOTAGENT, L_METHOD_BOOTAGENT_READFLASH)
-                               .Exec(bootAgentId.c_str(), L"wsBootAgtID")
+                               .Exec(bootAgentId, L"wsBootAgtID")
                                .NeedAnswer(L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_READFLASH, "
                                            L"pWbemClassObject_OutParams -> NULL")
                                .Read(L"pWbemClassObject_OutParams")
@@ -118,33 +114,23 @@ HRESULT CQuillet::ReadBootAgentFlash(const std::wstring& bootAgentId, LONG& size
 HRESULT CQuillet::WriteBootAgentFlash(const std::wstring& bootAgentId, const LONG& size, unsigned char* data,
                                       CSettings& imageTypes, int& returnCode) {
     const OperationTrace trace(L"WriteBootAgentFlash");
-    HRESULT result = FlashImage::CheckArguments(bootAgentId, size, data);
-    if (FAILED(result)) {
-        return result;
-    }
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
-        return session.Result();
-    }
+    const ProviderSession session(*this, FlashImage::NoImage(bootAgentId, size, data));
     _variant_t bytes;
     _variant_t types;
-    result = FlashImage::MakeBytes(size, data, bytes);
+    HRESULT result = session.Failed() ? session.Result() : FlashImage::MakeBytes(size, data, bytes);
     if (SUCCEEDED(result)) {
         result = FlashImage::MakeTypes(imageTypes, types);
     }
     if (FAILED(result)) {
         return result;
     }
-    ProviderMethod method(session, L_CLASS_ZOREL_BOOTAGENT, L_METHOD_BOOTAGENT_PROGRAMFLASHEX,
-                          ProviderMethod::ClassFetch::WithContext, FlashImage::SIGNATURE_NOTE);
-    method.Put(L_PARAM_BOOTAGENT_PROGRAMFLASHEX_FLASHDATA, bytes, FlashImage::PUT_STEP);
+    FlashImage::Method method(session, L_METHOD_BOOTAGENT_PROGRAMFLASHEX);
+    method.Put(L_PARAM_BOOTAGENT_PROGRAMFLASHEX_FLASHDATA, bytes);
     if (!method.Failed()) {
         TraceText(L"Fill up input parameter, Action");
     }
-    PropertyReader read = method.Put(L_PARAM_BOOTAGENT_PROGRAMFLASHEX_IMAGETYPE, types, FlashImage::PUT_STEP)
-                              .Exec(bootAgentId.c_str(), L"wsBootAgtID",
-                                    L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_PROGRAMFLASHEX")
-                              .NeedAnswer(FlashImage::NO_ANSWER)
-                              .Read(L"pIWbemClassObject_OutParams");
+    PropertyReader read =
+        method.Put(L_PARAM_BOOTAGENT_PROGRAMFLASHEX_IMAGETYPE, types)
+            .Exec(bootAgentId, L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_PROGRAMFLASHEX");
     return SuccessOr(FlashImage::ReadReturnCode(read, returnCode));
 }

@@ -1,11 +1,9 @@
 // Image files before they are written: which images one holds, and whether it is right.
 #include <quillet/Quillet.h>
 
-#include "AddRecord.h"
 #include "FlashImage.h"
+#include "MakeRecord.h"
 #include "VariantValue.h"
-
-#include <memory>
 
 using ATL::CComBSTR;
 
@@ -13,22 +11,26 @@ namespace {
 
 /// Appends one setting for each image type. A list that is shorter than that of the types leaves the member
 /// of the others as it is.
-void AppendImages(const std::vector<CComBSTR>& types, const std::vector<CComBSTR>& versions,
-                  const std::vector<LONG>& groups, const std::vector<LONG>& exposeLevels, CSettings& images) {
-    for (std::size_t i = 0; i < types.size(); ++i) {
-        auto image = std::make_unique<CSettingString>();
-        image->m_wsCaption = TextOf(types[i]);
-        if (i < versions.size()) {
-            image->m_wsCurrentValue = TextOf(versions[i]);
-        }
-        if (i < groups.size()) {
-            image->m_lGroupId = groups[i];
-        }
-        if (i < exposeLevels.size()) {
-            image->m_wsExposeLevel = std::to_wstring(exposeLevels[i]);
-        }
-        AddRecord(images, std::move(image));
+HRESULT AppendImages(const std::vector<CComBSTR>& types, const std::vector<CComBSTR>& versions,
+                     const std::vector<LONG>& groups, const std::vector<LONG>& exposeLevels,
+                     CSettings& images) {
+    HRESULT result = S_OK;
+    for (std::size_t i = 0; i < types.size() && SUCCEEDED(result); ++i) {
+        result = AppendRecord<CSettingString>(images, L"pSetting == NULL", [&](CSettingString& image) {
+            image.m_wsCaption = TextOf(types[i]);
+            if (i < versions.size()) {
+                image.m_wsCurrentValue = TextOf(versions[i]);
+            }
+            if (i < groups.size()) {
+                image.m_lGroupId = groups[i];
+            }
+            if (i < exposeLevels.size()) {
+                image.m_wsExposeLevel = std::to_wstring(exposeLevels[i]);
+            }
+            return S_OK;
+        });
     }
+    return result;
 }
 
 } // namespace
@@ -36,26 +38,16 @@ void AppendImages(const std::vector<CComBSTR>& types, const std::vector<CComBSTR
 HRESULT CQuillet::ReadBootAgentImageFile(const std::wstring& bootAgentId, const LONG& size,
                                          unsigned char* data, CSettings& images, int& returnCode) {
     const OperationTrace trace(L"ReadBootAgentImageFile");
-    HRESULT result = FlashImage::CheckArguments(bootAgentId, size, data);
-    if (FAILED(result)) {
-        return result;
-    }
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
-        return session.Result();
-    }
+    const ProviderSession session(*this, FlashImage::NoImage(bootAgentId, size, data));
     _variant_t bytes;
-    result = FlashImage::MakeBytes(size, data, bytes);
+    HRESULT result = session.Failed() ? session.Result() : FlashImage::MakeBytes(size, data, bytes);
     if (FAILED(result)) {
         return result;
     }
-    ProviderMethod method(session, L_CLASS_ZOREL_BOOTAGENT, L_METHOD_BOOTAGENT_READIMAGEFILE,
-                          ProviderMethod::ClassFetch::WithContext, FlashImage::SIGNATURE_NOTE);
-    PropertyReader read = method.Put(L_PARAM_BOOTAGENT_IMAGEFILE_FLASHDATA, bytes, FlashImage::PUT_STEP)
-                              .Exec(bootAgentId.c_str(), L"wsBootAgtID",
-                                    L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_READIMAGEFILE")
-                              .NeedAnswer(FlashImage::NO_ANSWER)
-                              .Read(L"pIWbemClassObject_OutParams");
+    FlashImage::Method method(session, L_METHOD_BOOTAGENT_READIMAGEFILE);
+    PropertyReader read =
+        method.Put(L_PARAM_BOOTAGENT_IMAGEFILE_FLASHDATA, bytes)
+            .Exec(bootAgentId, L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_READIMAGEFILE");
     bool unreadable = false;
     result = FlashImage::ReadReturnCode(read, returnCode, &unreadable);
     if (FAILED(result)) {
@@ -70,44 +62,31 @@ HRESULT CQuillet::ReadBootAgentImageFile(const std::wstring& bootAgentId, const 
     std::vector<CComBSTR> versions;
     std::vector<LONG> groups;
     std::vector<LONG> exposeLevels;
-    read.WholeArray(L_PARAM_BOOTAGENT_IMAGETYPE, types, failure)
-        .WholeArray(L_PARAM_BOOTAGENT_IMAGEVERSIONNUMBER, versions, failure)
-        .WholeArray(L_PARAM_BOOTAGENT_IMAGEGROUPNUMBER, groups, failure)
-        .WholeArray(L_PARAM_BOOTAGENT_IMAGEEXPOSELEVEL, exposeLevels, failure);
-    if (read.Failed()) {
-        return read.Result();
-    }
-    AppendImages(types, versions, groups, exposeLevels, images);
-    return S_OK;
+    constexpr auto whole = PropertyReader::Gaps::Fail;
+    read.Array(L_PARAM_BOOTAGENT_IMAGETYPE, types, whole, failure)
+        .Array(L_PARAM_BOOTAGENT_IMAGEVERSIONNUMBER, versions, whole, failure)
+        .Array(L_PARAM_BOOTAGENT_IMAGEGROUPNUMBER, groups, whole, failure)
+        .Array(L_PARAM_BOOTAGENT_IMAGEEXPOSELEVEL, exposeLevels, whole, failure);
+    return read.Failed() ? read.Result() : AppendImages(types, versions, groups, exposeLevels, images);
 }
 
 HRESULT CQuillet::VerifyImageType(const std::wstring& bootAgentId, const LONG& size, unsigned char* data,
                                   CSettings& imageTypes, int& returnCode) {
     const OperationTrace trace(L"VerifyImageType");
-    HRESULT result = FlashImage::CheckArguments(bootAgentId, size, data);
-    if (FAILED(result)) {
-        return result;
-    }
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
-        return session.Result();
-    }
+    const ProviderSession session(*this, FlashImage::NoImage(bootAgentId, size, data));
     _variant_t types;
     _variant_t bytes;
-    result = FlashImage::MakeTypes(imageTypes, types);
+    HRESULT result = session.Failed() ? session.Result() : FlashImage::MakeTypes(imageTypes, types);
     if (SUCCEEDED(result)) {
         result = FlashImage::MakeBytes(size, data, bytes);
     }
     if (FAILED(result)) {
         return result;
     }
-    ProviderMethod method(session, L_CLASS_ZOREL_BOOTAGENT, L_METHOD_BOOTAGENT_VERIFYIMAGETYPE,
-                          ProviderMethod::ClassFetch::WithContext, FlashImage::SIGNATURE_NOTE);
-    PropertyReader read = method.Put(L_PARAM_BOOTAGENT_IMAGEFILE_FLASHDATA, bytes, FlashImage::PUT_STEP)
-                              .Put(L_PARAM_BOOTAGENT_IMAGEFILE_IMAGETYPE, types, FlashImage::PUT_STEP)
-                              .Exec(bootAgentId.c_str(), L"wsBootAgtID",
-                                    L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_VERIFYIMAGETYPE")
-                              .NeedAnswer(FlashImage::NO_ANSWER)
-                              .Read(L"pIWbemClassObject_OutParams");
+    FlashImage::Method method(session, L_METHOD_BOOTAGENT_VERIFYIMAGETYPE);
+    PropertyReader read =
+        method.Put(L_PARAM_BOOTAGENT_IMAGEFILE_FLASHDATA, bytes)
+            .Put(L_PARAM_BOOTAGENT_IMAGEFILE_IMAGETYPE, types)
+            .Exec(bootAgentId, L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_VERIFYIMAGETYPE");
     return SuccessOr(FlashImage::ReadReturnCode(read, returnCode));
 }

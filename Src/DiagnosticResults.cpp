@@ -4,11 +4,11 @@
 #include "ProviderInstance.h"
 #include "QualifierTexts.h"
 #include "SafeArray.h"
-#include "Trace.h"
 #include "VariantValue.h"
 #include "Wql.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 using ATL::CComBSTR;
@@ -17,6 +17,8 @@ using ATL::CComPtr;
 namespace {
 
 constexpr const wchar_t* RESULT_INSTANCE = L"pResultInstance";
+constexpr const wchar_t* RESULTS_QUERY_FAILED = L"ASSOC RESULTCLASS = L_CLASS_ZOREL_DIAGRESULT";
+constexpr const wchar_t* RESULTS_BROKE_OFF = L"pEnumResult -> Next";
 constexpr const wchar_t* PACKAGE_FAILED = L"GetDiagnosticsPackageResults failed";
 
 /// The members that the result of a test and that of a package's member have in common.
@@ -65,6 +67,17 @@ class PackagePath {
 HRESULT ReadPackage(const ProviderSession& session, PackagePath& path, const std::wstring& package,
                     CDiagResult& result);
 
+/// The results of a package are values and no records of a collection, but find no memory alike.
+HRESULT AddResult(CDiagResult& package, CDiagResult&& member) {
+    try {
+        package.m_vecPackageResults.push_back(std::move(member));
+        return S_OK;
+    } catch (const std::bad_alloc&) {
+        TraceText(L"pDiagResult == NULL");
+        return E_FAIL;
+    }
+}
+
 /// Reads the results of a member that is itself a package. What goes wrong there is not the package's fault.
 void ReadInnerPackage(const ProviderSession& session, PackagePath& path, CDiagResult& member) {
     // A package bears its own name, or that of the package it belongs to, which is being read already.
@@ -93,31 +106,21 @@ HRESULT ReadMembers(const ProviderSession& session, PackagePath& path, const std
                     CDiagResult& result) {
     const PackagePath::Step step(path, package);
     result.m_vecPackageResults.clear();
-    ProviderEnum members;
-    HRESULT code =
-        session.Query(Wql::MembersOfPackage(L_CLASS_ZOREL_DIAGRESULT.name, L_PROP_DIAGRESULT_PACKAGENAME.name,
-                                            L_PROP_DIAGRESULT_DIAGNOSTICNAME.name, package),
-                      members, L"ASSOC RESULTCLASS = L_CLASS_ZOREL_DIAGRESULT");
-    CComPtr<IWbemClassObject> instance;
-    while (SUCCEEDED(code) && members.Next(instance)) {
-        CDiagResult member;
-        code = ReadOutcome(instance, member);
-        if (FAILED(code)) {
-            return code;
-        }
-        if (member.m_bIsPackage) {
-            ReadInnerPackage(session, path, member);
-        }
-        result.m_vecPackageResults.push_back(std::move(member));
-    }
-    if (FAILED(code)) {
-        return code;
-    }
-    if (FAILED(members.Result())) {
-        TraceText(L"pEnumResult -> Next");
-        return members.Result();
-    }
-    return S_OK;
+    return session
+        .Query(Wql::MembersOfPackage(L_CLASS_ZOREL_DIAGRESULT.name, L_PROP_DIAGRESULT_PACKAGENAME.name,
+                                     L_PROP_DIAGRESULT_DIAGNOSTICNAME.name, package),
+               RESULTS_QUERY_FAILED)
+        .ForEach(RESULTS_BROKE_OFF, [&](IWbemClassObject* instance) {
+            CDiagResult member;
+            const HRESULT code = ReadOutcome(instance, member);
+            if (FAILED(code)) {
+                return code;
+            }
+            if (member.m_bIsPackage) {
+                ReadInnerPackage(session, path, member);
+            }
+            return AddResult(result, std::move(member));
+        });
 }
 
 /// The operation for packages, on the session of the operation that it is part of.
@@ -181,17 +184,14 @@ void ReadNumbers(IWbemClassObject* instance, const ProviderName& property, std::
 
 HRESULT CQuillet::GetDiagnosticsResult(const std::wstring& diagId, CDiagResult& result) {
     const OperationTrace trace(L"GetDiagnosticsResult");
-    if (diagId.empty()) {
-        return trace.Fail(E_FAIL, L"(wsDiagID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, {diagId.empty(), L"(wsDiagID.empty())"});
     const ProviderInstance test(session, diagId, L"GetObject -> wsDiagID");
     PropertyReader read = test.Read(L"pInstanceHandle");
-    LONG testId = 0;
+    LONG testId = result.m_lTestId;
     if (read.Int(L_PROP_DIAG_ID, testId).Failed()) {
         return read.Result();
     }
-    if (!read.Found()) {
+    if (read.IsNull()) {
         // A test that has no number yet is no error: there is just nothing to tell.
         TraceText(L"Unable to get Diag ID of the test");
         return S_OK;
@@ -202,18 +202,17 @@ HRESULT CQuillet::GetDiagnosticsResult(const std::wstring& diagId, CDiagResult& 
         return read.Result();
     }
 
-    ProviderEnum results;
-    HRESULT code = session.Query(
-        Wql::SelectWhere(L_CLASS_ZOREL_DIAGRESULT.name, L_PROP_DIAGRESULT_DIAGNOSTICNAME.name, name), results,
-        L"ASSOC RESULTCLASS = L_CLASS_ZOREL_DIAGRESULT");
-    if (FAILED(code)) {
-        return code;
+    ProviderEnum results = session.Query(
+        Wql::SelectWhere(L_CLASS_ZOREL_DIAGRESULT.name, L_PROP_DIAGRESULT_DIAGNOSTICNAME.name, name),
+        RESULTS_QUERY_FAILED);
+    if (results.Failed()) {
+        return results.Result();
     }
     CComPtr<IWbemClassObject> instance;
     if (!results.Next(instance)) {
-        return trace.Fail(results.Result(), L"pEnumResult -> Next");
+        return trace.Fail(results.Result(), RESULTS_BROKE_OFF);
     }
-    code = ReadOutcome(instance, result);
+    HRESULT code = ReadOutcome(instance, result);
     if (FAILED(code)) {
         return code;
     }

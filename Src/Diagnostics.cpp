@@ -1,17 +1,11 @@
 // Diagnostic tests: listing those of an adapter, starting one and stopping it.
 #include <quillet/Quillet.h>
 
-#include "AddRecord.h"
+#include "MakeRecord.h"
 #include "ProviderInstance.h"
 #include "ProviderMethod.h"
-#include "Trace.h"
 #include "VariantValue.h"
 #include "Wql.h"
-
-#include <memory>
-#include <new>
-
-using ATL::CComPtr;
 
 namespace {
 
@@ -26,37 +20,31 @@ HRESULT AppendTest(IWbemClassObject* instance, CDiagTests& tests) {
         TraceText(L"Error - unidentified/empty Diag Unique Id");
         return S_OK;
     }
-    std::unique_ptr<CDiagTest> test(new (std::nothrow) CDiagTest);
-    if (!test) {
-        TraceText(L"(NULL == pDiagTest)");
-        return E_FAIL;
-    }
-    read.String(L_ZOREL_PATH, test->m_wsUniqueID)
-        .String(L_PROP_DIAG_NAME, test->m_wsName)
-        .Int(L_PROP_DIAG_ID, test->m_lTestId)
-        .Bool(L_PROP_DIAG_GROUPED, test->m_bGrouped);
-    if (test->m_bGrouped) {
-        read.Int(L_PROP_DIAG_GROUP_ID, test->m_lGroupId);
-    }
-    if (read.Failed()) {
+    return AppendRecord<CDiagTest>(tests, L"(NULL == pDiagTest)", [&](CDiagTest& test) {
+        read.String(L_ZOREL_PATH, test.m_wsUniqueID)
+            .String(L_PROP_DIAG_NAME, test.m_wsName)
+            .Int(L_PROP_DIAG_ID, test.m_lTestId)
+            .Bool(L_PROP_DIAG_GROUPED, test.m_bGrouped);
+        if (test.m_bGrouped) {
+            read.Int(L_PROP_DIAG_GROUP_ID, test.m_lGroupId);
+        }
         return read.Result();
-    }
-    AddRecord(tests, std::move(test));
-    return S_OK;
+    });
 }
 
 /// Finds the path of the first result that bears the name of a test.
 HRESULT FindResult(const ProviderSession& session, const std::wstring& testName, std::wstring& path) {
-    ProviderEnum results;
-    HRESULT result = session.Enumerate(L_CLASS_ZOREL_DIAGRESULT, results,
-                                       L"CreateInstanceEnum -> L_CLASS_ZOREL_DIAGRESULT");
-    CComPtr<IWbemClassObject> instance;
-    while (SUCCEEDED(result) && results.Next(instance)) {
+    ProviderEnum results =
+        session.Enumerate(L_CLASS_ZOREL_DIAGRESULT, L"CreateInstanceEnum -> L_CLASS_ZOREL_DIAGRESULT");
+    if (results.Failed()) {
+        return results.Result();
+    }
+    ATL::CComPtr<IWbemClassObject> instance;
+    while (results.Next(instance)) {
         PropertyReader read(instance, L"pResultInstance");
         std::wstring name;
-        result = read.String(L_PROP_DIAGRESULT_DIAGNOSTICNAME, name).Result();
-        if (FAILED(result)) {
-            return result;
+        if (read.String(L_PROP_DIAGRESULT_DIAGNOSTICNAME, name).Failed()) {
+            return read.Result();
         }
         if (name.empty()) {
             TraceText(L"Error - unidentified/empty Diag name");
@@ -64,52 +52,41 @@ HRESULT FindResult(const ProviderSession& session, const std::wstring& testName,
             return read.When(PropertyReader::OnNull::Fail).String(L_ZOREL_PATH, path).Result();
         }
     }
+    const HRESULT result = results.End(L"pEnumResult -> Next");
     if (FAILED(result)) {
         return result;
-    }
-    if (FAILED(results.Result())) {
-        TraceText(L"pEnumResult -> Next");
-        return results.Result();
     }
     // Without a result the provider could not tell what to stop.
     TraceText(L"(pResultInstance == NULL)");
     return RESULT_WBEM_FAILED;
 }
 
-constexpr const wchar_t* EMPTY_IDENTIFIERS = L"((wsDiagID.empty()) || (wsAdapterID.empty()))";
+Refusal NoTestOrAdapter(const std::wstring& diagId, const std::wstring& adapterId) {
+    return {diagId.empty() || adapterId.empty(), L"((wsDiagID.empty()) || (wsAdapterID.empty()))"};
+}
 
 } // namespace
 
 HRESULT CQuillet::EnumerateDiagnostics(const std::wstring& adapterId, CDiagTests& tests) {
     const OperationTrace trace(L"EnumerateDiagnostics");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, L"(wsAdapterID.empty())");
+    const ProviderSession session(*this, NoAdapter(adapterId));
+    if (!adapterId.empty()) {
+        tests.RemoveAll();
     }
-    tests.RemoveAll();
-    const ProviderSession session(*this);
-    ProviderEnum instances;
-    HRESULT result = session.Query(Wql::Associators(adapterId, L_CLASS_ZOREL_DIAGTEST.name), instances,
-                                   L"ExecQuery -> ASSOC RESULTCLASS = ZOREL_DIAGTEST");
-    CComPtr<IWbemClassObject> instance;
-    while (SUCCEEDED(result) && instances.Next(instance)) {
-        result = AppendTest(instance, tests);
-    }
-    if (FAILED(result)) {
-        return result;
-    }
-    return FAILED(instances.Result()) ? trace.Fail(instances.Result(), L"pEnumDiags -> Next") : S_OK;
+    return session
+        .Query(Wql::Associators(adapterId, L_CLASS_ZOREL_DIAGTEST.name),
+               L"ExecQuery -> ASSOC RESULTCLASS = ZOREL_DIAGTEST")
+        .ForEach(L"pEnumDiags -> Next",
+                 [&](IWbemClassObject* instance) { return AppendTest(instance, tests); });
 }
 
 HRESULT CQuillet::RunDiagnostics(const std::wstring& diagId, const std::wstring& adapterId) {
     const OperationTrace trace(L"RunDiagnostics");
-    if (diagId.empty() || adapterId.empty()) {
-        return trace.Fail(E_FAIL, EMPTY_IDENTIFIERS);
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoTestOrAdapter(diagId, adapterId));
     LONG verdict = 0;
     const HRESULT result = ProviderMethod(session, L_CLASS_ZOREL_DIAGTEST, L_METHOD_DIAG_RUNTEST)
                                .Put(L_PARAM_DIAG_SYSTEMELEMENT, VariantOfText(adapterId))
-                               .Exec(diagId.c_str(), L"wsDiagID")
+                               .Exec(diagId)
                                .Read(L"pDiagOutParams")
                                .Long(L_METHOD_RETURN, verdict)
                                .Result();
@@ -119,10 +96,7 @@ HRESULT CQuillet::RunDiagnostics(const std::wstring& diagId, const std::wstring&
 
 HRESULT CQuillet::StopDiagnostics(const std::wstring& diagId, const std::wstring& adapterId) {
     const OperationTrace trace(L"StopDiagnostics");
-    if (diagId.empty() || adapterId.empty()) {
-        return trace.Fail(E_FAIL, EMPTY_IDENTIFIERS);
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoTestOrAdapter(diagId, adapterId));
     const ProviderInstance test(session, diagId, L"GetObject -> wsDiagID");
     std::wstring name;
     HRESULT result = test.Read(L"pInstanceHandle").String(L_PROP_DIAG_NAME, name).Result();
@@ -142,7 +116,7 @@ HRESULT CQuillet::StopDiagnostics(const std::wstring& diagId, const std::wstring
     result = ProviderMethod(session, L_CLASS_ZOREL_DIAGTEST, L_METHOD_DIAG_DISCONTINUETEST)
                  .Put(L_PARAM_DIAG_SYSTEMELEMENT, VariantOfText(adapterId))
                  .Put(L_PARAM_DIAG_RESULT, VariantOfText(resultPath))
-                 .Exec(diagId.c_str(), L"wsDiagID")
+                 .Exec(diagId)
                  .Read(L"pDiagOutParams")
                  .Bool(L_PARAM_DIAG_TESTINGSTOPPED, stopped)
                  .Long(L_METHOD_RETURN, verdict)

@@ -1,18 +1,18 @@
 #include "FlashImage.h"
 
 #include "SafeArray.h"
+#include "Trace.h"
 
 #include <cstring>
 
 namespace FlashImage {
 
-HRESULT CheckArguments(const std::wstring& bootAgentId, LONG size, const unsigned char* data) {
-    if (bootAgentId.empty() || !data || size <= 0) {
-        TraceText(L"((wsBootAgtID.empty()) || (pFlashData == NULL) || (rlFlashSize <= 0))");
-        return E_FAIL;
+Refusal NoImage(const std::wstring& bootAgentId, LONG size, const unsigned char* data) {
+    const bool refused = bootAgentId.empty() || !data || size <= 0;
+    if (!refused) {
+        TraceText(L"Checks done");
     }
-    TraceText(L"Checks done");
-    return S_OK;
+    return {refused, L"((wsBootAgtID.empty()) || (pFlashData == NULL) || (rlFlashSize <= 0))"};
 }
 
 HRESULT MakeBytes(LONG size, const unsigned char* data, _variant_t& bytes) {
@@ -48,6 +48,21 @@ HRESULT MakeTypes(const CSettings& imageTypes, _variant_t& types) {
         return E_FAIL;
     }
     return S_OK;
+}
+
+Method::Method(const ProviderSession& session, const ProviderName& method)
+    : m_method(session, L_CLASS_ZOREL_BOOTAGENT, method, ProviderMethod::ClassFetch::WithContext,
+               L"Get input params for the method called ProgramFlash()") {}
+
+Method& Method::Put(const ProviderName& parameter, const _variant_t& value) {
+    m_method.Put(parameter, value, L"pIWbemClassObject_InParams -> Put, ");
+    return *this;
+}
+
+PropertyReader Method::Exec(const std::wstring& bootAgentId, const wchar_t* failure) {
+    return m_method.Exec(bootAgentId, L"wsBootAgtID", failure)
+        .NeedAnswer(L"(pIWbemClassObject_OutParams -> NULL)")
+        .Read(L"pIWbemClassObject_OutParams");
 }
 
 HRESULT ReadReturnCode(PropertyReader& read, int& returnCode, bool* unreadable) {

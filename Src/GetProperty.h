@@ -8,9 +8,14 @@
 
 /// The frame of every getter: what differs is the value's type, what it passes through, and what the
 /// operation is called in traces.
+/// @param isRead if asked for: whether there was a value of a type that could be read. Success alone does not
+///               say so: a provider may have no more data, or answer in a type that is no such value.
 template <typename Holder = _variant_t, typename Value>
-HRESULT GetProperty(IWbemClassObject* instance, const wchar_t* name, Value& value, bool& isNull,
+HRESULT GetProperty(IWbemClassObject* instance, const wchar_t* name, Value& value, bool& isNull, bool* isRead,
                     const wchar_t* missing, bool verbose = false) {
+    if (isRead) {
+        *isRead = false;
+    }
     if (!instance) {
         TraceText(missing);
         return E_FAIL;
@@ -30,8 +35,8 @@ HRESULT GetProperty(IWbemClassObject* instance, const wchar_t* name, Value& valu
         if (verbose) {
             TraceText(L"variant is empty or null");
         }
-    } else {
-        ReadVariant(variant, value);
+    } else if (const bool read = ReadVariant(variant, value); isRead) {
+        *isRead = read;
     }
     return result;
 }

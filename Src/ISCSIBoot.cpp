@@ -1,38 +1,23 @@
 // Booting from an iSCSI target: the adapters that can, and the part that each of them plays.
 #include <quillet/Quillet.h>
 
-#include "AddRecord.h"
+#include "MakeRecord.h"
 #include "ObjectIds.h"
 #include "ProviderMethod.h"
-#include "Trace.h"
 #include "VariantValue.h"
-
-#include <memory>
-#include <new>
-
-using ATL::CComPtr;
 
 namespace {
 
-/// Reads an adapter of the list and appends it.
-HRESULT AppendAdapter(IWbemClassObject* instance, CISCSIAdapters& adapters) {
-    std::unique_ptr<CISCSIAdapter> adapter(new (std::nothrow) CISCSIAdapter);
-    if (!adapter) {
-        TraceText(L"pAdapter == NULL");
-        return E_FAIL;
-    }
+/// Reads an adapter of the list.
+HRESULT ReadAdapter(IWbemClassObject* instance, CISCSIAdapter& adapter) {
     PropertyReader read(instance, L"pIAdapter_Instance");
-    LONG status = adapter->m_eStatus;
-    read.String(L_ZOREL_PATH, adapter->m_wsPath, L"CQuillet::EnumerateISCSIAdapters failed to get GUID")
-        .Long(L_PROP_ISCSI_ADAPTERS_STATUS, status)
-        .String(L_PROP_ISCSI_ADAPTERS_ADAPTERNAME, adapter->m_wsAdapterName);
-    if (read.Failed()) {
-        return read.Result();
+    read.String(L_ZOREL_PATH, adapter.m_wsPath, L"CQuillet::EnumerateISCSIAdapters failed to get GUID")
+        .Code(L_PROP_ISCSI_ADAPTERS_STATUS, adapter.m_eStatus)
+        .String(L_PROP_ISCSI_ADAPTERS_ADAPTERNAME, adapter.m_wsAdapterName);
+    if (!read.Failed()) {
+        ObjectIdFromPath(ObjectKind::BootAgent, adapter.m_wsPath, adapter.m_wsBootAgentID);
     }
-    ObjectIdFromPath(ObjectKind::BootAgent, adapter->m_wsPath, adapter->m_wsBootAgentID);
-    adapter->m_eStatus = static_cast<CISCSIAdapter::iSCSIStatus>(status);
-    AddRecord(adapters, std::move(adapter));
-    return S_OK;
+    return read.Result();
 }
 
 } // namespace
@@ -41,17 +26,13 @@ HRESULT CQuillet::EnumerateISCSIAdapters(CISCSIAdapters& adapters) {
     const OperationTrace trace(L"EnumerateISCSIAdapters");
     adapters.RemoveAll();
     const ProviderSession session(*this);
-    ProviderEnum instances;
-    HRESULT result = session.Enumerate(L_CLASS_ZOREL_ISCSI_ADAPTERS, instances,
-                                       L"CreateInstanceEnum -> L_CLASS_ZOREL_ISCSI_ADAPTERS");
-    CComPtr<IWbemClassObject> instance;
-    while (SUCCEEDED(result) && instances.Next(instance)) {
-        result = AppendAdapter(instance, adapters);
-    }
-    if (FAILED(result)) {
-        return result;
-    }
-    return FAILED(instances.Result()) ? trace.Fail(instances.Result(), L"pEnumAdapters -> Next") : S_OK;
+    return session
+        .Enumerate(L_CLASS_ZOREL_ISCSI_ADAPTERS, L"CreateInstanceEnum -> L_CLASS_ZOREL_ISCSI_ADAPTERS")
+        .ForEach(L"pEnumAdapters -> Next", [&](IWbemClassObject* instance) {
+            return AppendRecord<CISCSIAdapter>(adapters, L"pAdapter == NULL", [&](CISCSIAdapter& adapter) {
+                return ReadAdapter(instance, adapter);
+            });
+        });
 }
 
 // The interface takes the ID by value.
@@ -63,7 +44,7 @@ HRESULT CQuillet::SetiSCSIStatus(std::wstring bootAgentId, CISCSIAdapter::iSCSIS
     LONG verdict = 0;
     ProviderMethod method(session, L_CLASS_ZOREL_ISCSI_ADAPTERS, L_METHOD_BOOTAGENT_SET_ISCSI_STATUS);
     PropertyReader read = method.Put(L_PARAM_SET_ISCSI_STATE, VariantOfLong(status))
-                              .Exec(bootAgentId.c_str(), L"wsBootAgtID")
+                              .Exec(bootAgentId, L"wsBootAgtID")
                               .NeedAnswer(L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_SET_ISCSI_STATUS, "
                                           L"pWbemClassObject_OutParams -> NULL")
                               .Read(L"pIWbemClassObject_OutParams");
@@ -78,26 +59,23 @@ HRESULT CQuillet::SetiSCSIStatus(std::wstring bootAgentId, CISCSIAdapter::iSCSIS
 
 HRESULT CQuillet::GetiSCSI_Info(const std::wstring& adapterId, CiSCSI& info) {
     const OperationTrace trace(L"GetiSCSI_Info");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, L"(wsAdapterID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     HRESULT result =
         ProviderMethod(session, L_CLASS_ZOREL_ETHERNETADAPTER, L_METHOD_ETHERNETADAPTER_ISISCSIENABLED)
-            .Exec(adapterId.c_str(), L"wsAdapterID")
+            .Exec(adapterId, L"wsAdapterID")
             .NeedAnswer(L"ExecMethod -> wsAdapterID, L_METHOD_ETHERNETADAPTER_ISISCSIENABLED, "
                         L"pAdapter_OutParams -> NULL")
-            .Read(L"pAdapter_OutParams")
+            .Read()
             .Long(L_PARAM_ETHERNETADAPTER_ISCSISTATUS, info.m_lStatus)
             .Result();
     if (FAILED(result)) {
         return result;
     }
     result = ProviderMethod(session, L_CLASS_ZOREL_ETHERNETADAPTER, L_METHOD_ETHERNETADAPTER_ISISCSISUPPORTED)
-                 .Exec(adapterId.c_str(), L"wsAdapterID")
+                 .Exec(adapterId, L"wsAdapterID")
                  .NeedAnswer(L"ExecMethod -> wsAdapterID, L_METHOD_ETHERNETADAPTER_ISISCSISUPPORTED, "
                              L"pAdapter_OutParams -> NULL")
-                 .Read(L"pAdapter_OutParams")
+                 .Read()
                  .Bool(L_PARAM_ETHERNETADAPTER_ISISCSIOS, info.m_bOSSupported)
                  .Bool(L_PARAM_ETHERNETADAPTER_ISISCSIPATCH, info.m_bPatchPresent)
                  .Bool(L_PARAM_ETHERNETADAPTER_ISISCSIHOTFIX, info.m_bHotFixPresent)

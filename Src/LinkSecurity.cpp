@@ -11,10 +11,6 @@ namespace {
 
 using OnNull = PropertyReader::OnNull;
 
-/// What trace lines call the path that every method here is executed on.
-constexpr const wchar_t* ADAPTER = L"wsAdapterID";
-constexpr const wchar_t* NO_ADAPTER = L"(wsAdapterID.empty())";
-
 // Outer EAP methods that decide what is sent.
 constexpr LONG LEAST_OUTER_EAP = 1;
 constexpr LONG OUTER_EAP_WITHOUT_CREDENTIALS = 1;
@@ -31,7 +27,7 @@ bool IsBetween(LONG value, LONG least, LONG greatest) {
 /// noted and becomes empty, so that a record that is used again shows nothing of the last adapter.
 class Answer {
   public:
-    explicit Answer(const ProviderMethod& method) : m_read(method.Read(L"pAdapter_OutParams")) {}
+    explicit Answer(const ProviderMethod& method) : m_read(method.Read()) {}
 
     Answer& Text(const ProviderName& parameter, std::wstring& member, const wchar_t* progress) {
         m_read.When(OnNull::Note).String(parameter, member);
@@ -55,13 +51,11 @@ class Answer {
     }
     template <typename Enumeration>
     Answer& Code(const ProviderName& parameter, Enumeration& member, const wchar_t* progress) {
-        LONG number = member;
-        Int(parameter, number, progress);
-        member = static_cast<Enumeration>(number);
-        return *this;
+        m_read.When(OnNull::Keep).IntCode(parameter, member);
+        return Progress(progress);
     }
 
-    HRESULT Result() const { return m_read.Failed() ? m_read.Result() : S_OK; }
+    HRESULT Result() const { return SuccessOr(m_read.Result()); }
 
   private:
     Answer& Emptied(std::wstring& member) {
@@ -120,12 +114,9 @@ void PutCredentials(ProviderMethod& method, const CAdapterAuthTypeInfo& info) {
 HRESULT CQuillet::GetAdapterLinksecManualAuthOptions(const std::wstring& adapterId,
                                                      CAdapterManualAuthInfo& info) {
     const OperationTrace trace(L"GetAdapterLinksecManualAuthOptions");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, NO_ADAPTER);
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_METHOD_ETHERNETADAPTER_GETLINKSECMANLCFGKEYS);
-    return Answer(method.Exec(adapterId.c_str(), ADAPTER))
+    return Answer(method.Exec(adapterId))
         .Secret(L_PARAM_ETHERNETADAPTER_LINKSEC_MANLCFG_TX_SAKEY, info.m_sTXSAKey, L"After m_sTXSAKey")
         .Int(L_PARAM_ETHERNETADAPTER_LINKSEC_MANLCFG_TX_ASSOCNUM1, info.m_nTXAssocNum1,
              L"After m_nTXAssocNum1")
@@ -151,10 +142,7 @@ HRESULT CQuillet::SetAdapterLinksecManualAuthOptions(const std::wstring& adapter
     // The first line names another operation on purpose: whoever searches trace files knows it so.
     const OperationTrace trace(L"Enter CQuillet::SetAdapterWakeOnLanOptions",
                                L"Exit CQuillet::SetAdapterLinksecManualAuthOptions");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, NO_ADAPTER);
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_CLASS_ZOREL_ETHERNETADAPTER,
                           L_METHOD_ETHERNETADAPTER_SETLINKSECMANLCFGKEYS);
     return SuccessOr(
@@ -169,19 +157,16 @@ HRESULT CQuillet::SetAdapterLinksecManualAuthOptions(const std::wstring& adapter
             .Put(L_PARAM_ETHERNETADAPTER_LINKSEC_MANLCFG_RX_SCI, VariantOfText(info.m_sRXSCI))
             .Put(L_PARAM_ETHERNETADAPTER_LINKSEC_MANLCFG_USE_EMCRYPTION, VariantOfBool(info.m_bUseEncryption))
             .Put(L_PARAM_ETHERNETADAPTER_LINKSEC_DRIVERRELOAD, VariantOfBool(driverReload))
-            .Exec(adapterId.c_str(), ADAPTER)
+            .Exec(adapterId)
             .Result());
 }
 
 HRESULT CQuillet::GetAdapterLinksecStrictPreferredOptions(const std::wstring& adapterId,
                                                           CAdapterAuthTypeInfo& info) {
     const OperationTrace trace(L"GetAdapterLinksecStrictPreferredOptions");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, NO_ADAPTER);
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_METHOD_ETHERNETADAPTER_GETLINKSECPARAMS);
-    return Answer(method.Exec(adapterId.c_str(), ADAPTER))
+    return Answer(method.Exec(adapterId))
         .Code(L_PARAM_ETHERNETADAPTER_LINKSEC_OUTEREAPTYPE, info.m_eOuterEAP, L"After m_eOuterEAP")
         .Code(L_PARAM_ETHERNETADAPTER_LINKSEC_INNEREAPTYPE, info.m_InnerEAP, L"After m_InnerEAP")
         .Flag(L_PARAM_ETHERNETADAPTER_LINKSEC_MACHINECRED, info.m_bMachineCred, L"After m_bMachineCred")
@@ -203,10 +188,7 @@ HRESULT CQuillet::SetAdapterLinksecStrictPreferredOptions(const std::wstring& ad
                                                           const CAdapterAuthTypeInfo& info,
                                                           bool driverReload) {
     const OperationTrace trace(L"SetAdapterLinksecStrictPreferredOptions");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, NO_ADAPTER);
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_CLASS_ZOREL_ETHERNETADAPTER, L_METHOD_ETHERNETADAPTER_SETLINKSECPARAMS);
     if (method.Failed()) {
         return method.Result();
@@ -227,17 +209,14 @@ HRESULT CQuillet::SetAdapterLinksecStrictPreferredOptions(const std::wstring& ad
     NoteNumber(method, L"m_eKeySecType = %d", static_cast<int>(info.m_eKeySecType));
     method.Put(L_PARAM_ETHERNETADAPTER_LINKSEC_KEYSECTYPE, VariantOfLong(info.m_eKeySecType));
     PutRandomMacAddress(method, info.m_bRandMACAddress);
-    return SuccessOr(method.Exec(adapterId.c_str(), ADAPTER).Result());
+    return SuccessOr(method.Exec(adapterId).Result());
 }
 
 HRESULT CQuillet::GetAdapterLinksecEapType(const std::wstring& adapterId, CAdapterEAPInfo& info) {
     const OperationTrace trace(L"GetAdapterLinksecEapType");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, NO_ADAPTER);
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_METHOD_ETHERNETADAPTER_GETLINKSECEAPTYPE);
-    return Answer(method.Exec(adapterId.c_str(), ADAPTER))
+    return Answer(method.Exec(adapterId))
         .Code(L_PARAM_ETHERNETADAPTER_LINKSEC_OUTEREAPTYPE, info.m_eOuterEAP, L"After m_eOuterEAP")
         .Code(L_PARAM_ETHERNETADAPTER_LINKSEC_INNEREAPTYPE, info.m_InnerEAP, L"After m_InnerEAP")
         .Code(L_PARAM_ETHERNETADAPTER_LINKSEC_KEYSECTYPE, info.m_eKeySecType, L"After m_eKeySecType")
@@ -249,17 +228,14 @@ HRESULT CQuillet::GetAdapterLinksecEapType(const std::wstring& adapterId, CAdapt
 HRESULT CQuillet::AdapterImportManualPAC(const std::wstring& adapterId, const CAdapterPACInfo& info,
                                          bool reload) {
     const OperationTrace trace(L"AdapterImportManualPAC");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, NO_ADAPTER);
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_CLASS_ZOREL_ETHERNETADAPTER, L_METHOD_ETHERNETADAPTER_IMPORTMANUALPAC);
     return SuccessOr(
         method.Put(L_PARAM_ETHERNETADAPTER_LINKSEC_PACPATH, VariantOfText(info.m_sPACPath))
             .PutSecret(L_PARAM_ETHERNETADAPTER_LINKSEC_PACFILEPASSWORD, info.m_sPACFilePassword)
             .Put(L_PARAM_ETHERNETADAPTER_LINKSEC_PACINFOCHANGED, VariantOfBool(info.m_bPACInfoChanged))
             .Put(L_PARAM_ETHERNETADAPTER_LINKSEC_RELOAD, VariantOfBool(reload))
-            .Exec(adapterId.c_str(), ADAPTER)
+            .Exec(adapterId)
             .Result());
 }
 
@@ -267,27 +243,21 @@ HRESULT CQuillet::AdapterImportManualPAC(const std::wstring& adapterId, const CA
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 HRESULT CQuillet::DeletePacFile(const std::wstring& adapterId, std::wstring pacFile) {
     const OperationTrace trace(L"DeletePacFile");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, NO_ADAPTER);
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_CLASS_ZOREL_ETHERNETADAPTER, L_METHOD_ETHERNETADAPTER_DELETEPACFILE);
     return SuccessOr(method.Put(L_PARAM_ETHERNETADAPTER_LINKSEC_PACFILEDELETE, VariantOfText(pacFile))
-                         .Exec(adapterId.c_str(), ADAPTER)
+                         .Exec(adapterId)
                          .Result());
 }
 
 HRESULT CQuillet::GetAdapterPacFileContents(const std::wstring& adapterId, CAdapterPacFileInfo& info) {
     const OperationTrace trace(L"GetAdapterPacFileContents");
-    if (adapterId.empty()) {
-        // The line names another operation's record on purpose: whoever searches trace files knows it so.
-        return trace.Fail(E_FAIL, L"((wsAdapterID.empty()) || (NULL != rAdapter.m_pAdapterCapabilities))");
-    }
-    const ProviderSession session(*this);
+    // The line names another operation's record on purpose: whoever searches trace files knows it so.
+    const ProviderSession session(
+        *this, {adapterId.empty(), L"((wsAdapterID.empty()) || (NULL != rAdapter.m_pAdapterCapabilities))"});
     ProviderMethod method(session, L_CLASS_ZOREL_ETHERNETADAPTER,
                           L_METHOD_ETHERNETADAPTER_GETPACFILECONTENTS);
-    method.Put(L_PARAM_ETHERNETADAPTER_LINKSEC_PACFILE, VariantOfText(info.m_sPACFileName))
-        .Exec(adapterId.c_str(), ADAPTER);
+    method.Put(L_PARAM_ETHERNETADAPTER_LINKSEC_PACFILE, VariantOfText(info.m_sPACFileName)).Exec(adapterId);
     Answer answer(method);
     // The kind alone does not outlast a provider that does not tell it.
     LONG pacType = 0;
@@ -306,27 +276,21 @@ HRESULT CQuillet::GetAdapterPacFileContents(const std::wstring& adapterId, CAdap
 HRESULT CQuillet::SetAdapterManualPMKOptions(const std::wstring& adapterId, const CAdapterManualPMKInfo& info,
                                              bool driverReload, bool) {
     const OperationTrace trace(L"SetAdapterManualPMKOptions");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, NO_ADAPTER);
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_CLASS_ZOREL_ETHERNETADAPTER,
                           L_METHOD_ETHERNETADAPTER_SETLINKSECMANUALPMK);
     method.PutSecret(L_PARAM_ETHERNETADAPTER_LINKSEC_MANUALPMKEY, info.m_sManualPMKKey)
         .Put(L_PARAM_ETHERNETADAPTER_LINKSEC_DRIVERRELOAD, VariantOfBool(driverReload));
     PutRandomMacAddress(method, info.m_bRandMACAddress);
-    return SuccessOr(method.Exec(adapterId.c_str(), ADAPTER).Result());
+    return SuccessOr(method.Exec(adapterId).Result());
 }
 
 HRESULT CQuillet::GetAdapterManualPMKOptions(const std::wstring& adapterId, CAdapterManualPMKInfo& info,
                                              bool& randomMacAddress) {
     const OperationTrace trace(L"GetAdapterManualPMKOptions");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, NO_ADAPTER);
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_METHOD_ETHERNETADAPTER_GETLINKSECMANUALPMK);
-    return Answer(method.Exec(adapterId.c_str(), ADAPTER))
+    return Answer(method.Exec(adapterId))
         .Secret(L_PARAM_ETHERNETADAPTER_LINKSEC_MANUALPMKEY, info.m_sManualPMKKey, L"After m_sManualPMKKey")
         .Flag(L_PARAM_ETHERNETADAPTER_LINKSEC_RANDMACADDRESS, randomMacAddress)
         .Result();
@@ -335,12 +299,9 @@ HRESULT CQuillet::GetAdapterManualPMKOptions(const std::wstring& adapterId, CAda
 HRESULT CQuillet::GetAdapterSavedCredOptions(const std::wstring& adapterId,
                                              CAdapterLinksecSavedCredInfo& info) {
     const OperationTrace trace(L"GetAdapterSavedCredOptions");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, NO_ADAPTER);
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_METHOD_ETHERNETADAPTER_GETLINKSECSAVEDCREDS);
-    return Answer(method.Exec(adapterId.c_str(), ADAPTER))
+    return Answer(method.Exec(adapterId))
         .Flag(L_PARAM_ETHERNETADAPTER_LINKSEC_MACHINECRED, info.m_bMachineCred, L"After m_bMachineCred")
         .Text(L_PARAM_ETHERNETADAPTER_LINKSEC_SAVED_USERNAME, info.m_sUserName, L"After m_sUserName")
         .Secret(L_PARAM_ETHERNETADAPTER_LINKSEC_SAVED_PASSWORD, info.m_sPassword, L"After m_sPassword")
@@ -351,12 +312,9 @@ HRESULT CQuillet::GetAdapterSavedCredOptions(const std::wstring& adapterId,
 
 HRESULT CQuillet::GetAdapterLinksecSecurityStats(const std::wstring& adapterId, std::wstring& log) {
     const OperationTrace trace(L"GetAdapterLinksecSecurityStats");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, NO_ADAPTER);
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_METHOD_ETHERNETADAPTER_GETLINKSECSECSTATSLOG);
-    return Answer(method.Exec(adapterId.c_str(), ADAPTER))
+    return Answer(method.Exec(adapterId))
         .Text(L_PARAM_ETHERNETADAPTER_LINKSEC_SECSTATS, log, L"After wsSecLog")
         .Result();
 }

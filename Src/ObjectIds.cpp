@@ -7,51 +7,76 @@
 
 using Helper = CZorel_EthernetAdapterMgrHelper;
 
-bool ObjectIdFromPath(ObjectKind kind, const std::wstring& path, std::wstring& objectId) {
-    objectId.clear();
-    CLumWmiAutoParsedObjectPath parsed;
-    if (parsed.Parse(path.c_str()) != 0) {
-        return false;
-    }
+namespace {
+
+/// The identifier, which the parsed path keeps; null when the path is not of the kind.
+const wchar_t* Find(ObjectKind kind, CLumWmiAutoParsedObjectPath& parsed) {
     wchar_t* found = nullptr;
     switch (kind) {
-    case ObjectKind::Ethernet:
-        if (!Helper::GetObjectIdFromPath(&parsed, found)) {
-            return false;
-        }
-        break;
+    case ObjectKind::Adapter:
+        // The helper reads paths of boot agents, too.
+        return !Helper::GetBootAgentIdFromPath(&parsed) && Helper::GetObjectIdFromPath(&parsed, found)
+                   ? found
+                   : nullptr;
+    case ObjectKind::AdapterOrBootAgent:
+        return Helper::GetObjectIdFromPath(&parsed, found) ? found : nullptr;
     case ObjectKind::Team:
-        found = Helper::GetObjectIdFromTeamOfAdapPath(0, &parsed);
-        break;
+        return Helper::GetObjectIdFromTeamOfAdapPath(0, &parsed);
     case ObjectKind::Vlan:
-        found = Helper::GetVlanObjectIdFromPath(&parsed);
-        break;
+        return Helper::GetVlanObjectIdFromPath(&parsed);
     case ObjectKind::BootAgent:
-        found = Helper::GetBootAgentIdFromPath(&parsed);
-        break;
+        return Helper::GetBootAgentIdFromPath(&parsed);
     }
-    if (!found) {
-        return false;
+    return nullptr;
+}
+
+/// What a path names, whatever its form; empty when it names nothing that has an identifier.
+struct Identity {
+    explicit Identity(const std::wstring& path) {
+        CLumWmiAutoParsedObjectPath parsed;
+        if (parsed.Parse(path.c_str()) != 0) {
+            return;
+        }
+        for (const ObjectKind kind : {ObjectKind::AdapterOrBootAgent, ObjectKind::Team, ObjectKind::Vlan}) {
+            if (const wchar_t* found = Find(kind, parsed)) {
+                className = parsed.ClassName();
+                objectId = found;
+            }
+        }
     }
-    objectId = found;
-    return true;
+    std::wstring className;
+    std::wstring objectId;
+};
+
+} // namespace
+
+bool ObjectIdFromPath(ObjectKind kind, const std::wstring& path, std::wstring& objectId) {
+    CLumWmiAutoParsedObjectPath parsed;
+    const wchar_t* found = nullptr;
+    if (parsed.Parse(path.c_str()) == 0) {
+        found = Find(kind, parsed);
+    }
+    objectId = found ? found : L"";
+    return found != nullptr;
+}
+
+std::wstring ParentIdOf(const std::wstring& adapterId) {
+    std::wstring objectId;
+    return ObjectIdFromPath(ObjectKind::Adapter, adapterId, objectId) ? objectId : adapterId;
+}
+
+bool IsSameObjectId(const std::wstring& left, const std::wstring& right) noexcept {
+    return quillet::EqualsIgnoringCase(left, right);
 }
 
 bool NameTheSameObject(const std::wstring& left, const std::wstring& right) {
     if (left == right) {
         return true;
     }
-    const std::wstring* paths[] = {&left, &right};
-    CLumWmiAutoParsedObjectPath parsed[2];
-    wchar_t* objectIds[2] = {};
-    for (int i = 0; i < 2; ++i) {
-        if (parsed[i].Parse(paths[i]->c_str()) != 0 ||
-            !Helper::GetObjectIdFromPath(&parsed[i], objectIds[i])) {
-            return false;
-        }
-    }
-    return quillet::EqualsIgnoringCase(parsed[0].ClassName(), parsed[1].ClassName()) &&
-           quillet::EqualsIgnoringCase(objectIds[0], objectIds[1]);
+    const Identity first(left);
+    const Identity second(right);
+    return !first.objectId.empty() && IsSameObjectId(first.objectId, second.objectId) &&
+           quillet::EqualsIgnoringCase(first.className, second.className);
 }
 
 bool LogicalAdapterOfTeam(const std::wstring& teamPath, std::wstring& adapterPath) {

@@ -1,14 +1,12 @@
 // Performance profiles: the setting "PerformanceProfile" as a list, and leaving the one for virtual machines.
 #include <quillet/Quillet.h>
 
-#include "AddRecord.h"
 #include "Lum2InstUtility.h"
+#include "MakeRecord.h"
 #include "Records/Text.h"
 #include "ResultCodes.h"
-#include "Trace.h"
 
 #include <algorithm>
-#include <memory>
 
 namespace {
 
@@ -22,6 +20,52 @@ CPerformanceProfile* FindProfile(const CPerformanceProfiles& profiles, ePERFORMA
                      [=](const CPerformanceProfile* profile) { return profile->m_eProfile == number; });
     return found != profiles.m_vecItems.end() ? *found : nullptr;
 }
+
+/// A client set for changes that are made one after another: opened before the first, and closed on every
+/// path, also when an exception leaves between them.
+class LazyClientSet {
+  public:
+    explicit LazyClientSet(CQuillet& quillet) : m_quillet(quillet) {}
+    ~LazyClientSet() {
+        try {
+            Close();
+        } catch (...) {
+            // Whatever it was, something else is on its way already.
+        }
+    }
+    LazyClientSet(const LazyClientSet&) = delete;
+    LazyClientSet& operator=(const LazyClientSet&) = delete;
+
+    /// Opens it unless it is open.
+    HRESULT Open() {
+        const HRESULT result = m_isOpen ? S_OK : m_quillet.BeginApply();
+        if (FAILED(result)) {
+            LumTrace().Error(SOURCE, __LINE__, L"BeginApply() call FAILED");
+        } else {
+            m_isOpen = true;
+        }
+        return result;
+    }
+    /// Closes it if it is open.
+    HRESULT Close() {
+        if (!m_isOpen) {
+            return S_OK;
+        }
+        bool reboot = false;
+        const HRESULT result = m_quillet.ApplyDone(reboot);
+        m_isOpen =
+            false; // only now: an exception leaves the set open, and the end of the scope tries once more
+        LumTrace().Print(L"CAdvSettingPage::ChangeAllAdapterProfilesFromHyperV() bReboot %d", reboot ? 1 : 0);
+        if (FAILED(result)) {
+            LumTrace().Error(SOURCE, __LINE__, L"ApplyDone() call FAILED");
+        }
+        return result;
+    }
+
+  private:
+    CQuillet& m_quillet;
+    bool m_isOpen = false;
+};
 
 } // namespace
 
@@ -38,12 +82,17 @@ HRESULT CQuillet::AppendProfiles(const CSettingEnum& setting, CPerformanceProfil
             TraceText(L"GetAdapterProfiles() - DescriptionMap is shorter than PossibleValues");
             return E_FAIL;
         }
-        auto profile = std::make_unique<CPerformanceProfile>();
-        profile->m_wsDescription = setting.m_vecDescriptionMap[i];
-        profile->m_eProfile =
-            static_cast<ePERFORMANCE_PROFILE>(quillet::ParseDecimal(setting.m_vecPossibleValues[i]));
-        profile->m_bIsCurrent = setting.m_lCurrentValue == profile->m_eProfile;
-        AddRecord(profiles, std::move(profile));
+        const auto fill = [&](CPerformanceProfile& profile) {
+            profile.m_wsDescription = setting.m_vecDescriptionMap[i];
+            profile.m_eProfile =
+                static_cast<ePERFORMANCE_PROFILE>(quillet::ParseDecimal(setting.m_vecPossibleValues[i]));
+            profile.m_bIsCurrent = setting.m_lCurrentValue == profile.m_eProfile;
+            return S_OK;
+        };
+        const HRESULT result = AppendRecord<CPerformanceProfile>(profiles, L"pProfile == NULL", fill);
+        if (FAILED(result)) {
+            return result;
+        }
     }
     return S_OK;
 }
@@ -103,7 +152,7 @@ HRESULT CQuillet::ChangeAllAdapterProfilesFromHyperV(ePERFORMANCE_PROFILE newPro
             firstFailure = code;
         }
     };
-    bool isOpen = false;
+    LazyClientSet clientSet(*this);
     for (const CAdapter* adapter : adapters.m_vecItems) {
         CSettingEnum setting;
         if (FAILED(RefreshProfileSetting(adapter->m_wsAdapterID, setting))) {
@@ -114,26 +163,14 @@ HRESULT CQuillet::ChangeAllAdapterProfilesFromHyperV(ePERFORMANCE_PROFILE newPro
             continue;
         }
         TraceText(L"ChangeAllAdapterProfilesFromHyperV - found hyper-v profie ... seting it to standard");
-        if (!isOpen) {
-            result = BeginApply();
-            if (FAILED(result)) {
-                LumTrace().Error(SOURCE, __LINE__, L"BeginApply() call FAILED");
-                return result;
-            }
-            isOpen = true;
+        result = clientSet.Open();
+        if (FAILED(result)) {
+            return result;
         }
         setting.SetCurrentValue(static_cast<LONG>(newProfile));
         keep(SetSetting(setting.m_wsPath, setting));
     }
-    if (isOpen) {
-        bool reboot = false;
-        result = ApplyDone(reboot);
-        LumTrace().Print(L"CAdvSettingPage::ChangeAllAdapterProfilesFromHyperV() bReboot %d", reboot ? 1 : 0);
-        if (FAILED(result)) {
-            LumTrace().Error(SOURCE, __LINE__, L"ApplyDone() call FAILED");
-        }
-        keep(result);
-    }
+    keep(clientSet.Close());
     return firstFailure;
 }
 

@@ -57,28 +57,22 @@ void PutOptions(ProviderMethod& method, const Option<Record> (&options)[Size], c
 
 HRESULT CQuillet::GetAdapterPowerUsageOptions(const std::wstring& adapterId, CAdapterPowerUsageInfo& info) {
     const OperationTrace trace(L"GetAdapterPowerUsageOptions");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, L"(wsAdapterID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_METHOD_ETHERNETADAPTER_GETPWRUSAGE);
-    PropertyReader read = method.Exec(adapterId.c_str(), L"wsAdapterID").Read(L"pAdapter_OutParams");
+    PropertyReader read = method.Exec(adapterId, L"wsAdapterID").Read();
     LONG mode = CAdapterPowerUsageInfo::SavePower0;
     if (read.Long(L_PARAM_ETHERNETADAPTER_PWR_SAVEPWRENB, mode).Failed()) {
         return read.Result();
     }
     info.m_eSavePower = static_cast<CAdapterPowerUsageInfo::SavePower>(mode);
     ReadOptions(read, POWER_OPTIONS, info);
-    return ReadVerdict(read, L"GetAdapterPowerUsageOptions");
+    return SuccessOr(read.Verdict(L"GetAdapterPowerUsageOptions").Result());
 }
 
 HRESULT CQuillet::SetAdapterPowerUsageOptions(const std::wstring& adapterId,
                                               const CAdapterPowerUsageInfo& info) {
     const OperationTrace trace(L"SetAdapterPowerUsageOptions");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, L"(wsAdapterID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_CLASS_ZOREL_ETHERNETADAPTER, L_METHOD_ETHERNETADAPTER_SETPWRUSAGE);
     if (method.Spawn().Failed()) {
         return method.Result();
@@ -89,46 +83,38 @@ HRESULT CQuillet::SetAdapterPowerUsageOptions(const std::wstring& adapterId,
     }
     method.Put(L_PARAM_ETHERNETADAPTER_PWR_SAVEPWRENB, VariantOfLong(static_cast<LONG>(mode)));
     PutOptions(method, POWER_OPTIONS, info);
-    PropertyReader read = method.Exec(adapterId.c_str(), L"wsAdapterID").Read(L"pAdapter_OutParams");
-    return ReadVerdict(read, L"SetAdapterPowerUsageOptions");
+    PropertyReader read = method.Exec(adapterId, L"wsAdapterID").Read();
+    return SuccessOr(read.Verdict(L"SetAdapterPowerUsageOptions").Result());
 }
 
 HRESULT CQuillet::GetAdapterWakeOnLanOptions(const std::wstring& adapterId, CAdapterWakeOnLanInfo& info) {
     const OperationTrace trace(L"GetAdapterWakeOnLanOptions");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, L"(wsAdapterID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_METHOD_ETHERNETADAPTER_GETWAKEONLANUSAGE);
-    PropertyReader read = method.Exec(adapterId.c_str(), L"wsAdapterID").Read(L"pAdapter_OutParams");
+    PropertyReader read = method.Exec(adapterId, L"wsAdapterID").Read();
     ReadOptions(read, WAKE_OPTIONS, info);
-    return ReadVerdict(read, L"GetAdapterWakeOnLanOptions");
+    return SuccessOr(read.Verdict(L"GetAdapterWakeOnLanOptions").Result());
 }
 
 HRESULT CQuillet::SetAdapterWakeOnLanOptions(const std::wstring& adapterId,
                                              const CAdapterWakeOnLanInfo& info) {
     const OperationTrace trace(L"SetAdapterWakeOnLanOptions");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, L"(wsAdapterID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_CLASS_ZOREL_ETHERNETADAPTER, L_METHOD_ETHERNETADAPTER_SETWAKEONLANUSAGE);
     PutOptions(method.Spawn(), WAKE_OPTIONS, info);
-    PropertyReader read = method.Exec(adapterId.c_str(), L"wsAdapterID").Read(L"pAdapter_OutParams");
-    return ReadVerdict(read, L"SetAdapterWakeOnLanOptions");
+    PropertyReader read = method.Exec(adapterId, L"wsAdapterID").Read();
+    return SuccessOr(read.Verdict(L"SetAdapterWakeOnLanOptions").Result());
 }
 
 HRESULT CQuillet::SetAdapterPowerManagementCapabilities(const std::wstring& adapterId) {
     const OperationTrace trace(L"SetAdapterPowerManagementCapabilities");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, L"(wsAdapterID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_CLASS_ZOREL_ETHERNETADAPTER, L_METHOD_ETHERNETADAPTER_SETPOWERMGMTCAP);
     // The line names another method on purpose: whoever searches trace files knows it so.
-    PropertyReader read = method
-                              .Exec(adapterId.c_str(), L"wsAdapterID",
-                                    L"ExecMethod -> wsAdapterID, L_METHOD_ETHERNETADAPTER_SETWAKEONLANUSAGE")
-                              .Read(L"pAdapter_OutParams");
-    return ReadVerdict(read, L"SetAdapterPowerManagementCapabilities");
+    return SuccessOr(method
+                         .Exec(adapterId, L"wsAdapterID",
+                               L"ExecMethod -> wsAdapterID, L_METHOD_ETHERNETADAPTER_SETWAKEONLANUSAGE")
+                         .Read()
+                         .Verdict(L"SetAdapterPowerManagementCapabilities")
+                         .Result());
 }

@@ -80,38 +80,39 @@ void SetContextValue(IWbemContext* context, const wchar_t* name, _variant_t valu
 } // namespace
 
 HRESULT CQuillet::GetPropertyAsBool(IWbemClassObject* instance, const wchar_t* name, bool& value,
-                                    bool& isNull) {
-    return GetProperty(instance, name, value, isNull, L"GetPropertyAsBool -> pInstance == NULL");
+                                    bool& isNull, bool* isRead) {
+    return GetProperty(instance, name, value, isNull, isRead, L"GetPropertyAsBool -> pInstance == NULL");
 }
 
-HRESULT CQuillet::GetPropertyAsInt(IWbemClassObject* instance, const wchar_t* name, int& value,
-                                   bool& isNull) {
+HRESULT CQuillet::GetPropertyAsInt(IWbemClassObject* instance, const wchar_t* name, int& value, bool& isNull,
+                                   bool* isRead) {
     LONG number = value;
     const HRESULT result =
-        GetProperty(instance, name, number, isNull, L"GetPropertyAsInt -> pInstance == NULL");
+        GetProperty(instance, name, number, isNull, isRead, L"GetPropertyAsInt -> pInstance == NULL");
     value = static_cast<int>(number);
     return result;
 }
 
 HRESULT CQuillet::GetPropertyAsLong(IWbemClassObject* instance, const wchar_t* name, LONG& value,
-                                    bool& isNull) {
-    return GetProperty(instance, name, value, isNull, L"GetPropertyAsLong -> pInstance == NULL", true);
+                                    bool& isNull, bool* isRead) {
+    return GetProperty(instance, name, value, isNull, isRead, L"GetPropertyAsLong -> pInstance == NULL",
+                       true);
 }
 
 HRESULT CQuillet::GetPropertyAsUINT64(IWbemClassObject* instance, const wchar_t* name, ULONGLONG& value,
-                                      bool& isNull) {
+                                      bool& isNull, bool* isRead) {
     // The line names the other accessor on purpose: whoever searches trace files knows it so.
-    return GetProperty(instance, name, value, isNull, L"GetPropertyAsInt -> pInstance == NULL");
+    return GetProperty(instance, name, value, isNull, isRead, L"GetPropertyAsInt -> pInstance == NULL");
 }
 
 HRESULT CQuillet::GetPropertyAsString(IWbemClassObject* instance, const wchar_t* name, _bstr_t& value,
-                                      bool& isNull) {
-    return GetProperty(instance, name, value, isNull, L"GetPropertyAsString -> pInstance == NULL");
+                                      bool& isNull, bool* isRead) {
+    return GetProperty(instance, name, value, isNull, isRead, L"GetPropertyAsString -> pInstance == NULL");
 }
 
 HRESULT CQuillet::GetPropertyAsSecret(IWbemClassObject* instance, const wchar_t* name, std::wstring& value,
-                                      bool& isNull) {
-    return GetProperty<SecretVariant>(instance, name, value, isNull,
+                                      bool& isNull, bool* isRead) {
+    return GetProperty<SecretVariant>(instance, name, value, isNull, isRead,
                                       L"GetPropertyAsString -> pInstance == NULL");
 }
 
@@ -128,7 +129,7 @@ HRESULT CQuillet::GetPropertyArray(IWbemClassObject* instance, const wchar_t* na
 HRESULT CQuillet::WriteProperty(IWbemClassObject* instance, const wchar_t* name, VARIANT& value,
                                 const wchar_t* disconnected) {
     const ProviderSession session(*this, disconnected);
-    if (FAILED(session.Result())) {
+    if (session.Failed()) {
         return session.Result();
     }
     // These two lines name the text form for every type.

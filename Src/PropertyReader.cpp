@@ -2,6 +2,7 @@
 
 #include "GetProperty.h"
 #include "ResultCodes.h"
+#include "SafeArray.h"
 #include "Trace.h"
 
 using ATL::CComBSTR;
@@ -10,15 +11,14 @@ template <typename Value, typename Getter>
 PropertyReader& PropertyReader::Read(Getter getter, const wchar_t* accessor, const ProviderName& property,
                                      Value& value, const wchar_t* failure) {
     m_found = false;
+    m_isNull = false;
     if (Failed()) {
         return *this;
     }
-    bool isNull = false;
-    m_result = getter(m_instance, property.name, value, isNull);
-    m_found = SUCCEEDED(m_result) && !isNull;
+    m_result = getter(m_instance, property.name, value, m_isNull, &m_found);
     if (Failed()) {
         Trace(accessor, property, failure, L"");
-    } else if (isNull && m_onNull != OnNull::Keep) {
+    } else if (m_isNull && m_onNull != OnNull::Keep) {
         Trace(accessor, property, failure, L" -> NULL");
         if (m_onNull == OnNull::Fail) {
             m_result = RESULT_WBEM_FAILED;
@@ -31,8 +31,9 @@ PropertyReader& PropertyReader::String(const ProviderName& property, std::wstrin
                                        const wchar_t* failure) {
     // As GetPropertyAsString, but straight into the record: most of what is read is text.
     const auto getter = [](IWbemClassObject* instance, const wchar_t* name, std::wstring& target,
-                           bool& isNull) {
-        return GetProperty(instance, name, target, isNull, L"GetPropertyAsString -> pInstance == NULL");
+                           bool& isNull, bool* isRead) {
+        return GetProperty(instance, name, target, isNull, isRead,
+                           L"GetPropertyAsString -> pInstance == NULL");
     };
     return Read(getter, L"GetPropertyAsString", property, value, failure);
 }
@@ -61,7 +62,7 @@ PropertyReader& PropertyReader::UInt64(const ProviderName& property, ULONGLONG& 
 
 template <typename Element>
 PropertyReader& PropertyReader::ReadArray(const ProviderName& property, std::vector<Element>& values,
-                                          const wchar_t* failure, bool whole) {
+                                          Gaps gaps, const wchar_t* failure) {
     m_found = false;
     if (Failed()) {
         return *this;
@@ -69,7 +70,7 @@ PropertyReader& PropertyReader::ReadArray(const ProviderName& property, std::vec
     const std::size_t before = values.size();
     int count = 0;
     m_result = CQuillet::GetPropertyArray(m_instance, property.name, values, &count);
-    if (!Failed() && whole && values.size() - before != static_cast<std::size_t>(count)) {
+    if (!Failed() && gaps == Gaps::Fail && values.size() - before != static_cast<std::size_t>(count)) {
         m_result = E_FAIL;
     }
     m_found = SUCCEEDED(m_result);
@@ -79,24 +80,22 @@ PropertyReader& PropertyReader::ReadArray(const ProviderName& property, std::vec
     return *this;
 }
 
-PropertyReader& PropertyReader::Array(const ProviderName& property, std::vector<LONG>& values,
+PropertyReader& PropertyReader::Array(const ProviderName& property, std::vector<LONG>& values, Gaps gaps,
                                       const wchar_t* failure) {
-    return ReadArray(property, values, failure, false);
+    return ReadArray(property, values, gaps, failure);
 }
 
-PropertyReader& PropertyReader::Array(const ProviderName& property, std::vector<CComBSTR>& values,
+PropertyReader& PropertyReader::Array(const ProviderName& property, std::vector<CComBSTR>& values, Gaps gaps,
                                       const wchar_t* failure) {
-    return ReadArray(property, values, failure, false);
+    return ReadArray(property, values, gaps, failure);
 }
 
-PropertyReader& PropertyReader::WholeArray(const ProviderName& property, std::vector<LONG>& values,
-                                           const wchar_t* failure) {
-    return ReadArray(property, values, failure, true);
-}
-
-PropertyReader& PropertyReader::WholeArray(const ProviderName& property, std::vector<CComBSTR>& values,
-                                           const wchar_t* failure) {
-    return ReadArray(property, values, failure, true);
+PropertyReader& PropertyReader::Texts(const ProviderName& property, std::vector<std::wstring>& texts) {
+    std::vector<CComBSTR> elements;
+    if (Array(property, elements).Found()) {
+        texts = TextsOf(elements);
+    }
+    return *this;
 }
 
 PropertyReader& PropertyReader::Plain(const ProviderName& property, VARIANT& value, const wchar_t* step) {
@@ -106,6 +105,14 @@ PropertyReader& PropertyReader::Plain(const ProviderName& property, VARIANT& val
     m_result = m_instance ? m_instance->Get(property.name, 0, &value, nullptr, nullptr) : E_FAIL;
     if (Failed()) {
         TraceText(step, property.symbol);
+    }
+    return *this;
+}
+
+PropertyReader& PropertyReader::Verdict(const wchar_t* operation) {
+    LONG verdict = 0;
+    if (Long(L_METHOD_RETURN, verdict).Found() && verdict != 0) {
+        LumTrace().Print(L"%s -> ReturnValue %ld", operation, verdict);
     }
     return *this;
 }

@@ -30,9 +30,8 @@ class ProviderInstance {
     }
 
     /// A reader of the object's properties. @param variable what trace lines call the object.
-    PropertyReader Read(const wchar_t* variable,
-                        PropertyReader::OnNull onNull = PropertyReader::OnNull::Keep) const {
-        return PropertyReader(m_object, variable, onNull).After(m_result);
+    PropertyReader Read(const wchar_t* variable) const {
+        return PropertyReader(m_object, variable).After(m_result);
     }
 
   private:

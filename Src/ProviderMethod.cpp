@@ -101,19 +101,21 @@ ProviderMethod& ProviderMethod::ExecOnNetService(const wchar_t* failure) {
         return *this;
     }
     std::wstring path;
-    m_result = PropertyReader(netService, L"pZorelService", PropertyReader::OnNull::Fail)
+    m_result = PropertyReader(netService, L"pZorelService")
+                   .When(PropertyReader::OnNull::Fail)
                    .String(L_ZOREL_PATH, path)
                    .Result();
-    return Exec(path.c_str(), L"bstrObjectPath", failure);
+    return Exec(path, L"bstrObjectPath", failure);
 }
 
-ProviderMethod& ProviderMethod::Exec(const wchar_t* path, const wchar_t* variable, const wchar_t* failure) {
+ProviderMethod& ProviderMethod::Exec(const std::wstring& path, const wchar_t* variable,
+                                     const wchar_t* failure) {
     if (Failed()) {
         return *this;
     }
     CComPtr<IWbemCallResult> callResult;
-    m_result = m_session.Service()->ExecMethod(_bstr_t(path), _bstr_t(m_method.name), 0, m_session.Context(),
-                                               m_in, &m_out, &callResult);
+    m_result = m_session.Service()->ExecMethod(_bstr_t(path.c_str()), _bstr_t(m_method.name), 0,
+                                               m_session.Context(), m_in, &m_out, &callResult);
     if (Failed()) {
         if (failure) {
             TraceText(failure);
@@ -136,15 +138,4 @@ void ProviderMethod::Fail(HRESULT result, const wchar_t* text, const ProviderNam
                           const wchar_t* ending) {
     LumTrace().Print(L"%s%s%s", text, name.symbol, ending);
     m_result = result;
-}
-
-HRESULT ReadVerdict(PropertyReader& read, const wchar_t* operation) {
-    LONG verdict = 0;
-    if (read.Long(L_METHOD_RETURN, verdict).Failed()) {
-        return read.Result();
-    }
-    if (verdict != 0) {
-        LumTrace().Print(L"%s -> ReturnValue %ld", operation, verdict);
-    }
-    return S_OK;
 }

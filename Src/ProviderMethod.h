@@ -37,7 +37,8 @@ class ProviderMethod {
     ProviderMethod& ExecOnNetService(const wchar_t* failure = nullptr);
     /// Executes the method on an object.
     /// @param variable what trace lines call the path.
-    ProviderMethod& Exec(const wchar_t* path, const wchar_t* variable, const wchar_t* failure = nullptr);
+    ProviderMethod& Exec(const std::wstring& path, const wchar_t* variable = L"bstrObjectPath",
+                         const wchar_t* failure = nullptr);
 
     /// Ends the call with 0x80041001 when the method brought no out-parameters. @param failure its trace
     /// text.
@@ -48,8 +49,8 @@ class ProviderMethod {
     bool Failed() const { return FAILED(m_result); }
 
     /// A reader of the out-parameters. @param variable what trace lines call them.
-    PropertyReader Read(const wchar_t* variable, const wchar_t* prefix = L"") const {
-        return PropertyReader(m_out, variable, PropertyReader::OnNull::Keep, prefix).After(m_result);
+    PropertyReader Read(const wchar_t* variable = L"pAdapter_OutParams", const wchar_t* prefix = L"") const {
+        return PropertyReader(m_out, variable, prefix).After(m_result);
     }
 
   private:
@@ -64,7 +65,3 @@ class ProviderMethod {
     ATL::CComPtr<IWbemClassObject> m_out;
     HRESULT m_result = S_OK;
 };
-
-/// Reads "ReturnValue", the last thing that many operations read. One that is not 0 is for whoever reads the
-/// trace; it does not fail the operation. @return what the reader says, 0 for any success
-HRESULT ReadVerdict(PropertyReader& read, const wchar_t* operation);

@@ -1,54 +1,59 @@
 #include "ProviderSession.h"
 
-#include "Trace.h"
+ProviderSession::ProviderSession(CQuillet& quillet, const wchar_t* missing)
+    : ProviderSession(quillet, Refusal{false, nullptr}, missing) {}
 
-ProviderSession::ProviderSession(CQuillet& quillet, const wchar_t* missing) : m_quillet(quillet) {
+ProviderSession::ProviderSession(CQuillet& quillet, const Refusal& refusal, const wchar_t* missing)
+    : m_quillet(quillet) {
+    const auto fail = [this](HRESULT code, const wchar_t* text) {
+        TraceText(text);
+        m_result = code;
+    };
+    if (refusal.applies && !refusal.onceConnected) {
+        fail(refusal.code, refusal.text);
+        return;
+    }
     m_service.Attach(quillet.GetWbemService());
     m_context.Attach(quillet.GetContext());
-    if (FAILED(Result())) {
-        TraceText(missing);
+    if (!m_service || !m_context) {
+        fail(RESULT_WBEM_FAILED, missing);
+    } else if (refusal.applies) {
+        fail(refusal.code, refusal.text);
     }
 }
 
-namespace {
-
-/// The common end of what hands out an enumeration: success without an enumerator is a failure as well, for
-/// an empty list has one.
-HRESULT Check(HRESULT result, const ProviderEnum& instances, const wchar_t* failure) {
+/// Success without an enumerator is a failure as well, for an empty list has one.
+template <class Ask>
+ProviderEnum ProviderSession::Enumeration(const wchar_t* failure, Ask ask) const {
+    if (Failed()) {
+        return ProviderEnum(Result());
+    }
+    ATL::CComPtr<IEnumWbemClassObject> enumerator;
+    HRESULT result = ask(&enumerator);
     if (FAILED(result)) {
         TraceText(failure);
-        return result;
-    }
-    if (!instances) {
+    } else if (!enumerator) {
         TraceText(failure, L" -> NULL");
-        return RESULT_WBEM_FAILED;
+        result = RESULT_WBEM_FAILED;
     }
-    return result;
+    return ProviderEnum(result, enumerator);
 }
 
-} // namespace
-
-HRESULT ProviderSession::Query(const std::wstring& text, ProviderEnum& instances,
-                               const wchar_t* failure) const {
-    if (FAILED(Result())) {
-        return Result();
-    }
-    return Check(m_service->ExecQuery(_bstr_t(L"WQL"), _bstr_t(text.c_str()), 0, m_context, &instances),
-                 instances, failure);
+ProviderEnum ProviderSession::Query(const std::wstring& text, const wchar_t* failure) const {
+    return Enumeration(failure, [&](IEnumWbemClassObject** enumerator) {
+        return m_service->ExecQuery(_bstr_t(L"WQL"), _bstr_t(text.c_str()), 0, m_context, enumerator);
+    });
 }
 
-HRESULT ProviderSession::Enumerate(const ProviderName& className, ProviderEnum& instances,
-                                   const wchar_t* failure) const {
-    if (FAILED(Result())) {
-        return Result();
-    }
-    return Check(m_service->CreateInstanceEnum(_bstr_t(className.name), 0, m_context, &instances), instances,
-                 failure);
+ProviderEnum ProviderSession::Enumerate(const ProviderName& className, const wchar_t* failure) const {
+    return Enumeration(failure, [&](IEnumWbemClassObject** enumerator) {
+        return m_service->CreateInstanceEnum(_bstr_t(className.name), 0, m_context, enumerator);
+    });
 }
 
 HRESULT ProviderSession::Commit(IWbemClassObject* instance, const wchar_t* failure,
                                 const wchar_t* outcome) const {
-    if (FAILED(Result())) {
+    if (Failed()) {
         return Result();
     }
     const auto failed = [](HRESULT code, const wchar_t* text) {
@@ -73,7 +78,7 @@ HRESULT ProviderSession::Commit(IWbemClassObject* instance, const wchar_t* failu
 }
 
 HRESULT ProviderSession::Delete(const std::wstring& path, const wchar_t* failure) const {
-    if (FAILED(Result())) {
+    if (Failed()) {
         return Result();
     }
     const HRESULT result = m_service->DeleteInstance(_bstr_t(path.c_str()), 0, m_context, nullptr);

@@ -8,15 +8,42 @@
 
 #include <quillet/Quillet.h>
 
+#include <string>
+
+/// An argument with which an operation asks the provider nothing: most often an identifier that is empty.
+struct Refusal {
+    bool applies;
+    const wchar_t* text; ///< its trace text
+    HRESULT code = E_FAIL;
+    bool onceConnected = false; ///< a missing service or context comes before it
+
+    /// Teams and VLANs look for the connection first.
+    Refusal OnceConnected() const { return {applies, text, code, true}; }
+};
+
+inline Refusal NoAdapter(const std::wstring& id) {
+    return {id.empty(), L"(wsAdapterID.empty())"};
+}
+inline Refusal NoTeam(const std::wstring& id) {
+    return {id.empty(), L"(wsTeamID.empty())", RESULT_WBEM_FAILED};
+}
+inline Refusal NoVLAN(const std::wstring& id) {
+    return {id.empty(), L"(wsVLANID.empty())", RESULT_WBEM_FAILED};
+}
+
 class ProviderSession {
   public:
     /// Takes both; traces when either is missing.
     explicit ProviderSession(CQuillet& quillet, const wchar_t* missing = MISSING);
+    /// The same for an operation that may refuse. Whatever is done on a session that has failed does nothing,
+    /// so that an operation need not look at each step.
+    ProviderSession(CQuillet& quillet, const Refusal& refusal, const wchar_t* missing = MISSING);
     ProviderSession(const ProviderSession&) = delete;
     ProviderSession& operator=(const ProviderSession&) = delete;
 
-    /// 0, or 0x80041001 when the service or the context is missing.
-    HRESULT Result() const { return m_service && m_context ? S_OK : RESULT_WBEM_FAILED; }
+    /// 0; the code of a refusal; 0x80041001 when the service or the context is missing.
+    HRESULT Result() const { return m_result; }
+    bool Failed() const { return FAILED(m_result); }
     IWbemServices* Service() const { return m_service; }
     IWbemContext* Context() const { return m_context; }
     CQuillet& Quillet() const { return m_quillet; }
@@ -26,9 +53,9 @@ class ProviderSession {
     static constexpr LONG Everything = -1;
 
     /// Runs a WQL query with the thread's context. @param failure the trace text of a failed one.
-    HRESULT Query(const std::wstring& text, ProviderEnum& instances, const wchar_t* failure) const;
+    ProviderEnum Query(const std::wstring& text, const wchar_t* failure) const;
     /// Enumerates a class with the thread's context. @param failure the trace text of a failed one.
-    HRESULT Enumerate(const ProviderName& className, ProviderEnum& instances, const wchar_t* failure) const;
+    ProviderEnum Enumerate(const ProviderName& className, const wchar_t* failure) const;
 
     /// Writes a changed instance back and waits until the provider has done it: the result is the write's
     /// final status.
@@ -41,9 +68,13 @@ class ProviderSession {
   private:
     static constexpr const wchar_t* MISSING = L"((pIWbemService == NULL) || (pIWbemContext == NULL))";
 
+    template <class Ask>
+    ProviderEnum Enumeration(const wchar_t* failure, Ask ask) const;
+
     CQuillet& m_quillet;
     ATL::CComPtr<IWbemServices> m_service;
     ATL::CComPtr<IWbemContext> m_context;
+    HRESULT m_result = S_OK;
 };
 
 /// Partial retrieval for a while: what is asked for in between brings only the data of a mode.

@@ -12,27 +12,41 @@ using ATL::CComPtr;
 
 namespace {
 
-/// The texts of one qualifier; empty when the property does not have it.
-std::vector<std::wstring> TextsOf(IWbemQualifierSet* qualifiers, const wchar_t* name) {
-    std::vector<std::wstring> texts;
+/// The texts of one qualifier; empty when the property does not have it, or when it is no list.
+HRESULT ReadTexts(IWbemQualifierSet* qualifiers, const wchar_t* name, std::vector<std::wstring>& texts) {
+    const auto fail = [name](const wchar_t* step, HRESULT code) {
+        TraceText(step, name);
+        return code;
+    };
     _variant_t value;
-    if (FAILED(qualifiers->Get(name, 0, &value, nullptr))) {
-        return texts;
+    HRESULT result = qualifiers->Get(name, 0, &value, nullptr);
+    if (result == RESULT_WBEM_NOT_FOUND) {
+        return S_OK;
+    }
+    if (FAILED(result)) {
+        return fail(L"Get -> ", result);
     }
     SAFEARRAY* array = ArrayOf(value);
+    if (!array) {
+        return S_OK;
+    }
     LONG lower = 0;
     LONG upper = -1;
-    if (!array || FAILED(SafeArrayGetLBound(array, 1, &lower)) ||
-        FAILED(SafeArrayGetUBound(array, 1, &upper))) {
-        return texts;
+    result = SafeArrayGetLBound(array, 1, &lower);
+    if (FAILED(result)) {
+        return fail(L"SafeArrayGetLBound -> ", result);
+    }
+    result = SafeArrayGetUBound(array, 1, &upper);
+    if (FAILED(result)) {
+        return fail(L"SafeArrayGetUBound -> ", result);
     }
     for (LONGLONG index = lower; index <= upper; ++index) {
         CComBSTR element;
-        // A text that cannot be read keeps its place: the position is the code.
+        // A text that is none keeps its place: the position is the code.
         const bool read = SUCCEEDED(ReadElement(array, static_cast<LONG>(index), element));
         texts.push_back(read ? TextOf(element) : std::wstring());
     }
-    return texts;
+    return S_OK;
 }
 
 /// The text at a position, or an empty one.
@@ -42,11 +56,38 @@ std::wstring TextAt(const std::vector<std::wstring>& texts, LONGLONG position) {
                : std::wstring();
 }
 
+/// The text of a code: at the position of the code itself, or where the map has the code.
+HRESULT ReadDisplayText(CQuillet& quillet, const ProviderName& className, const ProviderName& property,
+                        LONG code, std::wstring& text, bool mapped) {
+    text.clear();
+    const ProviderSession session(quillet);
+    CComPtr<IWbemQualifierSet> qualifiers;
+    HRESULT result = PropertyQualifiers(session, className, property, qualifiers);
+    std::vector<std::wstring> codes;
+    if (SUCCEEDED(result) && mapped) {
+        result = ReadTexts(qualifiers, L"ValueMap", codes);
+    }
+    std::vector<std::wstring> texts;
+    if (SUCCEEDED(result)) {
+        result = ReadTexts(qualifiers, L"Values", texts);
+    }
+    if (FAILED(result)) {
+        return result;
+    }
+    LONGLONG position = code;
+    if (!codes.empty()) {
+        const auto found = std::find(codes.begin(), codes.end(), std::to_wstring(code));
+        position = found == codes.end() ? -1 : found - codes.begin();
+    }
+    text = TextAt(texts, position);
+    return result;
+}
+
 } // namespace
 
 HRESULT PropertyQualifiers(const ProviderSession& session, const ProviderName& className,
                            const ProviderName& property, CComPtr<IWbemQualifierSet>& qualifiers) {
-    if (FAILED(session.Result())) {
+    if (session.Failed()) {
         return session.Result();
     }
     CComPtr<IWbemClassObject> classObject;
@@ -75,32 +116,11 @@ HRESULT PropertyQualifiers(const ProviderSession& session, const ProviderName& c
 HRESULT CQuillet::GetDataFromValues(const ProviderName& className, const ProviderName& property, LONG code,
                                     std::wstring& text) {
     const OperationTrace trace(L"GetDataFromValues");
-    text.clear();
-    const ProviderSession session(*this);
-    CComPtr<IWbemQualifierSet> qualifiers;
-    const HRESULT result = PropertyQualifiers(session, className, property, qualifiers);
-    if (SUCCEEDED(result)) {
-        text = TextAt(TextsOf(qualifiers, L"Values"), code);
-    }
-    return result;
+    return ReadDisplayText(*this, className, property, code, text, false);
 }
 
 HRESULT CQuillet::GetDataFromValueMap(const ProviderName& className, const ProviderName& property, LONG code,
                                       std::wstring& text) {
     const OperationTrace trace(L"GetDataFromValueMap");
-    text.clear();
-    const ProviderSession session(*this);
-    CComPtr<IWbemQualifierSet> qualifiers;
-    const HRESULT result = PropertyQualifiers(session, className, property, qualifiers);
-    if (FAILED(result)) {
-        return result;
-    }
-    const std::vector<std::wstring> codes = TextsOf(qualifiers, L"ValueMap");
-    LONGLONG position = code;
-    if (!codes.empty()) {
-        const auto found = std::find(codes.begin(), codes.end(), std::to_wstring(code));
-        position = found == codes.end() ? -1 : found - codes.begin();
-    }
-    text = TextAt(TextsOf(qualifiers, L"Values"), position);
-    return result;
+    return ReadDisplayText(*this, className, property, code, text, true);
 }

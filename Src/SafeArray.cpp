@@ -17,10 +17,10 @@ HRESULT FetchElement(SAFEARRAY* array, LONG index, _variant_t& element) {
     if (FAILED(result)) {
         return result;
     }
-    if (type == VT_VARIANT) {
-        return SafeArrayGetElement(array, &index, static_cast<VARIANT*>(&element));
-    }
     switch (type) {
+    case VT_VARIANT:
+        result = SafeArrayGetElement(array, &index, static_cast<VARIANT*>(&element));
+        break;
     case VT_I1:
     case VT_UI1:
     case VT_I2:
@@ -39,11 +39,16 @@ HRESULT FetchElement(SAFEARRAY* array, LONG index, _variant_t& element) {
         if (SUCCEEDED(result)) {
             element.vt = type;
         }
-        return result;
+        break;
     default:
         // Objects and records have no place in a list of numbers or texts.
         return DISP_E_TYPEMISMATCH;
     }
+    if (result == E_OUTOFMEMORY) {
+        // No element without a value: to leave it out, or empty, would make another list of it.
+        _com_issue_error(result);
+    }
+    return result;
 }
 
 } // namespace

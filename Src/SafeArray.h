@@ -14,7 +14,8 @@ SAFEARRAY* ArrayOf(const VARIANT& value);
 
 /// Reads one element of a one-dimensional array into a number or a text. The element is fetched in the
 /// array's own type and then converted: an array of another type must not be copied into a LONG.
-/// DISP_E_TYPEMISMATCH when it cannot be converted, DISP_E_BADINDEX when the array has other dimensions.
+/// DISP_E_TYPEMISMATCH when it cannot be converted, DISP_E_BADINDEX when the array has other dimensions;
+/// raises _com_error(E_OUTOFMEMORY) for a text that cannot be allocated.
 HRESULT ReadElement(SAFEARRAY* array, LONG index, LONG& element);
 HRESULT ReadElement(SAFEARRAY* array, LONG index, ATL::CComBSTR& element);
 

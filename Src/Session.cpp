@@ -12,6 +12,8 @@
 #include "Trace.h"
 #include "VariantValue.h"
 
+#include <utility>
+
 using ATL::CComPtr;
 
 namespace {
@@ -19,6 +21,7 @@ namespace {
 constexpr const wchar_t* LOCAL_MACHINE = L"127.0.0.1";
 constexpr const wchar_t* NAMESPACE_ROOT = L"\\ROOT\\";
 constexpr const wchar_t* DEFAULT_NAMESPACE = L"MarloLUM2";
+constexpr const wchar_t* NO_SERVICE = L"GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))";
 
 } // namespace
 
@@ -122,12 +125,13 @@ HRESULT CQuillet::CreateNetServices() {
     if (!service) {
         return trace.Fail(RESULT_WBEM_FAILED, L"pIWbemService == NULL");
     }
-    ProviderEnum netServices;
+    CComPtr<IEnumWbemClassObject> enumerator;
     const HRESULT result =
-        service->CreateInstanceEnum(_bstr_t(L_CLASS_ZOREL_CORESERVICE.name), 0, nullptr, &netServices);
+        service->CreateInstanceEnum(_bstr_t(L_CLASS_ZOREL_CORESERVICE.name), 0, nullptr, &enumerator);
     if (FAILED(result)) {
         return trace.Fail(result, L"pIWbemService->CreateInstanceEnum");
     }
+    ProviderEnum netServices(result, enumerator);
     CComPtr<IWbemClassObject> last;
     CComPtr<IWbemClassObject> netService;
     while (netServices.Next(netService)) {
@@ -151,18 +155,43 @@ HRESULT CQuillet::CreateContext() {
 
 HRESULT CQuillet::MarshalInterface(IUnknown* pointer, REFIID iid, DWORD& cookie, const wchar_t* operation) {
     if (!m_pGIT) {
+        const auto fail = [operation](HRESULT code, const wchar_t* ending) {
+            LumTrace().Print(L"%s -> CoCreateInstance -> CLSID_StdGlobalInterfaceTable%s", operation, ending);
+            return code;
+        };
         const HRESULT result = CoCreateInstance(CLSID_StdGlobalInterfaceTable, nullptr, CLSCTX_INPROC_SERVER,
                                                 IID_IGlobalInterfaceTable, reinterpret_cast<void**>(&m_pGIT));
         if (FAILED(result)) {
-            LumTrace().Print(L"%s -> CoCreateInstance -> CLSID_StdGlobalInterfaceTable", operation);
-            return result;
+            return fail(result, L"");
         }
         if (!m_pGIT) {
-            LumTrace().Print(L"%s -> CoCreateInstance -> CLSID_StdGlobalInterfaceTable -> NULL", operation);
-            return E_FAIL;
+            return fail(E_FAIL, L" -> NULL");
         }
     }
     return m_pGIT->RegisterInterfaceInGlobal(pointer, iid, &cookie);
+}
+
+bool CQuillet::IsRegistered(DWORD cookie, const wchar_t* missing) const {
+    if (cookie == 0 || !m_pGIT) {
+        TraceText(missing);
+        return false;
+    }
+    return true;
+}
+
+HRESULT CQuillet::RevokeInterface(DWORD& cookie, const wchar_t* missing) {
+    return IsRegistered(cookie, missing) ? m_pGIT->RevokeInterfaceFromGlobal(std::exchange(cookie, 0))
+                                         : E_FAIL;
+}
+
+template <class Interface>
+CComPtr<Interface> CQuillet::FetchInterface(DWORD cookie, REFIID iid, const wchar_t* missing) {
+    CComPtr<Interface> fetched;
+    if (IsRegistered(cookie, missing) &&
+        FAILED(m_pGIT->GetInterfaceFromGlobal(cookie, iid, reinterpret_cast<void**>(&fetched)))) {
+        fetched.Release();
+    }
+    return fetched;
 }
 
 HRESULT CQuillet::MarshalWbemService(IWbemServices* service) {
@@ -177,19 +206,9 @@ HRESULT CQuillet::MarshalNetService(IWbemClassObject* netService) {
     return MarshalInterface(netService, IID_IWbemClassObject, m_dwNetService, L"MarshalNetService");
 }
 
-HRESULT CQuillet::RevokeInterface(DWORD& cookie, const wchar_t* failure) {
-    if (cookie == 0 || !m_pGIT) {
-        TraceText(failure);
-        return E_FAIL;
-    }
-    const HRESULT result = m_pGIT->RevokeInterfaceFromGlobal(cookie);
-    cookie = 0;
-    return result;
-}
-
 HRESULT CQuillet::RevokeWbemService() {
     // The getter's text, on purpose: both say that there is no service.
-    return RevokeInterface(m_dwService, L"GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))");
+    return RevokeInterface(m_dwService, NO_SERVICE);
 }
 
 HRESULT CQuillet::RevokeWbemContext() {
@@ -202,18 +221,10 @@ HRESULT CQuillet::RevokeNetService() {
 }
 
 IWbemServices* CQuillet::GetWbemService() {
-    if (m_dwService == 0 || !m_pGIT) {
-        TraceText(L"GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))");
-        return nullptr;
-    }
-    CComPtr<IWbemServices> service;
-    if (FAILED(m_pGIT->GetInterfaceFromGlobal(m_dwService, IID_IWbemServices,
-                                              reinterpret_cast<void**>(&service))) ||
-        !service) {
-        return nullptr;
-    }
+    CComPtr<IWbemServices> service =
+        FetchInterface<IWbemServices>(m_dwService, IID_IWbemServices, NO_SERVICE);
     // Each retrieval is a proxy of its own, and a proxy starts without this client's security.
-    if (FAILED(SetProxyBlanket(service))) {
+    if (service && FAILED(SetProxyBlanket(service))) {
         TraceText(L"Could not set proxy blanket.");
         return nullptr;
     }
@@ -221,34 +232,21 @@ IWbemServices* CQuillet::GetWbemService() {
 }
 
 IWbemContext* CQuillet::GetContext() {
-    if (m_dwContext == 0 || !m_pGIT) {
-        TraceText(L"GetContext -> ((0 == m_dwContext) || (m_pGIT == NULL))");
-        return nullptr;
+    CComPtr<IWbemContext> context = FetchInterface<IWbemContext>(
+        m_dwContext, IID_IWbemContext, L"GetContext -> ((0 == m_dwContext) || (m_pGIT == NULL))");
+    if (context) {
+        _variant_t clientSet = VariantOfLong(m_lClientSetId);
+        // A fixed text; there is no code behind it.
+        TraceText(L"dwErrorCode: %l");
+        context->SetValue(CONTEXT_CLIENT_SET_ID, 0, &clientSet);
     }
-    CComPtr<IWbemContext> context;
-    if (FAILED(m_pGIT->GetInterfaceFromGlobal(m_dwContext, IID_IWbemContext,
-                                              reinterpret_cast<void**>(&context))) ||
-        !context) {
-        return nullptr;
-    }
-    _variant_t clientSet = VariantOfLong(m_lClientSetId);
-    // A fixed text; there is no code behind it.
-    TraceText(L"dwErrorCode: %l");
-    context->SetValue(CONTEXT_CLIENT_SET_ID, 0, &clientSet);
     return context.Detach();
 }
 
 IWbemClassObject* CQuillet::GetNetService() {
-    if (m_dwNetService == 0 || !m_pGIT) {
-        TraceText(L"GetNetService -> ((0 == m_dwNetService) || (m_pGIT == NULL))");
-        return nullptr;
-    }
-    CComPtr<IWbemClassObject> netService;
-    if (FAILED(m_pGIT->GetInterfaceFromGlobal(m_dwNetService, IID_IWbemClassObject,
-                                              reinterpret_cast<void**>(&netService)))) {
-        return nullptr;
-    }
-    return netService.Detach();
+    return FetchInterface<IWbemClassObject>(m_dwNetService, IID_IWbemClassObject,
+                                            L"GetNetService -> ((0 == m_dwNetService) || (m_pGIT == NULL))")
+        .Detach();
 }
 
 void CQuillet::AddNameSpace(const std::wstring& relativePath, std::wstring& fullPath) {

@@ -2,10 +2,10 @@
 // of the members does to it.
 #include <quillet/Quillet.h>
 
-#include "Lum2InstUtility.h"
+#include "AdapterIds.h"
 #include "ObjectIds.h"
+#include "OwnedSetting.h"
 #include "ProviderSession.h"
-#include "Trace.h"
 
 #include <algorithm>
 
@@ -22,24 +22,6 @@ namespace {
 /// What the counts of IsTeamCapableOfAdvancedSetting carry instead of the number of capable members.
 constexpr LONG NOT_ON_EVERY_MEMBER = 2;
 constexpr LONG THIRD_PARTY_MEMBER = 3;
-
-std::vector<std::wstring> IdsOf(const CTeamedAdapters& members) {
-    std::vector<std::wstring> ids;
-    for (const CTeamedAdapter* member : members.m_vecItems) {
-        if (member) {
-            ids.push_back(member->m_wsAdapterID);
-        }
-    }
-    return ids;
-}
-
-/// The object identifier of the owner of a setting, from the setting's path; empty when it does not tell.
-std::wstring OwnerOf(const CSetting& setting) {
-    CLumWmiAutoParsedObjectPath path;
-    const std::wstring* owner =
-        path.Parse(setting.m_wsPath.c_str()) == 0 ? path.FindKey(L"ParentId") : nullptr;
-    return owner ? *owner : std::wstring();
-}
 
 template <class Member>
 LONG Count(const std::vector<Member>& members, bool Member::*what) {
@@ -185,7 +167,7 @@ HRESULT CQuillet::JumboFramePrecheckSetSetting(const std::wstring& adapterId, bo
     }
     CSettings settings;
     bool onAll = false;
-    result = GetJumboFrameSettings(IdsOf(members), settings, onAll);
+    result = GetJumboFrameSettings(AdapterIds(members), settings, onAll);
     if (FAILED(result)) {
         return trace.Fail(result, L"GetJumboFrameSettings Fail");
     }
@@ -203,21 +185,18 @@ HRESULT CQuillet::ReadSettingOfMembers(const std::vector<std::wstring>& adapterI
         members.push_back(std::move(member));
     }
     // All at once: each query walks the settings of the whole machine.
-    CSettings settings;
+    std::vector<OwnedSetting> settings;
     bool onAll = false;
-    const HRESULT result = GetSettingOnTeamOrAdapter(adapterIds, settings, onAll, name);
+    const HRESULT result = FindSettings(adapterIds, name, settings, onAll);
     if (FAILED(result)) {
         return result;
     }
     for (MemberSetting& member : members) {
-        std::wstring objectId;
-        if (!ObjectIdFromPath(ObjectKind::Ethernet, member.adapterId, objectId)) {
-            objectId = member.adapterId;
-        }
-        for (const CSetting* setting : settings.m_vecItems) {
-            if (OwnerOf(*setting) == objectId) {
+        const std::wstring parentId = ParentIdOf(member.adapterId);
+        for (const OwnedSetting& each : settings) {
+            if (IsSameObjectId(each.parentId, parentId)) {
                 member.carries = true;
-                member.enabled = member.enabled || static_cast<const CSettingEnum*>(setting)->IsEnabled();
+                member.enabled = member.enabled || each.setting->IsEnabled();
             }
         }
     }
@@ -236,7 +215,7 @@ bool CQuillet::IsTeamCapableOfAdvancedSetting(const std::vector<std::wstring>& a
 bool CQuillet::IsOldTeamCapableOfSetting(const CTeamedAdapters& members, const SettingName& name) {
     const OperationTrace trace(L"IsOldTeamCapableOfSetting");
     std::vector<MemberSetting> read;
-    return SUCCEEDED(ReadSettingOfMembers(IdsOf(members), name, read)) && IsOldTeamCapable(read);
+    return SUCCEEDED(ReadSettingOfMembers(AdapterIds(members), name, read)) && IsOldTeamCapable(read);
 }
 
 HRESULT CQuillet::RSS_PrecheckOnTeamModify(const CTeamedAdapters& currentMembers,
@@ -244,7 +223,7 @@ HRESULT CQuillet::RSS_PrecheckOnTeamModify(const CTeamedAdapters& currentMembers
     const OperationTrace trace(L"RSS_PrecheckOnTeamModify");
     warnings = RssWarningNone;
     // Without a connection every adapter would look like another maker's.
-    if (const ProviderSession session(*this); FAILED(session.Result())) {
+    if (const ProviderSession session(*this); session.Failed()) {
         return session.Result();
     }
     if (!IsScalableNetworkingPackInstalled(wantedAdapters)) {
@@ -255,12 +234,12 @@ HRESULT CQuillet::RSS_PrecheckOnTeamModify(const CTeamedAdapters& currentMembers
     if (added.empty()) {
         return trace.Fail(S_OK, L"RSS_PrecheckOnTeamModify -> The user is only removing an adapter(s).");
     }
-    if (wantedAdapters.m_vecItems.size() == 1) {
+    if (AdapterIds(wantedAdapters).size() == 1) {
         return trace.Fail(
             S_OK, L"RSS_PrecheckOnTeamModify -> The new Team only contains 1 adapter, returning success");
     }
 
-    std::vector<std::wstring> ids = IdsOf(currentMembers);
+    std::vector<std::wstring> ids = AdapterIds(currentMembers);
     const auto oldCount = static_cast<std::ptrdiff_t>(ids.size());
     ids.insert(ids.end(), added.begin(), added.end());
     std::vector<MemberSetting> all;
@@ -273,11 +252,6 @@ HRESULT CQuillet::RSS_PrecheckOnTeamModify(const CTeamedAdapters& currentMembers
     const auto any = [](const std::vector<MemberSetting>& members, auto test) {
         return std::any_of(members.begin(), members.end(), test);
     };
-    const auto isWanted = [&](const MemberSetting& member) {
-        return std::any_of(
-            wantedAdapters.m_vecItems.begin(), wantedAdapters.m_vecItems.end(),
-            [&](const CAdapter* adapter) { return adapter && adapter->m_wsAdapterID == member.adapterId; });
-    };
     RssChange change{};
     change.oldEnabled = !oldTeam.empty() && !any(oldTeam, [](const auto& member) { return !member.enabled; });
     change.oldThirdParty = any(oldTeam, [](const auto& member) { return member.thirdParty; });
@@ -287,7 +261,9 @@ HRESULT CQuillet::RSS_PrecheckOnTeamModify(const CTeamedAdapters& currentMembers
     change.disabledAdded =
         any(newcomers, [](const auto& member) { return member.carries && !member.enabled; });
     change.enabledAdded = any(newcomers, [](const auto& member) { return member.enabled; });
-    change.newEnabled = !any(all, [&](const auto& member) { return isWanted(member) && !member.enabled; });
+    change.newEnabled = !any(all, [&](const auto& member) {
+        return HasAdapter(wantedAdapters, member.adapterId) && !member.enabled;
+    });
     warnings = Judge(change);
     return S_OK;
 }

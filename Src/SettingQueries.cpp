@@ -1,17 +1,14 @@
 // Finding the advanced settings of an adapter, team, VLAN or boot agent.
 #include <quillet/Quillet.h>
 
-#include "AddRecord.h"
 #include "Lum2InstUtility.h"
+#include "MakeRecord.h"
 #include "ObjectIds.h"
+#include "OwnedSetting.h"
 #include "ProviderInstance.h"
-#include "Trace.h"
 #include "Wql.h"
 
 #include <algorithm>
-#include <memory>
-#include <new>
-#include <set>
 
 using ATL::CComPtr;
 
@@ -21,32 +18,33 @@ namespace {
 constexpr DWORD ALL_SETTINGS = 0xFFFFFFFF;
 constexpr DWORD VMQ_SETTINGS = 256;
 
-/// Makes an empty setting of one kind; null without memory.
-using MakeSetting = std::unique_ptr<CSetting> (*)();
+constexpr const wchar_t* NO_SETTING = L"pSetting == NULL";
+constexpr const wchar_t* SETTINGS_BROKE_OFF = L"pEnumSettings -> Next";
 
-template <typename Setting>
-std::unique_ptr<CSetting> Make() {
-    return std::unique_ptr<CSetting>(new (std::nothrow) Setting);
+bool Contains(const std::vector<std::wstring>& objectIds, const std::wstring& objectId) {
+    return std::any_of(objectIds.begin(), objectIds.end(),
+                       [&](const std::wstring& each) { return IsSameObjectId(each, objectId); });
 }
 
-/// The kind of a setting by its class name; null for a name that holds none of the words. The order decides
-/// for one that holds two.
-MakeSetting KindOfClass(const std::wstring& className) {
-    struct Kind {
-        const wchar_t* word;
-        MakeSetting make;
-    };
-    static constexpr Kind kinds[] = {
-        {L"Int", Make<CSettingInt>},       {L"MultiString", Make<CSettingMultiString>},
-        {L"String", Make<CSettingString>}, {L"Enum", Make<CSettingEnum>},
-        {L"Slider", Make<CSettingSlider>}, {L"Multi", Make<CSettingMultiSelection>},
-    };
-    for (const Kind& kind : kinds) {
-        if (className.find(kind.word) != std::wstring::npos) {
-            return kind.make;
-        }
+void AddOnce(std::vector<std::wstring>& objectIds, const std::wstring& objectId) {
+    if (!Contains(objectIds, objectId)) {
+        objectIds.push_back(objectId);
     }
-    return nullptr;
+}
+
+/// Reads a setting of one kind and appends it. @param readerName what trace lines call the reader.
+template <class Setting>
+HRESULT Append(IWbemClassObject* instance, const std::wstring& path, CSettings& settings,
+               HRESULT (*reader)(IWbemClassObject*, Setting*), const wchar_t* readerName) {
+    return AppendRecord<Setting>(settings, NO_SETTING, [&](Setting& setting) {
+        const HRESULT result = reader(instance, &setting);
+        if (FAILED(result)) {
+            TraceText(readerName);
+            return result;
+        }
+        setting.m_wsPath = path;
+        return S_OK;
+    });
 }
 
 } // namespace
@@ -58,55 +56,21 @@ struct CQuillet::SettingOwner {
     const wchar_t* emptyId;
 };
 
-HRESULT CQuillet::ReadSetting(IWbemClassObject* instance, CSetting* setting, const wchar_t*& reader) {
-    switch (setting->GetSettingType()) {
-    case CSetting::SettingTypeInt:
-        reader = L"GetIntSetting";
-        return GetIntSetting(instance, static_cast<CSettingInt*>(setting));
-    case CSetting::SettingTypeEnum:
-        reader = L"GetEnumSetting";
-        return GetEnumSetting(instance, static_cast<CSettingEnum*>(setting));
-    case CSetting::SettingTypeSlider:
-        reader = L"GetSliderSetting";
-        return GetSliderSetting(instance, static_cast<CSettingSlider*>(setting));
-    case CSetting::SettingTypeString:
-        reader = L"GetStringSetting";
-        return GetStringSetting(instance, static_cast<CSettingString*>(setting));
-    case CSetting::SettingTypeMultiSelection:
-        reader = L"GetMultiSetting";
-        return GetMultiSetting(instance, static_cast<CSettingMultiSelection*>(setting));
-    case CSetting::SettingTypeMultiString:
-        reader = L"GetMultiStringSetting";
-        return GetMultiStringSetting(instance, static_cast<CSettingMultiString*>(setting));
-    }
-    reader = L"GetSetting";
-    return E_FAIL;
-}
-
 HRESULT CQuillet::GetSettingFromClassOnAdapter(const _bstr_t& className, const _bstr_t& parentId,
                                                const _bstr_t& caption, CSettings& settings, DWORD selector) {
     const OperationTrace trace(L"GetSettingFromClassOnAdapter");
-    if (className.length() == 0 || parentId.length() == 0) {
-        return trace.Fail(E_FAIL, L"FillSettings -> Parameter Invalid");
-    }
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
+    const ProviderSession session(
+        *this, {className.length() == 0 || parentId.length() == 0, L"FillSettings -> Parameter Invalid"});
+    if (session.Failed()) {
         return session.Result();
     }
     session.Retrieve(static_cast<LONG>(selector));
     const std::wstring query = Wql::Settings(className, static_cast<const wchar_t*>(parentId),
                                              caption.length() ? static_cast<const wchar_t*>(caption) : L"");
     TraceText(query.c_str());
-    ProviderEnum instances;
-    HRESULT result = session.Query(query, instances, L"Failed ExecQuery:");
-    CComPtr<IWbemClassObject> instance;
-    while (SUCCEEDED(result) && instances.Next(instance)) {
-        result = AppendSetting(instance, settings);
-    }
-    if (FAILED(result)) {
-        return result;
-    }
-    return FAILED(instances.Result()) ? trace.Fail(instances.Result(), L"pEnumSettings -> Next") : S_OK;
+    return session.Query(query, L"Failed ExecQuery:")
+        .ForEach(SETTINGS_BROKE_OFF,
+                 [&](IWbemClassObject* instance) { return AppendSetting(instance, settings); });
 }
 
 HRESULT CQuillet::AppendSetting(IWbemClassObject* instance, CSettings& settings) {
@@ -116,25 +80,28 @@ HRESULT CQuillet::AppendSetting(IWbemClassObject* instance, CSettings& settings)
     if (read.String(L_ZOREL_CLASS, className).String(L_ZOREL_PATH, path).Failed()) {
         return read.Result();
     }
-    const MakeSetting make = KindOfClass(className);
-    if (!make) {
-        // A kind that a later provider knows must not hide the settings that are known.
-        LumTrace().Print(L"PROBLEM%s", className.c_str());
-        return S_OK;
+    // The order decides for a name that holds two of the words.
+    const auto isA = [&](const wchar_t* word) { return className.find(word) != std::wstring::npos; };
+    if (isA(L"Int")) {
+        return Append(instance, path, settings, GetIntSetting, L"GetIntSetting");
     }
-    std::unique_ptr<CSetting> setting = make();
-    if (!setting) {
-        TraceText(L"pSetting == NULL");
-        return E_FAIL;
+    if (isA(L"MultiString")) {
+        return Append(instance, path, settings, GetMultiStringSetting, L"GetMultiStringSetting");
     }
-    const wchar_t* reader = nullptr;
-    const HRESULT result = ReadSetting(instance, setting.get(), reader);
-    if (FAILED(result)) {
-        TraceText(reader);
-        return result;
+    if (isA(L"String")) {
+        return Append(instance, path, settings, GetStringSetting, L"GetStringSetting");
     }
-    setting->m_wsPath = std::move(path);
-    AddRecord(settings, std::move(setting));
+    if (isA(L"Enum")) {
+        return Append(instance, path, settings, GetEnumSetting, L"GetEnumSetting");
+    }
+    if (isA(L"Slider")) {
+        return Append(instance, path, settings, GetSliderSetting, L"GetSliderSetting");
+    }
+    if (isA(L"Multi")) {
+        return Append(instance, path, settings, GetMultiSetting, L"GetMultiSetting");
+    }
+    // A kind that a later provider knows must not hide the settings that are known.
+    LumTrace().Print(L"PROBLEM%s", className.c_str());
     return S_OK;
 }
 
@@ -165,7 +132,7 @@ HRESULT CQuillet::GetSettingsOfOwner(const SettingOwner& owner, const std::wstri
 
 HRESULT CQuillet::GetAdapterSettings(const std::wstring& adapterId, CSettings& settings, DWORD selector) {
     const OperationTrace trace(L"GetAdapterSettings");
-    return GetSettingsOfOwner({L_CLASS_ZOREL_ADAPTER_SETTING, ObjectKind::Ethernet, L"(wsAdapterID.empty())"},
+    return GetSettingsOfOwner({L_CLASS_ZOREL_ADAPTER_SETTING, ObjectKind::Adapter, L"(wsAdapterID.empty())"},
                               adapterId, settings, selector);
 }
 
@@ -193,8 +160,8 @@ HRESULT CQuillet::GetVlanSettings(const std::wstring& vlanId, CSettings& setting
 HRESULT CQuillet::GetBootAgentSettings(const std::wstring& bootAgentId, CSettings& settings) {
     const OperationTrace trace(L"GetBootAgentSettings");
     return GetSettingsOfOwner(
-        {L_CLASS_ZOREL_BOOTAGENT_SETTING, ObjectKind::Ethernet, L"(wsBootAgentID.empty())"}, bootAgentId,
-        settings, ALL_SETTINGS);
+        {L_CLASS_ZOREL_BOOTAGENT_SETTING, ObjectKind::AdapterOrBootAgent, L"(wsBootAgentID.empty())"},
+        bootAgentId, settings, ALL_SETTINGS);
 }
 
 HRESULT CQuillet::GetSpeedDuplexSetting(const std::wstring& adapterId, CSettingEnum& setting,
@@ -214,7 +181,7 @@ HRESULT CQuillet::GetSpeedDuplexSetting(const std::wstring& adapterId, CSettingE
         return trace.Fail(E_FAIL, L"GetSpeedDuplexSetting() - setting name is invalid.");
     }
     std::wstring objectId;
-    if (!ObjectIdFromPath(ObjectKind::Ethernet, adapterId, objectId)) {
+    if (!ObjectIdFromPath(ObjectKind::Adapter, adapterId, objectId)) {
         return trace.Fail(E_FAIL, L"GetSpeedDuplexSetting() - unable to get the device's guid.");
     }
     CSettings found;
@@ -252,7 +219,7 @@ HRESULT CQuillet::GetAdapterSettingAsync(const CLumString& adapterId, CSetting* 
     }
     const ProviderSession session(*this,
                                   L"GetAdapterSettingAsync() - IWbemServices or IWbemContext is invalid");
-    if (FAILED(session.Result())) {
+    if (session.Failed()) {
         return session.Result();
     }
     CLumString path(L"");
@@ -275,55 +242,65 @@ HRESULT CQuillet::GetAdapterSettingAsync(const CLumString& adapterId, CSetting* 
     return GetEnumSetting(instance, static_cast<CSettingEnum*>(setting));
 }
 
-HRESULT CQuillet::GetSettingOnTeamOrAdapter(const std::vector<std::wstring>& adapterIds, CSettings& settings,
-                                            bool& onAll, SettingName name) {
+HRESULT CQuillet::FindSettings(const std::vector<std::wstring>& adapterIds, SettingName name,
+                               std::vector<OwnedSetting>& found, bool& onAll) {
     const OperationTrace trace(L"GetSettingOnTeamOrAdapter");
     onAll = false;
     const ProviderSession session(*this);
-    ProviderEnum instances;
-    HRESULT result = session.Enumerate(L_CLASS_ZOREL_ADAPTER_SETTING_ENUM, instances,
-                                       L"CreateInstanceEnum -> L_CLASS_ZOREL_ADAPTER_SETTING_ENUM");
-    if (FAILED(result)) {
-        return result;
+    ProviderEnum instances = session.Enumerate(L_CLASS_ZOREL_ADAPTER_SETTING_ENUM,
+                                               L"CreateInstanceEnum -> L_CLASS_ZOREL_ADAPTER_SETTING_ENUM");
+    if (instances.Failed()) {
+        return instances.Result();
     }
-    std::set<std::wstring> parents;
+    std::vector<std::wstring> parents;
     for (const std::wstring& adapterId : adapterIds) {
-        std::wstring objectId;
-        parents.insert(ObjectIdFromPath(ObjectKind::Ethernet, adapterId, objectId) ? objectId : adapterId);
+        AddOnce(parents, ParentIdOf(adapterId));
     }
 
     // The first pass only looks at the owners: reading a setting whole costs ten properties, and on a machine
     // with many adapters most instances belong to others.
     TraceText(L"Pass 1");
     std::vector<std::pair<std::wstring, CComPtr<IWbemClassObject>>> owned;
-    CComPtr<IWbemClassObject> instance;
-    while (instances.Next(instance)) {
+    HRESULT result = instances.ForEach(SETTINGS_BROKE_OFF, [&](IWbemClassObject* instance) {
         std::wstring parent;
         PropertyReader read(instance, L"pIWbemSetting");
-        if (read.String(L_PROP_SETTING_PARENT_ID, parent).Failed()) {
-            return read.Result();
-        }
-        if (parents.count(parent) != 0) {
+        read.String(L_PROP_SETTING_PARENT_ID, parent);
+        if (!read.Failed() && Contains(parents, parent)) {
             owned.emplace_back(parent, instance);
         }
-    }
-    if (FAILED(instances.Result())) {
-        return trace.Fail(instances.Result(), L"pEnumSettings -> Next");
+        return read.Result();
+    });
+    if (FAILED(result)) {
+        return result;
     }
     TraceText(L"Pass count");
     const CAdvancedSettingNames names;
-    std::set<std::wstring> carriers;
+    std::vector<std::wstring> carriers;
     for (const auto& [parent, object] : owned) {
-        auto setting = std::make_unique<CSettingEnum>();
+        std::unique_ptr<CSettingEnum> setting = MakeRecord<CSettingEnum>(NO_SETTING);
+        if (!setting) {
+            return E_FAIL;
+        }
         result = GetEnumSetting(object, setting.get());
         if (FAILED(result)) {
             return trace.Fail(result, L"GetEnumSetting");
         }
         if (names.IsSettingName(name, setting->m_wsCaption)) {
-            carriers.insert(parent);
-            AddRecord(settings, std::move(setting));
+            AddOnce(carriers, parent);
+            found.push_back({parent, std::move(setting)});
         }
     }
     onAll = carriers.size() == parents.size();
     return S_OK;
+}
+
+HRESULT CQuillet::GetSettingOnTeamOrAdapter(const std::vector<std::wstring>& adapterIds, CSettings& settings,
+                                            bool& onAll, SettingName name) {
+    std::vector<OwnedSetting> found;
+    HRESULT result = FindSettings(adapterIds, name, found, onAll);
+    for (OwnedSetting& each : found) {
+        const HRESULT added = AddRecord(settings, std::move(each.setting), NO_SETTING);
+        result = SUCCEEDED(result) ? added : result;
+    }
+    return result;
 }

@@ -9,10 +9,7 @@
 
 HRESULT CQuillet::SetSetting(const std::wstring& settingId, const CSetting& setting) {
     const OperationTrace trace(L"SetSetting");
-    if (settingId.empty()) {
-        return trace.Fail(E_FAIL, L"(wsSettingID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, {settingId.empty(), L"(wsSettingID.empty())"});
     const ProviderInstance instance(session, settingId, L"GetObject -> wsSettingID");
     if (instance.Failed()) {
         return instance.Result();
@@ -81,7 +78,7 @@ HRESULT CQuillet::ValidateSetSetting(const std::wstring& adapterId, bool& isTeam
     return method.Put(L_PARAM_TEAMOFADAPTERS_VALIDATESETTING_ADAPTERID, VariantOfText(adapterId))
         .Put(L_PARAM_TEAMOFADAPTERS_VALIDATESETTING_SETTINGNAME, VariantOfText(settingName))
         .Put(L_PARAM_TEAMOFADAPTERS_VALIDATESETTING_SETTINGVALUE, VariantOfLong(value))
-        .Exec(teamId.c_str(), L"wsTeamID")
+        .Exec(teamId, L"wsTeamID")
         .Read(L"pWbemClassObject_OutParams")
         // The line names the accessor of 32-bit numbers although the mask has 64.
         .UInt64(L_PARAM_TEAMOFADAPTERS_VALIDATESETTING_RESULT, warnings,
@@ -94,11 +91,8 @@ HRESULT CQuillet::ValidateSetSettingOnVlan(const std::wstring& vlanId, const std
                                            LONG value, ULONGLONG& warnings) {
     const OperationTrace trace(L"ValidateSetSettingOnVlan");
     warnings = 0;
-    if (vlanId.empty()) {
-        return trace.Fail(E_FAIL, L"(wsAdapterID.empty())"); // the line says so of a VLAN on purpose
-    }
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
+    const ProviderSession session(*this, NoAdapter(vlanId)); // the line says so of a VLAN on purpose
+    if (session.Failed()) {
         return session.Result();
     }
     // Callers have the path of a VLAN at hand as often as its object identifier, and a path they were given
@@ -113,7 +107,7 @@ HRESULT CQuillet::ValidateSetSettingOnVlan(const std::wstring& vlanId, const std
     ProviderMethod method(session, L_CLASS_ZOREL_VLAN, L_METHOD_VLAN_VALIDATESETTING);
     return method.Put(L_PARAM_VLAN_VALIDATESETTING_SETTINGNAME, VariantOfText(settingName))
         .Put(L_PARAM_VLAN_VALIDATESETTING_SETTINGVALUE, VariantOfLong(value))
-        .Exec(path.c_str(), L"wsVlanID")
+        .Exec(path, L"wsVlanID")
         .NeedAnswer(L"Outparam of method is NULL")
         .Read(L"pWbemClassObject_OutParams")
         .UInt64(L_PARAM_VLAN_VALIDATESETTING_RESULT, warnings)

@@ -12,6 +12,8 @@
 
 namespace {
 
+using OnNull = PropertyReader::OnNull;
+
 /// What is checked.
 enum CheckKind : int { NameOnly = 0, MembersOnly = 1, MembersOnlyToo = 2, NameAndMembers = 3 };
 
@@ -174,10 +176,7 @@ ULONGLONG CQuillet::CreateTeamCheck(CTeam::TeamMode mode, const std::wstring& na
 HRESULT CQuillet::CreateTeam(CTeam::TeamMode mode, const std::wstring& name, const CAdapters& members,
                              CTeam& team, ePERFORMANCE_PROFILE profile, bool mfoEnable, bool linkSecEnable) {
     const OperationTrace trace(L"CreateTeam");
-    if (name.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsTeamName.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, {name.empty(), L"(wsTeamName.empty())", RESULT_WBEM_FAILED});
     ProviderMethod method(session, L_CLASS_ZOREL_TEAMOFADAPTERS, L_METHOD_TEAMOFADAPTERS_CREATETEAM);
     method.Put(L_PARAM_TEAM_ADAPTERS, AdapterIds(members))
         .Put(L_PARAM_TEAM_TEAMINGMODE, VariantOfLong(mode))
@@ -185,16 +184,16 @@ HRESULT CQuillet::CreateTeam(CTeam::TeamMode mode, const std::wstring& name, con
         .Put(L_PARAM_TEAM_MFOENABLE, VariantOfBool(mfoEnable))
         .Put(L_PARAM_TEAM_LINKSECENABLED, VariantOfBool(linkSecEnable))
         .Put(L_PARAM_TEAM_TEAMPROFILE, VariantOfLong(profile))
-        .Exec(L_CLASS_ZOREL_TEAMOFADAPTERS.name, L"bstrObjectPath");
+        .Exec(L_CLASS_ZOREL_TEAMOFADAPTERS.name);
     if (method.Failed()) {
         return method.Result();
     }
     // Two readers: without a path the provider's return value is still worth a line.
     std::wstring path;
-    method.Read(L"pTeam_OutParams").When(PropertyReader::OnNull::Note).String(L_PARAM_TEAM_TEAMPATH, path);
-    PropertyReader read = method.Read(L"pTeam_OutParams");
+    method.Read().When(OnNull::Note).String(L_PARAM_TEAM_TEAMPATH, path);
+    PropertyReader read = method.Read();
     // The verdict itself decides nothing: there is a new team when there is a path to it.
-    if (FAILED(ReadVerdict(read, L"CreateTeam"))) {
+    if (read.Verdict(L"CreateTeam").Failed()) {
         return read.Result();
     }
     team.m_eTeamMode = mode;
@@ -204,7 +203,8 @@ HRESULT CQuillet::CreateTeam(CTeam::TeamMode mode, const std::wstring& name, con
         return trace.Fail(RESULT_WBEM_FAILED, L"GetObject -> bstrTeamPath");
     }
     const ProviderInstance created(session, path, L"GetObject -> bstrTeamPath");
-    return created.Read(L"pTeamInstance", PropertyReader::OnNull::Note)
+    return created.Read(L"pTeamInstance")
+        .When(OnNull::Note)
         .String(L_PROP_TEAMOFADAPTERS_NAME, team.m_wsName)
         .Result();
 }

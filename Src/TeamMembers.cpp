@@ -1,23 +1,19 @@
 // The members of a team: who they are, which role they have, and in what state they are.
 #include <quillet/Quillet.h>
 
-#include "AddRecord.h"
 #include "CircularSearch.h"
+#include "MakeRecord.h"
 #include "ObjectIds.h"
 #include "ProviderInstance.h"
-#include "Records/Text.h"
-#include "Trace.h"
-#include "Wql.h"
+#include "TeamMemberships.h"
 
 #include "Lum2InstUtility.h"
 
 #include <algorithm>
-#include <memory>
-#include <new>
-
-using ATL::CComPtr;
 
 namespace {
+
+using OnNull = PropertyReader::OnNull;
 
 /// Asks for the few properties that identify an adapter, as the list of adapters does.
 constexpr LONG IDENTITY_ONLY = 1;
@@ -25,11 +21,6 @@ constexpr LONG IDENTITY_ONLY = 1;
 constexpr LONG PRIMARY = 1;
 /// "AdapterStatus" of an adapter that works.
 constexpr LONG ADAPTER_ENABLED = 1;
-
-constexpr const wchar_t* EMPTY_TEAM = L"(wsTeamID.empty())";
-constexpr const wchar_t* REFERENCE_QUERY_FAILED = L"ExecQuery -> BSTR_QUERY_REFERENCE";
-constexpr const wchar_t* MEMBERSHIP_VARIABLE = L"pTeamedMemberAdapter";
-constexpr const wchar_t* MEMBERSHIPS_BROKE_OFF = L"pEnumTeamedMemberAdapters -> Next";
 
 /// "HardwareStatus": what the port itself says.
 enum AdapterState : LONG { HardwareMissing = 0, DriverNotLoaded = 1, CableRemoved = 2, LinkPresent = 3 };
@@ -83,30 +74,18 @@ std::wstring MemberOf(const std::wstring& membershipPath) {
 HRESULT CQuillet::AppendMembers(const ProviderSession& session, const std::wstring& teamId,
                                 CTeamedAdapters& members) {
     const PartialRetrieval identityOnly(session, IDENTITY_ONLY);
-    ProviderEnum adapters;
-    HRESULT result = session.Query(Wql::Associators(teamId, L_CLASS_ZOREL_ETHERNETADAPTER.name), adapters,
-                                   L"ExecQuery -> BSTR_QUERY_ASSOCIATOR");
-    if (FAILED(result)) {
-        return result;
-    }
-    CComPtr<IWbemClassObject> adapter;
-    while (adapters.Next(adapter)) {
-        std::unique_ptr<CTeamedAdapter> member(new (std::nothrow) CTeamedAdapter);
-        if (!member) {
-            TraceText(L"pTeamedAdapter == NULL");
-            return E_FAIL;
-        }
-        PropertyReader read(adapter, L"pAdapterInstance", PropertyReader::OnNull::Fail);
-        if (read.String(L_ZOREL_PATH, member->m_wsAdapterID).Failed()) {
+    const auto fill = [&](IWbemClassObject* adapter, CTeamedAdapter& member) -> HRESULT {
+        PropertyReader read(adapter, L"pAdapterInstance");
+        if (read.When(OnNull::Fail).String(L_ZOREL_PATH, member.m_wsAdapterID).Failed()) {
             return read.Result();
         }
-        member->m_wsTeamID = teamId;
+        member.m_wsTeamID = teamId;
         TraceText(L"Got UniqueId and team ID");
         // An adapter without a name is a member all the same.
-        read.When(PropertyReader::OnNull::Note)
-            .String(L_PROP_ETHERNETADAPTER_CAPTION, member->m_wsCaption)
-            .String(L_PROP_ETHERNETADAPTER_ORIGNAME, member->m_wsDisplayName)
-            .String(L_PROP_ETHERNETADAPTER_DEVICEID, member->m_wsDeviceID);
+        read.When(OnNull::Note)
+            .String(L_PROP_ETHERNETADAPTER_CAPTION, member.m_wsCaption)
+            .String(L_PROP_ETHERNETADAPTER_ORIGNAME, member.m_wsDisplayName)
+            .String(L_PROP_ETHERNETADAPTER_DEVICEID, member.m_wsDeviceID);
         if (read.Failed()) {
             return read.Result();
         }
@@ -114,19 +93,19 @@ HRESULT CQuillet::AppendMembers(const ProviderSession& session, const std::wstri
         if (team.Failed()) {
             return RESULT_WBEM_FAILED;
         }
-        result = team.Read(L"pTeamInstance", PropertyReader::OnNull::Note)
-                     .String(L_PROP_TEAMOFADAPTERS_CAPTION, member->m_wsTeamCaption)
-                     .Result();
-        if (FAILED(result)) {
-            return result;
-        }
-        AddRecord(members, std::move(member));
-    }
-    if (FAILED(adapters.Result())) {
-        TraceText(L"pEnumAdapters -> Next");
-        return adapters.Result();
-    }
-    return S_OK;
+        return team.Read(L"pTeamInstance")
+            .When(OnNull::Note)
+            .String(L_PROP_TEAMOFADAPTERS_CAPTION, member.m_wsTeamCaption)
+            .Result();
+    };
+    return session
+        .Query(Wql::Associators(teamId, L_CLASS_ZOREL_ETHERNETADAPTER.name),
+               L"ExecQuery -> BSTR_QUERY_ASSOCIATOR")
+        .ForEach(L"pEnumAdapters -> Next", [&](IWbemClassObject* adapter) {
+            return AppendRecord<CTeamedAdapter>(
+                members, L"pTeamedAdapter == NULL",
+                [&](CTeamedAdapter& member) { return fill(adapter, member); });
+        });
 }
 
 HRESULT CQuillet::ReadMembership(IWbemClassObject* membership, CTeamedAdapter& member) {
@@ -138,7 +117,7 @@ HRESULT CQuillet::ReadMembership(IWbemClassObject* membership, CTeamedAdapter& m
         return read.Result();
     }
     member.m_lMemberStatus = status;
-    if (read.Found() && !TraceStatus(status)) {
+    if (!read.IsNull() && !TraceStatus(status)) {
         return S_OK;
     }
     CAdapter adapter;
@@ -153,112 +132,82 @@ HRESULT CQuillet::ReadMembership(IWbemClassObject* membership, CTeamedAdapter& m
 
 HRESULT CQuillet::GetMemberAdapters(const std::wstring& teamId, CTeamedAdapters& members) {
     const OperationTrace trace(L"GetMemberAdapters");
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
+    const ProviderSession session(*this, NoTeam(teamId).OnceConnected());
+    if (session.Failed()) {
         return session.Result();
-    }
-    if (teamId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, EMPTY_TEAM);
     }
     // Members that the list held before are another call's.
     const std::size_t first = members.m_vecItems.size();
-    HRESULT result = AppendMembers(session, teamId, members);
+    const HRESULT result = AppendMembers(session, teamId, members);
     if (FAILED(result)) {
         return result;
     }
-    ProviderEnum memberships;
-    result = session.Query(Wql::References(teamId, L_CLASS_ZOREL_TEAMEDMEMBERADAPTER.name), memberships,
-                           REFERENCE_QUERY_FAILED);
     CircularSearch search(members.m_vecItems.size() - first);
-    CComPtr<IWbemClassObject> membership;
-    while (SUCCEEDED(result) && memberships.Next(membership)) {
+    return Memberships(session, teamId).ForEach(MEMBERSHIPS_BROKE_OFF, [&](IWbemClassObject* membership) {
         std::wstring part;
-        PropertyReader read(membership, MEMBERSHIP_VARIABLE, PropertyReader::OnNull::Fail);
-        if (read.String(L_PROP_TEAMEDMEMBERADAPTER_PARTCOMPONENT, part).Failed()) {
+        PropertyReader read(membership, MEMBERSHIP_VARIABLE);
+        if (read.When(OnNull::Fail).String(L_PROP_TEAMEDMEMBERADAPTER_PARTCOMPONENT, part).Failed()) {
             return read.Result();
         }
         const auto found = search.Find([&](std::size_t position) {
             const std::wstring& adapterId = members.m_vecItems[first + position]->m_wsAdapterID;
-            return !adapterId.empty() && part.find(adapterId) != std::wstring::npos;
+            // A part that is no path by itself may still hold one.
+            return NameTheSameObject(adapterId, part) ||
+                   (!adapterId.empty() && part.find(adapterId) != std::wstring::npos);
         });
         if (!found) {
             LumTrace().Print(L"ERROR:  Unable to locate the device ID %s in the adapter array!",
                              part.c_str());
-            continue;
+            return S_OK;
         }
         LumTrace().Print(L"Found adapter at index:%d", static_cast<int>(first + *found));
-        result = ReadMembership(membership, *members.m_vecItems[first + *found]);
-    }
-    if (FAILED(result)) {
-        return result;
-    }
-    return FAILED(memberships.Result()) ? trace.Fail(memberships.Result(), MEMBERSHIPS_BROKE_OFF) : S_OK;
+        return ReadMembership(membership, *members.m_vecItems[first + *found]);
+    });
 }
 
 HRESULT CQuillet::GetMemberAdaptersStatus(const std::wstring& teamId, CTeamedAdapters& members) {
     const OperationTrace trace(L"GetMemberAdaptersStatus");
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
+    const ProviderSession session(*this, NoTeam(teamId).OnceConnected());
+    if (session.Failed()) {
         return session.Result();
-    }
-    if (teamId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, EMPTY_TEAM);
     }
     if (members.m_vecItems.empty()) {
         return trace.Fail(RESULT_WBEM_FAILED, L"rAdapters.size() <= 0");
     }
-    std::vector<std::wstring> objectIds;
-    for (const CTeamedAdapter* member : members.m_vecItems) {
-        ObjectIdFromPath(ObjectKind::Ethernet, member ? member->m_wsAdapterID : std::wstring(),
-                         objectIds.emplace_back());
-    }
-    ProviderEnum memberships;
-    HRESULT result = session.Query(Wql::References(teamId, L_CLASS_ZOREL_TEAMEDMEMBERADAPTER.name),
-                                   memberships, REFERENCE_QUERY_FAILED);
-    CComPtr<IWbemClassObject> membership;
-    while (SUCCEEDED(result) && memberships.Next(membership)) {
+    return Memberships(session, teamId).ForEach(MEMBERSHIPS_BROKE_OFF, [&](IWbemClassObject* membership) {
         std::wstring path;
-        PropertyReader read(membership, MEMBERSHIP_VARIABLE, PropertyReader::OnNull::Fail);
-        if (read.String(L_ZOREL_PATH, path).Failed()) {
+        PropertyReader read(membership, MEMBERSHIP_VARIABLE);
+        if (read.When(OnNull::Fail).String(L_ZOREL_PATH, path).Failed()) {
             return read.Result();
         }
         const std::wstring objectId = MemberOf(path);
-        const auto found =
-            std::find_if(objectIds.begin(), objectIds.end(), [&objectId](const std::wstring& candidate) {
-                return !candidate.empty() && quillet::EqualsIgnoringCase(candidate, objectId);
+        const auto found = std::find_if(
+            members.m_vecItems.begin(), members.m_vecItems.end(), [&objectId](const CTeamedAdapter* member) {
+                std::wstring candidate;
+                return member && ObjectIdFromPath(ObjectKind::Adapter, member->m_wsAdapterID, candidate) &&
+                       IsSameObjectId(candidate, objectId);
             });
-        if (found == objectIds.end()) {
+        if (found == members.m_vecItems.end()) {
             TraceText(L"Adapter Not Found!!!");
-            continue;
+            return S_OK;
         }
-        result = ReadMembership(membership,
-                                *members.m_vecItems[static_cast<std::size_t>(found - objectIds.begin())]);
-    }
-    if (FAILED(result)) {
-        return result;
-    }
-    return FAILED(memberships.Result()) ? trace.Fail(memberships.Result(), MEMBERSHIPS_BROKE_OFF) : S_OK;
+        return ReadMembership(membership, **found);
+    });
 }
 
 HRESULT CQuillet::IsPrimaryAdapter(const std::wstring& adapterId, bool& primary) {
     const OperationTrace trace(L"IsPrimaryAdapter");
     primary = false;
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
-        return session.Result();
+    Refusal refusal = NoAdapter(adapterId).OnceConnected();
+    refusal.code = RESULT_WBEM_FAILED;
+    const ProviderSession session(*this, refusal);
+    ProviderEnum memberships = Memberships(session, adapterId);
+    if (memberships.Failed()) {
+        return memberships.Result();
     }
-    if (adapterId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsAdapterID.empty())");
-    }
-    ProviderEnum memberships;
-    const HRESULT result = session.Query(Wql::References(adapterId, L_CLASS_ZOREL_TEAMEDMEMBERADAPTER.name),
-                                         memberships, REFERENCE_QUERY_FAILED);
-    if (FAILED(result)) {
-        return result;
-    }
-    CComPtr<IWbemClassObject> membership;
+    ATL::CComPtr<IWbemClassObject> membership;
     if (!memberships.Next(membership)) {
-        return FAILED(memberships.Result()) ? trace.Fail(memberships.Result(), MEMBERSHIPS_BROKE_OFF) : S_OK;
+        return memberships.End(MEMBERSHIPS_BROKE_OFF);
     }
     LONG role = 0;
     PropertyReader read(membership, MEMBERSHIP_VARIABLE);

@@ -1,11 +1,11 @@
 // Changing and removing a team: its members, mode, name, and the priority of a member.
 #include <quillet/Quillet.h>
 
+#include "AdapterIds.h"
 #include "ObjectIds.h"
 #include "ProviderInstance.h"
-#include "Trace.h"
+#include "TeamMemberships.h"
 #include "VariantValue.h"
-#include "Wql.h"
 
 #include <algorithm>
 
@@ -13,18 +13,7 @@ using ATL::CComPtr;
 
 namespace {
 
-constexpr const wchar_t* MEMBERSHIP_VARIABLE = L"pTeamedMemberAdapter";
 constexpr const wchar_t* CALL_STATUS = L"pWbemCallResult -> GetCallStatus";
-
-bool Contains(const CTeamedAdapters& members, const std::wstring& adapterId) {
-    return std::any_of(members.m_vecItems.begin(), members.m_vecItems.end(),
-                       [&](const CTeamedAdapter* each) { return each && each->m_wsAdapterID == adapterId; });
-}
-
-bool Contains(const CAdapters& adapters, const std::wstring& adapterId) {
-    return std::any_of(adapters.m_vecItems.begin(), adapters.m_vecItems.end(),
-                       [&](const CAdapter* each) { return each && each->m_wsAdapterID == adapterId; });
-}
 
 } // namespace
 
@@ -32,7 +21,7 @@ void CQuillet::GetNewAdaptersAddedToTeam(const CTeamedAdapters& current, const C
                                          std::vector<std::wstring>& added) {
     const OperationTrace trace(L"GetNewAdaptersAddedToTeam");
     for (const CAdapter* adapter : wanted.m_vecItems) {
-        if (adapter && !Contains(current, adapter->m_wsAdapterID)) {
+        if (adapter && !HasAdapter(current, adapter->m_wsAdapterID)) {
             TraceText(L"GetNewAdaptersAddedToTeam() - new adapter added to the team!");
             added.push_back(adapter->m_wsAdapterID);
         }
@@ -43,7 +32,7 @@ void CQuillet::GetCurrentAdaptersStillInNewTeam(const CTeamedAdapters& current, 
                                                 std::vector<std::wstring>& staying) {
     const OperationTrace trace(L"GetCurrentAdaptersStillInNewTeam");
     for (const CTeamedAdapter* member : current.m_vecItems) {
-        if (member && Contains(wanted, member->m_wsAdapterID)) {
+        if (member && HasAdapter(wanted, member->m_wsAdapterID)) {
             staying.push_back(member->m_wsAdapterID);
         }
     }
@@ -54,19 +43,14 @@ HRESULT CQuillet::RemoveMembers(const ProviderSession& session, const std::wstri
     if (removed.empty()) {
         return S_OK;
     }
-    ProviderEnum memberships;
-    HRESULT result = session.Query(Wql::References(teamId, L_CLASS_ZOREL_TEAMEDMEMBERADAPTER.name),
-                                   memberships, L"ExecQuery -> BSTR_QUERY_REFERENCE");
-    CComPtr<IWbemClassObject> membership;
-    while (SUCCEEDED(result) && memberships.Next(membership)) {
+    return Memberships(session, teamId).ForEach(MEMBERSHIPS_BROKE_OFF, [&](IWbemClassObject* membership) {
         std::wstring part;
-        PropertyReader read(membership, MEMBERSHIP_VARIABLE, PropertyReader::OnNull::Fail);
-        if (read.String(L_PROP_TEAMEDMEMBERADAPTER_PARTCOMPONENT, part).Failed()) {
+        PropertyReader read(membership, MEMBERSHIP_VARIABLE);
+        read.When(PropertyReader::OnNull::Fail).String(L_PROP_TEAMEDMEMBERADAPTER_PARTCOMPONENT, part);
+        if (read.Failed() || std::none_of(removed.begin(), removed.end(), [&part](const std::wstring& each) {
+                return NameTheSameObject(each, part);
+            })) {
             return read.Result();
-        }
-        if (std::none_of(removed.begin(), removed.end(),
-                         [&part](const std::wstring& each) { return NameTheSameObject(each, part); })) {
-            continue;
         }
         _variant_t path;
         if (read.Plain(L_ZOREL_PATH, path).Failed()) {
@@ -77,14 +61,9 @@ HRESULT CQuillet::RemoveMembers(const ProviderSession& session, const std::wstri
             TraceText(L"ModifyMemberList() - vPath.vt INVALID");
             return RESULT_WBEM_FAILED;
         }
-        result = session.Delete(std::wstring(text.length() ? text.GetBSTR() : L"", text.length()),
-                                L"ModifyMemberList() - DeleteInstance failed");
-    }
-    if (SUCCEEDED(result) && FAILED(memberships.Result())) {
-        TraceText(L"pEnumTeamedMemberAdapters -> Next");
-        result = memberships.Result();
-    }
-    return result;
+        return session.Delete(std::wstring(text.length() ? text.GetBSTR() : L"", text.length()),
+                              L"ModifyMemberList() - DeleteInstance failed");
+    });
 }
 
 HRESULT CQuillet::AddMembers(const ProviderSession& session, const std::wstring& teamId,
@@ -124,12 +103,10 @@ HRESULT CQuillet::AddMembers(const ProviderSession& session, const std::wstring&
 HRESULT CQuillet::ModifyMemberList(const std::wstring& teamId, const CTeamedAdapters& current,
                                    const CAdapters& wanted) {
     const OperationTrace trace(L"ModifyMemberList");
-    if (teamId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(ModifyMemberList()- wsTeamID.empty())");
-    }
-    const ProviderSession session(*this,
-                                  L"ModifyMemberList() - pIWbemService is NULL) or pIWbemContext is NULL");
-    if (FAILED(session.Result())) {
+    const ProviderSession session(
+        *this, {teamId.empty(), L"(ModifyMemberList()- wsTeamID.empty())", RESULT_WBEM_FAILED},
+        L"ModifyMemberList() - pIWbemService is NULL) or pIWbemContext is NULL");
+    if (session.Failed()) {
         return session.Result();
     }
     std::vector<std::wstring> staying;
@@ -153,10 +130,7 @@ HRESULT CQuillet::ModifyMemberList(const std::wstring& teamId, const CTeamedAdap
 
 HRESULT CQuillet::ModifyTeamInfo(const std::wstring& teamId, const CTeam& team) {
     const OperationTrace trace(L"ModifyTeamInfo");
-    if (teamId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsTeamID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoTeam(teamId));
     const ProviderInstance instance(session, teamId, L"GetObject -> wsTeamID");
     HRESULT result = instance.Put(L_PROP_TEAMOFADAPTERS_TEAMINGMODE, VariantOfLong(team.m_eTeamMode));
     if (SUCCEEDED(result)) {
@@ -168,32 +142,25 @@ HRESULT CQuillet::ModifyTeamInfo(const std::wstring& teamId, const CTeam& team) 
 
 HRESULT CQuillet::SetTeamedAdapterPriority(const std::wstring& memberId, LONG priority) {
     const OperationTrace trace(L"SetTeamedAdapterPriority");
-    if (memberId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsMemberID.empty())");
-    }
-    const ProviderSession session(*this);
-    ProviderEnum memberships;
-    HRESULT result = session.Query(Wql::References(memberId, L_CLASS_ZOREL_TEAMEDMEMBERADAPTER.name),
-                                   memberships, L"ExecQuery -> BSTR_QUERY_REFERENCE");
-    if (FAILED(result)) {
-        return result;
+    const ProviderSession session(*this, {memberId.empty(), L"(wsMemberID.empty())", RESULT_WBEM_FAILED});
+    ProviderEnum memberships = Memberships(session, memberId);
+    if (memberships.Failed()) {
+        return memberships.Result();
     }
     CComPtr<IWbemClassObject> membership;
     if (!memberships.Next(membership)) {
-        return FAILED(memberships.Result())
-                   ? trace.Fail(memberships.Result(), L"pEnumTeamedMemberAdapters -> Next")
-                   : trace.Fail(RESULT_WBEM_FAILED, L"pEnumTeamedMemberAdapters -> Next -> NULL");
+        const HRESULT result = memberships.End(MEMBERSHIPS_BROKE_OFF);
+        return FAILED(result) ? result
+                              : trace.Fail(RESULT_WBEM_FAILED, L"pEnumTeamedMemberAdapters -> Next -> NULL");
     }
-    result = PutProperty(membership, L_PROP_TEAMEDMEMBERADAPTER_ADAPTERFUNCTION, VariantOfLong(priority));
+    const HRESULT result =
+        PutProperty(membership, L_PROP_TEAMEDMEMBERADAPTER_ADAPTERFUNCTION, VariantOfLong(priority));
     return FAILED(result) ? result
                           : session.Commit(membership, L"PutInstance -> pTeamedMemberAdapter", CALL_STATUS);
 }
 
 HRESULT CQuillet::RemoveTeam(const std::wstring& teamId) {
     const OperationTrace trace(L"RemoveTeam");
-    if (teamId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsTeamID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoTeam(teamId));
     return session.Delete(teamId, L"DeleteInstance -> wsTeamID");
 }

@@ -13,10 +13,6 @@ using ATL::CComPtr;
 
 namespace {
 
-/// What trace lines call the out-parameters.
-constexpr const wchar_t* OUT_PARAMETERS = L"pTeam_OutParams";
-constexpr const wchar_t* CLASS_PATH = L"bstrObjectPath";
-
 /// The text of a qualifier that is a text or a list whose first element is one. False when it is neither.
 bool FirstText(VARIANT& value, std::wstring& text) {
     if (SAFEARRAY* array = ArrayOf(value)) {
@@ -41,14 +37,10 @@ bool FirstText(VARIANT& value, std::wstring& text) {
 HRESULT CQuillet::ValidateTeamProperty(const ProviderName& method, const ProviderName& parameter,
                                        const _variant_t& value, const std::wstring& objectPath,
                                        DWORD& validation) {
-    validation = 0;
-    const ProviderSession session(*this);
-    const bool newTeam = objectPath.empty();
+    const ProviderSession session(*this, {objectPath.empty(), L"(wsObjectPath.empty())", RESULT_WBEM_FAILED});
     ProviderMethod call(session, L_CLASS_ZOREL_TEAMOFADAPTERS, method);
-    call.Put(parameter, value)
-        .Exec(newTeam ? L_CLASS_ZOREL_TEAMOFADAPTERS.name : objectPath.c_str(), CLASS_PATH);
     LONG verdict = 0;
-    PropertyReader read = call.Read(OUT_PARAMETERS);
+    PropertyReader read = call.Put(parameter, value).Exec(objectPath).Read();
     if (read.Long(L_METHOD_RETURN, verdict).Failed()) {
         return read.Result();
     }
@@ -57,18 +49,14 @@ HRESULT CQuillet::ValidateTeamProperty(const ProviderName& method, const Provide
         TraceText(L"ValidateTeamName() -> Validate team name Method failed.");
         return verdict;
     }
-    LONG word = 0;
-    if (read.Long(L_PARAM_TEAM_VALRESULT, word).Found()) {
-        validation = static_cast<DWORD>(word);
-    }
-    return read.Result();
+    return read.Code(L_PARAM_TEAM_VALRESULT, validation).Result();
 }
 
 HRESULT CQuillet::ValidateTeamName(const std::wstring& name, const std::wstring& objectPath,
                                    DWORD& validation) {
     const OperationTrace trace(L"ValidateTeamName");
+    validation = 0;
     if (name.empty()) {
-        validation = 0;
         return trace.Fail(RESULT_WBEM_FAILED, L"(wsTeamName.empty())");
     }
     return ValidateTeamProperty(L_METHOD_TEAMOFADAPTERS_VALIDATETEAMNAME, L_PARAM_TEAM_CAPTION,
@@ -77,6 +65,7 @@ HRESULT CQuillet::ValidateTeamName(const std::wstring& name, const std::wstring&
 
 HRESULT CQuillet::ValidateTeamMode(CTeam::TeamMode mode, const std::wstring& objectPath, DWORD& validation) {
     const OperationTrace trace(L"ValidateTeamMode");
+    validation = 0;
     return ValidateTeamProperty(L_METHOD_TEAMOFADAPTERS_VALIDATETEAMMODE, L_PARAM_TEAM_TEAMINGMODE,
                                 VariantOfLong(mode), objectPath, validation);
 }
@@ -85,7 +74,8 @@ HRESULT CQuillet::ValidateNewTeamMembers(const CAdapters& members, CTeam::TeamMo
                                          ULONGLONG& validation) {
     const OperationTrace trace(L"ValidateNewTeamMembers");
     validation = 0;
-    if (members.m_vecItems.empty()) {
+    const std::vector<std::wstring> memberIds = AdapterIds(members);
+    if (memberIds.empty()) {
         TraceText(L"ValidateNewTeamMembers:No new adapters ;hence returning success");
         return S_OK;
     }
@@ -93,10 +83,10 @@ HRESULT CQuillet::ValidateNewTeamMembers(const CAdapters& members, CTeam::TeamMo
     ProviderMethod method(session, L_CLASS_ZOREL_TEAMOFADAPTERS,
                           L_METHOD_TEAMOFADAPTERS_VALIDATENEWTEAMMEMBERS);
     LONG verdict = 0;
-    const HRESULT result = method.Put(L_PARAM_TEAM_NEWADAPTERS, AdapterIds(members))
+    const HRESULT result = method.Put(L_PARAM_TEAM_NEWADAPTERS, memberIds)
                                .Put(L_PARAM_TEAM_NEWTEAMMODE, VariantOfLong(mode))
-                               .Exec(L_CLASS_ZOREL_TEAMOFADAPTERS.name, CLASS_PATH)
-                               .Read(OUT_PARAMETERS)
+                               .Exec(L_CLASS_ZOREL_TEAMOFADAPTERS.name)
+                               .Read()
                                .UInt64(L_PARAM_TEAM_VALRESULTNEWTEAM, validation)
                                .Long(L_METHOD_RETURN, verdict)
                                .Result();
@@ -110,18 +100,19 @@ HRESULT CQuillet::ValidateNewTeamMembers(const CAdapters& members, CTeam::TeamMo
 HRESULT CQuillet::ValidateSettingsOnNewTeam(const CAdapters& members, ULONGLONG& validation) {
     const OperationTrace trace(L"ValidateSettingsOnNewTeam");
     validation = 0;
-    if (members.m_vecItems.empty()) {
+    const std::vector<std::wstring> memberIds = AdapterIds(members);
+    if (memberIds.empty()) {
         TraceText(L"ValidateSettingsOnNewTeam:No new adapters ;hence returning success");
         return S_OK;
     }
     const ProviderSession session(*this);
     ProviderMethod method(session, L_CLASS_ZOREL_ETHERNETADAPTER,
                           L_METHOD_ETHERNETADAPTER_VALIDATESETTINGONNEWTEAM);
-    return method.Put(L_PARAM_TEAM_ADAPTERS, AdapterIds(members))
+    return method.Put(L_PARAM_TEAM_ADAPTERS, memberIds)
         .Put(L_PARAM_ETHERNETADAPTER_SETTINGNAME,
              VariantOfText(CAdvancedSettingNames(true).GetSettingName(SettingName::MaxFrameSize)))
-        .Exec(L_CLASS_ZOREL_ETHERNETADAPTER.name, CLASS_PATH)
-        .Read(L"pAdapter_OutParams")
+        .Exec(L_CLASS_ZOREL_ETHERNETADAPTER.name)
+        .Read()
         .UInt64(L_PARAM_TEAM_VALRESULT, validation)
         .Result();
 }
@@ -130,14 +121,11 @@ HRESULT CQuillet::ValidateAddAdapters(const std::wstring& teamId, const CTeamedA
                                       const CAdapters& added, ULONGLONG& validation) {
     const OperationTrace trace(L"ValidateAddAdapters");
     validation = 0;
-    if (teamId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsTeamID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoTeam(teamId));
     ProviderMethod method(session, L_CLASS_ZOREL_TEAMOFADAPTERS, L_METHOD_TEAMOFADAPTERS_VALIDATEADDADAPTERS);
     return method.Put(L_PARAM_TEAM_ADAPTERS, AdapterIds(added))
-        .Exec(teamId.c_str(), L"wsTeamID")
-        .Read(OUT_PARAMETERS)
+        .Exec(teamId)
+        .Read()
         .UInt64(L_PARAM_TEAM_VALRESULT, validation)
         .Result();
 }

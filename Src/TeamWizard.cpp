@@ -1,20 +1,15 @@
 // What the team wizard offers: adapters, team modes, the best mode, and the test of the switch.
 #include <quillet/Quillet.h>
 
-#include "AddRecord.h"
+#include "CapabilityCodes.h"
+#include "MakeRecord.h"
 #include "ProviderInstance.h"
 #include "ProviderMethod.h"
 #include "SafeArray.h"
-#include "Trace.h"
+#include "TeamMemberships.h"
 #include "VariantValue.h"
-#include "Wql.h"
 
 #include <algorithm>
-#include <memory>
-#include <new>
-
-using ATL::CComBSTR;
-using ATL::CComPtr;
 
 namespace {
 
@@ -26,8 +21,6 @@ constexpr LONG SWITCH_TEST_SUPPORTED = 0x2000;
 constexpr std::size_t SWITCH_FAULT_TOLERANCE_MEMBERS = 2;
 /// The coverage of a search whose provider does not tell it: the search went well, so it saw everything.
 constexpr unsigned int WHOLE_COVERAGE = 100;
-
-constexpr const wchar_t* OUT_PARAMETERS = L"pTeam_OutParams";
 
 /// The capability codes that are team modes.
 struct ModeCapability {
@@ -55,33 +48,26 @@ HRESULT CQuillet::FillTeamAttr(LONG capability, CTeamWizTeamModes* modes) {
     const auto known =
         std::find_if(std::begin(MODE_CAPABILITIES), std::end(MODE_CAPABILITIES),
                      [capability](const ModeCapability& each) { return each.code == capability; });
-    if (known == std::end(MODE_CAPABILITIES)) {
-        return S_OK;
+    if (!modes || known == std::end(MODE_CAPABILITIES)) {
+        return S_OK; // nothing that could be added, or nowhere to add it
     }
-    std::unique_ptr<CTeamWizTeamMode> mode(new (std::nothrow) CTeamWizTeamMode);
-    if (!mode) {
-        TraceText(L"(NULL == pTeamMode)");
-        return E_FAIL;
-    }
-    mode->m_lTeamMode = known->mode;
-    const HRESULT result =
-        GetDataFromValues(L_CLASS_ZOREL_ETHERNETADAPTER, L_PROP_ETHERNETADAPTER_CAPABILITIES, capability,
-                          mode->m_wsDescription);
-    if (FAILED(result)) {
-        TraceText(L"GetDataFromValues -> ", L_PROP_ETHERNETADAPTER_CAPABILITIES.symbol);
+    return AppendRecord<CTeamWizTeamMode>(*modes, L"(NULL == pTeamMode)", [&](CTeamWizTeamMode& mode) {
+        mode.m_lTeamMode = known->mode;
+        const HRESULT result =
+            GetDataFromValues(L_CLASS_ZOREL_ETHERNETADAPTER, L_PROP_ETHERNETADAPTER_CAPABILITIES, capability,
+                              mode.m_wsDescription);
+        if (FAILED(result)) {
+            TraceText(L"GetDataFromValues -> ", L_PROP_ETHERNETADAPTER_CAPABILITIES.symbol);
+        }
         return result;
-    }
-    AddRecord(*modes, std::move(mode));
-    return S_OK;
+    });
 }
 
 HRESULT CQuillet::GetAdapterTeamModes(const std::wstring& adapterId, CAdapter& adapter) {
     const OperationTrace trace(L"GetAdapterTeamModes");
-    if (adapterId.empty()) {
-        return trace.Fail(E_FAIL, L"((wsAdapterID.empty()) "); // ends like this in every trace
-    }
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
+    // The line ends like this in every trace.
+    const ProviderSession session(*this, {adapterId.empty(), L"((wsAdapterID.empty()) "});
+    if (session.Failed()) {
         return session.Result();
     }
     _variant_t value;
@@ -93,36 +79,27 @@ HRESULT CQuillet::GetAdapterTeamModes(const std::wstring& adapterId, CAdapter& a
             return read.Result();
         }
     }
-    SAFEARRAY* codes = value.vt == (VT_ARRAY | VT_I4) ? ArrayOf(value) : nullptr;
-    if (!codes) {
+    SAFEARRAY* array = value.vt == (VT_ARRAY | VT_I4) ? ArrayOf(value) : nullptr;
+    if (!array) {
         return trace.Fail(RESULT_WBEM_FAILED, L"vAdapterCapabilities.vt INVALID");
     }
-    LONG lower = 0;
-    HRESULT result = SafeArrayGetLBound(codes, 1, &lower);
+    std::vector<LONG> codes;
+    HRESULT result = ReadCapabilityCodes(array, codes);
     if (FAILED(result)) {
-        return trace.Fail(result, L"SafeArrayGetLBound -> vAdapterCapabilities.parray");
-    }
-    LONG upper = 0;
-    result = SafeArrayGetUBound(codes, 1, &upper);
-    if (FAILED(result)) {
-        return trace.Fail(result, L"SafeArrayGetUBound -> vAdapterCapabilities.parray");
+        return result;
     }
     if (adapter.m_pTeamModes) {
         adapter.m_pTeamModes->RemoveAll();
     } else {
-        adapter.m_pTeamModes = new (std::nothrow) CTeamWizTeamModes;
+        adapter.m_pTeamModes = MakeRecord<CTeamWizTeamModes>(L"rAdapter.m_pTeamModes == NULL").release();
         if (!adapter.m_pTeamModes) {
-            return trace.Fail(E_FAIL, L"rAdapter.m_pTeamModes == NULL");
+            return E_FAIL;
         }
     }
-    for (LONGLONG index = lower; index <= upper; ++index) {
-        LONG code = 0;
-        // A code that cannot be read is one that the adapter does not have.
-        if (SUCCEEDED(ReadElement(codes, static_cast<LONG>(index), code))) {
-            result = FillTeamAttr(code, adapter.m_pTeamModes);
-            if (FAILED(result)) {
-                return result;
-            }
+    for (const LONG code : codes) {
+        result = FillTeamAttr(code, adapter.m_pTeamModes);
+        if (FAILED(result)) {
+            return result;
         }
     }
     return S_OK;
@@ -162,11 +139,12 @@ HRESULT CQuillet::GetCompatibleTeamModesWithAdapters(const CAdapters& adapters, 
             })) {
             continue;
         }
-        std::unique_ptr<CTeamWizTeamMode> compatible(new (std::nothrow) CTeamWizTeamMode(*mode));
-        if (!compatible) {
-            return trace.Fail(E_FAIL, L"(NULL == pTeamModeComp)");
+        constexpr const wchar_t* failure = L"(NULL == pTeamModeComp)";
+        std::unique_ptr<CTeamWizTeamMode> compatible = MakeRecord<CTeamWizTeamMode>(failure, *mode);
+        const HRESULT result = compatible ? AddRecord(modes, std::move(compatible), failure) : E_FAIL;
+        if (FAILED(result)) {
+            return result;
         }
-        AddRecord(modes, std::move(compatible));
     }
     return S_OK;
 }
@@ -174,7 +152,7 @@ HRESULT CQuillet::GetCompatibleTeamModesWithAdapters(const CAdapters& adapters, 
 HRESULT CQuillet::GetTeamableAdapters(CAdapters& adapters) {
     const OperationTrace trace(L"GetTeamableAdapters");
     const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
+    if (session.Failed()) {
         return session.Result();
     }
     for (CAdapter* adapter : adapters.m_vecItems) {
@@ -182,16 +160,15 @@ HRESULT CQuillet::GetTeamableAdapters(CAdapters& adapters) {
             continue;
         }
         adapter->m_bTeamed = false;
-        ProviderEnum memberships;
-        if (FAILED(
-                session.Query(Wql::References(adapter->m_wsAdapterID, L_CLASS_ZOREL_TEAMEDMEMBERADAPTER.name),
-                              memberships, L" Phantom adapter!!"))) {
+        ProviderEnum memberships = Memberships(session, adapter->m_wsAdapterID, L" Phantom adapter!!");
+        if (memberships.Failed()) {
             continue;
         }
-        CComPtr<IWbemClassObject> membership;
+        ATL::CComPtr<IWbemClassObject> membership;
         adapter->m_bTeamed = memberships.Next(membership);
-        if (FAILED(memberships.Result())) {
-            return trace.Fail(memberships.Result(), L"pEnumTeamedMemberAdapters -> Next");
+        const HRESULT result = memberships.End(MEMBERSHIPS_BROKE_OFF);
+        if (FAILED(result)) {
+            return result;
         }
     }
     return S_OK;
@@ -200,14 +177,9 @@ HRESULT CQuillet::GetTeamableAdapters(CAdapters& adapters) {
 HRESULT CQuillet::GetBestTeamMode(const std::wstring& teamId, CTeamWizTeamMode& mode,
                                   CTeam::TeamAutoDetectStatus& status, unsigned int& coverage) {
     const OperationTrace trace(L"GetBestTeamMode");
-    if (teamId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsTeamID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoTeam(teamId));
     ProviderMethod method(session, L_CLASS_ZOREL_TEAMOFADAPTERS, L_METHOD_TEAMOFADAPTERS_GETBESTTEAMMODE);
-    PropertyReader read = method.Exec(teamId.c_str(), L"wsTeamID")
-                              .NeedAnswer(L"Outparam of method is NULL")
-                              .Read(OUT_PARAMETERS);
+    PropertyReader read = method.Exec(teamId).NeedAnswer(L"Outparam of method is NULL").Read();
     LONG verdict = 0;
     if (read.Long(L_METHOD_RETURN, verdict).Failed()) {
         return read.Result();
@@ -215,14 +187,8 @@ HRESULT CQuillet::GetBestTeamMode(const std::wstring& teamId, CTeamWizTeamMode& 
     if (verdict != 0) {
         return trace.Fail(verdict, L"(0 != lValue) -> GetBestTeamMode Method failure");
     }
-    LONG number = 0;
-    if (read.Long(L_PARAM_TEAM_STATUS, number).Found()) {
-        status = static_cast<CTeam::TeamAutoDetectStatus>(number);
-    }
-    number = 0;
-    if (read.Long(L_PARAM_TEAM_PERCENTOFCOVERAGE, number).Found()) {
-        coverage = static_cast<unsigned int>(number);
-    } else if (!read.Failed()) {
+    read.Code(L_PARAM_TEAM_STATUS, status).Code(L_PARAM_TEAM_PERCENTOFCOVERAGE, coverage);
+    if (!read.Failed() && !read.Found()) {
         coverage = WHOLE_COVERAGE;
     }
     LONG messageId = 0;
@@ -248,31 +214,22 @@ HRESULT CQuillet::TestSwitchConfiguration(const std::wstring& teamId, CTeam::Swi
     solutions.clear();
     causeIds.clear();
     solutionIds.clear();
-    if (teamId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsTeamID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoTeam(teamId));
     ProviderMethod method(session, L_CLASS_ZOREL_TEAMOFADAPTERS,
                           L_METHOD_TEAMOFADAPTERS_TESTSWITCHCONFIGURATION);
-    PropertyReader read = method.Put(L_PARAM_TEAM_CMD, VariantOfLong(command))
-                              .Exec(teamId.c_str(), L"wsTeamID")
-                              .Read(OUT_PARAMETERS);
-    LONG number = 0;
-    if (read.Long(L_PARAM_TEAM_STATUS, number).Found()) {
-        status = static_cast<CTeam::SwitchCmdStatus>(number);
-    }
-    std::vector<CComBSTR> texts;
-    read.Array(L_PARAM_TEAM_CAUSE, texts);
-    causes = TextsOf(texts);
-    texts.clear();
-    read.Array(L_PARAM_TEAM_SOLUTION, texts);
-    solutions = TextsOf(texts);
-    ReadVerdict(read, L"TestSwitchConfiguration");
-    std::vector<LONG> ids;
-    read.Array(L_PARAM_TEAM_CAUSEMESSAGEID, ids);
-    causeIds.assign(ids.begin(), ids.end());
-    ids.clear();
-    read.Array(L_PARAM_TEAM_SOLUTIONMESSAGEID, ids);
-    solutionIds.assign(ids.begin(), ids.end());
-    return read.Result();
+    std::vector<LONG> causeNumbers;
+    std::vector<LONG> solutionNumbers;
+    const HRESULT result = method.Put(L_PARAM_TEAM_CMD, VariantOfLong(command))
+                               .Exec(teamId)
+                               .Read()
+                               .Code(L_PARAM_TEAM_STATUS, status)
+                               .Texts(L_PARAM_TEAM_CAUSE, causes)
+                               .Texts(L_PARAM_TEAM_SOLUTION, solutions)
+                               .Verdict(L"TestSwitchConfiguration")
+                               .Array(L_PARAM_TEAM_CAUSEMESSAGEID, causeNumbers)
+                               .Array(L_PARAM_TEAM_SOLUTIONMESSAGEID, solutionNumbers)
+                               .Result();
+    causeIds.assign(causeNumbers.begin(), causeNumbers.end());
+    solutionIds.assign(solutionNumbers.begin(), solutionNumbers.end());
+    return result;
 }

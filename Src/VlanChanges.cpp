@@ -37,11 +37,10 @@ HRESULT CQuillet::AddVLANToTeam(const std::wstring& teamId, CVLAN& vlan) {
 
 HRESULT CQuillet::AddVLANToComponent(const std::wstring& componentId, CVLAN& vlan) {
     const OperationTrace trace(L"AddVLANToComponent");
-    if (componentId.empty() || vlan.m_wsVLANName.empty() || vlan.m_lVLANNumber >= NUMBER_LIMIT) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsComponentID.empty()) or invalid parameters");
-    }
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
+    const ProviderSession session(
+        *this, {componentId.empty() || vlan.m_wsVLANName.empty() || vlan.m_lVLANNumber >= NUMBER_LIMIT,
+                L"(wsComponentID.empty()) or invalid parameters", RESULT_WBEM_FAILED});
+    if (session.Failed()) {
         return session.Result();
     }
     CComPtr<IWbemClassObject> service;
@@ -50,7 +49,8 @@ HRESULT CQuillet::AddVLANToComponent(const std::wstring& componentId, CVLAN& vla
         return trace.Fail(result, L"GetVLANService -> wsComponentID, pVLANService");
     }
     std::wstring servicePath;
-    result = PropertyReader(service, L"pVLANService", PropertyReader::OnNull::Fail)
+    result = PropertyReader(service, L"pVLANService")
+                 .When(PropertyReader::OnNull::Fail)
                  .String(L_ZOREL_PATH, servicePath)
                  .Result();
     if (FAILED(result)) {
@@ -60,7 +60,7 @@ HRESULT CQuillet::AddVLANToComponent(const std::wstring& componentId, CVLAN& vla
     result = ProviderMethod(session, L_CLASS_ZOREL_VLANSERVICE, L_METHOD_VLAN_CREATE)
                  .Put(L_PARAM_VLAN_NUMBER, VariantOfLong(vlan.m_lVLANNumber))
                  .Put(L_PARAM_VLAN_NAME, VariantOfText(vlan.m_wsVLANName))
-                 .Exec(servicePath.c_str(), L"bstrObjectPath")
+                 .Exec(servicePath)
                  .NeedAnswer(L"(pIWbemClassObject_OutParams == NULL)")
                  .Read(L"pIWbemClassObject_OutParams")
                  .String(L_PARAM_VLAN_PATH, path)
@@ -87,10 +87,7 @@ HRESULT CQuillet::AddVLANToComponent(const std::wstring& componentId, CVLAN& vla
 
 HRESULT CQuillet::ModifyVLANProperty(const std::wstring& vlanId, const CVLAN& vlan) {
     const OperationTrace trace(L"ModifyVLANProperty");
-    if (vlanId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsVLANID.empty())");
-    }
-    const ProviderSession session(*this);
+    const ProviderSession session(*this, NoVLAN(vlanId));
     const ProviderInstance instance(session, vlanId, L"GetObject -> wsVLANID");
     HRESULT result = instance.Put(L_PARAM_VLAN_VLANNAME, VariantOfText(vlan.m_wsVLANName));
     if (FAILED(result)) {
@@ -107,8 +104,6 @@ HRESULT CQuillet::ModifyVLANProperty(const std::wstring& vlanId, const CVLAN& vl
 
 HRESULT CQuillet::RemoveVLAN(const std::wstring& vlanId) {
     const OperationTrace trace(L"RemoveVLAN");
-    if (vlanId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsVLANID.empty())");
-    }
-    return ProviderSession(*this).Delete(vlanId, L"pIWbemService -> DeleteInstance -> wsVLANID");
+    return ProviderSession(*this, NoVLAN(vlanId))
+        .Delete(vlanId, L"pIWbemService -> DeleteInstance -> wsVLANID");
 }

@@ -1,25 +1,29 @@
 // The VLANs of an adapter or a team, what is known of one VLAN, and the services that make them.
 #include <quillet/Quillet.h>
 
-#include "AddRecord.h"
 #include "Lum2InstUtility.h"
+#include "MakeRecord.h"
 #include "ObjectIds.h"
 #include "ProviderInstance.h"
-#include "Trace.h"
+#include "TeamMemberships.h"
 #include "VariantValue.h"
-#include "Wql.h"
-
-#include <memory>
-#include <new>
 
 using ATL::CComBSTR;
 using ATL::CComPtr;
 
 namespace {
 
+using OnNull = PropertyReader::OnNull;
+
 /// What is asked of the provider while the VLANs of a parent are looked up: the rest costs it a trip to the
 /// driver of each.
 constexpr LONG PARTIAL_DATA = 1;
+/// What trace lines call an instance of a VLAN.
+constexpr const wchar_t* VLAN_VARIABLE = L"pVLANInstance";
+
+Refusal NoComponent(const std::wstring& id, HRESULT code) {
+    return Refusal{id.empty(), L"(wsComponentID.empty())", code}.OnceConnected();
+}
 
 } // namespace
 
@@ -31,7 +35,7 @@ struct CQuillet::VLANParent {
 
 HRESULT CQuillet::EnumerateVLANsOfAdapter(const std::wstring& adapterId, CVLANs& vlans) {
     const OperationTrace trace(L"EnumerateVLANsOfAdapter");
-    return EnumerateVLANsOfParent({ObjectKind::Ethernet, L"(wsAdapterID.empty())"}, adapterId, vlans);
+    return EnumerateVLANsOfParent({ObjectKind::Adapter, L"(wsAdapterID.empty())"}, adapterId, vlans);
 }
 
 HRESULT CQuillet::EnumerateVLANsOfTeam(const std::wstring& teamId, CVLANs& vlans) {
@@ -40,13 +44,10 @@ HRESULT CQuillet::EnumerateVLANsOfTeam(const std::wstring& teamId, CVLANs& vlans
 }
 
 HRESULT CQuillet::EnumerateVLANsOfParent(const VLANParent& parent, const std::wstring& id, CVLANs& vlans) {
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
+    const ProviderSession session(*this,
+                                  Refusal{id.empty(), parent.emptyId, RESULT_WBEM_FAILED}.OnceConnected());
+    if (session.Failed()) {
         return session.Result();
-    }
-    if (id.empty()) {
-        TraceText(parent.emptyId);
-        return RESULT_WBEM_FAILED;
     }
     std::wstring objectId;
     if (!ObjectIdFromPath(parent.kind, id, objectId)) {
@@ -63,74 +64,52 @@ HRESULT CQuillet::EnumerateVLANsOfParent(const VLANParent& parent, const std::ws
 HRESULT CQuillet::EnumerateVLANsOfComponent(const _bstr_t& parentId, CVLANs& vlans) {
     const OperationTrace trace(L"EnumerateVLANsOfComponent");
     const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
+    if (session.Failed()) {
         return session.Result();
     }
     const std::wstring parent = parentId.length() ? static_cast<const wchar_t*>(parentId) : L"";
-    ProviderEnum instances;
-    HRESULT result = S_OK;
-    {
+    const auto ask = [&] {
         const PartialRetrieval partial(session, PARTIAL_DATA);
-        result = session.Query(Wql::SelectWhere(L_CLASS_ZOREL_VLAN.name, L_PARAM_VLAN_PARENTID.name, parent),
-                               instances, L"ExecQuery -> L_CLASS_ZOREL_VLAN");
-    }
-    CComPtr<IWbemClassObject> instance;
-    while (SUCCEEDED(result) && instances.Next(instance)) {
-        result = AppendVLAN(instance, vlans);
-    }
-    if (FAILED(result)) {
-        return result;
-    }
-    return FAILED(instances.Result()) ? trace.Fail(instances.Result(), L"pEnumVLANs -> Next") : S_OK;
+        return session.Query(Wql::SelectWhere(L_CLASS_ZOREL_VLAN.name, L_PARAM_VLAN_PARENTID.name, parent),
+                             L"ExecQuery -> L_CLASS_ZOREL_VLAN");
+    };
+    return ask().ForEach(L"pEnumVLANs -> Next",
+                         [&](IWbemClassObject* instance) { return AppendVLAN(instance, vlans); });
 }
 
 HRESULT CQuillet::AppendVLAN(IWbemClassObject* instance, CVLANs& vlans) {
-    std::wstring path;
-    std::unique_ptr<CVLAN> vlan;
-    HRESULT result = PropertyReader(instance, L"pVLANInstance", PropertyReader::OnNull::Fail)
-                         .String(L_ZOREL_PATH, path)
-                         .Result();
-    if (SUCCEEDED(result)) {
-        vlan.reset(new (std::nothrow) CVLAN);
-        if (!vlan) {
-            TraceText(L"(pVLANInfo == NULL)");
-            return E_FAIL;
-        }
-        result = GetVLANInfo(CComPtr<IWbemClassObject>(instance), *vlan);
-    }
-    if (FAILED(result)) {
+    const auto failed = [](HRESULT result) {
         TraceText(L"(Res != WBEM_S_NO_ERROR)");
         return result;
+    };
+    std::wstring path;
+    PropertyReader read(instance, VLAN_VARIABLE);
+    if (read.When(OnNull::Fail).String(L_ZOREL_PATH, path).Failed()) {
+        return failed(read.Result());
     }
-    AddRecord(vlans, std::move(vlan));
-    return S_OK;
+    return AppendRecord<CVLAN>(vlans, L"(pVLANInfo == NULL)", [&](CVLAN& vlan) {
+        const HRESULT result = GetVLANInfo(CComPtr<IWbemClassObject>(instance), vlan);
+        return FAILED(result) ? failed(result) : S_OK;
+    });
 }
 
 HRESULT CQuillet::GetVLANInfo(const CComPtr<IWbemClassObject>& instance, CVLAN& vlan) {
     const OperationTrace trace(L"GetVLANInfo");
-    int status = vlan.m_eStatus;
-    const HRESULT result = PropertyReader(instance, L"pVLANInstance", PropertyReader::OnNull::Fail)
-                               .String(L_ZOREL_PATH, vlan.m_wsVLANID)
-                               .String(L_PARAM_VLAN_CAPTION, vlan.m_wsCaption)
-                               .String(L_PARAM_VLAN_NAME, vlan.m_wsName)
-                               .String(L_PARAM_VLAN_PARENTID, vlan.m_wsParentID)
-                               .String(L_PARAM_VLAN_VLANNAME, vlan.m_wsVLANName)
-                               .Long(L_PARAM_VLAN_NUMBER, vlan.m_lVLANNumber)
-                               .Int(L_PARAM_VLAN_STATUS, status)
-                               .Result();
-    vlan.m_eStatus = static_cast<CVLAN::VlanStatus>(status);
-    return result;
+    return PropertyReader(instance, VLAN_VARIABLE)
+        .When(OnNull::Fail)
+        .String(L_ZOREL_PATH, vlan.m_wsVLANID)
+        .String(L_PARAM_VLAN_CAPTION, vlan.m_wsCaption)
+        .String(L_PARAM_VLAN_NAME, vlan.m_wsName)
+        .String(L_PARAM_VLAN_PARENTID, vlan.m_wsParentID)
+        .String(L_PARAM_VLAN_VLANNAME, vlan.m_wsVLANName)
+        .Long(L_PARAM_VLAN_NUMBER, vlan.m_lVLANNumber)
+        .IntCode(L_PARAM_VLAN_STATUS, vlan.m_eStatus)
+        .Result();
 }
 
 HRESULT CQuillet::GetVLANInfo(const std::wstring& vlanId, CVLAN& vlan) {
     const OperationTrace trace(L"GetVLANInfo");
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
-        return session.Result();
-    }
-    if (vlanId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsVLANID.empty())");
-    }
+    const ProviderSession session(*this, NoVLAN(vlanId).OnceConnected());
     const ProviderInstance instance(session, vlanId, L"GetObject -> wsVLANID");
     return instance.Failed() ? instance.Result()
                              : GetVLANInfo(CComPtr<IWbemClassObject>(instance.Get()), vlan);
@@ -138,30 +117,18 @@ HRESULT CQuillet::GetVLANInfo(const std::wstring& vlanId, CVLAN& vlan) {
 
 HRESULT CQuillet::GetVlanStatus(const std::wstring& vlanId, CVLAN::VlanStatus& status) {
     const OperationTrace trace(L"GetVlanStatus");
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
-        return session.Result();
-    }
-    if (vlanId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsVlanID.empty())");
-    }
+    const ProviderSession session(
+        *this, Refusal{vlanId.empty(), L"(wsVlanID.empty())", RESULT_WBEM_FAILED}.OnceConnected());
     const ProviderInstance instance(session, vlanId, L"GetObject -> wsVlanID");
-    int number = status;
-    const HRESULT result = instance.Read(L"pVLANInstance", PropertyReader::OnNull::Fail)
-                               .Int(L_PARAM_VLAN_STATUS, number)
-                               .Result();
-    status = static_cast<CVLAN::VlanStatus>(number);
-    return result;
+    return instance.Read(VLAN_VARIABLE).When(OnNull::Fail).IntCode(L_PARAM_VLAN_STATUS, status).Result();
 }
 
 HRESULT CQuillet::GetVLANID(const std::wstring& objectId, std::wstring& vlanId) {
     const OperationTrace trace(L"GetVLANID");
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
+    const ProviderSession session(
+        *this, Refusal{objectId.empty(), L"(wsGUID.empty())", RESULT_WBEM_FAILED}.OnceConnected());
+    if (session.Failed()) {
         return session.Result();
-    }
-    if (objectId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsGUID.empty())");
     }
     CComBSTR path;
     CZorel_EthernetAdapterMgrHelper::MakePathFromVlanObjectId(1, objectId.c_str(), path);
@@ -172,15 +139,12 @@ HRESULT CQuillet::GetVLANID(const std::wstring& objectId, std::wstring& vlanId) 
 
 HRESULT CQuillet::GetVLANService(const std::wstring& componentId, CComPtr<IWbemClassObject>& service) {
     const OperationTrace trace(L"GetVLANService");
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
+    const ProviderSession session(*this, NoComponent(componentId, RESULT_WBEM_FAILED));
+    if (session.Failed()) {
         return session.Result();
     }
-    if (componentId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsComponentID.empty())");
-    }
     std::wstring objectId;
-    if (!ObjectIdFromPath(ObjectKind::Ethernet, componentId, objectId)) {
+    if (!ObjectIdFromPath(ObjectKind::Adapter, componentId, objectId)) {
         return trace.Fail(RESULT_WBEM_FAILED, L"Auto Parser Failed");
     }
     CComBSTR path;
@@ -196,12 +160,9 @@ HRESULT CQuillet::GetVLANService(const std::wstring& componentId, CComPtr<IWbemC
 
 HRESULT CQuillet::ParentSupportingVLAN(const std::wstring& componentId) {
     const OperationTrace trace(L"ParentSupportingVLAN");
-    const ProviderSession session(*this);
-    if (FAILED(session.Result())) {
+    const ProviderSession session(*this, NoComponent(componentId, E_FAIL));
+    if (session.Failed()) {
         return session.Result();
-    }
-    if (componentId.empty()) {
-        return trace.Fail(E_FAIL, L"(wsComponentID.empty())");
     }
     CComPtr<IWbemClassObject> service;
     // Wherever the name stands in the identifier, on purpose: the path decides only afterwards.
@@ -217,15 +178,13 @@ HRESULT CQuillet::ParentSupportingVLAN(const std::wstring& componentId) {
     if (FAILED(result)) {
         return result;
     }
-    ProviderEnum memberships;
-    if (FAILED(session.Query(Wql::References(componentId, L_CLASS_ZOREL_TEAMEDMEMBERADAPTER.name),
-                             memberships, L"ExecQuery -> BSTR_QUERY_REFERENCE"))) {
+    ProviderEnum memberships = Memberships(session, componentId);
+    if (memberships.Failed()) {
         return RESULT_WBEM_FAILED;
     }
     CComPtr<IWbemClassObject> membership;
     if (memberships.Next(membership)) {
         return trace.Fail(CVLAN::ParentIsTeamMember, L"Adapter is part of the Team, ParentSupportVLAN");
     }
-    return FAILED(memberships.Result()) ? trace.Fail(RESULT_WBEM_FAILED, L"pEnumTeamedMemberAdapters -> Next")
-                                        : S_OK;
+    return FAILED(memberships.End(MEMBERSHIPS_BROKE_OFF)) ? RESULT_WBEM_FAILED : S_OK;
 }

@@ -28,6 +28,9 @@ std::string Words(LONG number, const std::wstring& text) {
 std::string ModeText(LONG mode) {
     return Words(mode, CTeamTexts::TeamMode(mode));
 }
+/// The object that is asked about a team that is yet to be made: the class.
+const std::wstring NEW_TEAM = L"Zorel_TeamOfAdapters";
+
 /// What is proposed for a mode; its name does as well.
 const std::vector<std::string> MODE_NUMBERS{"0", "1", "2", "3", "4", "5", "6"};
 
@@ -394,9 +397,9 @@ class CreateTeam final : public Command {
         Problems problems;
         problems.Add(session.CreateTeamCheck(mode, name, members, NAME_AND_MEMBERS));
         DWORD word = 0;
-        Ask(session.ValidateTeamName(name, {}, word), "check the name");
+        Ask(session.ValidateTeamName(name, NEW_TEAM, word), "check the name");
         problems.Add(word);
-        Ask(session.ValidateTeamMode(mode, {}, word), "check the mode");
+        Ask(session.ValidateTeamMode(mode, NEW_TEAM, word), "check the mode");
         problems.Add(word);
         ULONGLONG words = 0;
         Ask(session.ValidateNewTeamMembers(members, mode, words), "check the members");

@@ -294,11 +294,13 @@ class QUILLET_API CQuillet {
     HRESULT CreateTeam(CTeam::TeamMode mode, const std::wstring& name, const CAdapters& members, CTeam& team,
                        ePERFORMANCE_PROFILE profile, bool mfoEnable, bool linkSecEnable);
     /// Asks the provider about a display name for a team (Zorel_TeamOfAdapters.ValidateTeamName).
-    /// @param objectPath the team that is to take the name; empty for a new team.
+    /// @param objectPath the team that is to take the name; for one that is yet to be made the class path,
+    ///                   "Zorel_TeamOfAdapters". 0x80041001 for an empty one.
     /// @return the provider's "ReturnValue" where that is not 0.
     HRESULT ValidateTeamName(const std::wstring& name, const std::wstring& objectPath, DWORD& validation);
     /// Asks the provider about a team mode (Zorel_TeamOfAdapters.ValidateTeamMode).
-    /// @param objectPath the team that is to take the mode; empty for a new team.
+    /// @param objectPath the team that is to take the mode; for one that is yet to be made the class path,
+    ///                   "Zorel_TeamOfAdapters". 0x80041001 for an empty one.
     /// @return the provider's "ReturnValue" where that is not 0.
     HRESULT ValidateTeamMode(CTeam::TeamMode mode, const std::wstring& objectPath, DWORD& validation);
     /// Asks the provider whether adapters can make a team of a mode
@@ -613,22 +615,26 @@ class QUILLET_API CQuillet {
     _bstr_t GetNamespace();
     void AddNameSpace(const std::wstring& relativePath, std::wstring& fullPath);
     HRESULT MarshalInterface(IUnknown* pointer, REFIID iid, DWORD& cookie, const wchar_t* operation);
-    HRESULT RevokeInterface(DWORD& cookie, const wchar_t* failure);
+    bool IsRegistered(DWORD cookie, const wchar_t* missing) const;
+    HRESULT RevokeInterface(DWORD& cookie, const wchar_t* missing);
+    template <class Interface>
+    ATL::CComPtr<Interface> FetchInterface(DWORD cookie, REFIID iid, const wchar_t* missing);
 
-    // Typed property access. A property without a value sets isNull and leaves the value untouched.
+    // Typed property access. A property without a value sets isNull and leaves the value untouched; isRead
+    // tells whether a value was read at all.
     static HRESULT GetPropertyAsBool(IWbemClassObject* instance, const wchar_t* name, bool& value,
-                                     bool& isNull);
+                                     bool& isNull, bool* isRead = nullptr);
     static HRESULT GetPropertyAsInt(IWbemClassObject* instance, const wchar_t* name, int& value,
-                                    bool& isNull);
+                                    bool& isNull, bool* isRead = nullptr);
     static HRESULT GetPropertyAsLong(IWbemClassObject* instance, const wchar_t* name, LONG& value,
-                                     bool& isNull);
+                                     bool& isNull, bool* isRead = nullptr);
     static HRESULT GetPropertyAsUINT64(IWbemClassObject* instance, const wchar_t* name, ULONGLONG& value,
-                                       bool& isNull);
+                                       bool& isNull, bool* isRead = nullptr);
     static HRESULT GetPropertyAsString(IWbemClassObject* instance, const wchar_t* name, _bstr_t& value,
-                                       bool& isNull);
+                                       bool& isNull, bool* isRead = nullptr);
     // As a text that is a secret: overwritten wherever it was but in the value.
     static HRESULT GetPropertyAsSecret(IWbemClassObject* instance, const wchar_t* name, std::wstring& value,
-                                       bool& isNull);
+                                       bool& isNull, bool* isRead = nullptr);
     static HRESULT GetPropertyArray(IWbemClassObject* instance, const wchar_t* name,
                                     std::vector<LONG>& values, int* count);
     static HRESULT GetPropertyArray(IWbemClassObject* instance, const wchar_t* name,
@@ -664,11 +670,13 @@ class QUILLET_API CQuillet {
     static HRESULT GetSliderSetting(IWbemClassObject* instance, CSettingSlider* setting);
     static HRESULT GetMultiSetting(IWbemClassObject* instance, CSettingMultiSelection* setting);
     static HRESULT GetMultiStringSetting(IWbemClassObject* instance, CSettingMultiString* setting);
-    static HRESULT ReadSetting(IWbemClassObject* instance, CSetting* setting, const wchar_t*& reader);
     static HRESULT AppendSetting(IWbemClassObject* instance, CSettings& settings);
     struct SettingOwner;
     HRESULT GetSettingsOfOwner(const SettingOwner& owner, const std::wstring& id, CSettings& settings,
                                DWORD selector);
+    struct OwnedSetting;
+    HRESULT FindSettings(const std::vector<std::wstring>& adapterIds, SettingName name,
+                         std::vector<OwnedSetting>& found, bool& onAll);
     HRESULT GetSettingOnTeamOrAdapter(const std::vector<std::wstring>& adapterIds, CSettings& settings,
                                       bool& onAll, SettingName name);
 

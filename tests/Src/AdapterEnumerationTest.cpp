@@ -268,6 +268,40 @@ TEST_F(AdapterEnumerationTest, GetGUI_NoAdapterPath_FailsWithAnEmptyId) {
     }
 }
 
+TEST_F(AdapterEnumerationTest, GetGUI_PathOfAnotherKind_FailsWithAnEmptyId) {
+    for (const wchar_t* text :
+         {LR"(Zorel_BootAgent.Name="{A}")", LR"(Zorel_BootAgent_iSCSI_Adapters.Name="{A}")",
+          LR"(Zorel_TeamOfAdapters.Name="{A}")", LR"(Zorel_VLAN.Name="{A}")",
+          LR"(Zorel_PhysicalEthernetAdapter.Name="{A}")"}) {
+        SCOPED_TRACE(Narrow(text));
+        std::wstring objectId = L"before";
+        EXPECT_EQ(Code(quillet.GetGUI(text, objectId)), "0x80041001");
+        EXPECT_EQ(objectId, L"");
+    }
+}
+
+TEST_F(AdapterEnumerationTest, GetGUI_KeyBesideTheIdentifyingOne_DoesNotMatter) {
+    for (const wchar_t* text :
+         {LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}",SystemName="TESTHOST")",
+          LR"(Zorel_PhysicalEthernetAdapter.SystemName="TESTHOST",DeviceID="{A}")",
+          LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_LogicalEthernetAdapter.deviceid="{A}")"}) {
+        SCOPED_TRACE(Narrow(text));
+        std::wstring objectId = L"before";
+        EXPECT_EQ(Code(quillet.GetGUI(text, objectId)), "0x00000000");
+        EXPECT_EQ(objectId, L"{A}");
+    }
+}
+
+TEST_F(AdapterEnumerationTest, GetGUIAndGetAdapterID_InputAndOutputOneString_Work) {
+    std::wstring text = FIRST_PATH;
+    EXPECT_EQ(Code(quillet.GetGUI(text, text)), "0x00000000");
+    EXPECT_EQ(text, L"{64D1BF82-B507-5E42-AED2-547CA8AAC36A}");
+    EXPECT_EQ(Code(quillet.GetAdapterID(text, text)), "0x00000000");
+    EXPECT_THAT(text,
+                testing::EndsWith(
+                    LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{64D1BF82-B507-5E42-AED2-547CA8AAC36A}")"));
+}
+
 TEST_F(AdapterEnumerationTest, GetGUI_NotConnected_WorksAllTheSame) {
     quillet.UninitQuillet();
     std::wstring objectId;

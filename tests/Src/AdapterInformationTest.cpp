@@ -133,6 +133,30 @@ TEST_F(AdapterInformationTest, EachOperation_NullObject_FailsWithATraceLine) {
     }
 }
 
+TEST_F(AdapterInformationTest, DynamicInfo_ReadWithoutAValue_LeavesWhatItIsForAsItWas) {
+    // Small enough to be a status as well, if one read took over what the other left.
+    Set(L"Speed", quillet::simulator::Value::Signed(5));
+    Fail(Operation::Get, WBEM_S_NO_MORE_DATA, L"LinkSecStatus");
+    EXPECT_EQ(Code(quillet.GetAdapterDynamicInfo(PATH, adapter)), "0x00000000");
+    EXPECT_EQ(adapter.m_pAdapterDynamicInfo->m_eLinkSecStatus, CAdapterDynamicInfo::LinkSecStatusUnknown);
+    machine->Rules().Clear();
+    for (const wchar_t* property : {L"Speed", L"LinkSecStatus", L"FullDuplex"}) {
+        SCOPED_TRACE(Narrow(property));
+        Spoil(Operation::Get, Effect::WrongType, property); // VT_UNKNOWN is no number
+        CAdapter other;
+        EXPECT_EQ(Code(quillet.GetAdapterDynamicInfo(PATH, other)), "0x00000000");
+        const CAdapterDynamicInfo& info = *other.m_pAdapterDynamicInfo;
+        const std::wstring spoilt = property;
+        EXPECT_EQ(info.m_eLinkSpeed, CAdapterDynamicInfo::LinkSpeedNone);
+        EXPECT_EQ(info.m_eLinkSecStatus, spoilt == L"LinkSecStatus"
+                                             ? CAdapterDynamicInfo::LinkSecStatusUnknown
+                                             : CAdapterDynamicInfo::LinkSecStatus7);
+        EXPECT_EQ(info.m_eDuplexMode, spoilt == L"FullDuplex" ? CAdapterDynamicInfo::DuplexUnknown
+                                                              : CAdapterDynamicInfo::DuplexFull);
+        machine->Rules().Clear();
+    }
+}
+
 TEST_F(AdapterInformationTest, DynamicInfo_FillsANewRecordInOrder) {
     RecordLocalCalls();
     EXPECT_EQ(Code(quillet.GetAdapterDynamicInfo(PATH, adapter)), "0x00000000");

@@ -1,6 +1,7 @@
 // Every string allocation of each operation fails in turn: what escapes is an exception or a failure code,
 // and nothing is left.
 #include "AllocationFailures.h"
+#include "ProviderNames.h"
 #include "ProviderTest.h"
 
 namespace {
@@ -10,6 +11,14 @@ using Access = QuilletTestAccess;
 namespace platform = quillet::platform;
 
 constexpr const char* NO_ARRAY = "(NULL == pSafeArray) -> Create fail";
+
+constexpr const wchar_t* ADAPTER = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+constexpr const char* PROFILES = R"(
+    instance of Zorel_NetService { Name = "ZorelNetService"; };
+    instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Name = "A"; OriginalDisplayName = "A"; };
+    instance of Zorel_AdapterSettingEnum {
+        Caption = "PerformanceProfile"; ParentId = "{A}"; ParentType = "NIC"; CurrentValue = 5; DefaultValue = 2;
+        PossibleValues = {"1", "2", "5"}; DescriptionMap = {"profile 1", "profile 2", "profile 5"}; };)";
 
 class AllocationFailuresTest : public ProviderTest {
   protected:
@@ -139,6 +148,57 @@ TEST_F(AllocationFailuresTest, Setters_AnyStringMissing_LeaveNothing) {
         const HRESULT result = Access::SetPropertyAsMultiString(quillet, adapter, L"NetworkAddresses", texts);
         const quillet::simulator::Value value = stored(L"NetworkAddresses");
         EXPECT_EQ(SUCCEEDED(result), value.AsArray() && value.AsArray()->size() == length);
+        return result;
+    });
+}
+
+TEST_F(AllocationFailuresTest, DisplayTexts_AnyStringMissing_AreNeverAnEmptySuccess) {
+    Connect();
+    for (const auto look : {Access::GetDataFromValues, Access::GetDataFromValueMap}) {
+        FailEachStringAllocation([&] {
+            std::wstring text;
+            const HRESULT result =
+                look(quillet, L_CLASS_ZOREL_TEAMOFADAPTERS, L_PROP_TEAMOFADAPTERS_TEAMINGMODE, 4, text);
+            EXPECT_EQ(SUCCEEDED(result), text == L"IEEE 802.3ad Dynamic Link Aggregation") << Narrow(text);
+            return result;
+        });
+    }
+}
+
+TEST_F(AllocationFailuresTest, Profiles_AnyStringMissing_KeepValuesAndTextsTogether) {
+    UseText(PROFILES);
+    Connect();
+    FailEachStringAllocation([this] {
+        CPerformanceProfiles profiles;
+        const HRESULT result = quillet.GetAdapterProfiles(ADAPTER, profiles);
+        if (SUCCEEDED(result)) {
+            EXPECT_EQ(profiles.m_vecItems.size(), 3u);
+        }
+        for (const CPerformanceProfile* profile : profiles.m_vecItems) {
+            EXPECT_EQ(profile->m_wsDescription, L"profile " + std::to_wstring(profile->m_eProfile));
+        }
+        return result;
+    });
+}
+
+TEST_F(AllocationFailuresTest, LeaveHyperV_AnyStringMissing_LeavesNoClientSetOpen) {
+    UseText(PROFILES);
+    Connect();
+    FailEachStringAllocation([this] {
+        struct Check {
+            CQuillet& quillet;
+            // Also when an exception leaves.
+            ~Check() { EXPECT_EQ(Access::ClientSetId(quillet), 0); }
+        } check{quillet};
+        const HRESULT result =
+            quillet.ChangeAllAdapterProfilesFromHyperV(static_cast<ePERFORMANCE_PROFILE>(2));
+        // As it was, for the next time.
+        const auto setting =
+            machine->Store().FindInstance(LR"(Zorel_AdapterSettingEnum.Caption="PerformanceProfile",)"
+                                          LR"(ParentId="{A}",ParentType="NIC")");
+        quillet::simulator::Instance changed = *setting;
+        EXPECT_TRUE(changed.Set(L"CurrentValue", quillet::simulator::Value::Signed(5)));
+        EXPECT_TRUE(SUCCEEDED(machine->Store().PutInstance(changed)));
         return result;
     });
 }

@@ -132,6 +132,17 @@ TEST_F(ISCSIBootTest, Set_NullCode_LeavesTheArgumentAndSucceeds) {
     EXPECT_EQ(code, 99u);
 }
 
+TEST_F(ISCSIBootTest, Set_CodeThatIsNotWritten_LeavesTheArgumentAndSucceeds) {
+    unsigned int code = 99;
+    Fail(Operation::Get, WBEM_S_NO_MORE_DATA, L"RetCode");
+    EXPECT_EQ(Code(quillet.SetiSCSIStatus(SECOND, CISCSIAdapter::SecondaryPort, code)), "0x00000000");
+    EXPECT_EQ(code, 99u);
+    machine->Rules().Clear();
+    Spoil(Operation::Get, Effect::WrongType, L"RetCode");
+    EXPECT_EQ(Code(quillet.SetiSCSIStatus(SECOND, CISCSIAdapter::SecondaryPort, code)), "0x00000000");
+    EXPECT_EQ(code, 99u);
+}
+
 TEST_F(ISCSIBootTest, Set_FailedSteps_AreNamed) {
     struct Case {
         Operation operation;

@@ -474,7 +474,7 @@ TEST_P(EveryLinkSecurityOperation, MethodFailing_IsNamed) {
     const std::vector<std::string> trace = Traced();
     ASSERT_GE(trace.size(), 2u);
     EXPECT_EQ(trace[trace.size() - 2],
-              std::string("ExecMethod -> wsAdapterID, L_METHOD_ETHERNETADAPTER_") + GetParam().symbol);
+              std::string("ExecMethod -> bstrObjectPath, L_METHOD_ETHERNETADAPTER_") + GetParam().symbol);
 }
 
 TEST_P(EveryLinkSecurityOperation, ClassAndSignatureFailing_AreNamed) {

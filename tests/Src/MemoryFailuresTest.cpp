@@ -1,6 +1,6 @@
 // Records that cannot be allocated. The operations ask for their records without exceptions, and this program
 // makes such an allocation fail.
-#include "ProviderTest.h"
+#include "BootMachine.h"
 
 #include <cstdlib>
 #include <new>
@@ -264,6 +264,55 @@ TEST_F(BootMemoryFailuresTest, ISCSIAdapters_NoMemoryForTheSecondRecord_KeepsThe
     EXPECT_EQ(g_failAt, 0) << "the fault was never met";
     EXPECT_EQ(adapters.m_vecItems.size(), 1u);
     EXPECT_THAT(Traced(), Contains("pAdapter == NULL"));
+}
+
+TEST_F(BootMemoryFailuresTest, ImageFile_NoMemoryForTheSecondRecord_KeepsTheFirst) {
+    boot::Bytes file = boot::NewImage();
+    CSettings images;
+    int code = 0;
+    ExpectFirstOnly<CSettingString>(
+        images,
+        [&] {
+            return quillet.ReadBootAgentImageFile(LR"(Zorel_BootAgent.Name="{A}")",
+                                                  static_cast<LONG>(file.size()), file.data(), images, code);
+        },
+        "pSetting == NULL");
+}
+
+TEST_F(MemoryFailuresTest, Profiles_NoMemoryForTheSecondRecord_KeepsTheFirst) {
+    UseText(R"(
+        instance of Zorel_NetService { Name = "ZorelNetService"; };
+        instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; };
+        instance of Zorel_AdapterSettingEnum {
+            Caption = "PerformanceProfile"; ParentId = "{A}"; ParentType = "NIC"; CurrentValue = 1; DefaultValue = 1;
+            PossibleValues = {"1", "2"}; DescriptionMap = {"one", "two"}; };)");
+    Connect();
+    CPerformanceProfiles profiles;
+    ExpectFirstOnly<CPerformanceProfile>(
+        profiles, [&] { return quillet.GetAdapterProfiles(ADAPTER, profiles); }, "pProfile == NULL");
+}
+
+TEST_F(MemoryFailuresTest, SettingsOfMembers_NoMemoryForTheSecondRecord_KeepsTheFirst) {
+    UseText(R"(
+        instance of Zorel_NetService { Name = "ZorelNetService"; };
+        instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; };
+        instance of Zorel_AdapterSettingEnum {
+            Caption = "*RSS"; ParentId = "{A}"; ParentType = "NIC"; CurrentValue = 1; DefaultValue = 1;
+            PossibleValues = {"0"}; DescriptionMap = {"off"}; };
+        instance of Zorel_AdapterSettingEnum {
+            Caption = "RssMode"; ParentId = "{A}"; ParentType = "NIC"; CurrentValue = 1; DefaultValue = 1;
+            PossibleValues = {"0"}; DescriptionMap = {"off"}; };)");
+    Connect();
+    CSettings settings;
+    bool onAll = true;
+    ExpectFirstOnly<CSettingEnum>(
+        settings,
+        [&] {
+            return QuilletTestAccess::GetSettingOnTeamOrAdapter(quillet, {ADAPTER}, settings, onAll,
+                                                                SettingName::RssMode);
+        },
+        "pSetting == NULL");
+    EXPECT_FALSE(onAll);
 }
 
 TEST_F(MemoryFailuresTest, InitQuillet_NoMemoryForThePrivileges_IsThatCodeAndSendsNothing) {

@@ -4,6 +4,7 @@
 #include "PropertyReader.h"
 #include "SafeArrays.h"
 #include "StubInstance.h"
+#include "VariantValue.h"
 
 namespace {
 
@@ -132,21 +133,21 @@ TEST_F(PropertyReaderTest, FailedReads_NameAccessorVariableAndSymbol) {
 TEST_F(PropertyReaderTest, FailedRead_WithPrefix_StartsWithIt) {
     Fails();
     LONG number = 0;
-    PropertyReader(&instance, L"pOut", OnNull::Keep, L"Op() - ").Long(FIRST, number);
+    PropertyReader(&instance, L"pOut", L"Op() - ").Long(FIRST, number);
     EXPECT_THAT(Traced(), ElementsAre("Op() - GetPropertyAsLong -> pOut, L_PROP_FIRST"));
 }
 
 TEST_F(PropertyReaderTest, FailedRead_WithATextOfItsOwn_TracesThat) {
     Fails();
     LONG number = 0;
-    PropertyReader(&instance, L"pOut", OnNull::Keep, L"Op() - ").Long(FIRST, number, L"100% wrong %s");
+    PropertyReader(&instance, L"pOut", L"Op() - ").Long(FIRST, number, L"100% wrong %s");
     EXPECT_THAT(Traced(), ElementsAre("100% wrong %s"));
 }
 
 TEST_F(PropertyReaderTest, MissingValue_Kept_IsNoFailureAndNoLine) {
     HoldsNothing();
     std::wstring text = L"before";
-    PropertyReader read(&instance, L"pInstance", OnNull::Keep);
+    PropertyReader read(&instance, L"pInstance");
     read.String(FIRST, text);
     EXPECT_EQ(Code(read.Result()), "0x00000000");
     EXPECT_FALSE(read.Found());
@@ -157,7 +158,8 @@ TEST_F(PropertyReaderTest, MissingValue_Kept_IsNoFailureAndNoLine) {
 TEST_F(PropertyReaderTest, MissingValue_Noted_TracesAndGoesOn) {
     HoldsNothing();
     std::wstring text = L"before";
-    PropertyReader read(&instance, L"pInstance", OnNull::Note);
+    PropertyReader read(&instance, L"pInstance");
+    read.When(OnNull::Note);
     read.String(FIRST, text);
     EXPECT_EQ(Code(read.Result()), "0x00000000");
     EXPECT_FALSE(read.Found());
@@ -172,7 +174,8 @@ TEST_F(PropertyReaderTest, MissingValue_AsAFailure_TracesAndStops) {
     HoldsNothing();
     std::wstring text = L"before";
     bool flag = true;
-    PropertyReader read(&instance, L"pInstance", OnNull::Fail);
+    PropertyReader read(&instance, L"pInstance");
+    read.When(OnNull::Fail);
     read.Bool(FIRST, flag).String(SECOND, text);
     EXPECT_EQ(Code(read.Result()), "0x80041001");
     EXPECT_THAT(Traced(), ElementsAre("GetPropertyAsBool -> pInstance, L_PROP_FIRST -> NULL"));
@@ -183,14 +186,14 @@ TEST_F(PropertyReaderTest, MissingValue_AsAFailure_TracesAndStops) {
 TEST_F(PropertyReaderTest, MissingValue_WithATextOfItsOwn_TracesThatAndNull) {
     HoldsNothing();
     std::wstring text;
-    PropertyReader(&instance, L"pInstance", OnNull::Note).String(FIRST, text, L"own text");
+    PropertyReader(&instance, L"pInstance").When(OnNull::Note).String(FIRST, text, L"own text");
     EXPECT_THAT(Traced(), ElementsAre("own text -> NULL"));
 }
 
 TEST_F(PropertyReaderTest, When_ChangesWhatAMissingValueMeans) {
     HoldsNothing();
     std::wstring text;
-    PropertyReader read(&instance, L"pInstance", OnNull::Keep);
+    PropertyReader read(&instance, L"pInstance");
     read.String(FIRST, text).When(OnNull::Fail).String(SECOND, text);
     EXPECT_EQ(Code(read.Result()), "0x80041001");
     EXPECT_THAT(Traced(), ElementsAre("GetPropertyAsString -> pInstance, L_PROP_SECOND -> NULL"));
@@ -229,6 +232,50 @@ TEST_F(PropertyReaderTest, String_NoMoreData_LeavesTheText) {
     EXPECT_EQ(text, L"before");
 }
 
+TEST_F(PropertyReaderTest, SuccessWithoutData_IsNotFoundAndNoNull) {
+    instance.AnswerWith([](VARIANT& value) {
+        V_VT(&value) = VT_I4;
+        V_I4(&value) = 9;
+        return static_cast<HRESULT>(WBEM_S_NO_MORE_DATA);
+    });
+    LONG number = 5;
+    PropertyReader read(&instance, L"pInstance");
+    read.When(OnNull::Fail).Long(FIRST, number);
+    EXPECT_EQ(Code(read.Result()), "0x00040005");
+    EXPECT_FALSE(read.Found());
+    EXPECT_FALSE(read.IsNull());
+    EXPECT_EQ(number, 5);
+}
+
+TEST_F(PropertyReaderTest, ValueOfATypeThatDoesNotConvert_IsNotFound) {
+    Holds(NumberArray({3, 4}));
+    LONG number = 5;
+    PropertyReader read(&instance, L"pInstance");
+    EXPECT_EQ(Code(read.Long(FIRST, number).Result()), "0x00000000");
+    EXPECT_FALSE(read.Found());
+    EXPECT_EQ(number, 5);
+}
+
+TEST_F(PropertyReaderTest, Code_ConvertsOnlyWhatWasRead) {
+    enum Kind : LONG { None = 0, Seven = 7 };
+    Holds(VariantOfLong(7));
+    Kind kind = None;
+    Kind other = None;
+    std::wstring text = L"before";
+    PropertyReader read(&instance, L"pInstance");
+    read.Code(FIRST, kind).IntCode(FIRST, other).Code(FIRST, text, [](LONG number) {
+        return std::to_wstring(number);
+    });
+    EXPECT_EQ(kind, Seven);
+    EXPECT_EQ(other, Seven);
+    EXPECT_EQ(text, L"7");
+    HoldsNothing();
+    read.Code(FIRST, kind).IntCode(FIRST, other).Code(FIRST, text, [](LONG) { return L"not asked"; });
+    EXPECT_EQ(kind, Seven);
+    EXPECT_EQ(other, Seven);
+    EXPECT_EQ(text, L"7");
+}
+
 TEST_F(PropertyReaderTest, String_NullText_IsAnEmptyOne) {
     instance.AnswerWith([](VARIANT& value) {
         V_VT(&value) = VT_BSTR;
@@ -236,7 +283,8 @@ TEST_F(PropertyReaderTest, String_NullText_IsAnEmptyOne) {
         return S_OK;
     });
     std::wstring text = L"before";
-    PropertyReader read(&instance, L"pInstance", OnNull::Fail);
+    PropertyReader read(&instance, L"pInstance");
+    read.When(OnNull::Fail);
     read.String(FIRST, text);
     EXPECT_EQ(Code(read.Result()), "0x00000000");
     EXPECT_TRUE(read.Found());
@@ -272,8 +320,8 @@ TEST_F(PropertyReaderTest, Array_AppendsItsElements) {
 TEST_F(PropertyReaderTest, Array_Missing_IsAFailure) {
     HoldsNothing();
     std::vector<LONG> numbers;
-    PropertyReader read(&instance, L"pInstance", OnNull::Keep);
-    read.Array(FIRST, numbers, L"own text");
+    PropertyReader read(&instance, L"pInstance");
+    read.Array(FIRST, numbers, PropertyReader::Gaps::Skip, L"own text");
     EXPECT_EQ(Code(read.Result()), "0x80004005");
     EXPECT_FALSE(read.Found());
     EXPECT_THAT(

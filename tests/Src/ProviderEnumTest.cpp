@@ -40,8 +40,8 @@ class ProviderEnumTest : public ProviderTest {
 
 TEST_F(ProviderEnumTest, Next_YieldsOneObjectAtATimeUntilTheEnd) {
     const ProviderSession session(quillet);
-    ProviderEnum instances;
-    EXPECT_EQ(Code(session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, instances, L"failed")), "0x00000000");
+    ProviderEnum instances = session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, L"failed");
+    EXPECT_EQ(Code(instances.Result()), "0x00000000");
     EXPECT_THAT(Names(instances), ElementsAre(L"One", L"Two", L"Three"));
     EXPECT_TRUE(SUCCEEDED(instances.Result()));
     EXPECT_THAT(Called(), ElementsAre(ENUMERATION, NEXT, NEXT, NEXT, END));
@@ -49,7 +49,7 @@ TEST_F(ProviderEnumTest, Next_YieldsOneObjectAtATimeUntilTheEnd) {
 }
 
 TEST_F(ProviderEnumTest, Next_NoEnumerator_IsAtItsEnd) {
-    ProviderEnum instances;
+    ProviderEnum instances(S_OK);
     EXPECT_THAT(Names(instances), IsEmpty());
     EXPECT_EQ(Code(instances.Result()), "0x00000000");
 }
@@ -57,8 +57,7 @@ TEST_F(ProviderEnumTest, Next_NoEnumerator_IsAtItsEnd) {
 TEST_F(ProviderEnumTest, Next_Fails_EndsAndKeepsTheCode) {
     Fail(Operation::Next, WBEM_E_TRANSPORT_FAILURE, L"", 2);
     const ProviderSession session(quillet);
-    ProviderEnum instances;
-    session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, instances, L"failed");
+    ProviderEnum instances = session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, L"failed");
     EXPECT_THAT(Names(instances), ElementsAre(L"One"));
     EXPECT_EQ(Code(instances.Result()), Code(WBEM_E_TRANSPORT_FAILURE));
     Calls();
@@ -69,8 +68,7 @@ TEST_F(ProviderEnumTest, Next_Fails_EndsAndKeepsTheCode) {
 TEST_F(ProviderEnumTest, Next_SucceedsWithoutAnObject_IsTheEnd) {
     Spoil(Operation::Next, Effect::NullObject, L"", 2);
     const ProviderSession session(quillet);
-    ProviderEnum instances;
-    session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, instances, L"failed");
+    ProviderEnum instances = session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, L"failed");
     EXPECT_THAT(Names(instances), ElementsAre(L"One"));
     EXPECT_TRUE(SUCCEEDED(instances.Result()));
 }
@@ -78,19 +76,77 @@ TEST_F(ProviderEnumTest, Next_SucceedsWithoutAnObject_IsTheEnd) {
 TEST_F(ProviderEnumTest, Next_DataEndsEarly_IsTheEnd) {
     Spoil(Operation::Next, Effect::EndOfData, L"", 3);
     const ProviderSession session(quillet);
-    ProviderEnum instances;
-    session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, instances, L"failed");
+    ProviderEnum instances = session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, L"failed");
     EXPECT_THAT(Names(instances), ElementsAre(L"One", L"Two"));
     EXPECT_TRUE(SUCCEEDED(instances.Result()));
+}
+
+TEST_F(ProviderEnumTest, ForEach_HandsOutAllAndEndsWell) {
+    const ProviderSession session(quillet);
+    Traced();
+    int count = 0;
+    EXPECT_EQ(Code(session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, L"failed")
+                       .ForEach(L"broke off",
+                                [&](IWbemClassObject* instance) {
+                                    count += instance != nullptr ? 1 : 0;
+                                    return S_FALSE;
+                                })),
+              "0x00000000");
+    EXPECT_EQ(count, 3);
+    EXPECT_THAT(Traced(), IsEmpty());
+}
+
+TEST_F(ProviderEnumTest, ForEach_StepFails_IsItsCodeAndAsksForNoMore) {
+    const ProviderSession session(quillet);
+    Traced();
+    EXPECT_EQ(Code(session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, L"failed")
+                       .ForEach(L"broke off", [](IWbemClassObject*) { return E_ABORT; })),
+              Code(E_ABORT));
+    EXPECT_THAT(Called(), ElementsAre(ENUMERATION, NEXT));
+    EXPECT_THAT(Traced(), IsEmpty());
+}
+
+TEST_F(ProviderEnumTest, ForEach_BreaksOff_IsTracedAndFails) {
+    Fail(Operation::Next, WBEM_E_TRANSPORT_FAILURE, L"", 3);
+    const ProviderSession session(quillet);
+    Traced();
+    int count = 0;
+    EXPECT_EQ(Code(session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, L"failed")
+                       .ForEach(L"broke off",
+                                [&](IWbemClassObject*) {
+                                    ++count;
+                                    return S_OK;
+                                })),
+              Code(WBEM_E_TRANSPORT_FAILURE));
+    EXPECT_EQ(count, 2);
+    EXPECT_THAT(Traced(), ElementsAre("broke off"));
+}
+
+TEST_F(ProviderEnumTest, ForEach_OfWhatWasRefused_IsThatCodeWithoutALineOfItsOwn) {
+    Traced();
+    ProviderEnum refused(E_ACCESSDENIED);
+    EXPECT_EQ(Code(refused.ForEach(L"broke off", [](IWbemClassObject*) { return S_OK; })),
+              Code(E_ACCESSDENIED));
+    EXPECT_THAT(Traced(), IsEmpty());
+}
+
+TEST_F(ProviderEnumTest, Session_Refusal_ComesBeforeTheConnectionUnlessItIsToWait) {
+    quillet.UninitQuillet();
+    Traced();
+    EXPECT_EQ(Code(ProviderSession(quillet, Refusal{true, L"no id"}).Result()), "0x80004005");
+    EXPECT_THAT(Traced(), ElementsAre("no id"));
+    EXPECT_EQ(Code(ProviderSession(quillet, Refusal{true, L"no id"}.OnceConnected(), L"missing").Result()),
+              "0x80041001");
+    EXPECT_THAT(Traced(), ElementsAre("GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))",
+                                      "GetContext -> ((0 == m_dwContext) || (m_pGIT == NULL))", "missing"));
 }
 
 TEST_F(ProviderEnumTest, Enumerate_Refused_TracesTheTextGiven) {
     Fail(Operation::CreateInstanceEnum, WBEM_E_INVALID_CLASS);
     const ProviderSession session(quillet);
     Traced();
-    ProviderEnum instances;
-    EXPECT_EQ(Code(session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, instances, L"100% failed")),
-              "0x80041010");
+    ProviderEnum instances = session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, L"100% failed");
+    EXPECT_EQ(Code(instances.Result()), "0x80041010");
     EXPECT_THAT(Traced(), ElementsAre("100% failed"));
     EXPECT_THAT(Names(instances), IsEmpty());
 }
@@ -100,20 +156,16 @@ TEST_F(ProviderEnumTest, EnumerateAndQuery_NoEnumerator_AreFailures) {
     Spoil(Operation::ExecQuery, Effect::NullObject);
     const ProviderSession session(quillet);
     Traced();
-    ProviderEnum instances;
-    EXPECT_FALSE(instances);
-    EXPECT_EQ(Code(session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, instances, L"list")), "0x80041001");
-    EXPECT_EQ(Code(session.Query(L"SELECT * FROM Zorel_VLAN", instances, L"query")), "0x80041001");
+    EXPECT_EQ(Code(session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, L"list").Result()), "0x80041001");
+    EXPECT_EQ(Code(session.Query(L"SELECT * FROM Zorel_VLAN", L"query").Result()), "0x80041001");
     EXPECT_THAT(Traced(), ElementsAre("list -> NULL", "query -> NULL"));
-    EXPECT_FALSE(instances);
 }
 
 TEST_F(ProviderEnumTest, Query_RunsWithTheThreadsContext) {
     const ProviderSession session(quillet);
-    ProviderEnum instances;
-    EXPECT_EQ(Code(session.Query(L"SELECT * FROM Zorel_PhysicalEthernetAdapter WHERE Name = \"Two\"",
-                                 instances, L"failed")),
-              "0x00000000");
+    ProviderEnum instances =
+        session.Query(L"SELECT * FROM Zorel_PhysicalEthernetAdapter WHERE Name = \"Two\"", L"failed");
+    EXPECT_EQ(Code(instances.Result()), "0x00000000");
     EXPECT_THAT(Names(instances), ElementsAre(L"Two"));
     EXPECT_EQ(Called().at(0),
               "ExecQuery SELECT * FROM Zorel_PhysicalEthernetAdapter WHERE Name = \"Two\" -> 0x00000000 "
@@ -123,8 +175,7 @@ TEST_F(ProviderEnumTest, Query_RunsWithTheThreadsContext) {
 TEST_F(ProviderEnumTest, Query_Malformed_TracesTheTextGiven) {
     const ProviderSession session(quillet);
     Traced();
-    ProviderEnum instances;
-    EXPECT_EQ(Code(session.Query(L"SELECT FROM", instances, L"ExecQuery -> it")), "0x80041017");
+    EXPECT_EQ(Code(session.Query(L"SELECT FROM", L"ExecQuery -> it").Result()), "0x80041017");
     EXPECT_THAT(Traced(), ElementsAre("ExecQuery -> it"));
 }
 
@@ -133,9 +184,8 @@ TEST_F(ProviderEnumTest, Session_NotConnected_TracesOnceAndSendsNothing) {
     Traced();
     const ProviderSession session(quillet, L"own text");
     EXPECT_EQ(Code(session.Result()), "0x80041001");
-    ProviderEnum instances;
-    EXPECT_EQ(Code(session.Query(L"SELECT * FROM Zorel_VLAN", instances, L"failed")), "0x80041001");
-    EXPECT_EQ(Code(session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, instances, L"failed")), "0x80041001");
+    EXPECT_EQ(Code(session.Query(L"SELECT * FROM Zorel_VLAN", L"failed").Result()), "0x80041001");
+    EXPECT_EQ(Code(session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, L"failed").Result()), "0x80041001");
     const ProviderInstance instance(session, L"Zorel_NetService.Name=\"x\"", L"failed");
     EXPECT_EQ(Code(instance.Result()), "0x80041001");
     EXPECT_FALSE(instance.Get());
@@ -155,11 +205,9 @@ TEST_F(ProviderEnumTest, Session_OnlyTheContextMissing_FailsAndReleasesTheServic
 TEST_F(ProviderEnumTest, Retrieve_SwitchesTheCallsOfThisSessionOnly) {
     const ProviderSession session(quillet);
     session.Retrieve(5);
-    ProviderEnum instances;
-    session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, instances, L"failed");
+    ProviderEnum instances = session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, L"failed");
     const ProviderSession other(quillet);
-    ProviderEnum others;
-    other.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, others, L"failed");
+    ProviderEnum others = other.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, L"failed");
     EXPECT_THAT(Called(),
                 ElementsAre("CreateInstanceEnum Zorel_PhysicalEthernetAdapter -> 0x00000000 {ClientSetId=0, "
                             "GET_EXT_CLIENT_REQUEST=true, GET_EXTENSIONS=true, Zorel_PartialData=5}",

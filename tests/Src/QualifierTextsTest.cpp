@@ -91,6 +91,36 @@ TEST_F(QualifierTextsTest, UnknownClassOrProperty_IsNamedAndEmptiesTheText) {
     EXPECT_THAT(Traced(), Contains("GetPropertyQualifierSet -> L_PROP_NONE"));
 }
 
+TEST_F(QualifierTextsTest, QualifierThatCannotBeRead_IsItsCodeAndALine) {
+    for (const wchar_t* qualifier : {L"ValueMap", L"Values"}) {
+        Traced();
+        Fail(Operation::GetQualifier, WBEM_E_ACCESS_DENIED, qualifier);
+        std::wstring text = L"before";
+        EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValueMap(quillet, CLASS, MAPPED, 10, text)),
+                  "0x80041003");
+        EXPECT_EQ(text, L"");
+        EXPECT_THAT(Traced(), Contains("Get -> " + Narrow(qualifier)));
+        machine->Rules().Clear();
+    }
+    Fail(Operation::GetQualifier, WBEM_E_TRANSPORT_FAILURE, L"Values");
+    std::wstring text = L"before";
+    EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValues(quillet, CLASS, INDEXED, 1, text)),
+              Code(WBEM_E_TRANSPORT_FAILURE));
+    EXPECT_EQ(text, L"");
+}
+
+TEST_F(QualifierTextsTest, QualifierThatIsAbsentOrNoList_IsAnEmptyTextAndSuccess) {
+    Spoil(Operation::GetQualifier, Effect::Absent, L"Values");
+    EXPECT_EQ(ByPosition(INDEXED, 1), L"");
+    machine->Rules().Clear();
+    Spoil(Operation::GetQualifier, Effect::NullValue, L"Values");
+    EXPECT_EQ(ByPosition(INDEXED, 1), L"");
+    machine->Rules().Clear();
+    Spoil(Operation::GetQualifier, Effect::UnreadableElement, L"Values");
+    EXPECT_EQ(ByPosition(INDEXED, 0), L"") << "this one is no text";
+    EXPECT_EQ(ByPosition(INDEXED, 1), L"one") << "and the others keep their places";
+}
+
 TEST_F(QualifierTextsTest, NotConnected_Fails) {
     quillet.UninitQuillet();
     std::wstring text = L"before";

@@ -272,6 +272,26 @@ TEST_F(SettingChecksTest, TeamCapable_AllEnabled_SaysBoth) {
                                 "enabled."));
 }
 
+TEST_F(SettingChecksTest, TeamCapable_OwnerIsTheParentId_WhateverThePathSays) {
+    FaultRule rule;
+    rule.operation = Operation::Get;
+    rule.target = L"__PATH";
+    rule.effect = Effect::NullValue;
+    rule.repeat = true;
+    Inject(rule);
+    LONG capable = 9;
+    LONG enabled = 9;
+    EXPECT_TRUE(QuilletTestAccess::IsTeamCapableOfAdvancedSetting(quillet, Paths({L"E1", L"E2"}),
+                                                                  SettingName::RssMode, capable, enabled));
+    EXPECT_EQ(capable, 2);
+    EXPECT_EQ(enabled, 2);
+    machine->Rules().Clear();
+    // An identifier is the same in whatever case it is written.
+    EXPECT_TRUE(QuilletTestAccess::IsTeamCapableOfAdvancedSetting(quillet, Paths({L"e1", L"e2"}),
+                                                                  SettingName::RssMode, capable, enabled));
+    EXPECT_EQ(enabled, 2);
+}
+
 TEST_F(SettingChecksTest, TeamCapable_NotAllEnabled_IsCapableAllTheSame) {
     LONG capable = 9;
     LONG enabled = 9;
@@ -458,6 +478,17 @@ TEST_F(SettingChecksTest, RssPrecheck_NullEntries_AreNoAdapters) {
     ULONGLONG warnings = 0;
     EXPECT_EQ(Code(quillet.RSS_PrecheckOnTeamModify(members, wanted, warnings)), "0x00000000");
     EXPECT_EQ(warnings, 0x1u);
+}
+
+TEST_F(SettingChecksTest, RssPrecheck_OneAdapterBesideNullEntries_IsOne) {
+    CAdapters wanted;
+    wanted.m_vecItems.push_back(nullptr);
+    Fill(wanted, {L"E1"});
+    wanted.m_vecItems.push_back(nullptr);
+    ULONGLONG warnings = 7;
+    EXPECT_EQ(Code(quillet.RSS_PrecheckOnTeamModify(CTeamedAdapters(), wanted, warnings)), "0x00000000");
+    EXPECT_EQ(warnings, 0u);
+    EXPECT_THAT(Traced(), Contains(ONE_ADAPTER));
 }
 
 TEST_F(SettingChecksTest, RssPrecheck_SettingsUnreadableOrNotConnected_Fails) {

@@ -145,10 +145,6 @@ OperationArea BootOperations() {
                  out("version", agent.m_wsVersion)("type", agent.m_lFlashImageType)(
                      "text", agent.m_wsFlashImageType)("installed", agent.m_lInstalledFlashImageTypes);
                  return result;
-             },
-             [](const JournalEntry& failed, HRESULT code) {
-                 // An image type without a text is known by its number.
-                 return failed.operation == Operation::GetQualifier ? S_OK : code;
              }},
             {"ReadBootAgentFlash",
              [](CQuillet& q, Outputs& out) {

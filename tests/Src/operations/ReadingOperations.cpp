@@ -58,11 +58,6 @@ HRESULT AdapterUnreadable(const JournalEntry& failed, HRESULT code) {
     return failed.operation == Operation::Get ? E_FAIL : code;
 }
 
-/// A text that the provider does not have is no failure.
-HRESULT TextIsOptional(const JournalEntry& failed, HRESULT code) {
-    return failed.operation == Operation::GetQualifier ? S_OK : code;
-}
-
 /// An operation that fills a collection of settings.
 OperationCase SettingsOf(const char* name, HRESULT (*read)(CQuillet&, CSettings&)) {
     return {name, [read](CQuillet& q, Outputs& out) {
@@ -211,8 +206,7 @@ OperationArea ReadingOperations() {
                                                                              CAPABILITIES, 46, text);
                  out("text", text);
                  return result;
-             },
-             TextIsOptional},
+             }},
             {"GetDataFromValueMap",
              [](CQuillet& q, Outputs& out) {
                  std::wstring text = L"before";
@@ -220,8 +214,7 @@ OperationArea ReadingOperations() {
                      QuilletTestAccess::GetDataFromValueMap(q, TEAM_CLASS, TEAMING_MODE, 1, text);
                  out("text", text);
                  return result;
-             },
-             TextIsOptional},
+             }},
         },
     };
 }

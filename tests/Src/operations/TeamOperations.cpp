@@ -90,14 +90,6 @@ bool GoesOnAlways(const JournalEntry&) {
     return true;
 }
 
-/// A mode without a text is a mode all the same.
-HRESULT ModesUnreadable(const JournalEntry& failed, HRESULT code) {
-    return failed.operation == Operation::GetQualifier ? S_OK : code;
-}
-bool IsText(const JournalEntry& failed) {
-    return failed.operation == Operation::GetQualifier;
-}
-
 /// A member whose own status cannot be read is only not counted.
 bool IsOfAMember(const JournalEntry& failed) {
     return failed.operation == Operation::SetBlanket || failed.operation == Operation::Get ||
@@ -202,7 +194,7 @@ OperationArea TeamOperations() {
             {"ValidateTeamName",
              [](CQuillet& q, Outputs& out) {
                  DWORD word = 0;
-                 const HRESULT result = q.ValidateTeamName(L"TEAM : One", L"", word);
+                 const HRESULT result = q.ValidateTeamName(L"TEAM : One", L"Zorel_TeamOfAdapters", word);
                  out("word", word);
                  return result;
              }},
@@ -272,8 +264,7 @@ OperationArea TeamOperations() {
                      Tell(out, *adapter.m_pTeamModes);
                  }
                  return result;
-             },
-             ModesUnreadable, IsText},
+             }},
             {"GetCompatibleTeamModesWithAdapters",
              [](CQuillet& q, Outputs& out) {
                  CTeamWizTeamModes modes;
@@ -281,8 +272,7 @@ OperationArea TeamOperations() {
                      q.GetCompatibleTeamModesWithAdapters(Adapters({L"{A}", L"{B}"}), modes, true);
                  Tell(out, modes);
                  return result;
-             },
-             ModesUnreadable, IsText},
+             }},
             {"GetBestTeamMode",
              [](CQuillet& q, Outputs& out) {
                  CTeamWizTeamMode mode;
@@ -292,8 +282,7 @@ OperationArea TeamOperations() {
                  out("mode", mode.m_lTeamMode)("text", mode.m_wsDescription)("status", LONG{status})(
                      "coverage", coverage);
                  return result;
-             },
-             ModesUnreadable},
+             }},
             {"TestSwitchConfiguration",
              [](CQuillet& q, Outputs& out) {
                  CTeam::SwitchCmdStatus status{};

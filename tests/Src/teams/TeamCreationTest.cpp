@@ -80,16 +80,16 @@ TEST_F(TeamCreationTest, CreateTeam_Refused_ReturnsTheProvidersCode) {
 TEST_F(TeamCreationTest, CreateTeam_ReturnValueUnreadable_Fails) {
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"ReturnValue");
     EXPECT_EQ(Code(Create()), "0x80041003");
-    EXPECT_THAT(Traced(), Contains("GetPropertyAsLong -> pTeam_OutParams, L_METHOD_RETURN"));
+    EXPECT_THAT(Traced(), Contains("GetPropertyAsLong -> pAdapter_OutParams, L_METHOD_RETURN"));
 }
 
 TEST_F(TeamCreationTest, CreateTeam_PathUnreadable_IsNoFailureByItselfButThereIsNoTeamToRead) {
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"TeamPath");
     EXPECT_EQ(Code(Create()), "0x80041001");
     const std::vector<std::string> lines = Traced();
-    EXPECT_THAT(lines, Contains("GetPropertyAsString -> pTeam_OutParams, L_PARAM_TEAM_TEAMPATH"));
+    EXPECT_THAT(lines, Contains("GetPropertyAsString -> pAdapter_OutParams, L_PARAM_TEAM_TEAMPATH"));
     EXPECT_THAT(lines, Contains("GetObject -> bstrTeamPath"));
-    EXPECT_THAT(lines, Not(Contains("GetPropertyAsLong -> pTeam_OutParams, L_METHOD_RETURN")));
+    EXPECT_THAT(lines, Not(Contains("GetPropertyAsLong -> pAdapter_OutParams, L_METHOD_RETURN")));
     EXPECT_EQ(team.m_wsCaption, L"Two");
     EXPECT_EQ(team.m_wsTeamID, L"");
 }
@@ -104,7 +104,7 @@ TEST_F(TeamCreationTest, CreateTeam_NewTeamUnreadable_ReturnsTheCode) {
 TEST_F(TeamCreationTest, CreateTeam_NoOutParameters_IsAFailureWithALine) {
     Spoil(Operation::ExecMethod, Effect::NoOutParameters);
     EXPECT_EQ(Code(Create()), "0x80004005");
-    EXPECT_THAT(Traced(), Contains("GetPropertyAsLong -> pTeam_OutParams, L_METHOD_RETURN"));
+    EXPECT_THAT(Traced(), Contains("GetPropertyAsLong -> pAdapter_OutParams, L_METHOD_RETURN"));
 }
 
 /// A provider that answers with a return value of its own although it made the team.
@@ -136,14 +136,16 @@ TEST_F(RefusedInWordsTest, CreateTeam_VerdictWithoutPath_FailsBecauseThereIsNoPa
 
 class TeamValidationTest : public TeamTest {
   protected:
+    /// What is asked about a team that is yet to be made.
+    static constexpr const wchar_t* CLASS = L"Zorel_TeamOfAdapters";
     DWORD word = 77;
     ULONGLONG mask = 77;
 };
 
 TEST_F(TeamValidationTest, Name_AsksTheClassOrTheTeam) {
-    EXPECT_EQ(Code(quillet.ValidateTeamName(L"Two", L"", word)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateTeamName(L"Two", CLASS, word)), "0x00000000");
     EXPECT_EQ(word, 0u);
-    EXPECT_EQ(Code(quillet.ValidateTeamName(L"TEAM : One", L"", word)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateTeamName(L"TEAM : One", CLASS, word)), "0x00000000");
     EXPECT_EQ(word, 0x80u) << "a new team of this name";
     EXPECT_EQ(Code(quillet.ValidateTeamName(L"TEAM : One", T, word)), "0x00000000");
     EXPECT_EQ(word, 0u) << "the team's own name";
@@ -156,10 +158,21 @@ TEST_F(TeamValidationTest, Name_AsksTheClassOrTheTeam) {
     EXPECT_THAT(Traced(), Contains("(wsTeamName.empty())"));
 }
 
-TEST_F(TeamValidationTest, Mode_AsksTheClassOrTheTeam) {
-    EXPECT_EQ(Code(quillet.ValidateTeamMode(CTeam::TeamMode6, L"", word)), "0x00000000");
+TEST_F(TeamValidationTest, NameAndMode_WithoutAnObject_AreRefusedBeforeAnythingIsSent) {
+    EXPECT_EQ(Code(quillet.ValidateTeamName(L"Two", L"", word)), "0x80041001");
     EXPECT_EQ(word, 0u);
-    EXPECT_EQ(Code(quillet.ValidateTeamMode(CTeam::TeamModeUnknown, L"", word)), "0x00000000");
+    EXPECT_THAT(Traced(), Contains("(wsObjectPath.empty())"));
+    word = 77;
+    EXPECT_EQ(Code(quillet.ValidateTeamMode(CTeam::TeamMode6, L"", word)), "0x80041001");
+    EXPECT_EQ(word, 0u);
+    EXPECT_THAT(Traced(), Contains("(wsObjectPath.empty())"));
+    EXPECT_THAT(Called(), testing::IsEmpty());
+}
+
+TEST_F(TeamValidationTest, Mode_AsksTheClassOrTheTeam) {
+    EXPECT_EQ(Code(quillet.ValidateTeamMode(CTeam::TeamMode6, CLASS, word)), "0x00000000");
+    EXPECT_EQ(word, 0u);
+    EXPECT_EQ(Code(quillet.ValidateTeamMode(CTeam::TeamModeUnknown, CLASS, word)), "0x00000000");
     EXPECT_EQ(word, 0x400u);
     EXPECT_EQ(Code(quillet.ValidateTeamMode(CTeam::TeamMode5, T, word)), "0x00000000");
     EXPECT_EQ(word, 0u);
@@ -174,9 +187,9 @@ TEST_F(TeamValidationTest, NameAndMode_ARefusalOfTheMethod_IsReturnedUnderTheNam
     rule.verdict = 5;
     rule.repeat = true;
     Inject(rule);
-    EXPECT_EQ(quillet.ValidateTeamName(L"Two", L"", word), 5);
+    EXPECT_EQ(quillet.ValidateTeamName(L"Two", CLASS, word), 5);
     EXPECT_THAT(Traced(), Contains("ValidateTeamName() -> Validate team name Method failed."));
-    EXPECT_EQ(quillet.ValidateTeamMode(CTeam::TeamMode1, L"", word), 5);
+    EXPECT_EQ(quillet.ValidateTeamMode(CTeam::TeamMode1, CLASS, word), 5);
     EXPECT_THAT(Traced(), Contains("ValidateTeamName() -> Validate team name Method failed."));
     EXPECT_EQ(word, 0u);
 }
@@ -259,7 +272,7 @@ TEST_F(TeamValidationTest, Words_AreThe64BitsOfTheProvider) {
     machine->Rules().Clear();
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"ValResult");
     EXPECT_EQ(Code(quillet.ValidateAddAdapters(T, CTeamedAdapters(), Adapters({A}), mask)), "0x80041003");
-    EXPECT_THAT(Traced(), Contains("GetPropertyAsUINT64 -> pTeam_OutParams, L_PARAM_TEAM_VALRESULT"));
+    EXPECT_THAT(Traced(), Contains("GetPropertyAsUINT64 -> pAdapter_OutParams, L_PARAM_TEAM_VALRESULT"));
 }
 
 TEST_F(TeamValidationTest, Prefix_IsTheValuesQualifierOfTeamPrefix) {

@@ -292,7 +292,7 @@ TEST_F(TeamLifeTest, Validation_TellsEveryRealConflict) {
     EXPECT_EQ(members({C, D}, 1), 0x40u) << "C carries a VLAN of its own";
     EXPECT_EQ(members({Adapter(L"{F}"), Adapter(L"{G}")}, 2), 0x4000u);
     DWORD word = 77;
-    EXPECT_EQ(Code(quillet.ValidateTeamName(L" ", L"", word)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateTeamName(L" ", L"Zorel_TeamOfAdapters", word)), "0x00000000");
     EXPECT_EQ(word, 0x100u);
 }
 

@@ -163,6 +163,26 @@ TEST_F(TeamMembersTest, GetMemberAdapters_AppendsAndLeavesEarlierRecordsAlone) {
     EXPECT_THAT(Traced(), Contains("Found adapter at index:1"));
 }
 
+TEST_F(TeamMembersTest, GetMemberAdapters_FindsTheMemberWhateverTheFormOfItsPath) {
+    for (const char* part :
+         {R"("Zorel_PhysicalEthernetAdapter.DeviceID=\"{A}\"")",
+          R"("zorel_physicalethernetadapter.deviceid='{a}'")",
+          R"("\\\\testhost\\root\\marlolum2:Zorel_PhysicalEthernetAdapter.DeviceID=\"{A}\"")"}) {
+        SCOPED_TRACE(part);
+        std::string text = MACHINE;
+        const std::string reference = "PartComponent = $A";
+        text.replace(text.find(reference), reference.size(), std::string("PartComponent = ") + part);
+        UseText(text);
+        Connect();
+        CTeamedAdapters found;
+        ASSERT_EQ(Code(quillet.GetMemberAdapters(T, found)), "0x00000000");
+        ASSERT_EQ(found.m_vecItems.size(), 2u);
+        EXPECT_EQ(found.m_vecItems[0]->m_wsAdapterID, A);
+        EXPECT_EQ(found.m_vecItems[0]->m_lMemberRole, 1);
+        EXPECT_EQ(found.m_vecItems[0]->m_lMemberStatus, CTeamedAdapter::MemberStatusActive);
+    }
+}
+
 TEST_F(TeamMembersTest, GetMemberAdapters_AMemberWithoutAnAdapterInTheList_HasNoEffect) {
     UseText(std::string(MACHINE) + R"(
         instance of Zorel_TeamedMemberAdapter {

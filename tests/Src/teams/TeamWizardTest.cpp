@@ -58,6 +58,10 @@ TEST_F(TeamWizardTest, Capability_TextIsThatOfTheCodeInTheProvidersList) {
     EXPECT_EQ(modes.m_vecItems[1]->m_wsDescription, L"Virtual machine load balancing team");
     Fail(Operation::GetObject, WBEM_E_ACCESS_DENIED);
     EXPECT_EQ(Code(QuilletTestAccess::FillTeamAttr(quillet, 4, &modes)), "0x80041003");
+    machine->Rules().Clear();
+    Calls();
+    EXPECT_EQ(Code(QuilletTestAccess::FillTeamAttr(quillet, 4, nullptr)), "0x00000000");
+    EXPECT_THAT(Called(), IsEmpty()) << "there is nowhere to put a text";
     EXPECT_EQ(modes.m_vecItems.size(), 2u);
 }
 
@@ -271,7 +275,7 @@ TEST_F(BestModeTest, Failures) {
     machine->Rules().Clear();
     Fail(Operation::ExecMethod, WBEM_E_ACCESS_DENIED);
     EXPECT_EQ(Code(Ask(T)), "0x80041003");
-    EXPECT_THAT(Traced(), Contains("ExecMethod -> wsTeamID, L_METHOD_TEAMOFADAPTERS_GETBESTTEAMMODE"));
+    EXPECT_THAT(Traced(), Contains("ExecMethod -> bstrObjectPath, L_METHOD_TEAMOFADAPTERS_GETBESTTEAMMODE"));
 }
 
 class SwitchTestTest : public TeamWizardTest {
@@ -345,7 +349,7 @@ TEST_F(SwitchTestTest, Failures) {
     Spoil(Operation::Get, Effect::NullValue, L"strCause");
     EXPECT_EQ(Code(Send(CTeam::SwitchCmdStart)), "0x80004005");
     EXPECT_EQ(status, CTeam::SwitchCmdStatusRunning) << "what was read before stays";
-    EXPECT_THAT(Traced(), Contains("GetPropertyArray -> pTeam_OutParams, L_PARAM_TEAM_CAUSE"));
+    EXPECT_THAT(Traced(), Contains("GetPropertyArray -> pAdapter_OutParams, L_PARAM_TEAM_CAUSE"));
 }
 
 TEST(TeamTextsTest, EveryNumberHasItsTextAndAStrangerNone) {
