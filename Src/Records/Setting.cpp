@@ -1,4 +1,4 @@
-// Settings: the common part, and the kinds whose values need no table.
+// Settings: the common part, the values of the kinds, and the look-up by caption.
 #include <quillet/Setting.h>
 
 #include "Text.h"
@@ -11,13 +11,53 @@ using quillet::ParseDecimal;
 
 namespace {
 
-// The other setting's value is asked for through its accessor, so that a class of the caller's own that
-// reports one of our kinds is as good as ours.
-template <class TValue>
-void TakeValue(const CSetting& rSetting, const CSetting* pOther, TValue& rValue) {
-    if (pOther != nullptr && pOther->GetSettingType() == rSetting.GetSettingType()) {
-        pOther->GetCurrentVal(rValue);
+std::wstring ToText(LONG lValue) {
+    return FormatDecimal(lValue);
+}
+
+const std::wstring& ToText(const std::wstring& rwsValue) {
+    return rwsValue;
+}
+
+std::wstring ToText(const std::vector<std::wstring>& rvecValues) {
+    std::wstring text;
+    for (const std::wstring& value : rvecValues) {
+        if (&value != &rvecValues.front()) {
+            text += L',';
+        }
+        text += value;
     }
+    return text;
+}
+
+void FromText(const std::wstring& rwsText, LONG& rlValue) {
+    rlValue = ParseDecimal(rwsText);
+}
+
+void FromText(const std::wstring& rwsText, std::wstring& rwsValue) {
+    rwsValue = rwsText;
+}
+
+void FromText(const std::wstring& rwsText, std::vector<std::wstring>& rvecValues) {
+    std::vector<std::wstring> values;
+    std::wstring::size_type start = 0;
+    std::wstring::size_type comma = rwsText.find(L',');
+    // Kept on purpose: a single value without a separator is not stored, and leaves the list empty.
+    if (comma != std::wstring::npos) {
+        for (; comma != std::wstring::npos; comma = rwsText.find(L',', start)) {
+            values.push_back(rwsText.substr(start, comma - start));
+            start = comma + 1;
+        }
+        values.push_back(rwsText.substr(start));
+    }
+    // The text may be one of the list's own, so the list goes last.
+    rvecValues = std::move(values);
+}
+
+template <class... TValues>
+bool Clear(TValues&... rValues) {
+    ((rValues = TValues()), ...);
+    return true;
 }
 
 } // namespace
@@ -60,193 +100,68 @@ bool CSetting::ClearValues() {
     return false;
 }
 
-CSettingInt::~CSettingInt() = default;
+// What every kind does with its current value. The other setting's value is asked for through its accessor,
+// so that a class of the caller's own that reports one of our kinds is as good as ours.
+// NOLINTBEGIN(bugprone-macro-parentheses): types cannot stand in parentheses.
+#define QUILLET_DEFINE_KIND(Class, Type, TValue, Current)                                                    \
+    Class::~Class() = default;                                                                               \
+    bool Class::GetCurrentVal(TValue& rValue) const {                                                        \
+        rValue = Current;                                                                                    \
+        return true;                                                                                         \
+    }                                                                                                        \
+    Class* Class::Copy() const {                                                                             \
+        return new Class(*this);                                                                             \
+    }                                                                                                        \
+    std::wstring Class::CurrentValueToSTRING() const {                                                       \
+        return ToText(Current);                                                                              \
+    }                                                                                                        \
+    void Class::SetCurrentValue(const CSetting* pOther) {                                                    \
+        if (pOther != nullptr && pOther->GetSettingType() == GetSettingType()) {                             \
+            pOther->GetCurrentVal(Current);                                                                  \
+        }                                                                                                    \
+    }                                                                                                        \
+    void Class::SetCurrentValue(const std::wstring& rwsValue) {                                              \
+        FromText(rwsValue, Current);                                                                         \
+    }                                                                                                        \
+    CSetting::tagSettingType Class::GetSettingType() const {                                                 \
+        return Type;                                                                                         \
+    }
+// NOLINTEND(bugprone-macro-parentheses)
 
-bool CSettingInt::GetCurrentVal(LONG& rlValue) const {
-    rlValue = m_lCurrentValue;
-    return true;
-}
-
-CSettingInt* CSettingInt::Copy() const {
-    return new CSettingInt(*this);
-}
-
-std::wstring CSettingInt::CurrentValueToSTRING() const {
-    return FormatDecimal(m_lCurrentValue);
-}
-
-void CSettingInt::SetCurrentValue(const CSetting* pOther) {
-    TakeValue(*this, pOther, m_lCurrentValue);
-}
-
-void CSettingInt::SetCurrentValue(const std::wstring& rwsValue) {
-    m_lCurrentValue = ParseDecimal(rwsValue);
-}
-
-CSetting::tagSettingType CSettingInt::GetSettingType() const {
-    return SettingTypeInt;
-}
+QUILLET_DEFINE_KIND(CSettingInt, SettingTypeInt, LONG, m_lCurrentValue)
+QUILLET_DEFINE_KIND(CSettingEnum, SettingTypeEnum, LONG, m_lCurrentValue)
+QUILLET_DEFINE_KIND(CSettingSlider, SettingTypeSlider, LONG, m_lCurrentValue)
+QUILLET_DEFINE_KIND(CSettingString, SettingTypeString, std::wstring, m_wsCurrentValue)
+QUILLET_DEFINE_KIND(CSettingMultiSelection, SettingTypeMultiSelection, LONG, m_lCurrentValue)
+QUILLET_DEFINE_KIND(CSettingMultiString, SettingTypeMultiString, std::vector<std::wstring>,
+                    m_vecCurrentValues)
 
 void CSettingInt::SetCurrentValue(LONG lValue) {
     m_lCurrentValue = lValue;
 }
 
-CSettingSlider::~CSettingSlider() = default;
-
-bool CSettingSlider::GetCurrentVal(LONG& rlValue) const {
-    rlValue = m_lCurrentValue;
-    return true;
+void CSettingEnum::SetCurrentValue(LONG lValue) {
+    m_lCurrentValue = lValue;
 }
 
-CSettingSlider* CSettingSlider::Copy() const {
-    return new CSettingSlider(*this);
-}
-
-std::wstring CSettingSlider::CurrentValueToSTRING() const {
-    return FormatDecimal(m_lCurrentValue);
-}
-
-void CSettingSlider::SetCurrentValue(const CSetting* pOther) {
-    TakeValue(*this, pOther, m_lCurrentValue);
-}
-
-void CSettingSlider::SetCurrentValue(const std::wstring& rwsValue) {
-    m_lCurrentValue = ParseDecimal(rwsValue);
+bool CSettingEnum::ClearValues() {
+    return Clear(m_lCurrentValue, m_lDefaultValue, m_vecPossibleValues, m_vecDescriptionMap);
 }
 
 bool CSettingSlider::ClearValues() {
-    m_lCurrentValue = 0;
-    m_lDefaultValue = 0;
-    m_wsFirstLabel.clear();
-    m_wsLastLabel.clear();
-    m_vecPossibleValues.clear();
-    return true;
-}
-
-CSetting::tagSettingType CSettingSlider::GetSettingType() const {
-    return SettingTypeSlider;
-}
-
-CSettingString::~CSettingString() = default;
-
-bool CSettingString::GetCurrentVal(std::wstring& rwsValue) const {
-    rwsValue = m_wsCurrentValue;
-    return true;
-}
-
-CSettingString* CSettingString::Copy() const {
-    return new CSettingString(*this);
-}
-
-std::wstring CSettingString::CurrentValueToSTRING() const {
-    return m_wsCurrentValue;
-}
-
-void CSettingString::SetCurrentValue(const CSetting* pOther) {
-    TakeValue(*this, pOther, m_wsCurrentValue);
-}
-
-void CSettingString::SetCurrentValue(const std::wstring& rwsValue) {
-    m_wsCurrentValue = rwsValue;
+    return Clear(m_lCurrentValue, m_lDefaultValue, m_wsFirstLabel, m_wsLastLabel, m_vecPossibleValues);
 }
 
 bool CSettingString::ClearValues() {
-    m_wsCurrentValue.clear();
-    m_wsDefaultValue.clear();
-    m_wsMaxLength.clear();
-    return true;
-}
-
-CSetting::tagSettingType CSettingString::GetSettingType() const {
-    return SettingTypeString;
-}
-
-CSettingMultiSelection::~CSettingMultiSelection() = default;
-
-bool CSettingMultiSelection::GetCurrentVal(LONG& rlValue) const {
-    rlValue = m_lCurrentValue;
-    return true;
-}
-
-CSettingMultiSelection* CSettingMultiSelection::Copy() const {
-    return new CSettingMultiSelection(*this);
-}
-
-std::wstring CSettingMultiSelection::CurrentValueToSTRING() const {
-    return FormatDecimal(m_lCurrentValue);
-}
-
-void CSettingMultiSelection::SetCurrentValue(const CSetting* pOther) {
-    TakeValue(*this, pOther, m_lCurrentValue);
-}
-
-void CSettingMultiSelection::SetCurrentValue(const std::wstring& rwsValue) {
-    m_lCurrentValue = ParseDecimal(rwsValue);
+    return Clear(m_wsCurrentValue, m_wsDefaultValue, m_wsMaxLength);
 }
 
 bool CSettingMultiSelection::ClearValues() {
-    m_lCurrentValue = 0;
-    m_lDefaultValue = 0;
-    m_vecPossibleValues.clear();
-    m_vecDescriptionMap.clear();
-    return true;
-}
-
-CSetting::tagSettingType CSettingMultiSelection::GetSettingType() const {
-    return SettingTypeMultiSelection;
-}
-
-CSettingMultiString::~CSettingMultiString() = default;
-
-bool CSettingMultiString::GetCurrentVal(std::vector<std::wstring>& rvecValues) const {
-    rvecValues = m_vecCurrentValues;
-    return true;
-}
-
-CSettingMultiString* CSettingMultiString::Copy() const {
-    return new CSettingMultiString(*this);
-}
-
-std::wstring CSettingMultiString::CurrentValueToSTRING() const {
-    std::wstring text;
-    for (const std::wstring& value : m_vecCurrentValues) {
-        if (&value != &m_vecCurrentValues.front()) {
-            text += L',';
-        }
-        text += value;
-    }
-    return text;
-}
-
-void CSettingMultiString::SetCurrentValue(const CSetting* pOther) {
-    TakeValue(*this, pOther, m_vecCurrentValues);
-}
-
-void CSettingMultiString::SetCurrentValue(const std::wstring& rwsValue) {
-    std::vector<std::wstring> values;
-    std::wstring::size_type start = 0;
-    std::wstring::size_type comma = rwsValue.find(L',');
-    // Kept on purpose: a single value without a separator is not stored, and leaves the list empty.
-    if (comma != std::wstring::npos) {
-        for (; comma != std::wstring::npos; comma = rwsValue.find(L',', start)) {
-            values.push_back(rwsValue.substr(start, comma - start));
-            start = comma + 1;
-        }
-        values.push_back(rwsValue.substr(start));
-    }
-    // The text may be one of the list's own, so the list goes last.
-    m_vecCurrentValues = std::move(values);
+    return Clear(m_lCurrentValue, m_lDefaultValue, m_vecPossibleValues, m_vecDescriptionMap);
 }
 
 bool CSettingMultiString::ClearValues() {
-    m_vecCurrentValues.clear();
-    m_wsDefaultValue.clear();
-    m_wsMaxLength.clear();
-    return true;
-}
-
-CSetting::tagSettingType CSettingMultiString::GetSettingType() const {
-    return SettingTypeMultiString;
+    return Clear(m_vecCurrentValues, m_wsDefaultValue, m_wsMaxLength);
 }
 
 CSettings* CSettings::Copy() const {

@@ -4,13 +4,12 @@
 #include "LumDebug.h"
 #include "Text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <string_view>
 
 using quillet::EqualsIgnoringCase;
-using quillet::FormatDecimal;
-using quillet::ParseDecimal;
 
 namespace {
 
@@ -47,17 +46,6 @@ constexpr std::array<Switch, 23> switches{{
     {L"FCoEBootEnabled", 1, 0},
 }};
 
-constexpr LONG unknownCaption = -1;
-
-LONG LookUp(const std::wstring& rwsCaption, LONG Switch::*pValue) {
-    for (const Switch& entry : switches) {
-        if (entry.caption == rwsCaption) {
-            return entry.*pValue;
-        }
-    }
-    return unknownCaption;
-}
-
 // The entry and exit lines of one operation.
 class Trace {
   public:
@@ -72,6 +60,22 @@ class Trace {
     const wchar_t* m_operation;
 };
 
+// What enables or disables the setting of a caption; the substitute for a caption that is not known. The
+// trace always tells of a 1, even where the substitute is 0: readers of traces know the text.
+LONG LookUp(const wchar_t* operation, const std::wstring& rwsCaption, LONG Switch::*pValue,
+            LONG lSubstitute) {
+    const Trace trace(operation);
+    const auto found = std::find_if(switches.begin(), switches.end(), [&rwsCaption](const Switch& entry) {
+        return entry.caption == rwsCaption;
+    });
+    if (found == switches.end()) {
+        LumTrace().Print(L"Error occurred in CSettingValues::%s() - -1 returned, returning 1 as a result",
+                         operation);
+        return lSubstitute;
+    }
+    return (*found).*pValue;
+}
+
 // What stands in one list where the other list has the text.
 std::wstring Translate(const std::vector<std::wstring>& rvecFrom, const std::vector<std::wstring>& rvecTo,
                        const std::wstring& rwsText) {
@@ -85,68 +89,12 @@ std::wstring Translate(const std::vector<std::wstring>& rvecFrom, const std::vec
 
 } // namespace
 
-CSettingEnum::~CSettingEnum() = default;
-
-bool CSettingEnum::GetCurrentVal(LONG& rlValue) const {
-    rlValue = m_lCurrentValue;
-    return true;
-}
-
-CSettingEnum* CSettingEnum::Copy() const {
-    return new CSettingEnum(*this);
-}
-
-std::wstring CSettingEnum::CurrentValueToSTRING() const {
-    return FormatDecimal(m_lCurrentValue);
-}
-
-void CSettingEnum::SetCurrentValue(const CSetting* pOther) {
-    if (pOther != nullptr && pOther->GetSettingType() == GetSettingType()) {
-        pOther->GetCurrentVal(m_lCurrentValue);
-    }
-}
-
-void CSettingEnum::SetCurrentValue(const std::wstring& rwsValue) {
-    m_lCurrentValue = ParseDecimal(rwsValue);
-}
-
-bool CSettingEnum::ClearValues() {
-    m_lCurrentValue = 0;
-    m_lDefaultValue = 0;
-    m_vecPossibleValues.clear();
-    m_vecDescriptionMap.clear();
-    return true;
-}
-
-CSetting::tagSettingType CSettingEnum::GetSettingType() const {
-    return SettingTypeEnum;
-}
-
-void CSettingEnum::SetCurrentValue(LONG lValue) {
-    m_lCurrentValue = lValue;
-}
-
 LONG CSettingEnum::GetEnabledValue() const {
-    const Trace trace(L"GetEnabledValue");
-    const LONG lValue = LookUp(m_wsCaption, &Switch::enabled);
-    if (lValue == unknownCaption) {
-        LumTrace().Print(
-            L"Error occurred in CSettingValues::GetEnabledValue() - -1 returned, returning 1 as a result");
-        return 1;
-    }
-    return lValue;
+    return LookUp(L"GetEnabledValue", m_wsCaption, &Switch::enabled, 1);
 }
 
 LONG CSettingEnum::GetDisabledValue() const {
-    const Trace trace(L"GetDisabledValue");
-    const LONG lValue = LookUp(m_wsCaption, &Switch::disabled);
-    if (lValue == unknownCaption) {
-        // The text says 1 although the value is 0. Both are kept: readers of traces know the text.
-        LumTrace().Print(
-            L"Error occurred in CSettingValues::GetDisabledValue() - -1 returned, returning 1 as a result");
-        return 0;
-    }
-    return lValue;
+    return LookUp(L"GetDisabledValue", m_wsCaption, &Switch::disabled, 0);
 }
 
 void CSettingEnum::Enable(bool bEnable) {

@@ -3,7 +3,9 @@
 
 #include <quillet/Team.h>
 
-#include <algorithm>
+#include "TextTable.h"
+
+using quillet::TextOf;
 
 namespace {
 
@@ -72,14 +74,6 @@ constexpr Entry kProblems[] = {
     {CTeam::ProblemMixedSpeeds, L"adapters of 10 gigabit and slow ones cannot be in one team"},
 };
 
-template <std::size_t Count>
-std::wstring TextOf(const Entry (&table)[Count], LONG value) {
-    const auto found = std::find_if(std::begin(table), std::end(table), [value](const Entry& entry) {
-        return static_cast<LONG>(entry.m_ullValue) == value;
-    });
-    return found == std::end(table) ? std::wstring() : std::wstring(found->m_pszText);
-}
-
 } // namespace
 
 std::wstring CTeamTexts::TeamMode(LONG lMode) {
@@ -107,16 +101,5 @@ std::wstring CTeamTexts::MemberStatus(LONG lStatus) {
 }
 
 std::vector<std::wstring> CTeamTexts::Problems(ULONGLONG ullMask) {
-    std::vector<std::wstring> sentences;
-    for (unsigned bit = 0; bit < 64; ++bit) {
-        const ULONGLONG value = ULONGLONG{1} << bit;
-        if ((ullMask & value) == 0) {
-            continue;
-        }
-        const auto found = std::find_if(std::begin(kProblems), std::end(kProblems),
-                                        [value](const Entry& entry) { return entry.m_ullValue == value; });
-        sentences.push_back(found == std::end(kProblems) ? L"the provider's reason " + std::to_wstring(bit)
-                                                         : std::wstring(found->m_pszText));
-    }
-    return sentences;
+    return quillet::SentencesOf(kProblems, ullMask, L"the provider's reason ");
 }

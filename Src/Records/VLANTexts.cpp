@@ -3,14 +3,11 @@
 
 #include <quillet/VLAN.h>
 
-#include <algorithm>
+#include "TextTable.h"
 
 namespace {
 
-struct Entry {
-    ULONGLONG value;
-    const wchar_t* text;
-};
+using Entry = CTeamTexts::Entry;
 
 constexpr Entry kStatuses[] = {
     {CVLAN::VlanStatusOther, L"other"},
@@ -28,30 +25,14 @@ constexpr Entry kProblems[] = {
     {CVLAN::IDOutOfRange, L"the VLAN ID is out of range: 1 to 4094, or 0 for the untagged VLAN"},
 };
 
-template <std::size_t Count>
-const wchar_t* Find(const Entry (&table)[Count], ULONGLONG value) {
-    const auto found = std::find_if(std::begin(table), std::end(table),
-                                    [value](const Entry& entry) { return entry.value == value; });
-    return found == std::end(table) ? nullptr : found->text;
-}
-
 } // namespace
 
 std::wstring CVLANTexts::Status(LONG lStatus) {
-    const wchar_t* text = lStatus < 0 ? nullptr : Find(kStatuses, static_cast<ULONGLONG>(lStatus));
-    return text ? text : L"";
+    return quillet::TextOf(kStatuses, lStatus);
 }
 
 std::vector<std::wstring> CVLANTexts::Problems(ULONGLONG ullMask) {
-    std::vector<std::wstring> sentences;
-    for (unsigned bit = 0; bit < 64; ++bit) {
-        const ULONGLONG value = ULONGLONG{1} << bit;
-        if ((ullMask & value) != 0) {
-            const wchar_t* text = Find(kProblems, value);
-            sentences.push_back(text ? text : L"problem " + std::to_wstring(bit));
-        }
-    }
-    return sentences;
+    return quillet::SentencesOf(kProblems, ullMask, L"problem ");
 }
 
 std::wstring CVLANTexts::ParentIsTeamMember() {
