@@ -3,6 +3,7 @@ include(GenerateExportHeader)
 
 set(QUILLET_RECORD_SOURCES
   ${CMAKE_CURRENT_LIST_DIR}/Records/Adapter.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/Records/Collections.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Records/DiagTest.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Records/LinkSecurity.cpp
   ${CMAKE_CURRENT_LIST_DIR}/Records/Mappers.cpp

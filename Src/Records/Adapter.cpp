@@ -169,7 +169,3 @@ CAdapter* CAdapter::Copy() const {
     RecordSlot{copy->m_pPerformanceProfiles, copy->m_pSharedProfiles}.Detach();
     return copy.release();
 }
-
-CAdapters* CAdapters::Copy() const {
-    return new CAdapters(*this);
-}

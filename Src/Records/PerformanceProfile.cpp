@@ -6,7 +6,3 @@ CPerformanceProfile::~CPerformanceProfile() = default;
 CPerformanceProfile* CPerformanceProfile::Copy() const {
     return new CPerformanceProfile(*this);
 }
-
-CPerformanceProfiles* CPerformanceProfiles::Copy() const {
-    return new CPerformanceProfiles(*this);
-}

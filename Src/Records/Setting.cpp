@@ -164,10 +164,6 @@ bool CSettingMultiString::ClearValues() {
     return Clear(m_vecCurrentValues, m_wsDefaultValue, m_wsMaxLength);
 }
 
-CSettings* CSettings::Copy() const {
-    return new CSettings(*this);
-}
-
 CSetting* CSettings::GetSettingByCaption(const std::wstring& rwsCaption) const {
     for (CSetting* pSetting : m_vecItems) {
         if (pSetting != nullptr && EqualsIgnoringCase(pSetting->m_wsCaption, rwsCaption)) {

@@ -9,18 +9,10 @@ CTeamedAdapter* CTeamedAdapter::Copy() const {
     return new CTeamedAdapter(*this);
 }
 
-CTeamedAdapters* CTeamedAdapters::Copy() const {
-    return new CTeamedAdapters(*this);
-}
-
 CTeamWizAdapter::~CTeamWizAdapter() = default;
 
 CTeamWizTeamMode::~CTeamWizTeamMode() = default;
 
 CTeamWizTeamMode* CTeamWizTeamMode::Copy() const {
     return new CTeamWizTeamMode(*this);
-}
-
-CTeamWizTeamModes* CTeamWizTeamModes::Copy() const {
-    return new CTeamWizTeamModes(*this);
 }

@@ -232,6 +232,6 @@ class QUILLET_API CAdapter {
 /// The adapters of a machine. Its elements own their records, also in a copy.
 class QUILLET_API CAdapters : public CPointerArray<CAdapter*> {
   public:
-    /// A new deep copy that the caller owns.
+    /// A new deep copy that the caller owns; null for a null collection (see `CPointerArray`).
     CAdapters* Copy() const;
 };

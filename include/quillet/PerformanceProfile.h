@@ -39,6 +39,6 @@ class QUILLET_API CPerformanceProfile {
 /// The profiles that an adapter offers.
 class QUILLET_API CPerformanceProfiles : public CPointerArray<CPerformanceProfile*> {
   public:
-    /// A new deep copy that the caller owns.
+    /// A new deep copy that the caller owns; null for a null collection (see `CPointerArray`).
     CPerformanceProfiles* Copy() const;
 };

@@ -15,6 +15,12 @@ class CPointerArray;
 /// Callers append with `m_vecItems.push_back(new T(...))` and read by index; every non-null pointer in the
 /// list is deleted with it. A copy of a list is deep, so that any list may be copied, returned and kept
 /// without regard to the one it came from.
+///
+/// The collections whose elements can copy themselves have a `Copy()` that may be called through a null
+/// pointer and returns null then, so that a client can copy a collection that an operation has not made yet,
+/// as in `adapter.m_pTeamModes->Copy()`. The library is built so that this holds however it is optimised. The
+/// language does not know such calls: a compiler may conclude from one that the pointer is not null, so that
+/// a client tests the pointer before the call, or the result, and not the pointer after it.
 template <class T>
 class QUILLET_TEMPLATE_API CPointerArray<T*> {
   public:

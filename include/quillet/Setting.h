@@ -246,7 +246,8 @@ class QUILLET_API CSettingMultiString : public CSetting {
 /// The advanced settings of one owner, of any kind.
 class QUILLET_API CSettings : public CPointerArray<CSetting*> {
   public:
-    /// A new deep copy that the caller owns; every setting keeps its kind.
+    /// A new deep copy that the caller owns, every setting of its kind; null for a null collection (see
+    /// `CPointerArray`).
     CSettings* Copy() const;
     /// The first setting with the caption (case does not count); null if there is none. The collection keeps
     /// it.

@@ -129,7 +129,7 @@ class QUILLET_API CTeamedAdapter {
 /// The members of a team.
 class QUILLET_API CTeamedAdapters : public CPointerArray<CTeamedAdapter*> {
   public:
-    /// A new deep copy that the caller owns.
+    /// A new deep copy that the caller owns; null for a null collection (see `CPointerArray`).
     CTeamedAdapters* Copy() const;
 };
 
@@ -175,6 +175,6 @@ class QUILLET_API CTeamWizTeamMode {
 /// The team modes that an adapter, or a set of adapters, can take part in.
 class QUILLET_API CTeamWizTeamModes : public CPointerArray<CTeamWizTeamMode*> {
   public:
-    /// A new deep copy that the caller owns.
+    /// A new deep copy that the caller owns; null for a null collection (see `CPointerArray`).
     CTeamWizTeamModes* Copy() const;
 };
