@@ -2,16 +2,43 @@
 #include <quillet/LinkSecurity.h>
 
 #include "SecretText.h"
+#include "SwapMembers.h"
 
 using quillet::OverwriteText;
 
 namespace {
 
-/// Copies the secret of one record into another, which may be the same.
-void CopySecret(std::wstring& rwsTo, const std::wstring& rwsFrom) {
-    if (&rwsTo != &rwsFrom) {
-        quillet::AssignSecret(rwsTo, rwsFrom.data(), rwsFrom.size());
-    }
+auto Members(CAdapterManualAuthInfo& r) {
+    return std::tie(r.m_sTXSAKey, r.m_nTXAssocNum1, r.m_nTXAssocNum2, r.m_bIncludeSCIOnTX, r.m_sTXSCI,
+                    r.m_sRXSAKey, r.m_nRXAssocNum1, r.m_nRXAssocNum2, r.m_sRXSCI, r.m_bUseEncryption);
+}
+
+auto Members(CAdapterAuthTypeInfo& r) {
+    return std::tie(r.m_eOuterEAP, r.m_InnerEAP, r.m_sUserName, r.m_sPassword, r.m_sMachineDomainName,
+                    r.m_bUseAutoPAC, r.m_sPACAuthority, r.m_bMachineCred, r.m_nTypeOfCredsChanged,
+                    r.m_bUseWindowsCreds, r.m_eKeySecType, r.m_bRandMACAddress);
+}
+
+auto Members(CAdapterPACInfo& r) {
+    return std::tie(r.m_sPACPath, r.m_sPACFilePassword, r.m_bPACInfoChanged);
+}
+
+auto Members(CAdapterManualPMKInfo& r) {
+    return std::tie(r.m_sManualPMKKey, r.m_bRandMACAddress);
+}
+
+auto Members(CAdapterLinksecSavedCredInfo& r) {
+    return std::tie(r.m_sUserName, r.m_sPassword, r.m_bMachineCred, r.m_sMachineDomainName);
+}
+
+// Only the copy can fail, and the record is as it was then. Its secrets go before they are exchanged: a short
+// text is exchanged by way of the stack, where nobody would overwrite it.
+template <class TRecord>
+TRecord& Assign(TRecord& rTo, const TRecord& rFrom) {
+    TRecord copy(rFrom);
+    rTo.Clear();
+    quillet::SwapMembers(Members(rTo), Members(copy));
+    return rTo;
 }
 
 } // namespace
@@ -20,17 +47,7 @@ CAdapterManualAuthInfo::CAdapterManualAuthInfo() = default;
 CAdapterManualAuthInfo::CAdapterManualAuthInfo(const CAdapterManualAuthInfo& other) = default;
 
 CAdapterManualAuthInfo& CAdapterManualAuthInfo::operator=(const CAdapterManualAuthInfo& other) {
-    CopySecret(m_sTXSAKey, other.m_sTXSAKey);
-    m_nTXAssocNum1 = other.m_nTXAssocNum1;
-    m_nTXAssocNum2 = other.m_nTXAssocNum2;
-    m_bIncludeSCIOnTX = other.m_bIncludeSCIOnTX;
-    m_sTXSCI = other.m_sTXSCI;
-    CopySecret(m_sRXSAKey, other.m_sRXSAKey);
-    m_nRXAssocNum1 = other.m_nRXAssocNum1;
-    m_nRXAssocNum2 = other.m_nRXAssocNum2;
-    m_sRXSCI = other.m_sRXSCI;
-    m_bUseEncryption = other.m_bUseEncryption;
-    return *this;
+    return Assign(*this, other);
 }
 
 CAdapterManualAuthInfo::~CAdapterManualAuthInfo() {
@@ -46,19 +63,7 @@ CAdapterAuthTypeInfo::CAdapterAuthTypeInfo() = default;
 CAdapterAuthTypeInfo::CAdapterAuthTypeInfo(const CAdapterAuthTypeInfo& other) = default;
 
 CAdapterAuthTypeInfo& CAdapterAuthTypeInfo::operator=(const CAdapterAuthTypeInfo& other) {
-    m_eOuterEAP = other.m_eOuterEAP;
-    m_InnerEAP = other.m_InnerEAP;
-    m_sUserName = other.m_sUserName;
-    CopySecret(m_sPassword, other.m_sPassword);
-    m_sMachineDomainName = other.m_sMachineDomainName;
-    m_bUseAutoPAC = other.m_bUseAutoPAC;
-    m_sPACAuthority = other.m_sPACAuthority;
-    m_bMachineCred = other.m_bMachineCred;
-    m_nTypeOfCredsChanged = other.m_nTypeOfCredsChanged;
-    m_bUseWindowsCreds = other.m_bUseWindowsCreds;
-    m_eKeySecType = other.m_eKeySecType;
-    m_bRandMACAddress = other.m_bRandMACAddress;
-    return *this;
+    return Assign(*this, other);
 }
 
 CAdapterAuthTypeInfo::~CAdapterAuthTypeInfo() {
@@ -73,10 +78,7 @@ CAdapterPACInfo::CAdapterPACInfo() = default;
 CAdapterPACInfo::CAdapterPACInfo(const CAdapterPACInfo& other) = default;
 
 CAdapterPACInfo& CAdapterPACInfo::operator=(const CAdapterPACInfo& other) {
-    m_sPACPath = other.m_sPACPath;
-    CopySecret(m_sPACFilePassword, other.m_sPACFilePassword);
-    m_bPACInfoChanged = other.m_bPACInfoChanged;
-    return *this;
+    return Assign(*this, other);
 }
 
 CAdapterPACInfo::~CAdapterPACInfo() {
@@ -91,9 +93,7 @@ CAdapterManualPMKInfo::CAdapterManualPMKInfo() = default;
 CAdapterManualPMKInfo::CAdapterManualPMKInfo(const CAdapterManualPMKInfo& other) = default;
 
 CAdapterManualPMKInfo& CAdapterManualPMKInfo::operator=(const CAdapterManualPMKInfo& other) {
-    CopySecret(m_sManualPMKKey, other.m_sManualPMKKey);
-    m_bRandMACAddress = other.m_bRandMACAddress;
-    return *this;
+    return Assign(*this, other);
 }
 
 CAdapterManualPMKInfo::~CAdapterManualPMKInfo() {
@@ -110,11 +110,7 @@ CAdapterLinksecSavedCredInfo::CAdapterLinksecSavedCredInfo(const CAdapterLinksec
 
 CAdapterLinksecSavedCredInfo&
 CAdapterLinksecSavedCredInfo::operator=(const CAdapterLinksecSavedCredInfo& other) {
-    m_sUserName = other.m_sUserName;
-    CopySecret(m_sPassword, other.m_sPassword);
-    m_bMachineCred = other.m_bMachineCred;
-    m_sMachineDomainName = other.m_sMachineDomainName;
-    return *this;
+    return Assign(*this, other);
 }
 
 CAdapterLinksecSavedCredInfo::~CAdapterLinksecSavedCredInfo() {

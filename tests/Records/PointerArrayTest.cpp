@@ -153,6 +153,41 @@ TEST_F(PointerArray, Move_TakesTheElementsOverWithoutCopying) {
     EXPECT_EQ(another.m_vecItems.at(0), pElement);
 }
 
+// An element that holds a list of its kind.
+struct Node : Plain {
+    using Plain::Plain;
+    CPointerArray<Node*> m_children;
+};
+
+TEST_F(PointerArray, AssignedFromAListWithinAnElement_HasItsElements) {
+    for (const bool bMove : {false, true}) {
+        CPointerArray<Node*> list;
+        list.m_vecItems = {new Node(1), new Node(2)};
+        list.m_vecItems[1]->m_children.m_vecItems = {new Node(20), nullptr, new Node(21)};
+        list.m_vecItems[1]->m_children.m_vecItems[2]->m_children.m_vecItems = {new Node(210)};
+        if (bMove) {
+            list = std::move(list.m_vecItems[1]->m_children);
+        } else {
+            list = list.m_vecItems[1]->m_children;
+        }
+        EXPECT_EQ(Plain::s_alive, 3);
+        ASSERT_EQ(list.m_vecItems.size(), 3u);
+        EXPECT_EQ(list.m_vecItems[0]->m_value, 20);
+        EXPECT_EQ(list.m_vecItems[2]->m_children.m_vecItems.at(0)->m_value, 210);
+    }
+}
+
+TEST_F(PointerArray, AssignedToAListWithinAnElement_IsThereWhole) {
+    CPointerArray<Node*> list;
+    list.m_vecItems = {new Node(1), new Node(2)};
+    CPointerArray<Node*>& rInner = list.m_vecItems[1]->m_children;
+    rInner.m_vecItems = {new Node(20)};
+    rInner = list;
+    EXPECT_EQ(list.m_vecItems.size(), 2u);
+    ASSERT_EQ(rInner.m_vecItems.size(), 2u);
+    EXPECT_EQ(rInner.m_vecItems[1]->m_children.m_vecItems.at(0)->m_value, 20);
+}
+
 // What is true of every typed collection, whatever its elements.
 template <class TCollection>
 struct TypedCollection : testing::Test {
