@@ -1,52 +1,28 @@
-// Adapters and their records: what is copied, what is only viewed, and what is deleted.
+// Adapters and their records: what is copied, what is shared, and what is deleted.
 #include <quillet/Adapter.h>
 
 #include <memory>
+#include <mutex>
+#include <tuple>
 #include <utility>
 
 namespace {
 
-// A record pointer of an adapter and its partner that says whether the record is another adapter's.
-template <class T>
-struct RecordSlot {
-    T*& m_rpRecord;
-    const T*& m_rpShared;
+// Adapters that share a record may be copied and go in different threads.
+std::mutex ringMutex;
 
-    void Release() {
-        if (m_rpRecord != m_rpShared) {
-            delete m_rpRecord;
-        }
-    }
+// What a copy takes as it is; the records are the rest.
+template <class TAdapter>
+auto Values(TAdapter& rAdapter) {
+    return std::tie(rAdapter.m_wsAdapterID, rAdapter.m_wsDisplayName, rAdapter.m_wsName,
+                    rAdapter.m_wsDeviceID, rAdapter.m_wsSlotID, rAdapter.m_lBasicInfo, rAdapter.m_bTeamed,
+                    rAdapter.m_bSelected);
+}
 
-    void View(T* pRecord) {
-        if (m_rpRecord != pRecord) {
-            Release();
-            m_rpRecord = pRecord;
-            m_rpShared = pRecord;
-        }
-    }
-
-    void Take(RecordSlot<T> from) {
-        const bool bOwned = from.m_rpRecord != from.m_rpShared;
-        View(from.m_rpRecord);
-        if (bOwned) {
-            m_rpShared = nullptr;
-        }
-        from.m_rpRecord = nullptr;
-        from.m_rpShared = nullptr;
-    }
-
-    // The slot views the original until its copy is there.
-    void Detach() {
-        if (m_rpRecord != nullptr) {
-            m_rpRecord = m_rpRecord->Copy();
-        }
-        m_rpShared = nullptr;
-    }
-};
-
-template <class T>
-RecordSlot(T*&, const T*&) -> RecordSlot<T>;
+template <class TRecord>
+TRecord* CopyOf(const TRecord* pRecord) {
+    return pRecord == nullptr ? nullptr : pRecord->Copy();
+}
 
 } // namespace
 
@@ -100,72 +76,77 @@ CAdapterDynamicInfo* CAdapterDynamicInfo::Copy() const {
     return new CAdapterDynamicInfo(*this);
 }
 
-CAdapter::CAdapter(const CAdapter& rOther)
-    : m_wsAdapterID(rOther.m_wsAdapterID), m_wsDisplayName(rOther.m_wsDisplayName), m_wsName(rOther.m_wsName),
-      m_wsDeviceID(rOther.m_wsDeviceID), m_wsSlotID(rOther.m_wsSlotID), m_lBasicInfo(rOther.m_lBasicInfo),
-      m_pAdapterCapabilities(rOther.m_pAdapterCapabilities),
-      m_pAdapterDynamicInfo(rOther.m_pAdapterDynamicInfo), m_pTeamModes(rOther.m_pTeamModes),
-      m_pPerformanceProfiles(rOther.m_pPerformanceProfiles), m_bTeamed(rOther.m_bTeamed),
-      m_bSelected(rOther.m_bSelected), m_pSharedCapabilities(rOther.m_pAdapterCapabilities),
-      m_pSharedDynamicInfo(rOther.m_pAdapterDynamicInfo), m_pSharedTeamModes(rOther.m_pTeamModes),
-      m_pSharedProfiles(rOther.m_pPerformanceProfiles) {}
+template <class TRecord>
+void CAdapter::Sharer<TRecord>::Join(const Sharer& rOther) noexcept {
+    Leave();
+    m_rpRecord = rOther.m_rpRecord;
+    if (m_rpRecord != nullptr) {
+        const std::lock_guard lock(ringMutex);
+        m_pNext = std::exchange(rOther.m_pNext, this);
+    }
+}
 
-CAdapter::CAdapter(CAdapter&& rOther) noexcept {
-    *this = std::move(rOther);
+template <class TRecord>
+bool CAdapter::Sharer<TRecord>::Leave() noexcept {
+    const std::lock_guard lock(ringMutex);
+    bool bShared = false;
+    const Sharer* pBefore = this;
+    while (pBefore->m_pNext != this) {
+        pBefore = pBefore->m_pNext;
+        bShared = bShared || pBefore->m_rpRecord == m_rpRecord;
+    }
+    pBefore->m_pNext = m_pNext;
+    m_pNext = this;
+    return bShared;
+}
+
+CAdapter::CAdapter() = default;
+
+CAdapter::CAdapter(const CAdapter& rOther) : CAdapter() {
+    Values(*this) = Values(rOther);
+    Share(rOther);
+}
+
+CAdapter::CAdapter(CAdapter&& rOther) noexcept : CAdapter() {
+    Take(rOther);
 }
 
 CAdapter& CAdapter::operator=(const CAdapter& rOther) {
-    if (this != &rOther) {
-        // Texts first: only their copies can fail, and no record may have changed hands then.
-        m_wsAdapterID = rOther.m_wsAdapterID;
-        m_wsDisplayName = rOther.m_wsDisplayName;
-        m_wsName = rOther.m_wsName;
-        m_wsDeviceID = rOther.m_wsDeviceID;
-        m_wsSlotID = rOther.m_wsSlotID;
-        m_lBasicInfo = rOther.m_lBasicInfo;
-        m_bTeamed = rOther.m_bTeamed;
-        m_bSelected = rOther.m_bSelected;
-        RecordSlot{m_pAdapterCapabilities, m_pSharedCapabilities}.View(rOther.m_pAdapterCapabilities);
-        RecordSlot{m_pAdapterDynamicInfo, m_pSharedDynamicInfo}.View(rOther.m_pAdapterDynamicInfo);
-        RecordSlot{m_pTeamModes, m_pSharedTeamModes}.View(rOther.m_pTeamModes);
-        RecordSlot{m_pPerformanceProfiles, m_pSharedProfiles}.View(rOther.m_pPerformanceProfiles);
-    }
-    return *this;
+    return *this = CAdapter(rOther);
 }
 
 CAdapter& CAdapter::operator=(CAdapter&& rOther) noexcept {
     if (this != &rOther) {
-        m_wsAdapterID = std::move(rOther.m_wsAdapterID);
-        m_wsDisplayName = std::move(rOther.m_wsDisplayName);
-        m_wsName = std::move(rOther.m_wsName);
-        m_wsDeviceID = std::move(rOther.m_wsDeviceID);
-        m_wsSlotID = std::move(rOther.m_wsSlotID);
-        m_lBasicInfo = rOther.m_lBasicInfo;
-        m_bTeamed = rOther.m_bTeamed;
-        m_bSelected = rOther.m_bSelected;
-        RecordSlot{m_pAdapterCapabilities, m_pSharedCapabilities}.Take(
-            {rOther.m_pAdapterCapabilities, rOther.m_pSharedCapabilities});
-        RecordSlot{m_pAdapterDynamicInfo, m_pSharedDynamicInfo}.Take(
-            {rOther.m_pAdapterDynamicInfo, rOther.m_pSharedDynamicInfo});
-        RecordSlot{m_pTeamModes, m_pSharedTeamModes}.Take({rOther.m_pTeamModes, rOther.m_pSharedTeamModes});
-        RecordSlot{m_pPerformanceProfiles, m_pSharedProfiles}.Take(
-            {rOther.m_pPerformanceProfiles, rOther.m_pSharedProfiles});
+        // What this adapter had goes last: the other one may be a part of it.
+        const CAdapter before(std::move(*this));
+        Take(rOther);
     }
     return *this;
 }
 
-CAdapter::~CAdapter() {
-    RecordSlot{m_pAdapterCapabilities, m_pSharedCapabilities}.Release();
-    RecordSlot{m_pAdapterDynamicInfo, m_pSharedDynamicInfo}.Release();
-    RecordSlot{m_pTeamModes, m_pSharedTeamModes}.Release();
-    RecordSlot{m_pPerformanceProfiles, m_pSharedProfiles}.Release();
-}
+CAdapter::~CAdapter() = default;
 
 CAdapter* CAdapter::Copy() const {
-    auto copy = std::make_unique<CAdapter>(*this);
-    RecordSlot{copy->m_pAdapterCapabilities, copy->m_pSharedCapabilities}.Detach();
-    RecordSlot{copy->m_pAdapterDynamicInfo, copy->m_pSharedDynamicInfo}.Detach();
-    RecordSlot{copy->m_pTeamModes, copy->m_pSharedTeamModes}.Detach();
-    RecordSlot{copy->m_pPerformanceProfiles, copy->m_pSharedProfiles}.Detach();
+    auto copy = std::make_unique<CAdapter>();
+    Values(*copy) = Values(*this);
+    copy->m_pAdapterCapabilities = CopyOf(m_pAdapterCapabilities);
+    copy->m_pAdapterDynamicInfo = CopyOf(m_pAdapterDynamicInfo);
+    copy->m_pTeamModes = CopyOf(m_pTeamModes);
+    copy->m_pPerformanceProfiles = CopyOf(m_pPerformanceProfiles);
     return copy.release();
+}
+
+void CAdapter::Share(const CAdapter& rOther) noexcept {
+    m_capabilities.Join(rOther.m_capabilities);
+    m_dynamicInfo.Join(rOther.m_dynamicInfo);
+    m_teamModes.Join(rOther.m_teamModes);
+    m_performanceProfiles.Join(rOther.m_performanceProfiles);
+}
+
+void CAdapter::Take(CAdapter& rOther) noexcept {
+    auto mine = Values(*this);
+    auto others = Values(rOther);
+    mine.swap(others);
+    Share(rOther);
+    rOther.Share(CAdapter());
 }

@@ -173,10 +173,10 @@ class QUILLET_API CAdapterPorts : public CPointerArray<CAdapterPort*> {};
 
 /// One adapter, an instance of "Zorel_PhysicalEthernetAdapter", and the records that were read for it.
 ///
-/// An adapter deletes the records that hang from it when it goes. A copy made by the copy constructor or by
-/// assignment is a view: it points to the records of its source, does not delete them, and must not use them
-/// after the source has gone. A record that is put into a view later (where the view had none) is the view's
-/// own. `Copy()` makes an adapter with records of its own.
+/// A copy made by the copy constructor or by assignment shares the records of its source. A record is deleted
+/// with the last adapter that points to it, so that either may go first, or be given another record. Copies
+/// may be used in several threads as long as nobody changes a record that they share, or their pointers to
+/// it. `Copy()` makes an adapter with records of its own.
 class QUILLET_API CAdapter {
   public:
     /// The adapter's identifier in every operation: its object path ("__PATH").
@@ -205,28 +205,47 @@ class QUILLET_API CAdapter {
     /// For the caller's own choice among adapters; no operation reads or sets it.
     bool m_bSelected = false;
 
-    CAdapter() = default;
-    /// A view of the other adapter's records.
+    CAdapter();
+    /// Shares the other adapter's records.
     CAdapter(const CAdapter& rOther);
-    /// Takes the records over, with what the other adapter owned of them.
+    /// Takes the other adapter's records over, and its place among those that share them.
     CAdapter(CAdapter&& rOther) noexcept;
-    /// Deletes the records that only this adapter has, then views the other's. A record that both already
-    /// point to stays with whoever owned it, so that assigning a view back to its source changes nothing.
+    /// Deletes the records that only this adapter has, then shares the other's.
     CAdapter& operator=(const CAdapter& rOther);
     /// Deletes the records that only this adapter has, then takes the other's over.
     CAdapter& operator=(CAdapter&& rOther) noexcept;
-    /// Deletes the records, those of another adapter excepted.
+    /// Deletes the records that no other adapter shares.
     ~CAdapter();
     /// A new adapter, owned by the caller, with copies of all records.
     CAdapter* Copy() const;
 
   private:
-    // What another adapter owns. A public pointer that equals its partner here is not this adapter's to
-    // delete.
-    const CAdapterCapInfo* m_pSharedCapabilities = nullptr;
-    const CAdapterDynamicInfo* m_pSharedDynamicInfo = nullptr;
-    const CTeamWizTeamModes* m_pSharedTeamModes = nullptr;
-    const CPerformanceProfiles* m_pSharedProfiles = nullptr;
+    // The public pointers that were copied from one another stand in a ring, and the last of them that points
+    // to a record deletes it. It looks at the others as they are then: a caller may have changed any of them.
+    template <class TRecord>
+    struct Sharer {
+        explicit Sharer(TRecord*& rpRecord) noexcept : m_rpRecord(rpRecord) {}
+        ~Sharer() {
+            if (!Leave()) {
+                delete m_rpRecord;
+            }
+        }
+        Sharer(const Sharer&) = delete;
+        Sharer& operator=(const Sharer&) = delete;
+        void Join(const Sharer& rOther) noexcept;
+        bool Leave() noexcept; // whether another one points to the record
+
+        TRecord*& m_rpRecord;
+        mutable const Sharer* m_pNext = this;
+    };
+
+    void Share(const CAdapter& rOther) noexcept;
+    void Take(CAdapter& rOther) noexcept;
+
+    Sharer<CAdapterCapInfo> m_capabilities{m_pAdapterCapabilities};
+    Sharer<CAdapterDynamicInfo> m_dynamicInfo{m_pAdapterDynamicInfo};
+    Sharer<CTeamWizTeamModes> m_teamModes{m_pTeamModes};
+    Sharer<CPerformanceProfiles> m_performanceProfiles{m_pPerformanceProfiles};
 };
 
 /// The adapters of a machine. Its elements own their records, also in a copy.
