@@ -106,7 +106,7 @@ ExitStatus Run(const std::vector<std::string>& arguments, Terminal& terminal) {
     ChooseColours(terminal, tree.Options());
     tell(ending);
     if (command != nullptr) {
-        Invocation run(tree.Options(), terminal);
+        Invocation run(tree.Options(), terminal, !command->OnlyReads());
         ending = Guarded(terminal, [&] { return command->Run(run); });
         hasAnswered = hasAnswered || run.HasAnswered();
         tell(ending);

@@ -75,6 +75,14 @@ class Command {
     virtual void Declare(Syntax&) {}
     /// Throws Refusal or UsageError where it cannot go on.
     virtual ExitStatus Run(Invocation& run) = 0;
+
+    /// Whether it changes nothing on the machine, as the command line stands. Such a command waits for no
+    /// other, and whatever became of its simulated machine is forgotten.
+    virtual bool OnlyReads() const noexcept { return m_isQuery; }
+    void MarkAsQuery() noexcept { m_isQuery = true; }
+
+  private:
+    bool m_isQuery = false;
 };
 
 /// A command without options of its own.
@@ -103,6 +111,10 @@ class CommandTree {
             : m_tree(tree), m_app(app), m_name(std::move(name)) {}
         Noun& Verb(const std::string& name, const std::string& description, CommandFunction function);
         Noun& Verb(const std::string& name, const std::string& description, std::unique_ptr<Command> command);
+        /// A verb that changes nothing on the machine.
+        Noun& Query(const std::string& name, const std::string& description, CommandFunction function);
+        Noun& Query(const std::string& name, const std::string& description,
+                    std::unique_ptr<Command> command);
 
       private:
         CommandTree& m_tree;
@@ -110,7 +122,7 @@ class CommandTree {
         std::string m_name;
     };
     Noun AddNoun(const std::string& name, const std::string& description, Group group = Group::Management);
-    /// A noun that needs no verb.
+    /// A noun that needs no verb. It changes nothing on the machine.
     void AddCommand(const std::string& name, const std::string& description, Group group,
                     CommandFunction function);
     void AddCommand(const std::string& name, const std::string& description, Group group,

@@ -1,5 +1,6 @@
 // The command line: global options, nouns and verbs.
 #include "Command.h"
+#include "Console.h"
 #include "HostName.h"
 #include "SimulatedMachine.h"
 
@@ -127,6 +128,7 @@ void CommandTree::AddCommand(const std::string& name, const std::string& descrip
 
 void CommandTree::AddCommand(const std::string& name, const std::string& description, Group group,
                              std::unique_ptr<Command> command) {
+    command->MarkAsQuery();
     Attach(AddNounApp(name, description, group), name, description, std::move(command));
 }
 
@@ -139,6 +141,17 @@ CommandTree::Noun& CommandTree::Noun::Verb(const std::string& name, const std::s
                                            std::unique_ptr<Command> command) {
     m_tree.Attach(m_tree.Subcommand(m_app, name), m_name + ' ' + name, description, std::move(command));
     return *this;
+}
+
+CommandTree::Noun& CommandTree::Noun::Query(const std::string& name, const std::string& description,
+                                            CommandFunction function) {
+    return Query(name, description, std::make_unique<FunctionCommand>(function));
+}
+
+CommandTree::Noun& CommandTree::Noun::Query(const std::string& name, const std::string& description,
+                                            std::unique_ptr<Command> command) {
+    command->MarkAsQuery();
+    return Verb(name, description, std::move(command));
 }
 
 std::vector<std::string> CommandTree::WithSimulateApart(const std::vector<std::string>& arguments) const {
@@ -281,6 +294,11 @@ void CommandTree::CheckGlobalOptions() {
         if (m_options.stateFile.empty()) {
             throw UsageError("--state: the name of a file is needed");
         }
+    }
+    if (!m_options.machine.empty() && !AsksForSimulator(m_options) && !HostHasWmi()) {
+        throw UsageError(
+            "--machine: this host has no WMI, and so no way to another machine; run quilletctl on "
+            "Windows, or add --simulate");
     }
     if (m_options.journal && !UsesSimulator(m_options)) {
         throw UsageError("--journal: only a simulated machine keeps a journal; add --simulate");

@@ -2,6 +2,7 @@
 #include "Files.h"
 
 #include "Failure.h"
+#include "HostFiles.h"
 
 #include <array>
 #include <fstream>
@@ -22,6 +23,68 @@ std::filesystem::path TemporaryNameBeside(const std::filesystem::path& file) {
     name += ".tmp";
     return name;
 }
+
+/// A file that is to take another's place, with its rights, wherever links lead to it. It is gone again
+/// unless it does.
+class Replacement {
+  public:
+    /// Throws UsageError where the other file may not be written, or none may be made in its folder.
+    Replacement(const std::string& file, Access access)
+        : m_file(file), m_target(FollowLinks(FilePath(file))), m_temporary(TemporaryNameBeside(m_target)) {
+        std::error_code error;
+        const std::filesystem::file_status status = std::filesystem::status(m_target, error);
+        const bool isThere = std::filesystem::exists(status);
+        if (isThere && !std::filesystem::is_regular_file(status)) {
+            throw UsageError(file + ": not a file");
+        }
+        if (isThere && !std::fstream(m_target, std::ios::binary | std::ios::in | std::ios::out)) {
+            throw UsageError(file + ": cannot be written");
+        }
+        m_stream.open(m_temporary, std::ios::binary);
+        if (!m_stream) {
+            GiveUp("no file can be made in its folder");
+        }
+        if (isThere) {
+            if (const std::error_code refused = TakeOverRights(m_target, m_temporary)) {
+                GiveUp("its owner and rights cannot be kept: " + refused.message());
+            }
+        } else if (access == Access::OwnerOnly) {
+            std::filesystem::permissions(
+                m_temporary, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, error);
+        }
+    }
+    ~Replacement() { Remove(); }
+    Replacement(const Replacement&) = delete;
+    Replacement& operator=(const Replacement&) = delete;
+
+    /// Throws UsageError.
+    void Commit(std::string_view bytes) {
+        m_stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        m_stream.close();
+        if (!m_stream) {
+            GiveUp("the disk is full or failing");
+        }
+        if (const std::error_code error = MoveOver(m_temporary, m_target)) {
+            GiveUp(error.message());
+        }
+    }
+
+  private:
+    void Remove() noexcept {
+        m_stream.close();
+        std::error_code ignored;
+        std::filesystem::remove(m_temporary, ignored);
+    }
+    [[noreturn]] void GiveUp(const std::string& why) {
+        Remove();
+        throw UsageError(m_file + ": cannot be written: " + why);
+    }
+
+    std::string m_file;
+    std::filesystem::path m_target;
+    std::filesystem::path m_temporary;
+    std::ofstream m_stream;
+};
 
 } // namespace
 
@@ -64,33 +127,12 @@ std::vector<std::uint8_t> ReadWholeFile(const std::string& file) {
     return bytes;
 }
 
-void ReplaceFile(const std::string& file, std::string_view bytes, Access access) {
-    const std::filesystem::path path = FilePath(file);
-    const std::filesystem::path temporary = TemporaryNameBeside(path);
-    const auto give_up = [&](const std::string& why) {
-        std::error_code ignored;
-        std::filesystem::remove(temporary, ignored);
-        throw UsageError(file + ": cannot be written: " + why);
-    };
+void CheckReplaceable(const std::string& file) {
+    const Replacement tried(file, Access::OwnerOnly);
+}
 
-    std::ofstream stream(temporary, std::ios::binary);
-    if (!stream) {
-        give_up("no file can be made in its folder");
-    }
-    std::error_code error;
-    if (access == Access::OwnerOnly) {
-        std::filesystem::permissions(
-            temporary, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, error);
-    }
-    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    stream.close();
-    if (!stream) {
-        give_up("the disk is full or failing");
-    }
-    std::filesystem::rename(temporary, path, error);
-    if (error) {
-        give_up(error.message());
-    }
+void ReplaceFile(const std::string& file, std::string_view bytes, Access access) {
+    Replacement(file, access).Commit(bytes);
 }
 
 } // namespace quilletctl

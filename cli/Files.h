@@ -20,7 +20,10 @@ std::vector<std::uint8_t> ReadWholeFile(const std::string& file);
 /// Who may read what is written.
 enum class Access { Usual, OwnerOnly };
 
-/// Replaces a file, as a whole or not at all. Throws UsageError.
+/// Throws UsageError where a file could not be replaced; what there is stays as it is.
+void CheckReplaceable(const std::string& file);
+/// Replaces a file, as a whole or not at all. One that is there keeps its rights, its owner and the links
+/// that lead to it; who may read a new one is said here. Throws UsageError.
 void ReplaceFile(const std::string& file, std::string_view bytes, Access access = Access::Usual);
 
 } // namespace quilletctl

@@ -1,22 +1,25 @@
 // Connecting on demand, answering, and what follows a command.
 #include "Invocation.h"
 
-#include "SimulatedMachine.h"
 #include "Text.h"
 
 #include <nlohmann/json.hpp>
 
 namespace quilletctl {
 
-Invocation::Invocation(const GlobalOptions& options, Terminal& terminal)
-    : m_options(options), m_terminal(terminal) {}
+Invocation::Invocation(const GlobalOptions& options, Terminal& terminal, bool mayChange)
+    : m_options(options), m_terminal(terminal), m_mayChange(mayChange) {}
 
 CQuillet& Invocation::Session() {
     if (!m_connection) {
         if (!m_machine && UsesSimulator(m_options)) {
-            m_machine = LoadMachine(m_options);
+            if (!AsksForSimulator(m_options)) {
+                m_terminal.err << "quilletctl: this host has no WMI, so a simulated machine answers; with "
+                                  "--simulate it does so without this line\n";
+            }
+            m_machine.emplace(m_options, m_mayChange);
         }
-        m_connection.emplace(m_options.machine, m_machine);
+        m_connection.emplace(m_options.machine, m_machine ? m_machine->Machine() : nullptr);
     }
     return m_connection->Quillet();
 }
@@ -66,8 +69,8 @@ void Invocation::Finish() {
     if (m_options.journal) {
         PrintJournal();
     }
-    if (m_machine && !m_options.stateFile.empty()) {
-        SaveMachine(*m_machine, m_options.stateFile);
+    if (m_machine) {
+        m_machine->Save();
     }
 }
 
@@ -94,8 +97,8 @@ std::string AskedInContext(const quillet::simulator::JournalEntry& call) {
 void Invocation::PrintJournal() {
     // What a program parses stays clean.
     std::ostream& stream = WantsJson() ? m_terminal.err : m_terminal.out;
-    const auto calls =
-        m_machine ? m_machine->Calls().ProviderCalls() : std::vector<quillet::simulator::JournalEntry>();
+    const auto calls = m_machine ? m_machine->Machine()->Calls().ProviderCalls()
+                                 : std::vector<quillet::simulator::JournalEntry>();
     stream << (WantsJson() ? "" : "\n") << "Calls to the provider: " << calls.size() << '\n';
     for (const auto& call : calls) {
         stream << "  " << Printable(ToUtf8(call.Line()) + AskedInContext(call)) << '\n';

@@ -4,11 +4,11 @@
 #include "Connection.h"
 #include "Failure.h"
 #include "Options.h"
+#include "SimulatedMachine.h"
 #include "Terminal.h"
 
 #include <nlohmann/json_fwd.hpp>
 
-#include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -23,7 +23,8 @@ void PrintJson(const Json& json, std::ostream& out);
 
 class Invocation {
   public:
-    Invocation(const GlobalOptions& options, Terminal& terminal);
+    /// @param mayChange whether the command may change the machine
+    Invocation(const GlobalOptions& options, Terminal& terminal, bool mayChange);
 
     /// The session with the provider; connects when it is first asked for. Throws Refusal or UsageError.
     CQuillet& Session();
@@ -54,7 +55,8 @@ class Invocation {
 
     const GlobalOptions& m_options;
     Terminal& m_terminal;
-    std::shared_ptr<quillet::simulator::Machine> m_machine;
+    bool m_mayChange;
+    std::optional<SimulatedMachine> m_machine;
     std::optional<Connection> m_connection;
     bool m_hasAnswered = false;
 };

@@ -4,18 +4,29 @@
 #include "Console.h"
 #include "Failure.h"
 #include "Files.h"
+#include "HostFiles.h"
+
+#include <system_error>
 
 namespace quilletctl {
 
 namespace {
 
-using quillet::simulator::Machine;
+using quillet::simulator::LeadingComments;
 using quillet::simulator::MofError;
 
-std::shared_ptr<Machine> FromFile(const std::string& file) {
+/// Loads a machine, and tells what stands at the head of its file.
+std::shared_ptr<quillet::simulator::Machine> FromFile(const std::string& file, std::string& comments) {
     CheckReadable(file);
     try {
-        return Machine::FromFile(FilePath(file));
+        auto machine = quillet::simulator::Machine::FromFile(FilePath(file));
+        const std::vector<std::uint8_t> bytes = ReadWholeFile(file);
+        const auto head = LeadingComments({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, file);
+        if (!head) {
+            throw UsageError(file + ": the file is empty, and describes no machine");
+        }
+        comments = *head;
+        return machine;
     } catch (const MofError& mistake) {
         throw UsageError(mistake.what());
     }
@@ -23,22 +34,47 @@ std::shared_ptr<Machine> FromFile(const std::string& file) {
 
 } // namespace
 
-bool UsesSimulator(const GlobalOptions& options) noexcept {
-    return options.simulate || !options.stateFile.empty() || !HostHasWmi();
+bool AsksForSimulator(const GlobalOptions& options) noexcept {
+    return options.simulate || !options.stateFile.empty();
 }
 
-std::shared_ptr<Machine> LoadMachine(const GlobalOptions& options) {
+bool UsesSimulator(const GlobalOptions& options) noexcept {
+    return AsksForSimulator(options) || !HostHasWmi();
+}
+
+SimulatedMachine::SimulatedMachine(const GlobalOptions& options, bool mayChange)
+    : m_stateFile(mayChange ? options.stateFile : std::string()) {
+    if (!m_stateFile.empty()) {
+        // First of all: what cannot be kept is not to be done.
+        CheckReplaceable(m_stateFile);
+        try {
+            m_lock.emplace(FollowLinks(FilePath(m_stateFile)));
+        } catch (const std::system_error& failure) {
+            throw UsageError(m_stateFile + ": cannot be locked: " + failure.code().message());
+        }
+    }
     const bool goesOn = !options.stateFile.empty() && FileExists(options.stateFile);
     const std::string& file = goesOn ? options.stateFile : options.machineFile;
-    auto machine = file.empty() ? Machine::BuiltIn() : FromFile(file);
+    std::string comments;
+    m_machine = file.empty() ? quillet::simulator::Machine::BuiltIn() : FromFile(file, comments);
+    if (goesOn) {
+        m_comments = std::move(comments);
+        m_generation = m_machine->Store().Generation();
+    }
     // Whoever sits before it waits for tests and flash memories as before a real one.
-    machine->FollowRealTime(true);
-    return machine;
+    m_machine->FollowRealTime(true);
 }
 
-void SaveMachine(const Machine& machine, const std::string& stateFile) {
-    // A machine holds credentials (iSCSI, link security), so the file is its owner's alone.
-    ReplaceFile(stateFile, machine.Save(), Access::OwnerOnly);
+void SimulatedMachine::Save() const {
+    if (m_stateFile.empty()) {
+        return;
+    }
+    // What goes on in the machine is brought up to date by this, and counts.
+    const std::string text = m_comments + m_machine->Save();
+    if (m_generation != m_machine->Store().Generation()) {
+        // A machine holds credentials (iSCSI, link security), so a new file is its owner's alone.
+        ReplaceFile(m_stateFile, text, Access::OwnerOnly);
+    }
 }
 
 } // namespace quilletctl

@@ -276,11 +276,11 @@ class IdentifyAdapter final : public AdapterCommand {
 
 void AddAdapterCommands(CommandTree& tree) {
     tree.AddNoun("adapter", "The machine's network adapters")
-        .Verb("list", "List the adapters", ListAdapters)
-        .Verb("show", "What is known of an adapter: names, link, state, hardware",
-              std::make_unique<ShowAdapter>())
-        .Verb("capabilities", "What an adapter can do", std::make_unique<ListCapabilities>())
-        .Verb("ports", "The ports of an adapter's board that are in a team", std::make_unique<ListPorts>())
+        .Query("list", "List the adapters", ListAdapters)
+        .Query("show", "What is known of an adapter: names, link, state, hardware",
+               std::make_unique<ShowAdapter>())
+        .Query("capabilities", "What an adapter can do", std::make_unique<ListCapabilities>())
+        .Query("ports", "The ports of an adapter's board that are in a team", std::make_unique<ListPorts>())
         .Verb("identify", "Let an adapter blink, so that it is found in the rack",
               std::make_unique<IdentifyAdapter>());
 }

@@ -168,6 +168,7 @@ class ReadBootAgent final : public BootCommand {
             run.Out() << "nothing was written\n";
             return ExitStatus::Done;
         }
+        CheckReplaceable(m_file); // reading takes a while
         const Flash flash = ReadFlash(run.Session(), agent);
         ReplaceFile(m_file, flash.Text());
         if (run.WantsJson()) {
@@ -310,10 +311,10 @@ class WriteBootAgent final : public ChosenImagesCommand {
 
 void AddBootCommands(CommandTree& tree) {
     tree.AddNoun("boot", "The boot agent of an adapter and its flash memory")
-        .Verb("show", "Show the boot agent", std::make_unique<ShowBootAgent>())
-        .Verb("read", "Read the flash memory into a file", std::make_unique<ReadBootAgent>())
-        .Verb("inspect", "List the images in an image file", std::make_unique<InspectImageFile>())
-        .Verb("verify", "Check an image file", std::make_unique<VerifyImageFile>())
+        .Query("show", "Show the boot agent", std::make_unique<ShowBootAgent>())
+        .Query("read", "Read the flash memory into a file", std::make_unique<ReadBootAgent>())
+        .Query("inspect", "List the images in an image file", std::make_unique<InspectImageFile>())
+        .Query("verify", "Check an image file", std::make_unique<VerifyImageFile>())
         .Verb("write", "Write an image file into the flash memory, after checking it and asking",
               std::make_unique<WriteBootAgent>());
 }

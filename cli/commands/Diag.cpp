@@ -292,7 +292,7 @@ class StopTest final : public TestCommand {
 
 void AddDiagCommands(CommandTree& tree) {
     tree.AddNoun("diag", "Diagnostic tests of an adapter")
-        .Verb("list", "List the tests", std::make_unique<ListTests>())
+        .Query("list", "List the tests", std::make_unique<ListTests>())
         .Verb("run", "Run a test and tell its outcome; Ctrl-C stops it", std::make_unique<RunTest>())
         .Verb("stop", "Stop a test", std::make_unique<StopTest>());
 }

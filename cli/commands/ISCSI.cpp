@@ -136,8 +136,8 @@ class ShowPort final : public AdapterCommand {
 
 void AddISCSICommands(CommandTree& tree) {
     tree.AddNoun("iscsi", "Booting from an iSCSI target")
-        .Verb("list", "List the adapters that can, and their places", ListPorts)
-        .Verb("show", "Show an adapter's place, and what the system can do", std::make_unique<ShowPort>())
+        .Query("list", "List the adapters that can, and their places", ListPorts)
+        .Query("show", "Show an adapter's place, and what the system can do", std::make_unique<ShowPort>())
         .Verb("set", "Change an adapter's place", std::make_unique<SetPlace>());
 }
 

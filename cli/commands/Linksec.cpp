@@ -349,15 +349,17 @@ class MasterKey final : public AdapterCommand {
         DeclareReload(syntax, m_reload);
         m_secrets.Declare(syntax);
     }
+    bool OnlyReads() const noexcept override { return !IsNew() && m_randomMac.empty(); }
 
   private:
+    bool IsNew() const noexcept { return m_set || m_secrets.IsNamed(); }
+
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         CAdapterManualPMKInfo info = ReadMasterKey(run.Session(), adapter);
-        const bool isNew = m_set || m_secrets.IsNamed();
-        if (!isNew && m_randomMac.empty()) {
+        if (OnlyReads()) {
             return Show(adapter, info, run);
         }
-        if (isNew) {
+        if (IsNew()) {
             info.Clear();
             m_secrets.Read("Pairwise master key", info.m_sManualPMKKey);
         }
@@ -415,17 +417,17 @@ class ShowStatistics final : public AdapterCommand {
 
 void AddLinksecCommands(CommandTree& tree) {
     tree.AddNoun("linksec", "Link security (IEEE 802.1AE) of an adapter")
-        .Verb("show", "Show authentication, keys and saved credentials; secrets as ***",
-              std::make_unique<ShowLinksec>())
+        .Query("show", "Show authentication, keys and saved credentials; secrets as ***",
+               std::make_unique<ShowLinksec>())
         .Verb("set-keys", "Change the manually entered keys; what is not named stays",
               std::make_unique<SetKeys>())
         .Verb("set-auth", "Change how the adapter authenticates; what is not named stays",
               std::make_unique<SetAuthentication>())
         .Verb("import-pac", "Import a PAC file of the managed machine", std::make_unique<ImportPac>())
-        .Verb("pac-show", "Show what an imported PAC file holds", std::make_unique<ShowPac>())
+        .Query("pac-show", "Show what an imported PAC file holds", std::make_unique<ShowPac>())
         .Verb("pac-delete", "Delete an imported PAC file", std::make_unique<DeletePac>())
         .Verb("pmk", "Tell whether there is a pairwise master key, or set one", std::make_unique<MasterKey>())
-        .Verb("stats", "Show the log of security statistics", std::make_unique<ShowStatistics>());
+        .Query("stats", "Show the log of security statistics", std::make_unique<ShowStatistics>());
 }
 
 } // namespace quilletctl

@@ -210,12 +210,12 @@ class ReapplyPower final : public AdapterCommand {
 
 void AddPowerCommands(CommandTree& tree) {
     tree.AddNoun("power", "The power-saving options of an adapter")
-        .Verb("show", "Show the options, and which the adapter does not have", std::make_unique<ShowPower>())
+        .Query("show", "Show the options, and which the adapter does not have", std::make_unique<ShowPower>())
         .Verb("set", "Change options; those not named stay", std::make_unique<SetPower>())
         .Verb("reapply", "Let the adapter apply its power-management capabilities again",
               std::make_unique<ReapplyPower>());
     tree.AddNoun("wol", "What wakes the machine through an adapter")
-        .Verb("show", "Show the options, and which the adapter does not have", std::make_unique<ShowWake>())
+        .Query("show", "Show the options, and which the adapter does not have", std::make_unique<ShowWake>())
         .Verb("set", "Change options; those not named stay", std::make_unique<SetWake>());
 }
 

@@ -66,8 +66,8 @@ class ListProfiles final : public Command {
 
 void AddProfileCommands(CommandTree& tree) {
     tree.AddNoun("profile", "The performance profiles of adapters")
-        .Verb("list", "List the profiles that an adapter offers, and which it has",
-              std::make_unique<ListProfiles>());
+        .Query("list", "List the profiles that an adapter offers, and which it has",
+               std::make_unique<ListProfiles>());
 }
 
 } // namespace quilletctl

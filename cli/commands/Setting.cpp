@@ -124,9 +124,9 @@ void AddSettingCommands(CommandTree& tree) {
     CommandTree::Noun setting =
         tree.AddNoun("setting", "The advanced settings of adapters, teams, VLANs and boot agents");
     setting
-        .Verb("list", "List the settings of an owner with current, default and possible values",
-              std::make_unique<ListSettings>())
-        .Verb("get", "Show one setting", std::make_unique<GetSetting>());
+        .Query("list", "List the settings of an owner with current, default and possible values",
+               std::make_unique<ListSettings>())
+        .Query("get", "Show one setting", std::make_unique<GetSetting>());
     AddSettingSet(setting);
 }
 

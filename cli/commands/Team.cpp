@@ -692,9 +692,9 @@ class TestSwitch final : public TeamCommand {
 
 void AddTeamCommands(CommandTree& tree) {
     tree.AddNoun("team", "Teams of adapters")
-        .Verb("list", "List the teams", ListTeams)
-        .Verb("show", "What is known of a team, and its members", std::make_unique<ShowTeam>())
-        .Verb("modes", "The modes that adapters can be teamed in", std::make_unique<ListModes>())
+        .Query("list", "List the teams", ListTeams)
+        .Query("show", "What is known of a team, and its members", std::make_unique<ShowTeam>())
+        .Query("modes", "The modes that adapters can be teamed in", std::make_unique<ListModes>())
         .Verb("create", "Check and make a team", std::make_unique<CreateTeam>())
         .Verb("add", "Add adapters to a team", std::make_unique<AddMembers>())
         .Verb("remove", "Take adapters out of a team", std::make_unique<RemoveMembers>())

@@ -355,8 +355,8 @@ class RemoveVlan final : public ExistingVlan {
 
 void AddVlanCommands(CommandTree& tree) {
     tree.AddNoun("vlan", "The VLANs of adapters and teams")
-        .Verb("list", "List the VLANs", std::make_unique<ListVlans>())
-        .Verb("check", "Say what stands in the way of new VLANs", std::make_unique<CheckVlans>())
+        .Query("list", "List the VLANs", std::make_unique<ListVlans>())
+        .Query("check", "Say what stands in the way of new VLANs", std::make_unique<CheckVlans>())
         .Verb("add", "Add VLANs, unless something stands in the way", std::make_unique<AddVlans>())
         .Verb("modify", "Change the name or the ID of a VLAN, unless something stands in the way",
               std::make_unique<ModifyVlan>())

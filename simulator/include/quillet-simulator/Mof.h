@@ -4,6 +4,7 @@
 #include <quillet-simulator/Repository.h>
 
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 
 namespace quillet::simulator {
@@ -30,6 +31,10 @@ class MofError : public std::runtime_error {
 void CompileMof(Repository& repository, std::string_view text, const std::string& fileName);
 /// The same for a file; `#pragma include` is resolved beside it.
 void CompileMofFile(Repository& repository, const std::filesystem::path& file);
+
+/// What stands before the first word of a MOF text: comments, and the blanks around them. Nothing for a text
+/// without a word. Throws MofError.
+std::optional<std::string> LeadingComments(std::string_view text, const std::string& fileName);
 
 /// Writes the instances of a repository as MOF that compiles into the same instances (UTF-8).
 std::string WriteInstancesAsMof(const Repository& repository);

@@ -1,0 +1,58 @@
+// Files on Windows.
+#include "HostFiles.h"
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+namespace quilletctl {
+
+namespace {
+
+std::error_code LastError() {
+    return {static_cast<int>(GetLastError()), std::system_category()};
+}
+
+} // namespace
+
+std::filesystem::path FollowLinks(const std::filesystem::path& file) {
+    constexpr DWORD SHARED = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE handle =
+        CreateFileW(file.c_str(), 0, SHARED, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return file; // not there yet, or whoever opens it will be told
+    }
+    std::wstring name(GetFinalPathNameByHandleW(handle, nullptr, 0, 0), L'\0');
+    name.resize(GetFinalPathNameByHandleW(handle, name.data(), static_cast<DWORD>(name.size()), 0));
+    CloseHandle(handle);
+    return name.empty() ? file : std::filesystem::path(name);
+}
+
+std::error_code TakeOverRights(const std::filesystem::path& from, const std::filesystem::path& to) {
+    // The owner stays whoever writes: an administrator's files belong to all administrators anyway.
+    constexpr SECURITY_INFORMATION RIGHTS = DACL_SECURITY_INFORMATION;
+    DWORD size = 0;
+    GetFileSecurityW(from.c_str(), RIGHTS, nullptr, 0, &size);
+    std::vector<BYTE> descriptor(size);
+    const bool isDone = size != 0 && GetFileSecurityW(from.c_str(), RIGHTS, descriptor.data(), size, &size) &&
+                        SetFileSecurityW(to.c_str(), RIGHTS, descriptor.data());
+    return isDone ? std::error_code() : LastError();
+}
+
+std::error_code MoveOver(const std::filesystem::path& from, const std::filesystem::path& to) {
+    // Whoever reads the file at this moment is in the way, but not for long.
+    constexpr int TRIES = 100;
+    constexpr DWORD PAUSE = 20;
+    for (int i = 0; !MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING); ++i) {
+        const std::error_code error = LastError();
+        const bool isInUse = error.value() == ERROR_SHARING_VIOLATION || error.value() == ERROR_ACCESS_DENIED;
+        if (!isInUse || i == TRIES) {
+            return error;
+        }
+        Sleep(PAUSE);
+    }
+    return {};
+}
+
+} // namespace quilletctl
