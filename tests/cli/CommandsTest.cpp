@@ -106,6 +106,54 @@ TEST_F(Adapters, List_OnAMachineByName) {
         << "the backslashes of a pasted name are not doubled";
 }
 
+/// Only a host without WMI has a simulated machine answer that nobody asked for.
+class WithoutWmi : public CommandLine {
+  protected:
+    void SetUp() override {
+        if (quilletctl::HostHasWmi()) {
+            GTEST_SKIP() << "the real provider answers";
+        }
+    }
+};
+
+TEST_F(WithoutWmi, OneLineOnTheErrorStreamSaysThatASimulatedMachineAnswers) {
+    const std::string line =
+        "quilletctl: this host has no WMI, so a simulated machine answers; with --simulate it "
+        "does so without this line\n";
+    for (std::vector<std::string> words : {std::vector<std::string>{"team", "list"},
+                                           {"team", "list", "--json"},
+                                           {"--no-color", "vlan", "check", "TEAM : Zürich", "100", "x"}}) {
+        const Outcome silent = RunCommandLine(words, {true, 200});
+        EXPECT_EQ(silent.err, line);
+        words.push_back("--simulate");
+        const Outcome asked = RunCommandLine(words, {true, 200});
+        EXPECT_EQ(asked.err, "");
+        EXPECT_EQ(silent.out, asked.out);
+        EXPECT_EQ(silent.status, asked.status);
+    }
+    EXPECT_EQ(RunCommandLine({"--state", Utf8(InFolder("lab.mof")), "team", "list"}).err, "");
+    EXPECT_EQ(RunCommandLine({"team", "show", "nobody"}).err.find(line), 0u) << "an error is below it";
+    EXPECT_EQ(RunCommandLine({"version"}).err, "") << "no machine answers";
+    EXPECT_EQ(RunCommandLine({"help", "team", "list"}).err, "");
+}
+
+TEST_F(WithoutWmi, AnotherMachineIsAnErrorThatSaysWhatToDo) {
+    const std::string message =
+        "--machine: this host has no WMI, and so no way to another machine; run quilletctl on "
+        "Windows, or add --simulate";
+    const Outcome text = RunCommandLine({"--machine", "lab-7", "team", "list"});
+    EXPECT_EQ(text.status, 2);
+    EXPECT_EQ(text.out, "");
+    EXPECT_EQ(text.err, "quilletctl: " + message + "\n");
+    const Outcome json = RunCommandLine({"--machine", "lab-7", "team", "list", "--json"});
+    EXPECT_EQ(json.status, 2);
+    EXPECT_EQ(Json::parse(json.out).at("error").at("message"), message);
+    EXPECT_EQ(RunCommandLine({"--machine", "lab-7", "--simulate", "team", "list"}).status, 0);
+    EXPECT_EQ(
+        RunCommandLine({"--machine", "lab-7", "--state", Utf8(InFolder("lab.mof")), "team", "list"}).status,
+        0);
+}
+
 TEST_F(Warnings, NoneIsSaidInWords) {
     const Outcome outcome = RunCommandLine({"--simulate", "warnings"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;

@@ -75,7 +75,6 @@ class ModuleTest(OnAMachine):
         make_machine(6)
         adapters = [{"name": GIGABIT, "settings": {"*SpeedDuplex": "100 Mbps Full Duplex"}}]
         teams = [{"name": "Ä \"1\" -", "members": [FAST], "vlans": [{"id": 5, "name": "-büro"}]}]
-        run([QUILLETCTL, "--state", STATE, "adapter", "list"])
         before = saved()
         foretold = self.module(check=True, adapters=adapters, teams=teams)
         self.assertEqual(saved(), before)
@@ -106,7 +105,6 @@ class ModuleTest(OnAMachine):
 
     def test_a_description_that_does_not_fit_changes_nothing(self):
         make_machine(2)
-        run([QUILLETCTL, "--state", STATE, "adapter", "list"])
         before = saved()
         settings = {"*JumboPacket": 9014, "*None": 1}
         answer = self.module(adapters=[{"name": GIGABIT, "settings": settings}, {"name": "Nobody"}])
