@@ -44,10 +44,12 @@ if(WIN32)
 else()
   set(pkgconfig_libraries "-lquillet_platform -pthread")
 endif()
-# The file finds its prefix from where it lies.
+# The files find their prefix from where they lie.
 file(RELATIVE_PATH pkgconfig_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
-configure_file(cmake/quillet.pc.in quillet.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/quillet.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+foreach(file IN ITEMS quillet.pc quillet-simulator.pc)
+  configure_file(cmake/${file}.in ${file} @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${file} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()
 
 set(CPACK_PACKAGE_VENDOR "Quillet")
 set(CPACK_PACKAGE_CONTACT "Quillet developers <quillet@localhost>")

@@ -24,6 +24,7 @@ FILE_NAME = re.compile(r"[\w*-]+\.(?:cpp|h|md|mof|cmake|py|map|svg|json|xml|dict
 IDENTIFIER = re.compile(r"[A-Za-z_]\w*(?:(?:::|\.|->)~?[A-Za-z_]\w*)*(?:\(\))?")
 QUERY = re.compile(r"(?:SELECT|REFERENCES OF|ASSOCIATORS OF) \S")
 GOLDEN = "tests/Src/operations/golden"
+SIMULATED = 'quilletctl() { command quilletctl --simulate "$@"; }'
 MADE_BY_THE_BUILD = {"Export.h"}
 
 
@@ -98,8 +99,12 @@ class Checker:
         elif language == "mof" and not directive:
             (session.folder / "machine.mof").write_text(block.text, encoding="utf-8")
             self.check_machine(block, session, "machine.mof")
-        elif language == "console" and not directive:
-            self.run(session, shell_session.console_commands(block))
+        elif language == "console" and directive in ("", documents.ON_A_REAL_MACHINE):
+            commands = shell_session.console_commands(block)
+            simulated = [shell_session.Command(block.line, SIMULATED, [])] if directive else []
+            self.run(session, simulated + commands)
+        elif language == "sh" and directive == documents.AFTER_INSTALLING and block.document.name == "README.md":
+            pass  # a part of the test of the package
         elif language == "sh" and not directive:
             self.run(session, [command for command in shell_session.script_commands(block)
                                if not self.runs_elsewhere(command, block)])

@@ -71,6 +71,15 @@ class CheckerTest(unittest.TestCase):
         self.assert_wrong("```console\n$ true\nmore\n```\n", "-more")
         self.assert_wrong("```console\nsaid\n```\n", "without a command")
 
+    def test_commands_for_a_real_machine_ask_for_a_simulated_one(self):
+        mark = "<!-- test: on a real machine -->\n"
+        self.assert_right(mark + "```console\n$ quilletctl x\nsaid: --simulate x\n$ quilletctl y\n…y\n```\n")
+        self.assert_wrong(mark + "```console\n$ quilletctl x\nsaid: x\n```\n", "page.md:3", "+said: --simulate x")
+        self.assert_right("```console\n$ quilletctl x\nsaid: x\n```\n")
+
+    def test_only_one_page_tells_how_to_go_on_after_installing(self):
+        self.assert_wrong("<!-- test: after installing -->\n```sh\nfalse\n```\n", "after installing")
+
     def test_an_ellipsis_stands_for_anything(self):
         self.assert_right("```console\n$ quilletctl x y\nsaid: …\n```\n")
         self.assert_right("```console\n$ printf '1\\n2\\n3\\n'\n1\n…\n3\n```\n")

@@ -12,6 +12,10 @@ LINK = re.compile(r"!?\[[^\]]*\]\(([^)\s]+)\)")
 CODE_SPAN = re.compile(r"(?<!`)`([^`]+)`(?!`)")
 MAIN = re.compile(r"^(int|auto) main\(", re.MULTILINE)
 FILE = re.compile(r"(file|append) ([\w.-]+)$")
+# Commands for what was installed: tests/package runs those of README.md.
+AFTER_INSTALLING = "after installing"
+# Commands that show a real machine. They are tried on the simulated one.
+ON_A_REAL_MACHINE = "on a real machine"
 # Ways of compiling C++ that is no complete program; see Frame.h.
 FRAGMENTS = ("in-function", "connected", "gtest")
 

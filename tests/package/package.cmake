@@ -1,6 +1,6 @@
 # Installs the build tree, makes its package, and builds, tests and links somebody else's project against what the
 # package brings.
-# BUILD_DIR, WORK_DIR, SOURCE_DIR, LIBDIR; TOOLCHAIN and EMULATOR of a cross-build; COMPILER and FLAGS of
+# BUILD_DIR, WORK_DIR, SOURCE_DIR, ROOT, LIBDIR, PYTHON; TOOLCHAIN and EMULATOR of a cross-build; COMPILER and FLAGS of
 # the build tree.
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE out)
@@ -9,6 +9,29 @@ function(run)
     message(FATAL_ERROR "${command}\nended with ${status}:\n${out}")
   endif()
   set(out "${out}" PARENT_SCOPE)
+endfunction()
+
+# quilletctl starts from a prefix, whatever that is called and without the build tree.
+function(expect_start prefix)
+  run(${EMULATOR} ${prefix}/bin/quilletctl${SUFFIX} --simulate team list)
+  if(NOT out MATCHES "TEAM : Zürich")
+    message(FATAL_ERROR "${prefix}/bin/quilletctl printed\n${out}")
+  endif()
+  if(NOT TOOLCHAIN)
+    file(GLOB libraries ${prefix}/${LIBDIR}/*.so)
+    foreach(file IN LISTS libraries ITEMS ${prefix}/bin/quilletctl)
+      run(ldd ${file})
+      string(REGEX MATCHALL "libquillet[^ ]* => [^ ]*" found "${out}")
+      foreach(library IN LISTS found)
+        string(REGEX REPLACE ".* => " "" library "${library}")
+        cmake_path(NORMAL_PATH library)
+        cmake_path(IS_PREFIX prefix "${library}" is_own)
+        if(NOT is_own)
+          message(FATAL_ERROR "${file} takes ${library}")
+        endif()
+      endforeach()
+    endforeach()
+  endif()
 endfunction()
 
 file(REMOVE_RECURSE ${WORK_DIR})
@@ -39,8 +62,16 @@ if(NOT packaged STREQUAL files)
   message(FATAL_ERROR "the package has other files than the installation\n${packaged}\nnot\n${files}")
 endif()
 
+file(RENAME ${installed} ${WORK_DIR}/moved)
+expect_start(${WORK_DIR}/moved)
+expect_start(${prefix})
+
 # The outside project must not find its way back into this tree.
 file(COPY ${SOURCE_DIR}/consumer DESTINATION ${WORK_DIR})
+# It is about the first program of the page that tells how to install, as it stands there.
+set(first_program ${PYTHON} ${SOURCE_DIR}/first_program.py ${ROOT})
+run(${first_program} text)
+file(WRITE ${WORK_DIR}/consumer/client.cpp "${out}")
 file(GLOB_RECURSE texts ${prefix}/*.cmake ${prefix}/*.pc)
 foreach(text IN LISTS texts)
   file(READ ${text} content)
@@ -66,12 +97,18 @@ run(ctest --test-dir ${WORK_DIR}/build --output-on-failure --no-tests=error)
 message("${out}")
 
 if(NOT TOOLCHAIN)
-  # The same without CMake.
-  set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIBDIR}/pkgconfig)
-  run(pkg-config --cflags --libs quillet)
-  separate_arguments(flags UNIX_COMMAND "${out} ${FLAGS}")
-  file(WRITE ${WORK_DIR}/version.cpp "#include <quillet/Quillet.h>\nint main() { CQuillet quillet; return 0; }\n")
-  run(${COMPILER} -std=c++20 ${WORK_DIR}/version.cpp -o ${WORK_DIR}/version ${flags})
-  set(ENV{LD_LIBRARY_PATH} ${prefix}/${LIBDIR})
-  run(${WORK_DIR}/version)
+  # The same without CMake, by the commands of the page. The compiler is that of the build tree.
+  file(WRITE ${WORK_DIR}/bin/g++ "#!/bin/sh\nexec ${COMPILER} \"$@\" ${FLAGS}\n")
+  file(CHMOD ${WORK_DIR}/bin/g++ PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+  set(ENV{PATH} "${WORK_DIR}/bin:$ENV{PATH}")
+  run(${first_program} commands ${prefix})
+  # Where libraries lie is called differently on some systems.
+  string(REPLACE "${prefix}/lib" "${prefix}/${LIBDIR}" out "${out}")
+  file(WRITE ${WORK_DIR}/consumer/commands "set -e\n${out}")
+  execute_process(COMMAND sh commands WORKING_DIRECTORY ${WORK_DIR}/consumer
+    RESULT_VARIABLE status OUTPUT_FILE ${WORK_DIR}/printed)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "the commands of the page ended with ${status}")
+  endif()
+  execute_process(COMMAND ${first_program} compare INPUT_FILE ${WORK_DIR}/printed COMMAND_ERROR_IS_FATAL ANY)
 endif()
