@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <system_error>
 
 namespace quilletctl {
@@ -15,5 +16,8 @@ std::error_code TakeOverRights(const std::filesystem::path& from, const std::fil
 
 /// Renames a file over another, in one step: whoever opens that gets the one or the other.
 std::error_code MoveOver(const std::filesystem::path& from, const std::filesystem::path& to);
+/// Makes MoveOver wait with this file while the result lives, on a host where it could not be opened at that
+/// moment.
+std::shared_ptr<void> KeepInPlace(const std::filesystem::path& file);
 
 } // namespace quilletctl

@@ -51,4 +51,8 @@ std::error_code MoveOver(const std::filesystem::path& from, const std::filesyste
     return error;
 }
 
+std::shared_ptr<void> KeepInPlace(const std::filesystem::path&) {
+    return nullptr;
+}
+
 } // namespace quilletctl

@@ -14,6 +14,22 @@ std::error_code LastError() {
     return {static_cast<int>(GetLastError()), std::system_category()};
 }
 
+/// Tries something until nobody else is in the way: whoever reads or replaces a file does it in no time.
+template <class Attempt>
+std::error_code UnlessInUse(Attempt attempt) {
+    constexpr int TRIES = 100;
+    constexpr DWORD PAUSE = 20;
+    for (int i = 0; !attempt(); ++i) {
+        const std::error_code error = LastError();
+        const bool isInUse = error.value() == ERROR_SHARING_VIOLATION || error.value() == ERROR_ACCESS_DENIED;
+        if (!isInUse || i == TRIES) {
+            return error;
+        }
+        Sleep(PAUSE);
+    }
+    return {};
+}
+
 } // namespace
 
 std::filesystem::path FollowLinks(const std::filesystem::path& file) {
@@ -41,18 +57,21 @@ std::error_code TakeOverRights(const std::filesystem::path& from, const std::fil
 }
 
 std::error_code MoveOver(const std::filesystem::path& from, const std::filesystem::path& to) {
-    // Whoever reads the file at this moment is in the way, but not for long.
-    constexpr int TRIES = 100;
-    constexpr DWORD PAUSE = 20;
-    for (int i = 0; !MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING); ++i) {
-        const std::error_code error = LastError();
-        const bool isInUse = error.value() == ERROR_SHARING_VIOLATION || error.value() == ERROR_ACCESS_DENIED;
-        if (!isInUse || i == TRIES) {
-            return error;
-        }
-        Sleep(PAUSE);
+    return UnlessInUse([&] { return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != 0; });
+}
+
+std::shared_ptr<void> KeepInPlace(const std::filesystem::path& file) {
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(file, ignored)) {
+        return nullptr; // nor will it ever be readable
     }
-    return {};
+    HANDLE handle = INVALID_HANDLE_VALUE;
+    UnlessInUse([&] {
+        handle = CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                             OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+        return handle != INVALID_HANDLE_VALUE;
+    });
+    return handle == INVALID_HANDLE_VALUE ? nullptr : std::shared_ptr<void>(handle, CloseHandle);
 }
 
 } // namespace quilletctl

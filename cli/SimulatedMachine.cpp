@@ -17,6 +17,7 @@ using quillet::simulator::MofError;
 
 /// Loads a machine, and tells what stands at the head of its file.
 std::shared_ptr<quillet::simulator::Machine> FromFile(const std::string& file, std::string& comments) {
+    const auto stays = KeepInPlace(FilePath(file));
     CheckReadable(file);
     try {
         auto machine = quillet::simulator::Machine::FromFile(FilePath(file));
@@ -45,13 +46,13 @@ bool UsesSimulator(const GlobalOptions& options) noexcept {
 SimulatedMachine::SimulatedMachine(const GlobalOptions& options, bool mayChange)
     : m_stateFile(mayChange ? options.stateFile : std::string()) {
     if (!m_stateFile.empty()) {
-        // First of all: what cannot be kept is not to be done.
-        CheckReplaceable(m_stateFile);
         try {
             m_lock.emplace(FollowLinks(FilePath(m_stateFile)));
         } catch (const std::system_error& failure) {
-            throw UsageError(m_stateFile + ": cannot be locked: " + failure.code().message());
+            throw UsageError(m_stateFile + ": cannot be written: " + failure.code().message());
         }
+        // What cannot be kept is not to be done.
+        CheckReplaceable(m_stateFile);
     }
     const bool goesOn = !options.stateFile.empty() && FileExists(options.stateFile);
     const std::string& file = goesOn ? options.stateFile : options.machineFile;

@@ -96,7 +96,7 @@ TEST_F(StateOnPosix, ThatMayNotBeWritten_NothingIsDone) {
     const Outcome outcome = Change(m_file);
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err, "quilletctl: " + Utf8(m_file) + ": cannot be written\n");
+    EXPECT_EQ(outcome.err, "quilletctl: " + Utf8(m_file) + ": cannot be written: Permission denied\n");
     EXPECT_EQ(RunCommandLine({"--state", Utf8(m_file), "vlan", "list"}).status, 0) << "but it can be read";
 }
 
