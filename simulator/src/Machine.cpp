@@ -26,22 +26,19 @@ InstancePtr Description(const Repository& store) {
     return found.empty() ? nullptr : found.front();
 }
 
-/// Rejects a value that the schema lets pass but the simulator cannot use.
-[[noreturn]] void RejectFault(const std::string& fileName, const Instance& fault, const std::string& reason) {
-    throw MofError(fileName, 1, 1,
-                   "QuilletSimulator_Fault.Id=" + std::to_string(fault.Number(L"Id")) + ": " + reason);
-}
+constexpr const wchar_t* FaultClass = L"QuilletSimulator_Fault";
 
-FaultRule ReadFault(const std::string& fileName, const Instance& fault) {
+/// Throws std::invalid_argument for a name that the schema lets pass but that names nothing.
+FaultRule ReadFault(const Instance& fault) {
     FaultRule rule;
     if (const auto operation = fault.Text(L"Operation"); operation.empty()) {
         rule.operation.reset();
     } else if (rule.operation = OperationByName(operation); !rule.operation) {
-        RejectFault(fileName, fault, "Operation names no call");
+        throw std::invalid_argument("Operation names no call");
     }
     const auto effect = EffectByName(fault.Text(L"Effect"));
     if (!effect) {
-        RejectFault(fileName, fault, "Effect names no effect");
+        throw std::invalid_argument("Effect names no effect");
     }
     rule.effect = *effect;
     rule.target = fault.Text(L"Target");
@@ -56,6 +53,19 @@ FaultRule ReadFault(const std::string& fileName, const Instance& fault) {
     rule.size = static_cast<std::size_t>(fault.Number(L"Size", 1 << 20));
     rule.milliseconds = static_cast<unsigned>(fault.Number(L"Milliseconds"));
     return rule;
+}
+
+/// Rejects a fault that the schema lets pass but the simulator cannot use, as an InstanceCheck.
+void CheckFault(const Instance& instance) {
+    if (!SameName(instance.definition->name, FaultClass)) {
+        return;
+    }
+    try {
+        Faults().Add(ReadFault(instance));
+    } catch (const std::invalid_argument& refused) {
+        throw std::invalid_argument("QuilletSimulator_Fault.Id=" + std::to_string(instance.Number(L"Id")) +
+                                    ": " + refused.what());
+    }
 }
 
 /// A store with the provider's schema and, if one is named, a machine that ships with the simulator.
@@ -89,8 +99,7 @@ std::shared_ptr<const Repository> Prototype(const MachineOptions& options, const
 /// The name in object paths belongs to the store from its beginning, so a text that names it is compiled
 /// again into a store of that name.
 template <class Compile>
-auto Build(MachineOptions options, const std::string& fileName, const EmbeddedText* shipped,
-           Compile compile) {
+auto Build(MachineOptions options, const EmbeddedText* shipped, Compile compile) {
     const bool named = !options.serverName.empty();
     if (!named) {
         options.serverName = ThisComputer();
@@ -105,13 +114,13 @@ auto Build(MachineOptions options, const std::string& fileName, const EmbeddedTe
             compile(state->store);
         }
     }
-    state->Configure(fileName);
+    state->Configure();
     return state;
 }
 
 /// A machine that is shipped.
 auto BuildShipped(MachineOptions options, const EmbeddedText& machine) {
-    return Build(std::move(options), machine.fileName, &machine, [](Repository&) {});
+    return Build(std::move(options), &machine, [](Repository&) {});
 }
 
 } // namespace
@@ -129,7 +138,7 @@ Machine::State::State(const Repository& prototype, const MachineOptions& options
     providers[L"Zorel_DiagTest"] = MakeDiagTestProvider();
 }
 
-void Machine::State::Configure(const std::string& fileName) {
+void Machine::State::Configure() {
     if (const auto description = Description(store)) {
         strict = strict || description->Number(L"Strict") != 0;
         clock.FollowRealTime(description->Number(L"FollowRealTime") != 0);
@@ -137,13 +146,8 @@ void Machine::State::Configure(const std::string& fileName) {
     for (const auto& followUp : store.Instances(L"QuilletSimulator_FollowUp")) {
         followUps[followUp->Text(L"ClassName")] = static_cast<LONG>(followUp->Number(L"Action"));
     }
-    for (const auto& fault : store.Instances(L"QuilletSimulator_Fault")) {
-        auto rule = ReadFault(fileName, *fault);
-        try {
-            faults.Add(std::move(rule));
-        } catch (const std::invalid_argument& refused) {
-            RejectFault(fileName, *fault, refused.what());
-        }
+    for (const auto& fault : store.Instances(FaultClass)) {
+        faults.Add(ReadFault(*fault));
     }
 }
 
@@ -176,15 +180,14 @@ std::shared_ptr<Machine> Machine::BuiltIn(MachineOptions options) {
 
 std::shared_ptr<Machine> Machine::FromText(std::string_view mof, const std::string& fileName,
                                            MachineOptions options) {
-    return std::shared_ptr<Machine>(
-        new Machine(Build(std::move(options), fileName, nullptr,
-                          [&](Repository& store) { CompileMof(store, mof, fileName); })));
+    return std::shared_ptr<Machine>(new Machine(Build(std::move(options), nullptr, [&](Repository& store) {
+        CompileMof(store, mof, fileName, CheckFault);
+    })));
 }
 
 std::shared_ptr<Machine> Machine::FromFile(const std::filesystem::path& file, MachineOptions options) {
-    return std::shared_ptr<Machine>(
-        new Machine(Build(std::move(options), file.string(), nullptr,
-                          [&](Repository& store) { CompileMofFile(store, file); })));
+    return std::shared_ptr<Machine>(new Machine(Build(
+        std::move(options), nullptr, [&](Repository& store) { CompileMofFile(store, file, CheckFault); })));
 }
 
 Repository& Machine::Store() noexcept {

@@ -16,7 +16,7 @@ struct Machine::State {
     /// @param prototype what the store holds at first
     State(const Repository& prototype, const MachineOptions& options);
     /// Takes over what the machine's own instances say about its behaviour and its faults.
-    void Configure(const std::string& fileName);
+    void Configure();
     /// The provider for a class: its own, or that of the nearest class above it.
     ClassProvider& ProviderOf(const ClassDefinition& definition);
 

@@ -75,7 +75,7 @@ struct QualifierUse {
 
 /// What all files of one compilation share.
 struct Unit {
-    explicit Unit(Repository& target) : repository(target) {}
+    Unit(Repository& target, InstanceCheck each) : repository(target), check(std::move(each)) {}
 
     struct Alias {
         ClassPtr definition;
@@ -99,6 +99,7 @@ struct Unit {
     };
 
     Repository& repository;
+    InstanceCheck check;
     std::map<std::wstring, Alias, NameLess> aliases;
     std::vector<Waiting> waiting;
     std::vector<ClassUse> referencedClasses;
@@ -119,6 +120,13 @@ void Unit::Store(Instance instance, const Place& place) {
     const InstancePtr present = repository.FindInstance(path);
     if (present && stored.find(present) != stored.end()) {
         place.Fail(L"duplicate key: " + path + L" is there already");
+    }
+    if (check) {
+        try {
+            check(instance);
+        } catch (const std::invalid_argument& refused) {
+            place.Fail(FromUtf8(refused.what()).value_or(L"it cannot be used"));
+        }
     }
     if (repository.PutInstance(std::move(instance), Repository::Write::CreateOrUpdate, &reason) != 0) {
         place.Fail(L"instance of " + Quoted(definition->name) + L": " + reason);
@@ -891,18 +899,19 @@ class FileCompiler {
 
 } // namespace
 
-void CompileMof(Repository& repository, std::string_view text, const std::string& fileName) {
-    Unit unit(repository);
+void CompileMof(Repository& repository, std::string_view text, const std::string& fileName,
+                InstanceCheck check) {
+    Unit unit(repository, std::move(check));
     FileCompiler(unit, std::make_shared<const MofSource>(fileName, text), {}).Run();
     unit.Finish();
 }
 
-void CompileMofFile(Repository& repository, const std::filesystem::path& file) {
+void CompileMofFile(Repository& repository, const std::filesystem::path& file, InstanceCheck check) {
     const std::optional<std::string> text = ReadFile(file);
     if (!text) {
         throw MofError(TextOf(file), 1, 1, "the file cannot be read");
     }
-    Unit unit(repository);
+    Unit unit(repository, std::move(check));
     std::error_code error;
     unit.openFiles.push_back(std::filesystem::weakly_canonical(file, error));
     FileCompiler(unit, std::make_shared<const MofSource>(TextOf(file), *text), file.parent_path()).Run();

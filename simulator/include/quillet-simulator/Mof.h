@@ -4,6 +4,7 @@
 #include <quillet-simulator/Repository.h>
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 
@@ -27,10 +28,15 @@ class MofError : public std::runtime_error {
     std::size_t m_column;
 };
 
+/// Looks at an instance before it is stored and throws std::invalid_argument where it cannot be used; the
+/// reason is told with the place of the instance in its text.
+using InstanceCheck = std::function<void(const Instance& instance)>;
+
 /// Compiles MOF (UTF-8) into a repository. Throws MofError; what stood before the error is kept.
-void CompileMof(Repository& repository, std::string_view text, const std::string& fileName);
+void CompileMof(Repository& repository, std::string_view text, const std::string& fileName,
+                InstanceCheck check = {});
 /// The same for a file; `#pragma include` is resolved beside it.
-void CompileMofFile(Repository& repository, const std::filesystem::path& file);
+void CompileMofFile(Repository& repository, const std::filesystem::path& file, InstanceCheck check = {});
 
 /// What stands before the first word of a MOF text: comments, and the blanks around them. Nothing for a text
 /// without a word. Throws MofError.

@@ -146,13 +146,31 @@ TEST(Machines, AFaultThatMeansNothingIsReported) {
     for (const auto* fault :
          {"Operation = \"Explode\"; Effect = \"Fail\";", "Effect = \"Explode\";",
           "Operation = \"Get\"; Effect = \"EndOfData\";", "Nth = 0; Effect = \"Fail\";"}) {
-        const std::string text = std::string("instance of QuilletSimulator_Fault { Id = 7; ") + fault + " };";
+        const std::string text = std::string("instance of QuilletSimulator_Fault { Id = 6; };\n\n"
+                                             "  instance of QuilletSimulator_Fault { Id = 7; ") +
+                                 fault + " };";
         try {
             Machine::FromText(text, "faults.mof");
             ADD_FAILURE() << fault;
         } catch (const MofError& error) {
-            EXPECT_THAT(error.what(), testing::HasSubstr("QuilletSimulator_Fault.Id=7")) << fault;
+            EXPECT_THAT(error.what(), testing::StartsWith("faults.mof:3:3: QuilletSimulator_Fault.Id=7: "))
+                << fault;
         }
+    }
+}
+
+TEST(Machines, AFaultInAnIncludedFileIsReportedThere) {
+    const quillet::test::TemporaryDirectory directory;
+    const auto folder = std::filesystem::path(directory.Path());
+    std::ofstream(folder / "inner.mof", std::ios::binary)
+        << "// A comment.\ninstance of QuilletSimulator_Fault { Id = 1; Effect = \"Explode\"; };\n";
+    std::ofstream(folder / "outer.mof", std::ios::binary) << "#pragma include (\"inner.mof\")\n";
+    try {
+        Machine::FromFile(folder / "outer.mof");
+        FAIL() << "compiled";
+    } catch (const MofError& error) {
+        EXPECT_EQ(error.Line(), 2u);
+        EXPECT_THAT(error.File(), testing::EndsWith("inner.mof"));
     }
 }
 
