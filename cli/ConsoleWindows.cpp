@@ -2,6 +2,7 @@
 // written byte for byte, without the run-time library's carriage returns.
 #include "Console.h"
 
+#include "OutputBuffer.h"
 #include "Text.h"
 
 #include <windows.h>
@@ -9,92 +10,80 @@
 
 #include <algorithm>
 #include <iostream>
-#include <streambuf>
 #include <string_view>
 
 namespace quilletctl {
 
 namespace {
 
-/// A stream buffer over a standard handle.
-class HandleBuffer : public std::streambuf {
+/// A standard handle, to write to. A screen understands escape sequences while this lives.
+class StandardHandle {
   public:
-    explicit HandleBuffer(DWORD standardHandle) : m_handle(GetStdHandle(standardHandle)) {
+    explicit StandardHandle(DWORD standardHandle) : m_handle(GetStdHandle(standardHandle)) {
         m_isConsole = GetConsoleMode(m_handle, &m_mode) != 0;
         // Escape sequences are off by default; an old console that does not know them keeps its mode.
         m_understandsEscapes =
             m_isConsole && SetConsoleMode(m_handle, m_mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
     }
-    ~HandleBuffer() override {
-        HandleBuffer::sync();
+    ~StandardHandle() {
         if (m_isConsole) {
             SetConsoleMode(m_handle, m_mode);
         }
     }
-    HandleBuffer(const HandleBuffer&) = delete;
-    HandleBuffer& operator=(const HandleBuffer&) = delete;
+    StandardHandle(const StandardHandle&) = delete;
+    StandardHandle& operator=(const StandardHandle&) = delete;
 
     HANDLE Handle() const noexcept { return m_handle; }
     bool IsConsole() const noexcept { return m_isConsole; }
     bool UnderstandsEscapes() const noexcept { return m_understandsEscapes; }
 
-  protected:
-    int_type overflow(int_type character) override {
-        if (!traits_type::eq_int_type(character, traits_type::eof())) {
-            m_pending.push_back(traits_type::to_char_type(character));
-        }
-        return traits_type::not_eof(character);
-    }
-    std::streamsize xsputn(const char* bytes, std::streamsize count) override {
-        m_pending.append(bytes, static_cast<std::size_t>(count));
-        return count;
-    }
-    int sync() override {
-        const bool written = m_isConsole ? WriteScreen() : WriteBytes();
-        m_pending.clear();
-        return written ? 0 : -1;
+    Written Write(std::string_view bytes) const {
+        return m_isConsole ? WriteScreen(ToWide(bytes)) : WriteBytes(bytes);
     }
 
   private:
-    bool WriteScreen() const {
-        const std::wstring text = ToWide(m_pending);
+    Written WriteScreen(std::wstring_view text) const {
         // An older console takes no more than 64 KB at once.
         constexpr std::size_t MOST = 8192;
-        for (std::size_t at = 0; at < text.size();) {
-            const auto count = static_cast<DWORD>(std::min(MOST, text.size() - at));
+        while (!text.empty()) {
+            const auto count = static_cast<DWORD>(std::min(MOST, text.size()));
             DWORD written = 0;
-            if (!WriteConsoleW(m_handle, text.data() + at, count, &written, nullptr) || written == 0) {
-                return false;
+            if (!WriteConsoleW(m_handle, text.data(), count, &written, nullptr) || written == 0) {
+                return Written::Failed;
             }
-            at += written;
+            text.remove_prefix(written);
         }
-        return true;
+        return Written::All;
     }
-    bool WriteBytes() const {
-        constexpr std::size_t MOST = 1U << 20;
-        for (std::size_t at = 0; at < m_pending.size();) {
-            const auto count = static_cast<DWORD>(std::min(MOST, m_pending.size() - at));
+    Written WriteBytes(std::string_view bytes) const {
+        while (!bytes.empty()) {
             DWORD written = 0;
-            if (!WriteFile(m_handle, m_pending.data() + at, count, &written, nullptr) || written == 0) {
-                return false;
+            if (!WriteFile(m_handle, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr)) {
+                const DWORD error = GetLastError();
+                return error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA ? Written::ReaderLeft
+                                                                            : Written::Failed;
             }
-            at += written;
+            if (written == 0) {
+                return Written::Failed;
+            }
+            bytes.remove_prefix(written);
         }
-        return true;
+        return Written::All;
     }
 
     HANDLE m_handle;
     DWORD m_mode = 0;
     bool m_isConsole = false;
     bool m_understandsEscapes = false;
-    std::string m_pending;
 };
 
 } // namespace
 
 struct Console::State {
-    HandleBuffer outBuffer{STD_OUTPUT_HANDLE};
-    HandleBuffer errBuffer{STD_ERROR_HANDLE};
+    StandardHandle outHandle{STD_OUTPUT_HANDLE};
+    StandardHandle errHandle{STD_ERROR_HANDLE};
+    OutputBuffer outBuffer{[this](std::string_view bytes) { return outHandle.Write(bytes); }};
+    OutputBuffer errBuffer{[this](std::string_view bytes) { return errHandle.Write(bytes); }};
     std::ostream out{&outBuffer};
     std::ostream err{&errBuffer};
     Terminal terminal{out, err};
@@ -112,22 +101,20 @@ Console::Console(int, char**) : m_state(std::make_unique<State>()) {
 
     m_state->err << std::unitbuf;
     Terminal& terminal = m_state->terminal;
-    terminal.outIsTerminal = m_state->outBuffer.IsConsole();
-    terminal.errIsTerminal = m_state->errBuffer.IsConsole();
-    terminal.outColour = m_state->outBuffer.UnderstandsEscapes();
-    terminal.errColour = m_state->errBuffer.UnderstandsEscapes();
+    terminal.outIsTerminal = m_state->outHandle.IsConsole();
+    terminal.errIsTerminal = m_state->errHandle.IsConsole();
+    terminal.outColour = m_state->outHandle.UnderstandsEscapes();
+    terminal.errColour = m_state->errHandle.UnderstandsEscapes();
     DWORD inputMode = 0;
     terminal.in = GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &inputMode) ? &std::cin : nullptr;
     CONSOLE_SCREEN_BUFFER_INFO screen{};
-    if (terminal.outIsTerminal && GetConsoleScreenBufferInfo(m_state->outBuffer.Handle(), &screen) &&
+    if (terminal.outIsTerminal && GetConsoleScreenBufferInfo(m_state->outHandle.Handle(), &screen) &&
         screen.srWindow.Right > screen.srWindow.Left) {
         terminal.width = static_cast<std::size_t>(screen.srWindow.Right - screen.srWindow.Left + 1);
     }
 }
 
-Console::~Console() {
-    m_state->out.flush();
-}
+Console::~Console() = default;
 
 Terminal& Console::Screen() noexcept {
     return m_state->terminal;

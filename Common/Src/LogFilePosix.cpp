@@ -9,12 +9,28 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace {
+
+/// The same file under a number that no standard stream has. Where one of these is closed, a file that is
+/// opened takes its place, and what the client prints would get into the trace.
+int BesideStandardStreams(int descriptor) {
+    if (descriptor < 0 || descriptor > STDERR_FILENO) {
+        return descriptor;
+    }
+    const int moved = fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    close(descriptor);
+    return moved;
+}
+
+} // namespace
+
 std::FILE* OpenLogFile(const std::wstring& path, bool append) {
     std::string name = ToUtf8(path);
     std::replace(name.begin(), name.end(), '\\', '/');
     // O_NONBLOCK: a pipe under that name must not hold the client up. It means nothing to a regular file.
     const int common = O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
-    const int descriptor = open(name.c_str(), common | (append ? O_RDWR | O_APPEND : O_WRONLY), 0600);
+    const int descriptor =
+        BesideStandardStreams(open(name.c_str(), common | (append ? O_RDWR | O_APPEND : O_WRONLY), 0600));
     if (descriptor < 0) {
         return nullptr;
     }

@@ -8,6 +8,7 @@
 
 #include <quillet-platform/TestHooks.h>
 
+#include <fcntl.h>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -78,6 +79,19 @@ TEST_F(LumDebugPosix, ProgramWithALongPath_IsStillKnown) {
     quillet::platform::SetModuleFileName(path);
     EXPECT_EQ(HostExecutablePath(), path);
     quillet::platform::SetModuleFileName({});
+}
+
+TEST_F(LumDebugPosix, ClosedStandardStream_DoesNotBecomeTheTraceFile) {
+    const int saved = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    const LONG result = Configure();
+    const bool isFree = fcntl(STDIN_FILENO, F_GETFD) == -1;
+    m_log.PrintText(L"line");
+    dup2(saved, STDIN_FILENO);
+    close(saved);
+    EXPECT_EQ(result, 0);
+    EXPECT_TRUE(isFree);
+    EXPECT_THAT(ReadFile(File()), testing::EndsWith("line\n"));
 }
 
 TEST_F(LumDebugPosix, BackslashesInTheName_AreDirectories) {

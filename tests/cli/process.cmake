@@ -88,6 +88,36 @@ instance of QuilletSimulator_Fault { Id = 1; Operation = "ConnectServer"; Code =
   run(1 --simulate fault.mof trace)
   expect_match("${out}" " Could not connect to namespace.\n")
 
+elseif(CHECK STREQUAL output)
+  # A shell runs the program ("$@") in each of these ways.
+  function(run_in_shell script expected_status expected_errors)
+    execute_process(COMMAND sh -c "${script}" sh ${QUILLETCTL} --simulate adapter list
+      WORKING_DIRECTORY ${WORK_DIR} RESULT_VARIABLE status ERROR_VARIABLE err OUTPUT_VARIABLE out)
+    if(NOT status EQUAL expected_status OR NOT err STREQUAL expected_errors)
+      message(FATAL_ERROR "${script}: status ${status}, not ${expected_status}\n${out}\n${err}")
+    endif()
+    set(out "${out}" PARENT_SCOPE)
+  endfunction()
+  set(unwritten "quilletctl: standard output cannot be written\n")
+  # The reader leaves after the first line, or before it.
+  run_in_shell("{ \"$@\"; echo $? >left.txt; } | head -n 1; exit $(cat left.txt)" 0 "")
+  expect_match("${out}" "^NAME [^\n]*\n$")
+  run_in_shell("{ sleep 0.2; \"$@\"; echo $? >left.txt; } | true; exit $(cat left.txt)" 0 "")
+  # Nobody is there, or nothing can be stored.
+  run_in_shell("\"$@\" >&-" 1 "${unwritten}")
+  run_in_shell("\"$@\" --json >&-" 1 "${unwritten}")
+  run_in_shell("\"$@\" >/dev/full" 1 "${unwritten}")
+  # Nor does what is meant for a closed stream get into the trace, which is opened later.
+  run_in_shell("\"$@\" nobody 2>&-" 2 "")
+  file(GLOB_RECURSE traces ${WORK_DIR}/*Gui_Quillet.txt)
+  if(NOT traces)
+    message(FATAL_ERROR "no trace in ${WORK_DIR}")
+  endif()
+  file(STRINGS ${traces} strangers REGEX "^NAME |^quilletctl:")
+  if(strangers)
+    message(FATAL_ERROR "in the trace: ${strangers}")
+  endif()
+
 elseif(CHECK STREQUAL untraced)
   # The machine's administrator has switched the trace off.
   file(WRITE ${WORK_DIR}/registry.reg [=[
