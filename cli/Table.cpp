@@ -4,6 +4,7 @@
 #include "Text.h"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace quilletctl {
@@ -28,6 +29,18 @@ void PrintRow(std::ostream& out, const std::vector<std::string>& cells,
     }
 }
 
+/// How many bytes all texts begin with, up to the last mark that parts words; 0 where there are no two that
+/// differ.
+std::size_t CommonBeginning(const std::vector<std::string_view>& texts) {
+    if (texts.empty()) {
+        return 0;
+    }
+    const auto [least, greatest] = std::minmax_element(texts.begin(), texts.end());
+    const auto end = std::mismatch(least->begin(), least->end(), greatest->begin(), greatest->end()).first;
+    const auto common = least->substr(0, static_cast<std::size_t>(end - least->begin()));
+    return *least == *greatest ? 0 : common.find_last_of(" -:.") + 1;
+}
+
 } // namespace
 
 Table::Table(std::vector<Column> columns) : m_columns(std::move(columns)) {}
@@ -39,19 +52,73 @@ void Table::AddRow(const std::vector<std::string>& cells) {
     }
 }
 
-std::vector<std::size_t> Table::Widths(const Terminal& terminal) const {
-    std::vector<std::size_t> widths;
+std::size_t Table::WidthOf(std::size_t column) const {
+    std::size_t width = DisplayWidth(m_columns[column].title);
+    for (const auto& row : m_rows) {
+        width = std::max(width, DisplayWidth(row[column]));
+    }
+    return width;
+}
+
+std::size_t Table::TotalWidth() const {
     std::size_t total = 0;
     for (std::size_t i = 0; i < m_columns.size(); ++i) {
-        std::size_t width = DisplayWidth(m_columns[i].title);
-        for (const auto& row : m_rows) {
-            width = std::max(width, DisplayWidth(row[i]));
+        total += WidthOf(i) + (i == 0 ? 0 : GAP);
+    }
+    return total;
+}
+
+std::size_t Table::IndexOf(const std::string& title) const {
+    const auto found = std::find_if(m_columns.begin(), m_columns.end(),
+                                    [&](const Column& each) { return each.title == title; });
+    return static_cast<std::size_t>(found - m_columns.begin());
+}
+
+bool Table::Repeats(std::size_t column, std::size_t other) const {
+    return other < m_columns.size() && std::all_of(m_rows.begin(), m_rows.end(), [&](const auto& row) {
+               return row[other].starts_with(row[column]);
+           });
+}
+
+void Table::RemoveRepeatedColumns(std::size_t width) {
+    for (std::size_t i = m_columns.size(); i-- > 0 && TotalWidth() > width;) {
+        if (!m_columns[i].repeats.empty() && Repeats(i, IndexOf(m_columns[i].repeats))) {
+            const auto place = static_cast<std::ptrdiff_t>(i);
+            m_columns.erase(m_columns.begin() + place);
+            for (auto& row : m_rows) {
+                row.erase(row.begin() + place);
+            }
         }
-        widths.push_back(width);
-        total += width + (i == 0 ? 0 : GAP);
+    }
+}
+
+void Table::RemoveCommonBeginnings(std::size_t width) {
+    for (std::size_t i = 0; i < m_columns.size() && TotalWidth() > width; ++i) {
+        if (m_columns[i].fit != Fit::Whole) {
+            continue;
+        }
+        std::vector<std::string_view> cells;
+        for (const auto& row : m_rows) {
+            cells.push_back(row[i]);
+        }
+        const std::size_t common = CommonBeginning(cells);
+        // Fewer would not be worth the mark.
+        constexpr std::size_t LEAST = 4;
+        for (auto& row : m_rows) {
+            if (common >= LEAST) {
+                row[i].replace(0, common, "…");
+            }
+        }
+    }
+}
+
+std::vector<std::size_t> Table::WidthsWithin(std::size_t width) const {
+    std::vector<std::size_t> widths;
+    for (std::size_t i = 0; i < m_columns.size(); ++i) {
+        widths.push_back(WidthOf(i));
     }
     // The widest text gives way first, column by column, until the row fits or nothing may be cut any more.
-    while (terminal.outIsTerminal && total > terminal.width) {
+    for (std::size_t total = TotalWidth(); total > width; --total) {
         std::size_t* widest = nullptr;
         for (std::size_t i = 0; i < widths.size(); ++i) {
             if (m_columns[i].fit == Fit::MayShorten && widths[i] > NARROWEST &&
@@ -63,13 +130,22 @@ std::vector<std::size_t> Table::Widths(const Terminal& terminal) const {
             break;
         }
         --*widest;
-        --total;
     }
     return widths;
 }
 
 void Table::Print(const Terminal& terminal) const {
-    const std::vector<std::size_t> widths = Widths(terminal);
+    if (!terminal.outIsTerminal) {
+        Print(terminal, WidthsWithin(TotalWidth()));
+        return;
+    }
+    Table fitted(*this);
+    fitted.RemoveRepeatedColumns(terminal.width);
+    fitted.RemoveCommonBeginnings(terminal.width);
+    fitted.Print(terminal, fitted.WidthsWithin(terminal.width));
+}
+
+void Table::Print(const Terminal& terminal, const std::vector<std::size_t>& widths) const {
     std::vector<std::string> titles;
     for (const Column& column : m_columns) {
         titles.push_back(column.title);

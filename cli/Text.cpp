@@ -73,6 +73,14 @@ void AppendUtf8(std::string& utf8, char32_t character) {
     }
 }
 
+std::string Utf8Of(std::u32string_view characters) {
+    std::string utf8;
+    for (const char32_t character : characters) {
+        AppendUtf8(utf8, character);
+    }
+    return utf8;
+}
+
 void AppendWide(std::wstring& text, char32_t character) {
     if (sizeof(wchar_t) == 2 && character > 0xFFFF) {
         const char32_t offset = character - 0x10000;
@@ -194,17 +202,27 @@ std::string Shortened(std::string_view utf8, std::size_t columns) {
     if (DisplayWidth(utf8) <= columns) {
         return std::string(utf8);
     }
-    std::string shortened;
-    std::size_t width = 1; // the ellipsis
-    for (const char32_t character : Characters(utf8)) {
-        width += WidthOf(character);
-        if (width > columns) {
+    const std::u32string characters = Characters(utf8);
+    const std::size_t room = columns > 0 ? columns - 1 : 0; // beside the ellipsis
+    std::string beginning;
+    std::size_t width = 0;
+    for (const char32_t character : characters) {
+        if (width + WidthOf(character) > (room + 1) / 2) {
             break;
         }
-        AppendUtf8(shortened, character);
+        width += WidthOf(character);
+        AppendUtf8(beginning, character);
     }
-    AppendUtf8(shortened, 0x2026);
-    return shortened;
+    std::size_t end = characters.size();
+    while (end > 0 && width + WidthOf(characters[end - 1]) <= room) {
+        width += WidthOf(characters[--end]);
+    }
+    // What combines with a character that is gone would sit on the ellipsis.
+    while (end < characters.size() && WidthOf(characters[end]) == 0) {
+        ++end;
+    }
+    AppendUtf8(beginning, 0x2026);
+    return beginning + Utf8Of(std::u32string_view(characters).substr(end));
 }
 
 } // namespace quilletctl

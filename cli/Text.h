@@ -26,7 +26,8 @@ std::size_t DisplayWidth(std::string_view utf8);
 /// The text without characters that would steer the terminal (controls, escapes, changes of direction): each
 /// becomes U+FFFD. Names come from a provider and are not to be trusted with the screen.
 std::string Printable(std::string_view utf8);
-/// The text cut to so many columns, with "…" at its end where something was cut.
+/// The text cut to so many columns, with "…" in its middle where something was cut: names differ at their
+/// ends.
 std::string Shortened(std::string_view utf8, std::size_t columns);
 
 } // namespace quilletctl

@@ -35,7 +35,7 @@ void PrintTable(const std::vector<ListedAdapter>& adapters, const Terminal& scre
     const bool twoIds = std::any_of(adapters.begin(), adapters.end(),
                                     [](const ListedAdapter& each) { return each.deviceId != each.objectId; });
     std::vector<Column> columns{
-        {"NAME", Fit::MayShorten}, {"DISPLAY NAME", Fit::MayShorten}, {"OBJECT ID", Fit::Whole}};
+        {"NAME", Fit::MayShorten}, {"DISPLAY NAME", Fit::MayShorten, "NAME"}, {"OBJECT ID", Fit::Whole}};
     if (twoIds) {
         columns.push_back({"DEVICE ID", Fit::Whole});
     }

@@ -66,7 +66,7 @@ class ListSettings final : public SettingCommand {
             run.Out() << "no settings\n";
         } else {
             Table table({{"SETTING", Fit::Whole},
-                         {"KIND", Fit::Whole},
+                         {"KIND", Fit::MayShorten},
                          {"CURRENT", Fit::MayShorten},
                          {"DEFAULT", Fit::MayShorten},
                          {"POSSIBLE VALUES", Fit::MayShorten}});

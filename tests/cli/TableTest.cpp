@@ -42,13 +42,50 @@ TEST(Table, Print_InANarrowTerminalTheWidestTextGivesWay) {
     Table table({{"NAME", Fit::MayShorten}, {"TEXT", Fit::MayShorten}, {"ID", Fit::Whole}});
     table.AddRow({"0123456789abcdef", "0123456789", "{0123456789}"});
     EXPECT_EQ(Printed(table, true, 36), "NAME        TEXT        ID\n"
-                                        "012345678…  0123456789  {0123456789}\n");
+                                        "01234…cdef  0123456789  {0123456789}\n");
     EXPECT_EQ(Printed(table, true, 10), "NAME      TEXT      ID\n"
-                                        "0123456…  0123456…  {0123456789}\n")
+                                        "0123…def  0123…789  {0123456789}\n")
         << "identifiers stay whole, and texts stay readable";
     EXPECT_EQ(Printed(table, false, 10), "NAME              TEXT        ID\n"
                                          "0123456789abcdef  0123456789  {0123456789}\n")
         << "a file is as wide as it likes";
+}
+
+TEST(Table, Print_InANarrowTerminalAColumnThatRepeatsAnotherGoesFirst) {
+    Table table({{"NAME", Fit::MayShorten}, {"MODEL", Fit::MayShorten, "NAME"}, {"ID"}});
+    table.AddRow({"Server Adapter", "Server Adapter", "{1}"});
+    table.AddRow({"Server Adapter #2", "Server Adapter", "{2}"});
+    EXPECT_EQ(Printed(table, true, 38), "NAME               MODEL           ID\n"
+                                        "Server Adapter     Server Adapter  {1}\n"
+                                        "Server Adapter #2  Server Adapter  {2}\n");
+    EXPECT_EQ(Printed(table, true, 37), "NAME               ID\n"
+                                        "Server Adapter     {1}\n"
+                                        "Server Adapter #2  {2}\n");
+    table.AddRow({"Left", "Server Adapter", "{3}"});
+    EXPECT_EQ(Printed(table, true, 37), "NAME              MODEL           ID\n"
+                                        "Server Adapter    Server Adapter  {1}\n"
+                                        "Server A…pter #2  Server Adapter  {2}\n"
+                                        "Left              Server Adapter  {3}\n")
+        << "it says something of one row";
+}
+
+TEST(Table, Print_InANarrowTerminalIdentifiersLoseWhatAllBeginWith) {
+    Table table({{"NAME", Fit::MayShorten}, {"ID"}});
+    table.AddRow({"the left port", "{0000-0000-000A}"});
+    table.AddRow({"the right port", "{0000-0000-001B}"});
+    EXPECT_EQ(Printed(table, true, 32), "NAME            ID\n"
+                                        "the left port   {0000-0000-000A}\n"
+                                        "the right port  {0000-0000-001B}\n");
+    EXPECT_EQ(Printed(table, true, 31), "NAME            ID\n"
+                                        "the left port   …000A}\n"
+                                        "the right port  …001B}\n");
+    Table same({{"NAME", Fit::MayShorten}, {"ID"}});
+    same.AddRow({"a long name of a port", "{0000-000A}"});
+    same.AddRow({"another", "{0000-000A}"});
+    EXPECT_EQ(Printed(same, true, 30), "NAME               ID\n"
+                                       "a long n…f a port  {0000-000A}\n"
+                                       "another            {0000-000A}\n")
+        << "what is the same everywhere tells nothing apart";
 }
 
 TEST(Table, Print_TitlesAreBoldWhereColoursAreWanted) {

@@ -62,9 +62,13 @@ TEST(Text, DisplayWidth_CountsColumns) {
 
 TEST(Text, Shortened_CutsAtColumnsAndMarksTheCut) {
     EXPECT_EQ(Shortened("abcdef", 6), "abcdef");
-    EXPECT_EQ(Shortened("abcdef", 5), "abcd…");
-    EXPECT_EQ(Shortened("東京都", 5), "東京…");
+    EXPECT_EQ(Shortened("abcdef", 5), "ab…ef") << "what tells names apart is often their end";
+    EXPECT_EQ(Shortened("abcdef", 4), "ab…f");
+    EXPECT_EQ(Shortened("abcdef", 1), "…");
+    EXPECT_EQ(Shortened("東京都", 5), "東…都");
     EXPECT_EQ(Shortened("東京都", 4), "東…") << "half of a wide character is no character";
+    EXPECT_EQ(Shortened("abce\xCC\x81", 3), "a…e\xCC\x81") << "an accent stays with its letter";
+    EXPECT_EQ(Shortened("ab東\xCC\x81", 3), "a…") << "and goes with it";
 }
 
 TEST(Text, Printable_ReplacesWhatSteersATerminal) {
