@@ -2,12 +2,14 @@
 #pragma once
 
 #include "Invocation.h"
+#include "NameLookup.h"
 #include "Text.h"
 
 #include <quillet/Quillet.h>
 
+#include <functional>
+#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace quilletctl {
@@ -27,11 +29,48 @@ struct ListedAdapter {
 /// All adapters, in the provider's order. Throws Refusal.
 std::vector<ListedAdapter> ReadAdapters(CQuillet& session);
 
-/// The adapter that a text names: by object path, object ID (with or without its braces), device ID, name, or
-/// display name where only one adapter has it; case does not count. A path that is not among the machine's
-/// adapters is taken as it is, for the provider may know it in another form. Throws UsageError where nothing,
-/// or more than one adapter, is named, and Refusal.
+/// The adapter as a thing with names.
+Named NamesOf(const ListedAdapter& adapter);
+
+/// Finds adapters by their names: object path (also of the boot agent), object ID, device ID, name, or
+/// display name where only one adapter has it. Where that names none: slot and port ("Slot 2:1", "2:1"), MAC
+/// address, and the caption by which a team shows its member; these are read then, and once for all that are
+/// looked for.
+class AdapterFinder {
+  public:
+    /// Throws Refusal.
+    explicit AdapterFinder(CQuillet& session);
+
+    const std::vector<ListedAdapter>& Adapters() const noexcept { return m_adapters; }
+    /// The adapter that a text names. A path that is not among the machine's adapters is taken as it is, for
+    /// the provider may know it in another form. Throws UsageError where nothing, or more than one adapter,
+    /// is named.
+    ListedAdapter One(const std::string& text);
+    /// The adapters that a pattern names; where it has no `*` or `?`, or is a name itself, as One(). Throws
+    /// UsageError where it names none.
+    std::vector<ListedAdapter> Several(const std::string& text);
+
+  private:
+    std::optional<std::size_t> Find(const std::string& text);
+    void ReadPlaces();
+    void ReadCaptions();
+    [[noreturn]] void ThrowUnknown(const std::string& text) const;
+
+    CQuillet& m_session;
+    std::vector<ListedAdapter> m_adapters;
+    std::vector<Named> m_names;
+    std::vector<Named> m_places;   ///< empty until they are needed
+    std::vector<Named> m_captions; ///< likewise
+    std::size_t m_placeless = 0;   ///< adapters that do not tell their places
+};
+
+/// AdapterFinder::One().
 ListedAdapter FindAdapter(CQuillet& session, const std::string& text);
+/// AdapterFinder::Several() of each text; an adapter that is named again counts once.
+/// @param offered among which adapters a pattern chooses; all of them where none is
+using AdapterChoice = std::function<bool(const ListedAdapter& adapter)>;
+std::vector<ListedAdapter> FindAdapters(CQuillet& session, const std::vector<std::string>& texts,
+                                        const AdapterChoice& offered = {});
 
 /// What an operation of the library reads of an adapter. Throws Refusal.
 /// @param what completes "could not read … of the adapter"

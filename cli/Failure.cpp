@@ -5,7 +5,7 @@
 
 namespace quilletctl {
 
-Refusal::Refusal(const std::string& asked, HRESULT code)
-    : std::runtime_error("could not " + asked + ": " + DescribeResult(code)), m_code(code) {}
+Refusal::Refusal(const std::string& asked, HRESULT code, const std::string& reason)
+    : std::runtime_error("could not " + asked + ": " + ExplainResult(code, reason)), m_code(code) {}
 
 } // namespace quilletctl

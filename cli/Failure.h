@@ -18,7 +18,8 @@ enum class ExitStatus : int {
 /// The provider (or COM on the way to it) refused: what was asked for, and the code.
 class Refusal : public std::runtime_error {
   public:
-    Refusal(const std::string& asked, HRESULT code);
+    /// @param reason what the code means here; empty: what it means everywhere
+    Refusal(const std::string& asked, HRESULT code, const std::string& reason = {});
     HRESULT Code() const noexcept { return m_code; }
 
   private:

@@ -9,6 +9,7 @@
 #include "VlanParent.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 
 namespace quilletctl {
@@ -67,28 +68,22 @@ SettingOwner OwnerAt(const std::string& path, const ObjectName& name, const std:
     throw UsageError("a " + name.className + " has no settings: " + path);
 }
 
-/// The VLAN with this name, of whatever parent. Throws UsageError where there is none, or more than one.
+/// The VLAN that a text names, of whatever parent. Throws UsageError where there is none, or more than one.
 SettingOwner VlanCalled(CQuillet& session, const std::string& text) {
-    std::vector<SettingOwner> found;
-    std::string ids;
+    std::vector<SettingOwner> owners;
+    std::vector<Named> names;
     for (const VlanParent& parent : ReadVlanParents(session)) {
         const CVLANs vlans = ReadVlans(session, parent);
         for (const CVLAN* vlan : vlans.m_vecItems) {
-            if (SameIgnoringCase(ToUtf8(vlan->m_wsVLANName), text)) {
-                const std::string objectId = ToUtf8(vlan->m_wsName);
-                found.push_back({SettingOwner::Kind::Vlan, ToUtf8(vlan->m_wsVLANID), objectId,
-                                 ToUtf8(vlan->m_wsVLANName) + " of " + parent.name});
-                ids += (ids.empty() ? "" : ", ") + objectId;
-            }
+            names.push_back(NamesOf(*vlan, parent));
+            owners.push_back({SettingOwner::Kind::Vlan, ToUtf8(vlan->m_wsVLANID), ToUtf8(vlan->m_wsName),
+                              Called(*vlan) + " of " + parent.name});
         }
     }
-    if (found.empty()) {
-        throw UsageError("no VLAN is called \"" + text + "\"; see quilletctl vlan list");
+    if (const std::optional<std::size_t> found = FindOneNamed(names, text, "VLANs")) {
+        return owners[*found];
     }
-    if (found.size() > 1) {
-        throw UsageError("several VLANs are called \"" + text + "\": " + ids);
-    }
-    return found.front();
+    throw UsageError("no VLAN is called \"" + text + "\"; see quilletctl vlan list");
 }
 
 } // namespace
@@ -159,10 +154,21 @@ void ReadVmqSettings(CQuillet& session, const SettingOwner& adapter, CSettings& 
                       "read the queue settings of " + adapter.called);
 }
 
-CSetting& FindSetting(const CSettings& settings, const std::string& caption, const SettingOwner& owner) {
-    CSetting* setting = settings.GetSettingByCaption(ToWide(caption));
+const CSetting* LookForSetting(const CSettings& settings, const std::string& text) {
+    std::vector<Named> names;
+    for (const CSetting* setting : settings.m_vecItems) {
+        const std::string caption = ToUtf8(setting->m_wsCaption);
+        const std::string path = ToUtf8(setting->m_wsPath);
+        names.push_back({path, caption, {path, caption, ToUtf8(setting->m_wsDescription)}});
+    }
+    const std::optional<std::size_t> found = FindOneNamed(names, text, "settings");
+    return found ? settings.m_vecItems[*found] : nullptr;
+}
+
+const CSetting& FindSetting(const CSettings& settings, const std::string& text, const SettingOwner& owner) {
+    const CSetting* setting = LookForSetting(settings, text);
     if (setting == nullptr) {
-        throw UsageError(owner.called + " has no setting \"" + caption + "\"; see quilletctl setting list");
+        throw UsageError(owner.called + " has no setting \"" + text + "\"; see quilletctl setting list");
     }
     return *setting;
 }

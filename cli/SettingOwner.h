@@ -23,7 +23,8 @@ const std::string& WordFor(SettingOwner::Kind kind);
 
 /// The owner that a text names. An object path says itself what it is a path of. Otherwise `kind` (one of the
 /// words; empty: adapter) does: adapters, and boot agents by their adapter, go by every name of
-/// FindAdapter(), teams by every name of FindTeam(), VLANs by object ID or name. Throws UsageError, Refusal.
+/// FindAdapter(), teams by every name of FindTeam(), VLANs by every name of
+/// NamesOf(). Throws UsageError, Refusal.
 SettingOwner FindSettingOwner(CQuillet& session, const std::string& text, const std::string& kind);
 
 /// All settings of an owner. Throws Refusal.
@@ -31,8 +32,10 @@ void ReadSettings(CQuillet& session, const SettingOwner& owner, CSettings& setti
 /// Those of an adapter's virtual machine queues. Throws Refusal.
 void ReadVmqSettings(CQuillet& session, const SettingOwner& adapter, CSettings& settings);
 
-/// The setting of a caption (case does not count). Throws UsageError where the owner has none of that
-/// caption.
-CSetting& FindSetting(const CSettings& settings, const std::string& caption, const SettingOwner& owner);
+/// The setting that a text names: by path, caption, or description where only one has it. Null where there is
+/// none; throws UsageError where it names several.
+const CSetting* LookForSetting(const CSettings& settings, const std::string& text);
+/// The same; throws UsageError where there is none.
+const CSetting& FindSetting(const CSettings& settings, const std::string& text, const SettingOwner& owner);
 
 } // namespace quilletctl

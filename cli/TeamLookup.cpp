@@ -5,17 +5,7 @@
 #include "ObjectPath.h"
 #include "Text.h"
 
-#include <string_view>
-
 namespace quilletctl {
-
-namespace {
-
-std::string_view WithoutBraces(std::string_view id) {
-    return id.size() > 2 && id.front() == '{' && id.back() == '}' ? id.substr(1, id.size() - 2) : id;
-}
-
-} // namespace
 
 CTeams ReadTeams(CQuillet& session) {
     CTeams teams;
@@ -23,48 +13,45 @@ CTeams ReadTeams(CQuillet& session) {
     return teams;
 }
 
-std::optional<CTeam> LookForTeam(CQuillet& session, const std::string& text) {
-    const CTeams teams = ReadTeams(session);
-    std::vector<const CTeam*> named;
+std::vector<Named> NamesOf(const CTeams& teams) {
+    std::vector<Named> names;
     for (const CTeam* team : teams.m_vecItems) {
         const std::string objectId = ToUtf8(team->m_wsName);
-        if (SameIgnoringCase(ToUtf8(team->m_wsTeamID), text) ||
-            SameIgnoringCase(WithoutBraces(objectId), WithoutBraces(text))) {
-            return *team; // these name one team only
+        const std::string path = ToUtf8(team->m_wsTeamID);
+        // A display name stands where an adapter has its name: the two are looked for side by side.
+        names.push_back({objectId, Called(*team), {path, objectId, {}, ToUtf8(team->m_wsCaption)}});
+    }
+    return names;
+}
+
+std::optional<CTeam> TeamAtPath(CQuillet& session, const CTeams& teams, const std::string& path) {
+    const ObjectName name = NameInPath(path);
+    if (!SameIgnoringCase(name.className, "Zorel_TeamOfAdapters")) {
+        return std::nullopt;
+    }
+    for (const CTeam* team : teams.m_vecItems) {
+        if (SameIgnoringCase(NameInPath(ToUtf8(team->m_wsTeamID)).key, name.key)) {
+            return *team;
         }
-        if (SameIgnoringCase(ToUtf8(team->m_wsCaption), text)) {
-            named.push_back(team);
-        }
     }
-    if (named.size() > 1) {
-        std::string ids;
-        for (const CTeam* team : named) {
-            ids += (ids.empty() ? "" : ", ") + ToUtf8(team->m_wsName);
-        }
-        throw UsageError("several teams are called \"" + text + "\": " + ids);
-    }
-    if (!named.empty()) {
-        return *named.front();
-    }
-    const ObjectName inPath = NameInPath(text);
-    if (SameIgnoringCase(inPath.className, "Zorel_TeamOfAdapters")) {
-        // The provider may know the team in another form, and tells what there is to know of it.
-        CTeam team;
-        Invocation::Check(session.GetTeamInfo(ToWide(text), team), "read the team " + text);
-        return team;
-    }
-    return std::nullopt;
+    // The provider may know the team in another form, and tells what there is to know of it.
+    CTeam team;
+    Invocation::Check(session.GetTeamInfo(ToWide(path), team), "read the team " + path);
+    return team;
 }
 
 CTeam FindTeam(CQuillet& session, const std::string& text) {
     if (text.empty()) {
         throw UsageError("a team is needed: its name, object ID or path");
     }
-    std::optional<CTeam> team = LookForTeam(session, text);
-    if (!team) {
-        throw UsageError("no team is called \"" + text + "\"; see quilletctl team list");
+    const CTeams teams = ReadTeams(session);
+    if (const std::optional<CTeam> team = TeamAtPath(session, teams, text)) {
+        return *team;
     }
-    return *std::move(team);
+    if (const std::optional<std::size_t> found = FindOneNamed(NamesOf(teams), text, "teams")) {
+        return *teams.m_vecItems[*found];
+    }
+    throw UsageError("no team is called \"" + text + "\"; see quilletctl team list");
 }
 
 std::string Called(const CTeam& team) {

@@ -7,6 +7,8 @@
 #include "TeamLookup.h"
 #include "Text.h"
 
+#include <optional>
+
 namespace quilletctl {
 
 namespace {
@@ -19,6 +21,51 @@ VlanParent Of(const CTeam& team) {
 VlanParent Of(const ListedAdapter& adapter) {
     return {false, adapter.path, adapter.objectId, adapter.Called()};
 }
+
+/// Teams and adapters side by side: a name that one of each has is as ambiguous as any other.
+class ParentFinder {
+  public:
+    explicit ParentFinder(CQuillet& session)
+        : m_session(session), m_teams(ReadTeams(session)), m_adapters(session), m_names(NamesOf(m_teams)) {
+        for (const ListedAdapter& adapter : m_adapters.Adapters()) {
+            m_names.push_back(NamesOf(adapter));
+        }
+    }
+
+    VlanParent One(const std::string& text) {
+        if (text.empty()) {
+            throw UsageError("an adapter or a team is needed: its name, object ID or path");
+        }
+        if (const std::optional<CTeam> team = TeamAtPath(m_session, m_teams, text)) {
+            return Of(*team);
+        }
+        const std::optional<std::size_t> found = FindOneNamed(m_names, text, "adapters and teams");
+        return found ? At(*found) : Of(m_adapters.One(text));
+    }
+    std::vector<VlanParent> Several(const std::string& text) {
+        const std::vector<std::size_t> found = FindNamed(m_names, text, Match::Pattern);
+        if (!IsPattern(text) || IsObjectPath(text) || found.empty() ||
+            !FindNamed(m_names, text, Match::Whole).empty()) {
+            return {One(text)};
+        }
+        std::vector<VlanParent> parents;
+        for (const std::size_t i : found) {
+            parents.push_back(At(i));
+        }
+        return parents;
+    }
+
+  private:
+    VlanParent At(std::size_t i) const {
+        const std::size_t teams = m_teams.m_vecItems.size();
+        return i < teams ? Of(*m_teams.m_vecItems[i]) : Of(m_adapters.Adapters()[i - teams]);
+    }
+
+    CQuillet& m_session;
+    CTeams m_teams;
+    AdapterFinder m_adapters;
+    std::vector<Named> m_names;
+};
 
 } // namespace
 
@@ -35,13 +82,11 @@ std::vector<VlanParent> ReadVlanParents(CQuillet& session) {
 }
 
 VlanParent FindVlanParent(CQuillet& session, const std::string& text) {
-    if (text.empty()) {
-        throw UsageError("an adapter or a team is needed: its name, object ID or path");
-    }
-    if (const std::optional<CTeam> team = LookForTeam(session, text)) {
-        return Of(*team);
-    }
-    return Of(FindAdapter(session, text));
+    return ParentFinder(session).One(text);
+}
+
+std::vector<VlanParent> FindVlanParents(CQuillet& session, const std::string& text) {
+    return ParentFinder(session).Several(text);
 }
 
 CVLANs ReadVlans(CQuillet& session, const VlanParent& parent) {
@@ -53,14 +98,36 @@ CVLANs ReadVlans(CQuillet& session, const VlanParent& parent) {
     return vlans;
 }
 
-CVLAN FindVlan(CQuillet& session, const VlanParent& parent, LONG number) {
+std::string NumberText(const CVLAN& vlan) {
+    return vlan.m_lVLANNumber == 0 ? "untagged" : std::to_string(vlan.m_lVLANNumber);
+}
+
+Named NamesOf(const CVLAN& vlan, const VlanParent& parent) {
+    const std::string objectId = ToUtf8(vlan.m_wsName);
+    return {objectId,
+            Called(vlan) + " of " + parent.name,
+            {ToUtf8(vlan.m_wsVLANID), objectId, NumberText(vlan), std::to_string(vlan.m_lVLANNumber),
+             ToUtf8(vlan.m_wsVLANName), ToUtf8(vlan.m_wsCaption)}};
+}
+
+CVLAN FindVlan(CQuillet& session, const VlanParent& parent, const std::string& text) {
     const CVLANs vlans = ReadVlans(session, parent);
+    std::vector<Named> names;
     for (const CVLAN* vlan : vlans.m_vecItems) {
-        if (vlan->m_lVLANNumber == number) {
-            return *vlan;
-        }
+        names.push_back(NamesOf(*vlan, parent));
     }
-    throw UsageError(parent.name + " has no VLAN " + std::to_string(number) + "; see quilletctl vlan list");
+    if (const std::optional<std::size_t> found = FindOneNamed(names, text, "VLANs of " + parent.name)) {
+        return *vlans.m_vecItems[*found];
+    }
+    const bool isNumber = text.find_first_not_of("0123456789") == std::string::npos;
+    throw UsageError(parent.name + " has no VLAN " + (isNumber ? text : '"' + text + '"') +
+                     "; see quilletctl vlan list");
+}
+
+std::string Called(const CVLAN& vlan) {
+    return (vlan.m_lVLANNumber == 0 ? std::string("the untagged VLAN")
+                                    : "VLAN " + std::to_string(vlan.m_lVLANNumber)) +
+           " \"" + ToUtf8(vlan.m_wsVLANName) + '"';
 }
 
 } // namespace quilletctl

@@ -8,6 +8,7 @@
 #include "ResultCodes.h"
 #include "Sheet.h"
 #include "Table.h"
+#include "TeamLookup.h"
 #include "Text.h"
 
 #include <nlohmann/json.hpp>
@@ -68,7 +69,7 @@ struct Told {
     /// The value's text, or why there is none.
     template <class Words>
     std::string Text(const Words& words) const {
-        return SUCCEEDED(result) ? words(value) : "not told: " + DescribeResult(result);
+        return SUCCEEDED(result) ? words(value) : "not told: " + ExplainResult(result);
     }
     template <class Words>
     Json AsJson(const Words& words) const {
@@ -232,20 +233,32 @@ class ListPorts final : public AdapterCommand {
             run.Out() << "no port of this board is in a team\n";
         } else {
             const std::vector<ListedAdapter> adapters = ReadAdapters(session);
-            Table table({{"PORT", Fit::MayShorten}, {"OBJECT ID", Fit::Whole}, {"TEAM", Fit::Whole}});
+            const CTeams teams = ReadTeams(session);
+            Table table({{"PORT", Fit::MayShorten}, {"OBJECT ID", Fit::Whole}, {"TEAM", Fit::MayShorten}});
             for (const CAdapterPort* port : ports.m_vecItems) {
-                const std::string id = IdIn(port->m_wsAdapterID);
-                const auto named =
-                    std::find_if(adapters.begin(), adapters.end(),
-                                 [&](const ListedAdapter& each) { return each.objectId == id; });
-                table.AddRow({named == adapters.end() ? ToUtf8(port->m_wsAdapterID) : named->name, id,
-                              IdIn(port->m_wsTeamID)});
+                table.AddRow({PortName(adapters, *port), IdIn(port->m_wsAdapterID), TeamName(teams, *port)});
             }
             table.Print(run.Screen());
         }
         return ExitStatus::Done;
     }
 
+    static std::string PortName(const std::vector<ListedAdapter>& adapters, const CAdapterPort& port) {
+        for (const ListedAdapter& each : adapters) {
+            if (each.objectId == IdIn(port.m_wsAdapterID)) {
+                return each.Called();
+            }
+        }
+        return ToUtf8(port.m_wsAdapterID);
+    }
+    static std::string TeamName(const CTeams& teams, const CAdapterPort& port) {
+        for (const CTeam* each : teams.m_vecItems) {
+            if (IdIn(each->m_wsTeamID) == IdIn(port.m_wsTeamID)) {
+                return Called(*each);
+            }
+        }
+        return IdIn(port.m_wsTeamID);
+    }
     static std::string IdIn(const std::wstring& path) { return NameInPath(ToUtf8(path)).key; }
 };
 

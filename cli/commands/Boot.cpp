@@ -114,7 +114,13 @@ Json ImagesAsJson(const CSettings& images) {
 }
 
 std::string VerdictText(int code) {
-    return code == 0 ? "the image file is right" : "the image file is refused: code " + std::to_string(code);
+    if (code == 0) {
+        return "the image file is right";
+    }
+    // All that is known of the provider's codes.
+    const bool isReadable = (code & 1) == 0;
+    return "the image file is refused: " + std::string(isReadable ? "" : "it cannot be read: ") + "code " +
+           std::to_string(code);
 }
 
 /// A command about the boot agent of one adapter.

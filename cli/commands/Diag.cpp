@@ -37,40 +37,22 @@ CDiagTests ReadTests(CQuillet& session, const ListedAdapter& adapter) {
 }
 
 /// The test of an adapter that a text names: by path, number, name, or the beginning of its name where only
-/// one begins so; case does not count.
+/// one begins so.
 CDiagTest FindTest(CQuillet& session, const ListedAdapter& adapter, const std::string& text) {
     const CDiagTests tests = ReadTests(session, adapter);
-    using Names = bool (*)(const CDiagTest&, const std::string&);
-    constexpr Names ways[] = {
-        [](const CDiagTest& test, const std::string& given) {
-            return SameIgnoringCase(ToUtf8(test.m_wsUniqueID), given);
-        },
-        [](const CDiagTest& test, const std::string& given) {
-            return std::to_string(test.m_lTestId) == given;
-        },
-        [](const CDiagTest& test, const std::string& given) {
-            return SameIgnoringCase(ToUtf8(test.m_wsName), given);
-        },
-        [](const CDiagTest& test, const std::string& given) {
-            return !given.empty() && SameIgnoringCase(ToUtf8(test.m_wsName).substr(0, given.size()), given);
-        },
-    };
-    for (const Names isNamed : ways) {
-        std::vector<const CDiagTest*> found;
-        for (const CDiagTest* test : tests.m_vecItems) {
-            if (test != nullptr && isNamed(*test, text)) {
-                found.push_back(test);
-            }
-        }
-        if (found.size() == 1) {
-            return *found.front();
-        }
-        if (found.size() > 1) {
-            throw UsageError("several tests of " + adapter.Called() + " are called \"" + text + "\"");
-        }
+    std::vector<Named> names;
+    for (const CDiagTest* test : tests.m_vecItems) {
+        const std::string number = std::to_string(test->m_lTestId);
+        const std::string name = ToUtf8(test->m_wsName);
+        names.push_back({number, name, {ToUtf8(test->m_wsUniqueID), number, name}});
     }
-    throw UsageError("no test of " + adapter.Called() + " is called \"" + text +
-                     "\"; see quilletctl diag list");
+    const std::optional<std::size_t> found = FindOneNamed(names, text, "tests of " + adapter.Called(),
+                                                          {Match::Whole, Match::Beginning, Match::Shortened});
+    if (!found) {
+        throw UsageError("no test of " + adapter.Called() + " is called \"" + text +
+                         "\"; see quilletctl diag list");
+    }
+    return *tests.m_vecItems[*found];
 }
 
 /// What is known of a test; nothing when it never ran.
@@ -123,7 +105,8 @@ Json AsJson(const CDiagTest& test, const CDiagResult& result) {
 
 void AddMembers(Table& table, const CDiagResult& package, const std::string& indentation) {
     for (const CDiagResult& member : package.m_vecPackageResults) {
-        const std::wstring& name = member.m_wsTitle.empty() ? member.m_wsDiagnosticName : member.m_wsTitle;
+        const std::wstring& name =
+            member.m_wsDiagnosticName.empty() ? member.m_wsTitle : member.m_wsDiagnosticName;
         table.AddRow(
             {indentation + ToUtf8(name), std::to_string(member.m_lResultCode), ToUtf8(member.m_wsResult)});
         AddMembers(table, member, indentation + "  ");
@@ -223,7 +206,8 @@ class RunTest final : public TestCommand {
         CDiagResult result;
         if (!Follow(adapter, test, run, interrupt, result)) {
             // The provider has no result of the test: it was not started.
-            throw Refusal("follow " + ToUtf8(test.m_wsName), WBEM_S_FALSE);
+            throw Refusal("follow " + ToUtf8(test.m_wsName), WBEM_S_FALSE,
+                          "the provider has no result of it");
         }
         Print(run, test, result);
         return Passed(result) ? ExitStatus::Done : ExitStatus::Findings;

@@ -36,6 +36,19 @@ Json PlaceAsJson(LONG status) {
     return Coded(status, PlaceText(status));
 }
 
+/// The adapter of a port, which its boot agent is called after; null where the machine has none.
+const ListedAdapter* AdapterOf(const std::vector<ListedAdapter>& adapters, const CISCSIAdapter& port) {
+    const auto found = std::find_if(adapters.begin(), adapters.end(), [&](const ListedAdapter& each) {
+        return SameIgnoringCase(each.objectId, ToUtf8(port.m_wsBootAgentID));
+    });
+    return found == adapters.end() ? nullptr : &*found;
+}
+
+/// What an adapter is called everywhere; the provider calls it otherwise here.
+std::string NameOf(const ListedAdapter* adapter, const CISCSIAdapter& port) {
+    return adapter == nullptr ? ToUtf8(port.m_wsAdapterName) : adapter->Called();
+}
+
 CISCSIAdapters ReadPorts(CQuillet& session) {
     CISCSIAdapters ports;
     Invocation::Check(session.EnumerateISCSIAdapters(ports), "list the adapters that can boot from iSCSI");
@@ -44,10 +57,13 @@ CISCSIAdapters ReadPorts(CQuillet& session) {
 
 ExitStatus ListPorts(Invocation& run) {
     const CISCSIAdapters ports = ReadPorts(run.Session());
+    const std::vector<ListedAdapter> adapters = ReadAdapters(run.Session());
     if (run.WantsJson()) {
         Json list = Json::array();
         for (const CISCSIAdapter* port : ports.m_vecItems) {
-            list.push_back(Json{{"adapter", ToUtf8(port->m_wsAdapterName)},
+            const ListedAdapter* adapter = AdapterOf(adapters, *port);
+            list.push_back(Json{{"adapter", adapter == nullptr ? Json() : Json(adapter->path)},
+                                {"name", NameOf(adapter, *port)},
                                 {"bootAgentId", ToUtf8(port->m_wsBootAgentID)},
                                 {"status", PlaceAsJson(port->m_eStatus)},
                                 {"path", ToUtf8(port->m_wsPath)}});
@@ -58,8 +74,8 @@ ExitStatus ListPorts(Invocation& run) {
     } else {
         Table table({{"ADAPTER", Fit::MayShorten}, {"PLACE", Fit::Whole}, {"BOOT AGENT ID", Fit::Whole}});
         for (const CISCSIAdapter* port : ports.m_vecItems) {
-            table.AddRow(
-                {ToUtf8(port->m_wsAdapterName), PlaceText(port->m_eStatus), ToUtf8(port->m_wsBootAgentID)});
+            table.AddRow({NameOf(AdapterOf(adapters, *port), *port), PlaceText(port->m_eStatus),
+                          ToUtf8(port->m_wsBootAgentID)});
         }
         table.Print(run.Screen());
     }

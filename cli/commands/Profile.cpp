@@ -14,14 +14,14 @@ class ListProfiles final : public Command {
   public:
     void Declare(Syntax& syntax) override {
         syntax.Arguments("adapter", m_adapters, 0, 1,
-                         "The adapter: its name, object ID or object path (default: all)");
+                         "The adapter: its name, object ID or object path; a pattern names several "
+                         "(default: all)");
     }
 
     ExitStatus Run(Invocation& run) override {
         CQuillet& session = run.Session();
         const std::vector<ListedAdapter> adapters =
-            m_adapters.empty() ? ReadAdapters(session)
-                               : std::vector<ListedAdapter>{FindAdapter(session, m_adapters.front())};
+            m_adapters.empty() ? ReadAdapters(session) : FindAdapters(session, m_adapters);
         Json list = Json::array();
         Table table({{"ADAPTER", Fit::MayShorten},
                      {"PROFILE", Fit::Whole},

@@ -87,7 +87,7 @@ class GetSetting final : public SettingCommand {
   public:
     void Declare(Syntax& syntax) override {
         SettingCommand::Declare(syntax);
-        syntax.Argument("setting", m_caption, "The setting, by its caption such as *JumboPacket");
+        syntax.Argument("setting", m_caption, "The setting, by its caption such as *JumboPacket or its name");
     }
 
   private:

@@ -22,7 +22,8 @@ struct Target {
     enum class Outcome { Changed, Unchanged, ReadOnly, Missing, Refused };
 
     SettingOwner owner;
-    std::unique_ptr<CSetting> setting; ///< with the new value; null where the owner has no such setting
+    std::unique_ptr<CSetting> setting{}; ///< with the new value; null where there is nothing to write
+    std::string caption{};               ///< of the setting; as it was typed where the owner has none
     std::vector<std::string> warnings{};
     Outcome outcome = Outcome::Missing;
     HRESULT code = S_OK;
@@ -47,9 +48,10 @@ const char* NameOf(Target::Outcome outcome) {
 class SetSetting final : public Command {
   public:
     void Declare(Syntax& syntax) override {
-        syntax.Arguments("[owner] setting value", m_words, 2, 3,
-                         "Whose setting (not with --all-adapters), its caption such as *JumboPacket, and the "
-                         "value, by number or by its text");
+        syntax.Arguments(
+            "[owner] setting value", m_words, 2, 3,
+            "Whose setting (not with --all-adapters; a pattern names several adapters), its caption "
+            "such as *JumboPacket or its name, and the value, by number or by its text");
         syntax.Flag("--all-adapters", m_allAdapters, "Set it on every adapter that has it");
         syntax.Choice("--of", m_kind, OwnerKindWords(),
                       "What the owner is, where its path does not say (default: adapter)");
@@ -76,11 +78,11 @@ class SetSetting final : public Command {
         }
         for (const Target& target : targets) {
             if (target.outcome == Target::Outcome::Refused) {
-                throw Refusal("set " + m_caption + " of " + target.owner.called + " to " + m_value,
-                              target.code);
+                throw Refusal("set " + target.caption + " of " + target.owner.called + " to " + m_value,
+                              target.code, ReasonOf(target));
             }
         }
-        const bool leftAlone = !m_allAdapters && targets.front().outcome == Target::Outcome::ReadOnly;
+        const bool leftAlone = !m_isOfSeveral && targets.front().outcome == Target::Outcome::ReadOnly;
         return leftAlone ? ExitStatus::Findings : ExitStatus::Done;
     }
 
@@ -94,19 +96,22 @@ class SetSetting final : public Command {
                                  ? "--all-adapters: a setting and a value are needed, and no owner"
                                  : "an owner (or --all-adapters), a setting and a value are needed");
         }
-        m_caption = m_words[m_words.size() - 2];
+        m_isOfSeveral = m_allAdapters || (IsPattern(m_words.front()) &&
+                                          (m_kind.empty() || m_kind == WordFor(SettingOwner::Kind::Adapter)));
+        m_setting = m_words[m_words.size() - 2];
         m_value = m_words.back();
     }
 
     std::vector<Target> Targets(CQuillet& session) const {
         std::vector<Target> targets;
-        if (!m_allAdapters) {
-            targets.push_back({FindSettingOwner(session, m_words.front(), m_kind), nullptr});
+        if (!m_isOfSeveral) {
+            targets.push_back({FindSettingOwner(session, m_words.front(), m_kind)});
             return targets;
         }
-        for (const ListedAdapter& adapter : ReadAdapters(session)) {
+        for (const ListedAdapter& adapter :
+             m_allAdapters ? ReadAdapters(session) : FindAdapters(session, {m_words.front()})) {
             targets.push_back(
-                {{SettingOwner::Kind::Adapter, adapter.path, adapter.objectId, adapter.Called()}, nullptr});
+                {{SettingOwner::Kind::Adapter, adapter.path, adapter.objectId, adapter.Called()}});
         }
         return targets;
     }
@@ -116,8 +121,9 @@ class SetSetting final : public Command {
         CSettings settings;
         ReadSettings(session, target.owner, settings);
         // Among many owners one without the setting is nothing special; a single one was meant.
-        const CSetting* setting = m_allAdapters ? settings.GetSettingByCaption(ToWide(m_caption))
-                                                : &FindSetting(settings, m_caption, target.owner);
+        const CSetting* setting = m_isOfSeveral ? LookForSetting(settings, m_setting)
+                                                : &FindSetting(settings, m_setting, target.owner);
+        target.caption = setting == nullptr ? m_setting : ToUtf8(setting->m_wsCaption);
         if (setting == nullptr) {
             return;
         }
@@ -190,23 +196,30 @@ class SetSetting final : public Command {
         }
     }
 
-    std::string OutcomeText(const Target& target) const {
+    /// What would have been possible, where the provider has that against the value.
+    static std::string ReasonOf(const Target& target) {
+        return target.code == static_cast<HRESULT>(WBEM_E_VALUE_OUT_OF_RANGE)
+                   ? "the value is out of range (" + PossibleText(*target.setting) + ')'
+                   : std::string();
+    }
+
+    static std::string OutcomeText(const Target& target) {
         switch (target.outcome) {
         case Target::Outcome::Changed:
             return "set to " + CurrentText(*target.setting);
         case Target::Outcome::Unchanged:
             return "is " + CurrentText(*target.setting) + " already";
         case Target::Outcome::ReadOnly:
-            return m_caption + " is read only, left alone";
+            return target.caption + " is read only, left alone";
         case Target::Outcome::Missing:
-            return "has no " + m_caption + ", left alone";
+            return "has no " + target.caption + ", left alone";
         case Target::Outcome::Refused:
-            return "refused, " + DescribeResult(target.code);
+            return "refused, " + ExplainResult(target.code, ReasonOf(target));
         }
         return {};
     }
 
-    void PrintOutcomes(const std::vector<Target>& targets, bool restartNeeded, std::ostream& out) const {
+    static void PrintOutcomes(const std::vector<Target>& targets, bool restartNeeded, std::ostream& out) {
         for (const Target& target : targets) {
             out << Printable(target.owner.called + ": " + OutcomeText(target)) << '\n';
         }
@@ -222,7 +235,10 @@ class SetSetting final : public Command {
                                 {"warnings", target.warnings},
                                 {"code", FAILED(target.code) ? Json(DescribeResult(target.code)) : Json()}});
         }
-        return Json{{"setting", m_caption},
+        const auto known = std::find_if(targets.begin(), targets.end(), [](const Target& each) {
+            return each.outcome != Target::Outcome::Missing;
+        });
+        return Json{{"setting", known == targets.end() ? m_setting : known->caption},
                     {"value", m_value},
                     {"targets", std::move(list)},
                     {"restartNeeded", restartNeeded}};
@@ -230,8 +246,9 @@ class SetSetting final : public Command {
 
     std::vector<std::string> m_words;
     bool m_allAdapters = false;
+    bool m_isOfSeveral = false; ///< all adapters, or those of a pattern
     std::string m_kind;
-    std::string m_caption;
+    std::string m_setting;
     std::string m_value;
 };
 

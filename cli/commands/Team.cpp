@@ -4,6 +4,7 @@
 #include "ClientSet.h"
 #include "Commands.h"
 #include "JsonParts.h"
+#include "ObjectPath.h"
 #include "ResultCodes.h"
 #include "Sheet.h"
 #include "Table.h"
@@ -34,11 +35,13 @@ const std::wstring NEW_TEAM = L"Zorel_TeamOfAdapters";
 /// What is proposed for a mode; its name does as well.
 const std::vector<std::string> MODE_NUMBERS{"0", "1", "2", "3", "4", "5", "6"};
 
-/// The mode that a word of the command line names, by its number or its text. Throws UsageError.
+/// The mode that a word of the command line names, by its number or its text, which may have "team" behind
+/// it, as in the provider's own descriptions. Throws UsageError.
 CTeam::TeamMode ModeFrom(const std::string& word) {
     std::string known;
     for (LONG mode = CTeam::TeamMode0; mode <= CTeam::TeamMode6; ++mode) {
-        if (word == std::to_string(mode) || SameIgnoringCase(word, ModeText(mode))) {
+        if (word == std::to_string(mode) || SameIgnoringCase(word, ModeText(mode)) ||
+            SameIgnoringCase(word, ModeText(mode) + " team")) {
             return static_cast<CTeam::TeamMode>(mode);
         }
         known += (known.empty() ? "" : ", ") + std::to_string(mode) + " (" + ModeText(mode) + ")";
@@ -59,7 +62,7 @@ struct TeamState {
 
     std::string Text() const {
         return SUCCEEDED(result) ? Words(status, CTeamTexts::TeamStatus(status))
-                                 : "not told: " + DescribeResult(result);
+                                 : "not told: " + ExplainResult(result);
     }
     Json AsJson() const { return SUCCEEDED(result) ? Coded(status, Text()) : Json(); }
 };
@@ -77,9 +80,16 @@ CTeamedAdapters MembersOf(CQuillet& session, const CTeam& team) {
     return members;
 }
 
-/// What people call a member.
-std::string MemberName(const CTeamedAdapter& member) {
-    return ToUtf8(member.m_wsCaption.empty() ? member.m_wsDisplayName : member.m_wsCaption);
+/// A member as the list of the adapters has it; one that is missing there has fewer names.
+ListedAdapter Listed(const std::vector<ListedAdapter>& adapters, const CTeamedAdapter& member) {
+    const std::string path = ToUtf8(member.m_wsAdapterID);
+    const std::string id = NameInPath(path).key;
+    const auto found = std::find_if(adapters.begin(), adapters.end(), [&](const ListedAdapter& each) {
+        return SameIgnoringCase(NameInPath(each.path).key, id);
+    });
+    return found != adapters.end()
+               ? *found
+               : ListedAdapter{path, id, {}, ToUtf8(member.m_wsDisplayName), ToUtf8(member.m_wsDeviceID)};
 }
 
 void Append(CAdapters& adapters, const std::wstring& path) {
@@ -88,10 +98,10 @@ void Append(CAdapters& adapters, const std::wstring& path) {
 }
 
 /// The adapters that words of the command line name. Throws UsageError, Refusal.
-CAdapters FindAdapters(CQuillet& session, const std::vector<std::string>& words) {
+CAdapters NamedAdapters(CQuillet& session, const std::vector<std::string>& words,
+                        const AdapterChoice& offered = {}) {
     CAdapters adapters;
-    for (const std::string& word : words) {
-        const ListedAdapter adapter = FindAdapter(session, word);
+    for (const ListedAdapter& adapter : FindAdapters(session, words, offered)) {
         Append(adapters, ToWide(adapter.path));
         adapters.m_vecItems.back()->m_wsName = ToWide(adapter.Called());
     }
@@ -202,17 +212,21 @@ class ShowTeam final : public TeamCommand {
         Invocation::Check(session.GetTeamInfo(found.m_wsTeamID, team), "read the team " + Called(found));
         const TeamState state = StateOf(session, team);
         const CTeamedAdapters members = MembersOf(session, team);
+        const std::vector<ListedAdapter> adapters = ReadAdapters(session);
         int enabled = 0;
         Invocation::Check(session.GetNumberEnabledMembers(team.m_wsTeamID, enabled),
                           "count the members of " + Called(team));
         if (run.WantsJson()) {
             Json list = Json::array();
             for (const CTeamedAdapter* member : members.m_vecItems) {
+                const ListedAdapter adapter = Listed(adapters, *member);
                 list.push_back(Json{
                     {"path", ToUtf8(member->m_wsAdapterID)},
+                    {"objectId", TextOrNull(adapter.objectId)},
                     {"deviceId", ToUtf8(member->m_wsDeviceID)},
-                    {"name", ToUtf8(member->m_wsCaption)},
+                    {"name", adapter.name},
                     {"displayName", ToUtf8(member->m_wsDisplayName)},
+                    {"caption", ToUtf8(member->m_wsCaption)},
                     {"role", Coded(member->m_lMemberRole, RoleText(member->m_lMemberRole))},
                     {"status", Coded(member->m_lMemberStatus, MemberStatusText(member->m_lMemberStatus))}});
             }
@@ -246,8 +260,9 @@ class ShowTeam final : public TeamCommand {
                          {"STATUS", Fit::MayShorten},
                          {"OBJECT ID", Fit::Whole}});
             for (const CTeamedAdapter* member : members.m_vecItems) {
-                table.AddRow({MemberName(*member), RoleText(member->m_lMemberRole),
-                              MemberStatusText(member->m_lMemberStatus), ToUtf8(member->m_wsDeviceID)});
+                const ListedAdapter adapter = Listed(adapters, *member);
+                table.AddRow({adapter.Called(), RoleText(member->m_lMemberRole),
+                              MemberStatusText(member->m_lMemberStatus), adapter.objectId});
             }
             table.Print(run.Screen());
         }
@@ -259,8 +274,9 @@ class ShowTeam final : public TeamCommand {
 class ListModes final : public Command {
   public:
     void Declare(Syntax& syntax) override {
-        syntax.Arguments("adapter", m_adapters, 0, 64,
-                         "The adapters, by name, object ID or object path; none: all that are in no team");
+        syntax.Arguments(
+            "adapter", m_adapters, 0, 64,
+            "The adapters, by name, object ID, object path or pattern; none: all that are in no team");
         syntax.Text("--team", m_team, "TEAM", "Ask which mode suits this team best instead");
     }
 
@@ -274,7 +290,7 @@ class ListModes final : public Command {
   private:
     ExitStatus Compatible(Invocation& run) {
         CQuillet& session = run.Session();
-        const CAdapters adapters = m_adapters.empty() ? Free(session) : FindAdapters(session, m_adapters);
+        const CAdapters adapters = m_adapters.empty() ? Free(session) : NamedAdapters(session, m_adapters);
         CTeamWizTeamModes modes;
         if (!adapters.m_vecItems.empty()) {
             Invocation::Check(session.GetCompatibleTeamModesWithAdapters(adapters, modes, true),
@@ -345,8 +361,9 @@ class CreateTeam final : public Command {
   public:
     void Declare(Syntax& syntax) override {
         syntax.Argument("name", m_name, "The new team's name");
-        syntax.Arguments("adapter", m_adapters, 1, 64,
-                         "The members, by name, object ID or object path; the first becomes primary");
+        syntax.Arguments(
+            "adapter", m_adapters, 1, 64,
+            "The members, by name, object ID, object path or pattern; the first becomes primary");
         syntax.Text("--mode", m_mode, "MODE", "The team mode, by number or name (default: 1); see team modes",
                     MODE_NUMBERS);
         syntax.Number("--profile", m_profile, 0, 0x7FFFFFFF, "The performance profile");
@@ -358,7 +375,7 @@ class CreateTeam final : public Command {
 
     ExitStatus Run(Invocation& run) override {
         CQuillet& session = run.Session();
-        const CAdapters members = FindAdapters(session, m_adapters);
+        const CAdapters members = NamedAdapters(session, m_adapters);
         const CTeam::TeamMode mode = ModeFrom(m_mode.value_or("1"));
         const std::wstring name = Name(session);
         if (!m_force) {
@@ -424,14 +441,17 @@ class ChangeMembers : public Command {
   public:
     void Declare(Syntax& syntax) override {
         syntax.Argument("team", m_team, "The team: its name, object ID or object path");
-        syntax.Arguments("adapter", m_adapters, 1, 64, "The adapters, by name, object ID or object path");
+        syntax.Arguments("adapter", m_adapters, 1, 64,
+                         "The adapters, by name, object ID, object path or pattern");
     }
 
     ExitStatus Run(Invocation& run) final {
         CQuillet& session = run.Session();
         const CTeam team = FindTeam(session, m_team);
         const CTeamedAdapters current = MembersOf(session, team);
-        const CAdapters named = FindAdapters(session, m_adapters);
+        const CAdapters named = NamedAdapters(session, m_adapters, [&](const ListedAdapter& each) {
+            return Offers(current, ToWide(each.path));
+        });
         Problems problems;
         const CAdapters wanted = Wanted(session, team, current, named, problems);
         if (problems.Any()) {
@@ -464,6 +484,8 @@ class ChangeMembers : public Command {
   private:
     virtual CAdapters Wanted(CQuillet& session, const CTeam& team, const CTeamedAdapters& current,
                              const CAdapters& named, Problems& problems) const = 0;
+    /// Whether a pattern can choose an adapter.
+    virtual bool Offers(const CTeamedAdapters&, const std::wstring&) const { return true; }
     /// Whether the person agrees, where that is asked.
     virtual bool MayChange(Invocation&, const CTeam&, const CAdapters&) const { return true; }
 
@@ -511,6 +533,9 @@ class RemoveMembers final : public ChangeMembers {
             }
         }
         return wanted;
+    }
+    bool Offers(const CTeamedAdapters& current, const std::wstring& path) const override {
+        return Contains(current, path);
     }
     bool MayChange(Invocation& run, const CTeam& team, const CAdapters& named) const override {
         const std::size_t count = named.m_vecItems.size();
@@ -588,8 +613,12 @@ class MakePrimary final : public Command {
         const ListedAdapter adapter = FindAdapter(session, m_adapter);
         const LONG role = m_none ? 0 : m_secondary ? 2 : 1;
         ClientSet set(session);
-        Invocation::Check(session.SetTeamedAdapterPriority(ToWide(adapter.path), role),
-                          "change the role of " + adapter.Called());
+        const HRESULT result = session.SetTeamedAdapterPriority(ToWide(adapter.path), role);
+        if (FAILED(result)) {
+            const bool isUnexplained = result == static_cast<HRESULT>(WBEM_E_FAILED);
+            throw Refusal("change the role of " + adapter.Called(), result,
+                          isUnexplained && !IsInTeam(session, adapter) ? "the adapter is in no team" : "");
+        }
         const bool restartNeeded = set.Close();
         bool primary = false;
         Invocation::Check(session.IsPrimaryAdapter(ToWide(adapter.path), primary),
@@ -607,6 +636,13 @@ class MakePrimary final : public Command {
     }
 
   private:
+    /// What cannot be read counts as yes: it must not be told as the reason of something.
+    static bool IsInTeam(CQuillet& session, const ListedAdapter& adapter) {
+        CAdapters one;
+        Append(one, ToWide(adapter.path));
+        return FAILED(session.GetTeamableAdapters(one)) || one.m_vecItems.front()->m_bTeamed;
+    }
+
     std::string m_adapter;
     bool m_secondary = false;
     bool m_none = false;

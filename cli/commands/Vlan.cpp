@@ -38,19 +38,13 @@ Json AsJson(const CVLAN& vlan) {
                 {"caption", ToUtf8(vlan.m_wsCaption)}, {"status", Coded(vlan.m_eStatus, StatusText(vlan))}};
 }
 
-/// "VLAN 12 \"Lab\"", or "the untagged VLAN \"Lab\"".
-std::string Called(const CVLAN& vlan) {
-    return (vlan.m_lVLANNumber == 0 ? std::string("the untagged VLAN")
-                                    : "VLAN " + std::to_string(vlan.m_lVLANNumber)) +
-           " \"" + ToUtf8(vlan.m_wsVLANName) + '"';
-}
-
 /// A VLAN ID as it was typed; whether it is in range is for the checks to say. Throws UsageError.
 LONG NumberIn(const std::string& text) {
     LONG number = 0;
     const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
     if (read.ec != std::errc() || read.ptr != text.data() + text.size()) {
-        throw UsageError("\"" + text + "\" is no VLAN ID: a number is needed, 0 for the untagged VLAN");
+        throw UsageError("\"" + text +
+                         "\" is no VLAN ID: a number from 1 to 4094 is needed, or 0 for the untagged VLAN");
     }
     return number;
 }
@@ -59,14 +53,14 @@ class ListVlans final : public Command {
   public:
     void Declare(Syntax& syntax) override {
         syntax.Arguments("parent", m_parents, 0, 1,
-                         "An adapter or a team: its name, object ID or object path (default: all)");
+                         "An adapter or a team: its name, object ID or object path; a pattern names several "
+                         "(default: all)");
     }
 
     ExitStatus Run(Invocation& run) override {
         CQuillet& session = run.Session();
         const std::vector<VlanParent> parents =
-            m_parents.empty() ? ReadVlanParents(session)
-                              : std::vector<VlanParent>{FindVlanParent(session, m_parents.front())};
+            m_parents.empty() ? ReadVlanParents(session) : FindVlanParents(session, m_parents.front());
         Json list = Json::array();
         Table table({{"PARENT", Fit::MayShorten},
                      {"VLAN", Fit::Whole},
@@ -79,9 +73,8 @@ class ListVlans final : public Command {
                 Json entry{{"parent", AsJson(parent)}};
                 entry.update(AsJson(*vlan));
                 list.push_back(std::move(entry));
-                table.AddRow({parent.name,
-                              vlan->m_lVLANNumber == 0 ? "untagged" : std::to_string(vlan->m_lVLANNumber),
-                              ToUtf8(vlan->m_wsVLANName), StatusText(*vlan), ToUtf8(vlan->m_wsName)});
+                table.AddRow({parent.name, NumberText(*vlan), ToUtf8(vlan->m_wsVLANName), StatusText(*vlan),
+                              ToUtf8(vlan->m_wsName)});
             }
         }
         if (run.WantsJson()) {
@@ -263,20 +256,20 @@ class ExistingVlan : public Command {
   public:
     void Declare(Syntax& syntax) override {
         syntax.Argument("parent", m_parent, "An adapter or a team: its name, object ID or object path");
-        syntax.Argument("id", m_id, "The VLAN ID; 0 for the untagged VLAN");
+        syntax.Argument("vlan", m_vlan,
+                        "The VLAN: its ID (0 for the untagged one), name, caption, object ID or object path");
     }
     ExitStatus Run(Invocation& run) final {
-        const LONG number = NumberIn(m_id);
         CQuillet& session = run.Session();
         const VlanParent parent = FindVlanParent(session, m_parent);
-        return RunFor(parent, FindVlan(session, parent, number), run);
+        return RunFor(parent, FindVlan(session, parent, m_vlan), run);
     }
 
   private:
     virtual ExitStatus RunFor(const VlanParent& parent, const CVLAN& vlan, Invocation& run) = 0;
 
     std::string m_parent;
-    std::string m_id;
+    std::string m_vlan;
 };
 
 class ModifyVlan final : public ExistingVlan {

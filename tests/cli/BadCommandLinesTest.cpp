@@ -228,9 +228,10 @@ INSTANTIATE_TEST_SUITE_P(
                 "an adapter or a team is needed: its name, object ID or path"},
         BadLine{{"vlan", "remove", TEAM, "99"}, "TEAM : Zürich has no VLAN 99; see quilletctl vlan list"},
         BadLine{{"vlan", "add", FREE, "12x", "X"},
-                "\"12x\" is no VLAN ID: a number is needed, 0 for the untagged VLAN"},
-        BadLine{{"vlan", "add", FREE, "99999999999", "X"},
-                "\"99999999999\" is no VLAN ID: a number is needed, 0 for the untagged VLAN"},
+                "\"12x\" is no VLAN ID: a number from 1 to 4094 is needed, or 0 for the untagged VLAN"},
+        BadLine{
+            {"vlan", "add", FREE, "99999999999", "X"},
+            "\"99999999999\" is no VLAN ID: a number from 1 to 4094 is needed, or 0 for the untagged VLAN"},
         BadLine{{"setting", "list", "nothing", "--of", "vlan"},
                 "no VLAN is called \"nothing\"; see quilletctl vlan list"},
         BadLine{{"setting", "list", "Zorel_NetService.Name=\"x\""},
@@ -263,18 +264,21 @@ INSTANTIATE_TEST_SUITE_P(
                 "\"99999999999\" is no value of *TransmitBuffers: 80 to 2048 in steps of 8"},
         BadLine{{"setting", "set", FREE, "*JumboPacket", "9999"},
                 "could not set *JumboPacket of " + std::string(FREE) +
-                    " to 9999: 0x8004102B WBEM_E_VALUE_OUT_OF_RANGE",
+                    " to 9999: the value is out of range (Disabled (1514), 4088 Bytes (4088), 9014 Bytes "
+                    "(9014)): 0x8004102B WBEM_E_VALUE_OUT_OF_RANGE",
                 1},
         BadLine{{"adapter", "show", "Zorel_PhysicalEthernetAdapter.DeviceID=\"{X}\""},
-                "could not read the adapter Zorel_PhysicalEthernetAdapter.DeviceID=\"{X}\": 0x80041002 "
+                "could not read the adapter Zorel_PhysicalEthernetAdapter.DeviceID=\"{X}\": there is no such "
+                "object: 0x80041002 "
                 "WBEM_E_NOT_FOUND",
                 1},
         BadLine{{"linksec", "show", FREE},
                 "could not read the authentication of " + std::string(FREE) +
-                    ": 0x8004100C WBEM_E_NOT_SUPPORTED",
+                    ": this is not supported: 0x8004100C WBEM_E_NOT_SUPPORTED",
                 1},
         BadLine{{"linksec", "pac-show", SECURE, "none.pac"},
-                "could not read none.pac of " + std::string(SECURE) + ": 0x80041002 WBEM_E_NOT_FOUND",
+                "could not read none.pac of " + std::string(SECURE) +
+                    ": there is no such object: 0x80041002 WBEM_E_NOT_FOUND",
                 1}));
 
 INSTANTIATE_TEST_SUITE_P(

@@ -137,7 +137,7 @@ TEST_F(BootCommands, DiagRun_Package_ShowsItsMembers) {
     const Outcome outcome = Run({"diag", "run", "Left port", "all", "--interval", "10"});
     EXPECT_EQ(outcome.status, 3) << outcome.err;
     EXPECT_THAT(outcome.out, HasSubstr("State:     Failed\n"));
-    EXPECT_THAT(outcome.out, HasSubstr("Cable                  4     Pair 2 is broken.\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("Cable test - Left port  4     Pair 2 is broken.\n"));
     const Json json = Json::parse(Run({"diag", "run", "{a}", "7", "--interval", "10", "--json"}).out);
     ASSERT_EQ(json.at("members").size(), 2u);
     EXPECT_EQ(json.at("members")[1].at("name"), "Cable test - Left port");
@@ -204,7 +204,7 @@ TEST_F(BootCommands, BootInspect_ListsTheImages) {
               (Json{{"type", "iSCSI"}, {"version", "2.1.7"}, {"group", 1}, {"exposeLevel", 3}}));
     const Outcome foreign = Run({"boot", "inspect", "Left port", File("x.img", "no image")});
     EXPECT_EQ(foreign.status, 3);
-    EXPECT_EQ(foreign.out, "the image file is refused: code 1\n");
+    EXPECT_EQ(foreign.out, "the image file is refused: it cannot be read: code 1\n");
     EXPECT_EQ(Run({"boot", "inspect", "Left port", File("empty.img", "")}).status, 2);
     EXPECT_EQ(Run({"boot", "inspect", "Left port", Utf8(InFolder("missing.img"))}).status, 2);
 }
@@ -267,7 +267,9 @@ TEST_F(BootCommands, BootWrite_WrongFile_IsNeverWrittenNorAskedFor) {
     const Outcome outcome =
         Run({"boot", "write", "Left port", File("bad.img", damaged), "--yes", "--journal"});
     EXPECT_EQ(outcome.status, 3) << outcome.err;
-    EXPECT_THAT(outcome.out, HasSubstr("the flash memory is as it was; the image file is refused: code 3\n"));
+    EXPECT_THAT(
+        outcome.out,
+        HasSubstr("the flash memory is as it was; the image file is refused: it cannot be read: code 3\n"));
     EXPECT_THAT(outcome.out, Not(HasSubstr("ProgramFlashEx")));
     EXPECT_EQ(Flash(), "\x01\x02\x03");
 }
@@ -280,7 +282,8 @@ TEST_F(BootCommands, BootWrite_PowerCut_IsARefusalAndTheClientSetIsClosed) {
     const Outcome outcome = RunCommandLine({"--simulate", machine, "boot", "write", "Left port",
                                             File("new.img", Image()), "--yes", "--journal"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.err, HasSubstr("could not write the flash memory: 0x80041015"));
+    EXPECT_THAT(outcome.err,
+                HasSubstr("could not write the flash memory: the connection failed: 0x80041015"));
     EXPECT_THAT(outcome.out, HasSubstr(", Apply("));
 }
 
@@ -303,6 +306,9 @@ TEST_F(BootCommands, Iscsi_ListShowSet) {
     const Json list = Json::parse(Run({"iscsi", "list", "--json"}).out);
     EXPECT_EQ(list.at("adapters")[0].at("status"), (Json{{"code", 1}, {"text", "primary"}}));
     EXPECT_EQ(list.at("adapters")[0].at("bootAgentId"), "{A}");
+    EXPECT_EQ(list.at("adapters")[0].at("name"), "Left port");
+    EXPECT_EQ(list.at("adapters")[0].at("adapter"),
+              Json::parse(Run({"adapter", "list", "--json"}).out).at("adapters")[0].at("path"));
     const Json show = Json::parse(Run({"iscsi", "show", "Left port", "--json"}).out);
     EXPECT_EQ(show.at("status").at("text"), "primary");
     EXPECT_EQ(show.at("systemSupported"), false);

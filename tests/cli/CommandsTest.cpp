@@ -223,26 +223,27 @@ TEST_P(ProviderRefuses, IsOneLineWithCodeAndNameAndStatusOne) {
 
 INSTANTIATE_TEST_SUITE_P(
     Steps, ProviderRefuses,
-    testing::Values(Refused{"Operation = \"ConnectServer\"; Code = 0x80041003;",
-                            {"adapter", "list"},
-                            "connect to this machine: 0x80041003 WBEM_E_ACCESS_DENIED"},
-                    Refused{"Operation = \"ConnectServer\"; Code = 0x800706BA;",
-                            {"adapter", "list", "--machine", "lab-7"},
-                            "connect to lab-7: 0x800706BA RPC_S_SERVER_UNAVAILABLE"},
-                    Refused{"Operation = \"CreateInstanceEnum\"; Target = \"Zorel_PhysicalEthernetAdapter\"; "
-                            "Code = 0x80041010;",
-                            {"adapter", "list"},
-                            "list the adapters: 0x80041010 WBEM_E_INVALID_CLASS"},
-                    Refused{
-                        "Operation = \"ExecMethod\"; MethodName = \"GetKavlorWarnings\"; Code = 0x80041004;",
-                        {"warnings"},
-                        "read the warnings: 0x80041004 WBEM_E_PROVIDER_FAILURE"},
-                    Refused{"Operation = \"ExecMethod\"; MethodName = \"BeginApply\"; Code = 0x80041001;",
-                            {"transaction", "try"},
-                            "open a client set: 0x80041001 WBEM_E_FAILED"},
-                    Refused{"Operation = \"ExecMethod\"; MethodName = \"Apply\"; Code = 0x80041FFF;",
-                            {"transaction", "try"},
-                            "close the client set: 0x80041FFF"}));
+    testing::Values(
+        Refused{"Operation = \"ConnectServer\"; Code = 0x80041003;",
+                {"adapter", "list"},
+                "connect to this machine: access is denied: 0x80041003 WBEM_E_ACCESS_DENIED"},
+        Refused{"Operation = \"ConnectServer\"; Code = 0x800706BA;",
+                {"adapter", "list", "--machine", "lab-7"},
+                "connect to lab-7: the machine cannot be reached: 0x800706BA RPC_S_SERVER_UNAVAILABLE"},
+        Refused{
+            "Operation = \"CreateInstanceEnum\"; Target = \"Zorel_PhysicalEthernetAdapter\"; "
+            "Code = 0x80041010;",
+            {"adapter", "list"},
+            "list the adapters: the provider knows nothing of this kind: 0x80041010 WBEM_E_INVALID_CLASS"},
+        Refused{"Operation = \"ExecMethod\"; MethodName = \"GetKavlorWarnings\"; Code = 0x80041004;",
+                {"warnings"},
+                "read the warnings: the provider broke down: 0x80041004 WBEM_E_PROVIDER_FAILURE"},
+        Refused{"Operation = \"ExecMethod\"; MethodName = \"BeginApply\"; Code = 0x80041001;",
+                {"transaction", "try"},
+                "open a client set: 0x80041001 WBEM_E_FAILED"},
+        Refused{"Operation = \"ExecMethod\"; MethodName = \"Apply\"; Code = 0x80041FFF;",
+                {"transaction", "try"},
+                "close the client set: 0x80041FFF"}));
 
 TEST_F(Refusals, ABrokenMachineFileIsNamedWithItsPosition) {
     const std::string machine = Utf8(InFolder("broken.mof"));

@@ -55,7 +55,8 @@ TEST(OutputBuffer, AReaderWhoLeftHasSeenEnough) {
     pipe.answer = Written::ReaderLeft;
     pipe.stream << "first" << std::flush << "second" << std::flush;
     EXPECT_TRUE(pipe.stream.good());
-    EXPECT_EQ(pipe.received, std::vector<std::string>{"first"}) << "nothing is written to a closed pipe again";
+    EXPECT_EQ(pipe.received, std::vector<std::string>{"first"})
+        << "nothing is written to a closed pipe again";
 }
 
 TEST(OutputBuffer, WhatCannotBeWrittenFailsTheStream) {

@@ -35,6 +35,19 @@ TEST(ResultCodes, DescribeResult_ACodeWithoutANameStandsAlone) {
     EXPECT_EQ(Described(0), "0x00000000");
 }
 
+TEST(ResultCodes, ExplainResult_SaysItInWordsFirst) {
+    const auto explained = [](std::uint32_t code, const std::string& reason = {}) {
+        return ExplainResult(static_cast<HRESULT>(code), reason);
+    };
+    EXPECT_EQ(explained(0x80041003), "access is denied: 0x80041003 WBEM_E_ACCESS_DENIED");
+    EXPECT_EQ(explained(0x800706BA), "the machine cannot be reached: 0x800706BA RPC_S_SERVER_UNAVAILABLE");
+    EXPECT_EQ(explained(0x80041001), "0x80041001 WBEM_E_FAILED") << "that it failed is said already";
+    EXPECT_EQ(explained(0x80041001, "the adapter is in no team"),
+              "the adapter is in no team: 0x80041001 WBEM_E_FAILED");
+    EXPECT_EQ(explained(0x80041FFF), "0x80041FFF");
+    EXPECT_EQ(explained(5), "a code of the provider's own: 0x00000005");
+}
+
 TEST(BitMask, SetBits_FromTheLowest) {
     EXPECT_EQ(SetBits(0), std::vector<unsigned>());
     EXPECT_EQ(SetBits(0x8000000000000005ULL), (std::vector<unsigned>{0, 2, 63}));

@@ -162,8 +162,8 @@ TEST_F(Settings, List_Refused_IsTheProvidersCode) {
                            Code = 0x80041017; };)");
     const Outcome outcome = RunCommandLine({"--simulate", machine, "setting", "list", "one"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err,
-              "quilletctl: could not read the settings of one: 0x80041017 WBEM_E_INVALID_QUERY\n");
+    EXPECT_EQ(outcome.err, "quilletctl: could not read the settings of one: the provider does not understand "
+                           "the query: 0x80041017 WBEM_E_INVALID_QUERY\n");
 }
 
 TEST_F(Settings, Get_ShowsOneSettingByItsCaption) {

@@ -77,9 +77,15 @@ TEST_F(Teams, Show_TellsTheTeamAndItsMembers) {
                            "Bound to Hyper-V:          no\n"
                            "Enabled members:           2 of 2\n"
                            "\n"
-                           "MEMBER    ROLE       STATUS  OBJECT ID\n"
-                           "Zürich 1  primary    active  {DF69224E-BBCB-576F-A929-C8858BAF7155}\n"
-                           "Zürich 2  secondary  active  {D2BC81D1-8495-5F60-84AD-B2450A03D882}\n");
+                           "MEMBER                                     ROLE       STATUS  OBJECT ID\n"
+                           "Zorel Quad Port Gigabit Server Adapter     primary    active  "
+                           "{DF69224E-BBCB-576F-A929-C8858BAF7155}\n"
+                           "Zorel Quad Port Gigabit Server Adapter #2  secondary  active  "
+                           "{D2BC81D1-8495-5F60-84AD-B2450A03D882}\n");
+    const Json member = RunJson({"team", "show", TEAM_ID}).at("members").at(1);
+    EXPECT_EQ(member.at("name"), "Zorel Quad Port Gigabit Server Adapter #2");
+    EXPECT_EQ(member.at("caption"), "Zürich 2");
+    EXPECT_EQ(member.at("objectId"), OTHER_MEMBER);
 }
 
 TEST_F(Teams, Show_FindsATeamByAllItsNames) {
@@ -205,6 +211,9 @@ TEST_F(Teams, AddAndRemove_ChangeTheMembers) {
     const Outcome stranger = Run({"team", "remove", TEAM_ID, SECOND, "--yes"});
     EXPECT_EQ(stranger.status, 2);
     EXPECT_NE(stranger.err.find(" is no member of TEAM : Zürich"), std::string::npos) << stranger.err;
+    const Outcome rest = Run({"team", "remove", TEAM_ID, "*", "--yes"});
+    EXPECT_EQ(rest.out, "TEAM : Zürich has 0 members: no restart is needed\n")
+        << "a pattern chooses among the members";
     const Outcome problems = Run({"team", "add", TEAM_ID, FAST_ETHERNET, FIRST});
     EXPECT_EQ(problems.status, 3);
     EXPECT_EQ(problems.out, "adapters of 10 gigabit and slow ones cannot be in one team\n");
@@ -242,7 +251,11 @@ TEST_F(Teams, Primary_ChangesTheRole) {
     EXPECT_EQ(RunJson({"team", "primary", OTHER_MEMBER, "--none"}).at("primary"), false);
     EXPECT_EQ(RunJson({"team", "primary", OTHER_MEMBER, "--secondary"}).at("role"),
               (Json{{"code", 2}, {"text", "secondary"}}));
-    EXPECT_EQ(Run({"team", "primary", FIRST}).status, 1) << "in no team";
+    const Outcome alone = Run({"team", "primary", FIRST});
+    EXPECT_EQ(alone.status, 1);
+    EXPECT_EQ(alone.err,
+              "quilletctl: could not change the role of Zorel 10G Dual Port Server Adapter: the adapter "
+              "is in no team: 0x80041001 WBEM_E_FAILED\n");
     EXPECT_EQ(Run({"team", "primary", MEMBER, "--secondary", "--none"}).status, 2);
 }
 
@@ -271,7 +284,8 @@ TEST_F(Teams, SwitchTest_WaitsForTheResultAndTellsCausesWithSolutions) {
     const Outcome late =
         RunCommandLine({"--simulate", machine, "team", "switch-test", "T", "--timeout", "1"});
     EXPECT_EQ(late.status, 1);
-    EXPECT_EQ(late.err, "quilletctl: could not test the switch of T in time: 0x80041069 WBEM_E_TIMED_OUT\n");
+    EXPECT_EQ(late.err, "quilletctl: could not test the switch of T in time: it took too long: 0x80041069 "
+                        "WBEM_E_TIMED_OUT\n");
 }
 
 TEST_F(Teams, AFailureInsideTheSet_ClosesIt) {
@@ -286,7 +300,9 @@ TEST_F(Teams, AFailureInsideTheSet_ClosesIt) {
     const Outcome outcome = RunCommandLine(
         {"--simulate", Utf8(InFolder("faulty.mof")), "team", "delete", TEAM_ID, "--yes", "--journal"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "quilletctl: could not delete TEAM : Zürich: 0x80041003 WBEM_E_ACCESS_DENIED\n");
+    EXPECT_EQ(
+        outcome.err,
+        "quilletctl: could not delete TEAM : Zürich: access is denied: 0x80041003 WBEM_E_ACCESS_DENIED\n");
     EXPECT_LT(outcome.out.find("DeleteInstance"), outcome.out.find(", Apply(")) << outcome.out;
     EXPECT_NE(outcome.out.find(", Apply("), std::string::npos);
 }

@@ -193,7 +193,7 @@ TEST_F(VlanCommands, Modify_WithSomethingInTheWay_ChangesNothing) {
     ExpectUsage(Run({"modify", TEAM, "99", "--id", "5"}),
                 "TEAM : Zürich has no VLAN 99; see quilletctl vlan list");
     ExpectUsage(Run({"modify", TEAM, "12", "--id", "five"}),
-                "\"five\" is no VLAN ID: a number is needed, 0 for the untagged VLAN");
+                "\"five\" is no VLAN ID: a number from 1 to 4094 is needed, or 0 for the untagged VLAN");
 }
 
 TEST_F(VlanCommands, Remove_TakesItAway) {
@@ -203,7 +203,7 @@ TEST_F(VlanCommands, Remove_TakesItAway) {
     ExpectUsage(Run({"remove", TEAM, "12", "--yes"}),
                 "TEAM : Zürich has no VLAN 12; see quilletctl vlan list");
     ExpectUsage(Run({"remove", TEAM, "12x", "--yes"}),
-                "\"12x\" is no VLAN ID: a number is needed, 0 for the untagged VLAN");
+                "TEAM : Zürich has no VLAN \"12x\"; see quilletctl vlan list");
     EXPECT_EQ(RunJson({"remove", TEAM, "340", "--yes"}).at("vlan").at("name"), "VoIP");
 }
 
@@ -215,8 +215,9 @@ TEST_F(VlanCommands, ProviderThatRefuses_IsOneLineAndTheSetIsClosed) {
     const Outcome outcome = RunCommandLine(
         {"vlan", "add", TEAM, "100", "Labor", "--journal", "--simulate", Utf8(InFolder("refusing.mof"))});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "quilletctl: could not add VLAN 100 \"Labor\" to TEAM : Zürich: 0x80041003 "
-                           "WBEM_E_ACCESS_DENIED\n");
+    EXPECT_EQ(outcome.err,
+              "quilletctl: could not add VLAN 100 \"Labor\" to TEAM : Zürich: access is denied: 0x80041003 "
+              "WBEM_E_ACCESS_DENIED\n");
     EXPECT_NE(outcome.out.find(", Apply(ClientSetHandle="), std::string::npos) << outcome.out;
 }
 
