@@ -54,6 +54,10 @@ constexpr bool IsSurrogate(char32_t unit) {
     return unit >= 0xD800 && unit <= 0xDFFF;
 }
 
+constexpr bool IsCharacter(char32_t unit) {
+    return unit <= 0x10FFFF && !IsSurrogate(unit);
+}
+
 void AppendUtf8(std::string& utf8, char32_t character) {
     const auto append = [&utf8](char32_t byte) { utf8.push_back(static_cast<char>(byte)); };
     if (character < 0x80) {
@@ -92,7 +96,7 @@ void AppendWide(std::wstring& text, char32_t character) {
 }
 
 /// Decodes the character at the position and moves past it; past one byte where it is malformed.
-char32_t NextCharacter(std::string_view utf8, std::size_t& position) {
+char32_t NextCharacter(std::string_view utf8, std::size_t& position) noexcept {
     const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(utf8[at]); };
     const unsigned char lead = byte(position);
     const std::size_t start = position++;
@@ -111,11 +115,25 @@ char32_t NextCharacter(std::string_view utf8, std::size_t& position) {
         character = (character << 6) | (byte(at) & 0x3F);
     }
     constexpr std::array<char32_t, 5> smallest{0, 0, 0x80, 0x800, 0x10000};
-    if (character < smallest[length] || character > 0x10FFFF || IsSurrogate(character)) {
+    if (character < smallest[length] || !IsCharacter(character)) {
         return REPLACEMENT;
     }
     position = start + length;
     return character;
+}
+
+/// The character at the position, moving past it; a surrogate by itself as it is.
+char32_t NextCharacter(std::wstring_view text, std::size_t& position) noexcept {
+    // Through the unsigned number of the same size: wchar_t is signed on some hosts.
+    const auto unit = static_cast<char32_t>(text[position++]);
+    if (unit >= 0xD800 && unit <= 0xDBFF && position < text.size()) {
+        const auto low = static_cast<char32_t>(text[position]);
+        if (low >= 0xDC00 && low <= 0xDFFF) {
+            ++position;
+            return 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
+        }
+    }
+    return unit;
 }
 
 std::size_t WidthOf(char32_t character) {
@@ -136,19 +154,31 @@ bool Steers(char32_t character) {
 std::string ToUtf8(std::wstring_view text) {
     std::string utf8;
     utf8.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        // Through the unsigned number of the same size: wchar_t is signed on some hosts.
-        auto unit = static_cast<char32_t>(text[i]);
-        if (unit >= 0xD800 && unit <= 0xDBFF && i + 1 < text.size()) {
-            const auto low = static_cast<char32_t>(text[i + 1]);
-            if (low >= 0xDC00 && low <= 0xDFFF) {
-                unit = 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
-                ++i;
-            }
-        }
-        AppendUtf8(utf8, IsSurrogate(unit) || unit > 0x10FFFF ? REPLACEMENT : unit);
+    for (std::size_t i = 0; i < text.size();) {
+        const char32_t character = NextCharacter(text, i);
+        AppendUtf8(utf8, IsCharacter(character) ? character : REPLACEMENT);
     }
     return utf8;
+}
+
+bool IsUtf8(std::string_view text) noexcept {
+    for (std::size_t position = 0; position < text.size();) {
+        const std::size_t start = position;
+        // The character itself takes three bytes.
+        if (NextCharacter(text, position) == REPLACEMENT && position == start + 1) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool IsWellFormed(std::wstring_view text) noexcept {
+    for (std::size_t position = 0; position < text.size();) {
+        if (!IsCharacter(NextCharacter(text, position))) {
+            return false;
+        }
+    }
+    return true;
 }
 
 std::u32string Characters(std::string_view utf8) {

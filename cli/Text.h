@@ -15,6 +15,11 @@ std::wstring ToWide(std::string_view utf8);
 /// The characters of a UTF-8 text; malformed bytes become U+FFFD.
 std::u32string Characters(std::string_view utf8);
 
+/// Whether every byte belongs to a character; no copy of the text is made.
+bool IsUtf8(std::string_view text) noexcept;
+/// Whether no unit is a surrogate by itself or beyond Unicode; no copy of the text is made.
+bool IsWellFormed(std::wstring_view text) noexcept;
+
 /// A flag as people read it.
 const char* YesOrNo(bool flag) noexcept;
 

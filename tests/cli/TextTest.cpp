@@ -35,6 +35,30 @@ TEST(Text, ToWide_IsTheInverse) {
     }
 }
 
+TEST(Text, IsUtf8_TellsWhatIsMalformedFromTheCharacterThatStandsForIt) {
+    for (const char* text : {"", "a", "\xC2\x80", "\xE0\xA0\x80", "\xEF\xBF\xBD", "\xED\x9F\xBF",
+                             "\xEE\x80\x80", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
+        EXPECT_TRUE(IsUtf8(text)) << text;
+    }
+    for (const char* text :
+         {"\x80", "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xED\xBF\xBF", "\xF0\x8F\xBF\xBF",
+          "\xF4\x90\x80\x80", "\xFE", "\xC3", "\xE6\x9D", "\xF0\x9F\x8C", "\xC3(", "\xEF\xBF"}) {
+        EXPECT_FALSE(IsUtf8(text)) << text;
+        EXPECT_FALSE(IsUtf8(std::string("before") + text + "behind")) << text;
+    }
+    EXPECT_TRUE(IsUtf8(std::string_view("a\0b", 3)));
+}
+
+TEST(Text, IsWellFormed_KnowsPairsOfSurrogates) {
+    EXPECT_TRUE(IsWellFormed(L""));
+    EXPECT_TRUE(IsWellFormed(L"Gerät 東京 \U0001F310"));
+    const wchar_t high[] = {L'x', static_cast<wchar_t>(0xD83C), L'x', 0};
+    const wchar_t low[] = {static_cast<wchar_t>(0xDF10), 0};
+    EXPECT_FALSE(IsWellFormed(high));
+    EXPECT_FALSE(IsWellFormed(std::wstring_view(high, 2)));
+    EXPECT_FALSE(IsWellFormed(low));
+}
+
 TEST(Text, Characters_MalformedBytesAreReplacedOneByOne) {
     EXPECT_EQ(Characters("\x80z"), U"\xFFFDz");
     EXPECT_EQ(Characters("\xC3"), U"\xFFFD");
