@@ -1,6 +1,8 @@
 // Opening and closing a client set.
 #include "ClientSet.h"
 
+#include "Text.h"
+
 #include <comutil.h>
 
 #include <nlohmann/json.hpp>
@@ -29,12 +31,16 @@ bool ClientSet::Close() {
     return restartNeeded;
 }
 
-ExitStatus AnswerChange(Invocation& run, const char* done, bool restartNeeded) {
+ExitStatus AnswerChange(Invocation& run, const std::string& asked, const char* done, bool restartNeeded,
+                        const Verification& verification) {
     if (run.WantsJson()) {
-        run.Print(Json{{"restartNeeded", restartNeeded}});
+        Json answer{{"restartNeeded", restartNeeded}};
+        verification.AddTo(answer);
+        run.Print(answer);
     } else {
-        run.Out() << done << "; " << RestartText(restartNeeded) << '\n';
+        run.Out() << Printable(verification.Text(done)) << "; " << RestartText(restartNeeded) << '\n';
     }
+    verification.End(asked);
     return ExitStatus::Done;
 }
 

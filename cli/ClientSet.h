@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Invocation.h"
+#include "Verification.h"
 
 #include <quillet/Quillet.h>
 
@@ -27,16 +28,24 @@ class ClientSet {
     bool m_isOpen = true;
 };
 
-/// The answer of a command that made one change.
-ExitStatus AnswerChange(Invocation& run, const char* done, bool restartNeeded);
+/// The answer of a command that made one change. Throws NotTaken or Refusal.
+/// @param asked completes "could not …"; `done` says what was done where it took
+ExitStatus AnswerChange(Invocation& run, const std::string& asked, const char* done, bool restartNeeded,
+                        const Verification& verification);
 
-/// Makes one change in a client set of its own and answers whether a restart is needed. Throws Refusal.
-/// @param asked completes "could not …"; `done` says what was done
-template <class Change>
-ExitStatus ChangeInSet(Invocation& run, const std::string& asked, const char* done, Change change) {
+/// Makes one change in a client set of its own, reads back what became of it, and answers whether it took and
+/// whether a restart is needed. Throws Refusal and NotTaken.
+/// @param asked completes "could not …"; `done` says what was done where it took
+/// @param compare reads back into a Verification, once the set is closed: a provider may keep changes until
+/// then
+template <class Change, class Compare>
+ExitStatus ChangeInSet(Invocation& run, const std::string& asked, const char* done, Change change,
+                       Compare compare) {
     ClientSet set(run.Session());
     Invocation::Check(change(run.Session()), asked);
-    return AnswerChange(run, done, set.Close());
+    const bool restartNeeded = set.Close();
+    return AnswerChange(run, asked, done, restartNeeded,
+                        Verification::By([&](Verification& taken) { compare(run.Session(), taken); }));
 }
 
 /// "a restart is needed" or "no restart is needed".

@@ -17,6 +17,8 @@ void AddProfileCommands(CommandTree& tree);
 void AddPowerCommands(CommandTree& tree);
 void AddTeamCommands(CommandTree& tree);
 void AddLinksecCommands(CommandTree& tree);
+/// The verbs about PAC files.
+void AddLinksecPac(CommandTree::Noun& linksec);
 void AddVlanCommands(CommandTree& tree);
 void AddWarningsCommand(CommandTree& tree);
 void AddTraceCommand(CommandTree& tree);

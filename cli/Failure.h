@@ -10,7 +10,7 @@ namespace quilletctl {
 
 enum class ExitStatus : int {
     Done = 0,
-    Refused = 1,  ///< the provider refused, or could not be reached
+    Refused = 1,  ///< the provider refused, or could not be reached, or a change did not take
     BadUsage = 2, ///< the command line, or a file that it names, cannot be used
     Findings = 3  ///< a check ran and found problems
 };
@@ -24,6 +24,12 @@ class Refusal : public std::runtime_error {
 
   private:
     HRESULT m_code;
+};
+
+/// The call succeeded, and what was asked for was not done all the same.
+class NotTaken : public std::runtime_error {
+  public:
+    NotTaken(const std::string& asked, const std::string& why);
 };
 
 /// The command line, or a file that it names, cannot be used.

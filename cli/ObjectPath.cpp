@@ -1,6 +1,8 @@
 // Taking an object path apart, and making one.
 #include "ObjectPath.h"
 
+#include "Text.h"
+
 namespace quilletctl {
 
 ObjectName NameInPath(std::string_view path) {
@@ -32,6 +34,13 @@ ObjectName NameInPath(std::string_view path) {
 
 bool IsObjectPath(std::string_view text) {
     return !NameInPath(text).className.empty();
+}
+
+bool NameTheSameObject(std::string_view left, std::string_view right) {
+    const ObjectName first = NameInPath(left);
+    const ObjectName second = NameInPath(right);
+    return !first.className.empty() && SameIgnoringCase(first.className, second.className) &&
+           SameIgnoringCase(first.key, second.key);
 }
 
 std::string PathOf(std::string_view className, std::string_view keyName, std::string_view key) {

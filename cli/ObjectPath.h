@@ -15,6 +15,8 @@ struct ObjectName {
 ObjectName NameInPath(std::string_view path);
 /// Whether the text has the form of an object path, so that it can be no name.
 bool IsObjectPath(std::string_view text);
+/// Whether two paths are of one object, in whatever form each is.
+bool NameTheSameObject(std::string_view left, std::string_view right);
 /// The relative path of an object with one key.
 std::string PathOf(std::string_view className, std::string_view keyName, std::string_view key);
 

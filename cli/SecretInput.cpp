@@ -33,6 +33,9 @@ void SecretLine::MoveTo(std::wstring& secret) const {
     if (rest.ends_with('\r')) {
         rest.remove_suffix(1);
     }
+    if (!IsUtf8(rest)) {
+        throw UsageError("a secret must be valid UTF-8");
+    }
     // A string that has to grow frees its old block as it is.
     SecureZeroMemory(secret.data(), secret.size() * sizeof(wchar_t));
     secret.clear();
@@ -51,13 +54,7 @@ void SecretInput::Declare(Syntax& syntax) {
                   "Read secrets from this file descriptor, a line each, instead of asking");
 }
 
-void SecretInput::Read(const std::string& asked, std::wstring& secret) const {
-    if (!m_descriptor) {
-        if (!AskTerminal(asked + ": ", secret)) {
-            throw UsageError("a secret is needed, and there is no terminal to ask on; give --secret-fd");
-        }
-        return;
-    }
+void SecretInput::ReadLine(const std::string& asked, std::wstring& secret) const {
     SecretLine line;
     char byte = '\0';
     bool isLine = false;
@@ -73,6 +70,22 @@ void SecretInput::Read(const std::string& asked, std::wstring& secret) const {
         throw UsageError("--secret-fd: no line is left for \"" + asked + "\"");
     }
     line.MoveTo(secret);
+}
+
+void SecretInput::Read(const std::string& asked, std::wstring& secret, Blank blank) const {
+    if (m_descriptor) {
+        ReadLine(asked, secret);
+    } else if (!AskTerminal(asked + (blank == Blank::KeepsAtPrompt ? " (empty: as it is): " : ": "),
+                            secret)) {
+        throw UsageError("a secret is needed, and there is no terminal to ask on; give --secret-fd");
+    }
+    if (!IsWellFormed(secret)) {
+        throw UsageError("a secret must be a text: half a character is none");
+    }
+    if (secret.empty() && (m_descriptor || blank == Blank::Refused)) {
+        throw UsageError(m_descriptor ? "--secret-fd: the line for \"" + asked + "\" is empty"
+                                      : "nothing was typed for \"" + asked + '"');
+    }
 }
 
 } // namespace quilletctl

@@ -26,12 +26,19 @@ class SecretLine {
     void Append(char byte);
     std::string_view Text() const noexcept { return {m_bytes, m_length}; }
     /// Puts the text, without a carriage return at its end, into a string that is large enough beforehand, so
-    /// that growing it leaves no copy behind.
+    /// that growing it leaves no copy behind. Throws UsageError for a text that is not valid UTF-8: a secret
+    /// is taken to the byte, or not at all.
     void MoveTo(std::wstring& secret) const;
 
   private:
     char m_bytes[LONGEST_SECRET]{};
     std::size_t m_length = 0;
+};
+
+/// What an empty secret means.
+enum class Blank {
+    Refused,      ///< nothing: a mistake
+    KeepsAtPrompt ///< typed at a prompt, that what is there stays; read from a descriptor, a mistake as well
 };
 
 /// The option and the reading of secrets.
@@ -41,11 +48,14 @@ class SecretInput {
     /// Whether a descriptor was named.
     bool IsNamed() const noexcept { return m_descriptor.has_value(); }
     /// Reads the next secret: the next line of the descriptor, or what a person types. Throws UsageError
-    /// where there is neither a line nor a person.
+    /// where there is neither a line nor a person, where the line is empty (a script's variable that was
+    /// never set) and where it is no text.
     /// @param asked what the prompt asks for
-    void Read(const std::string& asked, std::wstring& secret) const;
+    void Read(const std::string& asked, std::wstring& secret, Blank blank = Blank::Refused) const;
 
   private:
+    void ReadLine(const std::string& asked, std::wstring& secret) const;
+
     std::optional<LONG> m_descriptor;
 };
 

@@ -88,6 +88,7 @@ bool AskTerminal(const std::string& prompt, std::wstring& secret) {
     }
     Write(output.Get(), ToWide(prompt));
     bool isLine = false;
+    bool isTooLong = false; // it is read to its end: the rest of a secret is no input for whoever asks next
     SecureZeroMemory(secret.data(), secret.size() * sizeof(wchar_t));
     secret.clear();
     secret.reserve(LONGEST_SECRET);
@@ -95,7 +96,9 @@ bool AskTerminal(const std::string& prompt, std::wstring& secret) {
     DWORD count = 0;
     while (!isLine && ReadConsoleW(input.Get(), &character, 1, &count, nullptr) && count == 1) {
         isLine = character == L'\n';
-        if (!isLine && character != L'\r' && secret.size() < LONGEST_SECRET) {
+        if (!isLine && character != L'\r' && secret.size() == LONGEST_SECRET) {
+            isTooLong = true;
+        } else if (!isLine && character != L'\r') {
             secret.push_back(character);
         }
     }
@@ -103,6 +106,9 @@ bool AskTerminal(const std::string& prompt, std::wstring& secret) {
     Write(output.Get(), L"\r\n");
     if (!isLine) {
         throw UsageError("cancelled");
+    }
+    if (isTooLong) {
+        throw UsageError("a secret has at most " + std::to_string(LONGEST_SECRET) + " characters");
     }
     return true;
 }

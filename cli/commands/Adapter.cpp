@@ -10,6 +10,7 @@
 #include "Table.h"
 #include "TeamLookup.h"
 #include "Text.h"
+#include "Verification.h"
 
 #include <nlohmann/json.hpp>
 
@@ -273,11 +274,16 @@ class IdentifyAdapter final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         Invocation::Check(run.Session().IdentifyAdapter(ToWide(adapter.path), static_cast<LONG>(m_seconds)),
                           "identify " + adapter.Called());
+        // Only who stands before the rack sees whether it does.
+        Verification taken;
+        taken.LeaveOpen();
         if (run.WantsJson()) {
-            run.Print(Json{{"path", adapter.path}, {"seconds", m_seconds}});
+            Json answer{{"path", adapter.path}, {"seconds", m_seconds}};
+            taken.AddTo(answer);
+            run.Print(answer);
         } else {
-            run.Out() << Printable(adapter.Called()) << " blinks for " << m_seconds
-                      << (m_seconds == 1 ? " second\n" : " seconds\n");
+            run.Out() << Printable(adapter.Called()) << " was asked to blink for " << m_seconds
+                      << (m_seconds == 1 ? " second" : " seconds") << "; it does not tell whether it does\n";
         }
         return ExitStatus::Done;
     }

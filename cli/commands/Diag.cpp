@@ -28,6 +28,8 @@ constexpr LONG STOPPED = 5;
 
 /// How often the bar moves.
 constexpr auto FRAME = std::chrono::milliseconds(100);
+/// How long a test may take to begin, and to stop.
+constexpr auto PATIENCE = std::chrono::seconds(2);
 
 CDiagTests ReadTests(CQuillet& session, const ListedAdapter& adapter) {
     CDiagTests tests;
@@ -65,6 +67,13 @@ bool ReadResult(CQuillet& session, const CDiagTest& test, CDiagResult& result) {
 bool Passed(const CDiagResult& result) {
     return result.m_lResultCode == 0 && result.m_lTestState != FAILED_STATE &&
            result.m_lTestState != STOPPED && result.m_lTestState != IN_PROGRESS;
+}
+
+bool IsTheSame(const CDiagResult& left, const CDiagResult& right) {
+    return left.m_lTestState == right.m_lTestState && left.m_lResultCode == right.m_lResultCode &&
+           left.m_wsResult == right.m_wsResult && left.m_wsDescription == right.m_wsDescription &&
+           left.m_vecTestResultIds == right.m_vecTestResultIds &&
+           left.m_vecTestResultAttributes == right.m_vecTestResultAttributes;
 }
 
 Json Messages(const CDiagResult& result) {
@@ -201,10 +210,12 @@ class RunTest final : public TestCommand {
         CQuillet& session = run.Session();
         // Before the start: a test that was started is stopped, whenever the person loses patience.
         const Interrupt interrupt;
+        CDiagResult before;
+        ReadResult(session, test, before);
         Invocation::Check(session.RunDiagnostics(test.m_wsUniqueID, ToWide(adapter.path)),
                           "start " + ToUtf8(test.m_wsName));
         CDiagResult result;
-        if (!Follow(adapter, test, run, interrupt, result)) {
+        if (!Follow(adapter, test, run, interrupt, before, result)) {
             // The provider has no result of the test: it was not started.
             throw Refusal("follow " + ToUtf8(test.m_wsName), WBEM_S_FALSE,
                           "the provider has no result of it");
@@ -213,22 +224,31 @@ class RunTest final : public TestCommand {
         return Passed(result) ? ExitStatus::Done : ExitStatus::Findings;
     }
 
-    /// Looks at the test until it has ended. False when there is nothing to look at.
+    /// Looks at the test until it has ended. False when there is nothing to look at. Throws NotTaken when
+    /// nothing but the result from before is ever seen: a refused start shows in no other way.
     bool Follow(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run,
-                const Interrupt& interrupt, CDiagResult& result) const {
+                const Interrupt& interrupt, const CDiagResult& before, CDiagResult& result) const {
         CQuillet& session = run.Session();
         Progress progress(run.Screen());
         const auto start = Clock::now();
         bool stopping = false;
+        bool isSeen = false;
         for (;;) {
             result = CDiagResult();
             if (!ReadResult(session, test, result)) {
                 return false;
             }
-            if (result.m_lTestState != IN_PROGRESS) {
+            isSeen = isSeen || result.m_lTestState == IN_PROGRESS || !IsTheSame(before, result);
+            if (result.m_lTestState != IN_PROGRESS && isSeen) {
                 return true;
             }
-            const auto next = Clock::now() + std::chrono::milliseconds(m_interval);
+            if (!isSeen && Clock::now() - start > PATIENCE) {
+                throw NotTaken("run " + ToUtf8(test.m_wsName), "its result is the one from before");
+            }
+            // Until it is seen to run it is looked at closely, so that not all of the run falls between two
+            // looks.
+            const std::chrono::milliseconds interval(m_interval);
+            const auto next = Clock::now() + (isSeen ? interval : std::min(interval, FRAME));
             do {
                 if (interrupt.Requested() && !stopping) {
                     stopping = true;
@@ -261,12 +281,20 @@ class StopTest final : public TestCommand {
     ExitStatus RunForTest(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run) override {
         Stop(run.Session(), adapter, test);
         CDiagResult result;
-        ReadResult(run.Session(), test, result);
+        // A test may need a moment to come to its end.
+        const auto until = Clock::now() + PATIENCE;
+        while (ReadResult(run.Session(), test, result) && result.m_lTestState == IN_PROGRESS &&
+               Clock::now() < until) {
+            std::this_thread::sleep_for(FRAME);
+        }
         if (run.WantsJson()) {
             run.Print(AsJson(test, result));
         } else {
             run.Out() << Printable(ToUtf8(test.m_wsName)) << ": " << Printable(ToUtf8(result.m_wsStateText))
                       << '\n';
+        }
+        if (result.m_lTestState == IN_PROGRESS) {
+            throw NotTaken("stop " + ToUtf8(test.m_wsName), "it still runs");
         }
         return ExitStatus::Done;
     }

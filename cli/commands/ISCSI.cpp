@@ -99,27 +99,45 @@ class SetPlace final : public AdapterCommand {
         const auto* place = std::find_if(PLACES.begin(), PLACES.end(),
                                          [this](const Place& each) { return m_place == each.word; });
         const CISCSIAdapters ports = ReadPorts(run.Session());
+        const CISCSIAdapter* port = PortOf(adapter, ports);
+        if (port == nullptr) {
+            throw UsageError(adapter.Called() + " cannot boot from iSCSI; see quilletctl iscsi list");
+        }
+        const std::string asked = "change the place of " + adapter.Called();
+        ClientSet changes(run.Session());
+        unsigned int code = 0;
+        Invocation::Check(run.Session().SetiSCSIStatus(port->m_wsPath, place->status, code), asked);
+        const bool restartNeeded = changes.Close();
+        const Verification taken = Verification::By([&](Verification& compare) {
+            const CISCSIAdapters after = ReadPorts(run.Session());
+            const CISCSIAdapter* now = PortOf(adapter, after);
+            compare.Compare({{"status", "its place", m_place}},
+                            {{"status", "", now == nullptr ? Json() : Json(PlaceText(now->m_eStatus))}});
+        });
+        if (run.WantsJson()) {
+            Json answer{{"code", code}, {"restartNeeded", restartNeeded}};
+            taken.AddTo(answer);
+            run.Print(answer);
+        } else if (code != 0) {
+            run.Out() << "the provider refused: code " << code << '\n';
+        } else {
+            run.Out() << Printable(taken.Text(adapter.Called() + " is " + m_place)) << "; "
+                      << RestartText(restartNeeded) << '\n';
+        }
+        if (code != 0) {
+            throw NotTaken(asked, "the provider refused, code " + std::to_string(code));
+        }
+        taken.End(asked);
+        return ExitStatus::Done;
+    }
+
+    /// The adapter's entry in the list; null where it has none.
+    static const CISCSIAdapter* PortOf(const ListedAdapter& adapter, const CISCSIAdapters& ports) {
         const auto port =
             std::find_if(ports.m_vecItems.begin(), ports.m_vecItems.end(), [&](const CISCSIAdapter* each) {
                 return SameIgnoringCase(ToUtf8(each->m_wsBootAgentID), adapter.objectId);
             });
-        if (port == ports.m_vecItems.end()) {
-            throw UsageError(adapter.Called() + " cannot boot from iSCSI; see quilletctl iscsi list");
-        }
-        ClientSet changes(run.Session());
-        unsigned int code = 0;
-        Invocation::Check(run.Session().SetiSCSIStatus((*port)->m_wsPath, place->status, code),
-                          "change the place of " + adapter.Called());
-        const bool restartNeeded = changes.Close();
-        if (run.WantsJson()) {
-            run.Print(Json{{"code", code}, {"restartNeeded", restartNeeded}});
-        } else if (code != 0) {
-            run.Out() << "the provider refused: code " << code << '\n';
-        } else {
-            run.Out() << Printable(adapter.Called()) << " is " << m_place << "; "
-                      << RestartText(restartNeeded) << '\n';
-        }
-        return code == 0 ? ExitStatus::Done : ExitStatus::Refused;
+        return port == ports.m_vecItems.end() ? nullptr : *port;
     }
 
     std::string m_place;

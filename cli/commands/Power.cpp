@@ -59,52 +59,53 @@ Wake ReadWake(CQuillet& session, const ListedAdapter& adapter) {
     return ReadRecord(session, &CQuillet::GetAdapterWakeOnLanOptions, adapter, "the wake-on-LAN options");
 }
 
+/// The options by their names; null for one that the adapter does not have, or that is to stay as it is.
 template <class Record, std::size_t Size>
-void AddTo(Sheet& sheet, const std::array<Option<Record>, Size>& options, const Record& info) {
+std::vector<Field> FieldsOf(const std::array<Option<Record>, Size>& options, const Record& info) {
+    std::vector<Field> fields;
     for (const auto& option : options) {
         const DWORD value = info.*option.field;
-        sheet.Add(option.label, value == Record::NotAvailable ? "not available" : value != 0 ? "on" : "off");
+        fields.push_back(
+            {option.key, option.label, value == Record::NotAvailable ? Json() : Json(value != 0)});
     }
+    return fields;
 }
 
-template <class Record, std::size_t Size>
-void AddTo(Json& json, const std::array<Option<Record>, Size>& options, const Record& info) {
-    for (const auto& option : options) {
-        const DWORD value = info.*option.field;
-        json[option.key] = value == Record::NotAvailable ? Json() : Json(value != 0);
+std::vector<Field> Fields(const Wake& info) {
+    return FieldsOf(WAKE_OPTIONS, info);
+}
+
+std::vector<Field> Fields(const Power& info) {
+    std::vector<Field> fields = FieldsOf(POWER_OPTIONS, info);
+    fields.insert(fields.begin(), {"mode", "Power-saving mode", static_cast<DWORD>(info.m_eSavePower)});
+    return fields;
+}
+
+template <class Record>
+ExitStatus Show(const ListedAdapter& adapter, const Record& info, Invocation& run) {
+    Json json{{"adapter", adapter.path}};
+    Sheet sheet;
+    for (const Field& field : Fields(info)) {
+        json[field.key] = field.value;
+        sheet.Add(field.label, TextOf(field.value));
     }
+    if (run.WantsJson()) {
+        run.Print(json);
+    } else {
+        sheet.Print(run.Screen());
+    }
+    return ExitStatus::Done;
 }
 
 class ShowPower final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        const Power info = ReadPower(run.Session(), adapter);
-        if (run.WantsJson()) {
-            Json json{{"adapter", adapter.path}, {"mode", static_cast<DWORD>(info.m_eSavePower)}};
-            AddTo(json, POWER_OPTIONS, info);
-            run.Print(json);
-            return ExitStatus::Done;
-        }
-        Sheet sheet;
-        sheet.Add("Power-saving mode", std::to_string(static_cast<DWORD>(info.m_eSavePower)));
-        AddTo(sheet, POWER_OPTIONS, info);
-        sheet.Print(run.Screen());
-        return ExitStatus::Done;
+        return Show(adapter, ReadPower(run.Session(), adapter), run);
     }
 };
 
 class ShowWake final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        const Wake info = ReadWake(run.Session(), adapter);
-        if (run.WantsJson()) {
-            Json json{{"adapter", adapter.path}};
-            AddTo(json, WAKE_OPTIONS, info);
-            run.Print(json);
-            return ExitStatus::Done;
-        }
-        Sheet sheet;
-        AddTo(sheet, WAKE_OPTIONS, info);
-        sheet.Print(run.Screen());
-        return ExitStatus::Done;
+        return Show(adapter, ReadWake(run.Session(), adapter), run);
     }
 };
 
@@ -165,10 +166,14 @@ class SetPower final : public AdapterCommand {
         Power chosen = m_switches.Chosen(present, adapter);
         chosen.m_eSavePower =
             m_mode.empty() ? present.m_eSavePower : static_cast<Power::SavePower>(m_mode.front() - '0');
-        return ChangeInSet(run, "set the power options of " + adapter.Called(), "power options set",
-                           [&](CQuillet& session) {
-                               return session.SetAdapterPowerUsageOptions(ToWide(adapter.path), chosen);
-                           });
+        return ChangeInSet(
+            run, "set the power options of " + adapter.Called(), "power options set",
+            [&](CQuillet& session) {
+                return session.SetAdapterPowerUsageOptions(ToWide(adapter.path), chosen);
+            },
+            [&](CQuillet& session, Verification& taken) {
+                taken.Compare(Fields(chosen), Fields(ReadPower(session, adapter)));
+            });
     }
 
     std::string m_mode;
@@ -188,10 +193,14 @@ class SetWake final : public AdapterCommand {
             throw UsageError("an option to set is needed; see quilletctl wol set --help");
         }
         const Wake chosen = m_switches.Chosen(ReadWake(run.Session(), adapter), adapter);
-        return ChangeInSet(run, "set the wake-on-LAN options of " + adapter.Called(),
-                           "wake-on-LAN options set", [&](CQuillet& session) {
-                               return session.SetAdapterWakeOnLanOptions(ToWide(adapter.path), chosen);
-                           });
+        return ChangeInSet(
+            run, "set the wake-on-LAN options of " + adapter.Called(), "wake-on-LAN options set",
+            [&](CQuillet& session) {
+                return session.SetAdapterWakeOnLanOptions(ToWide(adapter.path), chosen);
+            },
+            [&](CQuillet& session, Verification& taken) {
+                taken.Compare(Fields(chosen), Fields(ReadWake(session, adapter)));
+            });
     }
 
     Switches<Wake, WAKE_OPTIONS.size()> m_switches{WAKE_OPTIONS};
@@ -199,10 +208,13 @@ class SetWake final : public AdapterCommand {
 
 class ReapplyPower final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        return ChangeInSet(run, "apply the power-management capabilities of " + adapter.Called() + " again",
-                           "power-management capabilities applied", [&](CQuillet& session) {
-                               return session.SetAdapterPowerManagementCapabilities(ToWide(adapter.path));
-                           });
+        return ChangeInSet(
+            run, "apply the power-management capabilities of " + adapter.Called() + " again",
+            "power-management capabilities applied",
+            [&](CQuillet& session) {
+                return session.SetAdapterPowerManagementCapabilities(ToWide(adapter.path));
+            },
+            [](CQuillet&, Verification& taken) { taken.LeaveOpen(); });
     }
 };
 

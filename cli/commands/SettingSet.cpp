@@ -8,6 +8,7 @@
 #include "SettingTexts.h"
 #include "SettingValue.h"
 #include "Text.h"
+#include "Verification.h"
 
 #include <nlohmann/json.hpp>
 
@@ -19,7 +20,7 @@ namespace {
 
 /// One owner of the setting, and what becomes of it.
 struct Target {
-    enum class Outcome { Changed, Unchanged, ReadOnly, Missing, Refused };
+    enum class Outcome { Changed, Unchanged, ReadOnly, Missing, Refused, NotTaken, Unknown };
 
     SettingOwner owner;
     std::unique_ptr<CSetting> setting{}; ///< with the new value; null where there is nothing to write
@@ -27,6 +28,7 @@ struct Target {
     std::vector<std::string> warnings{};
     Outcome outcome = Outcome::Missing;
     HRESULT code = S_OK;
+    Verification taken{}; ///< where it was written
 };
 
 const char* NameOf(Target::Outcome outcome) {
@@ -41,6 +43,10 @@ const char* NameOf(Target::Outcome outcome) {
         return "missing";
     case Target::Outcome::Refused:
         return "refused";
+    case Target::Outcome::NotTaken:
+        return "notTaken";
+    case Target::Outcome::Unknown:
+        return "unknown";
     }
     return "";
 }
@@ -71,16 +77,21 @@ class SetSetting final : public Command {
             PrintWarnings(targets, run.Out());
         }
         const bool restartNeeded = Write(session, targets);
+        for (Target& target : targets) {
+            ReadBack(session, target);
+        }
         if (run.WantsJson()) {
             run.Print(AsJson(targets, restartNeeded));
         } else {
             PrintOutcomes(targets, restartNeeded, run.Out());
         }
         for (const Target& target : targets) {
+            const std::string asked = "set " + target.caption + " of " + target.owner.called + " to " + m_value;
             if (target.outcome == Target::Outcome::Refused) {
-                throw Refusal("set " + target.caption + " of " + target.owner.called + " to " + m_value,
-                              target.code, ReasonOf(target));
+                throw Refusal(asked, target.code, ReasonOf(target));
             }
+            Invocation::Check(target.code, asked);
+            target.taken.End(asked);
         }
         const bool leftAlone = !m_isOfSeveral && targets.front().outcome == Target::Outcome::ReadOnly;
         return leftAlone ? ExitStatus::Findings : ExitStatus::Done;
@@ -188,6 +199,38 @@ class SetSetting final : public Command {
         return set.Close();
     }
 
+    /// Once the client set is closed: until then a provider may keep changes back.
+    static void ReadBack(CQuillet& session, Target& target) {
+        if (target.outcome != Target::Outcome::Changed) {
+            return;
+        }
+        target.taken = Verification::By([&](Verification& compare) {
+            CSettings settings;
+            ReadSettings(session, target.owner, settings);
+            const CSetting& wanted = *target.setting;
+            const CSetting* now = settings.GetSettingByCaption(wanted.m_wsCaption);
+            if (now == nullptr) {
+                compare.Add("current", CurrentJson(wanted), Json(), "it is not there any more");
+            } else if (!HaveSameValue(*now, wanted)) {
+                compare.Add("current", CurrentJson(wanted), CurrentJson(*now),
+                            "it is " + CurrentText(*now) + ", not " + CurrentText(wanted));
+            }
+        });
+        const std::optional<bool> took = target.taken.Took();
+        target.outcome = !took   ? Target::Outcome::Unknown
+                         : *took ? Target::Outcome::Changed
+                                 : Target::Outcome::NotTaken;
+    }
+
+    static Json CurrentJson(const CSetting& setting) { return quilletctl::AsJson(setting).at("current"); }
+
+    static bool HaveSameValue(const CSetting& now, const CSetting& wanted) {
+        // The digits of an address may come back in the other case.
+        return SameIgnoringCase(ToUtf8(wanted.m_wsCaption), "NetworkAddress")
+                   ? SameIgnoringCase(CurrentText(now), CurrentText(wanted))
+                   : CurrentJson(now) == CurrentJson(wanted);
+    }
+
     static void PrintWarnings(const std::vector<Target>& targets, std::ostream& out) {
         for (const Target& target : targets) {
             for (const std::string& warning : target.warnings) {
@@ -206,7 +249,9 @@ class SetSetting final : public Command {
     static std::string OutcomeText(const Target& target) {
         switch (target.outcome) {
         case Target::Outcome::Changed:
-            return "set to " + CurrentText(*target.setting);
+        case Target::Outcome::NotTaken:
+        case Target::Outcome::Unknown:
+            return target.taken.Text("set to " + CurrentText(*target.setting));
         case Target::Outcome::Unchanged:
             return "is " + CurrentText(*target.setting) + " already";
         case Target::Outcome::ReadOnly:
@@ -233,7 +278,8 @@ class SetSetting final : public Command {
                                 {"path", target.owner.path},
                                 {"outcome", NameOf(target.outcome)},
                                 {"warnings", target.warnings},
-                                {"code", FAILED(target.code) ? Json(DescribeResult(target.code)) : Json()}});
+                                {"code", FAILED(target.code) ? Json(DescribeResult(target.code)) : Json()},
+                                {"differences", target.taken.Differences()}});
         }
         const auto known = std::find_if(targets.begin(), targets.end(), [](const Target& each) {
             return each.outcome != Target::Outcome::Missing;

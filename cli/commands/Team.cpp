@@ -10,6 +10,7 @@
 #include "Table.h"
 #include "TeamLookup.h"
 #include "Text.h"
+#include "Verification.h"
 
 #include <nlohmann/json.hpp>
 
@@ -151,14 +152,51 @@ Json TeamAsJson(const CTeam& team) {
                 {"mode", Coded(team.m_eTeamMode, ModeText(team.m_eTeamMode))}};
 }
 
-/// The end of a command that changed a team.
-void PrintChanged(Invocation& run, const CTeam& team, const std::string& what, bool restartNeeded) {
+/// The end of a command that changed a team. Throws NotTaken or Refusal.
+/// @param asked completes "could not …"; `done` says what was done where it took
+ExitStatus EndChanged(Invocation& run, const CTeam& team, const std::string& asked, const std::string& done,
+                      bool restartNeeded, const Verification& taken) {
     if (run.WantsJson()) {
         Json json = TeamAsJson(team);
         json["restartNeeded"] = restartNeeded;
+        taken.AddTo(json);
         run.Print(json);
     } else {
-        run.Out() << Printable(what) << ": " << RestartText(restartNeeded) << '\n';
+        run.Out() << Printable(taken.Text(done)) << ": " << RestartText(restartNeeded) << '\n';
+    }
+    taken.End(asked);
+    return ExitStatus::Done;
+}
+
+/// Name and mode of a team, to be compared.
+std::vector<Field> FieldsOf(const CTeam& team) {
+    return {{"name", "its name", ToUtf8(team.m_wsCaption)}, {"mode", "its mode", ModeText(team.m_eTeamMode)}};
+}
+
+CTeam ReadTeam(CQuillet& session, const CTeam& team) {
+    CTeam read;
+    Invocation::Check(session.GetTeamInfo(team.m_wsTeamID, read), "read the team " + Called(team));
+    return read;
+}
+
+/// Compares the members of a team with those that it is to have.
+void CompareMembers(Verification& taken, const CTeamedAdapters& members, const CAdapters& wanted) {
+    const auto isAmong = [](const std::wstring& path, const auto& adapters) {
+        return std::any_of(adapters.m_vecItems.begin(), adapters.m_vecItems.end(), [&](const auto* each) {
+            return NameTheSameObject(ToUtf8(each->m_wsAdapterID), ToUtf8(path));
+        });
+    };
+    for (const CAdapter* adapter : wanted.m_vecItems) {
+        if (!isAmong(adapter->m_wsAdapterID, members)) {
+            const std::string path = ToUtf8(adapter->m_wsAdapterID);
+            taken.Add("members", path, Json(), NameInPath(path).key + " is no member");
+        }
+    }
+    for (const CTeamedAdapter* member : members.m_vecItems) {
+        if (!isAmong(member->m_wsAdapterID, wanted)) {
+            taken.Add("members", Json(), ToUtf8(member->m_wsAdapterID),
+                      MemberName(*member) + " is still a member");
+        }
     }
 }
 
@@ -384,15 +422,24 @@ class CreateTeam final : public Command {
                 return problems.Report(run);
             }
         }
+        const std::string asked = "create the team " + ToUtf8(name);
         ClientSet set(session);
         CTeam team;
         Invocation::Check(session.CreateTeam(mode, name, members, team,
                                              static_cast<ePERFORMANCE_PROFILE>(m_profile), m_mfo,
                                              m_linkSecurity),
-                          "create the team " + ToUtf8(name));
+                          asked);
         const bool restartNeeded = set.Close();
-        PrintChanged(run, team, "created the team " + ToUtf8(name), restartNeeded);
-        return ExitStatus::Done;
+        const Verification taken = Verification::By([&](Verification& compare) {
+            const CTeam now = ReadTeam(session, team);
+            compare.Compare(FieldsOf(team), FieldsOf(now));
+            // What nobody asked for may be as the provider likes it.
+            compare.Compare({{"mfo", "adapters of other makers", m_mfo ? Json(true) : Json()},
+                             {"linkSecurity", "link security", m_linkSecurity ? Json(true) : Json()}},
+                            {{"mfo", "", now.m_bMFOEnabled}, {"linkSecurity", "", now.m_bLinkSecEnabled}});
+            CompareMembers(compare, MembersOf(session, team), members);
+        });
+        return EndChanged(run, team, asked, "created the team " + ToUtf8(name), restartNeeded, taken);
     }
 
   private:
@@ -460,15 +507,17 @@ class ChangeMembers : public Command {
         if (!MayChange(run, team, named)) {
             return ExitStatus::Done;
         }
+        const std::string asked = "change the members of " + Called(team);
         ClientSet set(session);
-        Invocation::Check(session.ModifyMemberList(team.m_wsTeamID, current, wanted),
-                          "change the members of " + Called(team));
+        Invocation::Check(session.ModifyMemberList(team.m_wsTeamID, current, wanted), asked);
         const bool restartNeeded = set.Close();
-        PrintChanged(run, team,
-                     Called(team) + " has " + std::to_string(wanted.m_vecItems.size()) +
-                         (wanted.m_vecItems.size() == 1 ? " member" : " members"),
-                     restartNeeded);
-        return ExitStatus::Done;
+        const Verification taken = Verification::By(
+            [&](Verification& compare) { CompareMembers(compare, MembersOf(session, team), wanted); });
+        const std::size_t count = wanted.m_vecItems.size();
+        return EndChanged(run, team, asked,
+                          Called(team) + " has " + std::to_string(count) +
+                              (count == 1 ? " member" : " members"),
+                          restartNeeded, taken);
     }
 
   protected:
@@ -574,10 +623,17 @@ class ModifyTeam final : public TeamCommand {
         if (problems.Any()) {
             return problems.Report(run);
         }
+        const std::string asked = "change " + Called(team);
         ClientSet set(session);
-        Invocation::Check(session.ModifyTeamInfo(team.m_wsTeamID, changed), "change " + Called(team));
-        PrintChanged(run, changed, "changed " + Called(team), set.Close());
-        return ExitStatus::Done;
+        Invocation::Check(session.ModifyTeamInfo(team.m_wsTeamID, changed), asked);
+        const bool restartNeeded = set.Close();
+        const Verification taken = Verification::By([&](Verification& compare) {
+            const CTeam now = ReadTeam(session, team);
+            compare.Compare(FieldsOf(changed), FieldsOf(now));
+            changed.m_wsCaption = now.m_wsCaption;
+            changed.m_eTeamMode = now.m_eTeamMode;
+        });
+        return EndChanged(run, changed, asked, "changed " + Called(team), restartNeeded, taken);
     }
 
     std::optional<std::string> m_newName;
@@ -590,10 +646,19 @@ class DeleteTeam final : public TeamCommand {
             return ExitStatus::Done;
         }
         CQuillet& session = run.Session();
+        const std::string asked = "delete " + Called(team);
         ClientSet set(session);
-        Invocation::Check(session.RemoveTeam(team.m_wsTeamID), "delete " + Called(team));
-        PrintChanged(run, team, "deleted " + Called(team), set.Close());
-        return ExitStatus::Done;
+        Invocation::Check(session.RemoveTeam(team.m_wsTeamID), asked);
+        const bool restartNeeded = set.Close();
+        const Verification taken = Verification::By([&](Verification& compare) {
+            const CTeams teams = ReadTeams(session);
+            for (const CTeam* each : teams.m_vecItems) {
+                if (NameTheSameObject(ToUtf8(each->m_wsTeamID), ToUtf8(team.m_wsTeamID))) {
+                    compare.Add("path", Json(), ToUtf8(each->m_wsTeamID), "the team is still there");
+                }
+            }
+        });
+        return EndChanged(run, team, asked, "deleted " + Called(team), restartNeeded, taken);
     }
 };
 
@@ -611,36 +676,60 @@ class MakePrimary final : public Command {
         }
         CQuillet& session = run.Session();
         const ListedAdapter adapter = FindAdapter(session, m_adapter);
-        const LONG role = m_none ? 0 : m_secondary ? 2 : 1;
+        const LONG role = m_none ? 0 : m_secondary ? 2 : PRIMARY;
+        const std::string asked = "change the role of " + adapter.Called();
         ClientSet set(session);
         const HRESULT result = session.SetTeamedAdapterPriority(ToWide(adapter.path), role);
         if (FAILED(result)) {
             const bool isUnexplained = result == static_cast<HRESULT>(WBEM_E_FAILED);
-            throw Refusal("change the role of " + adapter.Called(), result,
+            throw Refusal(asked, result,
                           isUnexplained && !IsInTeam(session, adapter) ? "the adapter is in no team" : "");
         }
         const bool restartNeeded = set.Close();
-        bool primary = false;
-        Invocation::Check(session.IsPrimaryAdapter(ToWide(adapter.path), primary),
-                          "read the role of " + adapter.Called());
+        std::optional<LONG> now;
+        const Verification taken = Verification::By([&](Verification& compare) {
+            now = RoleOf(session, adapter);
+            compare.Compare({{"role", "its role", RoleText(role)}},
+                            {{"role", "", now ? Json(RoleText(*now)) : Json()}});
+        });
         if (run.WantsJson()) {
-            run.Print(Json{{"path", adapter.path},
-                           {"role", Coded(role, RoleText(role))},
-                           {"primary", primary},
-                           {"restartNeeded", restartNeeded}});
+            const LONG told = now.value_or(role);
+            Json answer{{"path", adapter.path},
+                        {"role", Coded(told, RoleText(told))},
+                        {"primary", now ? Json(*now == PRIMARY) : Json()},
+                        {"restartNeeded", restartNeeded}};
+            taken.AddTo(answer);
+            run.Print(answer);
         } else {
-            run.Out() << Printable(adapter.Called()) << ": " << RoleText(role) << ": "
+            run.Out() << Printable(adapter.Called() + ": " + taken.Text(RoleText(role))) << ": "
                       << RestartText(restartNeeded) << '\n';
         }
+        taken.End(asked);
         return ExitStatus::Done;
     }
 
   private:
+    static constexpr LONG PRIMARY = 1;
+
     /// What cannot be read counts as yes: it must not be told as the reason of something.
     static bool IsInTeam(CQuillet& session, const ListedAdapter& adapter) {
         CAdapters one;
         Append(one, ToWide(adapter.path));
         return FAILED(session.GetTeamableAdapters(one)) || one.m_vecItems.front()->m_bTeamed;
+    }
+
+    /// Nothing for an adapter that is in no team any more.
+    static std::optional<LONG> RoleOf(CQuillet& session, const ListedAdapter& adapter) {
+        const CTeams teams = ReadTeams(session);
+        for (const CTeam* team : teams.m_vecItems) {
+            const CTeamedAdapters members = MembersOf(session, *team);
+            for (const CTeamedAdapter* member : members.m_vecItems) {
+                if (NameTheSameObject(ToUtf8(member->m_wsAdapterID), adapter.path)) {
+                    return member->m_lMemberRole;
+                }
+            }
+        }
+        return std::nullopt;
     }
 
     std::string m_adapter;

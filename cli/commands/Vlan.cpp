@@ -6,12 +6,14 @@
 #include "ObjectPath.h"
 #include "Table.h"
 #include "Text.h"
+#include "Verification.h"
 #include "VlanParent.h"
 
 #include <quillet/VLANTexts.h>
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <memory>
 #include <optional>
@@ -36,6 +38,28 @@ Json AsJson(const CVLAN& vlan) {
     return Json{{"path", ToUtf8(vlan.m_wsVLANID)},     {"objectId", ToUtf8(vlan.m_wsName)},
                 {"number", vlan.m_lVLANNumber},        {"name", ToUtf8(vlan.m_wsVLANName)},
                 {"caption", ToUtf8(vlan.m_wsCaption)}, {"status", Coded(vlan.m_eStatus, StatusText(vlan))}};
+}
+
+/// Holds a VLAN against what is there; null where nothing is.
+void CompareVlan(Verification& taken, const CVLAN& wanted, const CVLAN* now) {
+    if (now == nullptr) {
+        taken.Add("number", wanted.m_lVLANNumber, Json(), Called(wanted) + " is not there");
+        return;
+    }
+    const auto fields = [](const CVLAN& vlan) {
+        return std::vector<Field>{
+            {"number", "the VLAN ID", vlan.m_lVLANNumber},
+            {"name", "the name of VLAN " + std::to_string(vlan.m_lVLANNumber), ToUtf8(vlan.m_wsVLANName)}};
+    };
+    taken.Compare(fields(wanted), fields(*now));
+}
+
+/// The VLAN of a path among others; null where there is none.
+const CVLAN* VlanAt(const std::wstring& path, const CVLANs& vlans) {
+    const auto found = std::find_if(vlans.m_vecItems.begin(), vlans.m_vecItems.end(), [&](const CVLAN* each) {
+        return NameTheSameObject(ToUtf8(each->m_wsVLANID), ToUtf8(path));
+    });
+    return found == vlans.m_vecItems.end() ? nullptr : *found;
 }
 
 /// A VLAN ID as it was typed; whether it is in range is for the checks to say. Throws UsageError.
@@ -224,29 +248,48 @@ class AddVlans final : public NewVlans {
         if (!findings.sentences.empty()) {
             return EndUnchanged(run, parent, findings);
         }
-        Json added = Json::array();
-        std::vector<std::string> told;
+        const CVLANs asked = wanted; // adding fills the records with what the provider made of them
         ClientSet set(session);
         const std::wstring path = ToWide(parent.path);
         for (CVLAN* vlan : wanted.m_vecItems) {
             Invocation::Check(parent.isTeam ? session.AddVLANToTeam(path, *vlan)
                                             : session.AddVLANToAdapter(path, *vlan),
                               "add " + Called(*vlan) + " to " + parent.name);
-            added.push_back(AsJson(*vlan));
-            told.push_back("added " + Called(*vlan) + " to " + parent.name);
         }
         const bool restartNeeded = set.Close();
+        CVLANs there = wanted;
+        const Verification taken = Verification::By([&](Verification& compare) {
+            const CVLANs now = ReadVlans(session, parent);
+            there.RemoveAll();
+            for (std::size_t i = 0; i < wanted.m_vecItems.size(); ++i) {
+                const CVLAN* vlan = VlanAt(wanted.m_vecItems[i]->m_wsVLANID, now);
+                CompareVlan(compare, *asked.m_vecItems[i], vlan);
+                if (vlan != nullptr) {
+                    there.m_vecItems.push_back(new CVLAN(*vlan));
+                }
+            }
+        });
+        Json added = Json::array();
+        for (const CVLAN* vlan : there.m_vecItems) {
+            added.push_back(AsJson(*vlan));
+            if (!run.WantsJson()) {
+                run.Out() << Printable("added " + Called(*vlan) + " to " + parent.name) << '\n';
+            }
+        }
         if (run.WantsJson()) {
-            run.Print(Json{{"parent", AsJson(parent)},
-                           {"problems", findings.AsJson()},
-                           {"vlans", std::move(added)},
-                           {"restartNeeded", restartNeeded}});
+            Json answer{{"parent", AsJson(parent)},
+                        {"problems", findings.AsJson()},
+                        {"vlans", std::move(added)},
+                        {"restartNeeded", restartNeeded}};
+            taken.AddTo(answer);
+            run.Print(answer);
         } else {
-            for (const std::string& line : told) {
-                run.Out() << Printable(line) << '\n';
+            if (taken.Took() != true) {
+                run.Out() << Printable(taken.Text({})) << '\n';
             }
             run.Out() << RestartText(restartNeeded) << '\n';
         }
+        taken.End("add VLANs to " + parent.name);
         return ExitStatus::Done;
     }
 };
@@ -299,23 +342,32 @@ class ModifyVlan final : public ExistingVlan {
         if (!findings.sentences.empty()) {
             return EndUnchanged(run, parent, findings);
         }
+        const std::string asked = "change " + Called(vlan) + " of " + parent.name;
         ClientSet set(session);
-        Invocation::Check(session.ModifyVLANProperty(vlan.m_wsVLANID, changed),
-                          "change " + Called(vlan) + " of " + parent.name);
+        Invocation::Check(session.ModifyVLANProperty(vlan.m_wsVLANID, changed), asked);
         const bool restartNeeded = set.Close();
         // As it is now, for the provider may have taken it differently.
-        CVLAN now;
-        Invocation::Check(session.GetVLANInfo(vlan.m_wsVLANID, now), "read " + Called(changed));
+        CVLAN now = changed;
+        const Verification taken = Verification::By([&](Verification& compare) {
+            CVLAN read;
+            Invocation::Check(session.GetVLANInfo(vlan.m_wsVLANID, read), "read " + Called(changed));
+            now = read;
+            CompareVlan(compare, changed, &now);
+        });
         if (run.WantsJson()) {
-            run.Print(Json{{"parent", AsJson(parent)},
-                           {"problems", findings.AsJson()},
-                           {"vlan", AsJson(now)},
-                           {"restartNeeded", restartNeeded}});
+            Json answer{{"parent", AsJson(parent)},
+                        {"problems", findings.AsJson()},
+                        {"vlan", AsJson(now)},
+                        {"restartNeeded", restartNeeded}};
+            taken.AddTo(answer);
+            run.Print(answer);
         } else {
-            run.Out() << Printable("changed " + Called(vlan) + " of " + parent.name + " to " + Called(now))
+            run.Out() << Printable(taken.Text("changed " + Called(vlan) + " of " + parent.name + " to " +
+                                              Called(now)))
                       << '\n'
                       << RestartText(restartNeeded) << '\n';
         }
+        taken.End(asked);
         return ExitStatus::Done;
     }
 
@@ -329,17 +381,25 @@ class RemoveVlan final : public ExistingVlan {
             return ExitStatus::Done;
         }
         CQuillet& session = run.Session();
+        const std::string asked = "remove " + Called(vlan) + " from " + parent.name;
         ClientSet set(session);
-        Invocation::Check(session.RemoveVLAN(vlan.m_wsVLANID),
-                          "remove " + Called(vlan) + " from " + parent.name);
+        Invocation::Check(session.RemoveVLAN(vlan.m_wsVLANID), asked);
         const bool restartNeeded = set.Close();
+        const Verification taken = Verification::By([&](Verification& compare) {
+            const CVLANs vlans = ReadVlans(session, parent);
+            if (const CVLAN* now = VlanAt(vlan.m_wsVLANID, vlans)) {
+                compare.Add("number", Json(), now->m_lVLANNumber, Called(*now) + " is still there");
+            }
+        });
         if (run.WantsJson()) {
-            run.Print(
-                Json{{"parent", AsJson(parent)}, {"vlan", AsJson(vlan)}, {"restartNeeded", restartNeeded}});
+            Json answer{{"parent", AsJson(parent)}, {"vlan", AsJson(vlan)}, {"restartNeeded", restartNeeded}};
+            taken.AddTo(answer);
+            run.Print(answer);
         } else {
-            run.Out() << Printable("removed " + Called(vlan) + " from " + parent.name) << '\n'
+            run.Out() << Printable(taken.Text("removed " + Called(vlan) + " from " + parent.name)) << '\n'
                       << RestartText(restartNeeded) << '\n';
         }
+        taken.End(asked);
         return ExitStatus::Done;
     }
 };

@@ -8,9 +8,25 @@ namespace quilletctl {
 
 namespace {
 
+/// A provider that refuses, or has no answer, leaves the mask as it was, and no failure is returned. A mask
+/// that is once all ones and once all zeros when it comes back was not written. Throws Refusal and NotTaken.
+ULONGLONG ReadWarnings(CQuillet& session) {
+    constexpr const char* ASKED = "read the warnings";
+    constexpr ULONGLONG ALL = ~0ULL;
+    ULONGLONG warnings = ALL;
+    Invocation::Check(session.GetWarnings(warnings), ASKED);
+    if (warnings == ALL) {
+        warnings = 0;
+        Invocation::Check(session.GetWarnings(warnings), ASKED);
+        if (warnings == 0) {
+            throw NotTaken(ASKED, "the provider does not tell them");
+        }
+    }
+    return warnings;
+}
+
 ExitStatus ShowWarnings(Invocation& run) {
-    ULONGLONG warnings = 0;
-    Invocation::Check(run.Session().GetWarnings(warnings), "read the warnings");
+    const ULONGLONG warnings = ReadWarnings(run.Session());
     const std::vector<unsigned> bits = SetBits(warnings);
     if (run.WantsJson()) {
         run.Print(Json{{"mask", HexMask(warnings)}, {"bits", bits}});

@@ -95,13 +95,21 @@ TEST_F(Linksec, SetKeys_ReadsTwoLinesAndKeepsWhatIsNotNamed) {
     EXPECT_TRUE(Has("strRXSAKey = \"CANARY-new-rx\""));
 }
 
-TEST_F(Linksec, SetKeys_EmptyLine_KeepsTheKey) {
-    const Outcome outcome = RunWith("\nCANARY-new-rx\r\n", {"set-keys", "A", "--include-sci", "off"});
-    EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_EQ(outcome.out, "keys set; a restart is needed\n");
+TEST_F(Linksec, SetKeys_ReadsOnlyTheKeysThatAreNew) {
+    const Outcome incoming =
+        RunWith("CANARY-new-rx\r\n", {"set-keys", "A", "--keys", "rx", "--include-sci", "off"});
+    EXPECT_EQ(incoming.status, 0) << incoming.err;
+    EXPECT_EQ(incoming.out, "keys set; a restart is needed\n");
     EXPECT_TRUE(Has("strTXSAKey = \"CANARY-outgoing-CANARY\""));
     EXPECT_TRUE(Has("strRXSAKey = \"CANARY-new-rx\"")) << "the carriage return belongs to the line end";
     EXPECT_TRUE(Has("bIncludeSCIOnTX = FALSE"));
+    EXPECT_EQ(RunWith("CANARY-new-tx\n", {"set-keys", "A", "--keys", "tx"}).status, 0);
+    EXPECT_TRUE(Has("strTXSAKey = \"CANARY-new-tx\""));
+    EXPECT_TRUE(Has("strRXSAKey = \"CANARY-new-rx\""));
+    EXPECT_EQ(Run({"set-keys", "A", "--keys", "none", "--rx-sci", "other"}).status, 0)
+        << "nothing is asked for";
+    EXPECT_TRUE(Has("strRXSCI = \"other\""));
+    EXPECT_TRUE(Has("strTXSAKey = \"CANARY-new-tx\""));
 }
 
 TEST_F(Linksec, SetKeys_MissingLine_IsBadUsageAndChangesNothing) {
@@ -134,7 +142,7 @@ TEST_F(Linksec, SetAuth_SendsThePasswordOnlyWhenOneIsGiven) {
                        "0",
                        "--changed-credentials",
                        "2"}),
-              (Json{{"restartNeeded", true}}));
+              (Json{{"restartNeeded", true}, {"took", true}, {"differences", Json::array()}}));
     const Json shown = RunJson({"show", "A"}).at("authentication");
     EXPECT_EQ(shown.at("outerEap"), 4);
     EXPECT_EQ(shown.at("innerEap"), 1);
@@ -169,7 +177,7 @@ TEST_F(Linksec, ImportPac_RightAndWrongPasswords) {
     EXPECT_EQ(right.status, 0) << right.err;
     EXPECT_EQ(right.out, "PAC file imported; no restart is needed\n");
     EXPECT_EQ(RunJson({"pac-show", "A", "new.pac"}).at("file"), "new.pac");
-    EXPECT_EQ(RunWith("\n", {"import-pac", "A", "none.pac"}).status, 1);
+    EXPECT_EQ(RunWith("CANARY\n", {"import-pac", "A", "none.pac"}).status, 1);
 }
 
 TEST_F(Linksec, Pac_IsShownAndDeleted) {
@@ -203,8 +211,9 @@ TEST_F(Linksec, Pmk_TellsWhetherThereIsOneAndSetsIt) {
     EXPECT_EQ(Run({"pmk", "A", "--random-mac", "on"}).status, 0);
     EXPECT_TRUE(Has("strManualPMKey = \"CANARY-new-master\""));
     EXPECT_EQ(RunJson({"pmk", "A"}).at("randomMac"), true);
-    EXPECT_EQ(RunWith("\n", {"pmk", "A"}).status, 0);
-    EXPECT_TRUE(RunJson({"pmk", "A"}).at("key").is_null()) << "an empty key is a key that is not there";
+    EXPECT_EQ(Run({"pmk", "A", "--remove"}).status, 0);
+    EXPECT_TRUE(RunJson({"pmk", "A"}).at("key").is_null());
+    EXPECT_EQ(Run({"pmk", "A", "--remove", "--set"}).status, 2);
 }
 
 TEST_F(Linksec, Stats_AreShownLineByLine) {
@@ -245,6 +254,58 @@ TEST_F(Linksec, Secrets_OnlyTheirLinesAreTakenFromTheDescriptor) {
     Descriptor descriptor("CANARY-key\nfor somebody else\n");
     EXPECT_EQ(Run({"pmk", "A", "--secret-fd", descriptor.Number()}).status, 0);
     EXPECT_EQ(descriptor.Rest(), "for somebody else\n");
+}
+
+TEST_F(Linksec, Secrets_ThatAreEmptyAreAMistakeBeforeAnythingIsSent) {
+    const std::vector<std::string> verbs[] = {{"set-keys", "A"},
+                                              {"set-keys", "A", "--keys", "rx"},
+                                              {"set-auth", "A"},
+                                              {"import-pac", "A", "new.pac"},
+                                              {"pmk", "A"}};
+    for (const std::vector<std::string>& verb : verbs) {
+        for (const char* line : {"\n", "\r\n", "\nCANARY\n"}) {
+            std::vector<std::string> words = verb;
+            words.emplace_back("--journal");
+            const Outcome outcome = RunWith(line, words);
+            EXPECT_EQ(outcome.status, 2) << verb.front();
+            EXPECT_NE(outcome.err.find(" is empty\n"), std::string::npos) << outcome.err;
+            EXPECT_EQ(outcome.out.find("BeginApply"), std::string::npos) << outcome.out;
+        }
+    }
+    EXPECT_TRUE(Has("strTXSAKey = \"CANARY-outgoing-CANARY\""));
+    EXPECT_TRUE(Has("strManualPMKey = \"CANARY-master-CANARY\""));
+}
+
+TEST_F(Linksec, Secrets_ThatAreNoTextAreAMistakeBeforeAnythingIsSent) {
+    const char* const lines[] = {
+        "CANARY\xC0\xAF",         // a slash, too long
+        "CANARY\xE0\x80\xAF",     // the same, longer
+        "CANARY\xF0\x80\x80\xAF", // and longer
+        "CANARY\xED\xA0\x80",     // a surrogate
+        "CANARY\xF4\x90\x80\x80", // beyond Unicode
+        "CANARY\xF5\x80\x80\x80", // no such first byte
+        "CANARY\xE6\x9D",         // broken off
+        "CANARY\x80",             // no first byte
+        "\xFF\xFE"
+        "C", // the mark of another encoding
+    };
+    for (const char* line : lines) {
+        const Outcome outcome = RunWith(line, {"pmk", "A", "--journal"});
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.err, "quilletctl: a secret must be valid UTF-8\n");
+        EXPECT_EQ(outcome.out.find("BeginApply"), std::string::npos) << outcome.out;
+    }
+    EXPECT_TRUE(Has("strManualPMKey = \"CANARY-master-CANARY\""));
+    // The character that stands for broken ones is one itself, and so is the last of all.
+    EXPECT_EQ(RunWith("CANARY\xEF\xBF\xBD\xF4\x8F\xBF\xBF\n", {"pmk", "A"}).status, 0);
+}
+
+TEST_F(Linksec, ImportPac_OfAFileWithoutPassword_AsksForNone) {
+    const Outcome outcome = Run({"import-pac", "A", "/pac/old.pac", "--no-password", "--journal"});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_NE(outcome.out.find("ImportManualPAC(PACPath=\"/pac/old.pac\", "), std::string::npos)
+        << outcome.out;
+    EXPECT_EQ(RunWith("CANARY\n", {"import-pac", "A", "old.pac", "--no-password"}).status, 2);
 }
 
 TEST_F(Linksec, Secrets_HaveAnEnd) {

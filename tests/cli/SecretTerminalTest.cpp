@@ -1,17 +1,25 @@
 // The prompt for a secret on a terminal of its own.
+#include "LinksecMachine.h"
+#include "RunCommandLine.h"
+
+#include <Failure.h>
 #include <SecretTerminal.h>
 
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
 #include <poll.h>
+#include <pty.h>
 #include <stdlib.h>
+#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -93,6 +101,78 @@ TEST_F(Person, EndsTheInput) {
     asking.join();
     EXPECT_FALSE(isRead);
     EXPECT_TRUE(Echoes());
+}
+
+TEST_F(Person, TypesBytesThatAreNoText) {
+    std::wstring secret = L"before";
+    std::string message;
+    std::thread asking([&] {
+        try {
+            quilletctl::AskOnTerminal(Terminal(), "Password: ", secret);
+        } catch (const quilletctl::UsageError& mistake) {
+            message = mistake.what();
+        }
+    });
+    See("Password: ");
+    Type("CANARY\xC0\xAF\n");
+    asking.join();
+    EXPECT_EQ(message, "a secret must be valid UTF-8");
+    EXPECT_EQ(secret, L"before");
+    EXPECT_TRUE(Echoes());
+}
+
+/// What quilletctl writes on a terminal of its own where a person types this at its prompt, and its status.
+std::pair<int, std::string> AtItsPrompt(const std::vector<std::string>& arguments, const std::string& typed) {
+    int person = -1;
+    const pid_t child = forkpty(&person, nullptr, nullptr, nullptr);
+    if (child == 0) {
+        std::vector<char*> words{const_cast<char*>(QUILLETCTL_PROGRAM)};
+        for (const std::string& argument : arguments) {
+            words.push_back(const_cast<char*>(argument.c_str()));
+        }
+        words.push_back(nullptr);
+        execv(QUILLETCTL_PROGRAM, words.data());
+        _exit(127);
+    }
+    std::string seen;
+    bool isTyped = false;
+    char buffer[256];
+    for (ssize_t count = 0; (count = read(person, buffer, sizeof buffer)) > 0;) {
+        seen.append(buffer, static_cast<std::size_t>(count));
+        if (!isTyped && seen.find(": ") != std::string::npos) {
+            isTyped = true;
+            EXPECT_EQ(write(person, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
+        }
+    }
+    close(person);
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, seen};
+}
+
+class Prompt : public CommandLine {
+  protected:
+    Prompt() : m_machine(MachineFile(LINKSEC_MACHINE)) {}
+    std::pair<int, std::string> Run(std::vector<std::string> arguments, const std::string& typed) const {
+        arguments.insert(arguments.begin(), {"--simulate", m_machine, "linksec"});
+        return AtItsPrompt(arguments, typed);
+    }
+
+  private:
+    std::string m_machine;
+};
+
+TEST_F(Prompt, NothingTypedIsNoSecret) {
+    const auto [status, seen] = Run({"pmk", "A", "--set"}, "\n");
+    EXPECT_EQ(status, 2);
+    EXPECT_NE(seen.find("nothing was typed for \"Pairwise master key\""), std::string::npos) << seen;
+}
+
+TEST_F(Prompt, NothingTypedKeepsAKeyThatMayStay) {
+    const auto [status, seen] = Run({"set-keys", "A", "--keys", "rx", "--reload"}, "\n");
+    EXPECT_EQ(status, 0) << seen;
+    EXPECT_NE(seen.find("Key for incoming frames (empty: as it is): "), std::string::npos) << seen;
+    EXPECT_NE(seen.find("keys set; no restart is needed"), std::string::npos) << seen;
 }
 
 TEST(NoPerson, APipeIsNoTerminal) {

@@ -53,6 +53,7 @@ LINES = [
     (["team", "switch-test", "Front"],), (["team", "delete", "Front", "--yes"],),
     (["linksec", "show", SECURE],), (["linksec", "pac-show", SECURE, "old.pac"],), (["linksec", "pmk", SECURE],),
     (["linksec", "stats", SECURE],), (["linksec", "set-keys", SECURE],), (["linksec", "set-auth", SECURE],),
+    (["linksec", "set-auth", SECURE, "--outer", "1", "--user", "nobody"], 1),
     (["linksec", "pmk", SECURE],), (["linksec", "import-pac", SECURE, "new.pac"],),
     (["linksec", "pac-delete", SECURE, "old.pac", "--yes"],),
     (["diag", "list", FREE],), (["diag", "run", FREE, "1", "--interval", "10"],), (["diag", "stop", FREE, "1"],),

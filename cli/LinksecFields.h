@@ -1,0 +1,26 @@
+// What the commands about link security share: reading the records of an adapter, and what these hold by
+// name. Secrets are masked.
+#pragma once
+
+#include "AdapterLookup.h"
+#include "Command.h"
+#include "Field.h"
+
+namespace quilletctl {
+
+// Throw Refusal.
+CAdapterManualAuthInfo ReadKeys(CQuillet& session, const ListedAdapter& adapter);
+CAdapterAuthTypeInfo ReadAuthentication(CQuillet& session, const ListedAdapter& adapter);
+CAdapterLinksecSavedCredInfo ReadSaved(CQuillet& session, const ListedAdapter& adapter);
+/// With the flag that the library yields beside the record.
+CAdapterManualPMKInfo ReadMasterKey(CQuillet& session, const ListedAdapter& adapter);
+
+std::vector<Field> FieldsOf(const CAdapterManualAuthInfo& keys);
+std::vector<Field> FieldsOf(const CAdapterAuthTypeInfo& authentication);
+std::vector<Field> FieldsOf(const CAdapterLinksecSavedCredInfo& saved);
+std::vector<Field> FieldsOf(const CAdapterManualPMKInfo& key);
+
+/// "--reload".
+void DeclareReload(Syntax& syntax, bool& reload);
+
+} // namespace quilletctl
