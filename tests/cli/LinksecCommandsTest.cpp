@@ -286,8 +286,7 @@ TEST_F(Linksec, Secrets_ThatAreNoTextAreAMistakeBeforeAnythingIsSent) {
         "CANARY\xF5\x80\x80\x80", // no such first byte
         "CANARY\xE6\x9D",         // broken off
         "CANARY\x80",             // no first byte
-        "\xFF\xFE"
-        "C", // the mark of another encoding
+        "\xFF\xFE",               // the mark of another encoding
     };
     for (const char* line : lines) {
         const Outcome outcome = RunWith(line, {"pmk", "A", "--journal"});
