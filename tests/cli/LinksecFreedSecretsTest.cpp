@@ -57,6 +57,9 @@ INSTANTIATE_TEST_SUITE_P(
         Line{"Pmk", {"pmk", "A"}, "", 0},
         Line{"PmkSet", {"pmk", "A"}, "CANARY of a new master key CANARY\n", 0},
         Line{"PmkFlag", {"pmk", "A", "--random-mac", "on"}, "", 0},
+        Line{"PmkRemove", {"pmk", "A", "--remove"}, "", 0},
+        Line{"NotTaken", {"set-auth", "A", "--outer", "1"}, "CANARY of a password not sent CANARY\n", 1},
+        Line{"NoText", {"pmk", "A"}, "CANARY of no text\xC0 CANARY\n", 2},
         Line{"TooLong", {"pmk", "A"}, "CANARY" + std::string(5000, 'x') + "\n", 2}),
     [](const testing::TestParamInfo<Line>& line) { return std::string(line.param.name); });
 
