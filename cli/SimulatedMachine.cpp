@@ -21,8 +21,7 @@ std::shared_ptr<quillet::simulator::Machine> FromFile(const std::string& file, s
     CheckReadable(file);
     try {
         auto machine = quillet::simulator::Machine::FromFile(FilePath(file));
-        const std::vector<std::uint8_t> bytes = ReadWholeFile(file);
-        const auto head = LeadingComments({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, file);
+        const auto head = LeadingComments(FilePath(file));
         if (!head) {
             throw UsageError(file + ": the file is empty, and describes no machine");
         }

@@ -49,6 +49,14 @@ std::optional<std::string> ReadFile(const std::filesystem::path& file) {
     return stream.bad() ? std::nullopt : std::optional(std::move(text));
 }
 
+std::shared_ptr<const MofSource> Source(const std::filesystem::path& file) {
+    const std::optional<std::string> text = ReadFile(file);
+    if (!text) {
+        throw MofError(TextOf(file), 1, 1, "the file cannot be read");
+    }
+    return std::make_shared<const MofSource>(TextOf(file), *text);
+}
+
 /// A place in a text that outlives the reading of the text.
 struct Place {
     std::shared_ptr<const MofSource> source;
@@ -907,15 +915,19 @@ void CompileMof(Repository& repository, std::string_view text, const std::string
 }
 
 void CompileMofFile(Repository& repository, const std::filesystem::path& file, InstanceCheck check) {
-    const std::optional<std::string> text = ReadFile(file);
-    if (!text) {
-        throw MofError(TextOf(file), 1, 1, "the file cannot be read");
-    }
+    const std::shared_ptr<const MofSource> source = Source(file);
     Unit unit(repository, std::move(check));
     std::error_code error;
     unit.openFiles.push_back(std::filesystem::weakly_canonical(file, error));
-    FileCompiler(unit, std::make_shared<const MofSource>(TextOf(file), *text), file.parent_path()).Run();
+    FileCompiler(unit, source, file.parent_path()).Run();
     unit.Finish();
+}
+
+std::optional<std::string> LeadingComments(const std::filesystem::path& file) {
+    const std::shared_ptr<const MofSource> source = Source(file);
+    const MofToken first = MofLexer(*source).Next();
+    const bool hasNone = first.kind == MofToken::Kind::End;
+    return hasNone ? std::nullopt : std::optional(std::string(source->Text().substr(0, first.offset)));
 }
 
 } // namespace quillet::simulator

@@ -285,12 +285,4 @@ char32_t MofLexer::LiteralCharacter(std::size_t literalStart) {
     return code;
 }
 
-std::optional<std::string> LeadingComments(std::string_view text, const std::string& fileName) {
-    const MofSource source(fileName, text);
-    const MofToken first = MofLexer(source).Next();
-    return first.kind == MofToken::Kind::End
-               ? std::nullopt
-               : std::optional(std::string(source.Text().substr(0, first.offset)));
-}
-
 } // namespace quillet::simulator

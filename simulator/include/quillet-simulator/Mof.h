@@ -38,9 +38,9 @@ void CompileMof(Repository& repository, std::string_view text, const std::string
 /// The same for a file; `#pragma include` is resolved beside it.
 void CompileMofFile(Repository& repository, const std::filesystem::path& file, InstanceCheck check = {});
 
-/// What stands before the first word of a MOF text: comments, and the blanks around them. Nothing for a text
+/// What stands before the first word of a MOF file: comments, and the blanks around them. Nothing for a file
 /// without a word. Throws MofError.
-std::optional<std::string> LeadingComments(std::string_view text, const std::string& fileName);
+std::optional<std::string> LeadingComments(const std::filesystem::path& file);
 
 /// Writes the instances of a repository as MOF that compiles into the same instances (UTF-8).
 std::string WriteInstancesAsMof(const Repository& repository);
