@@ -34,7 +34,7 @@ Named NamesOf(const ListedAdapter& adapter);
 
 /// Finds adapters by their names: object path (also of the boot agent), object ID, device ID, name, or
 /// display name where only one adapter has it. Where that names none: slot and port ("Slot 2:1", "2:1"), MAC
-/// address, and the caption by which a team shows its member; these are read then, and once for all that are
+/// address, and the caption of a member of a team; these are read then, and once for all that are
 /// looked for.
 class AdapterFinder {
   public:
@@ -66,9 +66,10 @@ class AdapterFinder {
 
 /// AdapterFinder::One().
 ListedAdapter FindAdapter(CQuillet& session, const std::string& text);
-/// AdapterFinder::Several() of each text; an adapter that is named again counts once.
-/// @param offered among which adapters a pattern chooses; all of them where none is
+/// Which adapters a pattern may choose.
 using AdapterChoice = std::function<bool(const ListedAdapter& adapter)>;
+/// AdapterFinder::Several() of each text; an adapter that is named again counts once.
+/// @param offered what a pattern chooses among; all adapters where it would find none there
 std::vector<ListedAdapter> FindAdapters(CQuillet& session, const std::vector<std::string>& texts,
                                         const AdapterChoice& offered = {});
 
