@@ -195,7 +195,7 @@ void CompareMembers(Verification& taken, const CTeamedAdapters& members, const C
     for (const CTeamedAdapter* member : members.m_vecItems) {
         if (!isAmong(member->m_wsAdapterID, wanted)) {
             taken.Add("members", Json(), ToUtf8(member->m_wsAdapterID),
-                      MemberName(*member) + " is still a member");
+                      ToUtf8(member->m_wsDisplayName) + " is still a member");
         }
     }
 }
