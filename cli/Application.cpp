@@ -1,6 +1,7 @@
 // From a command line to its outcome.
 #include "Application.h"
 
+#include "ClientSet.h"
 #include "Commands.h"
 #include "ResultCodes.h"
 #include "Text.h"
@@ -26,6 +27,10 @@ struct Ending {
     std::optional<HRESULT> code{}; ///< the provider's, where it refused
 };
 
+Ending As(const Refusal& refusal) {
+    return {ExitStatus::Refused, refusal.what(), refusal.Code()};
+}
+
 void PrintError(const Terminal& terminal, const std::string& message) {
     // The two streams may end on one screen; the error belongs below what came before it.
     terminal.out.flush();
@@ -42,8 +47,10 @@ Ending Guarded(const Terminal& terminal, const std::function<ExitStatus()>& step
         return {};
     } catch (const UsageError& mistake) {
         return {ExitStatus::BadUsage, mistake.what()};
+    } catch (const Interruption& interruption) {
+        return {ExitStatus::Interrupted, interruption.what()};
     } catch (const Refusal& refusal) {
-        return {ExitStatus::Refused, refusal.what(), refusal.Code()};
+        return As(refusal);
     } catch (const _com_error& failure) {
         return {ExitStatus::Refused, Refusal("finish the command", failure.Error()).what(), failure.Error()};
     } catch (const std::bad_alloc&) {
@@ -54,7 +61,7 @@ Ending Guarded(const Terminal& terminal, const std::function<ExitStatus()>& step
 }
 
 /// The failure as the answer of a command that has no other.
-Json AsJson(const Ending& failure) {
+Json AsJson(const Ending& failure, std::optional<bool> restartNeeded) {
     Json code;
     Json name;
     if (failure.code) {
@@ -66,13 +73,23 @@ Json AsJson(const Ending& failure) {
     return Json{{"error", Json{{"status", static_cast<int>(failure.status)},
                                {"message", failure.message},
                                {"code", std::move(code)},
-                               {"name", std::move(name)}}}};
+                               {"name", std::move(name)},
+                               {"restartNeeded", RestartJson(restartNeeded)}}}};
 }
 
 /// Whether a line asks for JSON, also one that cannot be read otherwise.
 bool AsksForJson(const std::vector<std::string>& arguments) {
     const auto end = std::find(arguments.begin(), arguments.end(), "--");
     return std::find(arguments.begin(), end, "--json") != end;
+}
+
+/// What there is to say of a request to end, where the command did not say it itself.
+const char* InterruptionText(const Invocation& run, ExitStatus status) {
+    if (status == ExitStatus::Refused) {
+        return "interrupted";
+    }
+    return run.HasStopped() ? "interrupted before everything was done"
+                            : "interrupted, but everything was done";
 }
 
 void ChooseColours(Terminal& terminal, const GlobalOptions& options) {
@@ -88,13 +105,14 @@ ExitStatus Run(const std::vector<std::string>& arguments, Terminal& terminal) {
     AddAllCommands(tree);
     Command* command = nullptr;
     bool hasAnswered = !AsksForJson(arguments);
+    std::optional<bool> restartNeeded;
     const auto tell = [&](const Ending& ending) {
         if (ending.message.empty()) {
             return;
         }
         // One document for whoever parses the output, whatever happens.
         if (!hasAnswered) {
-            PrintJson(AsJson(ending), terminal.out);
+            PrintJson(AsJson(ending, restartNeeded), terminal.out);
             hasAnswered = true;
         }
         PrintError(terminal, ending.message);
@@ -109,13 +127,29 @@ ExitStatus Run(const std::vector<std::string>& arguments, Terminal& terminal) {
         Invocation run(tree.Options(), terminal, !command->OnlyReads());
         ending = Guarded(terminal, [&] { return command->Run(run); });
         hasAnswered = hasAnswered || run.HasAnswered();
+        restartNeeded = run.RestartNeeded();
+        if (restartNeeded.value_or(false) && !run.WantsJson()) {
+            terminal.out << RestartText(restartNeeded) << '\n';
+        }
         tell(ending);
+        for (const Refusal& refusal : run.RefusalsAfterAnswer()) {
+            tell(As(refusal));
+            const bool isAnswered =
+                ending.status == ExitStatus::Done || ending.status == ExitStatus::Findings;
+            ending.status = isAnswered ? ExitStatus::Refused : ending.status;
+        }
         const Ending after = Guarded(terminal, [&] {
             run.Finish();
             return ExitStatus::Done;
         });
         tell(after);
         ending = ending.status == ExitStatus::Done ? after : ending;
+        if (run.IsInterrupted() && ending.status != ExitStatus::Interrupted) {
+            ending = {ExitStatus::Interrupted, InterruptionText(run, ending.status)};
+            tell(ending);
+        }
+        // What was done is told while nothing can end the process yet.
+        terminal.out.flush();
     }
     terminal.out.flush();
     if (!terminal.out && ending.status == ExitStatus::Done) {

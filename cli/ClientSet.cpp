@@ -1,6 +1,7 @@
 // Opening and closing a client set.
 #include "ClientSet.h"
 
+#include "ResultCodes.h"
 #include "Text.h"
 
 #include <comutil.h>
@@ -9,32 +10,74 @@
 
 namespace quilletctl {
 
-ClientSet::ClientSet(CQuillet& session) : m_session(session) {
+ClientSet::ClientSet(Invocation& run) : m_run(run) {
+    CQuillet& session = run.Session();
+    run.HoldInterrupts();
     Invocation::Check(session.BeginApply(), "open a client set");
+    if (!run.MayGoOn()) {
+        run.NoteRestart(Close());
+        throw Interruption();
+    }
 }
 
 ClientSet::~ClientSet() {
     if (m_isOpen) {
         try {
-            bool ignored = false;
-            m_session.ApplyDone(ignored);
+            m_run.NoteRestart(Close());
         } catch (const _com_error&) {
             // Out of memory on the way out of another failure, which is the one to tell.
         }
     }
 }
 
-bool ClientSet::Close() {
+std::optional<bool> ClientSet::Close() {
     m_isOpen = false;
     bool restartNeeded = false;
-    Invocation::Check(m_session.ApplyDone(restartNeeded), "close the client set");
+    const HRESULT result = m_run.Session().ApplyDone(restartNeeded);
+    if (FAILED(result)) {
+        m_run.FailAfterAnswer({"close the client set", result});
+        return std::nullopt;
+    }
     return restartNeeded;
 }
 
-ExitStatus AnswerChange(Invocation& run, const std::string& asked, const char* done, bool restartNeeded,
-                        const Verification& verification) {
+Json ChangesInTurn::CodeOf(std::size_t change) const {
+    return refusal && change == done ? Json(DescribeResult(refusal->Code())) : Json();
+}
+
+void ChangesInTurn::Settle(Invocation& run) const {
+    if (!refusal) {
+        return;
+    }
+    if (count == 1 && done == 0) {
+        run.NoteRestart(restartNeeded);
+        throw Refusal(*refusal);
+    }
+    run.FailAfterAnswer(*refusal);
+}
+
+ChangesInTurn ChangeInTurn(Invocation& run, std::size_t count,
+                           const std::function<void(std::size_t)>& change) {
+    ChangesInTurn outcome{count};
+    ClientSet set(run);
+    try {
+        while (outcome.done < count && run.MayGoOn()) {
+            change(outcome.done);
+            ++outcome.done;
+        }
+    } catch (const Refusal& refusal) {
+        outcome.refusal = refusal;
+    } catch (const _com_error& failure) {
+        outcome.refusal.emplace("finish the command", failure.Error());
+    }
+    outcome.restartNeeded = set.Close();
+    return outcome;
+}
+
+ExitStatus AnswerChange(Invocation& run, const std::string& asked, const char* done,
+                        std::optional<bool> restartNeeded, const Verification& verification) {
     if (run.WantsJson()) {
-        Json answer{{"restartNeeded", restartNeeded}};
+        Json answer{{"restartNeeded", RestartJson(restartNeeded)}};
         verification.AddTo(answer);
         run.Print(answer);
     } else {
@@ -44,8 +87,14 @@ ExitStatus AnswerChange(Invocation& run, const std::string& asked, const char* d
     return ExitStatus::Done;
 }
 
-const char* RestartText(bool isNeeded) {
-    return isNeeded ? "a restart is needed" : "no restart is needed";
+Json RestartJson(std::optional<bool> isNeeded) {
+    return isNeeded ? Json(*isNeeded) : Json();
+}
+
+const char* RestartText(std::optional<bool> isNeeded) {
+    return !isNeeded   ? "whether a restart is needed is not known"
+           : *isNeeded ? "a restart is needed"
+                       : "no restart is needed";
 }
 
 } // namespace quilletctl

@@ -108,7 +108,8 @@ std::string HelpOfEverything(const TreeDescription& tree) {
         text += Section(group, lines);
     }
     return text + Section("Options, anywhere on the line", OptionLines(tree.options)) +
-           "\nExit status: 0 done, 1 the provider refused, 2 bad usage, 3 a check found problems.\n"
+           "\nExit status: 0 done, 1 the provider refused, 2 bad usage, 3 a check found problems,\n"
+           "130 interrupted.\n"
            "quilletctl help NOUN lists the verbs of a noun.\n";
 }
 

@@ -10,9 +10,10 @@ namespace quilletctl {
 
 enum class ExitStatus : int {
     Done = 0,
-    Refused = 1,  ///< the provider refused, or could not be reached, or a change did not take
-    BadUsage = 2, ///< the command line, or a file that it names, cannot be used
-    Findings = 3  ///< a check ran and found problems
+    Refused = 1,      ///< the provider refused, or could not be reached, or a change did not take
+    BadUsage = 2,     ///< the command line, or a file that it names, cannot be used
+    Findings = 3,     ///< a check ran and found problems
+    Interrupted = 130 ///< as shells have it
 };
 
 /// The provider (or COM on the way to it) refused: what was asked for, and the code.
@@ -36,6 +37,12 @@ class NotTaken : public std::runtime_error {
 class UsageError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
+};
+
+/// Somebody asked the program to end before anything was changed.
+class Interruption : public std::runtime_error {
+  public:
+    Interruption() : std::runtime_error("interrupted; nothing was changed") {}
 };
 
 } // namespace quilletctl

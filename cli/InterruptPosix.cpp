@@ -1,43 +1,85 @@
-// Ctrl-C on a POSIX host: signals.
+// Requests to end on a POSIX host: signals.
 #include "Interrupt.h"
 
+#include "Failure.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
 #include <csignal>
+#include <cstddef>
+#include <cstring>
 
 namespace quilletctl {
 
 namespace {
 
-volatile std::sig_atomic_t requested = 0;
+constexpr std::array SIGNALS{SIGINT, SIGTERM, SIGHUP};
 
+std::atomic<bool> held{false};
+std::atomic<bool> requested{false};
+std::atomic<const char*> noticeWhileHeld{nullptr};
+
+void Tell(const char* text) {
+    // A reader that takes nothing must not keep the process.
+    pollfd reader{STDERR_FILENO, POLLOUT, 0};
+    if (poll(&reader, 1, 0) == 1) {
+        static_cast<void>(!write(STDERR_FILENO, text, std::strlen(text)));
+    }
+}
+
+/// Calls nothing but what a handler of a signal may.
 void Remember(int) {
-    requested = 1;
+    const int error = errno;
+    if (!held) {
+        Tell(NOTHING_CHANGED);
+        _exit(static_cast<int>(ExitStatus::Interrupted));
+    }
+    requested = true;
+    if (const char* notice = noticeWhileHeld) {
+        Tell(notice);
+    }
+    errno = error;
 }
 
 } // namespace
 
 struct Interrupt::Before {
-    struct sigaction interrupt;
-    struct sigaction terminate;
+    std::array<struct sigaction, SIGNALS.size()> actions;
 };
 
 Interrupt::Interrupt() : m_before(std::make_unique<Before>()) {
-    requested = 0;
+    held = false;
+    requested = false;
     struct sigaction action = {};
     action.sa_handler = Remember;
     sigemptyset(&action.sa_mask);
     // Reads and writes go on where they were.
     action.sa_flags = SA_RESTART;
-    sigaction(SIGINT, &action, &m_before->interrupt);
-    sigaction(SIGTERM, &action, &m_before->terminate);
+    for (std::size_t i = 0; i < SIGNALS.size(); ++i) {
+        sigaction(SIGNALS[i], &action, &m_before->actions[i]);
+        if (SIGNALS[i] == SIGHUP && m_before->actions[i].sa_handler == SIG_IGN) {
+            sigaction(SIGHUP, &m_before->actions[i], nullptr); // started to outlive its terminal
+        }
+    }
 }
 
 Interrupt::~Interrupt() {
-    sigaction(SIGINT, &m_before->interrupt, nullptr);
-    sigaction(SIGTERM, &m_before->terminate, nullptr);
+    for (std::size_t i = 0; i < SIGNALS.size(); ++i) {
+        sigaction(SIGNALS[i], &m_before->actions[i], nullptr);
+    }
+}
+
+void Interrupt::Hold(const char* notice) noexcept {
+    noticeWhileHeld = notice;
+    held = true;
 }
 
 bool Interrupt::Requested() const noexcept {
-    return requested != 0;
+    return requested;
 }
 
 } // namespace quilletctl

@@ -63,7 +63,20 @@ bool Invocation::ConfirmChange(const std::string& question) {
     return agreed;
 }
 
+void Invocation::HoldInterrupts() noexcept {
+    m_interrupt.Hold(m_terminal.errIsTerminal
+                         ? "\nquilletctl: interrupted; what is begun is brought to an end\n"
+                         : nullptr);
+}
+
+bool Invocation::MayGoOn() noexcept {
+    m_hasStopped = m_hasStopped || IsInterrupted();
+    return !m_hasStopped;
+}
+
 void Invocation::Finish() {
+    // Neither a session nor a file is left half-way.
+    HoldInterrupts();
     Disconnect();
     // The journal first: it is most wanted when things went wrong.
     if (m_options.journal) {

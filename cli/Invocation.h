@@ -3,6 +3,7 @@
 
 #include "Connection.h"
 #include "Failure.h"
+#include "Interrupt.h"
 #include "Options.h"
 #include "SimulatedMachine.h"
 #include "Terminal.h"
@@ -12,6 +13,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace quilletctl {
 
@@ -46,6 +48,24 @@ class Invocation {
     /// The same before something is deleted; a person who does not agree is told that nothing was changed.
     bool ConfirmChange(const std::string& question);
 
+    /// From here on a request to end is remembered: what is begun is brought to an end. Before, it ends the
+    /// process at once.
+    void HoldInterrupts() noexcept;
+    /// Whether to begin the next of several steps. No longer after a request to end; the command then answers
+    /// with what was done and what not.
+    bool MayGoOn() noexcept;
+    bool IsInterrupted() const noexcept { return m_interrupt.Requested(); }
+    /// Whether that kept the command from a step.
+    bool HasStopped() const noexcept { return m_hasStopped; }
+
+    /// Keeps a failure that must not keep the command from its answer: it is told after it.
+    void FailAfterAnswer(Refusal refusal) { m_refusals.push_back(std::move(refusal)); }
+    const std::vector<Refusal>& RefusalsAfterAnswer() const noexcept { return m_refusals; }
+    /// Notes what closing a client set said on the way out of a failure.
+    void NoteRestart(std::optional<bool> isNeeded) noexcept { m_restartNeeded = isNeeded; }
+    /// Nothing where no client set was closed so.
+    std::optional<bool> RestartNeeded() const noexcept { return m_restartNeeded; }
+
     /// After the command: disconnects, saves the simulated machine if asked to, and prints the journal if
     /// asked to. Throws UsageError when the state file cannot be written.
     void Finish();
@@ -59,6 +79,10 @@ class Invocation {
     std::optional<SimulatedMachine> m_machine;
     std::optional<Connection> m_connection;
     bool m_hasAnswered = false;
+    Interrupt m_interrupt;
+    bool m_hasStopped = false;
+    std::vector<Refusal> m_refusals;
+    std::optional<bool> m_restartNeeded;
 };
 
 } // namespace quilletctl

@@ -6,35 +6,75 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <system_error>
 
 namespace quilletctl {
 
 namespace {
 
-/// A terminal that echoes nothing while this lives. A signal that would end or stop the process meanwhile
-/// waits, for it would leave the terminal like that.
+constexpr std::array ENDING{SIGINT, SIGTERM, SIGHUP};
+
+// What a handler needs, for there is one terminal and one prompt at a time.
+int silentTerminal = -1;
+termios modeBefore{};
+std::array<struct sigaction, ENDING.size()> actionsBefore{};
+
+void Restore() {
+    tcsetattr(silentTerminal, TCSAFLUSH, &modeBefore);
+    for (std::size_t i = 0; i < ENDING.size(); ++i) {
+        sigaction(ENDING[i], &actionsBefore[i], nullptr);
+    }
+}
+
+/// Gives the terminal back, and lets the signal do what it did before. Calls nothing but what a handler may.
+void EndPrompt(int signal) {
+    Restore();
+    static_cast<void>(!write(silentTerminal, "\n", 1));
+    raise(signal);
+}
+
+/// A terminal that echoes nothing while this lives. What ends the process meanwhile gives it back first; what
+/// would stop it, or have it written down, waits.
 class Silence {
   public:
-    explicit Silence(int terminal) : m_terminal(terminal) {
-        sigset_t signals;
-        sigemptyset(&signals);
-        for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP}) {
-            sigaddset(&signals, signal);
+    explicit Silence(int terminal) {
+        sigset_t later;
+        sigemptyset(&later);
+        sigaddset(&later, SIGQUIT);
+        sigaddset(&later, SIGTSTP);
+        pthread_sigmask(SIG_BLOCK, &later, &m_signals);
+        if (tcgetattr(terminal, &modeBefore) != 0) {
+            return;
         }
-        pthread_sigmask(SIG_BLOCK, &signals, &m_signals);
-        m_isSilent = tcgetattr(terminal, &m_mode) == 0;
-        if (m_isSilent) {
-            termios silent = m_mode;
-            silent.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHOE | ECHOK | ECHONL);
-            m_isSilent = tcsetattr(terminal, TCSAFLUSH, &silent) == 0;
+        silentTerminal = terminal;
+        struct sigaction action = {};
+        action.sa_handler = EndPrompt;
+        sigemptyset(&action.sa_mask);
+        for (const int signal : ENDING) {
+            sigaddset(&action.sa_mask, signal);
+        }
+        for (std::size_t i = 0; i < ENDING.size(); ++i) {
+            sigaction(ENDING[i], nullptr, &actionsBefore[i]);
+        }
+        for (std::size_t i = 0; i < ENDING.size(); ++i) {
+            if (actionsBefore[i].sa_handler != SIG_IGN) {
+                sigaction(ENDING[i], &action, nullptr);
+            }
+        }
+        termios silent = modeBefore;
+        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHOE | ECHOK | ECHONL);
+        m_isSilent = tcsetattr(terminal, TCSAFLUSH, &silent) == 0;
+        if (!m_isSilent) {
+            Restore();
         }
     }
     ~Silence() {
         if (m_isSilent) {
-            tcsetattr(m_terminal, TCSAFLUSH, &m_mode);
+            Restore();
         }
         pthread_sigmask(SIG_SETMASK, &m_signals, nullptr);
     }
@@ -43,8 +83,6 @@ class Silence {
     bool IsSilent() const noexcept { return m_isSilent; }
 
   private:
-    int m_terminal;
-    termios m_mode{};
     sigset_t m_signals{};
     bool m_isSilent = false;
 };

@@ -34,29 +34,42 @@ class Handle {
     HANDLE m_handle;
 };
 
-/// A console that echoes nothing while this lives.
+// What the handler needs, for there is one console and one prompt at a time.
+HANDLE silentConsole = nullptr;
+DWORD modeBefore = 0;
+
+/// Gives the console back, and leaves the rest to the handler that was there before.
+BOOL WINAPI EndPrompt(DWORD) {
+    SetConsoleMode(silentConsole, modeBefore);
+    return FALSE;
+}
+
+/// A console that echoes nothing while this lives. What ends the process meanwhile gives it back first.
 class Silence {
   public:
-    explicit Silence(HANDLE console) : m_console(console) {
-        // Ctrl+C ends the line instead of the process, which would leave the console like that.
-        SetConsoleCtrlHandler(nullptr, TRUE);
-        m_isSilent = GetConsoleMode(console, &m_mode) &&
-                     SetConsoleMode(console, (m_mode & ~static_cast<DWORD>(ENABLE_ECHO_INPUT)) |
+    explicit Silence(HANDLE console) {
+        if (!GetConsoleMode(console, &modeBefore)) {
+            return;
+        }
+        silentConsole = console;
+        SetConsoleCtrlHandler(EndPrompt, TRUE);
+        m_isSilent = SetConsoleMode(console, (modeBefore & ~static_cast<DWORD>(ENABLE_ECHO_INPUT)) |
                                                  ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT);
+        if (!m_isSilent) {
+            SetConsoleCtrlHandler(EndPrompt, FALSE);
+        }
     }
     ~Silence() {
         if (m_isSilent) {
-            SetConsoleMode(m_console, m_mode);
+            SetConsoleMode(silentConsole, modeBefore);
+            SetConsoleCtrlHandler(EndPrompt, FALSE);
         }
-        SetConsoleCtrlHandler(nullptr, FALSE);
     }
     Silence(const Silence&) = delete;
     Silence& operator=(const Silence&) = delete;
     bool IsSilent() const noexcept { return m_isSilent; }
 
   private:
-    HANDLE m_console;
-    DWORD m_mode = 0;
     bool m_isSilent = false;
 };
 
@@ -102,8 +115,15 @@ bool AskTerminal(const std::string& prompt, std::wstring& secret) {
             secret.push_back(character);
         }
     }
+    const bool isInterrupted = !isLine && GetLastError() == ERROR_OPERATION_ABORTED;
     character = L'\0';
     Write(output.Get(), L"\r\n");
+    if (isInterrupted) {
+        // Ctrl-C: its handler, on another thread, ends the process.
+        constexpr DWORD LONG_ENOUGH = 2000;
+        Sleep(LONG_ENOUGH);
+        throw Interruption();
+    }
     if (!isLine) {
         throw UsageError("cancelled");
     }

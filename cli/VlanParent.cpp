@@ -124,6 +124,16 @@ CVLAN FindVlan(CQuillet& session, const VlanParent& parent, const std::string& t
                      "; see quilletctl vlan list");
 }
 
+std::optional<CVLAN> LookForVlan(CQuillet& session, const VlanParent& parent, LONG number) {
+    const CVLANs vlans = ReadVlans(session, parent);
+    for (const CVLAN* vlan : vlans.m_vecItems) {
+        if (vlan->m_lVLANNumber == number) {
+            return *vlan;
+        }
+    }
+    return std::nullopt;
+}
+
 std::string Called(const CVLAN& vlan) {
     return (vlan.m_lVLANNumber == 0 ? std::string("the untagged VLAN")
                                     : "VLAN " + std::to_string(vlan.m_lVLANNumber)) +

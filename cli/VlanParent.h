@@ -5,6 +5,7 @@
 
 #include <quillet/Quillet.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,8 @@ CVLANs ReadVlans(CQuillet& session, const VlanParent& parent);
 Named NamesOf(const CVLAN& vlan, const VlanParent& parent);
 /// The VLAN of a parent that a text names. Throws UsageError where there is none, and Refusal.
 CVLAN FindVlan(CQuillet& session, const VlanParent& parent, const std::string& text);
+/// The VLAN of a parent that has this ID, where there is one. Throws Refusal.
+std::optional<CVLAN> LookForVlan(CQuillet& session, const VlanParent& parent, LONG number);
 
 /// How a table shows the number: "12", or "untagged".
 std::string NumberText(const CVLAN& vlan);

@@ -272,7 +272,9 @@ class IdentifyAdapter final : public AdapterCommand {
 
   private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        Invocation::Check(run.Session().IdentifyAdapter(ToWide(adapter.path), static_cast<LONG>(m_seconds)),
+        CQuillet& session = run.Session();
+        run.HoldInterrupts();
+        Invocation::Check(session.IdentifyAdapter(ToWide(adapter.path), static_cast<LONG>(m_seconds)),
                           "identify " + adapter.Called());
         // Only who stands before the rack sees whether it does.
         Verification taken;

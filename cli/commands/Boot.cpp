@@ -5,6 +5,7 @@
 #include "Files.h"
 #include "JsonParts.h"
 #include "Progress.h"
+#include "ResultCodes.h"
 #include "Sheet.h"
 #include "Table.h"
 #include "Text.h"
@@ -176,6 +177,7 @@ class ReadBootAgent final : public BootCommand {
         }
         CheckReplaceable(m_file); // reading takes a while
         const Flash flash = ReadFlash(run.Session(), agent);
+        run.HoldInterrupts();
         ReplaceFile(m_file, flash.Text());
         if (run.WantsJson()) {
             run.Print(Json{{"file", m_file}, {"bytes", flash.size}});
@@ -259,57 +261,90 @@ class WriteBootAgent final : public ChosenImagesCommand {
         ImageFile file = Inspect(session, agent, File());
         CSettings types = Choose(file, Types());
         const int verdict = file.code != 0 ? file.code : Verify(session, agent, file, types);
+        Writing writing;
+        writing.code = verdict;
         if (verdict != 0) {
-            return End(run, types, verdict, false, false);
+            return End(run, types, writing);
         }
         if (!run.Confirm("Write " + Names(types) + " into the flash memory of " + adapter.Called() + "?")) {
             run.Out() << "nothing was written\n";
             return ExitStatus::Done;
         }
-        ClientSet changes(session);
-        const int code = Program(run, agent, file, types);
-        const bool restartNeeded = changes.Close();
+        ClientSet changes(run);
+        // Nothing stops it from here on, for what is half written may not start any more.
+        run.Screen().err
+            << "About to program the flash memory of " << Printable(adapter.Called())
+            << ". Cut off half-way it may hold nothing that works, so this cannot be interrupted.\n"
+            << std::flush;
+        writing.result = Program(run, agent, file, types, writing.code);
+        writing.restartNeeded = changes.Close();
+        if (FAILED(writing.result)) {
+            run.FailAfterAnswer({"write the flash memory", writing.result});
+        }
         // What is there now is the only proof of what was written.
-        const Flash flash = ReadFlash(session, agent);
-        const bool same = flash.size == file.bytes.size() &&
-                          std::equal(file.bytes.begin(), file.bytes.end(), flash.bytes.get());
-        return End(run, types, code, same, restartNeeded);
+        try {
+            const Flash flash = ReadFlash(session, agent);
+            writing.isWritten = flash.size == file.bytes.size() &&
+                                std::equal(file.bytes.begin(), file.bytes.end(), flash.bytes.get());
+        } catch (const Refusal& unreadable) {
+            run.FailAfterAnswer(unreadable);
+            writing.isWritten.reset();
+        }
+        return End(run, types, writing);
     }
 
-    static int Program(Invocation& run, const CBootAgent& agent, ImageFile& file, CSettings& types) {
-        int code = 0;
-        HRESULT result = S_OK;
+    /// How it went.
+    struct Writing {
+        int code = 0;                          ///< what the provider says of the image
+        HRESULT result = S_OK;                 ///< of the call that writes
+        std::optional<bool> isWritten = false; ///< nothing: it cannot be read back
+        std::optional<bool> restartNeeded = false;
+    };
+
+    static HRESULT Program(Invocation& run, const CBootAgent& agent, ImageFile& file, CSettings& types,
+                           int& code) {
         const auto write = [&] {
-            result = run.Session().WriteBootAgentFlash(agent.m_wsBootAgentID, file.Size(), file.bytes.data(),
-                                                       types, code);
+            return run.Session().WriteBootAgentFlash(agent.m_wsBootAgentID, file.Size(), file.bytes.data(),
+                                                     types, code);
         };
         if (run.WantsJson()) {
-            write();
-        } else {
-            const ProgressWhileBusy progress(run.Screen(), "Writing the flash memory; do not switch off");
-            write();
+            return write();
         }
-        Invocation::Check(result, "write the flash memory");
-        return code;
+        const ProgressWhileBusy progress(run.Screen(), "Writing the flash memory; do not switch off");
+        return write();
     }
 
-    ExitStatus End(Invocation& run, const CSettings& types, int code, bool same, bool restartNeeded) const {
-        const bool done = code == 0 && same;
-        if (run.WantsJson()) {
-            run.Print(Json{{"file", File()},
-                           {"types", NamesAsJson(types)},
-                           {"code", code},
-                           {"written", done},
-                           {"restartNeeded", restartNeeded}});
-        } else if (code != 0) {
-            run.Out() << "the flash memory is as it was; " << VerdictText(code) << '\n';
-        } else if (!same) {
-            run.Out() << "the flash memory does not hold what was written; write it again before a restart\n";
-        } else {
-            run.Out() << "the flash memory holds the image, byte for byte; " << RestartText(restartNeeded)
-                      << '\n';
+    static std::string Text(const Writing& writing) {
+        if (writing.code != 0) {
+            return "the flash memory is as it was; " + VerdictText(writing.code);
         }
-        return done ? ExitStatus::Done : ExitStatus::Findings;
+        if (!writing.isWritten) {
+            return std::string("the flash memory cannot be read back, so what it holds is not known; ") +
+                   RestartText(writing.restartNeeded);
+        }
+        if (*writing.isWritten) {
+            return std::string("the flash memory holds the image, byte for byte; ") +
+                   RestartText(writing.restartNeeded);
+        }
+        return std::string(
+                   "the flash memory does not hold what was written; write it again before a restart") +
+               (FAILED(writing.result) ? ", unless it is as it was" : "");
+    }
+
+    ExitStatus End(Invocation& run, const CSettings& types, const Writing& writing) const {
+        if (run.WantsJson()) {
+            run.Print(
+                Json{{"file", File()},
+                     {"types", NamesAsJson(types)},
+                     {"code", writing.code},
+                     {"result", FAILED(writing.result) ? Json(DescribeResult(writing.result)) : Json()},
+                     {"written", writing.isWritten ? Json(*writing.isWritten && writing.code == 0) : Json()},
+                     {"restartNeeded", RestartJson(writing.restartNeeded)}});
+        } else {
+            run.Out() << Text(writing) << '\n';
+        }
+        return writing.code == 0 && writing.isWritten.value_or(false) ? ExitStatus::Done
+                                                                      : ExitStatus::Findings;
     }
 };
 

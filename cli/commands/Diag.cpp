@@ -1,7 +1,6 @@
 // quilletctl diag: the diagnostic tests of an adapter.
 #include "AdapterCommand.h"
 #include "Commands.h"
-#include "Interrupt.h"
 #include "JsonParts.h"
 #include "ObjectPath.h"
 #include "Progress.h"
@@ -209,13 +208,13 @@ class RunTest final : public TestCommand {
     ExitStatus RunForTest(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run) override {
         CQuillet& session = run.Session();
         // Before the start: a test that was started is stopped, whenever the person loses patience.
-        const Interrupt interrupt;
+        run.HoldInterrupts();
         CDiagResult before;
         ReadResult(session, test, before);
         Invocation::Check(session.RunDiagnostics(test.m_wsUniqueID, ToWide(adapter.path)),
                           "start " + ToUtf8(test.m_wsName));
         CDiagResult result;
-        if (!Follow(adapter, test, run, interrupt, before, result)) {
+        if (!Follow(adapter, test, run, before, result)) {
             // The provider has no result of the test: it was not started.
             throw Refusal("follow " + ToUtf8(test.m_wsName), WBEM_S_FALSE,
                           "the provider has no result of it");
@@ -227,7 +226,7 @@ class RunTest final : public TestCommand {
     /// Looks at the test until it has ended. False when there is nothing to look at. Throws NotTaken when
     /// nothing but the result from before is ever seen: a refused start shows in no other way.
     bool Follow(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run,
-                const Interrupt& interrupt, const CDiagResult& before, CDiagResult& result) const {
+                const CDiagResult& before, CDiagResult& result) const {
         CQuillet& session = run.Session();
         Progress progress(run.Screen());
         const auto start = Clock::now();
@@ -250,7 +249,7 @@ class RunTest final : public TestCommand {
             const std::chrono::milliseconds interval(m_interval);
             const auto next = Clock::now() + (isSeen ? interval : std::min(interval, FRAME));
             do {
-                if (interrupt.Requested() && !stopping) {
+                if (!stopping && !run.MayGoOn()) {
                     stopping = true;
                     Stop(session, adapter, test);
                     break;
@@ -279,6 +278,7 @@ class RunTest final : public TestCommand {
 
 class StopTest final : public TestCommand {
     ExitStatus RunForTest(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run) override {
+        run.HoldInterrupts();
         Stop(run.Session(), adapter, test);
         CDiagResult result;
         // A test may need a moment to come to its end.

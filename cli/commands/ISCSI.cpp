@@ -104,10 +104,10 @@ class SetPlace final : public AdapterCommand {
             throw UsageError(adapter.Called() + " cannot boot from iSCSI; see quilletctl iscsi list");
         }
         const std::string asked = "change the place of " + adapter.Called();
-        ClientSet changes(run.Session());
+        ClientSet changes(run);
         unsigned int code = 0;
         Invocation::Check(run.Session().SetiSCSIStatus(port->m_wsPath, place->status, code), asked);
-        const bool restartNeeded = changes.Close();
+        const std::optional<bool> restartNeeded = changes.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
             const CISCSIAdapters after = ReadPorts(run.Session());
             const CISCSIAdapter* now = PortOf(adapter, after);
@@ -115,7 +115,7 @@ class SetPlace final : public AdapterCommand {
                             {{"status", "", now == nullptr ? Json() : Json(PlaceText(now->m_eStatus))}});
         });
         if (run.WantsJson()) {
-            Json answer{{"code", code}, {"restartNeeded", restartNeeded}};
+            Json answer{{"code", code}, {"restartNeeded", RestartJson(restartNeeded)}};
             taken.AddTo(answer);
             run.Print(answer);
         } else if (code != 0) {

@@ -20,7 +20,7 @@ namespace {
 
 /// One owner of the setting, and what becomes of it.
 struct Target {
-    enum class Outcome { Changed, Unchanged, ReadOnly, Missing, Refused, NotTaken, Unknown };
+    enum class Outcome { Changed, Unchanged, ReadOnly, Missing, Refused, NotTaken, Unknown, NotTried };
 
     SettingOwner owner;
     std::unique_ptr<CSetting> setting{}; ///< with the new value; null where there is nothing to write
@@ -47,6 +47,8 @@ const char* NameOf(Target::Outcome outcome) {
         return "notTaken";
     case Target::Outcome::Unknown:
         return "unknown";
+    case Target::Outcome::NotTried:
+        return "notTried";
     }
     return "";
 }
@@ -76,7 +78,7 @@ class SetSetting final : public Command {
         if (!run.WantsJson()) {
             PrintWarnings(targets, run.Out());
         }
-        const bool restartNeeded = Write(session, targets);
+        const std::optional<bool> restartNeeded = Write(run, targets);
         for (Target& target : targets) {
             ReadBack(session, target);
         }
@@ -86,7 +88,8 @@ class SetSetting final : public Command {
             PrintOutcomes(targets, restartNeeded, run.Out());
         }
         for (const Target& target : targets) {
-            const std::string asked = "set " + target.caption + " of " + target.owner.called + " to " + m_value;
+            const std::string asked =
+                "set " + target.caption + " of " + target.owner.called + " to " + m_value;
             if (target.outcome == Target::Outcome::Refused) {
                 throw Refusal(asked, target.code, ReasonOf(target));
             }
@@ -180,17 +183,22 @@ class SetSetting final : public Command {
     }
 
     /// Writes in one client set; without anything to write none is opened.
-    static bool Write(CQuillet& session, std::vector<Target>& targets) {
+    static std::optional<bool> Write(Invocation& run, std::vector<Target>& targets) {
         const auto isToBeChanged = [](const Target& each) {
             return each.outcome == Target::Outcome::Changed;
         };
         if (std::none_of(targets.begin(), targets.end(), isToBeChanged)) {
             return false;
         }
-        ClientSet set(session);
+        ClientSet set(run);
         for (Target& target : targets) {
-            if (isToBeChanged(target)) {
-                target.code = session.SetSetting(target.setting->m_wsPath, *target.setting);
+            if (!isToBeChanged(target)) {
+                continue;
+            }
+            if (!run.MayGoOn()) {
+                target.outcome = Target::Outcome::NotTried;
+            } else {
+                target.code = run.Session().SetSetting(target.setting->m_wsPath, *target.setting);
                 if (FAILED(target.code)) {
                     target.outcome = Target::Outcome::Refused;
                 }
@@ -260,18 +268,21 @@ class SetSetting final : public Command {
             return "has no " + target.caption + ", left alone";
         case Target::Outcome::Refused:
             return "refused, " + ExplainResult(target.code, ReasonOf(target));
+        case Target::Outcome::NotTried:
+            return "left alone, for the command was interrupted";
         }
         return {};
     }
 
-    static void PrintOutcomes(const std::vector<Target>& targets, bool restartNeeded, std::ostream& out) {
+    static void PrintOutcomes(const std::vector<Target>& targets, std::optional<bool> restartNeeded,
+                              std::ostream& out) {
         for (const Target& target : targets) {
             out << Printable(target.owner.called + ": " + OutcomeText(target)) << '\n';
         }
         out << RestartText(restartNeeded) << '\n';
     }
 
-    Json AsJson(const std::vector<Target>& targets, bool restartNeeded) const {
+    Json AsJson(const std::vector<Target>& targets, std::optional<bool> restartNeeded) const {
         Json list = Json::array();
         for (const Target& target : targets) {
             list.push_back(Json{{"kind", WordFor(target.owner.kind)},
@@ -287,7 +298,7 @@ class SetSetting final : public Command {
         return Json{{"setting", known == targets.end() ? m_setting : known->caption},
                     {"value", m_value},
                     {"targets", std::move(list)},
-                    {"restartNeeded", restartNeeded}};
+                    {"restartNeeded", RestartJson(restartNeeded)}};
     }
 
     std::vector<std::string> m_words;

@@ -93,18 +93,21 @@ ListedAdapter Listed(const std::vector<ListedAdapter>& adapters, const CTeamedAd
                : ListedAdapter{path, id, {}, ToUtf8(member.m_wsDisplayName), ToUtf8(member.m_wsDeviceID)};
 }
 
-void Append(CAdapters& adapters, const std::wstring& path) {
+void Append(CAdapters& adapters, const CAdapter& adapter) {
     adapters.m_vecItems.push_back(new CAdapter);
-    adapters.m_vecItems.back()->m_wsAdapterID = path;
+    adapters.m_vecItems.back()->m_wsAdapterID = adapter.m_wsAdapterID;
+    adapters.m_vecItems.back()->m_wsName = adapter.m_wsName;
 }
 
 /// The adapters that words of the command line name. Throws UsageError, Refusal.
 CAdapters NamedAdapters(CQuillet& session, const std::vector<std::string>& words,
                         const AdapterChoice& offered = {}) {
     CAdapters adapters;
-    for (const ListedAdapter& adapter : FindAdapters(session, words, offered)) {
-        Append(adapters, ToWide(adapter.path));
-        adapters.m_vecItems.back()->m_wsName = ToWide(adapter.Called());
+    for (const ListedAdapter& found : FindAdapters(session, words, offered)) {
+        CAdapter adapter;
+        adapter.m_wsAdapterID = ToWide(found.path);
+        adapter.m_wsName = ToWide(found.Called());
+        Append(adapters, adapter);
     }
     return adapters;
 }
@@ -152,13 +155,16 @@ Json TeamAsJson(const CTeam& team) {
                 {"mode", Coded(team.m_eTeamMode, ModeText(team.m_eTeamMode))}};
 }
 
-/// The end of a command that changed a team. Throws NotTaken or Refusal.
+/// The end of a command that changed a team; `more` stands behind what the answer of every such command
+/// holds. Throws NotTaken or Refusal.
 /// @param asked completes "could not …"; `done` says what was done where it took
 ExitStatus EndChanged(Invocation& run, const CTeam& team, const std::string& asked, const std::string& done,
-                      bool restartNeeded, const Verification& taken) {
+                      std::optional<bool> restartNeeded, const Verification& taken,
+                      const Json& more = Json::object()) {
     if (run.WantsJson()) {
         Json json = TeamAsJson(team);
-        json["restartNeeded"] = restartNeeded;
+        json["restartNeeded"] = RestartJson(restartNeeded);
+        json.update(more);
         taken.AddTo(json);
         run.Print(json);
     } else {
@@ -360,7 +366,7 @@ class ListModes final : public Command {
         CAdapters free;
         for (const CAdapter* adapter : all.m_vecItems) {
             if (!adapter->m_bTeamed) {
-                Append(free, adapter->m_wsAdapterID);
+                Append(free, *adapter);
             }
         }
         return free;
@@ -423,13 +429,18 @@ class CreateTeam final : public Command {
             }
         }
         const std::string asked = "create the team " + ToUtf8(name);
-        ClientSet set(session);
+        ClientSet set(run);
         CTeam team;
-        Invocation::Check(session.CreateTeam(mode, name, members, team,
-                                             static_cast<ePERFORMANCE_PROFILE>(m_profile), m_mfo,
-                                             m_linkSecurity),
-                          asked);
-        const bool restartNeeded = set.Close();
+        const HRESULT result = session.CreateTeam(
+            mode, name, members, team, static_cast<ePERFORMANCE_PROFILE>(m_profile), m_mfo, m_linkSecurity);
+        if (FAILED(result)) {
+            const Refusal refusal(asked, result);
+            if (team.m_wsTeamID.empty()) {
+                throw Refusal(refusal);
+            }
+            run.FailAfterAnswer(refusal); // it was made, and could not be read
+        }
+        const std::optional<bool> restartNeeded = set.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
             const CTeam now = ReadTeam(session, team);
             compare.Compare(FieldsOf(team), FieldsOf(now));
@@ -500,24 +511,19 @@ class ChangeMembers : public Command {
             return Offers(current, ToWide(each.path));
         });
         Problems problems;
-        const CAdapters wanted = Wanted(session, team, current, named, problems);
+        const CAdapters changing = Changing(session, team, current, named, problems);
         if (problems.Any()) {
             return problems.Report(run);
         }
-        if (!MayChange(run, team, named)) {
+        if (!MayChange(run, team, changing)) {
             return ExitStatus::Done;
         }
-        const std::string asked = "change the members of " + Called(team);
-        ClientSet set(session);
-        Invocation::Check(session.ModifyMemberList(team.m_wsTeamID, current, wanted), asked);
-        const bool restartNeeded = set.Close();
-        const Verification taken = Verification::By(
-            [&](Verification& compare) { CompareMembers(compare, MembersOf(session, team), wanted); });
-        const std::size_t count = wanted.m_vecItems.size();
-        return EndChanged(run, team, asked,
-                          Called(team) + " has " + std::to_string(count) +
-                              (count == 1 ? " member" : " members"),
-                          restartNeeded, taken);
+        // One by one, so that it is known which ones were changed.
+        const ChangesInTurn changes = ChangeInTurn(run, changing.m_vecItems.size(), [&](std::size_t i) {
+            Change(session, team, *changing.m_vecItems[i]);
+        });
+        changes.Settle(run);
+        return Answer(run, team, changing, changes, current);
     }
 
   protected:
@@ -529,31 +535,62 @@ class ChangeMembers : public Command {
         return std::any_of(adapters.m_vecItems.begin(), adapters.m_vecItems.end(),
                            [&](const CAdapter* each) { return each->m_wsAdapterID == path; });
     }
+    static std::string NameOf(const CAdapter& adapter) { return ToUtf8(adapter.m_wsName); }
 
   private:
-    virtual CAdapters Wanted(CQuillet& session, const CTeam& team, const CTeamedAdapters& current,
-                             const CAdapters& named, Problems& problems) const = 0;
+    /// The named adapters that there is something to do with, each once.
+    virtual CAdapters Changing(CQuillet& session, const CTeam& team, const CTeamedAdapters& current,
+                               const CAdapters& named, Problems& problems) const = 0;
     /// Whether a pattern can choose an adapter.
     virtual bool Offers(const CTeamedAdapters&, const std::wstring&) const { return true; }
     /// Whether the person agrees, where that is asked.
     virtual bool MayChange(Invocation&, const CTeam&, const CAdapters&) const { return true; }
+    virtual void Change(CQuillet& session, const CTeam& team, const CAdapter& adapter) const = 0;
+    /// The members that there are to be when these adapters were changed.
+    virtual CAdapters MembersAfter(const CTeamedAdapters& before, const CAdapters& changed) const = 0;
+    /// What became of an adapter that was not changed: "not added".
+    virtual const char* NotChanged() const = 0;
+
+    ExitStatus Answer(Invocation& run, const CTeam& team, const CAdapters& changing,
+                      const ChangesInTurn& changes, const CTeamedAdapters& before) const {
+        Json done = Json::array();
+        Json notDone = Json::array();
+        for (std::size_t i = 0; i < changing.m_vecItems.size(); ++i) {
+            const CAdapter& adapter = *changing.m_vecItems[i];
+            if (i < changes.done) {
+                done.push_back(ToUtf8(adapter.m_wsAdapterID));
+                continue;
+            }
+            notDone.push_back(Json{{"path", ToUtf8(adapter.m_wsAdapterID)}, {"code", changes.CodeOf(i)}});
+            if (!run.WantsJson()) {
+                run.Out() << NotChanged() << ": " << Printable(NameOf(adapter)) << '\n';
+            }
+        }
+        CAdapters changed;
+        for (std::size_t i = 0; i < changes.done; ++i) {
+            Append(changed, *changing.m_vecItems[i]);
+        }
+        const CAdapters wanted = MembersAfter(before, changed);
+        const Verification taken = Verification::By(
+            [&](Verification& compare) { CompareMembers(compare, MembersOf(run.Session(), team), wanted); });
+        const std::size_t count = wanted.m_vecItems.size();
+        return EndChanged(
+            run, team, "change the members of " + Called(team),
+            Called(team) + " has " + std::to_string(count) + (count == 1 ? " member" : " members"),
+            changes.restartNeeded, taken, Json{{"done", std::move(done)}, {"notDone", std::move(notDone)}});
+    }
 
     std::string m_team;
     std::vector<std::string> m_adapters;
 };
 
 class AddMembers final : public ChangeMembers {
-    CAdapters Wanted(CQuillet& session, const CTeam& team, const CTeamedAdapters& current,
-                     const CAdapters& named, Problems& problems) const override {
+    CAdapters Changing(CQuillet& session, const CTeam& team, const CTeamedAdapters& current,
+                       const CAdapters& named, Problems& problems) const override {
         CAdapters added;
-        CAdapters wanted;
-        for (const CTeamedAdapter* member : current.m_vecItems) {
-            Append(wanted, member->m_wsAdapterID);
-        }
         for (const CAdapter* adapter : named.m_vecItems) {
-            if (!Contains(wanted, adapter->m_wsAdapterID)) {
-                Append(added, adapter->m_wsAdapterID);
-                Append(wanted, adapter->m_wsAdapterID);
+            if (!Contains(current, adapter->m_wsAdapterID) && !Contains(added, adapter->m_wsAdapterID)) {
+                Append(added, *adapter);
             }
         }
         // A member that is there already is no problem; the rest is for the provider to judge.
@@ -563,34 +600,63 @@ class AddMembers final : public ChangeMembers {
                               "check the adapters");
         }
         problems.Add(word);
-        return wanted;
+        return added;
     }
+    void Change(CQuillet& session, const CTeam& team, const CAdapter& adapter) const override {
+        CAdapters added;
+        Append(added, adapter);
+        Invocation::Check(session.ModifyMemberList(team.m_wsTeamID, CTeamedAdapters(), added),
+                          "add " + NameOf(adapter) + " to " + Called(team));
+    }
+    CAdapters MembersAfter(const CTeamedAdapters& before, const CAdapters& changed) const override {
+        CAdapters after = changed;
+        for (const CTeamedAdapter* member : before.m_vecItems) {
+            Append(after, member->m_wsAdapterID);
+        }
+        return after;
+    }
+    const char* NotChanged() const override { return "not added"; }
 };
 
 class RemoveMembers final : public ChangeMembers {
-    CAdapters Wanted(CQuillet&, const CTeam& team, const CTeamedAdapters& current, const CAdapters& named,
-                     Problems&) const override {
+    CAdapters Changing(CQuillet&, const CTeam& team, const CTeamedAdapters& current, const CAdapters& named,
+                       Problems&) const override {
+        CAdapters removed;
         for (const CAdapter* adapter : named.m_vecItems) {
             if (!Contains(current, adapter->m_wsAdapterID)) {
-                throw UsageError(ToUtf8(adapter->m_wsName) + " is no member of " + Called(team));
+                throw UsageError(NameOf(*adapter) + " is no member of " + Called(team));
+            }
+            if (!Contains(removed, adapter->m_wsAdapterID)) {
+                Append(removed, *adapter);
             }
         }
-        CAdapters wanted;
-        for (const CTeamedAdapter* member : current.m_vecItems) {
-            if (!Contains(named, member->m_wsAdapterID)) {
-                Append(wanted, member->m_wsAdapterID);
-            }
-        }
-        return wanted;
+        return removed;
     }
     bool Offers(const CTeamedAdapters& current, const std::wstring& path) const override {
         return Contains(current, path);
     }
-    bool MayChange(Invocation& run, const CTeam& team, const CAdapters& named) const override {
-        const std::size_t count = named.m_vecItems.size();
+    bool MayChange(Invocation& run, const CTeam& team, const CAdapters& removed) const override {
+        const std::size_t count = removed.m_vecItems.size();
         return run.ConfirmChange("Take " + std::to_string(count) + (count == 1 ? " adapter" : " adapters") +
                                  " out of " + Called(team) + "?");
     }
+    void Change(CQuillet& session, const CTeam& team, const CAdapter& adapter) const override {
+        CTeamedAdapters removed;
+        removed.m_vecItems.push_back(new CTeamedAdapter);
+        removed.m_vecItems.back()->m_wsAdapterID = adapter.m_wsAdapterID;
+        Invocation::Check(session.ModifyMemberList(team.m_wsTeamID, removed, CAdapters()),
+                          "take " + NameOf(adapter) + " out of " + Called(team));
+    }
+    CAdapters MembersAfter(const CTeamedAdapters& before, const CAdapters& changed) const override {
+        CAdapters after;
+        for (const CTeamedAdapter* member : before.m_vecItems) {
+            if (!Contains(changed, member->m_wsAdapterID)) {
+                Append(after, member->m_wsAdapterID);
+            }
+        }
+        return after;
+    }
+    const char* NotChanged() const override { return "not taken out"; }
 };
 
 class ModifyTeam final : public TeamCommand {
@@ -624,9 +690,9 @@ class ModifyTeam final : public TeamCommand {
             return problems.Report(run);
         }
         const std::string asked = "change " + Called(team);
-        ClientSet set(session);
+        ClientSet set(run);
         Invocation::Check(session.ModifyTeamInfo(team.m_wsTeamID, changed), asked);
-        const bool restartNeeded = set.Close();
+        const std::optional<bool> restartNeeded = set.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
             const CTeam now = ReadTeam(session, team);
             compare.Compare(FieldsOf(changed), FieldsOf(now));
@@ -647,9 +713,9 @@ class DeleteTeam final : public TeamCommand {
         }
         CQuillet& session = run.Session();
         const std::string asked = "delete " + Called(team);
-        ClientSet set(session);
+        ClientSet set(run);
         Invocation::Check(session.RemoveTeam(team.m_wsTeamID), asked);
-        const bool restartNeeded = set.Close();
+        const std::optional<bool> restartNeeded = set.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
             const CTeams teams = ReadTeams(session);
             for (const CTeam* each : teams.m_vecItems) {
@@ -678,14 +744,14 @@ class MakePrimary final : public Command {
         const ListedAdapter adapter = FindAdapter(session, m_adapter);
         const LONG role = m_none ? 0 : m_secondary ? 2 : PRIMARY;
         const std::string asked = "change the role of " + adapter.Called();
-        ClientSet set(session);
+        ClientSet set(run);
         const HRESULT result = session.SetTeamedAdapterPriority(ToWide(adapter.path), role);
         if (FAILED(result)) {
             const bool isUnexplained = result == static_cast<HRESULT>(WBEM_E_FAILED);
             throw Refusal(asked, result,
                           isUnexplained && !IsInTeam(session, adapter) ? "the adapter is in no team" : "");
         }
-        const bool restartNeeded = set.Close();
+        const std::optional<bool> restartNeeded = set.Close();
         std::optional<LONG> now;
         const Verification taken = Verification::By([&](Verification& compare) {
             now = RoleOf(session, adapter);
@@ -697,7 +763,7 @@ class MakePrimary final : public Command {
             Json answer{{"path", adapter.path},
                         {"role", Coded(told, RoleText(told))},
                         {"primary", now ? Json(*now == PRIMARY) : Json()},
-                        {"restartNeeded", restartNeeded}};
+                        {"restartNeeded", RestartJson(restartNeeded)}};
             taken.AddTo(answer);
             run.Print(answer);
         } else {
@@ -757,9 +823,14 @@ class TestSwitch final : public TeamCommand {
             throw UsageError(Called(team) + ": " + ModeText(team.m_eTeamMode) +
                              " asks nothing of the switch, so there is nothing to test");
         }
+        run.HoldInterrupts();
         const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(m_seconds);
         Result result = Send(session, team, CTeam::SwitchCmdStart);
         while (result.status == CTeam::SwitchCmdStatusRunning) {
+            if (!run.MayGoOn()) {
+                result = Send(session, team, CTeam::SwitchCmdStop);
+                break;
+            }
             if (std::chrono::steady_clock::now() >= until) {
                 Send(session, team, CTeam::SwitchCmdStop);
                 throw Refusal("test the switch of " + Called(team) + " in time",

@@ -9,10 +9,13 @@ namespace quilletctl {
 namespace {
 
 ExitStatus TryTransaction(Invocation& run) {
-    ClientSet set(run.Session());
-    const bool restartNeeded = set.Close();
+    ClientSet set(run);
+    const std::optional<bool> restartNeeded = set.Close();
+    if (!restartNeeded) {
+        return ExitStatus::Refused; // to close it was all there was to try
+    }
     if (run.WantsJson()) {
-        run.Print(Json{{"restartNeeded", restartNeeded}});
+        run.Print(Json{{"restartNeeded", *restartNeeded}});
     } else {
         run.Out() << "opened a client set and closed it again: " << RestartText(restartNeeded) << '\n';
     }

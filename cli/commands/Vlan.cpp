@@ -210,45 +210,79 @@ class AddVlans final : public NewVlans {
             return EndUnchanged(run, parent, findings);
         }
         const CVLANs asked = wanted; // adding fills the records with what the provider made of them
-        ClientSet set(session);
-        const std::wstring path = ToWide(parent.path);
-        for (CVLAN* vlan : wanted.m_vecItems) {
-            Invocation::Check(parent.isTeam ? session.AddVLANToTeam(path, *vlan)
-                                            : session.AddVLANToAdapter(path, *vlan),
-                              "add " + Called(*vlan) + " to " + parent.name);
+        ChangesInTurn adding = ChangeInTurn(run, wanted.m_vecItems.size(), [&](std::size_t i) {
+            Add(session, parent, *wanted.m_vecItems[i]);
+        });
+        if (adding.refusal && IsThere(run, parent, *wanted.m_vecItems[adding.done])) {
+            ++adding.done;
         }
-        const bool restartNeeded = set.Close();
-        CVLANs there = wanted;
+        adding.Settle(run);
+        return Answer(run, parent, asked, wanted, adding);
+    }
+
+  private:
+    static void Add(CQuillet& session, const VlanParent& parent, CVLAN& vlan) {
+        const std::wstring path = ToWide(parent.path);
+        Invocation::Check(parent.isTeam ? session.AddVLANToTeam(path, vlan)
+                                        : session.AddVLANToAdapter(path, vlan),
+                          "add " + Called(vlan) + " to " + parent.name);
+    }
+
+    /// Whether a VLAN that was refused was made all the same, and could only not be read. Then reads it.
+    static bool IsThere(Invocation& run, const VlanParent& parent, CVLAN& vlan) {
+        try {
+            const std::optional<CVLAN> there = LookForVlan(run.Session(), parent, vlan.m_lVLANNumber);
+            vlan = there.value_or(vlan);
+            return there.has_value();
+        } catch (const Refusal& unknown) {
+            run.FailAfterAnswer(unknown);
+            return false;
+        }
+    }
+
+    /// @param asked what was to be added; `made` holds what the provider told of it
+    static ExitStatus Answer(Invocation& run, const VlanParent& parent, const CVLANs& asked,
+                             const CVLANs& made, const ChangesInTurn& adding) {
+        CVLANs there = made;
         const Verification taken = Verification::By([&](Verification& compare) {
-            const CVLANs now = ReadVlans(session, parent);
+            const CVLANs now = ReadVlans(run.Session(), parent);
             there.RemoveAll();
-            for (std::size_t i = 0; i < wanted.m_vecItems.size(); ++i) {
-                const CVLAN* vlan = VlanAt(wanted.m_vecItems[i]->m_wsVLANID, now);
-                CompareVlan(compare, *asked.m_vecItems[i], vlan);
-                if (vlan != nullptr) {
-                    there.m_vecItems.push_back(new CVLAN(*vlan));
+            for (std::size_t i = 0; i < made.m_vecItems.size(); ++i) {
+                const CVLAN* vlan = i < adding.done ? VlanAt(made.m_vecItems[i]->m_wsVLANID, now) : nullptr;
+                if (i < adding.done) {
+                    CompareVlan(compare, *asked.m_vecItems[i], vlan);
                 }
+                there.m_vecItems.push_back(vlan == nullptr ? nullptr : new CVLAN(*vlan));
             }
         });
         Json added = Json::array();
-        for (const CVLAN* vlan : there.m_vecItems) {
-            added.push_back(AsJson(*vlan));
-            if (!run.WantsJson()) {
-                run.Out() << Printable("added " + Called(*vlan) + " to " + parent.name) << '\n';
+        Json missing = Json::array();
+        std::string lines;
+        for (std::size_t i = 0; i < there.m_vecItems.size(); ++i) {
+            if (i >= adding.done) {
+                const CVLAN& vlan = *asked.m_vecItems[i];
+                missing.push_back(Json{{"number", vlan.m_lVLANNumber},
+                                       {"name", ToUtf8(vlan.m_wsVLANName)},
+                                       {"code", adding.CodeOf(i)}});
+                lines += Printable("not added: " + Called(vlan)) + '\n';
+            } else if (const CVLAN* vlan = there.m_vecItems[i]) {
+                added.push_back(AsJson(*vlan));
+                lines += Printable("added " + Called(*vlan) + " to " + parent.name) + '\n';
             }
         }
         if (run.WantsJson()) {
             Json answer{{"parent", AsJson(parent)},
-                        {"problems", findings.AsJson()},
+                        {"problems", Findings().AsJson()},
                         {"vlans", std::move(added)},
-                        {"restartNeeded", restartNeeded}};
+                        {"notAdded", std::move(missing)},
+                        {"restartNeeded", RestartJson(adding.restartNeeded)}};
             taken.AddTo(answer);
             run.Print(answer);
         } else {
             if (taken.Took() != true) {
-                run.Out() << Printable(taken.Text({})) << '\n';
+                lines += Printable(taken.Text({})) + '\n';
             }
-            run.Out() << RestartText(restartNeeded) << '\n';
+            run.Out() << lines << RestartText(adding.restartNeeded) << '\n';
         }
         taken.End("add VLANs to " + parent.name);
         return ExitStatus::Done;
@@ -304,9 +338,9 @@ class ModifyVlan final : public ExistingVlan {
             return EndUnchanged(run, parent, findings);
         }
         const std::string asked = "change " + Called(vlan) + " of " + parent.name;
-        ClientSet set(session);
+        ClientSet set(run);
         Invocation::Check(session.ModifyVLANProperty(vlan.m_wsVLANID, changed), asked);
-        const bool restartNeeded = set.Close();
+        const std::optional<bool> restartNeeded = set.Close();
         // As it is now, for the provider may have taken it differently.
         CVLAN now = changed;
         const Verification taken = Verification::By([&](Verification& compare) {
@@ -319,7 +353,7 @@ class ModifyVlan final : public ExistingVlan {
             Json answer{{"parent", AsJson(parent)},
                         {"problems", findings.AsJson()},
                         {"vlan", AsJson(now)},
-                        {"restartNeeded", restartNeeded}};
+                        {"restartNeeded", RestartJson(restartNeeded)}};
             taken.AddTo(answer);
             run.Print(answer);
         } else {
@@ -343,9 +377,9 @@ class RemoveVlan final : public ExistingVlan {
         }
         CQuillet& session = run.Session();
         const std::string asked = "remove " + Called(vlan) + " from " + parent.name;
-        ClientSet set(session);
+        ClientSet set(run);
         Invocation::Check(session.RemoveVLAN(vlan.m_wsVLANID), asked);
-        const bool restartNeeded = set.Close();
+        const std::optional<bool> restartNeeded = set.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
             const CVLANs vlans = ReadVlans(session, parent);
             if (const CVLAN* now = VlanAt(vlan.m_wsVLANID, vlans)) {
@@ -353,7 +387,9 @@ class RemoveVlan final : public ExistingVlan {
             }
         });
         if (run.WantsJson()) {
-            Json answer{{"parent", AsJson(parent)}, {"vlan", AsJson(vlan)}, {"restartNeeded", restartNeeded}};
+            Json answer{{"parent", AsJson(parent)},
+                        {"vlan", AsJson(vlan)},
+                        {"restartNeeded", RestartJson(restartNeeded)}};
             taken.AddTo(answer);
             run.Print(answer);
         } else {

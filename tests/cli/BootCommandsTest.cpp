@@ -285,6 +285,32 @@ TEST_F(BootCommands, BootWrite_PowerCut_IsARefusalAndTheClientSetIsClosed) {
     EXPECT_THAT(outcome.err,
                 HasSubstr("could not write the flash memory: the connection failed: 0x80041015"));
     EXPECT_THAT(outcome.out, HasSubstr(", Apply("));
+    EXPECT_THAT(outcome.out,
+                HasSubstr("the flash memory does not hold what was written; write it again before a "
+                          "restart, unless it is as it was\n"));
+    const Json json = Json::parse(RunCommandLine({"--simulate", machine, "boot", "write", "Left port",
+                                                  File("new.img", Image()), "--yes", "--json"})
+                                      .out);
+    EXPECT_EQ(json.at("written"), false);
+    EXPECT_TRUE(json.at("result").get<std::string>().starts_with("0x80041015")) << json;
+    EXPECT_EQ(json.at("restartNeeded"), false);
+}
+
+TEST_F(BootCommands, BootWrite_MemoryThatCannotBeReadBack_IsNotKnown) {
+    const std::string machine = MachineFile(
+        std::string(MACHINE) + "instance of QuilletSimulator_Fault { Id = 1; Operation = "
+                               "\"ExecMethod\"; MethodName = \"ReadFlash\"; Code = 0x80041003; };");
+    const std::vector<std::string> command{
+        "--simulate", machine, "boot", "write", "Left port", File("new.img", Image()), "--yes"};
+    const Outcome outcome = RunCommandLine(command);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.out,
+                HasSubstr("the flash memory cannot be read back, so what it holds is not known; a "
+                          "restart is needed\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("could not read the flash memory: 0x80041003 WBEM_E_ACCESS_DENIED\n"));
+    std::vector<std::string> json = command;
+    json.emplace_back("--json");
+    EXPECT_TRUE(Json::parse(RunCommandLine(json).out).at("written").is_null());
 }
 
 TEST_F(BootCommands, BootWrite_MemoryThatHoldsSomethingElse_IsAFinding) {

@@ -31,7 +31,18 @@ instance of Zorel_PACFile { DeviceID = "{B8A405BF-61B9-5217-AADA-670F163E6DF1}";
 instance of Zorel_PACFile { DeviceID = ""; FileName = "new.pac"; PACFilePassword = "secret"; };
 """
 
-# The lines of one run, each on the machine that the one before it left; with the exit status where it is not 0.
+# Machines on which something comes to its end half-way.
+FAULTS = {
+    "faulty.mof": """
+instance of QuilletSimulator_Fault { Id = 1; Operation = "ExecMethod"; MethodName = "CreateVLAN"; Nth = 2; };
+instance of QuilletSimulator_Fault { Id = 2; Operation = "PutInstance"; Nth = 2; };
+instance of QuilletSimulator_Fault { Id = 3; Operation = "ExecMethod"; MethodName = "ProgramFlashEx"; };
+""",
+    "unclosed.mof": 'instance of QuilletSimulator_Fault { Id = 1; Operation = "ExecMethod"; MethodName = "Apply"; };',
+}
+
+# The lines of one run, each on the machine that the one before it left, or on the one that it names; with the exit
+# status where it is not 0.
 LINES = [
     (["adapter", "list"],), (["adapter", "show", FREE],), (["adapter", "capabilities", FREE],),
     (["adapter", "ports", MEMBER],), (["adapter", "identify", FREE, "--seconds", "1"],),
@@ -62,6 +73,10 @@ LINES = [
     (["iscsi", "list"],), (["iscsi", "show", FREE],), (["iscsi", "set", FREE, "primary"],),
     (["warnings"],), (["trace"],), (["transaction", "try"],), (["version"],), (["help"],), (["help", "vlan", "add"],),
     (["adapter", "show", "nobody"], 2), (["adapter", "shew"], 2), (["linksec", "stats", FREE], 1),
+    (["vlan", "add", TEAM, "200", "Lab", "--through", "202"], 1, "faulty.mof"),
+    (["team", "add", TEAM, PORT, OTHER_PORT], 1, "faulty.mof"),
+    (["boot", "write", FREE, "new.img", "--yes"], 1, "faulty.mof"),
+    (["power", "set", FREE, "--mode", "1"], 1, "unclosed.mof"), (["transaction", "try"], 1, "unclosed.mof"),
 ]
 # What these read from a descriptor.
 SECRETS = {"set-keys": "one\ntwo\n", "set-auth": "one\n", "import-pac": "secret\n"}
@@ -89,12 +104,15 @@ class Schemas(unittest.TestCase):
         cls.folder = tempfile.TemporaryDirectory()
         folder = pathlib.Path(cls.folder.name)
         (folder / "lab.mof").write_text(MACHINE.read_text(encoding="utf-8") + MORE, encoding="utf-8")
+        for name, faults in FAULTS.items():
+            (folder / name).write_text(MACHINE.read_text(encoding="utf-8") + faults, encoding="utf-8")
         subprocess.run([MAKE_FLASH_IMAGE, folder / "new.img", "PXE:1.4.0", "iSCSI:2.1.7:1:3"], check=True,
                        capture_output=True)
         environment = {**os.environ, "Temp": cls.folder.name}
         cls.answers = []
-        for line, *status in LINES:
-            words, descriptors = [PROGRAM, "--state", "lab.mof", "--json", *line], ()
+        for line, *more in LINES:
+            status, machine = (*more, 0)[0], ["--simulate", more[1]] if more[1:] else ["--state", "lab.mof"]
+            words, descriptors = [PROGRAM, *machine, "--json", *line], ()
             secret = SECRETS.get(line[1]) if len(line) > 1 else None
             if secret:
                 reading, writing = os.pipe()
@@ -104,7 +122,7 @@ class Schemas(unittest.TestCase):
             run = subprocess.run(words, cwd=folder, env=environment, capture_output=True, pass_fds=descriptors, check=False)
             for descriptor in descriptors:
                 os.close(descriptor)
-            cls.answers.append((line, status[0] if status else 0, run))
+            cls.answers.append((line, status, run))
 
     @classmethod
     def tearDownClass(cls):
