@@ -93,21 +93,18 @@ ListedAdapter Listed(const std::vector<ListedAdapter>& adapters, const CTeamedAd
                : ListedAdapter{path, id, {}, ToUtf8(member.m_wsDisplayName), ToUtf8(member.m_wsDeviceID)};
 }
 
-void Append(CAdapters& adapters, const CAdapter& adapter) {
+void Append(CAdapters& adapters, const std::wstring& path, const std::wstring& name = {}) {
     adapters.m_vecItems.push_back(new CAdapter);
-    adapters.m_vecItems.back()->m_wsAdapterID = adapter.m_wsAdapterID;
-    adapters.m_vecItems.back()->m_wsName = adapter.m_wsName;
+    adapters.m_vecItems.back()->m_wsAdapterID = path;
+    adapters.m_vecItems.back()->m_wsName = name;
 }
 
 /// The adapters that words of the command line name. Throws UsageError, Refusal.
 CAdapters NamedAdapters(CQuillet& session, const std::vector<std::string>& words,
                         const AdapterChoice& offered = {}) {
     CAdapters adapters;
-    for (const ListedAdapter& found : FindAdapters(session, words, offered)) {
-        CAdapter adapter;
-        adapter.m_wsAdapterID = ToWide(found.path);
-        adapter.m_wsName = ToWide(found.Called());
-        Append(adapters, adapter);
+    for (const ListedAdapter& adapter : FindAdapters(session, words, offered)) {
+        Append(adapters, ToWide(adapter.path), ToWide(adapter.Called()));
     }
     return adapters;
 }
@@ -366,7 +363,7 @@ class ListModes final : public Command {
         CAdapters free;
         for (const CAdapter* adapter : all.m_vecItems) {
             if (!adapter->m_bTeamed) {
-                Append(free, *adapter);
+                Append(free, adapter->m_wsAdapterID);
             }
         }
         return free;
@@ -590,7 +587,7 @@ class AddMembers final : public ChangeMembers {
         CAdapters added;
         for (const CAdapter* adapter : named.m_vecItems) {
             if (!Contains(current, adapter->m_wsAdapterID) && !Contains(added, adapter->m_wsAdapterID)) {
-                Append(added, *adapter);
+                Append(added, adapter->m_wsAdapterID, adapter->m_wsName);
             }
         }
         // A member that is there already is no problem; the rest is for the provider to judge.
@@ -604,7 +601,7 @@ class AddMembers final : public ChangeMembers {
     }
     void Change(CQuillet& session, const CTeam& team, const CAdapter& adapter) const override {
         CAdapters added;
-        Append(added, adapter);
+        Append(added, adapter.m_wsAdapterID);
         Invocation::Check(session.ModifyMemberList(team.m_wsTeamID, CTeamedAdapters(), added),
                           "add " + NameOf(adapter) + " to " + Called(team));
     }
@@ -627,7 +624,7 @@ class RemoveMembers final : public ChangeMembers {
                 throw UsageError(NameOf(*adapter) + " is no member of " + Called(team));
             }
             if (!Contains(removed, adapter->m_wsAdapterID)) {
-                Append(removed, *adapter);
+                Append(removed, adapter->m_wsAdapterID, adapter->m_wsName);
             }
         }
         return removed;
