@@ -53,7 +53,7 @@ TEST_F(PartialWork, VlanAdd_StopsAtTheFirstRefusal_AndTellsWhatIsThereAndWhatIsN
                            "not added: VLAN 9 \"Lab 9\"\n"
                            "a restart is needed\n");
     EXPECT_EQ(outcome.err, "quilletctl: could not add VLAN 8 \"Lab 8\" to Zorel Gigabit Desktop Adapter: "
-                           "0x80041003 WBEM_E_ACCESS_DENIED\n");
+                           "access is denied: 0x80041003 WBEM_E_ACCESS_DENIED\n");
 }
 
 TEST_F(PartialWork, VlanAdd_Json) {
@@ -89,8 +89,9 @@ TEST_F(PartialWork, VlanModify_ThatCannotBeReadBack_TellsWhatWasAskedFor) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out,
               "changed VLAN 12 \"Büro\" of TEAM : Zürich to VLAN 12 \"Kontor\"\nno restart is needed\n");
-    EXPECT_EQ(outcome.err,
-              "quilletctl: could not read VLAN 12 \"Kontor\": 0x80041003 WBEM_E_ACCESS_DENIED\n");
+    EXPECT_EQ(
+        outcome.err,
+        "quilletctl: could not read VLAN 12 \"Kontor\": access is denied: 0x80041003 WBEM_E_ACCESS_DENIED\n");
 }
 
 TEST_F(PartialWork, TeamAdd_TellsWhoWasAdded) {
@@ -99,9 +100,8 @@ TEST_F(PartialWork, TeamAdd_TellsWhoWasAdded) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "not added: Zorel 10G Dual Port Server Adapter #2\n"
                            "TEAM : Zürich has 3 members: no restart is needed\n");
-    EXPECT_EQ(outcome.err,
-              "quilletctl: could not add Zorel 10G Dual Port Server Adapter #2 to TEAM : Zürich: "
-              "0x80041003 WBEM_E_ACCESS_DENIED\n");
+    EXPECT_EQ(outcome.err, "quilletctl: could not add Zorel 10G Dual Port Server Adapter #2 to TEAM : "
+                           "Zürich: access is denied: 0x80041003 WBEM_E_ACCESS_DENIED\n");
     const Json json = RunJson({"team", "add", TEAM, FIRST, SECOND}, fault);
     EXPECT_EQ(json.at("done").size(), 1u);
     ASSERT_EQ(json.at("notDone").size(), 1u);
@@ -124,7 +124,7 @@ TEST_F(PartialWork, TeamCreate_ATeamThatWasMadeButCannotBeRead_IsTold) {
             Fault("Operation = \"GetObject\"; Target = \"Zorel_TeamOfAdapters\"; Nth = 2;"));
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.out, testing::StartsWith("created the team Fast: no restart is needed\n"));
-    EXPECT_THAT(outcome.err, HasSubstr("could not create the team Fast: 0x80041003"));
+    EXPECT_THAT(outcome.err, HasSubstr("could not create the team Fast: access is denied: 0x80041003"));
 }
 
 TEST_F(PartialWork, TeamPrimary_ThatCannotBeReadBack_TellsTheRole) {
@@ -142,7 +142,9 @@ TEST_F(PartialWork, ASetThatCannotBeClosed_LeavesTheRestartUnknown) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "Zorel 10G Dual Port Server Adapter: set to 4088 Bytes (4088)\n"
                            "whether a restart is needed is not known\n");
-    EXPECT_EQ(outcome.err, "quilletctl: could not close the client set: 0x80041003 WBEM_E_ACCESS_DENIED\n");
+    EXPECT_EQ(
+        outcome.err,
+        "quilletctl: could not close the client set: access is denied: 0x80041003 WBEM_E_ACCESS_DENIED\n");
     const Json json = RunJson(command, Fault(APPLY));
     EXPECT_EQ(json.at("targets").at(0).at("outcome"), "changed");
     EXPECT_TRUE(json.at("restartNeeded").is_null());
@@ -158,11 +160,10 @@ TEST_F(PartialWork, AnErrorInPlaceOfAnAnswer_TellsOfTheRestart) {
     const Outcome outcome = Run(command, faults);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "a restart is needed\n");
-    EXPECT_EQ(outcome.err,
-              "quilletctl: could not add VLAN 7 \"Lab\" to Zorel Gigabit Desktop Adapter: 0x80041003 "
-              "WBEM_E_ACCESS_DENIED\n"
-              "quilletctl: could not list the VLANs of Zorel Gigabit Desktop Adapter: 0x80041010 "
-              "WBEM_E_INVALID_CLASS\n");
+    EXPECT_EQ(outcome.err, "quilletctl: could not add VLAN 7 \"Lab\" to Zorel Gigabit Desktop Adapter: "
+                           "access is denied: 0x80041003 WBEM_E_ACCESS_DENIED\n"
+                           "quilletctl: could not list the VLANs of Zorel Gigabit Desktop Adapter: the "
+                           "provider knows nothing of this kind: 0x80041010 WBEM_E_INVALID_CLASS\n");
     EXPECT_EQ(RunJson(command, faults).at("error").at("restartNeeded"), true);
 }
 
@@ -172,8 +173,11 @@ TEST_F(PartialWork, RefusedAndNotClosed_AreTwoLines) {
             Fault("Operation = \"DeleteInstance\";") +
                 "instance of QuilletSimulator_Fault { Id = 2; Code = 0x80041010; " + APPLY + " };\n");
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "quilletctl: could not delete TEAM : Zürich: 0x80041003 WBEM_E_ACCESS_DENIED\n"
-                           "quilletctl: could not close the client set: 0x80041010 WBEM_E_INVALID_CLASS\n");
+    EXPECT_EQ(
+        outcome.err,
+        "quilletctl: could not delete TEAM : Zürich: access is denied: 0x80041003 WBEM_E_ACCESS_DENIED\n"
+        "quilletctl: could not close the client set: the provider knows nothing of this kind: 0x80041010 "
+        "WBEM_E_INVALID_CLASS\n");
 }
 
 } // namespace
