@@ -565,7 +565,7 @@ class ChangeMembers : public Command {
         }
         CAdapters changed;
         for (std::size_t i = 0; i < changes.done; ++i) {
-            Append(changed, *changing.m_vecItems[i]);
+            Append(changed, changing.m_vecItems[i]->m_wsAdapterID);
         }
         const CAdapters wanted = MembersAfter(before, changed);
         const Verification taken = Verification::By(
