@@ -134,12 +134,20 @@ TEST_P(PathKind, NoIdentifier_GivesTheEmptyText) {
     }
 }
 
+TEST_P(PathKind, KeyBesideTheIdentifyingOne_DoesNotMatter) {
+    ExpectRead(GetParam().relative + L"\"x\",Other=\"y\"", L"x");
+    const std::size_t dot = GetParam().relative.find(L'.') + 1;
+    ExpectRead(GetParam().relative.substr(0, dot) + L"Other=\"y\"," + GetParam().relative.substr(dot) +
+                   L"\"x\"",
+               L"x");
+}
+
 TEST_P(PathKind, PathThatNamesNoInstanceOfIt_GivesNothing) {
     const std::wstring className = GetParam().relative.substr(0, GetParam().relative.find(L'.'));
     for (const std::wstring& text :
          {className, className + L"=@", className + L".Other=\"x\"", className + L".Name=\"\"",
-          className + L".DeviceID=\"\"", className + L".Name=\"x\",DeviceID=\"y\"",
-          className + L"2.Name=\"x\"", L"Other_" + GetParam().relative + L"\"x\""}) {
+          className + L".DeviceID=\"\"", className + L"2.Name=\"x\"",
+          L"Other_" + GetParam().relative + L"\"x\""}) {
         Path path;
         ASSERT_EQ(path.Parse(text.c_str()), 0) << text;
         wchar_t* objectId = const_cast<wchar_t*>(L"untouched");

@@ -307,7 +307,8 @@ TEST_F(BootCommands, BootWrite_MemoryThatCannotBeReadBack_IsNotKnown) {
     EXPECT_THAT(outcome.out,
                 HasSubstr("the flash memory cannot be read back, so what it holds is not known; a "
                           "restart is needed\n"));
-    EXPECT_THAT(outcome.err, HasSubstr("could not read the flash memory: 0x80041003 WBEM_E_ACCESS_DENIED\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("could not read the flash memory: access is denied: 0x80041003 "
+                                       "WBEM_E_ACCESS_DENIED\n"));
     std::vector<std::string> json = command;
     json.emplace_back("--json");
     EXPECT_TRUE(Json::parse(RunCommandLine(json).out).at("written").is_null());

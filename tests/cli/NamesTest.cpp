@@ -154,7 +154,7 @@ TEST_F(Names, AnAdapterThatDoesNotTellItsPlaceHidesNoOther) {
         instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{B}"; Name = "one"; OriginalDisplayName = "model";
             Capabilities = {46}; NetworkAddresses = {"02-00-5E-00-00-01"}; };)");
     EXPECT_EQ(RunCommandLine({"--simulate", machine, "adapter", "identify", "02005e000001"}).out,
-              "one blinks for 10 seconds\n");
+              "one was asked to blink for 10 seconds; it does not tell whether it does\n");
     const Outcome outcome = RunCommandLine({"--simulate", machine, "adapter", "identify", "02005e000002"});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.err,

@@ -336,9 +336,9 @@ TEST_F(Verified, Team_WithoutAMemberThatItWasToHave) {
     const Outcome whole = Run(create);
     EXPECT_EQ(whole.status, 0) << whole.err;
     EXPECT_EQ(Json::parse(whole.out, nullptr, false).at("took"), true) << whole.out;
-    // The two adapters are looked for in a list of ten; then the team's members are read, one and not the
-    // other.
-    Fault("Operation = \"Next\"; Target = \"Zorel_PhysicalEthernetAdapter\"; Nth = 24; Effect = "
+    // The adapters are looked for in a list of ten, and its end is seen; then the team's members are read,
+    // one and not the other.
+    Fault("Operation = \"Next\"; Target = \"Zorel_PhysicalEthernetAdapter\"; Nth = 13; Effect = "
           "\"EndOfData\";");
     const Outcome outcome = Run(create);
     EXPECT_EQ(outcome.status, 1) << outcome.out;
