@@ -54,8 +54,8 @@ bool MakePath(int form, const wchar_t* objectId, ATL::CComBSTR& path, const Keye
     return true;
 }
 
-/// The value of the key that identifies an instance of one of these classes; null for any other path and for an
-/// empty value, which names nothing. A key beside it does not matter: a class may get another one.
+/// The value of the key that identifies an instance of one of these classes; null for any other path and for
+/// an empty value, which names nothing. A key beside it does not matter: a class may get another one.
 const std::wstring* FindObjectId(const CLumWmiAutoParsedObjectPath& path,
                                  std::initializer_list<KeyedClass> classes) {
     for (const KeyedClass& keyedClass : classes) {

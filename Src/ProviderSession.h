@@ -12,8 +12,8 @@
 
 /// An argument with which an operation asks the provider nothing: most often an identifier that is empty.
 struct Refusal {
-    bool applies;
-    const wchar_t* text; ///< its trace text
+    bool applies = false;
+    const wchar_t* text = nullptr; ///< its trace text
     HRESULT code = E_FAIL;
     bool onceConnected = false; ///< a missing service or context comes before it
 

@@ -98,6 +98,7 @@ std::vector<ListedAdapter> AdapterFinder::Several(const std::string& text) {
         ThrowUnknown(text);
     }
     std::vector<ListedAdapter> adapters;
+    adapters.reserve(found.size());
     for (const std::size_t i : found) {
         adapters.push_back(m_adapters[i]);
     }
@@ -150,9 +151,9 @@ void AdapterFinder::ReadPlaces() {
         const std::string slot = ToUtf8(known.m_wsSlotID);
         const std::string port = ToUtf8(pci.m_wsPortNumber);
         if (tellsPort && tellsSlot && !slot.empty() && !port.empty()) {
-            place.names[2] = slot + ':' + port;
-            // "2:1" for "Slot 2:1".
-            place.names[3] = slot.substr(slot.find_last_of(' ') + 1) + ':' + port;
+            const std::string number = slot.substr(slot.find_last_of(' ') + 1); // "2:1" for "Slot 2:1"
+            place.names[2].append(slot).append(":").append(port);
+            place.names[3].append(number).append(":").append(port);
         }
     }
 }

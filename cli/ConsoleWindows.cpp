@@ -42,7 +42,8 @@ class StandardHandle {
     }
 
   private:
-    Written WriteScreen(std::wstring_view text) const {
+    Written WriteScreen(const std::wstring& whole) const {
+        std::wstring_view text = whole;
         // An older console takes no more than 64 KB at once.
         constexpr std::size_t MOST = 8192;
         while (!text.empty()) {

@@ -11,8 +11,8 @@ namespace quilletctl {
 namespace {
 
 struct ResultName {
-    std::uint32_t code;
-    const char* name;
+    std::uint32_t code = 0;
+    const char* name = "";
     const char* words = ""; ///< empty where it says nothing but that something failed
 };
 

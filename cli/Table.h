@@ -26,6 +26,7 @@ class Table {
     explicit Table(std::vector<Column> columns);
     /// One cell per column; characters that would steer the terminal are replaced.
     void AddRow(const std::vector<std::string>& cells);
+    bool IsEmpty() const noexcept { return m_rows.empty(); }
     /// In a terminal that is too narrow, what repeats is left out first, and then long texts are cut in their
     /// middle. Elsewhere nothing is cut.
     void Print(const Terminal& terminal) const;

@@ -49,6 +49,7 @@ class ParentFinder {
             return {One(text)};
         }
         std::vector<VlanParent> parents;
+        parents.reserve(found.size());
         for (const std::size_t i : found) {
             parents.push_back(At(i));
         }

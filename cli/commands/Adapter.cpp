@@ -1,4 +1,5 @@
 // quilletctl adapter: the machine's network adapters.
+#include "Answers.h"
 #include "AdapterCommand.h"
 #include "AdapterTexts.h"
 #include "BitMask.h"
@@ -6,8 +7,6 @@
 #include "JsonParts.h"
 #include "ObjectPath.h"
 #include "ResultCodes.h"
-#include "Sheet.h"
-#include "Table.h"
 #include "TeamLookup.h"
 #include "Text.h"
 #include "Verification.h"
@@ -195,22 +194,14 @@ class ListCapabilities final : public AdapterCommand {
             }
         }
         std::sort(codes.begin(), codes.end());
-        if (run.WantsJson()) {
-            Json list = Json::array();
-            for (const LONG code : codes) {
-                list.push_back(Coded(code, CapabilityText(code)));
-            }
-            run.Print(Json{{"path", adapter.path}, {"capabilities", std::move(list)}});
-        } else if (codes.empty()) {
-            run.Out() << "no capabilities\n";
-        } else {
-            Table table({{"CODE", Fit::Whole}, {"CAPABILITY", Fit::MayShorten}});
-            for (const LONG code : codes) {
-                table.AddRow({std::to_string(code), CapabilityText(code)});
-            }
-            table.Print(run.Screen());
+        Json list = Json::array();
+        Table table({{"CODE", Fit::Whole}, {"CAPABILITY", Fit::MayShorten}});
+        for (const LONG code : codes) {
+            list.push_back(Coded(code, CapabilityText(code)));
+            table.AddRow({std::to_string(code), CapabilityText(code)});
         }
-        return ExitStatus::Done;
+        return AnswerList(run, Json{{"path", adapter.path}, {"capabilities", std::move(list)}}, table,
+                          "no capabilities");
     }
 };
 

@@ -1,4 +1,5 @@
 // quilletctl boot: the boot agent of an adapter and its flash memory.
+#include "Answers.h"
 #include "AdapterCommand.h"
 #include "ClientSet.h"
 #include "Commands.h"
@@ -6,8 +7,6 @@
 #include "JsonParts.h"
 #include "Progress.h"
 #include "ResultCodes.h"
-#include "Sheet.h"
-#include "Table.h"
 #include "Text.h"
 
 #include <nlohmann/json.hpp>
@@ -139,26 +138,25 @@ class BootCommand : public AdapterCommand {
 
 class ShowBootAgent final : public BootCommand {
     ExitStatus RunForAgent(const ListedAdapter& adapter, const CBootAgent& agent, Invocation& run) override {
-        if (run.WantsJson()) {
-            run.Print(Json{{"path", ToUtf8(agent.m_wsBootAgentID)},
-                           {"version", ToUtf8(agent.m_wsVersion)},
-                           {"versionNumber", agent.m_lVersionNumber},
-                           {"updateAvailable", agent.m_bUpdateAvailable},
-                           {"imageType", Coded(agent.m_lFlashImageType, ToUtf8(agent.m_wsFlashImageType))},
-                           {"iSCSIStatus", agent.m_lISCSIStatus},
-                           {"installedImageTypes", agent.m_lInstalledFlashImageTypes}});
-            return ExitStatus::Done;
-        }
-        Sheet sheet;
-        sheet.Add("Adapter", adapter.Called())
-            .Add("Version", ToUtf8(agent.m_wsVersion))
-            .Add("Update available", YesOrNo(agent.m_bUpdateAvailable))
-            .Add("Image in flash", ToUtf8(agent.m_wsFlashImageType))
-            .Add("Installed types", std::to_string(agent.m_lInstalledFlashImageTypes))
-            .Add("iSCSI status", std::to_string(agent.m_lISCSIStatus))
-            .Add("Path", ToUtf8(agent.m_wsBootAgentID));
-        sheet.Print(run.Screen());
-        return ExitStatus::Done;
+        const std::string path = ToUtf8(agent.m_wsBootAgentID);
+        const std::string version = ToUtf8(agent.m_wsVersion);
+        const std::string imageType = ToUtf8(agent.m_wsFlashImageType);
+        return AnswerSheet(run,
+                           Json{{"path", path},
+                                {"version", version},
+                                {"versionNumber", agent.m_lVersionNumber},
+                                {"updateAvailable", agent.m_bUpdateAvailable},
+                                {"imageType", Coded(agent.m_lFlashImageType, imageType)},
+                                {"iSCSIStatus", agent.m_lISCSIStatus},
+                                {"installedImageTypes", agent.m_lInstalledFlashImageTypes}},
+                           Sheet()
+                               .Add("Adapter", adapter.Called())
+                               .Add("Version", version)
+                               .Add("Update available", YesOrNo(agent.m_bUpdateAvailable))
+                               .Add("Image in flash", imageType)
+                               .Add("Installed types", std::to_string(agent.m_lInstalledFlashImageTypes))
+                               .Add("iSCSI status", std::to_string(agent.m_lISCSIStatus))
+                               .Add("Path", path));
     }
 };
 

@@ -1,11 +1,10 @@
 // quilletctl diag: the diagnostic tests of an adapter.
+#include "Answers.h"
 #include "AdapterCommand.h"
 #include "Commands.h"
 #include "JsonParts.h"
 #include "ObjectPath.h"
 #include "Progress.h"
-#include "Sheet.h"
-#include "Table.h"
 #include "Text.h"
 
 #include <nlohmann/json.hpp>
@@ -149,26 +148,18 @@ void Print(Invocation& run, const CDiagTest& test, const CDiagResult& result) {
 class ListTests final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         const CDiagTests tests = ReadTests(run.Session(), adapter);
-        if (run.WantsJson()) {
-            Json list = Json::array();
-            for (const CDiagTest* test : tests.m_vecItems) {
-                list.push_back(Json{{"name", ToUtf8(test->m_wsName)},
-                                    {"testId", test->m_lTestId},
-                                    {"group", test->m_bGrouped ? Json(test->m_lGroupId) : Json()},
-                                    {"path", ToUtf8(test->m_wsUniqueID)}});
-            }
-            run.Print(Json{{"tests", std::move(list)}});
-        } else if (tests.m_vecItems.empty()) {
-            run.Out() << "no tests\n";
-        } else {
-            Table table({{"ID", Fit::Whole}, {"TEST", Fit::MayShorten}, {"GROUP", Fit::Whole}});
-            for (const CDiagTest* test : tests.m_vecItems) {
-                table.AddRow({std::to_string(test->m_lTestId), ToUtf8(test->m_wsName),
-                              test->m_bGrouped ? std::to_string(test->m_lGroupId) : "-"});
-            }
-            table.Print(run.Screen());
+        Json list = Json::array();
+        Table table({{"ID", Fit::Whole}, {"TEST", Fit::MayShorten}, {"GROUP", Fit::Whole}});
+        for (const CDiagTest* test : tests.m_vecItems) {
+            const std::string name = ToUtf8(test->m_wsName);
+            list.push_back(Json{{"name", name},
+                                {"testId", test->m_lTestId},
+                                {"group", test->m_bGrouped ? Json(test->m_lGroupId) : Json()},
+                                {"path", ToUtf8(test->m_wsUniqueID)}});
+            table.AddRow({std::to_string(test->m_lTestId), name,
+                          test->m_bGrouped ? std::to_string(test->m_lGroupId) : "-"});
         }
-        return ExitStatus::Done;
+        return AnswerList(run, Json{{"tests", std::move(list)}}, table, "no tests");
     }
 };
 

@@ -1,11 +1,10 @@
 // quilletctl iscsi: booting from an iSCSI target.
+#include "Answers.h"
 #include "AdapterCommand.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "JsonParts.h"
 #include "ObjectPath.h"
-#include "Sheet.h"
-#include "Table.h"
 #include "Text.h"
 
 #include <nlohmann/json.hpp>
@@ -58,28 +57,19 @@ CISCSIAdapters ReadPorts(CQuillet& session) {
 ExitStatus ListPorts(Invocation& run) {
     const CISCSIAdapters ports = ReadPorts(run.Session());
     const std::vector<ListedAdapter> adapters = ReadAdapters(run.Session());
-    if (run.WantsJson()) {
-        Json list = Json::array();
-        for (const CISCSIAdapter* port : ports.m_vecItems) {
-            const ListedAdapter* adapter = AdapterOf(adapters, *port);
-            list.push_back(Json{{"adapter", adapter == nullptr ? Json() : Json(adapter->path)},
-                                {"name", NameOf(adapter, *port)},
-                                {"bootAgentId", ToUtf8(port->m_wsBootAgentID)},
-                                {"status", PlaceAsJson(port->m_eStatus)},
-                                {"path", ToUtf8(port->m_wsPath)}});
-        }
-        run.Print(Json{{"adapters", std::move(list)}});
-    } else if (ports.m_vecItems.empty()) {
-        run.Out() << "no adapter can boot from iSCSI\n";
-    } else {
-        Table table({{"ADAPTER", Fit::MayShorten}, {"PLACE", Fit::Whole}, {"BOOT AGENT ID", Fit::Whole}});
-        for (const CISCSIAdapter* port : ports.m_vecItems) {
-            table.AddRow({NameOf(AdapterOf(adapters, *port), *port), PlaceText(port->m_eStatus),
-                          ToUtf8(port->m_wsBootAgentID)});
-        }
-        table.Print(run.Screen());
+    Json list = Json::array();
+    Table table({{"ADAPTER", Fit::MayShorten}, {"PLACE", Fit::Whole}, {"BOOT AGENT ID", Fit::Whole}});
+    for (const CISCSIAdapter* port : ports.m_vecItems) {
+        const ListedAdapter* adapter = AdapterOf(adapters, *port);
+        const std::string name = NameOf(adapter, *port);
+        list.push_back(Json{{"adapter", adapter == nullptr ? Json() : Json(adapter->path)},
+                            {"name", name},
+                            {"bootAgentId", ToUtf8(port->m_wsBootAgentID)},
+                            {"status", PlaceAsJson(port->m_eStatus)},
+                            {"path", ToUtf8(port->m_wsPath)}});
+        table.AddRow({name, PlaceText(port->m_eStatus), ToUtf8(port->m_wsBootAgentID)});
     }
-    return ExitStatus::Done;
+    return AnswerList(run, Json{{"adapters", std::move(list)}}, table, "no adapter can boot from iSCSI");
 }
 
 class SetPlace final : public AdapterCommand {
@@ -148,21 +138,17 @@ class ShowPort final : public AdapterCommand {
         CiSCSI info;
         Invocation::Check(run.Session().GetiSCSI_Info(ToWide(adapter.path), info),
                           "read the iSCSI boot status of " + adapter.Called());
-        if (run.WantsJson()) {
-            run.Print(Json{{"status", PlaceAsJson(info.m_lStatus)},
-                           {"systemSupported", info.m_bOSSupported},
-                           {"patchPresent", info.m_bPatchPresent},
-                           {"hotFixPresent", info.m_bHotFixPresent}});
-            return ExitStatus::Done;
-        }
-        Sheet sheet;
-        sheet.Add("Adapter", adapter.Called())
-            .Add("Place", PlaceText(info.m_lStatus))
-            .Add("System supports it", YesOrNo(info.m_bOSSupported))
-            .Add("Patch present", YesOrNo(info.m_bPatchPresent))
-            .Add("Hot fix present", YesOrNo(info.m_bHotFixPresent));
-        sheet.Print(run.Screen());
-        return ExitStatus::Done;
+        return AnswerSheet(run,
+                           Json{{"status", PlaceAsJson(info.m_lStatus)},
+                                {"systemSupported", info.m_bOSSupported},
+                                {"patchPresent", info.m_bPatchPresent},
+                                {"hotFixPresent", info.m_bHotFixPresent}},
+                           Sheet()
+                               .Add("Adapter", adapter.Called())
+                               .Add("Place", PlaceText(info.m_lStatus))
+                               .Add("System supports it", YesOrNo(info.m_bOSSupported))
+                               .Add("Patch present", YesOrNo(info.m_bPatchPresent))
+                               .Add("Hot fix present", YesOrNo(info.m_bHotFixPresent)));
     }
 };
 

@@ -1,11 +1,11 @@
 // quilletctl linksec: link security of an adapter. Secrets are asked for, never shown, and never on the
 // command line.
+#include "Answers.h"
 #include "AdapterCommand.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "LinksecFields.h"
 #include "SecretInput.h"
-#include "Sheet.h"
 #include "Text.h"
 
 #include <nlohmann/json.hpp>
@@ -56,19 +56,16 @@ class ShowLinksec final : public AdapterCommand {
         const std::vector<Field> authentication = FieldsOf(ReadAuthentication(session, adapter));
         const std::vector<Field> keys = FieldsOf(ReadKeys(session, adapter));
         const std::vector<Field> saved = FieldsOf(ReadSaved(session, adapter));
-        if (run.WantsJson()) {
-            run.Print(Json{{"path", adapter.path},
-                           {"authentication", AsJson(authentication)},
-                           {"keys", AsJson(keys)},
-                           {"savedCredentials", AsJson(saved)}});
-            return ExitStatus::Done;
-        }
         Sheet sheet;
         AddTo(sheet, authentication);
         AddTo(sheet, keys);
         AddTo(sheet, saved);
-        sheet.Print(run.Screen());
-        return ExitStatus::Done;
+        return AnswerSheet(run,
+                           Json{{"path", adapter.path},
+                                {"authentication", AsJson(authentication)},
+                                {"keys", AsJson(keys)},
+                                {"savedCredentials", AsJson(saved)}},
+                           sheet);
     }
 };
 
@@ -267,16 +264,11 @@ class MasterKey final : public AdapterCommand {
 
     static ExitStatus Show(const ListedAdapter& adapter, const CAdapterManualPMKInfo& info, Invocation& run) {
         const std::vector<Field> fields = FieldsOf(info);
-        if (run.WantsJson()) {
-            Json json{{"path", adapter.path}};
-            json.update(AsJson(fields));
-            run.Print(json);
-            return ExitStatus::Done;
-        }
+        Json json{{"path", adapter.path}};
+        json.update(AsJson(fields));
         Sheet sheet;
         AddTo(sheet, fields);
-        sheet.Print(run.Screen());
-        return ExitStatus::Done;
+        return AnswerSheet(run, json, sheet);
     }
 
     bool m_set = false;

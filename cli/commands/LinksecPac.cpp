@@ -1,10 +1,10 @@
 // quilletctl linksec import-pac, pac-show and pac-delete: the PAC files of an adapter.
+#include "Answers.h"
 #include "AdapterCommand.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "LinksecFields.h"
 #include "SecretInput.h"
-#include "Sheet.h"
 #include "Text.h"
 
 #include <nlohmann/json.hpp>
@@ -74,53 +74,45 @@ class ImportPac final : public AdapterCommand {
     SecretInput m_secrets;
 };
 
-class ShowPac final : public AdapterCommand {
+/// A command about a file that was imported.
+class PacCommand : public AdapterCommand {
   public:
     void Declare(Syntax& syntax) override {
         AdapterCommand::Declare(syntax);
         syntax.Argument("name", m_file, "Name of the imported file");
     }
 
-  private:
+  protected:
+    std::string m_file;
+};
+
+class ShowPac final : public PacCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         CAdapterPacFileInfo info;
         info.m_sPACFileName = ToWide(m_file);
         Invocation::Check(run.Session().GetAdapterPacFileContents(ToWide(adapter.path), info),
                           "read " + m_file + " of " + adapter.Called());
-        if (run.WantsJson()) {
-            run.Print(Json{{"path", adapter.path},
-                           {"file", m_file},
-                           {"type", info.m_lPacType},
-                           {"info", ToUtf8(info.m_sinfo)},
-                           {"authority", ToUtf8(info.m_saId)},
-                           {"authorityInfo", ToUtf8(info.m_saIdInfo)},
-                           {"issuedTo", ToUtf8(info.m_sIId)},
-                           {"expiryTime", info.m_lExpiryTime}});
-            return ExitStatus::Done;
-        }
-        Sheet sheet;
-        sheet.Add("File", m_file)
-            .Add("Kind", std::to_string(info.m_lPacType))
-            .Add("Description", ToUtf8(info.m_sinfo))
-            .Add("Authority", ToUtf8(info.m_saId))
-            .Add("Authority's description", ToUtf8(info.m_saIdInfo))
-            .Add("Issued to", ToUtf8(info.m_sIId))
-            .Add("Expires", std::to_string(info.m_lExpiryTime));
-        sheet.Print(run.Screen());
-        return ExitStatus::Done;
+        return AnswerSheet(run,
+                           Json{{"path", adapter.path},
+                                {"file", m_file},
+                                {"type", info.m_lPacType},
+                                {"info", ToUtf8(info.m_sinfo)},
+                                {"authority", ToUtf8(info.m_saId)},
+                                {"authorityInfo", ToUtf8(info.m_saIdInfo)},
+                                {"issuedTo", ToUtf8(info.m_sIId)},
+                                {"expiryTime", info.m_lExpiryTime}},
+                           Sheet()
+                               .Add("File", m_file)
+                               .Add("Kind", std::to_string(info.m_lPacType))
+                               .Add("Description", ToUtf8(info.m_sinfo))
+                               .Add("Authority", ToUtf8(info.m_saId))
+                               .Add("Authority's description", ToUtf8(info.m_saIdInfo))
+                               .Add("Issued to", ToUtf8(info.m_sIId))
+                               .Add("Expires", std::to_string(info.m_lExpiryTime)));
     }
-
-    std::string m_file;
 };
 
-class DeletePac final : public AdapterCommand {
-  public:
-    void Declare(Syntax& syntax) override {
-        AdapterCommand::Declare(syntax);
-        syntax.Argument("name", m_file, "Name of the imported file");
-    }
-
-  private:
+class DeletePac final : public PacCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         if (!run.ConfirmChange("Delete " + m_file + " from " + adapter.Called() + "?")) {
             return ExitStatus::Done;
@@ -138,8 +130,6 @@ class DeletePac final : public AdapterCommand {
                 }
             });
     }
-
-    std::string m_file;
 };
 
 } // namespace

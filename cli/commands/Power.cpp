@@ -1,8 +1,8 @@
 // quilletctl power and quilletctl wol: the power-saving and wake-on-LAN options of an adapter.
+#include "Answers.h"
 #include "AdapterCommand.h"
 #include "ClientSet.h"
 #include "Commands.h"
-#include "Sheet.h"
 #include "Text.h"
 
 #include <nlohmann/json.hpp>
@@ -89,12 +89,7 @@ ExitStatus Show(const ListedAdapter& adapter, const Record& info, Invocation& ru
         json[field.key] = field.value;
         sheet.Add(field.label, TextOf(field.value));
     }
-    if (run.WantsJson()) {
-        run.Print(json);
-    } else {
-        sheet.Print(run.Screen());
-    }
-    return ExitStatus::Done;
+    return AnswerSheet(run, json, sheet);
 }
 
 class ShowPower final : public AdapterCommand {

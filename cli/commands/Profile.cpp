@@ -1,7 +1,7 @@
 // quilletctl profile: the performance profiles of adapters.
+#include "Answers.h"
 #include "AdapterLookup.h"
 #include "Commands.h"
-#include "Table.h"
 #include "Text.h"
 
 #include <nlohmann/json.hpp>
@@ -48,14 +48,7 @@ class ListProfiles final : public Command {
             }
             list.push_back(Json{{"adapter", adapter.path}, {"profiles", std::move(offered)}});
         }
-        if (run.WantsJson()) {
-            run.Print(Json{{"adapters", std::move(list)}});
-        } else if (adapters.empty()) {
-            run.Out() << "no adapters\n";
-        } else {
-            table.Print(run.Screen());
-        }
-        return ExitStatus::Done;
+        return AnswerList(run, Json{{"adapters", std::move(list)}}, table, "no adapters");
     }
 
   private:

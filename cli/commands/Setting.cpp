@@ -1,10 +1,9 @@
 // quilletctl setting: the advanced settings of adapters, teams, VLANs and boot agents.
+#include "Answers.h"
 #include "Commands.h"
 #include "JsonParts.h"
 #include "SettingOwner.h"
 #include "SettingTexts.h"
-#include "Sheet.h"
-#include "Table.h"
 #include "Text.h"
 
 #include <nlohmann/json.hpp>
@@ -56,28 +55,20 @@ class ListSettings final : public SettingCommand {
         } else {
             ReadSettings(run.Session(), owner, settings);
         }
-        if (run.WantsJson()) {
-            Json list = Json::array();
-            for (const CSetting* setting : settings.m_vecItems) {
-                list.push_back(AsJson(*setting));
-            }
-            run.Print(Json{{"owner", OwnerAsJson(owner)}, {"settings", std::move(list)}});
-        } else if (settings.m_vecItems.empty()) {
-            run.Out() << "no settings\n";
-        } else {
-            Table table({{"SETTING", Fit::Whole},
-                         {"KIND", Fit::MayShorten},
-                         {"CURRENT", Fit::MayShorten},
-                         {"DEFAULT", Fit::MayShorten},
-                         {"POSSIBLE VALUES", Fit::MayShorten}});
-            for (const CSetting* setting : settings.m_vecItems) {
-                table.AddRow({ToUtf8(setting->m_wsCaption),
-                              KindText(*setting) + (setting->m_bWritable ? "" : ", read only"),
-                              CurrentText(*setting), DefaultText(*setting), PossibleText(*setting)});
-            }
-            table.Print(run.Screen());
+        Json list = Json::array();
+        Table table({{"SETTING", Fit::Whole},
+                     {"KIND", Fit::MayShorten},
+                     {"CURRENT", Fit::MayShorten},
+                     {"DEFAULT", Fit::MayShorten},
+                     {"POSSIBLE VALUES", Fit::MayShorten}});
+        for (const CSetting* setting : settings.m_vecItems) {
+            list.push_back(AsJson(*setting));
+            table.AddRow({ToUtf8(setting->m_wsCaption),
+                          KindText(*setting) + (setting->m_bWritable ? "" : ", read only"),
+                          CurrentText(*setting), DefaultText(*setting), PossibleText(*setting)});
         }
-        return ExitStatus::Done;
+        return AnswerList(run, Json{{"owner", OwnerAsJson(owner)}, {"settings", std::move(list)}}, table,
+                          "no settings");
     }
 
     bool m_vmqOnly = false;
@@ -95,12 +86,8 @@ class GetSetting final : public SettingCommand {
         CSettings settings;
         ReadSettings(run.Session(), owner, settings);
         const CSetting& setting = FindSetting(settings, m_caption, owner);
-        if (run.WantsJson()) {
-            run.Print(Json{{"owner", OwnerAsJson(owner)}, {"setting", AsJson(setting)}});
-            return ExitStatus::Done;
-        }
-        Sheet()
-            .Add("Setting", ToUtf8(setting.m_wsCaption))
+        Sheet sheet;
+        sheet.Add("Setting", ToUtf8(setting.m_wsCaption))
             .Add("Name", ToUtf8(setting.m_wsDescription))
             .Add("Help", ToUtf8(setting.m_wsMiniHelp))
             .Add("Kind", KindText(setting))
@@ -110,9 +97,8 @@ class GetSetting final : public SettingCommand {
             .Add("Writable", YesOrNo(setting.m_bWritable))
             .Add("Group", setting.m_bGrouped ? std::to_string(setting.m_lGroupId) : std::string())
             .Add("Expose level", std::to_string(setting.GetExposeLevel()))
-            .Add("Path", ToUtf8(setting.m_wsPath))
-            .Print(run.Screen());
-        return ExitStatus::Done;
+            .Add("Path", ToUtf8(setting.m_wsPath));
+        return AnswerSheet(run, Json{{"owner", OwnerAsJson(owner)}, {"setting", AsJson(setting)}}, sheet);
     }
 
     std::string m_caption;

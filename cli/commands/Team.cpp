@@ -1,4 +1,5 @@
 // quilletctl team: teams of adapters and their members.
+#include "Answers.h"
 #include "AdapterLookup.h"
 #include "BitMask.h"
 #include "ClientSet.h"
@@ -6,8 +7,6 @@
 #include "JsonParts.h"
 #include "ObjectPath.h"
 #include "ResultCodes.h"
-#include "Sheet.h"
-#include "Table.h"
 #include "TeamLookup.h"
 #include "Text.h"
 #include "Verification.h"
@@ -222,14 +221,7 @@ ExitStatus ListTeams(Invocation& run) {
         table.AddRow({Called(*team), ModeText(team->m_eTeamMode), state.Text(), std::to_string(members),
                       ToUtf8(team->m_wsName)});
     }
-    if (run.WantsJson()) {
-        run.Print(Json{{"teams", std::move(list)}});
-    } else if (teams.m_vecItems.empty()) {
-        run.Out() << "no teams\n";
-    } else {
-        table.Print(run.Screen());
-    }
-    return ExitStatus::Done;
+    return AnswerList(run, Json{{"teams", std::move(list)}}, table, "no teams");
 }
 
 /// A command about one team.
@@ -337,23 +329,15 @@ class ListModes final : public Command {
             Invocation::Check(session.GetCompatibleTeamModesWithAdapters(adapters, modes, true),
                               "find the modes of the adapters");
         }
-        if (run.WantsJson()) {
-            Json list = Json::array();
-            for (const CTeamWizTeamMode* mode : modes.m_vecItems) {
-                list.push_back(Coded(mode->m_lTeamMode, ToUtf8(mode->m_wsDescription)));
-            }
-            run.Print(Json{{"adapters", adapters.m_vecItems.size()}, {"modes", std::move(list)}});
-        } else if (modes.m_vecItems.empty()) {
-            run.Out() << "these adapters cannot be teamed in any mode\n";
-        } else {
-            Table table({{"MODE", Fit::Whole}, {"NAME", Fit::MayShorten}, {"DESCRIPTION", Fit::MayShorten}});
-            for (const CTeamWizTeamMode* mode : modes.m_vecItems) {
-                table.AddRow({std::to_string(mode->m_lTeamMode), ModeText(mode->m_lTeamMode),
-                              ToUtf8(mode->m_wsDescription)});
-            }
-            table.Print(run.Screen());
+        Json list = Json::array();
+        Table table({{"MODE", Fit::Whole}, {"NAME", Fit::MayShorten}, {"DESCRIPTION", Fit::MayShorten}});
+        for (const CTeamWizTeamMode* mode : modes.m_vecItems) {
+            const std::string description = ToUtf8(mode->m_wsDescription);
+            list.push_back(Coded(mode->m_lTeamMode, description));
+            table.AddRow({std::to_string(mode->m_lTeamMode), ModeText(mode->m_lTeamMode), description});
         }
-        return ExitStatus::Done;
+        return AnswerList(run, Json{{"adapters", adapters.m_vecItems.size()}, {"modes", std::move(list)}},
+                          table, "these adapters cannot be teamed in any mode");
     }
 
     static CAdapters Free(CQuillet& session) {

@@ -1,10 +1,10 @@
 // quilletctl vlan: the VLANs of adapters and teams.
+#include "Answers.h"
 #include "BitMask.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "JsonParts.h"
 #include "ObjectPath.h"
-#include "Table.h"
 #include "Text.h"
 #include "Verification.h"
 #include "VlanParent.h"
@@ -62,14 +62,7 @@ class ListVlans final : public Command {
                               ToUtf8(vlan->m_wsName)});
             }
         }
-        if (run.WantsJson()) {
-            run.Print(Json{{"vlans", std::move(list)}});
-        } else if (list.empty()) {
-            run.Out() << "no VLANs\n";
-        } else {
-            table.Print(run.Screen());
-        }
-        return ExitStatus::Done;
+        return AnswerList(run, Json{{"vlans", std::move(list)}}, table, "no VLANs");
     }
 
   private:
@@ -140,7 +133,18 @@ class NewVlans : public Command {
                     "Several VLANs, up to this ID; each is called by the name and its ID");
     }
 
-  protected:
+    ExitStatus Run(Invocation& run) final {
+        CVLANs wanted = Wanted();
+        CQuillet& session = run.Session();
+        const VlanParent parent = FindVlanParent(session, m_parent);
+        return End(run, parent, wanted, Check(session, parent, wanted));
+    }
+
+  private:
+    /// What is done once it is known what stands in the way.
+    virtual ExitStatus End(Invocation& run, const VlanParent& parent, CVLANs& wanted,
+                           const Findings& findings) = 0;
+
     /// What the command line asks for.
     CVLANs Wanted() const {
         const LONG first = NumberIn(m_id);
@@ -159,7 +163,6 @@ class NewVlans : public Command {
         }
         return wanted;
     }
-    VlanParent Parent(CQuillet& session) const { return FindVlanParent(session, m_parent); }
 
     static Findings Check(CQuillet& session, const VlanParent& parent, const CVLANs& wanted) {
         Findings findings;
@@ -174,7 +177,6 @@ class NewVlans : public Command {
         return findings;
     }
 
-  private:
     std::string m_parent;
     std::string m_id;
     std::string m_name;
@@ -182,12 +184,7 @@ class NewVlans : public Command {
 };
 
 class CheckVlans final : public NewVlans {
-  public:
-    ExitStatus Run(Invocation& run) override {
-        const CVLANs wanted = Wanted();
-        CQuillet& session = run.Session();
-        const VlanParent parent = Parent(session);
-        const Findings findings = Check(session, parent, wanted);
+    ExitStatus End(Invocation& run, const VlanParent& parent, CVLANs&, const Findings& findings) override {
         if (run.WantsJson()) {
             run.Print(Json{{"parent", AsJson(parent)}, {"problems", findings.AsJson()}});
         } else if (findings.sentences.empty()) {
@@ -200,15 +197,12 @@ class CheckVlans final : public NewVlans {
 };
 
 class AddVlans final : public NewVlans {
-  public:
-    ExitStatus Run(Invocation& run) override {
-        const CVLANs wanted = Wanted();
-        CQuillet& session = run.Session();
-        const VlanParent parent = Parent(session);
-        const Findings findings = Check(session, parent, wanted);
+    ExitStatus End(Invocation& run, const VlanParent& parent, CVLANs& wanted,
+                   const Findings& findings) override {
         if (!findings.sentences.empty()) {
             return EndUnchanged(run, parent, findings);
         }
+        CQuillet& session = run.Session();
         const CVLANs asked = wanted; // adding fills the records with what the provider made of them
         ChangesInTurn adding = ChangeInTurn(run, wanted.m_vecItems.size(), [&](std::size_t i) {
             Add(session, parent, *wanted.m_vecItems[i]);
@@ -220,7 +214,6 @@ class AddVlans final : public NewVlans {
         return Answer(run, parent, asked, wanted, adding);
     }
 
-  private:
     static void Add(CQuillet& session, const VlanParent& parent, CVLAN& vlan) {
         const std::wstring path = ToWide(parent.path);
         Invocation::Check(parent.isTeam ? session.AddVLANToTeam(path, vlan)

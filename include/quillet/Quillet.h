@@ -624,8 +624,8 @@ class QUILLET_API CQuillet {
     // tells whether a value was read at all.
     static HRESULT GetPropertyAsBool(IWbemClassObject* instance, const wchar_t* name, bool& value,
                                      bool& isNull, bool* isRead = nullptr);
-    static HRESULT GetPropertyAsInt(IWbemClassObject* instance, const wchar_t* name, int& value,
-                                    bool& isNull, bool* isRead = nullptr);
+    static HRESULT GetPropertyAsInt(IWbemClassObject* instance, const wchar_t* name, int& value, bool& isNull,
+                                    bool* isRead = nullptr);
     static HRESULT GetPropertyAsLong(IWbemClassObject* instance, const wchar_t* name, LONG& value,
                                      bool& isNull, bool* isRead = nullptr);
     static HRESULT GetPropertyAsUINT64(IWbemClassObject* instance, const wchar_t* name, ULONGLONG& value,
