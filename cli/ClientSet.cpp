@@ -42,7 +42,7 @@ std::optional<bool> ClientSet::Close() {
 }
 
 Json ChangesInTurn::CodeOf(std::size_t change) const {
-    return refusal && change == done ? Json(DescribeResult(refusal->Code())) : Json();
+    return refusal && change == refused ? Json(DescribeResult(refusal->Code())) : Json();
 }
 
 void ChangesInTurn::Settle(Invocation& run) const {
@@ -70,6 +70,7 @@ ChangesInTurn ChangeInTurn(Invocation& run, std::size_t count,
     } catch (const _com_error& failure) {
         outcome.refusal.emplace("finish the command", failure.Error());
     }
+    outcome.refused = outcome.done;
     outcome.restartNeeded = set.Close();
     return outcome;
 }

@@ -42,7 +42,8 @@ const char* RestartText(std::optional<bool> isNeeded);
 struct ChangesInTurn {
     std::size_t count = 0;
     std::size_t done = 0;             ///< the first ones
-    std::optional<Refusal> refusal{}; ///< of the one behind them; the rest was not tried
+    std::optional<Refusal> refusal{}; ///< of the one that ended the turn; the rest was not tried
+    std::size_t refused = 0;          ///< which that is
     std::optional<bool> restartNeeded{};
 
     /// The provider's code of a change that was not made; null where it was not tried.

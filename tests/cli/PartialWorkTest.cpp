@@ -75,6 +75,14 @@ TEST_F(PartialWork, VlanAdd_AVlanThatWasMadeButCannotBeRead_IsThere) {
     EXPECT_THAT(outcome.err, HasSubstr("could not add VLAN 7"));
 }
 
+TEST_F(PartialWork, VlanAdd_TheVlanBehindTheOneThatCannotBeRead_WasNotTried) {
+    const Json json = RunJson({"vlan", "add", FREE, "7", "Lab", "--through", "8"},
+                              Fault("Operation = \"GetObject\"; Target = \"Zorel_VLAN\";"));
+    ASSERT_EQ(json.at("vlans").size(), 1u);
+    EXPECT_EQ(json.at("vlans").at(0).at("number"), 7);
+    EXPECT_EQ(json.at("notAdded"), Json::array({{{"number", 8}, {"name", "Lab 8"}, {"code", nullptr}}}));
+}
+
 TEST_F(PartialWork, VlanAdd_TheOnlyOneRefused_IsAnError) {
     const Json error = RunJson({"vlan", "add", FREE, "7", "Lab"},
                                Fault("Operation = \"ExecMethod\"; MethodName = \"CreateVLAN\";"))
