@@ -1,12 +1,12 @@
 // The ports of an adapter's board, and what one adapter can be asked to do or tell.
 #include <quillet/Quillet.h>
 
-#include "MakeRecord.h"
-#include "ProviderInstance.h"
-#include "ProviderMethod.h"
+#include "Provider/MakeRecord.h"
+#include "Provider/ProviderInstance.h"
+#include "Provider/ProviderMethod.h"
 #include "TeamMemberships.h"
 #include "VariantValue.h"
-#include "Wql.h"
+#include "Provider/Wql.h"
 
 namespace {
 

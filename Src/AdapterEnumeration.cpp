@@ -2,10 +2,10 @@
 #include <quillet/Quillet.h>
 
 #include "Lum2InstUtility.h"
-#include "MakeRecord.h"
-#include "ObjectIds.h"
-#include "PropertyReader.h"
-#include "ProviderSession.h"
+#include "Provider/MakeRecord.h"
+#include "Provider/ObjectIds.h"
+#include "Provider/PropertyReader.h"
+#include "Provider/ProviderSession.h"
 #include "VariantValue.h"
 
 using ATL::CComBSTR;

@@ -2,8 +2,8 @@
 #include <quillet/Quillet.h>
 
 #include "CapabilityCodes.h"
-#include "MakeRecord.h"
-#include "ProviderInstance.h"
+#include "Provider/MakeRecord.h"
+#include "Provider/ProviderInstance.h"
 #include "SafeArray.h"
 
 using ATL::CComBSTR;

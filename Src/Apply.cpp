@@ -1,8 +1,8 @@
 // The apply transaction, which groups a client's changes, and the provider's pending warnings.
 #include <quillet/Quillet.h>
 
-#include "ProviderMethod.h"
-#include "Trace.h"
+#include "Provider/ProviderMethod.h"
+#include "Provider/Trace.h"
 #include "VariantValue.h"
 
 namespace {

@@ -3,10 +3,10 @@
 
 #include "FlashImage.h"
 #include "Lum2InstUtility.h"
-#include "ObjectIds.h"
-#include "ProviderInstance.h"
+#include "Provider/ObjectIds.h"
+#include "Provider/ProviderInstance.h"
 #include "SafeArray.h"
-#include "Trace.h"
+#include "Provider/Trace.h"
 #include "VariantValue.h"
 
 #include <new>

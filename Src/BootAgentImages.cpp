@@ -2,7 +2,7 @@
 #include <quillet/Quillet.h>
 
 #include "FlashImage.h"
-#include "MakeRecord.h"
+#include "Provider/MakeRecord.h"
 #include "VariantValue.h"
 
 using ATL::CComBSTR;

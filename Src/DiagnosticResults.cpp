@@ -1,11 +1,11 @@
 // The results of diagnostic tests, and of packages of tests.
 #include <quillet/Quillet.h>
 
-#include "ProviderInstance.h"
+#include "Provider/ProviderInstance.h"
 #include "QualifierTexts.h"
 #include "SafeArray.h"
 #include "VariantValue.h"
-#include "Wql.h"
+#include "Provider/Wql.h"
 
 #include <algorithm>
 #include <new>

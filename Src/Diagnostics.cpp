@@ -1,11 +1,11 @@
 // Diagnostic tests: listing those of an adapter, starting one and stopping it.
 #include <quillet/Quillet.h>
 
-#include "MakeRecord.h"
-#include "ProviderInstance.h"
-#include "ProviderMethod.h"
+#include "Provider/MakeRecord.h"
+#include "Provider/ProviderInstance.h"
+#include "Provider/ProviderMethod.h"
 #include "VariantValue.h"
-#include "Wql.h"
+#include "Provider/Wql.h"
 
 namespace {
 

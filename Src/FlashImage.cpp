@@ -1,7 +1,7 @@
 #include "FlashImage.h"
 
 #include "SafeArray.h"
-#include "Trace.h"
+#include "Provider/Trace.h"
 
 #include <cstring>
 

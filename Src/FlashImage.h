@@ -2,7 +2,7 @@
 // travel, the call, and the return code.
 #pragma once
 
-#include "ProviderMethod.h"
+#include "Provider/ProviderMethod.h"
 
 #include <quillet/Quillet.h>
 

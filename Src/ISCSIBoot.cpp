@@ -1,9 +1,9 @@
 // Booting from an iSCSI target: the adapters that can, and the part that each of them plays.
 #include <quillet/Quillet.h>
 
-#include "MakeRecord.h"
-#include "ObjectIds.h"
-#include "ProviderMethod.h"
+#include "Provider/MakeRecord.h"
+#include "Provider/ObjectIds.h"
+#include "Provider/ProviderMethod.h"
 #include "VariantValue.h"
 
 namespace {

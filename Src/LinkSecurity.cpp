@@ -2,9 +2,9 @@
 // credentials and statistics. A password or key goes through PutSecret or Secret, and nowhere else.
 #include <quillet/Quillet.h>
 
-#include "ProviderMethod.h"
+#include "Provider/ProviderMethod.h"
 #include "Records/SecretText.h"
-#include "Trace.h"
+#include "Provider/Trace.h"
 #include "VariantValue.h"
 
 namespace {

@@ -2,9 +2,9 @@
 #include <quillet/Quillet.h>
 
 #include "Lum2InstUtility.h"
-#include "MakeRecord.h"
+#include "Provider/MakeRecord.h"
 #include "Records/Text.h"
-#include "ResultCodes.h"
+#include "Provider/ResultCodes.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // Power-saving and wake-on-LAN options of an adapter.
 #include <quillet/Quillet.h>
 
-#include "ProviderMethod.h"
-#include "Trace.h"
+#include "Provider/ProviderMethod.h"
+#include "Provider/Trace.h"
 #include "VariantValue.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <windows.h>
 #include <wbemidl.h>
 
-#include "ResultCodes.h"
+#include "Provider/ResultCodes.h"
 
 /// 0x80041001 without a service: a connection that succeeds may have brought none, and not every COM looks.
 inline HRESULT SetProxyBlanket(IWbemServices* service) {

@@ -2,7 +2,7 @@
 #include "QualifierTexts.h"
 
 #include "SafeArray.h"
-#include "Trace.h"
+#include "Provider/Trace.h"
 #include "VariantValue.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // The qualifiers of a class's property, where the provider keeps display texts.
 #pragma once
 
-#include "ProviderSession.h"
+#include "Provider/ProviderSession.h"
 
 /// Fetches the qualifiers of a property of a class, with the texts of the connection's language. Failed steps
 /// are traced.

@@ -4,12 +4,12 @@
 
 #include "ConfigurationKeys.h"
 #include "LumRegistry.h"
-#include "ProviderEnum.h"
-#include "ProviderNames.h"
+#include "Provider/ProviderEnum.h"
+#include "Provider/ProviderNames.h"
 #include "ProxyBlanket.h"
-#include "ResultCodes.h"
+#include "Provider/ResultCodes.h"
 #include "SessionLocale.h"
-#include "Trace.h"
+#include "Provider/Trace.h"
 #include "VariantValue.h"
 
 #include <utility>

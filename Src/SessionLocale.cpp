@@ -2,7 +2,7 @@
 
 #include "ConfigurationKeys.h"
 #include "LumRegistry.h"
-#include "Trace.h"
+#include "Provider/Trace.h"
 
 #include <algorithm>
 #include <array>

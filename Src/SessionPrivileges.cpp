@@ -1,7 +1,7 @@
 // The first step of a connection: the provider checks privileges that a process has but must enable.
 #include <quillet/Quillet.h>
 
-#include "ResultCodes.h"
+#include "Provider/ResultCodes.h"
 
 #include <memory>
 #include <new>

@@ -3,9 +3,9 @@
 #include <quillet/Quillet.h>
 
 #include "AdapterIds.h"
-#include "ObjectIds.h"
+#include "Provider/ObjectIds.h"
 #include "OwnedSetting.h"
-#include "ProviderSession.h"
+#include "Provider/ProviderSession.h"
 
 #include <algorithm>
 

@@ -2,11 +2,11 @@
 #include <quillet/Quillet.h>
 
 #include "Lum2InstUtility.h"
-#include "MakeRecord.h"
-#include "ObjectIds.h"
+#include "Provider/MakeRecord.h"
+#include "Provider/ObjectIds.h"
 #include "OwnedSetting.h"
-#include "ProviderInstance.h"
-#include "Wql.h"
+#include "Provider/ProviderInstance.h"
+#include "Provider/Wql.h"
 
 #include <algorithm>
 

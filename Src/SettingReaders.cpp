@@ -1,8 +1,8 @@
 // Filling a setting of each kind from its provider instance.
 #include <quillet/Quillet.h>
 
-#include "PropertyReader.h"
-#include "Trace.h"
+#include "Provider/PropertyReader.h"
+#include "Provider/Trace.h"
 
 namespace {
 

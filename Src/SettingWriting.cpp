@@ -1,10 +1,10 @@
 // Writing a setting back, and asking the team or the VLAN whether it may be written.
 #include <quillet/Quillet.h>
 
-#include "ObjectIds.h"
-#include "ProviderInstance.h"
-#include "ProviderMethod.h"
-#include "Trace.h"
+#include "Provider/ObjectIds.h"
+#include "Provider/ProviderInstance.h"
+#include "Provider/ProviderMethod.h"
+#include "Provider/Trace.h"
 #include "VariantValue.h"
 
 HRESULT CQuillet::SetSetting(const std::wstring& settingId, const CSetting& setting) {

@@ -2,9 +2,9 @@
 #include <quillet/Quillet.h>
 
 #include "AdapterIds.h"
-#include "ProviderInstance.h"
-#include "ProviderMethod.h"
-#include "Trace.h"
+#include "Provider/ProviderInstance.h"
+#include "Provider/ProviderMethod.h"
+#include "Provider/Trace.h"
 #include "VariantValue.h"
 
 #include <algorithm>

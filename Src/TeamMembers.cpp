@@ -2,9 +2,9 @@
 #include <quillet/Quillet.h>
 
 #include "CircularSearch.h"
-#include "MakeRecord.h"
-#include "ObjectIds.h"
-#include "ProviderInstance.h"
+#include "Provider/MakeRecord.h"
+#include "Provider/ObjectIds.h"
+#include "Provider/ProviderInstance.h"
 #include "TeamMemberships.h"
 
 #include "Lum2InstUtility.h"

@@ -1,8 +1,8 @@
 // The associations that join adapters to teams ("Zorel_TeamedMemberAdapter"), from either end.
 #pragma once
 
-#include "ProviderSession.h"
-#include "Wql.h"
+#include "Provider/ProviderSession.h"
+#include "Provider/Wql.h"
 
 /// What trace lines call one of them, and an enumeration of them that breaks off.
 inline constexpr const wchar_t* MEMBERSHIP_VARIABLE = L"pTeamedMemberAdapter";

@@ -2,8 +2,8 @@
 #include <quillet/Quillet.h>
 
 #include "AdapterIds.h"
-#include "ObjectIds.h"
-#include "ProviderInstance.h"
+#include "Provider/ObjectIds.h"
+#include "Provider/ProviderInstance.h"
 #include "TeamMemberships.h"
 #include "VariantValue.h"
 

@@ -2,10 +2,10 @@
 #include <quillet/Quillet.h>
 
 #include "AdapterIds.h"
-#include "ProviderInstance.h"
-#include "ProviderMethod.h"
+#include "Provider/ProviderInstance.h"
+#include "Provider/ProviderMethod.h"
 #include "SafeArray.h"
-#include "Trace.h"
+#include "Provider/Trace.h"
 #include "VariantValue.h"
 
 using ATL::CComBSTR;

@@ -2,9 +2,9 @@
 #include <quillet/Quillet.h>
 
 #include "CapabilityCodes.h"
-#include "MakeRecord.h"
-#include "ProviderInstance.h"
-#include "ProviderMethod.h"
+#include "Provider/MakeRecord.h"
+#include "Provider/ProviderInstance.h"
+#include "Provider/ProviderMethod.h"
 #include "SafeArray.h"
 #include "TeamMemberships.h"
 #include "VariantValue.h"

@@ -1,10 +1,10 @@
 // Adding VLANs to an adapter or a team, changing and removing them.
 #include <quillet/Quillet.h>
 
-#include "ObjectIds.h"
-#include "ProviderInstance.h"
-#include "ProviderMethod.h"
-#include "Trace.h"
+#include "Provider/ObjectIds.h"
+#include "Provider/ProviderInstance.h"
+#include "Provider/ProviderMethod.h"
+#include "Provider/Trace.h"
 #include "VariantValue.h"
 
 using ATL::CComPtr;

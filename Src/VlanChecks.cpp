@@ -1,7 +1,7 @@
 // The checks that a client makes before it adds or changes VLANs.
 #include <quillet/Quillet.h>
 
-#include "Trace.h"
+#include "Provider/Trace.h"
 #include "VlanRules.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "VlanRules.h"
 
-#include "Trace.h"
+#include "Provider/Trace.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Making records: what an operation does when there is no memory for one, wherever it is missing.
-#include "MakeRecord.h"
+#include "Provider/MakeRecord.h"
 #include "ProviderTest.h"
 
 #include <vector>

@@ -1,7 +1,7 @@
 // The reader of properties: what it traces for each way a read can go, and that it stops at the first
 // failure.
 #include "ProviderTest.h"
-#include "PropertyReader.h"
+#include "Provider/PropertyReader.h"
 #include "SafeArrays.h"
 #include "StubInstance.h"
 #include "VariantValue.h"

@@ -1,7 +1,7 @@
 // Walking an enumeration, the queries of a session, and single objects.
-#include "ProviderEnum.h"
-#include "ProviderInstance.h"
-#include "ProviderSession.h"
+#include "Provider/ProviderEnum.h"
+#include "Provider/ProviderInstance.h"
+#include "Provider/ProviderSession.h"
 #include "ProviderTest.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // The call of a provider method, step by step: what is sent in which order, and that nothing is sent after
 // the step that failed.
-#include "ProviderMethod.h"
+#include "Provider/ProviderMethod.h"
 #include "ProviderTest.h"
 #include "VariantValue.h"
 

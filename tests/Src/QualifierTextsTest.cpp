@@ -1,6 +1,6 @@
 // Display texts out of the qualifiers of a property.
 #include "ConfigurationKeys.h"
-#include "ProviderNames.h"
+#include "Provider/ProviderNames.h"
 #include "ProviderTest.h"
 #include "RegistryScope.h"
 

@@ -1,5 +1,5 @@
 // The query texts, letter by letter.
-#include "Wql.h"
+#include "Provider/Wql.h"
 
 #include <gtest/gtest.h>
 

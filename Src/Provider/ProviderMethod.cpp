@@ -1,8 +1,8 @@
-#include "ProviderMethod.h"
+#include "Provider/ProviderMethod.h"
 
 #include "SafeArray.h"
 #include "SecretVariant.h"
-#include "Trace.h"
+#include "Provider/Trace.h"
 
 using ATL::CComPtr;
 

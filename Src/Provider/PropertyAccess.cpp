@@ -2,11 +2,11 @@
 // provider, and the switch of a context to partial retrieval.
 #include <quillet/Quillet.h>
 
-#include "GetProperty.h"
-#include "ProviderSession.h"
+#include "Provider/GetProperty.h"
+#include "Provider/ProviderSession.h"
 #include "SafeArray.h"
 #include "SecretVariant.h"
-#include "Trace.h"
+#include "Provider/Trace.h"
 #include "VariantValue.h"
 
 using ATL::CComBSTR;

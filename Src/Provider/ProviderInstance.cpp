@@ -1,6 +1,6 @@
-#include "ProviderInstance.h"
+#include "Provider/ProviderInstance.h"
 
-#include "Trace.h"
+#include "Provider/Trace.h"
 
 ProviderInstance::ProviderInstance(const ProviderSession& session, const std::wstring& path,
                                    const wchar_t* failure, const wchar_t* missing)

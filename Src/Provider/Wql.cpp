@@ -1,4 +1,4 @@
-#include "Wql.h"
+#include "Provider/Wql.h"
 
 namespace {
 

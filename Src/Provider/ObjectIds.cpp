@@ -1,8 +1,8 @@
-#include "ObjectIds.h"
+#include "Provider/ObjectIds.h"
 
 #include "Lum2InstUtility.h"
 #include "Records/Text.h"
-#include "Trace.h"
+#include "Provider/Trace.h"
 #include "VariantValue.h"
 
 using Helper = CZorel_EthernetAdapterMgrHelper;

@@ -1,7 +1,7 @@
 // Fetching one property into a value of its type: what every typed getter does.
 #pragma once
 
-#include "Trace.h"
+#include "Provider/Trace.h"
 #include "VariantValue.h"
 
 #include <wbemidl.h>

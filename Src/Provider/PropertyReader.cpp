@@ -1,9 +1,9 @@
-#include "PropertyReader.h"
+#include "Provider/PropertyReader.h"
 
-#include "GetProperty.h"
-#include "ResultCodes.h"
+#include "Provider/GetProperty.h"
+#include "Provider/ResultCodes.h"
 #include "SafeArray.h"
-#include "Trace.h"
+#include "Provider/Trace.h"
 
 using ATL::CComBSTR;
 

@@ -2,7 +2,7 @@
 // released before the next one, so a provider may hand out as many as it likes.
 #pragma once
 
-#include "Trace.h"
+#include "Provider/Trace.h"
 
 #include <windows.h>
 #include <wbemidl.h>

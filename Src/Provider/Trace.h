@@ -3,7 +3,7 @@
 #pragma once
 
 #include "LumDebug.h"
-#include "ProviderNames.h"
+#include "Provider/ProviderNames.h"
 #include "TraceAtLoad.h"
 
 /// Writes a text as it stands, per cent signs included.

@@ -2,7 +2,7 @@
 // does nothing more, so that a list of reads is a list of lines.
 #pragma once
 
-#include "ProviderNames.h"
+#include "Provider/ProviderNames.h"
 
 #include <quillet/Quillet.h>
 

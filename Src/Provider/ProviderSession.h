@@ -2,9 +2,9 @@
 // released on every path.
 #pragma once
 
-#include "ProviderEnum.h"
-#include "ProviderNames.h"
-#include "ResultCodes.h"
+#include "Provider/ProviderEnum.h"
+#include "Provider/ProviderNames.h"
+#include "Provider/ResultCodes.h"
 
 #include <quillet/Quillet.h>
 

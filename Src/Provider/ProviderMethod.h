@@ -3,8 +3,8 @@
 // done.
 #pragma once
 
-#include "PropertyReader.h"
-#include "ProviderSession.h"
+#include "Provider/PropertyReader.h"
+#include "Provider/ProviderSession.h"
 
 class ProviderMethod {
   public:

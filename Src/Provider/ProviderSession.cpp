@@ -1,4 +1,4 @@
-#include "ProviderSession.h"
+#include "Provider/ProviderSession.h"
 
 ProviderSession::ProviderSession(CQuillet& quillet, const wchar_t* missing)
     : ProviderSession(quillet, Refusal{false, nullptr}, missing) {}

@@ -2,7 +2,7 @@
 // step of the operation, with a line of its own; no exception of the heap leaves it.
 #pragma once
 
-#include "Trace.h"
+#include "Provider/Trace.h"
 
 #include <memory>
 #include <new>

@@ -2,8 +2,8 @@
 // has failed already, so that an operation is a session, an instance and a list of reads.
 #pragma once
 
-#include "PropertyReader.h"
-#include "ProviderSession.h"
+#include "Provider/PropertyReader.h"
+#include "Provider/ProviderSession.h"
 
 /// Sets a property of an object in the client's hands. A failure is traced "Put -> <symbol>".
 HRESULT PutProperty(IWbemClassObject* object, const ProviderName& property, _variant_t value);
