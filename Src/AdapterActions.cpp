@@ -5,7 +5,7 @@
 #include "Provider/ProviderInstance.h"
 #include "Provider/ProviderMethod.h"
 #include "TeamMemberships.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 #include "Provider/Wql.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include "Provider/ObjectIds.h"
 #include "Provider/PropertyReader.h"
 #include "Provider/ProviderSession.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 using ATL::CComBSTR;
 

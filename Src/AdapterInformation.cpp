@@ -4,7 +4,7 @@
 #include "CapabilityCodes.h"
 #include "Provider/MakeRecord.h"
 #include "Provider/ProviderInstance.h"
-#include "SafeArray.h"
+#include "Variants/SafeArray.h"
 
 using ATL::CComBSTR;
 

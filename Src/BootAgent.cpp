@@ -5,9 +5,9 @@
 #include "Lum2InstUtility.h"
 #include "Provider/ObjectIds.h"
 #include "Provider/ProviderInstance.h"
-#include "SafeArray.h"
+#include "Variants/SafeArray.h"
 #include "Provider/Trace.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 #include <new>
 

@@ -3,7 +3,7 @@
 
 #include "FlashImage.h"
 #include "Provider/MakeRecord.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 using ATL::CComBSTR;
 

@@ -3,8 +3,8 @@
 
 #include "Provider/ProviderInstance.h"
 #include "QualifierTexts.h"
-#include "SafeArray.h"
-#include "VariantValue.h"
+#include "Variants/SafeArray.h"
+#include "Variants/VariantValue.h"
 #include "Provider/Wql.h"
 
 #include <algorithm>

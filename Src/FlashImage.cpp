@@ -1,6 +1,6 @@
 #include "FlashImage.h"
 
-#include "SafeArray.h"
+#include "Variants/SafeArray.h"
 #include "Provider/Trace.h"
 
 #include <cstring>

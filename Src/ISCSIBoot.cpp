@@ -4,7 +4,7 @@
 #include "Provider/MakeRecord.h"
 #include "Provider/ObjectIds.h"
 #include "Provider/ProviderMethod.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 namespace {
 

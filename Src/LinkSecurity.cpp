@@ -5,7 +5,7 @@
 #include "Provider/ProviderMethod.h"
 #include "Records/SecretText.h"
 #include "Provider/Trace.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 namespace {
 

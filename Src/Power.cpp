@@ -3,7 +3,7 @@
 
 #include "Provider/ProviderMethod.h"
 #include "Provider/Trace.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // Display texts that the provider keeps in the qualifiers of a property, in the language of the connection.
 #include "QualifierTexts.h"
 
-#include "SafeArray.h"
+#include "Variants/SafeArray.h"
 #include "Provider/Trace.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 #include <algorithm>
 

@@ -10,7 +10,7 @@
 #include "Provider/ResultCodes.h"
 #include "SessionLocale.h"
 #include "Provider/Trace.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 #include <utility>
 

@@ -5,7 +5,7 @@
 #include "Provider/ProviderInstance.h"
 #include "Provider/ProviderMethod.h"
 #include "Provider/Trace.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 #include <algorithm>
 #include <iterator>

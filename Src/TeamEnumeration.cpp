@@ -5,7 +5,7 @@
 #include "Provider/MakeRecord.h"
 #include "Provider/ObjectIds.h"
 #include "Provider/ProviderInstance.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 #include "Provider/Wql.h"
 
 using ATL::CComBSTR;

@@ -5,7 +5,7 @@
 #include "Provider/ObjectIds.h"
 #include "Provider/ProviderInstance.h"
 #include "TeamMemberships.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 #include <algorithm>
 

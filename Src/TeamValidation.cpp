@@ -4,9 +4,9 @@
 #include "AdapterIds.h"
 #include "Provider/ProviderInstance.h"
 #include "Provider/ProviderMethod.h"
-#include "SafeArray.h"
+#include "Variants/SafeArray.h"
 #include "Provider/Trace.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 using ATL::CComBSTR;
 using ATL::CComPtr;

@@ -5,9 +5,9 @@
 #include "Provider/MakeRecord.h"
 #include "Provider/ProviderInstance.h"
 #include "Provider/ProviderMethod.h"
-#include "SafeArray.h"
+#include "Variants/SafeArray.h"
 #include "TeamMemberships.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 #include <algorithm>
 

@@ -6,7 +6,7 @@
 #include "Provider/ObjectIds.h"
 #include "Provider/ProviderInstance.h"
 #include "TeamMemberships.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 using ATL::CComBSTR;
 using ATL::CComPtr;

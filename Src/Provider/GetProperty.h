@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Provider/Trace.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 #include <wbemidl.h>
 

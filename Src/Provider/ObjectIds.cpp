@@ -3,7 +3,7 @@
 #include "Lum2InstUtility.h"
 #include "Records/Text.h"
 #include "Provider/Trace.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 using Helper = CZorel_EthernetAdapterMgrHelper;
 

@@ -4,10 +4,10 @@
 
 #include "Provider/GetProperty.h"
 #include "Provider/ProviderSession.h"
-#include "SafeArray.h"
-#include "SecretVariant.h"
+#include "Variants/SafeArray.h"
+#include "Variants/SecretVariant.h"
 #include "Provider/Trace.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 using ATL::CComBSTR;
 

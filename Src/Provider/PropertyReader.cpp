@@ -2,7 +2,7 @@
 
 #include "Provider/GetProperty.h"
 #include "Provider/ResultCodes.h"
-#include "SafeArray.h"
+#include "Variants/SafeArray.h"
 #include "Provider/Trace.h"
 
 using ATL::CComBSTR;

@@ -1,7 +1,7 @@
 #include "Provider/ProviderMethod.h"
 
-#include "SafeArray.h"
-#include "SecretVariant.h"
+#include "Variants/SafeArray.h"
+#include "Variants/SecretVariant.h"
 #include "Provider/Trace.h"
 
 using ATL::CComPtr;

@@ -2,7 +2,7 @@
 #include "BootMachine.h"
 
 #include "FlashImage.h"
-#include "SafeArray.h"
+#include "Variants/SafeArray.h"
 #include "SafeArrays.h"
 
 #include <memory>

@@ -4,7 +4,7 @@
 #include "Provider/PropertyReader.h"
 #include "SafeArrays.h"
 #include "StubInstance.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // the step that failed.
 #include "Provider/ProviderMethod.h"
 #include "ProviderTest.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Arrays from a provider, whatever their type and bounds, and the array of texts that is put.
-#include "SafeArray.h"
+#include "Variants/SafeArray.h"
 #include "SafeArrays.h"
 
 #include <gtest/gtest.h>

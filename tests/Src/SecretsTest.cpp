@@ -3,7 +3,7 @@
 #include "EveryWay.h"
 
 #include "Records/SecretText.h"
-#include "SecretVariant.h"
+#include "Variants/SecretVariant.h"
 
 #include <cwchar>
 

@@ -1,6 +1,6 @@
 // What each type of VARIANT reads as, and the VARIANTs that are put.
 #include "VariantCases.h"
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 #include <gtest/gtest.h>
 

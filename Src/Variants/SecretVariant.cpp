@@ -1,4 +1,4 @@
-#include "SecretVariant.h"
+#include "Variants/SecretVariant.h"
 
 #include "Records/SecretText.h"
 

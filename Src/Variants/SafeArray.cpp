@@ -1,6 +1,6 @@
-#include "SafeArray.h"
+#include "Variants/SafeArray.h"
 
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 #include <cstring>
 #include <limits>

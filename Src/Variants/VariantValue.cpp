@@ -1,4 +1,4 @@
-#include "VariantValue.h"
+#include "Variants/VariantValue.h"
 
 #include <algorithm>
 #include <cstdint>
