@@ -1,5 +1,5 @@
 // Display texts out of the qualifiers of a property.
-#include "ConfigurationKeys.h"
+#include "Session/ConfigurationKeys.h"
 #include "Provider/ProviderNames.h"
 #include "ProviderTest.h"
 #include "RegistryScope.h"

@@ -2,8 +2,8 @@
 #include "ProviderTest.h"
 #include "RegistryScope.h"
 
-#include "ConfigurationKeys.h"
-#include "SessionLocale.h"
+#include "Session/ConfigurationKeys.h"
+#include "Session/SessionLocale.h"
 
 #include <quillet-platform/TestHooks.h>
 

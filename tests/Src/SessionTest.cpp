@@ -5,7 +5,7 @@
 #include "RegistryScope.h"
 #include "StubInstance.h"
 
-#include "ConfigurationKeys.h"
+#include "Session/ConfigurationKeys.h"
 
 namespace {
 

@@ -2,10 +2,10 @@
 // cannot be put into the interface table, so a connection ends there; everything before that step, and every
 // typed read, is real.
 #include "ProviderTest.h"
-#include "ProxyBlanket.h"
+#include "Session/ProxyBlanket.h"
 #include "RegistryScope.h"
 
-#include "ConfigurationKeys.h"
+#include "Session/ConfigurationKeys.h"
 
 #include <algorithm>
 

@@ -2,13 +2,13 @@
 // thread of the client, and letting go of them.
 #include <quillet/Quillet.h>
 
-#include "ConfigurationKeys.h"
+#include "Session/ConfigurationKeys.h"
 #include "LumRegistry.h"
 #include "Provider/ProviderEnum.h"
 #include "Provider/ProviderNames.h"
-#include "ProxyBlanket.h"
+#include "Session/ProxyBlanket.h"
 #include "Provider/ResultCodes.h"
-#include "SessionLocale.h"
+#include "Session/SessionLocale.h"
 #include "Provider/Trace.h"
 #include "Variants/VariantValue.h"
 

@@ -1,6 +1,6 @@
-#include "SessionLocale.h"
+#include "Session/SessionLocale.h"
 
-#include "ConfigurationKeys.h"
+#include "Session/ConfigurationKeys.h"
 #include "LumRegistry.h"
 #include "Provider/Trace.h"
 
