@@ -2,7 +2,7 @@
 // of the members does to it.
 #include <quillet/Quillet.h>
 
-#include "AdapterIds.h"
+#include "Adapters/AdapterIds.h"
 #include "Provider/ObjectIds.h"
 #include "OwnedSetting.h"
 #include "Provider/ProviderSession.h"

@@ -1,7 +1,7 @@
 // Making a team, and the rules that can be checked before the provider is asked.
 #include <quillet/Quillet.h>
 
-#include "AdapterIds.h"
+#include "Adapters/AdapterIds.h"
 #include "Provider/ProviderInstance.h"
 #include "Provider/ProviderMethod.h"
 #include "Provider/Trace.h"

@@ -1,7 +1,7 @@
 // Changing and removing a team: its members, mode, name, and the priority of a member.
 #include <quillet/Quillet.h>
 
-#include "AdapterIds.h"
+#include "Adapters/AdapterIds.h"
 #include "Provider/ObjectIds.h"
 #include "Provider/ProviderInstance.h"
 #include "TeamMemberships.h"

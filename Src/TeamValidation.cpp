@@ -1,7 +1,7 @@
 // Asking the provider about a team before it is made or changed, and for the prefix of its name.
 #include <quillet/Quillet.h>
 
-#include "AdapterIds.h"
+#include "Adapters/AdapterIds.h"
 #include "Provider/ProviderInstance.h"
 #include "Provider/ProviderMethod.h"
 #include "Variants/SafeArray.h"

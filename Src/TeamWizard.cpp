@@ -1,7 +1,7 @@
 // What the team wizard offers: adapters, team modes, the best mode, and the test of the switch.
 #include <quillet/Quillet.h>
 
-#include "CapabilityCodes.h"
+#include "Adapters/CapabilityCodes.h"
 #include "Provider/MakeRecord.h"
 #include "Provider/ProviderInstance.h"
 #include "Provider/ProviderMethod.h"

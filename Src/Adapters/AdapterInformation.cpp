@@ -1,7 +1,7 @@
 // What is known of one adapter: its names, link and state, capabilities, and identity on its bus.
 #include <quillet/Quillet.h>
 
-#include "CapabilityCodes.h"
+#include "Adapters/CapabilityCodes.h"
 #include "Provider/MakeRecord.h"
 #include "Provider/ProviderInstance.h"
 #include "Variants/SafeArray.h"
