@@ -4,7 +4,7 @@
 #include "Lum2InstUtility.h"
 #include "Provider/MakeRecord.h"
 #include "Provider/ObjectIds.h"
-#include "OwnedSetting.h"
+#include "Settings/OwnedSetting.h"
 #include "Provider/ProviderInstance.h"
 #include "Provider/Wql.h"
 

@@ -4,7 +4,7 @@
 
 #include "Adapters/AdapterIds.h"
 #include "Provider/ObjectIds.h"
-#include "OwnedSetting.h"
+#include "Settings/OwnedSetting.h"
 #include "Provider/ProviderSession.h"
 
 #include <algorithm>
