@@ -1,7 +1,7 @@
 // The members of a team: records, roles, and status after a look at the adapter.
 #include "TeamFixture.h"
 
-#include "CircularSearch.h"
+#include "Teams/CircularSearch.h"
 
 #include <numeric>
 

@@ -1,11 +1,11 @@
 // The members of a team: who they are, which role they have, and in what state they are.
 #include <quillet/Quillet.h>
 
-#include "CircularSearch.h"
+#include "Teams/CircularSearch.h"
 #include "Provider/MakeRecord.h"
 #include "Provider/ObjectIds.h"
 #include "Provider/ProviderInstance.h"
-#include "TeamMemberships.h"
+#include "Teams/TeamMemberships.h"
 
 #include "Lum2InstUtility.h"
 
