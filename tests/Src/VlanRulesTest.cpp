@@ -2,7 +2,7 @@
 // combination of parent, VLAN and circumstance.
 #include "VlanMachine.h"
 
-#include "VlanRules.h"
+#include "Vlans/VlanRules.h"
 
 #include "LumDebug.h"
 #include "TraceAtLoad.h"

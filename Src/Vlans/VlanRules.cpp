@@ -1,4 +1,4 @@
-#include "VlanRules.h"
+#include "Vlans/VlanRules.h"
 
 #include "Provider/Trace.h"
 

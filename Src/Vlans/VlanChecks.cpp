@@ -2,7 +2,7 @@
 #include <quillet/Quillet.h>
 
 #include "Provider/Trace.h"
-#include "VlanRules.h"
+#include "Vlans/VlanRules.h"
 
 #include <algorithm>
 
