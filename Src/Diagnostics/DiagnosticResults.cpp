@@ -2,7 +2,7 @@
 #include <quillet/Quillet.h>
 
 #include "Provider/ProviderInstance.h"
-#include "QualifierTexts.h"
+#include "Diagnostics/QualifierTexts.h"
 #include "Variants/SafeArray.h"
 #include "Variants/VariantValue.h"
 #include "Provider/Wql.h"

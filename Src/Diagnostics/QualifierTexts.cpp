@@ -1,5 +1,5 @@
 // Display texts that the provider keeps in the qualifiers of a property, in the language of the connection.
-#include "QualifierTexts.h"
+#include "Diagnostics/QualifierTexts.h"
 
 #include "Variants/SafeArray.h"
 #include "Provider/Trace.h"
