@@ -1,7 +1,7 @@
 // Boot agents: what is known of one, and reading and writing its flash memory.
 #include "BootMachine.h"
 
-#include "FlashImage.h"
+#include "Boot/FlashImage.h"
 #include "Variants/SafeArray.h"
 #include "SafeArrays.h"
 

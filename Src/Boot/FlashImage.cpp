@@ -1,4 +1,4 @@
-#include "FlashImage.h"
+#include "Boot/FlashImage.h"
 
 #include "Variants/SafeArray.h"
 #include "Provider/Trace.h"

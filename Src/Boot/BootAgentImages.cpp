@@ -1,7 +1,7 @@
 // Image files before they are written: which images one holds, and whether it is right.
 #include <quillet/Quillet.h>
 
-#include "FlashImage.h"
+#include "Boot/FlashImage.h"
 #include "Provider/MakeRecord.h"
 #include "Variants/VariantValue.h"
 

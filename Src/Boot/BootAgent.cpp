@@ -1,7 +1,7 @@
 // Boot agents: what is known of one, reading its flash memory and writing it.
 #include <quillet/Quillet.h>
 
-#include "FlashImage.h"
+#include "Boot/FlashImage.h"
 #include "Lum2InstUtility.h"
 #include "Provider/ObjectIds.h"
 #include "Provider/ProviderInstance.h"
