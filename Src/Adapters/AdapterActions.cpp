@@ -4,7 +4,7 @@
 #include "Provider/MakeRecord.h"
 #include "Provider/ProviderInstance.h"
 #include "Provider/ProviderMethod.h"
-#include "Teams/TeamMemberships.h"
+#include "Adapters/TeamMemberships.h"
 #include "Variants/VariantValue.h"
 #include "Provider/Wql.h"
 

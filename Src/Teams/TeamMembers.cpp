@@ -5,7 +5,7 @@
 #include "Provider/MakeRecord.h"
 #include "Provider/ObjectIds.h"
 #include "Provider/ProviderInstance.h"
-#include "Teams/TeamMemberships.h"
+#include "Adapters/TeamMemberships.h"
 
 #include "Lum2InstUtility.h"
 

@@ -4,7 +4,7 @@
 #include "Adapters/AdapterIds.h"
 #include "Provider/ObjectIds.h"
 #include "Provider/ProviderInstance.h"
-#include "Teams/TeamMemberships.h"
+#include "Adapters/TeamMemberships.h"
 #include "Variants/VariantValue.h"
 
 #include <algorithm>

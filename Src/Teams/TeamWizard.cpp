@@ -6,7 +6,7 @@
 #include "Provider/ProviderInstance.h"
 #include "Provider/ProviderMethod.h"
 #include "Variants/SafeArray.h"
-#include "Teams/TeamMemberships.h"
+#include "Adapters/TeamMemberships.h"
 #include "Variants/VariantValue.h"
 
 #include <algorithm>
