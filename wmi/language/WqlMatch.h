@@ -1,7 +1,7 @@
 // Evaluating the conditions of a query; the repository lends it its knowledge of object identity.
 #pragma once
 
-#include <quillet-simulator/Wql.h>
+#include <quillet-wmi/Wql.h>
 
 #include <functional>
 

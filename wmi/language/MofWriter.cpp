@@ -1,9 +1,9 @@
 // Classes and instances as MOF text.
-#include <quillet-simulator/Mof.h>
+#include <quillet-wmi/Mof.h>
 
-#include "MofQualifiers.h"
+#include "language/MofQualifiers.h"
 
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 namespace quillet::simulator {
 

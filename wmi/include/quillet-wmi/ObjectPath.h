@@ -1,7 +1,7 @@
 // WMI object paths: \\server\namespace:Class.Key="value",Other=5 and their shorter forms.
 #pragma once
 
-#include <quillet-simulator/Model.h>
+#include <quillet-wmi/Model.h>
 
 namespace quillet::simulator {
 

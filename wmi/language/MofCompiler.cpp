@@ -1,10 +1,10 @@
 // From MOF tokens to classes and instances in a repository.
-#include <quillet-simulator/Mof.h>
+#include <quillet-wmi/Mof.h>
 
-#include "MofLexer.h"
-#include "MofQualifiers.h"
+#include "language/MofLexer.h"
+#include "language/MofQualifiers.h"
 
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 #include <algorithm>
 #include <array>

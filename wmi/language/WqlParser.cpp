@@ -1,8 +1,8 @@
 // From the text of a query to its tree.
-#include <quillet-simulator/Wql.h>
+#include <quillet-wmi/Wql.h>
 
-#include <quillet-simulator/ObjectPath.h>
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/ObjectPath.h>
+#include <quillet-wmi/Text.h>
 
 namespace quillet::simulator {
 

@@ -1,7 +1,7 @@
 // What a class takes over from its superclass.
 #pragma once
 
-#include <quillet-simulator/Model.h>
+#include <quillet-wmi/Model.h>
 
 namespace quillet::simulator {
 

@@ -1,7 +1,7 @@
 // Parsing and formatting of object paths.
-#include <quillet-simulator/ObjectPath.h>
+#include <quillet-wmi/ObjectPath.h>
 
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // Tables of standard qualifiers and of locales.
-#include "MofQualifiers.h"
+#include "language/MofQualifiers.h"
 
 namespace quillet::simulator {
 

@@ -1,5 +1,5 @@
 // Inheritance of properties, methods and qualifiers.
-#include "ClassMerge.h"
+#include "model/ClassMerge.h"
 
 #include <algorithm>
 #include <set>

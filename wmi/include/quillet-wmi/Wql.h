@@ -1,7 +1,7 @@
 // WQL: SELECT, ASSOCIATORS OF and REFERENCES OF, parsed into a tree that the repository evaluates.
 #pragma once
 
-#include <quillet-simulator/Model.h>
+#include <quillet-wmi/Model.h>
 
 namespace quillet::simulator {
 

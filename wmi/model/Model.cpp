@@ -1,7 +1,7 @@
 // Names, values and the look-ups of class definitions and instances.
-#include <quillet-simulator/Model.h>
+#include <quillet-wmi/Model.h>
 
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 #include <algorithm>
 #include <cfloat>

@@ -1,7 +1,7 @@
 // The words of a MOF text.
 #pragma once
 
-#include <quillet-simulator/Mof.h>
+#include <quillet-wmi/Mof.h>
 
 namespace quillet::simulator {
 

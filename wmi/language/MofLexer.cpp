@@ -1,7 +1,7 @@
 // From MOF text to tokens.
-#include "MofLexer.h"
+#include "language/MofLexer.h"
 
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 #include <algorithm>
 

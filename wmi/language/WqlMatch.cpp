@@ -1,8 +1,8 @@
 // The truth of WQL conditions: comparisons by CIM type, LIKE, null.
-#include "WqlMatch.h"
+#include "language/WqlMatch.h"
 
-#include <quillet-simulator/ObjectPath.h>
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/ObjectPath.h>
+#include <quillet-wmi/Text.h>
 
 #include <algorithm>
 #include <compare>

@@ -1,5 +1,5 @@
 // Case folding, UTF-8 and numbers as text, alike on every host and in every locale.
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 #include <algorithm>
 #include <array>
