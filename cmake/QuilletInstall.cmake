@@ -6,10 +6,10 @@ include(CMakePackageConfigHelpers)
 set(platform_include ${CMAKE_INSTALL_INCLUDEDIR}/quillet-sdk)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Quillet)
 
-set(installed quillet quillet_shared quillet_simulator quillet_simulator_language quillet_platform)
+set(installed quillet quillet_shared quillet_simulator quillet_wmi quillet_platform)
 set_target_properties(quillet_platform PROPERTIES EXPORT_NAME platform)
 set_target_properties(quillet_simulator PROPERTIES EXPORT_NAME simulator)
-set_target_properties(quillet_simulator_language PROPERTIES EXPORT_NAME simulator_language)
+set_target_properties(quillet_wmi PROPERTIES EXPORT_NAME wmi)
 install(TARGETS ${installed} EXPORT QuilletTargets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
@@ -20,7 +20,7 @@ endforeach()
 
 install(DIRECTORY include/quillet ${PROJECT_BINARY_DIR}/include/quillet DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   FILES_MATCHING PATTERN "*.h")
-install(DIRECTORY simulator/include/quillet-simulator DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+install(DIRECTORY simulator/include/quillet-simulator wmi/include/quillet-wmi DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   FILES_MATCHING PATTERN "*.h")
 if(NOT QUILLET_HAVE_ATLBASE)
   install(FILES platform/atl/atlbase.h DESTINATION ${platform_include})

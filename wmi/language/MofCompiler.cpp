@@ -1,22 +1,22 @@
-// From MOF tokens to classes and instances in a repository.
+// From MOF tokens to classes and instances in a target.
 #include <quillet-wmi/Mof.h>
+#include <quillet-wmi/ObjectPath.h>
+#include <quillet-wmi/Text.h>
 
 #include "language/MofLexer.h"
 #include "language/MofQualifiers.h"
-
-#include <quillet-wmi/Text.h>
 
 #include <algorithm>
 #include <array>
 #include <fstream>
 #include <set>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 namespace {
 
 using Kind = MofToken::Kind;
-using Declaration = Repository::QualifierDeclaration;
+using Declaration = wmi::QualifierDeclaration;
 
 constexpr CIMTYPE kArray = CIM_FLAG_ARRAY;
 constexpr std::size_t kMaximumIncludeDepth = 16;
@@ -83,7 +83,7 @@ struct QualifierUse {
 
 /// What all files of one compilation share.
 struct Unit {
-    Unit(Repository& target, InstanceCheck each) : repository(target), check(std::move(each)) {}
+    Unit(MofTarget& into, InstanceCheck each) : target(into), check(std::move(each)) {}
 
     struct Alias {
         ClassPtr definition;
@@ -106,7 +106,7 @@ struct Unit {
         Place place;
     };
 
-    Repository& repository;
+    MofTarget& target;
     InstanceCheck check;
     std::map<std::wstring, Alias, NameLess> aliases;
     std::vector<Waiting> waiting;
@@ -121,11 +121,11 @@ struct Unit {
 };
 
 void Unit::Store(Instance instance, const Place& place) {
-    const std::wstring path = repository.RelativePath(instance);
+    const std::wstring path = RelativePath(instance);
     std::wstring reason;
     const ClassPtr definition = instance.definition;
     // A text may bring anew what an earlier one stored, but not say two things about one object.
-    const InstancePtr present = repository.FindInstance(path);
+    const InstancePtr present = target.FindInstance(path);
     if (present && stored.find(present) != stored.end()) {
         place.Fail(L"duplicate key: " + path + L" is there already");
     }
@@ -136,10 +136,10 @@ void Unit::Store(Instance instance, const Place& place) {
             place.Fail(FromUtf8(refused.what()).value_or(L"it cannot be used"));
         }
     }
-    if (repository.PutInstance(std::move(instance), Repository::Write::CreateOrUpdate, &reason) != 0) {
+    if (target.PutInstance(std::move(instance), WriteMode::CreateOrUpdate, &reason) != 0) {
         place.Fail(L"instance of " + Quoted(definition->name) + L": " + reason);
     }
-    stored.insert(repository.FindInstance(path));
+    stored.insert(target.FindInstance(path));
 }
 
 bool Unit::Resolve(Waiting& entry) {
@@ -164,7 +164,7 @@ bool Unit::Resolve(Waiting& entry) {
     });
     // The keys alone make the path, so instances may refer to each other, and one to itself.
     if (keysKnown && !entry.alias.empty() && !aliases[entry.alias].path) {
-        aliases[entry.alias].path = repository.RelativePath(entry.instance);
+        aliases[entry.alias].path = RelativePath(entry.instance);
         std::erase_if(entry.uses, replace);
     }
     return entry.uses.empty();
@@ -172,7 +172,7 @@ bool Unit::Resolve(Waiting& entry) {
 
 void Unit::Finish() {
     for (const ClassUse& use : referencedClasses) {
-        if (!repository.FindClass(use.name)) {
+        if (!target.FindClass(use.name)) {
             use.place.Fail(L"unknown class " + Quoted(use.name));
         }
     }
@@ -267,7 +267,7 @@ class FileCompiler {
         }
     }
 
-    // #pragma name ( "text" ). The namespace is not looked at: a repository is one namespace, whatever
+    // #pragma name ( "text" ). The namespace is not looked at: a target is one namespace, whatever
     // the text was written for.
     void Pragma() {
         Advance();
@@ -496,7 +496,7 @@ class FileCompiler {
     }
 
     Declaration DeclarationOf(const QualifierUse& use, std::wstring_view name) const {
-        if (std::optional<Declaration> declared = m_unit.repository.FindQualifierDeclaration(name)) {
+        if (std::optional<Declaration> declared = m_unit.target.FindQualifierDeclaration(name)) {
             return std::move(*declared);
         }
         if (std::optional<Declaration> standard = StandardQualifier(name)) {
@@ -626,7 +626,7 @@ class FileCompiler {
             }
         }
         Require(';');
-        if (m_unit.repository.DeclareQualifier(declaration) != 0) {
+        if (m_unit.target.DeclareQualifier(declaration) != 0) {
             Fail(offset,
                  L"qualifier " + Quoted(declaration.name) + L" is declared already with another type");
         }
@@ -638,15 +638,15 @@ class FileCompiler {
             unsigned scope;
         };
         static constexpr Known kKnown[] = {
-            {L"class", Repository::ScopeClass},
-            {L"association", Repository::ScopeAssociation},
-            {L"indication", Repository::ScopeIndication},
-            {L"property", Repository::ScopeProperty},
-            {L"reference", Repository::ScopeReference},
-            {L"method", Repository::ScopeMethod},
-            {L"parameter", Repository::ScopeParameter},
-            {L"schema", Repository::ScopeSchema},
-            {L"any", Repository::ScopeAny},
+            {L"class", ScopeClass},
+            {L"association", ScopeAssociation},
+            {L"indication", ScopeIndication},
+            {L"property", ScopeProperty},
+            {L"reference", ScopeReference},
+            {L"method", ScopeMethod},
+            {L"parameter", ScopeParameter},
+            {L"schema", ScopeSchema},
+            {L"any", ScopeAny},
         };
         unsigned scopes = 0;
         Require('(');
@@ -727,21 +727,21 @@ class FileCompiler {
         if (m_token.Is(L"as")) {
             Fail(m_token.offset, L"only instances have aliases");
         }
-        unsigned scope = Repository::ScopeClass;
+        unsigned scope = ScopeClass;
         if (Accept(':')) {
             const std::size_t place = m_token.offset;
             definition.superclass = Name(L"the name of the superclass");
-            const ClassPtr superclass = m_unit.repository.FindClass(definition.superclass);
+            const ClassPtr superclass = m_unit.target.FindClass(definition.superclass);
             if (!superclass) {
                 Fail(place, L"unknown superclass " + Quoted(definition.superclass));
             }
-            scope |= superclass->IsAssociation() ? unsigned{Repository::ScopeAssociation} : 0u;
+            scope |= superclass->IsAssociation() ? unsigned{ScopeAssociation} : 0u;
         }
         for (const QualifierUse& use : uses) {
             if (SameName(use.name, L"Association")) {
-                scope |= Repository::ScopeAssociation;
+                scope |= ScopeAssociation;
             } else if (SameName(use.name, L"Indication")) {
-                scope |= Repository::ScopeIndication;
+                scope |= ScopeIndication;
             }
         }
         definition.qualifiers = Build(uses, scope, L"class");
@@ -753,7 +753,7 @@ class FileCompiler {
         // A reference to the class itself is known from here on.
         std::wstring reason;
         const std::wstring name = definition.name;
-        if (m_unit.repository.AddClass(std::move(definition), &reason) != 0) {
+        if (m_unit.target.AddClass(std::move(definition), &reason) != 0) {
             Fail(offset, L"class " + Quoted(name) + L": " + reason);
         }
     }
@@ -780,8 +780,8 @@ class FileCompiler {
             Fail(m_token.offset, L"a property is not an array of references");
         }
         property.type |= ArraySuffix(property.arrayLimit);
-        property.qualifiers = isReference ? Build(uses, Repository::ScopeReference, L"reference")
-                                          : Build(uses, Repository::ScopeProperty, L"property");
+        property.qualifiers =
+            isReference ? Build(uses, ScopeReference, L"reference") : Build(uses, ScopeProperty, L"property");
         if (Accept('=')) {
             property.defaultValue = ValueOf(Read(false), property.type, property.arrayLimit);
         }
@@ -795,7 +795,7 @@ class FileCompiler {
         method.name = signature.name;
         method.returnType = signature.type;
         method.returnsVoid = isVoid;
-        method.qualifiers = Build(uses, Repository::ScopeMethod, L"method");
+        method.qualifiers = Build(uses, ScopeMethod, L"method");
         Require('(');
         if (!m_token.Is(')')) {
             do {
@@ -813,7 +813,7 @@ class FileCompiler {
         TypeOrReference(parameter, nullptr);
         parameter.name = Name(L"the name of a parameter");
         parameter.type |= ArraySuffix(parameter.arrayLimit);
-        parameter.qualifiers = Build(uses, Repository::ScopeParameter, L"parameter");
+        parameter.qualifiers = Build(uses, ScopeParameter, L"parameter");
         const bool out = parameter.qualifiers.Has(L"Out");
         const bool in = parameter.qualifiers.Find(L"In") != nullptr ? parameter.qualifiers.Has(L"In") : !out;
         if (in) {
@@ -832,7 +832,7 @@ class FileCompiler {
         }
         const std::size_t classOffset = m_token.offset;
         const std::wstring className = Name(L"a class name");
-        const ClassPtr definition = m_unit.repository.FindClass(className);
+        const ClassPtr definition = m_unit.target.FindClass(className);
         if (!definition) {
             Fail(classOffset, L"unknown class " + Quoted(className));
         }
@@ -867,7 +867,7 @@ class FileCompiler {
 
     void PropertyValue(Unit::Waiting& entry, std::set<std::size_t>& seen) {
         // An instance may repeat the qualifiers of its class; they say nothing new.
-        Build(QualifierList(), Repository::ScopeAny, L"property");
+        Build(QualifierList(), ScopeAny, L"property");
         const ClassDefinition& definition = *entry.instance.definition;
         const std::size_t offset = m_token.offset;
         const std::wstring name = Name(L"a property or '}'");
@@ -907,16 +907,15 @@ class FileCompiler {
 
 } // namespace
 
-void CompileMof(Repository& repository, std::string_view text, const std::string& fileName,
-                InstanceCheck check) {
-    Unit unit(repository, std::move(check));
+void CompileMof(MofTarget& target, std::string_view text, const std::string& fileName, InstanceCheck check) {
+    Unit unit(target, std::move(check));
     FileCompiler(unit, std::make_shared<const MofSource>(fileName, text), {}).Run();
     unit.Finish();
 }
 
-void CompileMofFile(Repository& repository, const std::filesystem::path& file, InstanceCheck check) {
+void CompileMofFile(MofTarget& target, const std::filesystem::path& file, InstanceCheck check) {
     const std::shared_ptr<const MofSource> source = Source(file);
-    Unit unit(repository, std::move(check));
+    Unit unit(target, std::move(check));
     std::error_code error;
     unit.openFiles.push_back(std::filesystem::weakly_canonical(file, error));
     FileCompiler(unit, source, file.parent_path()).Run();
@@ -930,4 +929,4 @@ std::optional<std::string> LeadingComments(const std::filesystem::path& file) {
     return hasNone ? std::nullopt : std::optional(std::string(source->Text().substr(0, first.offset)));
 }
 
-} // namespace quillet::simulator
+} // namespace quillet::wmi

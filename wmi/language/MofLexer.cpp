@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 namespace {
 
@@ -285,4 +285,4 @@ char32_t MofLexer::LiteralCharacter(std::size_t literalStart) {
     return code;
 }
 
-} // namespace quillet::simulator
+} // namespace quillet::wmi

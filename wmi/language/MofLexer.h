@@ -3,7 +3,7 @@
 
 #include <quillet-wmi/Mof.h>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 /// One MOF text with its name, for positions in messages.
 class MofSource {
@@ -66,4 +66,4 @@ class MofLexer {
     std::size_t m_position = 0;
 };
 
-} // namespace quillet::simulator
+} // namespace quillet::wmi

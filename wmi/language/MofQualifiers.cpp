@@ -1,7 +1,7 @@
 // Tables of standard qualifiers and of locales.
 #include "language/MofQualifiers.h"
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 namespace {
 
@@ -96,10 +96,10 @@ constexpr bool IsUpper(wchar_t c) noexcept {
 
 } // namespace
 
-std::optional<Repository::QualifierDeclaration> StandardQualifier(std::wstring_view name) {
+std::optional<QualifierDeclaration> StandardQualifier(std::wstring_view name) {
     for (const Standard& standard : kStandard) {
         if (SameName(standard.name, name)) {
-            Repository::QualifierDeclaration declaration;
+            QualifierDeclaration declaration;
             declaration.name = standard.name;
             declaration.type = standard.type;
             declaration.flavor = standard.flavor;
@@ -140,4 +140,4 @@ const wchar_t* LocaleOf(LCID language) noexcept {
     return nullptr;
 }
 
-} // namespace quillet::simulator
+} // namespace quillet::wmi

@@ -1,12 +1,12 @@
 // What is known of qualifiers without a declaration: the standard ones, and the locales in their names.
 #pragma once
 
-#include <quillet-simulator/Repository.h>
+#include <quillet-wmi/Model.h>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 /// The type and flavour of a standard qualifier; nothing for others.
-std::optional<Repository::QualifierDeclaration> StandardQualifier(std::wstring_view name);
+std::optional<QualifierDeclaration> StandardQualifier(std::wstring_view name);
 
 /// "Values_de_DE" is the German form of "Values".
 struct LocalisedName {
@@ -21,4 +21,4 @@ std::optional<LocalisedName> SplitLocale(std::wstring_view name);
 /// that share one.
 const wchar_t* LocaleOf(LCID language) noexcept;
 
-} // namespace quillet::simulator
+} // namespace quillet::wmi

@@ -5,7 +5,7 @@
 
 #include <quillet-wmi/Text.h>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 namespace {
 
@@ -234,13 +234,13 @@ std::wstring ObjectText(const ClassDefinition& definition) {
     return out + L"};\n";
 }
 
-std::string WriteInstancesAsMof(const Repository& repository) {
+std::string WriteInstancesAsMof(const std::vector<InstancePtr>& instances) {
     std::string out;
-    for (const InstancePtr& instance : repository.AllInstances()) {
+    for (const InstancePtr& instance : instances) {
         out += ToUtf8(ObjectText(*instance));
         out += '\n';
     }
     return out;
 }
 
-} // namespace quillet::simulator
+} // namespace quillet::wmi

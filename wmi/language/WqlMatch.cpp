@@ -1,5 +1,5 @@
 // The truth of WQL conditions: comparisons by CIM type, LIKE, null.
-#include "language/WqlMatch.h"
+#include <quillet-wmi/WqlMatch.h>
 
 #include <quillet-wmi/ObjectPath.h>
 #include <quillet-wmi/Text.h>
@@ -8,7 +8,7 @@
 #include <compare>
 #include <string>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 namespace {
 
@@ -379,4 +379,4 @@ std::optional<std::vector<std::wstring>> IndexKeys(const WqlCondition& condition
                                                  : std::to_wstring(number->unsignedValue))};
 }
 
-} // namespace quillet::simulator
+} // namespace quillet::wmi

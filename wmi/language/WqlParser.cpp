@@ -4,7 +4,7 @@
 #include <quillet-wmi/ObjectPath.h>
 #include <quillet-wmi/Text.h>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 namespace {
 
@@ -514,4 +514,4 @@ std::optional<WqlQuery> ParseWql(std::wstring_view text, WqlError* error) {
     }
 }
 
-} // namespace quillet::simulator
+} // namespace quillet::wmi

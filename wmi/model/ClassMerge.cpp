@@ -1,10 +1,10 @@
 // Inheritance of properties, methods and qualifiers.
-#include "model/ClassMerge.h"
+#include <quillet-wmi/ClassMerge.h>
 
 #include <algorithm>
 #include <set>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 namespace {
 
@@ -197,4 +197,4 @@ bool MergeClass(ClassDefinition& definition, const ClassDefinition* superclass, 
     return MergeProperties(definition, superclass, reason) && MergeMethods(definition, superclass, reason);
 }
 
-} // namespace quillet::simulator
+} // namespace quillet::wmi

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <limits>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 namespace {
 
@@ -392,4 +392,33 @@ bool IsIdentifier(std::wstring_view text) noexcept {
            std::all_of(text.begin(), text.end(), IsIdentifierCharacter);
 }
 
-} // namespace quillet::simulator
+std::wstring CimTypeText(CIMTYPE type, std::wstring_view referenceClass) {
+    // WMI has words of its own for two types; the others are called as MOF calls them.
+    switch (type & ~CIM_FLAG_ARRAY) {
+    case CIM_REFERENCE:
+        return referenceClass.empty() ? L"ref" : L"ref:" + std::wstring(referenceClass);
+    case CIM_OBJECT:
+        return L"object";
+    default: {
+        const wchar_t* name = CimTypeName(type);
+        return name != nullptr ? name : L"string";
+    }
+    }
+}
+
+Value Integer(CIMTYPE type, std::int64_t number) {
+    switch (type & ~CIM_FLAG_ARRAY) {
+    case CIM_UINT8:
+    case CIM_UINT16:
+    case CIM_UINT32:
+    case CIM_UINT64:
+    case CIM_CHAR16:
+        return Value::Unsigned(static_cast<std::uint64_t>(number));
+    case CIM_BOOLEAN:
+        return Value::Bool(number != 0);
+    default:
+        return Value::Signed(number);
+    }
+}
+
+} // namespace quillet::wmi

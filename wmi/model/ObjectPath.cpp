@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 namespace {
 
@@ -324,4 +324,43 @@ std::wstring ObjectPath::Text() const {
     return namespacePath.empty() ? Relative() : namespacePath + L':' + Relative();
 }
 
-} // namespace quillet::simulator
+ObjectPath PathOf(const Instance& instance) {
+    ObjectPath path;
+    if (!instance.definition) {
+        return path;
+    }
+    const ClassDefinition& definition = *instance.definition;
+    path.className = definition.name;
+    for (std::size_t i = 0; i < definition.properties.size() && i < instance.values.size(); ++i) {
+        const Scalar* value = instance.values[i].AsScalar();
+        if (value != nullptr && definition.properties[i].IsKey()) {
+            path.keys.push_back({definition.properties[i].name, *value});
+        }
+    }
+    path.singleton = path.keys.empty() && definition.qualifiers.Has(L"singleton");
+    return path;
+}
+
+std::wstring RelativePath(const Instance& instance) {
+    return PathOf(instance).Relative();
+}
+
+std::optional<std::wstring> AddressOf(const Instance& instance) {
+    const ClassDefinition& definition = *instance.definition;
+    if (definition.lacksKeys || SameName(definition.name, L"__PARAMETERS")) {
+        return std::nullopt;
+    }
+    bool hasKey = false;
+    for (std::size_t i = 0; i < definition.properties.size(); ++i) {
+        if (definition.properties[i].IsKey()) {
+            hasKey = true;
+            if (instance.values[i].IsNull()) {
+                return std::nullopt;
+            }
+        }
+    }
+    return hasKey || definition.qualifiers.Has(L"singleton") ? std::optional(RelativePath(instance))
+                                                             : std::nullopt;
+}
+
+} // namespace quillet::wmi

@@ -6,7 +6,7 @@
 #include <charconv>
 #include <cmath>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 namespace {
 
@@ -255,4 +255,4 @@ std::optional<double> ParseReal(std::wstring_view text) {
     return number;
 }
 
-} // namespace quillet::simulator
+} // namespace quillet::wmi

@@ -1,7 +1,8 @@
 // The journal: every call that a client makes, in order, as a test or a person wants to read it.
 #pragma once
 
-#include <quillet-wmi/Model.h>
+#include <quillet-wmi/Connection.h>
+#include <quillet-wmi/Operation.h>
 
 #include <atomic>
 #include <functional>
@@ -9,61 +10,21 @@
 
 namespace quillet::simulator {
 
-/// What a client can call. The first group reaches the provider (on a real machine a remote round trip),
-/// the second stays with the object in the client's hands.
-enum class Operation {
-    ConnectServer,
-    OpenNamespace,
-    GetObject,
-    CreateInstanceEnum,
-    CreateClassEnum,
-    ExecQuery,
-    ExecMethod,
-    PutInstance,
-    DeleteInstance,
-    Next,
-    GetCallStatus,
-    GetResultObject,
-    Unsupported, ///< a service call that the simulator refuses; `method` names it
-    // local to the client
-    CreateContext,
-    SetContextValue,
-    SetBlanket,
-    Get,
-    Put,
-    GetMethod,
-    SpawnInstance,
-    GetQualifierSet,
-    GetPropertyQualifierSet,
-    GetQualifier,
-};
-
-/// "ExecMethod" and so on.
-const wchar_t* OperationName(Operation operation) noexcept;
-/// The operation of that name, without regard to case; nothing when there is none.
-std::optional<Operation> OperationByName(std::wstring_view name) noexcept;
-/// Whether the operation is a round trip to the provider.
-bool IsProviderCall(Operation operation) noexcept;
-
-/// One named value of a call: an in-parameter or a context value.
-struct NamedValue {
-    std::wstring name;     ///< as the schema has it
-    VARTYPE vt = VT_EMPTY; ///< the VARIANT type that the client put
-    CIMTYPE type = 0;      ///< the CIM type of the parameter or property
-    Value value;           ///< the text *** in place of a secret
-};
+// A machine is described in WMI's own words.
+using namespace wmi;
 
 /// One call.
 struct JournalEntry {
     Operation operation = Operation::GetObject; ///< what was called
     std::wstring target;                        ///< class name, object path, query text or property name
     std::wstring method;                        ///< ExecMethod, GetMethod and Unsupported
-    std::vector<NamedValue> arguments; ///< in-parameters, or the properties put, in the order of the puts
-    std::vector<NamedValue> context;   ///< the context's values at the time of the call, by name
-    bool hasContext = false;           ///< whether a context was passed at all
-    LONG flags = 0;                    ///< as the client gave them
-    DWORD thread = 0;                  ///< GetCurrentThreadId() of the caller
-    HRESULT result = 0;                ///< what the client got
+    /// In-parameters, or the properties put, in the order of the puts; the text *** in place of a secret.
+    std::vector<NamedValue> arguments;
+    std::vector<NamedValue> context; ///< the context's values at the time of the call, by name
+    bool hasContext = false;         ///< whether a context was passed at all
+    LONG flags = 0;                  ///< as the client gave them
+    DWORD thread = 0;                ///< GetCurrentThreadId() of the caller
+    HRESULT result = 0;              ///< what the client got
     std::wstring note; ///< what the machine let pass but a stricter one would refuse; mostly empty
 
     /// The in-parameter or property of that name, without regard to case; null when there is none.

@@ -3,7 +3,9 @@
 
 #include <quillet-simulator/Faults.h>
 #include <quillet-simulator/Journal.h>
+#include <quillet-simulator/Repository.h>
 #include <quillet-wmi/Mof.h>
+#include <quillet-wmi/Registration.h>
 
 #include <chrono>
 
@@ -90,16 +92,11 @@ class Registration {
   public:
     /// Registers the machine on this thread's apartment; see Result.
     explicit Registration(std::shared_ptr<Machine> machine);
-    ~Registration();
-    Registration(const Registration&) = delete;
-    Registration& operator=(const Registration&) = delete;
     /// S_OK, or why COM did not take the registration.
-    HRESULT Result() const noexcept { return m_result; }
+    HRESULT Result() const noexcept { return m_registration.Result(); }
 
   private:
-    HRESULT m_result = E_FAIL;
-    DWORD m_locator = 0;
-    DWORD m_context = 0;
+    ClassRegistration m_registration;
 };
 
 } // namespace quillet::simulator

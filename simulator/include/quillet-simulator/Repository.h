@@ -2,7 +2,7 @@
 // a change replaces it.
 #pragma once
 
-#include <quillet-wmi/Model.h>
+#include <quillet-wmi/Mof.h>
 #include <quillet-wmi/ObjectPath.h>
 #include <quillet-wmi/Wql.h>
 
@@ -10,15 +10,18 @@
 
 namespace quillet::simulator {
 
+// A machine is described in WMI's own words.
+using namespace wmi;
+
 /// Classes, and instances by their keys, by what they refer to, and by WQL.
-class Repository {
+class Repository : public MofTarget {
   public:
     /// An empty repository. The names stand in the paths of its objects.
     Repository(std::wstring serverName, std::wstring namespaceName);
     /// A repository with the same names and content, which changes on its own from then on. Classes and
     /// instances are shared, so this costs a small part of compiling them again.
     Repository(const Repository& prototype);
-    ~Repository();
+    ~Repository() override;
     Repository& operator=(const Repository&) = delete;
 
     const std::wstring& ServerName() const noexcept;    ///< the __SERVER of every object
@@ -27,22 +30,20 @@ class Repository {
     /// Adds a class (its own properties, methods and qualifiers only; what it inherits is merged in).
     /// WBEM_E_INVALID_SUPERCLASS, WBEM_E_ALREADY_EXISTS or WBEM_E_INVALID_CLASS when it cannot be taken;
     /// the reason in words, if asked for.
-    HRESULT AddClass(ClassDefinition definition, std::wstring* reason = nullptr);
+    HRESULT AddClass(ClassDefinition definition, std::wstring* reason = nullptr) override;
     /// The class of that name; null when there is none.
-    ClassPtr FindClass(std::wstring_view name) const;
+    ClassPtr FindClass(std::wstring_view name) const override;
     /// All classes in the order they were added.
     std::vector<ClassPtr> Classes() const;
     /// The class itself and all classes below it.
     std::vector<ClassPtr> ClassAndSubclasses(std::wstring_view name) const;
 
-    /// How a write treats an instance that is (not) there yet.
-    enum class Write { CreateOrUpdate, CreateOnly, UpdateOnly };
     /// Stores an instance under its keys. Checks that key values are there, that every value fits its
     /// CIM type and that references are object paths. WBEM_E_ALREADY_EXISTS (also when an instance of
     /// another class of the family has the keys), WBEM_E_NOT_FOUND, WBEM_E_INVALID_OBJECT,
     /// WBEM_E_TYPE_MISMATCH; the reason in words, if asked for.
-    HRESULT PutInstance(Instance instance, Write mode = Write::CreateOrUpdate,
-                        std::wstring* reason = nullptr);
+    HRESULT PutInstance(Instance instance, WriteMode mode = WriteMode::CreateOrUpdate,
+                        std::wstring* reason = nullptr) override;
     /// Removes an instance; WBEM_E_NOT_FOUND when there is none. Associations that refer to it stay, and
     /// lead nowhere.
     HRESULT DeleteInstance(const ObjectPath& path);
@@ -51,7 +52,7 @@ class Repository {
     /// A path may name a superclass of the instance's class.
     InstancePtr FindInstance(const ObjectPath& path) const;
     /// The same for the text of a path; null for what is none.
-    InstancePtr FindInstance(std::wstring_view path) const;
+    InstancePtr FindInstance(std::wstring_view path) const override;
     /// The instances of a class, and of its subclasses unless shallow, in order of creation.
     std::vector<InstancePtr> Instances(std::wstring_view className, bool shallow = false) const;
     /// All instances, in order of creation.
@@ -82,30 +83,10 @@ class Repository {
     /// it answers; a test can tell it from a scan by this number.
     std::uint64_t Examined() const noexcept;
 
-    /// Where a qualifier may stand; bits.
-    enum Scope : unsigned {
-        ScopeClass = 1,
-        ScopeAssociation = 2,
-        ScopeIndication = 4,
-        ScopeProperty = 8,
-        ScopeReference = 16,
-        ScopeMethod = 32,
-        ScopeParameter = 64,
-        ScopeSchema = 128,
-        ScopeAny = 255
-    };
-    /// What is known of a qualifier before it is used.
-    struct QualifierDeclaration {
-        std::wstring name;          ///< its name
-        CIMTYPE type = CIM_BOOLEAN; ///< its CIM type
-        Value defaultValue;         ///< what it is where it stands without a value
-        unsigned scope = ScopeAny;  ///< Scope bits
-        LONG flavor = WBEM_FLAVOR_FLAG_PROPAGATE_TO_DERIVED_CLASS; ///< WBEM_FLAVOR_… bits
-    };
     /// Declares a qualifier, or declares it anew. WBEM_E_TYPE_MISMATCH when it is there with another type.
-    HRESULT DeclareQualifier(QualifierDeclaration declaration);
+    HRESULT DeclareQualifier(QualifierDeclaration declaration) override;
     /// The declaration of a qualifier; nothing when there is none.
-    std::optional<QualifierDeclaration> FindQualifierDeclaration(std::wstring_view name) const;
+    std::optional<QualifierDeclaration> FindQualifierDeclaration(std::wstring_view name) const override;
     /// All declarations, by name.
     std::vector<QualifierDeclaration> QualifierDeclarations() const;
 

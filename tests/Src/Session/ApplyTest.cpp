@@ -1,7 +1,7 @@
 // The apply transaction and the pending warnings.
 #include "ProviderTest.h"
 
-#include "simulator/src/MachineState.h"
+#include "simulator/src/machine/MachineState.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 #include <variant>
 #include <vector>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 /// Three-way comparison of two CIM names without regard to case.
 int CompareNames(std::wstring_view left, std::wstring_view right) noexcept;
@@ -153,6 +153,8 @@ struct ClassDefinition {
     std::vector<Property> properties;    ///< inherited ones first, in declaration order
     std::vector<Method> methods;         ///< those that it inherits first
     Qualifiers qualifiers;               ///< its own and those that it inherits
+    /// A query left key properties out, so that its instances have no path.
+    bool lacksKeys = false;
 
     /// The property of that name; null when there is none.
     const Property* FindProperty(std::wstring_view name) const noexcept;
@@ -189,6 +191,36 @@ struct Instance {
 
 using InstancePtr = std::shared_ptr<const Instance>;
 
+/// The in-parameters of a method as a class named __PARAMETERS; null when it has none.
+ClassPtr InSignature(const Method& method);
+/// The same for the out-parameters, of which the return value is the last.
+ClassPtr OutSignature(const Method& method);
+
+/// Where a qualifier may stand; bits.
+enum QualifierScope : unsigned {
+    ScopeClass = 1,
+    ScopeAssociation = 2,
+    ScopeIndication = 4,
+    ScopeProperty = 8,
+    ScopeReference = 16,
+    ScopeMethod = 32,
+    ScopeParameter = 64,
+    ScopeSchema = 128,
+    ScopeAny = 255
+};
+
+/// What is known of a qualifier before it is used.
+struct QualifierDeclaration {
+    std::wstring name;                                         ///< its name
+    CIMTYPE type = CIM_BOOLEAN;                                ///< its CIM type
+    Value defaultValue;                                        ///< what it is where it stands without a value
+    unsigned scope = ScopeAny;                                 ///< QualifierScope bits
+    LONG flavor = WBEM_FLAVOR_FLAG_PROPAGATE_TO_DERIVED_CLASS; ///< WBEM_FLAVOR_… bits
+};
+
+/// How a write treats an instance that is (not) there yet.
+enum class WriteMode { CreateOrUpdate, CreateOnly, UpdateOnly };
+
 /// Whether a value may stand in a property of this CIM type (shape and range); null always may.
 /// Integers of either signedness fit where their number does.
 bool Fits(const Value& value, CIMTYPE type) noexcept;
@@ -198,6 +230,10 @@ Value Normalised(Value value, CIMTYPE type);
 
 /// "uint32", "string" and so on, without regard to the array flag; null for what is no CIM type.
 const wchar_t* CimTypeName(CIMTYPE type) noexcept;
+/// "uint32", "string", "ref:T_Device": the text of the CIMTYPE qualifier, without array brackets.
+std::wstring CimTypeText(CIMTYPE type, std::wstring_view referenceClass);
+/// An integer of the signedness in which a CIM type is held.
+Value Integer(CIMTYPE type, std::int64_t number);
 /// Whether the type (without its array flag) is one of the eight integer types.
 bool IsIntegerType(CIMTYPE type) noexcept;
 /// Whether a text is a CIM datetime: yyyymmddHHMMSS.mmmmmm+utc or ddddddddHHMMSS.mmmmmm:000, where an
@@ -209,4 +245,4 @@ bool IsIdentifier(std::wstring_view text) noexcept;
 bool IsIdentifierStart(wchar_t character) noexcept;
 bool IsIdentifierCharacter(wchar_t character) noexcept;
 
-} // namespace quillet::simulator
+} // namespace quillet::wmi

@@ -3,7 +3,7 @@
 
 #include <quillet-wmi/Model.h>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 /// A parsed object path. A path without keys names a class; "Class=@" names a singleton.
 struct ObjectPath {
@@ -38,8 +38,16 @@ struct ObjectPath {
     /// The path with as much before the class as it has itself.
     std::wstring Text() const;
 
-    /// Compares to the letter; see Repository::SameObject.
+    /// Compares to the letter.
     friend bool operator==(const ObjectPath&, const ObjectPath&) = default;
 };
 
-} // namespace quillet::simulator
+/// The path of an instance, without a server and a namespace: its keys in the order of its class.
+ObjectPath PathOf(const Instance& instance);
+/// PathOf as a text: Class.Key="value",…
+std::wstring RelativePath(const Instance& instance);
+/// RelativePath of an instance that can be found by it; nothing for one whose keys are not all there, and for
+/// the parameters of a method.
+std::optional<std::wstring> AddressOf(const Instance& instance);
+
+} // namespace quillet::wmi

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <shared_mutex>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 /// Which part of something that is divided among the threads is the calling thread's. Two threads may have
 /// the same.
@@ -48,4 +48,4 @@ class ReadMostlyMutex {
     std::array<Part, OwnPart::Count> m_parts;
 };
 
-} // namespace quillet::simulator
+} // namespace quillet::wmi

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 /// The lower-case form of a character; other characters unchanged. A table of its own: what the C library
 /// folds depends on the locale of the process.
@@ -43,4 +43,4 @@ std::wstring RealText(double number);
 /// Reads a decimal real number ("-1.5", "2", "1.0e10"); nothing when the text is none or out of range.
 std::optional<double> ParseReal(std::wstring_view text);
 
-} // namespace quillet::simulator
+} // namespace quillet::wmi

@@ -3,7 +3,7 @@
 
 #include <quillet-wmi/Model.h>
 
-namespace quillet::simulator {
+namespace quillet::wmi {
 
 /// Why a query text is not WQL, and where.
 struct WqlError {
@@ -61,4 +61,4 @@ std::optional<WqlQuery> ParseWql(std::wstring_view text, WqlError* error = nullp
 /// and a number compare as numbers where the text says one. __CLASS and __SUPERCLASS may be asked for.
 bool Matches(const WqlCondition& condition, const Instance& instance);
 
-} // namespace quillet::simulator
+} // namespace quillet::wmi

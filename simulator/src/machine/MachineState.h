@@ -1,0 +1,42 @@
+// The parts of a machine, for the simulator's own sources.
+#pragma once
+
+#include "machine/BlinkingLights.h"
+#include "providers/ClassProvider.h"
+#include "machine/ClientSets.h"
+#include "machine/DiagnosticRuns.h"
+#include "machine/SimulatedClock.h"
+#include "machine/SwitchTests.h"
+
+#include <mutex>
+
+namespace quillet::simulator {
+
+struct Machine::State {
+    /// @param prototype what the store holds at first
+    State(const Repository& prototype, const MachineOptions& options);
+    /// Takes over what the machine's own instances say about its behaviour and its faults.
+    void Configure();
+    /// The provider for a class: its own, or that of the nearest class above it.
+    ClassProvider& ProviderOf(const ClassDefinition& definition);
+
+    /// Brings the instances up to what has happened in the meantime.
+    void CatchUp();
+
+    // What every call reads is not next to what some write: between them stands what is seldom read.
+    Repository store;
+    Journal journal;
+    Faults faults;
+    DiagnosticRuns diagnostics;
+    ClassProviders providers;
+    ClassProvider plain;
+    std::map<std::wstring, LONG, NameLess> followUps; ///< what changes of a class ask for
+    bool strict = false;
+    ClientSets sets;
+    BlinkingLights blinking;
+    SwitchTests switchTests;
+    SimulatedClock clock;
+    std::mutex changes; ///< held by a call that may change the machine: what it looks up stays true meanwhile
+};
+
+} // namespace quillet::simulator

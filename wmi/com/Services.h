@@ -1,0 +1,11 @@
+// IWbemServices: a client's proxy of a connection.
+#pragma once
+
+#include "com/Session.h"
+
+namespace quillet::wmi {
+
+/// A proxy whose blanket is not set yet.
+IWbemServices* MakeServices(SessionPtr session);
+
+} // namespace quillet::wmi
