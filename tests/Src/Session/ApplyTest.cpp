@@ -1,7 +1,7 @@
 // The apply transaction and the pending warnings.
 #include "ProviderTest.h"
 
-#include "simulator/src/machine/MachineState.h"
+#include "machine/MachineState.h"
 
 namespace {
 
