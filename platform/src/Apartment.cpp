@@ -25,16 +25,18 @@ bool IsComInitialised() noexcept {
 HRESULT WINAPI CoInitializeEx(void* reserved, DWORD model) {
     constexpr DWORD known =
         COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE | COINIT_SPEED_OVER_MEMORY | COINIT_MULTITHREADED;
-    if (reserved || (model & ~known))
+    if (reserved || (model & ~known)) {
         return E_INVALIDARG;
+    }
     const bool singleThreaded = (model & COINIT_APARTMENTTHREADED) != 0;
     if (thread.initialisations == 0) {
         thread.singleThreaded = singleThreaded;
         thread.initialisations = 1;
         return S_OK;
     }
-    if (thread.singleThreaded != singleThreaded)
+    if (thread.singleThreaded != singleThreaded) {
         return RPC_E_CHANGED_MODE;
+    }
     ++thread.initialisations;
     return S_FALSE;
 }
@@ -44,8 +46,9 @@ HRESULT WINAPI CoInitialize(void* reserved) {
 }
 
 void WINAPI CoUninitialize() {
-    if (thread.initialisations)
+    if (thread.initialisations) {
         --thread.initialisations;
+    }
 }
 
 HRESULT WINAPI CoInitializeSecurity(void*, LONG, SOLE_AUTHENTICATION_SERVICE*, void*, DWORD, DWORD, void*,

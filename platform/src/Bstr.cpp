@@ -62,19 +62,22 @@ void ObserveFreedBstrs(FreedBstrObserver observer) noexcept {
 } // namespace quillet::platform
 
 BSTR WINAPI SysAllocStringByteLen(LPCSTR text, UINT bytes) {
-    if (MustFail() || TooLong(bytes / characterBytes))
+    if (MustFail() || TooLong(bytes / characterBytes)) {
         return nullptr;
+    }
     // The last byte need not end a character. The terminator is a whole one all the same, so that those who
     // look for it find it within the block.
     const std::size_t contentBytes = WholeCharacters(bytes) + sizeof(OLECHAR);
     auto* const block = static_cast<char*>(std::malloc(headerBytes + contentBytes));
-    if (!block)
+    if (!block) {
         return nullptr;
+    }
     std::memset(block, 0, headerBytes);
     SetByteLength(block, bytes);
     char* const content = block + headerBytes;
-    if (text && bytes)
+    if (text && bytes) {
         std::memcpy(content, text, bytes);
+    }
     std::memset(content + bytes, 0, contentBytes - bytes);
     quillet::platform::counters.bstrs.Add(1);
     return reinterpret_cast<BSTR>(content);
@@ -89,19 +92,22 @@ BSTR WINAPI SysAllocStringLen(const OLECHAR* text, UINT length) {
 }
 
 BSTR WINAPI SysAllocString(const OLECHAR* text) {
-    if (!text)
+    if (!text) {
         return nullptr;
+    }
     const std::size_t length = std::wcslen(text);
     return SysAllocStringLen(text, length > ~0u ? ~0u : static_cast<UINT>(length));
 }
 
 INT WINAPI SysReAllocStringLen(BSTR* text, const OLECHAR* newText, UINT length) {
-    if (!text)
+    if (!text) {
         return FALSE;
+    }
     // The new text may be a part of the old one, which therefore goes last.
     const BSTR made = SysAllocStringLen(newText, length);
-    if (!made)
+    if (!made) {
         return FALSE;
+    }
     if (!newText && *text) {
         const UINT kept = SysStringLen(*text) < length ? SysStringLen(*text) : length;
         std::memcpy(made, *text, kept * sizeof(OLECHAR));
@@ -112,33 +118,38 @@ INT WINAPI SysReAllocStringLen(BSTR* text, const OLECHAR* newText, UINT length) 
 }
 
 INT WINAPI SysReAllocString(BSTR* text, const OLECHAR* newText) {
-    if (!text)
+    if (!text) {
         return FALSE;
+    }
     if (!newText) {
         SysFreeString(*text);
         *text = nullptr;
         return TRUE;
     }
     const BSTR made = SysAllocString(newText);
-    if (!made)
+    if (!made) {
         return FALSE;
+    }
     SysFreeString(*text);
     *text = made;
     return TRUE;
 }
 
 void WINAPI SysFreeString(BSTR text) {
-    if (!text)
+    if (!text) {
         return;
+    }
     quillet::platform::counters.bstrs.Add(-1);
-    if (const auto observer = freedObserver.load(std::memory_order_acquire))
+    if (const auto observer = freedObserver.load(std::memory_order_acquire)) {
         observer(text, SysStringByteLen(text));
+    }
     std::free(BlockOf(text));
 }
 
 UINT WINAPI SysStringByteLen(BSTR text) {
-    if (!text)
+    if (!text) {
         return 0;
+    }
     UINT bytes = 0;
     std::memcpy(&bytes, BlockOf(text) + headerBytes - sizeof bytes, sizeof bytes);
     return bytes;

@@ -21,17 +21,21 @@ namespace {
 
 std::wstring HostName() {
     char name[HOST_NAME_MAX + 1] = {};
-    if (gethostname(name, sizeof name - 1) != 0)
+    if (gethostname(name, sizeof name - 1) != 0) {
         name[0] = '\0';
+    }
     std::wstring wide = quillet::platform::WideFromUtf8(name);
     wide.resize(std::min(wide.find(L'.'), wide.size()));
-    if (wide.empty())
+    if (wide.empty()) {
         wide = L"LOCALHOST";
-    if (wide.size() > MAX_COMPUTERNAME_LENGTH)
+    }
+    if (wide.size() > MAX_COMPUTERNAME_LENGTH) {
         wide.resize(MAX_COMPUTERNAME_LENGTH);
+    }
     for (wchar_t& character : wide) {
-        if (character >= L'a' && character <= L'z')
+        if (character >= L'a' && character <= L'z') {
             character -= L'a' - L'A';
+        }
     }
     return wide;
 }
@@ -69,14 +73,16 @@ DWORD WINAPI GetCurrentProcessId() noexcept {
 }
 
 DWORD WINAPI GetCurrentThreadId() noexcept {
-    if (ownThread == 0)
+    if (ownThread == 0) {
         ownThread = static_cast<DWORD>(syscall(SYS_gettid));
+    }
     return ownThread;
 }
 
 BOOL WINAPI CloseHandle(HANDLE handle) noexcept {
-    if (handle == GetCurrentProcess() || quillet::platform::CloseToken(handle))
+    if (handle == GetCurrentProcess() || quillet::platform::CloseToken(handle)) {
         return TRUE;
+    }
     SetLastError(ERROR_INVALID_HANDLE);
     return FALSE;
 }
@@ -87,8 +93,9 @@ DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR buffer, DWORD size) {
         return 0;
     }
     std::wstring path = WithSettings([](const HostSettings& settings) { return settings.moduleFileName; });
-    if (path.empty())
+    if (path.empty()) {
         path = ProgramPath();
+    }
     if (!buffer || size == 0) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return 0;
@@ -126,12 +133,14 @@ BOOL WINAPI GetComputerNameW(LPWSTR buffer, LPDWORD size) {
 }
 
 void WINAPI OutputDebugStringW(LPCWSTR text) {
-    if (!text)
+    if (!text) {
         return;
+    }
     // Called outside the settings' lock, so that the receiver may call anything.
     const auto receiver = WithSettings([](const HostSettings& settings) { return settings.debugOutput; });
-    if (receiver)
+    if (receiver) {
         receiver(text);
+    }
 }
 
 BOOL WINAPI GetVersionExW(LPOSVERSIONINFOW information) {

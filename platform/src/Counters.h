@@ -16,8 +16,9 @@ class Counter {
     }
     long Value() const noexcept {
         long sum = 0;
-        for (const Part& part : m_parts)
+        for (const Part& part : m_parts) {
             sum += part.value.load(std::memory_order_relaxed);
+        }
         return sum;
     }
 

@@ -135,8 +135,9 @@ constexpr CodeText texts[] = {
 
 constexpr bool IsSorted() {
     for (std::size_t i = 1; i < std::size(texts); ++i) {
-        if (texts[i - 1].code >= texts[i].code)
+        if (texts[i - 1].code >= texts[i].code) {
             return false;
+        }
     }
     return true;
 }
@@ -146,8 +147,9 @@ std::wstring_view FindText(DWORD code) {
     const auto* const found =
         std::lower_bound(std::begin(texts), std::end(texts), code,
                          [](const CodeText& entry, DWORD key) { return entry.code < key; });
-    if (found != std::end(texts) && found->code == code)
+    if (found != std::end(texts) && found->code == code) {
         return found->text;
+    }
     // A wrapped Win32 error has the text of what it wraps.
     return code >> 16 == 0x8007u ? FindText(code & 0xffffu) : std::wstring_view();
 }
@@ -177,8 +179,9 @@ DWORD WINAPI FormatMessageW(DWORD flags, LPCVOID, DWORD messageId, DWORD, LPWSTR
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    if (flags & FORMAT_MESSAGE_ALLOCATE_BUFFER)
+    if (flags & FORMAT_MESSAGE_ALLOCATE_BUFFER) {
         *reinterpret_cast<LPWSTR*>(buffer) = nullptr;
+    }
     const std::wstring_view text = FindText(messageId);
     if (text.empty()) {
         SetLastError(ERROR_MR_MID_NOT_FOUND);

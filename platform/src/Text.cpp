@@ -13,8 +13,9 @@ bool IsCharacter(char32_t code) {
 }
 
 void Flag(bool* invalid) {
-    if (invalid)
+    if (invalid) {
         *invalid = true;
+    }
 }
 
 } // namespace
@@ -95,20 +96,24 @@ std::wstring WideFromUtf16(std::u16string_view text, bool* invalid) {
 
 wchar_t FoldCase(wchar_t character) noexcept {
     const auto code = static_cast<char32_t>(character);
-    if (code < 0x80)
+    if (code < 0x80) {
         return code >= U'A' && code <= U'Z' ? static_cast<wchar_t>(code + 32) : character;
+    }
     if ((code >= 0xc0 && code <= 0xde && code != 0xd7) || (code >= 0x391 && code <= 0x3a9) ||
-        (code >= 0x410 && code <= 0x42f))
+        (code >= 0x410 && code <= 0x42f)) {
         return static_cast<wchar_t>(code + 32);
-    if (code >= 0x400 && code <= 0x40f)
+    }
+    if (code >= 0x400 && code <= 0x40f) {
         return static_cast<wchar_t>(code + 80);
+    }
     return static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(character)));
 }
 
 std::wstring FoldCase(std::wstring_view text) {
     std::wstring folded(text);
-    for (wchar_t& character : folded)
+    for (wchar_t& character : folded) {
         character = FoldCase(character);
+    }
     return folded;
 }
 
