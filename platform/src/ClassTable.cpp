@@ -25,8 +25,8 @@ struct ClassTable {
 
 ClassTable& Classes() {
     // Never destroyed, because objects with static lifetime may still revoke their class at exit.
-    static auto* const table = new ClassTable;
-    return *table;
+    static ClassTable& table = *new ClassTable;
+    return table;
 }
 
 /// The oldest registration of the class that is not spent.

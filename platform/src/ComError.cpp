@@ -9,8 +9,8 @@
 namespace {
 
 // The codes that dispatch interfaces make of 16-bit numbers.
-constexpr HRESULT firstWCode = MAKE_HRESULT(SEVERITY_ERROR, FACILITY_ITF, 0x200);
-constexpr HRESULT lastWCode = MAKE_HRESULT(SEVERITY_ERROR, FACILITY_ITF + 1, 0) - 1;
+constexpr HRESULT kFirstWCode = MAKE_HRESULT(SEVERITY_ERROR, FACILITY_ITF, 0x200);
+constexpr HRESULT kLastWCode = MAKE_HRESULT(SEVERITY_ERROR, FACILITY_ITF + 1, 0) - 1;
 
 template <class Value, class Getter>
 Value FromInfo(IErrorInfo* info, Getter getter) {
@@ -97,24 +97,24 @@ const TCHAR* _com_error::ErrorMessage() const noexcept {
         }
         return m_message;
     }
-    constexpr std::size_t size = 32;
-    m_message = static_cast<TCHAR*>(LocalAlloc(LMEM_FIXED, size * sizeof(TCHAR)));
+    constexpr std::size_t kSize = 32;
+    m_message = static_cast<TCHAR*>(LocalAlloc(LMEM_FIXED, kSize * sizeof(TCHAR)));
     if (m_message) {
         if (const WORD code = WCode()) {
-            swprintf_s(m_message, size, L"IDispatch error #%d", static_cast<int>(code));
+            swprintf_s(m_message, kSize, L"IDispatch error #%d", static_cast<int>(code));
         } else {
-            swprintf_s(m_message, size, L"Unknown error 0x%0lX", m_hresult);
+            swprintf_s(m_message, kSize, L"Unknown error 0x%0lX", m_hresult);
         }
     }
     return m_message;
 }
 
 HRESULT _com_error::WCodeToHRESULT(WORD code) noexcept {
-    return code >= 0xfe00 ? lastWCode : firstWCode + code;
+    return code >= 0xfe00 ? kLastWCode : kFirstWCode + code;
 }
 
 WORD _com_error::HRESULTToWCode(HRESULT hr) noexcept {
-    return hr >= firstWCode && hr <= lastWCode ? static_cast<WORD>(hr - firstWCode) : WORD{0};
+    return hr >= kFirstWCode && hr <= kLastWCode ? static_cast<WORD>(hr - kFirstWCode) : WORD{0};
 }
 
 void WINAPI _com_raise_error(HRESULT hr, IErrorInfo* info) {

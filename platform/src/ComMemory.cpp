@@ -41,32 +41,32 @@ HRESULT WINAPI CoCreateGuid(GUID* guid) {
 }
 
 int WINAPI StringFromGUID2(REFGUID guid, LPOLESTR buffer, int size) {
-    constexpr int length = 39;
-    if (!buffer || size < length) {
+    constexpr int kLength = 39;
+    if (!buffer || size < kLength) {
         return 0;
     }
-    char text[length];
+    char text[kLength];
     std::snprintf(text, sizeof text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", guid.Data1,
                   static_cast<unsigned>(guid.Data2), static_cast<unsigned>(guid.Data3), guid.Data4[0],
                   guid.Data4[1], guid.Data4[2], guid.Data4[3], guid.Data4[4], guid.Data4[5], guid.Data4[6],
                   guid.Data4[7]);
-    for (int i = 0; i < length; ++i) {
+    for (int i = 0; i < kLength; ++i) {
         buffer[i] = static_cast<wchar_t>(text[i]);
     }
-    return length;
+    return kLength;
 }
 
 namespace {
 
 bool ParseGuid(LPCOLESTR text, GUID& guid) {
-    constexpr std::wstring_view form = L"{xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx}";
+    constexpr std::wstring_view kForm = L"{xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx}";
     std::uint8_t bytes[16] = {};
     std::size_t digits = 0;
     std::size_t i = 0;
-    for (; i < form.size(); ++i) {
+    for (; i < kForm.size(); ++i) {
         const wchar_t c = quillet::platform::FoldCase(text[i]);
-        if (form[i] != L'x') {
-            if (c != form[i]) {
+        if (kForm[i] != L'x') {
+            if (c != kForm[i]) {
                 return false;
             }
             continue;

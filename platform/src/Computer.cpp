@@ -41,13 +41,13 @@ std::wstring HostName() {
 }
 
 // Each of them is a system call, and every trace line and every call of the simulator asks. 0: not asked yet.
-std::atomic<DWORD> ownProcess{0};
-thread_local DWORD ownThread = 0;
+std::atomic<DWORD> g_ownProcess{0};
+thread_local DWORD g_ownThread = 0;
 
 /// A forked child is another process, and its one thread another thread.
-[[maybe_unused]] const int forgetInChild = pthread_atfork(nullptr, nullptr, [] {
-    ownProcess.store(0, std::memory_order_relaxed);
-    ownThread = 0;
+[[maybe_unused]] const int kForgetInChild = pthread_atfork(nullptr, nullptr, [] {
+    g_ownProcess.store(0, std::memory_order_relaxed);
+    g_ownThread = 0;
 });
 
 std::wstring ProgramPath() {
@@ -64,19 +64,19 @@ HANDLE WINAPI GetCurrentProcess() noexcept {
 }
 
 DWORD WINAPI GetCurrentProcessId() noexcept {
-    DWORD id = ownProcess.load(std::memory_order_relaxed);
+    DWORD id = g_ownProcess.load(std::memory_order_relaxed);
     if (id == 0) {
         id = static_cast<DWORD>(getpid());
-        ownProcess.store(id, std::memory_order_relaxed);
+        g_ownProcess.store(id, std::memory_order_relaxed);
     }
     return id;
 }
 
 DWORD WINAPI GetCurrentThreadId() noexcept {
-    if (ownThread == 0) {
-        ownThread = static_cast<DWORD>(syscall(SYS_gettid));
+    if (g_ownThread == 0) {
+        g_ownThread = static_cast<DWORD>(syscall(SYS_gettid));
     }
-    return ownThread;
+    return g_ownThread;
 }
 
 BOOL WINAPI CloseHandle(HANDLE handle) noexcept {

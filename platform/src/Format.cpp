@@ -44,7 +44,7 @@ class Output {
 };
 
 enum class Size { Default, Char, Short, Long, Bits64, Wide };
-constexpr Size POINTER_SIZE = sizeof(void*) == 8 ? Size::Bits64 : Size::Long;
+constexpr Size kPointerSize = sizeof(void*) == 8 ? Size::Bits64 : Size::Long;
 
 /// The digits of a number, which take no memory of their own: every trace line has eight numbers in its head.
 class DigitText {
@@ -56,15 +56,15 @@ class DigitText {
         }
     }
     void Prepend(wchar_t digit) { m_text[--m_first] = digit; }
-    bool Empty() const { return m_first == CAPACITY; }
-    std::wstring_view View() const { return {m_text + m_first, CAPACITY - m_first}; }
+    bool Empty() const { return m_first == kCapacity; }
+    std::wstring_view View() const { return {m_text + m_first, kCapacity - m_first}; }
 
   private:
     /// 64 bits in octal, and a zero before them.
-    static constexpr std::size_t CAPACITY = 23;
+    static constexpr std::size_t kCapacity = 23;
 
-    wchar_t m_text[CAPACITY]{};
-    std::size_t m_first = CAPACITY;
+    wchar_t m_text[kCapacity]{};
+    std::size_t m_first = kCapacity;
 };
 
 struct Conversion {
@@ -137,9 +137,9 @@ class Formatter {
             return va_arg(m_arguments.list, int);
         }
         int count = 0;
-        constexpr int most = 1 << 28;
+        constexpr int kMost = 1 << 28;
         for (; *m_at >= L'0' && *m_at <= L'9'; ++m_at) {
-            count = count < most / 10 ? count * 10 + static_cast<int>(*m_at - L'0') : most;
+            count = count < kMost / 10 ? count * 10 + static_cast<int>(*m_at - L'0') : kMost;
         }
         return count;
     }
@@ -164,11 +164,11 @@ class Formatter {
             }
             // A lone I is a size only before an integer conversion; elsewhere it is a conversion that there
             // is not.
-            return m_at[1] && std::wcschr(L"diouxX", m_at[1]) && Accept(L"I") ? POINTER_SIZE : Size::Default;
+            return m_at[1] && std::wcschr(L"diouxX", m_at[1]) && Accept(L"I") ? kPointerSize : Size::Default;
         case L'z':
         case L't':
             ++m_at;
-            return POINTER_SIZE;
+            return kPointerSize;
         case L'l':
             if (Accept(L"ll")) {
                 return Size::Bits64;
@@ -399,11 +399,11 @@ class Formatter {
         format += "*.*";
         format += kind;
         // No double has more digits than this, and a caller's width must not cost memory.
-        constexpr int most = 1200;
-        const int precision = std::min(conversion.precision, most);
+        constexpr int kMost = 1200;
+        const int precision = std::min(conversion.precision, kMost);
         const int width =
-            static_cast<int>(std::min<std::size_t>(conversion.width, conversion.zero ? most : 0));
-        char text[3 * most];
+            static_cast<int>(std::min<std::size_t>(conversion.width, conversion.zero ? kMost : 0));
+        char text[3 * kMost];
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
         const int length = std::snprintf(text, sizeof text, format.c_str(), width, precision, value);

@@ -49,7 +49,7 @@ class Table final : public IGlobalInterfaceTable {
         } while (m_lastCookie == 0 || m_entries.count(m_lastCookie) != 0);
         m_entries.emplace(m_lastCookie, asked);
         *cookie = m_lastCookie;
-        counters.interfaceTableEntries.Add(1);
+        g_counters.interfaceTableEntries.Add(1);
         return S_OK;
     }
 
@@ -67,7 +67,7 @@ class Table final : public IGlobalInterfaceTable {
             object = found->second;
             m_entries.erase(found);
         }
-        counters.interfaceTableEntries.Add(-1);
+        g_counters.interfaceTableEntries.Add(-1);
         // Outside the lock: the last release may run any code.
         object->Release();
         return S_OK;
@@ -126,8 +126,8 @@ class Table final : public IGlobalInterfaceTable {
 IGlobalInterfaceTable* InterfaceTable() noexcept {
     // Never destroyed, because objects with static lifetime may still revoke their entries at exit.
     alignas(Table) static std::byte place[sizeof(Table)];
-    static Table* const table = new (place) Table;
-    return table;
+    static Table& table = *new (place) Table;
+    return &table;
 }
 
 } // namespace quillet::platform

@@ -10,7 +10,7 @@
 namespace quillet::platform {
 namespace {
 
-constexpr std::wstring_view header = L"Windows Registry Editor Version 5.00";
+constexpr std::wstring_view kHeader = L"Windows Registry Editor Version 5.00";
 
 struct Malformed {
     std::string message;
@@ -178,8 +178,8 @@ class Parser {
         while (NextLine(storage)) {
             const std::wstring_view line = Trim(storage);
             if (!headed) {
-                if (line != header) {
-                    throw Malformed{"the first line must be \"" + Utf8FromWide(header) + "\""};
+                if (line != kHeader) {
+                    throw Malformed{"the first line must be \"" + Utf8FromWide(kHeader) + "\""};
                 }
                 headed = true;
             } else if (line.empty() || line.front() == L';') {
@@ -191,7 +191,7 @@ class Parser {
             }
         }
         if (!headed) {
-            throw Malformed{"the first line must be \"" + Utf8FromWide(header) + "\""};
+            throw Malformed{"the first line must be \"" + Utf8FromWide(kHeader) + "\""};
         }
         return std::move(m_operations);
     }

@@ -164,8 +164,8 @@ void Fill(Hive& hive, const std::string& file) {
 
 Hive& UnfilledHive() {
     // Never destroyed, because objects with static lifetime may still read it at exit.
-    static Hive* const hive = new Hive;
-    return *hive;
+    static Hive& hive = *new Hive;
+    return hive;
 }
 
 /// The hive under its lock, filled.
@@ -209,7 +209,7 @@ class LockedHive {
         auto handle = std::make_unique<Handle>(Handle{std::move(key), access});
         const HKEY name = reinterpret_cast<HKEY>(handle.get());
         m_hive.open.emplace(name, std::move(handle));
-        counters.registryKeys.Add(1);
+        g_counters.registryKeys.Add(1);
         return name;
     }
 
@@ -426,6 +426,6 @@ LSTATUS WINAPI RegCloseKey(HKEY key) {
     if (hive->open.erase(key) == 0) {
         return ERROR_INVALID_HANDLE;
     }
-    counters.registryKeys.Add(-1);
+    g_counters.registryKeys.Add(-1);
     return ERROR_SUCCESS;
 }

@@ -50,8 +50,8 @@ ULONG ElementSize(VARTYPE type) noexcept {
 
 namespace {
 
-using quillet::platform::counters;
 using quillet::platform::ElementSize;
+using quillet::platform::g_counters;
 
 // Stands before each descriptor that was allocated here; the type is not part of the public layout.
 struct Hidden {
@@ -61,7 +61,7 @@ struct Hidden {
 static_assert(sizeof(Hidden) % alignof(SAFEARRAY) == 0);
 
 // One array is limited to what a signed 32-bit count of bytes can name.
-constexpr ULONGLONG maxBytes = std::numeric_limits<LONG>::max();
+constexpr ULONGLONG kMaxBytes = std::numeric_limits<LONG>::max();
 
 Hidden* HiddenOf(SAFEARRAY* array) noexcept {
     return reinterpret_cast<Hidden*>(reinterpret_cast<char*>(array) - sizeof(Hidden));
@@ -79,7 +79,7 @@ std::optional<ULONG> CellCount(const SAFEARRAYBOUND* bounds, UINT dimensions, UL
             return std::nullopt;
         }
         cells *= bounds[i].cElements;
-        if (cells * elementSize > maxBytes) {
+        if (cells * elementSize > kMaxBytes) {
             return std::nullopt;
         }
     }
@@ -157,10 +157,10 @@ HRESULT CopyElement(const SAFEARRAY* array, void* destination, const void* sourc
 }
 
 /// Which of the arrays that the thread creates is to fail, for tests; 0 when none is.
-thread_local unsigned long failIn = 0;
+thread_local unsigned long g_failIn = 0;
 
 bool MustFail() noexcept {
-    return failIn != 0 && --failIn == 0;
+    return g_failIn != 0 && --g_failIn == 0;
 }
 
 SAFEARRAY* AllocateDescriptor(VARTYPE type, UINT dimensions) noexcept {
@@ -221,7 +221,7 @@ SAFEARRAY* Create(VARTYPE type, UINT dimensions, const SAFEARRAYBOUND* bounds, b
         std::free(HiddenOf(array));
         return nullptr;
     }
-    counters.safeArrays.Add(1);
+    g_counters.safeArrays.Add(1);
     return array;
 }
 
@@ -250,7 +250,7 @@ HRESULT FindElement(SAFEARRAY* array, const LONG* indices, void** address) noexc
 namespace quillet::platform {
 
 void FailArrayAllocation(unsigned long nth) noexcept {
-    failIn = nth;
+    g_failIn = nth;
 }
 
 } // namespace quillet::platform
@@ -295,7 +295,7 @@ HRESULT WINAPI SafeArrayDestroy(SAFEARRAY* array) {
         return hr;
     }
     std::free(HiddenOf(array));
-    counters.safeArrays.Add(-1);
+    g_counters.safeArrays.Add(-1);
     return S_OK;
 }
 

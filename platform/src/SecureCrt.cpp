@@ -21,12 +21,12 @@ using quillet::platform::FormatWide;
 
 namespace {
 
-std::atomic<_invalid_parameter_handler> invalidParameterHandler{nullptr};
+std::atomic<_invalid_parameter_handler> g_invalidParameterHandler{nullptr};
 
 /// Reports misuse and yields the error, if the handler lets the process live.
 errno_t Misuse(errno_t error) {
     errno = error;
-    const _invalid_parameter_handler handler = invalidParameterHandler.load();
+    const _invalid_parameter_handler handler = g_invalidParameterHandler.load();
     if (!handler) {
         std::fputs("An invalid parameter was passed to a C run-time function.\n", stderr);
         std::abort();
@@ -52,11 +52,11 @@ std::size_t BoundedLength(const wchar_t* text, std::size_t most) {
 } // namespace
 
 _invalid_parameter_handler _set_invalid_parameter_handler(_invalid_parameter_handler handler) noexcept {
-    return invalidParameterHandler.exchange(handler);
+    return g_invalidParameterHandler.exchange(handler);
 }
 
 _invalid_parameter_handler _get_invalid_parameter_handler() noexcept {
-    return invalidParameterHandler.load();
+    return g_invalidParameterHandler.load();
 }
 
 // --- Bounds-checked text and memory --------------------------------------------------------------------

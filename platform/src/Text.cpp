@@ -6,7 +6,7 @@
 namespace quillet::platform {
 namespace {
 
-constexpr char32_t replacement = 0xfffd;
+constexpr char32_t kReplacement = 0xfffd;
 
 bool IsCharacter(char32_t code) {
     return code <= 0x10ffff && (code < 0xd800 || code > 0xdfff);
@@ -38,10 +38,10 @@ std::wstring WideFromUtf8(std::string_view text, bool* invalid) {
             ++taken;
             ++i;
         }
-        constexpr char32_t shortest[] = {0, 0x80, 0x800, 0x10000};
-        if (tail == 0 || first >= 0xf8 || taken < tail || code < shortest[tail] || !IsCharacter(code)) {
+        constexpr char32_t kShortest[] = {0, 0x80, 0x800, 0x10000};
+        if (tail == 0 || first >= 0xf8 || taken < tail || code < kShortest[tail] || !IsCharacter(code)) {
             Flag(invalid);
-            code = replacement;
+            code = kReplacement;
         }
         wide.push_back(static_cast<wchar_t>(code));
     }
@@ -56,7 +56,7 @@ std::string Utf8FromWide(std::wstring_view text, bool* invalid) {
         auto code = static_cast<char32_t>(character);
         if (!IsCharacter(code)) {
             Flag(invalid);
-            code = replacement;
+            code = kReplacement;
         }
         if (code < 0x80) {
             put(code);
@@ -87,7 +87,7 @@ std::wstring WideFromUtf16(std::u16string_view text, bool* invalid) {
             code = 0x10000 + ((code - 0xd800) << 10) + (text[++i] - 0xdc00u);
         } else if (!IsCharacter(code)) {
             Flag(invalid);
-            code = replacement;
+            code = kReplacement;
         }
         wide.push_back(static_cast<wchar_t>(code));
     }

@@ -11,10 +11,10 @@ namespace quillet::platform {
 namespace {
 
 // What an administrator's token holds, by LUID; only the change-notify privilege is on from the start.
-constexpr DWORD privileges[] = {5,  8,  9,  10, 11, 12, 13, 14, 15, 17, 18, 19,
-                                20, 22, 23, 24, 25, 28, 29, 30, 33, 34, 35};
-constexpr DWORD changeNotify = 23;
-constexpr auto privilegeCount = static_cast<DWORD>(std::size(privileges));
+constexpr DWORD kPrivileges[] = {5,  8,  9,  10, 11, 12, 13, 14, 15, 17, 18, 19,
+                                 20, 22, 23, 24, 25, 28, 29, 30, 33, 34, 35};
+constexpr DWORD kChangeNotify = 23;
+constexpr auto kPrivilegeCount = static_cast<DWORD>(std::size(kPrivileges));
 
 struct Tokens {
     std::mutex lock;
@@ -28,7 +28,7 @@ Tokens& OpenTokens() {
 }
 
 bool Holds(DWORD luid) {
-    for (const DWORD held : privileges) {
+    for (const DWORD held : kPrivileges) {
         if (held == luid) {
             return true;
         }
@@ -61,7 +61,7 @@ DWORD ListSize(DWORD count) {
 }
 
 LUID_AND_ATTRIBUTES Describe(DWORD luid, bool enabled) {
-    DWORD attributes = luid == changeNotify ? SE_PRIVILEGE_ENABLED_BY_DEFAULT | SE_PRIVILEGE_ENABLED : 0;
+    DWORD attributes = luid == kChangeNotify ? SE_PRIVILEGE_ENABLED_BY_DEFAULT | SE_PRIVILEGE_ENABLED : 0;
     if (enabled) {
         attributes |= SE_PRIVILEGE_ENABLED;
     }
@@ -76,7 +76,7 @@ bool CloseToken(HANDLE handle) noexcept {
     if (tokens.access.erase(handle) == 0) {
         return false;
     }
-    counters.tokens.Add(-1);
+    g_counters.tokens.Add(-1);
     return true;
 }
 
@@ -99,7 +99,7 @@ BOOL WINAPI OpenProcessToken(HANDLE process, DWORD access, PHANDLE token) {
     tokens.lastHandle += 4;
     *token = reinterpret_cast<HANDLE>(tokens.lastHandle);
     tokens.access.emplace(*token, access);
-    counters.tokens.Add(1);
+    g_counters.tokens.Add(1);
     return TRUE;
 }
 
@@ -116,16 +116,16 @@ BOOL WINAPI GetTokenInformation(HANDLE token, TOKEN_INFORMATION_CLASS which, LPV
     if (error != ERROR_SUCCESS) {
         return Failure(error);
     }
-    *needed = ListSize(privilegeCount);
+    *needed = ListSize(kPrivilegeCount);
     if (size < *needed || !buffer) {
         return Failure(ERROR_INSUFFICIENT_BUFFER);
     }
     auto* const list = static_cast<PTOKEN_PRIVILEGES>(buffer);
-    list->PrivilegeCount = privilegeCount;
+    list->PrivilegeCount = kPrivilegeCount;
     // The array of the structure has as many elements as the caller's buffer has room for.
     PLUID_AND_ATTRIBUTES entry = list->Privileges;
     WithSettings([&entry](const HostSettings& settings) {
-        for (const DWORD luid : privileges) {
+        for (const DWORD luid : kPrivileges) {
             *entry++ = Describe(luid, settings.enabledPrivileges.count(luid) != 0);
         }
     });
@@ -145,7 +145,7 @@ BOOL WINAPI AdjustTokenPrivileges(HANDLE token, BOOL disableAll, PTOKEN_PRIVILEG
         return Failure(ERROR_INVALID_PARAMETER);
     }
     if (previousState) {
-        *needed = ListSize(disableAll ? privilegeCount : newState->PrivilegeCount);
+        *needed = ListSize(disableAll ? kPrivilegeCount : newState->PrivilegeCount);
         if (size < *needed) {
             return Failure(ERROR_INSUFFICIENT_BUFFER);
         }
@@ -170,7 +170,7 @@ BOOL WINAPI AdjustTokenPrivileges(HANDLE token, BOOL disableAll, PTOKEN_PRIVILEG
             }
         };
         if (disableAll) {
-            for (const DWORD luid : privileges) {
+            for (const DWORD luid : kPrivileges) {
                 set(luid, false);
             }
         } else {

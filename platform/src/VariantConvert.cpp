@@ -165,7 +165,7 @@ class NumberText {
         }
         long exponent = 0;
         while (IsDigit(Peek())) {
-            if (exponent < maxExponent) {
+            if (exponent < kMaxExponent) {
                 exponent = exponent * 10 + (Peek() - L'0');
             }
             ++m_at;
@@ -234,7 +234,7 @@ class NumberText {
         return S_OK;
     }
 
-    static constexpr long maxExponent = 100000000;
+    static constexpr long kMaxExponent = 100000000;
 
     std::wstring_view m_text;
     std::size_t m_at = 0;
@@ -362,9 +362,9 @@ HRESULT ToInteger(Number number, Target& target) {
         target = static_cast<Target>(number.magnitude);
         return S_OK;
     }
-    constexpr auto greatest = static_cast<ULONGLONG>(Limits::max());
-    constexpr ULONGLONG least = std::is_signed_v<Target> ? greatest + 1 : 0;
-    if (number.magnitude > (number.negative ? least : greatest)) {
+    constexpr auto kGreatest = static_cast<ULONGLONG>(Limits::max());
+    constexpr ULONGLONG kLeast = std::is_signed_v<Target> ? kGreatest + 1 : 0;
+    if (number.magnitude > (number.negative ? kLeast : kGreatest)) {
         return DISP_E_OVERFLOW;
     }
     target = static_cast<Target>(number.negative ? 0ull - number.magnitude : number.magnitude);
