@@ -368,7 +368,7 @@ TEST(FlashArrays, Types_AreCaptionsInOrderAndNullForAnEmptyOne) {
     }
     settings.m_vecItems.push_back(nullptr);
     _variant_t types;
-    EXPECT_EQ(Code(FlashImage::MakeTypes(settings, types)), "0x00000000");
+    EXPECT_EQ(Code(flash_image::MakeTypes(settings, types)), "0x00000000");
     EXPECT_EQ(types.vt, VT_ARRAY | VT_BSTR);
     SAFEARRAY* array = V_ARRAY(&types);
     LONG lower = -1;
@@ -390,7 +390,7 @@ TEST(FlashArrays, Types_AreCaptionsInOrderAndNullForAnEmptyOne) {
 TEST(FlashArrays, Bytes_AreAnArrayFromZero) {
     const Bytes bytes{1, 2, 255};
     _variant_t value;
-    EXPECT_EQ(Code(FlashImage::MakeBytes(3, bytes.data(), value)), "0x00000000");
+    EXPECT_EQ(Code(flash_image::MakeBytes(3, bytes.data(), value)), "0x00000000");
     EXPECT_EQ(value.vt, 0x2011);
     LONG lower = -1;
     SafeArrayGetLBound(V_ARRAY(&value), 1, &lower);

@@ -132,7 +132,7 @@ TEST_F(QualifierTextsTest, NotConnected_Fails) {
 
 TEST_F(QualifierTextsTest, ConnectionInGerman_TellsGermanTexts) {
     quillet::test::RegistryScope registry;
-    registry.SetDword(REGISTRY_ORBA, L"ForcedLanguage", 1031);
+    registry.SetDword(kRegistryOrba, L"ForcedLanguage", 1031);
     Connect();
     const ProviderName capabilities{L"L_PROP_ETHERNETADAPTER_CAPABILITIES", L"Capabilities"};
     std::wstring text;

@@ -38,9 +38,9 @@ std::vector<std::string> WithoutLocale(std::vector<std::string> trace) {
 class SessionTest : public ProviderTest {
   protected:
     SessionTest() : ProviderTest(NET_SERVICE_MOF) {
-        m_registry.RemoveValue(REGISTRY_PROVIDERS, L"Namespace");
-        m_registry.RemoveValue(REGISTRY_LUM2, L"LCID");
-        m_registry.RemoveValue(REGISTRY_ORBA, L"ForcedLanguage");
+        m_registry.RemoveValue(kRegistryProviders, L"Namespace");
+        m_registry.RemoveValue(kRegistryLum2, L"LCID");
+        m_registry.RemoveValue(kRegistryOrba, L"ForcedLanguage");
     }
     ~SessionTest() override {
         // The table goes with this object, before the one that uses it.
@@ -173,7 +173,7 @@ TEST_F(SessionTest, InitQuillet_NamespaceValueAbsent_ConnectsToTheProvidersOwn) 
 }
 
 TEST_F(SessionTest, InitQuillet_NamespaceValueCustom_ConnectsThere) {
-    m_registry.SetString(REGISTRY_PROVIDERS, L"Namespace", L"Custom");
+    m_registry.SetString(kRegistryProviders, L"Namespace", L"Custom");
     MachineOptions options = Options();
     options.namespaceName = L"ROOT\\Custom";
     UseText(NET_SERVICE_MOF, options);
@@ -184,13 +184,13 @@ TEST_F(SessionTest, InitQuillet_NamespaceValueCustom_ConnectsThere) {
 }
 
 TEST_F(SessionTest, GetNamespace_ValueOfAnotherType_IsTheProvidersOwn) {
-    m_registry.SetDword(REGISTRY_PROVIDERS, L"Namespace", 5);
+    m_registry.SetDword(kRegistryProviders, L"Namespace", 5);
     EXPECT_EQ(Access::GetNamespace(quillet), L"\\ROOT\\MarloLUM2");
 }
 
 TEST_F(SessionTest, GetNamespace_LongAndNonAsciiValue_IsTakenWhole) {
     const std::wstring name = std::wstring(400, L'n') + L"\u00dc";
-    m_registry.SetString(REGISTRY_PROVIDERS, L"Namespace", name);
+    m_registry.SetString(kRegistryProviders, L"Namespace", name);
     EXPECT_EQ(Access::GetNamespace(quillet), L"\\ROOT\\" + name);
 }
 

@@ -38,9 +38,9 @@ class SystemWmiTest : public testing::Test {
             }
             return lines;
         };
-        registry.SetString(REGISTRY_PROVIDERS, L"Namespace", L"cimv2");
-        registry.SetDword(REGISTRY_ORBA, L"ForcedLanguage", 1033);
-        registry.RemoveValue(REGISTRY_LUM2, L"LCID");
+        registry.SetString(kRegistryProviders, L"Namespace", L"cimv2");
+        registry.SetDword(kRegistryOrba, L"ForcedLanguage", 1033);
+        registry.RemoveValue(kRegistryLum2, L"LCID");
         {
             CQuillet quillet(L"localhost");
             m_forced.result = quillet.InitQuillet();
@@ -53,15 +53,15 @@ class SystemWmiTest : public testing::Test {
             m_operation.trace = traced();
         }
         traced();
-        registry.RemoveValue(REGISTRY_ORBA, L"ForcedLanguage");
-        registry.SetString(REGISTRY_LUM2, L"LCID", L"407");
+        registry.RemoveValue(kRegistryOrba, L"ForcedLanguage");
+        registry.SetString(kRegistryLum2, L"LCID", L"407");
         {
             CQuillet quillet(L"localhost");
             m_unforced.result = quillet.InitQuillet();
             m_unforced.trace = traced();
         }
         traced();
-        registry.SetString(REGISTRY_PROVIDERS, L"Namespace", L"NoSuchNamespace");
+        registry.SetString(kRegistryProviders, L"Namespace", L"NoSuchNamespace");
         {
             CQuillet quillet(L"localhost");
             m_nowhere.result = quillet.InitQuillet();

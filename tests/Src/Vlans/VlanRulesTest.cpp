@@ -124,13 +124,13 @@ CVLANs ListOf(const std::vector<CVLAN>& records) {
 ULONGLONG Answer(const Question& question, const CVLANs& existing) {
     switch (question.kind) {
     case Question::Tagged:
-        return VlanRules::CheckTaggedID(question.wanted.front()) |
-               VlanRules::CheckTagged(existing, question.wanted.front(), question.isModify);
+        return vlan_rules::CheckTaggedID(question.wanted.front()) |
+               vlan_rules::CheckTagged(existing, question.wanted.front(), question.isModify);
     case Question::Untagged:
-        return VlanRules::CheckUntaggedID(question.wanted.front()) |
-               VlanRules::CheckUntagged(existing, question.wanted.front(), question.isModify);
+        return vlan_rules::CheckUntaggedID(question.wanted.front()) |
+               vlan_rules::CheckUntagged(existing, question.wanted.front(), question.isModify);
     case Question::Several:
-        return VlanRules::CheckSeveral(existing, ListOf(question.wanted), question.isTeam);
+        return vlan_rules::CheckSeveral(existing, ListOf(question.wanted), question.isTeam);
     }
     return 0;
 }
