@@ -44,8 +44,8 @@ class Scratch {
 };
 
 const Scratch& Directory() {
-    static const Scratch scratch;
-    return scratch;
+    static const Scratch kScratch;
+    return kScratch;
 }
 
 std::map<MachineSize, std::unique_ptr<Lab>>& Labs() {

@@ -55,7 +55,7 @@ std::wstring ScratchFile(const wchar_t* name);
 /// @param operation a function without arguments that returns an HRESULT
 template <class Operation>
 void Measure(benchmark::State& state, Lab& lab, Operation operation) {
-    constexpr std::size_t longest = 20000;
+    constexpr std::size_t kLongest = 20000;
     simulator::Journal& journal = lab.machine->Calls();
     journal.Clear();
     if (operation() != S_OK) {

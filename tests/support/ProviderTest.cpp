@@ -27,7 +27,7 @@ std::string ContextText(const NamedValue& value) {
 }
 
 /// Makes the leak check of every program with this fixture count the simulator's objects, too.
-[[maybe_unused]] const bool objectsAreCounted = [] {
+[[maybe_unused]] const bool kObjectsAreCounted = [] {
     quillet::test::RegisterLeakCounter("COM objects of the simulator", Machine::LiveObjects);
     return true;
 }();
@@ -60,7 +60,7 @@ ProviderTest::~ProviderTest() {
 
 MachineOptions ProviderTest::Options() {
     MachineOptions options;
-    options.serverName = SERVER;
+    options.serverName = kServer;
     return options;
 }
 

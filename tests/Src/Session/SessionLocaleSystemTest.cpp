@@ -119,7 +119,7 @@ TEST_F(SessionLocaleSystemTest, ChooseConnectionLocale_UnreadableForcedLanguage_
 /// What a connection on a system of one language is made with.
 class OneLanguageTest : public ProviderTest {
   protected:
-    OneLanguageTest() : ProviderTest(NET_SERVICE_MOF) {
+    OneLanguageTest() : ProviderTest(kNetServiceMof) {
         m_registry.RemoveValue(kRegistryLum2, L"LCID");
         m_registry.RemoveValue(kRegistryOrba, L"ForcedLanguage");
     }

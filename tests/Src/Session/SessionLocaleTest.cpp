@@ -15,7 +15,7 @@ using testing::StartsWith;
 
 class SessionLocaleTest : public ProviderTest {
   protected:
-    SessionLocaleTest() : ProviderTest(NET_SERVICE_MOF) {
+    SessionLocaleTest() : ProviderTest(kNetServiceMof) {
         m_registry.RemoveValue(kRegistryLum2, L"LCID");
         m_registry.RemoveValue(kRegistryOrba, L"ForcedLanguage");
     }

@@ -16,7 +16,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using Access = QuilletTestAccess;
 
-constexpr const char* NO_SERVICE = "GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))";
+constexpr const char* kNoService = "GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))";
 
 /// What one connection did.
 struct Attempt {
@@ -81,8 +81,8 @@ TEST_F(SystemWmiTest, InitQuillet_ServiceCannotBeShared_GetsAsFarAsTheTable) {
     EXPECT_EQ(Code(m_forced.result), "0x80041001");
     // No line about locator, connection or blanket: these steps succeeded.
     EXPECT_THAT(m_forced.trace, ElementsAre("Enter InitQuillet", "Locale: MS_409", "Enter CreateNetServices",
-                                            NO_SERVICE, "pIWbemService == NULL", "Exit CreateNetServices",
-                                            NO_SERVICE, "Unable to create net service"));
+                                            kNoService, "pIWbemService == NULL", "Exit CreateNetServices",
+                                            kNoService, "Unable to create net service"));
     EXPECT_EQ(m_cookies, 0u);
     EXPECT_TRUE(m_hasTable) << "the table itself was made";
 }
@@ -108,7 +108,7 @@ TEST_F(SystemWmiTest, InitQuillet_NoSuchNamespace_IsTheSystemsCode) {
 
 TEST_F(SystemWmiTest, Operations_WithoutTheSharedService_FailClearly) {
     EXPECT_EQ(Code(m_operation.result), "0x80041001");
-    EXPECT_THAT(m_operation.trace, ElementsAre("Entering CQuillet::EnumerateAdapters", NO_SERVICE,
+    EXPECT_THAT(m_operation.trace, ElementsAre("Entering CQuillet::EnumerateAdapters", kNoService,
                                                "GetContext -> ((0 == m_dwContext) || (m_pGIT == NULL))",
                                                "((pIWbemService == NULL) || (pIWbemContext == NULL))",
                                                "Exiting CQuillet::EnumerateAdapters"));

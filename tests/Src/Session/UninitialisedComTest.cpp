@@ -15,7 +15,7 @@ class WithoutCom {
     WithoutCom& operator=(const WithoutCom&) = delete;
 };
 
-TEST(UninitialisedCom, InitQuillet_ReturnsComsOwnCode) {
+TEST(UninitialisedComTest, InitQuillet_ReturnsComsOwnCode) {
     quillet::test::TraceFile trace;
     const WithoutCom withoutCom;
     CQuillet quillet;
@@ -25,7 +25,7 @@ TEST(UninitialisedCom, InitQuillet_ReturnsComsOwnCode) {
     EXPECT_EQ(Code(quillet.UninitQuillet()), "0x00000000");
 }
 
-TEST(UninitialisedCom, Operations_FailAsWithoutAConnection) {
+TEST(UninitialisedComTest, Operations_FailAsWithoutAConnection) {
     const WithoutCom withoutCom;
     CQuillet quillet;
     quillet.InitQuillet();
@@ -38,7 +38,7 @@ TEST(UninitialisedCom, Operations_FailAsWithoutAConnection) {
     EXPECT_EQ(Code(quillet.GetWarnings(warnings)), "0x80041001");
 }
 
-TEST(UninitialisedCom, Marshal_TableCannotBeCreated_TracesAndReturnsItsCode) {
+TEST(UninitialisedComTest, Marshal_TableCannotBeCreated_TracesAndReturnsItsCode) {
     quillet::test::TraceFile trace;
     const WithoutCom withoutCom;
     CQuillet quillet;
