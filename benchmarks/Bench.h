@@ -14,9 +14,9 @@
 
 namespace quillet::bench {
 
-using test::AdapterId;
-using test::MachineSize;
-using test::TeamId;
+using tests::AdapterId;
+using tests::MachineSize;
+using tests::TeamId;
 
 /// COM for a thread while it runs.
 class Apartment {
@@ -63,7 +63,7 @@ void Measure(benchmark::State& state, Lab& lab, Operation operation) {
         return;
     }
     const std::size_t calls = journal.Size();
-    const std::size_t period = calls == 0 ? 0 : longest / calls + 1;
+    const std::size_t period = calls == 0 ? 0 : kLongest / calls + 1;
     std::size_t runs = 0;
     HRESULT worst = S_OK;
     for (auto _ : state) {

@@ -6,11 +6,11 @@ namespace quillet::bench {
 
 namespace {
 
-using test::OfAdapter;
-using test::OfMachine;
-using test::OfTeam;
-using test::OfTeamVlan;
-using test::TeamVlanId;
+using tests::OfAdapter;
+using tests::OfMachine;
+using tests::OfTeam;
+using tests::OfTeamVlan;
+using tests::TeamVlanId;
 
 /// An operation over a machine that is n times something.
 struct Growing {

@@ -9,7 +9,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;

@@ -8,7 +8,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::IsEmpty;

@@ -14,7 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include <set>
 #include <thread>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 
 namespace {
 

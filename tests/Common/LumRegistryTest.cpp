@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <gmock/gmock.h>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;

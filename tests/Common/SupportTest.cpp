@@ -12,7 +12,7 @@
 #include <gtest/gtest-spi.h>
 #include <stdexcept>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 
 namespace {
 

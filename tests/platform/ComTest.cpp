@@ -11,8 +11,8 @@
 
 namespace {
 
-using quillet::test::AgileObject;
-using quillet::test::SecuredObject;
+using quillet::tests::AgileObject;
+using quillet::tests::SecuredObject;
 
 constexpr CLSID kTestClass = {0x8d9b3c61, 0x5a0e, 0x4d5e, {0x9f, 0x0a, 0x3b, 0x5e, 0x61, 0x7c, 0x20, 0x01}};
 

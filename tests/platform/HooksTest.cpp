@@ -16,7 +16,7 @@
 namespace {
 
 using namespace quillet::platform;
-using quillet::test::EnvironmentScope;
+using quillet::tests::EnvironmentScope;
 
 class HooksTest : public testing::Test {
   protected:

@@ -11,8 +11,8 @@
 
 namespace {
 
-using quillet::test::ReadFile;
-using quillet::test::TemporaryDirectory;
+using quillet::tests::ReadFile;
+using quillet::tests::TemporaryDirectory;
 
 int g_reports = 0;
 

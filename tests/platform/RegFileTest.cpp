@@ -15,7 +15,7 @@
 namespace {
 
 using quillet::platform::ResetRegistry;
-using quillet::test::TemporaryDirectory;
+using quillet::tests::TemporaryDirectory;
 
 constexpr char kHeader[] = "Windows Registry Editor Version 5.00\r\n\r\n";
 

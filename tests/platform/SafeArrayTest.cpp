@@ -12,7 +12,7 @@
 
 namespace {
 
-using quillet::test::AgileObject;
+using quillet::tests::AgileObject;
 
 /// Destroys its array; a lock left on it is a failure of the test.
 class Array {

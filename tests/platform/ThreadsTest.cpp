@@ -17,7 +17,7 @@
 namespace {
 
 using quillet::platform::Live;
-using quillet::test::AgileObject;
+using quillet::tests::AgileObject;
 
 constexpr int kThreads = 4;
 constexpr int kRounds = 300;

@@ -11,7 +11,7 @@
 
 namespace {
 
-using quillet::test::AgileObject;
+using quillet::tests::AgileObject;
 
 VARIANT Empty() {
     VARIANT variant;

@@ -21,7 +21,7 @@
 #include <stdexcept>
 #include <utility>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 /// Takes the block over while a test watches; false when it is to be freed.
 bool KeepFreedBlock(void* block) noexcept;
@@ -249,7 +249,7 @@ bool KeepFreedBlock(void* block) noexcept {
     return true;
 }
 
-} // namespace quillet::test
+} // namespace quillet::tests
 
 void* operator new(std::size_t size) {
     if (void* block = std::calloc(1, size != 0 ? size : 1)) {
@@ -273,7 +273,7 @@ void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
 }
 
 void operator delete(void* block) noexcept {
-    if (block != nullptr && !quillet::test::KeepFreedBlock(block)) {
+    if (block != nullptr && !quillet::tests::KeepFreedBlock(block)) {
         std::free(block);
     }
 }

@@ -15,7 +15,7 @@
 #include <thread>
 #include <vector>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 namespace {
 
@@ -191,4 +191,4 @@ void RegisterHostLeakCounters() {
     CloseHandle(file);
 }
 
-} // namespace quillet::test
+} // namespace quillet::tests

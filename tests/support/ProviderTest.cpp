@@ -28,7 +28,7 @@ std::string ContextText(const NamedValue& value) {
 
 /// Makes the leak check of every program with this fixture count the simulator's objects, too.
 [[maybe_unused]] const bool kObjectsAreCounted = [] {
-    quillet::test::RegisterLeakCounter("COM objects of the simulator", Machine::LiveObjects);
+    quillet::tests::RegisterLeakCounter("COM objects of the simulator", Machine::LiveObjects);
     return true;
 }();
 

@@ -110,5 +110,5 @@ class ProviderTest : public testing::Test {
 
   private:
     std::optional<quillet::simulator::Registration> m_registration;
-    quillet::test::TraceFile m_trace;
+    quillet::tests::TraceFile m_trace;
 };

@@ -3,7 +3,7 @@
 
 #include <array>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 namespace {
 
@@ -200,4 +200,4 @@ std::wstring TeamVlanId(unsigned team, unsigned number) {
     return Path(L"Zorel_VLAN.Name", IdOfVlan(IdOfTeam(team), number));
 }
 
-} // namespace quillet::test
+} // namespace quillet::tests

@@ -238,8 +238,8 @@ TEST_F(DiagnosticResultsTest, StateText_OfAStateWithoutOne_StaysAndIsNoFailure) 
 
 TEST_F(DiagnosticResultsTest, StateText_IsInTheLanguageOfTheConnection) {
     quillet.UninitQuillet();
-    quillet::test::RegistryScope registry;
-    registry.SetDword(quillet::test::kOrbaKey, L"ForcedLanguage", 0x407);
+    quillet::tests::RegistryScope registry;
+    registry.SetDword(quillet::tests::kOrbaKey, L"ForcedLanguage", 0x407);
     Connect();
     EXPECT_EQ(StateTextOf(4), L"L\u00E4uft");
 }

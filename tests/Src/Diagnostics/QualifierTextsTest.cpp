@@ -131,7 +131,7 @@ TEST_F(QualifierTextsTest, NotConnected_Fails) {
 }
 
 TEST_F(QualifierTextsTest, ConnectionInGerman_TellsGermanTexts) {
-    quillet::test::RegistryScope registry;
+    quillet::tests::RegistryScope registry;
     registry.SetDword(kRegistryOrba, L"ForcedLanguage", 1031);
     Connect();
     const ProviderName capabilities{L"L_PROP_ETHERNETADAPTER_CAPABILITIES", L"Capabilities"};

@@ -10,7 +10,7 @@
 
 namespace {
 
-using quillet::test::FreedBlocks;
+using quillet::tests::FreedBlocks;
 using testing::IsEmpty;
 using testing::Not;
 

@@ -27,7 +27,7 @@ class PropertyAccessTest : public testing::Test {
     }
 
   private:
-    quillet::test::TraceFile m_trace;
+    quillet::tests::TraceFile m_trace;
 };
 
 /// An instance that answers with the VARIANT of a case, made anew for each Get.

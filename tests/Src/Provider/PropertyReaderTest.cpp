@@ -42,7 +42,7 @@ class PropertyReaderTest : public testing::Test {
     StubInstance instance;
 
   private:
-    quillet::test::TraceFile m_trace;
+    quillet::tests::TraceFile m_trace;
 };
 
 TEST_F(PropertyReaderTest, Reads_InOrder_FillWhatTheyAreGiven) {

@@ -9,7 +9,7 @@
 
 namespace {
 
-using quillet::test::RegistryScope;
+using quillet::tests::RegistryScope;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
@@ -26,7 +26,7 @@ class SessionLocaleSystemTest : public testing::Test {
     std::vector<std::wstring> Traced() { return m_trace.NewTexts(); }
 
     RegistryScope m_registry;
-    quillet::test::TraceFile m_trace;
+    quillet::tests::TraceFile m_trace;
 };
 
 TEST_F(SessionLocaleSystemTest, ChooseConnectionLocale_SeveralLanguagesOnVersionFive_IsTheUsersLanguage) {

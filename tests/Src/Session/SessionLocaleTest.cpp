@@ -7,7 +7,7 @@
 
 namespace {
 
-using quillet::test::RegistryScope;
+using quillet::tests::RegistryScope;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;

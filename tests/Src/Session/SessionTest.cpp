@@ -10,7 +10,7 @@
 namespace {
 
 using ATL::CComPtr;
-using quillet::test::RegistryScope;
+using quillet::tests::RegistryScope;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;

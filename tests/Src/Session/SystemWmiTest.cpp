@@ -29,8 +29,8 @@ struct Attempt {
 class SystemWmiTest : public testing::Test {
   protected:
     static void SetUpTestSuite() {
-        quillet::test::TraceFile file;
-        quillet::test::RegistryScope registry;
+        quillet::tests::TraceFile file;
+        quillet::tests::RegistryScope registry;
         const auto traced = [&file] {
             std::vector<std::string> lines;
             for (const std::wstring& text : file.NewTexts()) {

@@ -16,7 +16,7 @@ class WithoutCom {
 };
 
 TEST(UninitialisedComTest, InitQuillet_ReturnsComsOwnCode) {
-    quillet::test::TraceFile trace;
+    quillet::tests::TraceFile trace;
     const WithoutCom withoutCom;
     CQuillet quillet;
     EXPECT_EQ(Code(quillet.InitQuillet()), "0x800401F0");
@@ -39,7 +39,7 @@ TEST(UninitialisedComTest, Operations_FailAsWithoutAConnection) {
 }
 
 TEST(UninitialisedComTest, Marshal_TableCannotBeCreated_TracesAndReturnsItsCode) {
-    quillet::test::TraceFile trace;
+    quillet::tests::TraceFile trace;
     const WithoutCom withoutCom;
     CQuillet quillet;
     const HRESULT result = Access::MarshalWbemService(quillet, nullptr);

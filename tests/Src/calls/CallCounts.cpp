@@ -71,7 +71,7 @@ TEST_P(CallCountsTest, OnMachinesOfAnySize_AreAsManyAsTheFormulaSays) {
     const Operation& operation = GetParam();
     for (const unsigned n : kSizes) {
         SCOPED_TRACE(n);
-        UseText(quillet::test::MachineText(operation.machine(n)));
+        UseText(MachineText(operation.machine(n)));
         Connect();
         EXPECT_EQ(Code(operation.run(quillet, n)), "0x00000000");
         EXPECT_EQ(Counted(Calls()), operation.calls(n));

@@ -9,17 +9,6 @@
 
 namespace quillet::tests {
 
-using quillet::test::AdapterId;
-using quillet::test::AdapterVlanId;
-using quillet::test::MachineSize;
-using quillet::test::OfAdapter;
-using quillet::test::OfAdapterVlan;
-using quillet::test::OfMachine;
-using quillet::test::OfTeam;
-using quillet::test::OfTeamVlan;
-using quillet::test::TeamId;
-using quillet::test::TeamVlanId;
-
 /// Numbers of provider calls, by kind.
 struct Count {
     unsigned objects = 0;      ///< GetObject: an instance or a class

@@ -70,7 +70,7 @@ INSTANTIATE_TEST_SUITE_P(Ports, CallCountsTest, testing::ValuesIn(kOperations), 
 TEST_F(ProviderTest, InitQuillet_OnMachinesOfAnySize_MakesFourCalls) {
     for (const unsigned n : {0u, 1u, 64u}) {
         SCOPED_TRACE(n);
-        UseText(quillet::test::MachineText({.adapters = n}));
+        UseText(MachineText({.adapters = n}));
         ASSERT_EQ(Code(quillet.InitQuillet()), "0x00000000");
         std::vector<std::string> operations;
         for (const JournalEntry& call : machine->Calls().ProviderCalls()) {
