@@ -6,11 +6,17 @@
 
 #include <memory>
 
+// The sanitizer of undefined behaviour stops where such a call is made, which is what is meant here.
+#ifdef __GNUC__
+#define QUILLET_CALLED_FOR_NULL __attribute__((no_sanitize("undefined")))
+#else
+#define QUILLET_CALLED_FOR_NULL
+#endif
+
 namespace {
 
-// The sanitizer of undefined behaviour stops where such a call is made, which is what is meant here.
 template <class TCollection>
-__attribute__((no_sanitize("undefined"))) TCollection* CopyThrough(const TCollection* pCollection) {
+QUILLET_CALLED_FOR_NULL TCollection* CopyThrough(const TCollection* pCollection) {
     return pCollection->Copy();
 }
 
