@@ -44,8 +44,8 @@ class Scratch {
 };
 
 const Scratch& Directory() {
-    static const Scratch scratch;
-    return scratch;
+    static const Scratch kScratch;
+    return kScratch;
 }
 
 std::map<MachineSize, std::unique_ptr<Lab>>& Labs() {
@@ -75,7 +75,7 @@ Lab::~Lab() {
 Lab& LabOf(const MachineSize& size) {
     std::unique_ptr<Lab>& lab = Labs()[size];
     if (!lab) {
-        lab = std::make_unique<Lab>(test::MachineText(size));
+        lab = std::make_unique<Lab>(tests::MachineText(size));
     }
     return *lab;
 }

@@ -14,9 +14,9 @@
 
 namespace quillet::bench {
 
-using test::AdapterId;
-using test::MachineSize;
-using test::TeamId;
+using tests::AdapterId;
+using tests::MachineSize;
+using tests::TeamId;
 
 /// COM for a thread while it runs.
 class Apartment {
@@ -55,7 +55,7 @@ std::wstring ScratchFile(const wchar_t* name);
 /// @param operation a function without arguments that returns an HRESULT
 template <class Operation>
 void Measure(benchmark::State& state, Lab& lab, Operation operation) {
-    constexpr std::size_t longest = 20000;
+    constexpr std::size_t kLongest = 20000;
     simulator::Journal& journal = lab.machine->Calls();
     journal.Clear();
     if (operation() != S_OK) {
@@ -63,7 +63,7 @@ void Measure(benchmark::State& state, Lab& lab, Operation operation) {
         return;
     }
     const std::size_t calls = journal.Size();
-    const std::size_t period = calls == 0 ? 0 : longest / calls + 1;
+    const std::size_t period = calls == 0 ? 0 : kLongest / calls + 1;
     std::size_t runs = 0;
     HRESULT worst = S_OK;
     for (auto _ : state) {

@@ -10,11 +10,11 @@ namespace quillet::bench {
 
 namespace {
 
-constexpr std::size_t BYTES = 16u << 20;
-constexpr const wchar_t* AGENT = L"Zorel_BootAgent.Name=\"{A1}\"";
+constexpr std::size_t kBytes = 16u << 20;
+constexpr const wchar_t* kAgent = L"Zorel_BootAgent.Name=\"{A1}\"";
 
 std::vector<std::uint8_t> Image() {
-    std::vector<std::uint8_t> contents(BYTES - 4096);
+    std::vector<std::uint8_t> contents(kBytes - 4096);
     std::uint32_t seed = 1;
     for (std::uint8_t& byte : contents) {
         seed = seed * 1664525u + 1013904223u;
@@ -22,13 +22,13 @@ std::vector<std::uint8_t> Image() {
     }
     std::vector<std::uint8_t> image = simulator::WriteFlashImage({{L"PXE", L"1.0.0", 0, 1, contents}});
     // Up to the size to the byte.
-    contents.resize(contents.size() + BYTES - image.size());
+    contents.resize(contents.size() + kBytes - image.size());
     return simulator::WriteFlashImage({{L"PXE", L"1.0.0", 0, 1, contents}});
 }
 
 /// A machine whose boot agent has the image.
 Lab& FlashLab() {
-    static const bool written = [] {
+    static const bool kWritten = [] {
         Lab& lab = LabOf({.adapters = 1, .iscsiPorts = 1});
         std::vector<std::uint8_t> image = Image();
         CSettings types;
@@ -36,12 +36,12 @@ Lab& FlashLab() {
         type->m_wsCaption = L"PXE";
         types.m_vecItems.push_back(type);
         int returnCode = -1;
-        return SUCCEEDED(lab.quillet.WriteBootAgentFlash(AGENT, static_cast<LONG>(image.size()), image.data(),
-                                                         types, returnCode)) &&
+        return SUCCEEDED(lab.quillet.WriteBootAgentFlash(kAgent, static_cast<LONG>(image.size()),
+                                                         image.data(), types, returnCode)) &&
                returnCode == 0;
     }();
     Lab& lab = LabOf({.adapters = 1, .iscsiPorts = 1});
-    if (!written) {
+    if (!kWritten) {
         throw std::runtime_error("the flash memory can not be written");
     }
     return lab;
@@ -52,37 +52,37 @@ void ReadFlash(benchmark::State& state) {
     Measure(state, lab, [&]() -> HRESULT {
         LONG size = 0;
         unsigned char* data = nullptr;
-        const HRESULT result = lab.quillet.ReadBootAgentFlash(AGENT, size, &data);
+        const HRESULT result = lab.quillet.ReadBootAgentFlash(kAgent, size, &data);
         benchmark::DoNotOptimize(data);
         ::operator delete(data);
-        return FAILED(result) ? result : size == LONG{BYTES} ? S_OK : E_UNEXPECTED;
+        return FAILED(result) ? result : size == LONG{kBytes} ? S_OK : E_UNEXPECTED;
     });
-    state.SetBytesProcessed(state.iterations() * std::int64_t{BYTES});
+    state.SetBytesProcessed(state.iterations() * std::int64_t{kBytes});
 }
 
 /// Into a buffer that the caller then owns, as the operation does it.
 void CopyBytes(benchmark::State& state) {
     const std::vector<std::uint8_t> image = Image();
     for (auto _ : state) {
-        void* const data = ::operator new(BYTES);
-        std::memcpy(data, image.data(), BYTES);
+        void* const data = ::operator new(kBytes);
+        std::memcpy(data, image.data(), kBytes);
         benchmark::DoNotOptimize(data);
         benchmark::ClobberMemory();
         ::operator delete(data);
     }
-    state.SetBytesProcessed(state.iterations() * std::int64_t{BYTES});
+    state.SetBytesProcessed(state.iterations() * std::int64_t{kBytes});
 }
 
 /// Into one buffer again and again: no page of it is new.
 void CopyBytesInPlace(benchmark::State& state) {
     const std::vector<std::uint8_t> image = Image();
-    std::vector<std::uint8_t> target(BYTES);
+    std::vector<std::uint8_t> target(kBytes);
     for (auto _ : state) {
-        std::memcpy(target.data(), image.data(), BYTES);
+        std::memcpy(target.data(), image.data(), kBytes);
         benchmark::DoNotOptimize(target.data());
         benchmark::ClobberMemory();
     }
-    state.SetBytesProcessed(state.iterations() * std::int64_t{BYTES});
+    state.SetBytesProcessed(state.iterations() * std::int64_t{kBytes});
 }
 
 } // namespace

@@ -6,11 +6,11 @@ namespace quillet::bench {
 
 namespace {
 
-using test::OfAdapter;
-using test::OfMachine;
-using test::OfTeam;
-using test::OfTeamVlan;
-using test::TeamVlanId;
+using tests::OfAdapter;
+using tests::OfMachine;
+using tests::OfTeam;
+using tests::OfTeamVlan;
+using tests::TeamVlanId;
 
 /// An operation over a machine that is n times something.
 struct Growing {
@@ -19,15 +19,15 @@ struct Growing {
 };
 
 /// Two adapters in five are in a team of two.
-constexpr unsigned TEAMS_IN = 5;
+constexpr unsigned kTeamsIn = 5;
 
 MachineSize WithAdapters(unsigned count) {
     return {.adapters = count,
             .settings = 6,
             .profiles = 3,
             .tests = 2,
-            .teams = count / TEAMS_IN,
-            .iscsiPorts = count / TEAMS_IN};
+            .teams = count / kTeamsIn,
+            .iscsiPorts = count / kTeamsIn};
 }
 
 MachineSize WithVlans(unsigned count) {
@@ -51,7 +51,7 @@ HRESULT AsExpected(ULONGLONG problems, ULONGLONG expected) {
     return problems == expected ? S_OK : E_UNEXPECTED;
 }
 
-const Growing OVER_ADAPTERS[] = {
+const Growing kOverAdapters[] = {
     {"EnumerateAdapters", OfMachine<&CQuillet::EnumerateAdapters>},
     {"GetTeamableAdapters",
      [](CQuillet& q, unsigned) {
@@ -76,7 +76,7 @@ const Growing OVER_ADAPTERS[] = {
     {"GetWarnings", OfMachine<&CQuillet::GetWarnings>},
 };
 
-const Growing OVER_VLANS[] = {
+const Growing kOverVlans[] = {
     {"EnumerateVLANsOfAdapter", OfAdapter<&CQuillet::EnumerateVLANsOfAdapter, 3>},
     {"EnumerateVLANsOfTeam", OfTeam<&CQuillet::EnumerateVLANsOfTeam>},
     {"CreateVLANAdapterCheck",
@@ -97,7 +97,7 @@ const Growing OVER_VLANS[] = {
     {"GetVlanSettings", OfTeamVlan<&CQuillet::GetVlanSettings>},
 };
 
-const Growing ADDITIONS[] = {
+const Growing kAdditions[] = {
     {"AddVLANToTeam_and_RemoveVLAN",
      [](CQuillet& q, unsigned) {
          CVLAN vlan = NewVlan();
@@ -115,7 +115,7 @@ void Grow(benchmark::State& state, const Growing& operation, MachineSize (*size)
 } // namespace
 
 void RegisterGrowth() {
-    for (const Growing& operation : OVER_ADAPTERS) {
+    for (const Growing& operation : kOverAdapters) {
         const std::string name = std::string("growth/adapters/") + operation.name;
         benchmark::RegisterBenchmark(name.c_str(), Grow, operation, WithAdapters)
             ->RangeMultiplier(10)
@@ -125,10 +125,10 @@ void RegisterGrowth() {
         const std::string name = std::string("growth/vlans/") + operation.name;
         benchmark::RegisterBenchmark(name.c_str(), Grow, operation, size)->RangeMultiplier(2)->Range(1, 64);
     };
-    for (const Growing& operation : OVER_VLANS) {
+    for (const Growing& operation : kOverVlans) {
         overVlans(operation, WithVlans);
     }
-    for (const Growing& operation : ADDITIONS) {
+    for (const Growing& operation : kAdditions) {
         overVlans(operation, WithOneVlanLess);
     }
 }

@@ -7,8 +7,8 @@ namespace {
 
 using Use = PlainClient::Use;
 
-constexpr MachineSize ADAPTERS{.adapters = 1000};
-constexpr MachineSize SETTINGS{.adapters = 1, .settings = 60};
+constexpr MachineSize kAdapters{.adapters = 1000};
+constexpr MachineSize kSettings{.adapters = 1, .settings = 60};
 
 /// One operation, done by the library and by hand.
 struct Contest {
@@ -19,15 +19,15 @@ struct Contest {
 };
 
 /// The adapter that every machine has, as the operations name it and by its object ID.
-const std::wstring FIRST_ADAPTER = AdapterId(1);
-constexpr const wchar_t* FIRST_OBJECT_ID = L"{A1}";
+const std::wstring kFirstAdapter = AdapterId(1);
+constexpr const wchar_t* kFirstObjectId = L"{A1}";
 
 HRESULT Enumerated(std::size_t count, std::size_t expected) {
     return count == expected ? S_OK : E_UNEXPECTED;
 }
 
-const Contest CONTESTS[] = {
-    {"enumerate_1000_adapters", ADAPTERS,
+const Contest kContests[] = {
+    {"enumerate_1000_adapters", kAdapters,
      [](Lab& lab) {
          CAdapters adapters;
          const HRESULT result = lab.quillet.EnumerateAdapters(adapters);
@@ -38,21 +38,21 @@ const Contest CONTESTS[] = {
          const HRESULT result = lab.plain.EnumerateAdapters(adapters, use);
          return FAILED(result) ? result : Enumerated(adapters.size(), 1000);
      }},
-    {"read_60_settings", SETTINGS,
+    {"read_60_settings", kSettings,
      [](Lab& lab) {
          CSettings settings;
-         const HRESULT result = lab.quillet.GetAdapterSettings(FIRST_ADAPTER, settings);
+         const HRESULT result = lab.quillet.GetAdapterSettings(kFirstAdapter, settings);
          return FAILED(result) ? result : Enumerated(settings.m_vecItems.size(), 60);
      },
      [](Lab& lab, Use use) {
          std::vector<PlainSetting> settings;
-         const HRESULT result = lab.plain.GetAdapterSettings(FIRST_OBJECT_ID, settings, use);
+         const HRESULT result = lab.plain.GetAdapterSettings(kFirstObjectId, settings, use);
          return FAILED(result) ? result : Enumerated(settings.size(), 60);
      }},
-    {"method_call", SETTINGS, [](Lab& lab) { return lab.quillet.IdentifyAdapter(FIRST_ADAPTER, 10); },
+    {"method_call", kSettings, [](Lab& lab) { return lab.quillet.IdentifyAdapter(kFirstAdapter, 10); },
      [](Lab& lab, Use use) {
          LONG verdict = -1;
-         const HRESULT result = lab.plain.IdentifyAdapter(FIRST_ADAPTER, 10, verdict, use);
+         const HRESULT result = lab.plain.IdentifyAdapter(kFirstAdapter, 10, verdict, use);
          return FAILED(result) ? result : Enumerated(static_cast<std::size_t>(verdict), 0);
      }},
 };
@@ -72,7 +72,7 @@ void Plain(benchmark::State& state, const Contest& contest, Use use) {
 } // namespace
 
 void RegisterOperations() {
-    for (const Contest& contest : CONTESTS) {
+    for (const Contest& contest : kContests) {
         const std::string name = std::string("operation/") + contest.name + '/';
         benchmark::RegisterBenchmark((name + "library").c_str(), Library, contest, Tracing::Off);
         benchmark::RegisterBenchmark((name + "library_traced").c_str(), Library, contest, Tracing::On);

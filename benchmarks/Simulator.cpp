@@ -18,7 +18,7 @@ MachineSize WithInstances(unsigned count) {
 }
 
 void Load(benchmark::State& state) {
-    const std::string text = test::MachineText(WithInstances(10000));
+    const std::string text = tests::MachineText(WithInstances(10000));
     std::size_t instances = 0;
     for (auto _ : state) {
         const auto machine = simulator::Machine::FromText(text, "benchmark.mof");

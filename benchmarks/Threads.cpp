@@ -13,8 +13,8 @@ namespace quillet::bench {
 namespace {
 
 /// Machines that are asked in the same way, one for each thread.
-constexpr MachineSize SIZES[] = {{.adapters = 100, .settings = 60},
-                                 {.adapters = 100, .settings = 60, .iscsiPorts = 1}};
+constexpr MachineSize kSizes[] = {{.adapters = 100, .settings = 60},
+                                  {.adapters = 100, .settings = 60, .iscsiPorts = 1}};
 
 struct Work {
     const char* name;
@@ -33,7 +33,7 @@ HRESULT IdentifyAdapter(CQuillet& quillet, const std::wstring& adapter) {
     return quillet.IdentifyAdapter(adapter, 10);
 }
 
-const Work WORKS[] = {
+const Work kWorks[] = {
     {"enumerate_100_adapters", 100, EnumerateAdapters},
     {"enumerate_100_adapters_apart", 100, EnumerateAdapters, true},
     {"read_60_settings", 100,
@@ -69,7 +69,7 @@ void Threads(benchmark::State& state, const Work& work, unsigned count) {
     };
     std::vector<Lab*> labs(count);
     for (unsigned index = 0; index < count; ++index) {
-        labs[index] = &LabOf(SIZES[work.apart ? index : 0]);
+        labs[index] = &LabOf(kSizes[work.apart ? index : 0]);
     }
     std::atomic<int> failures{0};
     for (auto _ : state) {
@@ -116,7 +116,7 @@ void Threads(benchmark::State& state, const Work& work, unsigned count) {
 } // namespace
 
 void RegisterThreads() {
-    for (const Work& work : WORKS) {
+    for (const Work& work : kWorks) {
         for (const unsigned count : {1u, 2u}) {
             const std::string name = std::string("threads/") + work.name + '/' + std::to_string(count);
             benchmark::RegisterBenchmark(name.c_str(), Threads, work, count)->UseManualTime();

@@ -18,8 +18,8 @@ using ATL::CComBSTR;
 using ATL::CComPtr;
 using Clock = std::chrono::steady_clock;
 
-constexpr int REPETITIONS = 15;
-constexpr std::chrono::milliseconds LEAST(40); ///< of each repetition
+constexpr int kRepetitions = 15;
+constexpr std::chrono::milliseconds kLeast(40); ///< of each repetition
 
 /// A class of the system's namespace, its key and the texts that are read of each instance.
 struct Subject {
@@ -123,7 +123,7 @@ long long Time(IWbemServices* services, const Subject& subject, std::size_t expe
         }
         ++runs;
         taken = Clock::now() - begin;
-    } while (taken < LEAST);
+    } while (taken < kLeast);
     return std::chrono::duration_cast<std::chrono::nanoseconds>(taken).count() / runs;
 }
 
@@ -159,7 +159,7 @@ void Compare(const Subject& subject) {
     Time(system, subject, rows.size()); // the system starts services of its own for the first
     std::vector<long long> bySystem;
     std::vector<long long> bySimulator;
-    for (int repetition = 0; repetition < REPETITIONS; ++repetition) {
+    for (int repetition = 0; repetition < kRepetitions; ++repetition) {
         bySystem.push_back(Time(system, subject, rows.size()));
         bySimulator.push_back(Time(simulator, subject, rows.size()));
         machine->Calls().Clear();

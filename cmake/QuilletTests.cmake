@@ -3,7 +3,7 @@
 # One GoogleTest program per subsystem, and one CTest entry per program: a process for each case would spend most
 # of its time on compiling the simulator's machine again. The program lists its cases, and CTest shows the output
 # of one that fails. THREADED marks the programs that ThreadSanitizer runs.
-if(WIN32)
+if(MINGW)
   # Debian ships GoogleTest's sources; there is no package of it built for mingw-w64.
   set(gtest_force_shared_crt OFF)
   set(INSTALL_GTEST OFF)
@@ -26,14 +26,19 @@ add_custom_target(threaded_tests)
 file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/TestHeaders.cpp CONTENT "int main() {}\n" @ONLY)
 add_executable(quillet_test_headers EXCLUDE_FROM_ALL ${CMAKE_BINARY_DIR}/TestHeaders.cpp)
 # A test runs once: optimising it, above all with sanitizers in it, takes longer than it can ever save.
-target_compile_options(quillet_test_headers PRIVATE -O0)
+if(MSVC)
+  set(QUILLET_UNOPTIMISED /Od)
+else()
+  set(QUILLET_UNOPTIMISED -O0)
+endif()
+target_compile_options(quillet_test_headers PRIVATE ${QUILLET_UNOPTIMISED})
 target_link_libraries(quillet_test_headers PRIVATE GTest::gmock GTest::gtest Quillet::platform Quillet::warnings)
 target_precompile_headers(quillet_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
 
 function(quillet_add_test name)
   cmake_parse_arguments(arg "THREADED" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
-  target_compile_options(${name} PRIVATE -O0)
+  target_compile_options(${name} PRIVATE ${QUILLET_UNOPTIMISED})
   target_precompile_headers(${name} REUSE_FROM quillet_test_headers)
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest Quillet::warnings)
   if(arg_THREADED)

@@ -2,5 +2,21 @@
 # them: every class that implements a COM interface would trip over it.
 add_library(quillet_warnings INTERFACE)
 add_library(Quillet::warnings ALIAS quillet_warnings)
-target_compile_options(quillet_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Werror)
+if(MSVC)
+  # Errors they become once somebody has built with this compiler. What surrounds the warnings makes it read the
+  # sources as the others do.
+  target_compile_options(quillet_warnings INTERFACE /W4)
+  add_compile_options(/permissive- /utf-8 /EHsc)
+else()
+  target_compile_options(quillet_warnings INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Werror)
+endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # At -O3 g++ 12 sees overlapping, endless and overrunning copies inside std::string where there are none, and with
+  # ThreadSanitizer's calls in the code variables without a value.
+  target_compile_options(quillet_warnings INTERFACE
+    $<$<CONFIG:Release>:-Wno-error=restrict -Wno-error=stringop-overflow -Wno-error=array-bounds>)
+  if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=thread")
+    target_compile_options(quillet_warnings INTERFACE -Wno-error=maybe-uninitialized)
+  endif()
+endif()

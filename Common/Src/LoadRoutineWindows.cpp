@@ -18,6 +18,6 @@ struct LoadRoutine {
             // An exception would end the process that loads the library, for the sake of a log.
         }
     }
-} const loadRoutine;
+} const kLoadRoutine;
 
 } // namespace

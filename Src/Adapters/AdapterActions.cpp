@@ -13,7 +13,7 @@ namespace {
 using OnNull = PropertyReader::OnNull;
 
 /// The bit of "AdapterStatus" that says that the hardware is not there.
-constexpr LONG HARDWARE_MISSING = 4;
+constexpr LONG kHardwareMissing = 4;
 
 } // namespace
 
@@ -30,7 +30,7 @@ HRESULT CQuillet::EnumerateOtherPortOfAdapter(const std::wstring& adapterId, CAd
         return result;
     }
     return session
-        .Query(Wql::SelectWhere(L_CLASS_ZOREL_ETHERNETADAPTER.name, L_PROP_ETHERNETADAPTER_SLOTID.name, slot),
+        .Query(wql::SelectWhere(L_CLASS_ZOREL_ETHERNETADAPTER.name, L_PROP_ETHERNETADAPTER_SLOTID.name, slot),
                L"ExecQuery -> SELECT * FROM ADAPTER FOR SLOTID -> FAIL")
         .ForEach(L"pEnumAdapters -> Next",
                  [&](IWbemClassObject* sibling) { return AppendPorts(session, sibling, ports); });
@@ -43,7 +43,7 @@ HRESULT CQuillet::AppendPorts(const ProviderSession& session, IWbemClassObject* 
     if (read.Long(L_PROP_ETHERNETADAPTER_ADAPTERSTATUS, status).Failed()) {
         return read.Result();
     }
-    if (status & HARDWARE_MISSING) {
+    if (status & kHardwareMissing) {
         TraceText(L"Hardware is realy Missing");
         return S_OK;
     }
@@ -52,7 +52,7 @@ HRESULT CQuillet::AppendPorts(const ProviderSession& session, IWbemClassObject* 
     if (read.When(OnNull::Fail).String(L_ZOREL_PATH, path).Failed()) {
         return read.Result();
     }
-    return Memberships(session, path).ForEach(MEMBERSHIPS_BROKE_OFF, [&](IWbemClassObject* membership) {
+    return Memberships(session, path).ForEach(kMembershipsBrokeOff, [&](IWbemClassObject* membership) {
         std::wstring team;
         const HRESULT result = PropertyReader(membership, L"pInstanceHandle")
                                    .When(OnNull::Fail)

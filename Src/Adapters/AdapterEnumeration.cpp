@@ -13,7 +13,7 @@ using ATL::CComBSTR;
 namespace {
 
 /// Asks for the few properties that identify an adapter: the rest costs the provider a trip to the driver.
-constexpr LONG IDENTITY_ONLY = 1;
+constexpr LONG kIdentityOnly = 1;
 
 } // namespace
 
@@ -25,13 +25,13 @@ HRESULT CQuillet::EnumerateAdapters(CAdapters& adapters) {
     }
     // Not a PartialRetrieval, on purpose: a refused enumeration leaves the context in this mode, which harms
     // nobody, since the context is this call's own and goes with it.
-    session.Retrieve(IDENTITY_ONLY);
+    session.Retrieve(kIdentityOnly);
     ProviderEnum instances = session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER,
                                                L"CreateInstanceEnum -> L_CLASS_ZOREL_ETHERNETADAPTER");
     if (instances.Failed()) {
         return instances.Result();
     }
-    session.Retrieve(ProviderSession::Everything);
+    session.Retrieve(ProviderSession::kEverything);
     return instances.ForEach(L"pEnumAdapters -> Next", [&](IWbemClassObject* instance) {
         return AppendRecord<CAdapter>(adapters, L"pAdapter == NULL", [&](CAdapter& adapter) {
             PropertyReader read(instance, L"pIAdapter_Instance");
@@ -48,7 +48,7 @@ HRESULT CQuillet::EnumerateAdapters(CAdapters& adapters) {
 
 HRESULT CQuillet::GetGUI(const std::wstring& adapterId, std::wstring& objectId) {
     const OperationTrace trace(L"GetGUI");
-    return ObjectIdFromPath(ObjectKind::Adapter, adapterId, objectId) ? S_OK : RESULT_WBEM_FAILED;
+    return ObjectIdFromPath(ObjectKind::Adapter, adapterId, objectId) ? S_OK : kResultWbemFailed;
 }
 
 HRESULT CQuillet::GetAdapterID(const std::wstring& objectId, std::wstring& adapterId) {

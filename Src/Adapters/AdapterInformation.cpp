@@ -10,7 +10,7 @@ using ATL::CComBSTR;
 
 namespace {
 
-constexpr const wchar_t* NO_DYNAMIC_INFO = L"rAdapter.m_pAdapterDynamicInfo == NULL";
+constexpr const wchar_t* kNoDynamicInfo = L"rAdapter.m_pAdapterDynamicInfo == NULL";
 
 /// Capabilities whose presence is worth a line of its own in every trace file.
 const wchar_t* CapabilityTrace(LONG code) {
@@ -84,7 +84,7 @@ HRESULT CQuillet::GetAdapterDynamicInfo(const std::wstring& adapterId, CAdapter&
         return instance.Result();
     }
     // The adapter has its record from here on, also when a read fails: what was read is worth showing.
-    adapter.m_pAdapterDynamicInfo = MakeRecord<CAdapterDynamicInfo>(NO_DYNAMIC_INFO).release();
+    adapter.m_pAdapterDynamicInfo = MakeRecord<CAdapterDynamicInfo>(kNoDynamicInfo).release();
     if (!adapter.m_pAdapterDynamicInfo) {
         return E_FAIL;
     }
@@ -112,7 +112,7 @@ HRESULT CQuillet::GetAdapterStatus(const std::wstring& adapterId, CAdapter& adap
         return instance.Result();
     }
     if (!adapter.m_pAdapterDynamicInfo) {
-        adapter.m_pAdapterDynamicInfo = MakeRecord<CAdapterDynamicInfo>(NO_DYNAMIC_INFO).release();
+        adapter.m_pAdapterDynamicInfo = MakeRecord<CAdapterDynamicInfo>(kNoDynamicInfo).release();
         if (!adapter.m_pAdapterDynamicInfo) {
             return E_FAIL;
         }
@@ -134,11 +134,11 @@ HRESULT CQuillet::GetAdapterCapabilities(const std::wstring& adapterId, CAdapter
         return read.Result();
     }
     if (!(value.vt & VT_ARRAY)) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"vAdapterCapabilities.vt - NA");
+        return trace.Fail(kResultWbemFailed, L"vAdapterCapabilities.vt - NA");
     }
     SAFEARRAY* array = ArrayOf(value);
     if (!array) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"vAdapterCapabilities.parray - EMPTY");
+        return trace.Fail(kResultWbemFailed, L"vAdapterCapabilities.parray - EMPTY");
     }
     std::vector<LONG> codes;
     const HRESULT result = ReadCapabilityCodes(array, codes);

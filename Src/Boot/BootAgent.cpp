@@ -16,7 +16,7 @@ using ATL::CComBSTR;
 namespace {
 
 /// The path that resolves on whatever the connection is open to.
-constexpr int RELATIVE_PATH = 1;
+constexpr int kRelativePath = 1;
 
 /// Copies the bytes of an array into a buffer of the caller's. Nothing is allocated for a length that makes
 /// no sense.
@@ -57,7 +57,7 @@ HRESULT CQuillet::GetAdapterBootAgentInfo(const std::wstring& adapterId, CBootAg
         return trace.Fail(E_FAIL, L"GetObjectIdFromPath -> wsAdapterID");
     }
     CComBSTR path;
-    CZorel_EthernetAdapterMgrHelper::MakePathFromBootAgentId(RELATIVE_PATH, objectId.c_str(), path);
+    CZorel_EthernetAdapterMgrHelper::MakePathFromBootAgentId(kRelativePath, objectId.c_str(), path);
     const std::wstring bootAgentPath = TextOf(path);
     TraceText(L"Boot Agent WMI Object ID is ", bootAgentPath.c_str());
 
@@ -114,17 +114,17 @@ HRESULT CQuillet::ReadBootAgentFlash(const std::wstring& bootAgentId, LONG& size
 HRESULT CQuillet::WriteBootAgentFlash(const std::wstring& bootAgentId, const LONG& size, unsigned char* data,
                                       CSettings& imageTypes, int& returnCode) {
     const OperationTrace trace(L"WriteBootAgentFlash");
-    const ProviderSession session(*this, FlashImage::NoImage(bootAgentId, size, data));
+    const ProviderSession session(*this, flash_image::NoImage(bootAgentId, size, data));
     _variant_t bytes;
     _variant_t types;
-    HRESULT result = session.Failed() ? session.Result() : FlashImage::MakeBytes(size, data, bytes);
+    HRESULT result = session.Failed() ? session.Result() : flash_image::MakeBytes(size, data, bytes);
     if (SUCCEEDED(result)) {
-        result = FlashImage::MakeTypes(imageTypes, types);
+        result = flash_image::MakeTypes(imageTypes, types);
     }
     if (FAILED(result)) {
         return result;
     }
-    FlashImage::Method method(session, L_METHOD_BOOTAGENT_PROGRAMFLASHEX);
+    flash_image::Method method(session, L_METHOD_BOOTAGENT_PROGRAMFLASHEX);
     method.Put(L_PARAM_BOOTAGENT_PROGRAMFLASHEX_FLASHDATA, bytes);
     if (!method.Failed()) {
         TraceText(L"Fill up input parameter, Action");
@@ -132,5 +132,5 @@ HRESULT CQuillet::WriteBootAgentFlash(const std::wstring& bootAgentId, const LON
     PropertyReader read =
         method.Put(L_PARAM_BOOTAGENT_PROGRAMFLASHEX_IMAGETYPE, types)
             .Exec(bootAgentId, L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_PROGRAMFLASHEX");
-    return SuccessOr(FlashImage::ReadReturnCode(read, returnCode));
+    return SuccessOr(flash_image::ReadReturnCode(read, returnCode));
 }

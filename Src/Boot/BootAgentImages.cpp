@@ -38,18 +38,18 @@ HRESULT AppendImages(const std::vector<CComBSTR>& types, const std::vector<CComB
 HRESULT CQuillet::ReadBootAgentImageFile(const std::wstring& bootAgentId, const LONG& size,
                                          unsigned char* data, CSettings& images, int& returnCode) {
     const OperationTrace trace(L"ReadBootAgentImageFile");
-    const ProviderSession session(*this, FlashImage::NoImage(bootAgentId, size, data));
+    const ProviderSession session(*this, flash_image::NoImage(bootAgentId, size, data));
     _variant_t bytes;
-    HRESULT result = session.Failed() ? session.Result() : FlashImage::MakeBytes(size, data, bytes);
+    HRESULT result = session.Failed() ? session.Result() : flash_image::MakeBytes(size, data, bytes);
     if (FAILED(result)) {
         return result;
     }
-    FlashImage::Method method(session, L_METHOD_BOOTAGENT_READIMAGEFILE);
+    flash_image::Method method(session, L_METHOD_BOOTAGENT_READIMAGEFILE);
     PropertyReader read =
         method.Put(L_PARAM_BOOTAGENT_IMAGEFILE_FLASHDATA, bytes)
             .Exec(bootAgentId, L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_READIMAGEFILE");
     bool unreadable = false;
-    result = FlashImage::ReadReturnCode(read, returnCode, &unreadable);
+    result = flash_image::ReadReturnCode(read, returnCode, &unreadable);
     if (FAILED(result)) {
         return result;
     }
@@ -62,31 +62,31 @@ HRESULT CQuillet::ReadBootAgentImageFile(const std::wstring& bootAgentId, const 
     std::vector<CComBSTR> versions;
     std::vector<LONG> groups;
     std::vector<LONG> exposeLevels;
-    constexpr auto whole = PropertyReader::Gaps::Fail;
-    read.Array(L_PARAM_BOOTAGENT_IMAGETYPE, types, whole, failure)
-        .Array(L_PARAM_BOOTAGENT_IMAGEVERSIONNUMBER, versions, whole, failure)
-        .Array(L_PARAM_BOOTAGENT_IMAGEGROUPNUMBER, groups, whole, failure)
-        .Array(L_PARAM_BOOTAGENT_IMAGEEXPOSELEVEL, exposeLevels, whole, failure);
+    constexpr auto kWhole = PropertyReader::Gaps::Fail;
+    read.Array(L_PARAM_BOOTAGENT_IMAGETYPE, types, kWhole, failure)
+        .Array(L_PARAM_BOOTAGENT_IMAGEVERSIONNUMBER, versions, kWhole, failure)
+        .Array(L_PARAM_BOOTAGENT_IMAGEGROUPNUMBER, groups, kWhole, failure)
+        .Array(L_PARAM_BOOTAGENT_IMAGEEXPOSELEVEL, exposeLevels, kWhole, failure);
     return read.Failed() ? read.Result() : AppendImages(types, versions, groups, exposeLevels, images);
 }
 
 HRESULT CQuillet::VerifyImageType(const std::wstring& bootAgentId, const LONG& size, unsigned char* data,
                                   CSettings& imageTypes, int& returnCode) {
     const OperationTrace trace(L"VerifyImageType");
-    const ProviderSession session(*this, FlashImage::NoImage(bootAgentId, size, data));
+    const ProviderSession session(*this, flash_image::NoImage(bootAgentId, size, data));
     _variant_t types;
     _variant_t bytes;
-    HRESULT result = session.Failed() ? session.Result() : FlashImage::MakeTypes(imageTypes, types);
+    HRESULT result = session.Failed() ? session.Result() : flash_image::MakeTypes(imageTypes, types);
     if (SUCCEEDED(result)) {
-        result = FlashImage::MakeBytes(size, data, bytes);
+        result = flash_image::MakeBytes(size, data, bytes);
     }
     if (FAILED(result)) {
         return result;
     }
-    FlashImage::Method method(session, L_METHOD_BOOTAGENT_VERIFYIMAGETYPE);
+    flash_image::Method method(session, L_METHOD_BOOTAGENT_VERIFYIMAGETYPE);
     PropertyReader read =
         method.Put(L_PARAM_BOOTAGENT_IMAGEFILE_FLASHDATA, bytes)
             .Put(L_PARAM_BOOTAGENT_IMAGEFILE_IMAGETYPE, types)
             .Exec(bootAgentId, L"ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_VERIFYIMAGETYPE");
-    return SuccessOr(FlashImage::ReadReturnCode(read, returnCode));
+    return SuccessOr(flash_image::ReadReturnCode(read, returnCode));
 }

@@ -5,7 +5,7 @@
 
 #include <cstring>
 
-namespace FlashImage {
+namespace flash_image {
 
 Refusal NoImage(const std::wstring& bootAgentId, LONG size, const unsigned char* data) {
     const bool refused = bootAgentId.empty() || !data || size <= 0;
@@ -67,7 +67,7 @@ PropertyReader Method::Exec(const std::wstring& bootAgentId, const wchar_t* fail
 
 HRESULT ReadReturnCode(PropertyReader& read, int& returnCode, bool* unreadable) {
     // The bit of the code that says so; the others are the provider's own.
-    constexpr LONG UNREADABLE = 1;
+    constexpr LONG kUnreadable = 1;
     _variant_t value;
     read.Plain(L_PARAM_BOOTAGENT_FLASHRETCODE, value, L"pIWbemClassObject_OutParams -> Get, ");
     const bool told = !read.Failed() && value.vt == VT_I4;
@@ -75,9 +75,9 @@ HRESULT ReadReturnCode(PropertyReader& read, int& returnCode, bool* unreadable) 
         returnCode = static_cast<int>(V_I4(&value));
     }
     if (unreadable) {
-        *unreadable = told && (V_I4(&value) & UNREADABLE) != 0;
+        *unreadable = told && (V_I4(&value) & kUnreadable) != 0;
     }
     return read.Result();
 }
 
-} // namespace FlashImage
+} // namespace flash_image

@@ -6,7 +6,7 @@
 
 #include <quillet/Quillet.h>
 
-namespace FlashImage {
+namespace flash_image {
 
 /// What cannot be an image for a boot agent; traces when it can.
 Refusal NoImage(const std::wstring& bootAgentId, LONG size, const unsigned char* data);
@@ -35,4 +35,4 @@ class Method {
 /// @param[out] unreadable if asked for: whether the code says that the image could not be read.
 HRESULT ReadReturnCode(PropertyReader& read, int& returnCode, bool* unreadable = nullptr);
 
-} // namespace FlashImage
+} // namespace flash_image

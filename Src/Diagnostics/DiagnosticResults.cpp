@@ -16,14 +16,14 @@ using ATL::CComPtr;
 
 namespace {
 
-constexpr const wchar_t* RESULT_INSTANCE = L"pResultInstance";
-constexpr const wchar_t* RESULTS_QUERY_FAILED = L"ASSOC RESULTCLASS = L_CLASS_ZOREL_DIAGRESULT";
-constexpr const wchar_t* RESULTS_BROKE_OFF = L"pEnumResult -> Next";
-constexpr const wchar_t* PACKAGE_FAILED = L"GetDiagnosticsPackageResults failed";
+constexpr const wchar_t* kResultInstance = L"pResultInstance";
+constexpr const wchar_t* kResultsQueryFailed = L"ASSOC RESULTCLASS = L_CLASS_ZOREL_DIAGRESULT";
+constexpr const wchar_t* kResultsBrokeOff = L"pEnumResult -> Next";
+constexpr const wchar_t* kPackageFailed = L"GetDiagnosticsPackageResults failed";
 
 /// The members that the result of a test and that of a package's member have in common.
 HRESULT ReadOutcome(IWbemClassObject* instance, CDiagResult& result) {
-    return PropertyReader(instance, RESULT_INSTANCE)
+    return PropertyReader(instance, kResultInstance)
         .String(L_ZOREL_PATH, result.m_sUniqueID)
         .String(L_PROP_DIAGRESULT_DIAGNOSTICNAME, result.m_wsDiagnosticName)
         .String(L_PROP_DIAGRESULT_PACKAGENAME, result.m_wsPackageName)
@@ -42,7 +42,7 @@ class PackagePath {
     bool Contains(const std::wstring& package) const {
         return std::find(m_names.begin(), m_names.end(), package) != m_names.end();
     }
-    bool IsTooDeep() const { return m_names.size() >= MOST; }
+    bool IsTooDeep() const { return m_names.size() >= kMost; }
 
     class Step {
       public:
@@ -59,7 +59,7 @@ class PackagePath {
 
   private:
     /// Far more than tests can be nested in earnest, and far less than a stack holds.
-    static constexpr std::size_t MOST = 256;
+    static constexpr std::size_t kMost = 256;
 
     std::vector<std::wstring> m_names;
 };
@@ -88,7 +88,7 @@ void ReadInnerPackage(const ProviderSession& session, PackagePath& path, CDiagRe
         return;
     }
     if (path.IsTooDeep() || FAILED(ReadPackage(session, path, package, member))) {
-        TraceText(PACKAGE_FAILED);
+        TraceText(kPackageFailed);
     }
 }
 
@@ -107,10 +107,10 @@ HRESULT ReadMembers(const ProviderSession& session, PackagePath& path, const std
     const PackagePath::Step step(path, package);
     result.m_vecPackageResults.clear();
     return session
-        .Query(Wql::MembersOfPackage(L_CLASS_ZOREL_DIAGRESULT.name, L_PROP_DIAGRESULT_PACKAGENAME.name,
+        .Query(wql::MembersOfPackage(L_CLASS_ZOREL_DIAGRESULT.name, L_PROP_DIAGRESULT_PACKAGENAME.name,
                                      L_PROP_DIAGRESULT_DIAGNOSTICNAME.name, package),
-               RESULTS_QUERY_FAILED)
-        .ForEach(RESULTS_BROKE_OFF, [&](IWbemClassObject* instance) {
+               kResultsQueryFailed)
+        .ForEach(kResultsBrokeOff, [&](IWbemClassObject* instance) {
             CDiagResult member;
             const HRESULT code = ReadOutcome(instance, member);
             if (FAILED(code)) {
@@ -175,7 +175,7 @@ HRESULT ReadStateText(const ProviderSession& session, LONG state, std::wstring& 
 /// Replaces a list of numbers; one that cannot be read is an empty list.
 void ReadNumbers(IWbemClassObject* instance, const ProviderName& property, std::vector<LONG>& numbers) {
     numbers.clear();
-    if (PropertyReader(instance, RESULT_INSTANCE).Array(property, numbers).Failed()) {
+    if (PropertyReader(instance, kResultInstance).Array(property, numbers).Failed()) {
         numbers.clear();
     }
 }
@@ -203,14 +203,14 @@ HRESULT CQuillet::GetDiagnosticsResult(const std::wstring& diagId, CDiagResult& 
     }
 
     ProviderEnum results = session.Query(
-        Wql::SelectWhere(L_CLASS_ZOREL_DIAGRESULT.name, L_PROP_DIAGRESULT_DIAGNOSTICNAME.name, name),
-        RESULTS_QUERY_FAILED);
+        wql::SelectWhere(L_CLASS_ZOREL_DIAGRESULT.name, L_PROP_DIAGRESULT_DIAGNOSTICNAME.name, name),
+        kResultsQueryFailed);
     if (results.Failed()) {
         return results.Result();
     }
     CComPtr<IWbemClassObject> instance;
     if (!results.Next(instance)) {
-        return trace.Fail(results.Result(), RESULTS_BROKE_OFF);
+        return trace.Fail(results.Result(), kResultsBrokeOff);
     }
     HRESULT code = ReadOutcome(instance, result);
     if (FAILED(code)) {
@@ -220,9 +220,9 @@ HRESULT CQuillet::GetDiagnosticsResult(const std::wstring& diagId, CDiagResult& 
     result.m_vecPackageResults.clear();
     PackagePath path;
     if (result.m_bIsPackage && FAILED(ReadPackage(session, path, result.m_wsPackageName, result))) {
-        TraceText(PACKAGE_FAILED);
+        TraceText(kPackageFailed);
     }
-    code = PropertyReader(instance, RESULT_INSTANCE)
+    code = PropertyReader(instance, kResultInstance)
                .Long(L_PROP_DIAGRESULT_TESTSTATE, result.m_lTestState)
                .Result();
     if (SUCCEEDED(code)) {

@@ -58,7 +58,7 @@ HRESULT FindResult(const ProviderSession& session, const std::wstring& testName,
     }
     // Without a result the provider could not tell what to stop.
     TraceText(L"(pResultInstance == NULL)");
-    return RESULT_WBEM_FAILED;
+    return kResultWbemFailed;
 }
 
 Refusal NoTestOrAdapter(const std::wstring& diagId, const std::wstring& adapterId) {
@@ -74,7 +74,7 @@ HRESULT CQuillet::EnumerateDiagnostics(const std::wstring& adapterId, CDiagTests
         tests.RemoveAll();
     }
     return session
-        .Query(Wql::Associators(adapterId, L_CLASS_ZOREL_DIAGTEST.name),
+        .Query(wql::Associators(adapterId, L_CLASS_ZOREL_DIAGTEST.name),
                L"ExecQuery -> ASSOC RESULTCLASS = ZOREL_DIAGTEST")
         .ForEach(L"pEnumDiags -> Next",
                  [&](IWbemClassObject* instance) { return AppendTest(instance, tests); });
@@ -104,7 +104,7 @@ HRESULT CQuillet::StopDiagnostics(const std::wstring& diagId, const std::wstring
         return result;
     }
     if (name.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"Unable to get Test ID of the adapter");
+        return trace.Fail(kResultWbemFailed, L"Unable to get Test ID of the adapter");
     }
     std::wstring resultPath;
     result = FindResult(session, name, resultPath);

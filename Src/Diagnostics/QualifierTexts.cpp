@@ -20,7 +20,7 @@ HRESULT ReadTexts(IWbemQualifierSet* qualifiers, const wchar_t* name, std::vecto
     };
     _variant_t value;
     HRESULT result = qualifiers->Get(name, 0, &value, nullptr);
-    if (result == RESULT_WBEM_NOT_FOUND) {
+    if (result == kResultWbemNotFound) {
         return S_OK;
     }
     if (FAILED(result)) {
@@ -99,7 +99,7 @@ HRESULT PropertyQualifiers(const ProviderSession& session, const ProviderName& c
     }
     if (!classObject) {
         LumTrace().Print(L"GetObject -> %s -> NULL", className.symbol);
-        return RESULT_WBEM_FAILED;
+        return kResultWbemFailed;
     }
     result = classObject->GetPropertyQualifierSet(property.name, &qualifiers);
     if (FAILED(result)) {
@@ -108,7 +108,7 @@ HRESULT PropertyQualifiers(const ProviderSession& session, const ProviderName& c
     }
     if (!qualifiers) {
         LumTrace().Print(L"GetPropertyQualifierSet -> %s -> NULL", property.symbol);
-        return RESULT_WBEM_FAILED;
+        return kResultWbemFailed;
     }
     return result;
 }

@@ -12,12 +12,12 @@ namespace {
 using OnNull = PropertyReader::OnNull;
 
 // Outer EAP methods that decide what is sent.
-constexpr LONG LEAST_OUTER_EAP = 1;
-constexpr LONG OUTER_EAP_WITHOUT_CREDENTIALS = 1;
-constexpr LONG OUTER_EAP_WITH_PAC = 4;
-constexpr LONG GREATEST_OUTER_EAP = 4;
-constexpr LONG LEAST_INNER_EAP = 1;
-constexpr LONG GREATEST_INNER_EAP = 3;
+constexpr LONG kLeastOuterEap = 1;
+constexpr LONG kOuterEapWithoutCredentials = 1;
+constexpr LONG kOuterEapWithPac = 4;
+constexpr LONG kGreatestOuterEap = 4;
+constexpr LONG kLeastInnerEap = 1;
+constexpr LONG kGreatestInnerEap = 3;
 
 bool IsBetween(LONG value, LONG least, LONG greatest) {
     return value >= least && value <= greatest;
@@ -89,7 +89,7 @@ void PutRandomMacAddress(ProviderMethod& method, bool random) {
 /// The inner method and the credentials. What is empty or 0 is not sent, so that the provider keeps its own.
 void PutCredentials(ProviderMethod& method, const CAdapterAuthTypeInfo& info) {
     // Unlike the outer method, an inner one that is not known goes to the provider all the same, on purpose.
-    if (!method.Failed() && !IsBetween(info.m_InnerEAP, LEAST_INNER_EAP, GREATEST_INNER_EAP)) {
+    if (!method.Failed() && !IsBetween(info.m_InnerEAP, kLeastInnerEap, kGreatestInnerEap)) {
         TraceText(L"m_InnerEAP out of range");
     }
     if (info.m_InnerEAP != 0) {
@@ -193,14 +193,14 @@ HRESULT CQuillet::SetAdapterLinksecStrictPreferredOptions(const std::wstring& ad
     if (method.Failed()) {
         return method.Result();
     }
-    if (!IsBetween(info.m_eOuterEAP, LEAST_OUTER_EAP, GREATEST_OUTER_EAP)) {
+    if (!IsBetween(info.m_eOuterEAP, kLeastOuterEap, kGreatestOuterEap)) {
         return trace.Fail(E_FAIL, L"m_eOuterEAP out of range");
     }
     method.Put(L_PARAM_ETHERNETADAPTER_LINKSEC_OUTEREAPTYPE, VariantOfLong(info.m_eOuterEAP));
-    if (info.m_eOuterEAP != OUTER_EAP_WITHOUT_CREDENTIALS) {
+    if (info.m_eOuterEAP != kOuterEapWithoutCredentials) {
         PutCredentials(method, info);
     }
-    if (info.m_eOuterEAP == OUTER_EAP_WITH_PAC) {
+    if (info.m_eOuterEAP == kOuterEapWithPac) {
         method.Put(L_PARAM_ETHERNETADAPTER_LINKSEC_AUTOPAC, VariantOfBool(info.m_bUseAutoPAC))
             .Put(L_PARAM_ETHERNETADAPTER_LINKSEC_PACPATH, VariantOfText(info.m_sPACAuthority));
     }

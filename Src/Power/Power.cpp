@@ -15,7 +15,7 @@ struct Option {
 };
 
 /// The order in which the options travel, both ways.
-constexpr Option<CAdapterPowerUsageInfo> POWER_OPTIONS[] = {
+constexpr Option<CAdapterPowerUsageInfo> kPowerOptions[] = {
     {L_PARAM_ETHERNETADAPTER_PWR_AUTOPWRSAVEENB, &CAdapterPowerUsageInfo::m_dwAutoPowerSaveModeEnabled},
     {L_PARAM_ETHERNETADAPTER_PWR_REDUCESPEED, &CAdapterPowerUsageInfo::m_dwReduceSpeedOnPowerDown},
     {L_PARAM_ETHERNETADAPTER_PWR_SMARTPWRDOWN, &CAdapterPowerUsageInfo::m_dwSmartPowerDown},
@@ -24,7 +24,7 @@ constexpr Option<CAdapterPowerUsageInfo> POWER_OPTIONS[] = {
     {L_PARAM_ETHERNETADAPTER_PWR_LNKSPDBATSVR, &CAdapterPowerUsageInfo::m_dwLinkSpeedBatterySaver},
     {L_PARAM_ETHERNETADAPTER_PWR_SYSIDLEPWRSVR, &CAdapterPowerUsageInfo::m_dwSystemIdlePowerSaver},
 };
-constexpr Option<CAdapterWakeOnLanInfo> WAKE_OPTIONS[] = {
+constexpr Option<CAdapterWakeOnLanInfo> kWakeOptions[] = {
     {L_PARAM_ETHERNETADAPTER_WOL_FROMPWROFF, &CAdapterWakeOnLanInfo::m_dwWakeFromPowerOff},
     {L_PARAM_ETHERNETADAPTER_WOL_LINK, &CAdapterWakeOnLanInfo::m_dwWakeOnLink},
     {L_PARAM_ETHERNETADAPTER_WOL_MAGICPKT, &CAdapterWakeOnLanInfo::m_dwWakeOnMagicPacket},
@@ -65,7 +65,7 @@ HRESULT CQuillet::GetAdapterPowerUsageOptions(const std::wstring& adapterId, CAd
         return read.Result();
     }
     info.m_eSavePower = static_cast<CAdapterPowerUsageInfo::SavePower>(mode);
-    ReadOptions(read, POWER_OPTIONS, info);
+    ReadOptions(read, kPowerOptions, info);
     return SuccessOr(read.Verdict(L"GetAdapterPowerUsageOptions").Result());
 }
 
@@ -82,7 +82,7 @@ HRESULT CQuillet::SetAdapterPowerUsageOptions(const std::wstring& adapterId,
         return trace.Fail(E_FAIL, L"m_eSavePower out of range");
     }
     method.Put(L_PARAM_ETHERNETADAPTER_PWR_SAVEPWRENB, VariantOfLong(static_cast<LONG>(mode)));
-    PutOptions(method, POWER_OPTIONS, info);
+    PutOptions(method, kPowerOptions, info);
     PropertyReader read = method.Exec(adapterId, L"wsAdapterID").Read();
     return SuccessOr(read.Verdict(L"SetAdapterPowerUsageOptions").Result());
 }
@@ -92,7 +92,7 @@ HRESULT CQuillet::GetAdapterWakeOnLanOptions(const std::wstring& adapterId, CAda
     const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_METHOD_ETHERNETADAPTER_GETWAKEONLANUSAGE);
     PropertyReader read = method.Exec(adapterId, L"wsAdapterID").Read();
-    ReadOptions(read, WAKE_OPTIONS, info);
+    ReadOptions(read, kWakeOptions, info);
     return SuccessOr(read.Verdict(L"GetAdapterWakeOnLanOptions").Result());
 }
 
@@ -101,7 +101,7 @@ HRESULT CQuillet::SetAdapterWakeOnLanOptions(const std::wstring& adapterId,
     const OperationTrace trace(L"SetAdapterWakeOnLanOptions");
     const ProviderSession session(*this, NoAdapter(adapterId));
     ProviderMethod method(session, L_CLASS_ZOREL_ETHERNETADAPTER, L_METHOD_ETHERNETADAPTER_SETWAKEONLANUSAGE);
-    PutOptions(method.Spawn(), WAKE_OPTIONS, info);
+    PutOptions(method.Spawn(), kWakeOptions, info);
     PropertyReader read = method.Exec(adapterId, L"wsAdapterID").Read();
     return SuccessOr(read.Verdict(L"SetAdapterWakeOnLanOptions").Result());
 }

@@ -21,7 +21,7 @@ PropertyReader& PropertyReader::Read(Getter getter, const wchar_t* accessor, con
     } else if (m_isNull && m_onNull != OnNull::Keep) {
         Trace(accessor, property, failure, L" -> NULL");
         if (m_onNull == OnNull::Fail) {
-            m_result = RESULT_WBEM_FAILED;
+            m_result = kResultWbemFailed;
         }
     }
     return *this;

@@ -13,7 +13,7 @@ ProviderInstance::ProviderInstance(const ProviderSession& session, const std::ws
         TraceText(failure);
     } else if (!m_object) {
         TraceText(missing ? missing : failure, missing ? L"" : L" -> NULL");
-        m_result = RESULT_WBEM_FAILED;
+        m_result = kResultWbemFailed;
     }
 }
 

@@ -19,7 +19,7 @@ ProviderMethod::ProviderMethod(const ProviderSession& session, const ProviderNam
     if (Failed()) {
         Fail(m_result, L"GetObject -> ", className);
     } else if (!classObject) {
-        Fail(RESULT_WBEM_FAILED, L"GetObject -> ", className, L" -> NULL");
+        Fail(kResultWbemFailed, L"GetObject -> ", className, L" -> NULL");
     } else {
         if (signatureNote) {
             TraceText(signatureNote);
@@ -40,9 +40,9 @@ ProviderMethod& ProviderMethod::Spawn() {
         return *this;
     }
     // Only a method that takes something has an in-signature to make the parameters from.
-    m_result = m_inSignature ? m_inSignature->SpawnInstance(0, &m_in) : RESULT_WBEM_FAILED;
+    m_result = m_inSignature ? m_inSignature->SpawnInstance(0, &m_in) : kResultWbemFailed;
     if (SUCCEEDED(m_result) && !m_in) {
-        m_result = RESULT_WBEM_FAILED;
+        m_result = kResultWbemFailed;
     }
     if (Failed()) {
         Fail(m_result, L"SpawnInstance -> ", m_method);
@@ -83,7 +83,7 @@ ProviderMethod& ProviderMethod::Put(const ProviderName& parameter, const std::ve
     _variant_t array;
     if (!MakeTextArray(texts, array)) {
         TraceText(L"(NULL == pSafeArray) -> Create fail");
-        m_result = RESULT_WBEM_FAILED;
+        m_result = kResultWbemFailed;
         return *this;
     }
     return Put(parameter, array);
@@ -97,7 +97,7 @@ ProviderMethod& ProviderMethod::ExecOnNetService(const wchar_t* failure) {
     netService.Attach(m_session.Quillet().GetNetService());
     if (!netService) {
         TraceText(L"(pZorelService == NULL)");
-        m_result = RESULT_WBEM_FAILED;
+        m_result = kResultWbemFailed;
         return *this;
     }
     std::wstring path;
@@ -129,7 +129,7 @@ ProviderMethod& ProviderMethod::Exec(const std::wstring& path, const wchar_t* va
 ProviderMethod& ProviderMethod::NeedAnswer(const wchar_t* failure) {
     if (!Failed() && !m_out) {
         TraceText(failure);
-        m_result = RESULT_WBEM_FAILED;
+        m_result = kResultWbemFailed;
     }
     return *this;
 }

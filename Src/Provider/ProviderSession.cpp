@@ -16,7 +16,7 @@ ProviderSession::ProviderSession(CQuillet& quillet, const Refusal& refusal, cons
     m_service.Attach(quillet.GetWbemService());
     m_context.Attach(quillet.GetContext());
     if (!m_service || !m_context) {
-        fail(RESULT_WBEM_FAILED, missing);
+        fail(kResultWbemFailed, missing);
     } else if (refusal.applies) {
         fail(refusal.code, refusal.text);
     }
@@ -34,7 +34,7 @@ ProviderEnum ProviderSession::Enumeration(const wchar_t* failure, Ask ask) const
         TraceText(failure);
     } else if (!enumerator) {
         TraceText(failure, L" -> NULL");
-        result = RESULT_WBEM_FAILED;
+        result = kResultWbemFailed;
     }
     return ProviderEnum(result, enumerator);
 }
@@ -69,7 +69,7 @@ HRESULT ProviderSession::Commit(IWbemClassObject* instance, const wchar_t* failu
         return failed(result, failure);
     }
     if (!callResult) {
-        return failed(RESULT_WBEM_FAILED, L"PutInstance -> pWbemCallResult -> NULL");
+        return failed(kResultWbemFailed, L"PutInstance -> pWbemCallResult -> NULL");
     }
     LONG status = WBEM_S_NO_ERROR;
     result = callResult->GetCallStatus(static_cast<LONG>(WBEM_INFINITE), &status);

@@ -25,19 +25,19 @@ inline Refusal NoAdapter(const std::wstring& id) {
     return {id.empty(), L"(wsAdapterID.empty())"};
 }
 inline Refusal NoTeam(const std::wstring& id) {
-    return {id.empty(), L"(wsTeamID.empty())", RESULT_WBEM_FAILED};
+    return {id.empty(), L"(wsTeamID.empty())", kResultWbemFailed};
 }
 inline Refusal NoVLAN(const std::wstring& id) {
-    return {id.empty(), L"(wsVLANID.empty())", RESULT_WBEM_FAILED};
+    return {id.empty(), L"(wsVLANID.empty())", kResultWbemFailed};
 }
 
 class ProviderSession {
   public:
     /// Takes both; traces when either is missing.
-    explicit ProviderSession(CQuillet& quillet, const wchar_t* missing = MISSING);
+    explicit ProviderSession(CQuillet& quillet, const wchar_t* missing = kMissing);
     /// The same for an operation that may refuse. Whatever is done on a session that has failed does nothing,
     /// so that an operation need not look at each step.
-    ProviderSession(CQuillet& quillet, const Refusal& refusal, const wchar_t* missing = MISSING);
+    ProviderSession(CQuillet& quillet, const Refusal& refusal, const wchar_t* missing = kMissing);
     ProviderSession(const ProviderSession&) = delete;
     ProviderSession& operator=(const ProviderSession&) = delete;
 
@@ -50,7 +50,7 @@ class ProviderSession {
 
     /// Asks for partial data (a mode) or for everything (-1) in the calls that follow.
     void Retrieve(LONG mode) const { CQuillet::ChangeContext(m_context, mode); }
-    static constexpr LONG Everything = -1;
+    static constexpr LONG kEverything = -1;
 
     /// Runs a WQL query with the thread's context. @param failure the trace text of a failed one.
     ProviderEnum Query(const std::wstring& text, const wchar_t* failure) const;
@@ -66,7 +66,7 @@ class ProviderSession {
     HRESULT Delete(const std::wstring& path, const wchar_t* failure) const;
 
   private:
-    static constexpr const wchar_t* MISSING = L"((pIWbemService == NULL) || (pIWbemContext == NULL))";
+    static constexpr const wchar_t* kMissing = L"((pIWbemService == NULL) || (pIWbemContext == NULL))";
 
     template <class Ask>
     ProviderEnum Enumeration(const wchar_t* failure, Ask ask) const;
@@ -84,7 +84,7 @@ class PartialRetrieval {
         m_session.Retrieve(mode);
     }
     /// On every path: the context may be the very one that the next operation gets.
-    ~PartialRetrieval() { m_session.Retrieve(ProviderSession::Everything); }
+    ~PartialRetrieval() { m_session.Retrieve(ProviderSession::kEverything); }
     PartialRetrieval(const PartialRetrieval&) = delete;
     PartialRetrieval& operator=(const PartialRetrieval&) = delete;
 

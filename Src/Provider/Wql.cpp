@@ -21,7 +21,7 @@ std::wstring OfObject(const wchar_t* relation, const std::wstring& path, const w
 
 } // namespace
 
-namespace Wql {
+namespace wql {
 
 std::wstring SelectWhere(const wchar_t* className, const wchar_t* property, const std::wstring& value) {
     return std::wstring(L"SELECT * FROM ") + className + L" WHERE " + property + L" = " + Quoted(value);
@@ -57,4 +57,4 @@ std::wstring References(const std::wstring& path, const wchar_t* resultClass) {
     return OfObject(L"REFERENCES OF", path, resultClass);
 }
 
-} // namespace Wql
+} // namespace wql

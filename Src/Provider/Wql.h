@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace Wql {
+namespace wql {
 
 /// SELECT * FROM Class WHERE Property = "value"
 std::wstring SelectWhere(const wchar_t* className, const wchar_t* property, const std::wstring& value);
@@ -23,4 +23,4 @@ std::wstring Associators(const std::wstring& path, const wchar_t* resultClass);
 /// REFERENCES OF {path} WHERE ResultClass = Class
 std::wstring References(const std::wstring& path, const wchar_t* resultClass);
 
-} // namespace Wql
+} // namespace wql

@@ -9,7 +9,7 @@
 namespace {
 
 // Adapters that share a record may be copied and go in different threads.
-std::mutex ringMutex;
+std::mutex g_ringMutex;
 
 // What a copy takes as it is; the records are the rest.
 template <class TAdapter>
@@ -27,7 +27,7 @@ TRecord* CopyOf(const TRecord* pRecord) {
 } // namespace
 
 const std::array<CAdapterCapInfo::Flag, CAdapterCapInfo::FlagCount>& CAdapterCapInfo::Flags() noexcept {
-    static constexpr std::array<Flag, FlagCount> flags{{
+    static constexpr std::array<Flag, FlagCount> kFlags{{
         {41, &CAdapterCapInfo::m_bCapability41},
         {43, &CAdapterCapInfo::m_bCapability43},
         {44, &CAdapterCapInfo::m_bCapability44},
@@ -63,7 +63,7 @@ const std::array<CAdapterCapInfo::Flag, CAdapterCapInfo::FlagCount>& CAdapterCap
         {65, &CAdapterCapInfo::m_bCapability65},
         {66, &CAdapterCapInfo::m_bCapability66},
     }};
-    return flags;
+    return kFlags;
 }
 
 CAdapterCapInfo* CAdapterCapInfo::Copy() const {
@@ -81,14 +81,14 @@ void CAdapter::Sharer<TRecord>::Join(const Sharer& rOther) noexcept {
     Leave();
     m_rpRecord = rOther.m_rpRecord;
     if (m_rpRecord != nullptr) {
-        const std::lock_guard lock(ringMutex);
+        const std::lock_guard lock(g_ringMutex);
         m_pNext = std::exchange(rOther.m_pNext, this);
     }
 }
 
 template <class TRecord>
 bool CAdapter::Sharer<TRecord>::Leave() noexcept {
-    const std::lock_guard lock(ringMutex);
+    const std::lock_guard lock(g_ringMutex);
     bool bShared = false;
     const Sharer* pBefore = this;
     while (pBefore->m_pNext != this) {

@@ -4,7 +4,11 @@
 // Compilers take it that `this` is not null, and drop a test of it when they optimise. What they read from a
 // volatile object they cannot know. The sanitizer of undefined behaviour, which stops at the head of a member
 // function that is called so, is told that it is meant.
+#ifdef __GNUC__
 #define QUILLET_CALLED_FOR_NULL __attribute__((no_sanitize("undefined")))
+#else
+#define QUILLET_CALLED_FOR_NULL
+#endif
 
 namespace {
 

@@ -7,8 +7,8 @@ CAdapterDynamicInfo::DuplexMode CQuillet::GetDuplex(const bool& fullDuplex) {
 }
 
 CAdapterDynamicInfo::LinkSpeed CQuillet::GetLinkSpeed(const LONG& speed) {
-    constexpr LONG megabit = 1000000;
-    switch (speed / megabit) {
+    constexpr LONG kMegabit = 1000000;
+    switch (speed / kMegabit) {
     case 0:
         return CAdapterDynamicInfo::LinkSpeedNone;
     case 1:

@@ -20,7 +20,7 @@ struct Switch {
 };
 
 // Both values of "WaitAutoNegComplete" are 1 on purpose: it can not be disabled this way.
-constexpr std::array<Switch, 23> switches{{
+constexpr std::array<Switch, 23> kSwitches{{
     {L"*RSS", 1, 0},
     {L"RssMode", 65535, 0},
     {L"EnableDca", 1, 0},
@@ -65,10 +65,10 @@ class Trace {
 LONG LookUp(const wchar_t* operation, const std::wstring& rwsCaption, LONG Switch::*pValue,
             LONG lSubstitute) {
     const Trace trace(operation);
-    const auto found = std::find_if(switches.begin(), switches.end(), [&rwsCaption](const Switch& entry) {
+    const auto found = std::find_if(kSwitches.begin(), kSwitches.end(), [&rwsCaption](const Switch& entry) {
         return entry.caption == rwsCaption;
     });
-    if (found == switches.end()) {
+    if (found == kSwitches.end()) {
         LumTrace().Print(L"Error occurred in CSettingValues::%s() - -1 returned, returning 1 as a result",
                          operation);
         return lSubstitute;

@@ -11,7 +11,7 @@ struct Keywords {
     const wchar_t* older; // null: there is none
 };
 
-constexpr std::array<Keywords, 10> keywordsOf{{
+constexpr std::array<Keywords, 10> kEywordsOf{{
     {L"*SpeedDuplex", L"SpeedDuplex"},
     {L"*FlowControl", L"FlowControl"},
     {L"*JumboPacket", L"MaxFrameSize"},
@@ -28,7 +28,7 @@ constexpr std::array<Keywords, 10> keywordsOf{{
 const Keywords* Find(SettingName eName) {
     // A negative number becomes a large one, so that one comparison rules out both ends.
     const auto index = static_cast<std::size_t>(static_cast<DWORD>(eName));
-    return index < keywordsOf.size() ? &keywordsOf[index] : nullptr;
+    return index < kEywordsOf.size() ? &kEywordsOf[index] : nullptr;
 }
 
 // Drivers of older systems know large send offload by its older keyword only.

@@ -20,8 +20,8 @@ wchar_t Fold(wchar_t wc) noexcept {
 } // namespace
 
 LONG ParseDecimal(const std::wstring& rwsText) noexcept {
-    constexpr std::int64_t lowest = std::numeric_limits<LONG>::min();
-    constexpr std::int64_t highest = std::numeric_limits<LONG>::max();
+    constexpr std::int64_t kLowest = std::numeric_limits<LONG>::min();
+    constexpr std::int64_t kHighest = std::numeric_limits<LONG>::max();
     auto it = std::find_if_not(rwsText.begin(), rwsText.end(), IsSpace);
     std::int64_t sign = 1;
     if (it != rwsText.end() && (*it == L'-' || *it == L'+')) {
@@ -30,7 +30,7 @@ LONG ParseDecimal(const std::wstring& rwsText) noexcept {
     }
     std::int64_t value = 0;
     for (; it != rwsText.end() && *it >= L'0' && *it <= L'9'; ++it) {
-        value = std::clamp(value * 10 + sign * (*it - L'0'), lowest, highest);
+        value = std::clamp(value * 10 + sign * (*it - L'0'), kLowest, kHighest);
     }
     return static_cast<LONG>(value);
 }

@@ -18,14 +18,14 @@ using ATL::CComPtr;
 
 namespace {
 
-constexpr const wchar_t* LOCAL_MACHINE = L"127.0.0.1";
-constexpr const wchar_t* NAMESPACE_ROOT = L"\\ROOT\\";
-constexpr const wchar_t* DEFAULT_NAMESPACE = L"MarloLUM2";
-constexpr const wchar_t* NO_SERVICE = L"GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))";
+constexpr const wchar_t* kLocalMachine = L"127.0.0.1";
+constexpr const wchar_t* kNamespaceRoot = L"\\ROOT\\";
+constexpr const wchar_t* kDefaultNamespace = L"MarloLUM2";
+constexpr const wchar_t* kNoService = L"GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))";
 
 } // namespace
 
-CQuillet::CQuillet() : CQuillet(LOCAL_MACHINE) {}
+CQuillet::CQuillet() : CQuillet(kLocalMachine) {}
 
 CQuillet::CQuillet(std::wstring machine) : m_strMachineName(std::move(machine)) {
     // The destructor traces: a static object must not outlive the log, which is made when it is first used.
@@ -112,10 +112,10 @@ HRESULT CQuillet::UninitQuillet() {
 }
 
 _bstr_t CQuillet::GetNamespace() {
-    constexpr std::size_t namespaceBuffer = 1024;
+    constexpr std::size_t kNamespaceBuffer = 1024;
     const std::optional<std::wstring> configured =
-        LumRegistryKey(REGISTRY_PROVIDERS).ReadString(L"Namespace", namespaceBuffer);
-    return _bstr_t(NAMESPACE_ROOT) + (configured ? configured->c_str() : DEFAULT_NAMESPACE);
+        LumRegistryKey(kRegistryProviders).ReadString(L"Namespace", kNamespaceBuffer);
+    return _bstr_t(kNamespaceRoot) + (configured ? configured->c_str() : kDefaultNamespace);
 }
 
 HRESULT CQuillet::CreateNetServices() {
@@ -123,7 +123,7 @@ HRESULT CQuillet::CreateNetServices() {
     CComPtr<IWbemServices> service;
     service.Attach(GetWbemService());
     if (!service) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"pIWbemService == NULL");
+        return trace.Fail(kResultWbemFailed, L"pIWbemService == NULL");
     }
     CComPtr<IEnumWbemClassObject> enumerator;
     const HRESULT result =
@@ -208,7 +208,7 @@ HRESULT CQuillet::MarshalNetService(IWbemClassObject* netService) {
 
 HRESULT CQuillet::RevokeWbemService() {
     // The getter's text, on purpose: both say that there is no service.
-    return RevokeInterface(m_dwService, NO_SERVICE);
+    return RevokeInterface(m_dwService, kNoService);
 }
 
 HRESULT CQuillet::RevokeWbemContext() {
@@ -222,7 +222,7 @@ HRESULT CQuillet::RevokeNetService() {
 
 IWbemServices* CQuillet::GetWbemService() {
     CComPtr<IWbemServices> service =
-        FetchInterface<IWbemServices>(m_dwService, IID_IWbemServices, NO_SERVICE);
+        FetchInterface<IWbemServices>(m_dwService, IID_IWbemServices, kNoService);
     // Each retrieval is a proxy of its own, and a proxy starts without this client's security.
     if (service && FAILED(SetProxyBlanket(service))) {
         TraceText(L"Could not set proxy blanket.");

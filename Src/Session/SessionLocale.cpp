@@ -9,16 +9,16 @@
 
 namespace {
 
-constexpr DWORD ENGLISH = 1033;
+constexpr DWORD kEnglish = 1033;
 
 /// The languages that the provider's texts exist in, English apart.
-constexpr std::array<DWORD, 9> TRANSLATED{1028, 1031, 1036, 1040, 1041, 1042, 1046, 2052, 3082};
+constexpr std::array<DWORD, 9> kTranslated{1028, 1031, 1036, 1040, 1041, 1042, 1046, 2052, 3082};
 
 std::wstring LocaleOf(DWORD language) {
-    constexpr const wchar_t* digits = L"0123456789ABCDEF";
+    constexpr const wchar_t* kDigits = L"0123456789ABCDEF";
     std::wstring text;
     do {
-        text.insert(text.begin(), digits[language % 16]);
+        text.insert(text.begin(), kDigits[language % 16]);
         language /= 16;
     } while (language != 0);
     return L"MS_" + text;
@@ -60,12 +60,12 @@ bool IsFirstMultiLanguageVersion() {
 }
 
 std::optional<std::wstring> ChooseLocale() {
-    const LumRegistryKey orba(REGISTRY_ORBA);
+    const LumRegistryKey orba(kRegistryOrba);
     if (orba.Has(L"ForcedLanguage")) {
         if (const std::optional<DWORD> forced = orba.ReadFourBytes(L"ForcedLanguage")) {
             const bool translated =
-                std::find(TRANSLATED.begin(), TRANSLATED.end(), *forced) != TRANSLATED.end();
-            return LocaleOf(translated ? *forced : ENGLISH);
+                std::find(kTranslated.begin(), kTranslated.end(), *forced) != kTranslated.end();
+            return LocaleOf(translated ? *forced : kEnglish);
         }
         // Forced to something unreadable: the user's language is the next best.
         return LocaleOf(ProviderLanguage(GetUserDefaultUILanguage()));
@@ -76,9 +76,9 @@ std::optional<std::wstring> ChooseLocale() {
         }
         return std::nullopt;
     }
-    constexpr std::size_t lcidBuffer = 260 / sizeof(wchar_t);
+    constexpr std::size_t kLcidBuffer = 260 / sizeof(wchar_t);
     if (const std::optional<std::wstring> lcid =
-            LumRegistryKey(REGISTRY_LUM2).ReadString(L"LCID", lcidBuffer)) {
+            LumRegistryKey(kRegistryLum2).ReadString(L"LCID", kLcidBuffer)) {
         return L"MS_" + *lcid;
     }
     return std::nullopt;
@@ -96,7 +96,7 @@ DWORD ProviderLanguage(LANGID userLanguage) {
         case 2:
             return 2052;
         default:
-            return ENGLISH;
+            return kEnglish;
         }
     case 7:
         return 1031;
@@ -113,7 +113,7 @@ DWORD ProviderLanguage(LANGID userLanguage) {
     case 22:
         return 1046;
     default:
-        return ENGLISH;
+        return kEnglish;
     }
 }
 

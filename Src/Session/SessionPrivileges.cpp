@@ -35,29 +35,29 @@ class ProcessToken {
 HRESULT CQuillet::SetInitialSecurityAttribute() {
     const ProcessToken token(TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY);
     if (!token) {
-        return RESULT_WBEM_ACCESS_DENIED;
+        return kResultWbemAccessDenied;
     }
     // The first query, into a buffer for one privilege, tells how long the list is.
     alignas(TOKEN_PRIVILEGES) BYTE probe[16];
     DWORD size = 0;
     if (!GetTokenInformation(token.Get(), TokenPrivileges, probe, sizeof(probe), &size) &&
         GetLastError() != ERROR_INSUFFICIENT_BUFFER) {
-        return RESULT_WBEM_ACCESS_DENIED;
+        return kResultWbemAccessDenied;
     }
     const std::unique_ptr<BYTE[]> buffer(new (std::nothrow) BYTE[size]);
     if (!buffer) {
-        return RESULT_WBEM_OUT_OF_MEMORY;
+        return kResultWbemOutOfMemory;
     }
     DWORD read = 0;
     if (!GetTokenInformation(token.Get(), TokenPrivileges, buffer.get(), size, &read)) {
-        return RESULT_WBEM_ACCESS_DENIED;
+        return kResultWbemAccessDenied;
     }
     auto* list = reinterpret_cast<TOKEN_PRIVILEGES*>(buffer.get());
     for (DWORD index = 0; index < list->PrivilegeCount; ++index) {
         list->Privileges[index].Attributes |= SE_PRIVILEGE_ENABLED;
     }
     if (!AdjustTokenPrivileges(token.Get(), FALSE, list, size, nullptr, nullptr)) {
-        return RESULT_WBEM_ACCESS_DENIED;
+        return kResultWbemAccessDenied;
     }
     return S_OK;
 }

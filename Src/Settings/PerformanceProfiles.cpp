@@ -10,9 +10,9 @@
 
 namespace {
 
-constexpr const wchar_t* PROFILE_SETTING = L"PerformanceProfile";
+constexpr const wchar_t* kProfileSetting = L"PerformanceProfile";
 /// Errors of a client set are traced under the name of the facade.
-constexpr const wchar_t* SOURCE = L".\\Src\\Quillet";
+constexpr const wchar_t* kSource = L".\\Src\\Quillet";
 
 CPerformanceProfile* FindProfile(const CPerformanceProfiles& profiles, ePERFORMANCE_PROFILE number) {
     const auto found =
@@ -40,7 +40,7 @@ class LazyClientSet {
     HRESULT Open() {
         const HRESULT result = m_isOpen ? S_OK : m_quillet.BeginApply();
         if (FAILED(result)) {
-            LumTrace().Error(SOURCE, __LINE__, L"BeginApply() call FAILED");
+            LumTrace().Error(kSource, __LINE__, L"BeginApply() call FAILED");
         } else {
             m_isOpen = true;
         }
@@ -57,7 +57,7 @@ class LazyClientSet {
             false; // only now: an exception leaves the set open, and the end of the scope tries once more
         LumTrace().Print(L"CAdvSettingPage::ChangeAllAdapterProfilesFromHyperV() bReboot %d", reboot ? 1 : 0);
         if (FAILED(result)) {
-            LumTrace().Error(SOURCE, __LINE__, L"ApplyDone() call FAILED");
+            LumTrace().Error(kSource, __LINE__, L"ApplyDone() call FAILED");
         }
         return result;
     }
@@ -72,7 +72,7 @@ class LazyClientSet {
 HRESULT CQuillet::RefreshProfileSetting(const std::wstring& adapterId, CSettingEnum& setting) {
     std::wstring objectId;
     GetGUI(adapterId, objectId); // without an identifier the refresh fails, and says so
-    setting.m_wsCaption = PROFILE_SETTING;
+    setting.m_wsCaption = kProfileSetting;
     return GetAdapterSettingAsync(CLumString(objectId), &setting);
 }
 
@@ -107,12 +107,12 @@ HRESULT CQuillet::GetAdapterProfiles(const std::wstring& adapterId, CPerformance
     profiles.RemoveAll();
     std::wstring objectId;
     if (FAILED(GetGUI(adapterId, objectId))) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"GetAdapterProfiles() - error getting the adapter guid");
+        return trace.Fail(kResultWbemFailed, L"GetAdapterProfiles() - error getting the adapter guid");
     }
     CSettingEnum setting;
-    setting.m_wsCaption = PROFILE_SETTING;
+    setting.m_wsCaption = kProfileSetting;
     if (FAILED(GetAdapterSettingAsync(CLumString(objectId), &setting))) {
-        return trace.Fail(RESULT_WBEM_FAILED,
+        return trace.Fail(kResultWbemFailed,
                           L"GetAdapterProfiles() - error calling GetAdapterSettingAsync()");
     }
     return AppendProfiles(setting, profiles);
@@ -185,7 +185,7 @@ HRESULT CQuillet::GetCompatibleTeamProfilesWithAdapters(const CAdapters& adapter
     for (const CAdapter* adapter : adapters.m_vecItems) {
         CSettingEnum setting;
         HRESULT result = adapter ? RefreshProfileSetting(adapter->m_wsAdapterID, setting) : E_FAIL;
-        if (result == RESULT_WBEM_NOT_FOUND) {
+        if (result == kResultWbemNotFound) {
             return S_OK; // no such setting: there is nothing that all of them offer
         }
         CPerformanceProfiles offered;

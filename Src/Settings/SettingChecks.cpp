@@ -20,8 +20,8 @@ struct CQuillet::MemberSetting {
 namespace {
 
 /// What the counts of IsTeamCapableOfAdvancedSetting carry instead of the number of capable members.
-constexpr LONG NOT_ON_EVERY_MEMBER = 2;
-constexpr LONG THIRD_PARTY_MEMBER = 3;
+constexpr LONG kNotOnEveryMember = 2;
+constexpr LONG kThirdPartyMember = 3;
 
 template <class Member>
 LONG Count(const std::vector<Member>& members, bool Member::*what) {
@@ -45,11 +45,11 @@ bool IsCapable(const std::vector<Member>& members, LONG& capable, LONG& enabled)
     }
     if (Count(members, &Member::thirdParty) > 0) {
         TraceText(L"CQuillet::IsTeamCapableOfAdvancedSetting - at least one adapter is a 3rd party.");
-        capable = THIRD_PARTY_MEMBER;
+        capable = kThirdPartyMember;
     } else {
         TraceText(
             L"CQuillet::IsTeamCapableOfAdvancedSetting - at least one adapter does not support the setting.");
-        capable = NOT_ON_EVERY_MEMBER;
+        capable = kNotOnEveryMember;
     }
     return false;
 }

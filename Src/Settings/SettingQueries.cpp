@@ -15,11 +15,11 @@ using ATL::CComPtr;
 namespace {
 
 /// The selector that asks for every setting, and the one for the virtual-machine queues.
-constexpr DWORD ALL_SETTINGS = 0xFFFFFFFF;
-constexpr DWORD VMQ_SETTINGS = 256;
+constexpr DWORD kAllSettings = 0xFFFFFFFF;
+constexpr DWORD kVmqSettings = 256;
 
-constexpr const wchar_t* NO_SETTING = L"pSetting == NULL";
-constexpr const wchar_t* SETTINGS_BROKE_OFF = L"pEnumSettings -> Next";
+constexpr const wchar_t* kNoSetting = L"pSetting == NULL";
+constexpr const wchar_t* kSettingsBrokeOff = L"pEnumSettings -> Next";
 
 bool Contains(const std::vector<std::wstring>& objectIds, const std::wstring& objectId) {
     return std::any_of(objectIds.begin(), objectIds.end(),
@@ -36,7 +36,7 @@ void AddOnce(std::vector<std::wstring>& objectIds, const std::wstring& objectId)
 template <class Setting>
 HRESULT Append(IWbemClassObject* instance, const std::wstring& path, CSettings& settings,
                HRESULT (*reader)(IWbemClassObject*, Setting*), const wchar_t* readerName) {
-    return AppendRecord<Setting>(settings, NO_SETTING, [&](Setting& setting) {
+    return AppendRecord<Setting>(settings, kNoSetting, [&](Setting& setting) {
         const HRESULT result = reader(instance, &setting);
         if (FAILED(result)) {
             TraceText(readerName);
@@ -65,11 +65,11 @@ HRESULT CQuillet::GetSettingFromClassOnAdapter(const _bstr_t& className, const _
         return session.Result();
     }
     session.Retrieve(static_cast<LONG>(selector));
-    const std::wstring query = Wql::Settings(className, static_cast<const wchar_t*>(parentId),
+    const std::wstring query = wql::Settings(className, static_cast<const wchar_t*>(parentId),
                                              caption.length() ? static_cast<const wchar_t*>(caption) : L"");
     TraceText(query.c_str());
     return session.Query(query, L"Failed ExecQuery:")
-        .ForEach(SETTINGS_BROKE_OFF,
+        .ForEach(kSettingsBrokeOff,
                  [&](IWbemClassObject* instance) { return AppendSetting(instance, settings); });
 }
 
@@ -107,7 +107,7 @@ HRESULT CQuillet::AppendSetting(IWbemClassObject* instance, CSettings& settings)
 
 HRESULT CQuillet::GetSettingFromClassOnAdapter(const _bstr_t& className, const _bstr_t& parentId,
                                                const _bstr_t& caption, CSettings& settings) {
-    return GetSettingFromClassOnAdapter(className, parentId, caption, settings, ALL_SETTINGS);
+    return GetSettingFromClassOnAdapter(className, parentId, caption, settings, kAllSettings);
 }
 
 HRESULT CQuillet::GetSettingsOfOwner(const SettingOwner& owner, const std::wstring& id, CSettings& settings,
@@ -137,31 +137,31 @@ HRESULT CQuillet::GetAdapterSettings(const std::wstring& adapterId, CSettings& s
 }
 
 HRESULT CQuillet::GetAdapterSettings(const std::wstring& adapterId, CSettings& settings) {
-    return GetAdapterSettings(adapterId, settings, ALL_SETTINGS);
+    return GetAdapterSettings(adapterId, settings, kAllSettings);
 }
 
 HRESULT CQuillet::GetAdapterVmqSettings(const CLumString& adapterId, CSettings& settings) {
     const OperationTrace trace(L"GetAdapterVmqSettings");
-    return GetAdapterSettings(static_cast<const wchar_t*>(adapterId), settings, VMQ_SETTINGS);
+    return GetAdapterSettings(static_cast<const wchar_t*>(adapterId), settings, kVmqSettings);
 }
 
 HRESULT CQuillet::GetTeamSettings(const std::wstring& teamId, CSettings& settings) {
     const OperationTrace trace(L"GetTeamSettings");
     return GetSettingsOfOwner({L_CLASS_ZOREL_TEAM_SETTING, ObjectKind::Team, L"(wsTeamID.empty())"}, teamId,
-                              settings, ALL_SETTINGS);
+                              settings, kAllSettings);
 }
 
 HRESULT CQuillet::GetVlanSettings(const std::wstring& vlanId, CSettings& settings) {
     const OperationTrace trace(L"GetVlanSettings");
     return GetSettingsOfOwner({L_CLASS_ZOREL_VLAN_SETTING, ObjectKind::Vlan, L"(wsVlanID.empty())"}, vlanId,
-                              settings, ALL_SETTINGS);
+                              settings, kAllSettings);
 }
 
 HRESULT CQuillet::GetBootAgentSettings(const std::wstring& bootAgentId, CSettings& settings) {
     const OperationTrace trace(L"GetBootAgentSettings");
     return GetSettingsOfOwner(
         {L_CLASS_ZOREL_BOOTAGENT_SETTING, ObjectKind::AdapterOrBootAgent, L"(wsBootAgentID.empty())"},
-        bootAgentId, settings, ALL_SETTINGS);
+        bootAgentId, settings, kAllSettings);
 }
 
 HRESULT CQuillet::GetSpeedDuplexSetting(const std::wstring& adapterId, CSettingEnum& setting,
@@ -197,7 +197,7 @@ HRESULT CQuillet::GetSpeedDuplexSetting(const std::wstring& adapterId, CSettingE
             return S_OK;
         }
     }
-    return trace.Fail(RESULT_WBEM_NOT_FOUND, L"GetSpeedDuplexSetting() - the adapter has no such setting.");
+    return trace.Fail(kResultWbemNotFound, L"GetSpeedDuplexSetting() - the adapter has no such setting.");
 }
 
 HRESULT CQuillet::GetAdapterSettingAsync(const CLumString& adapterId, CSetting* setting) {
@@ -234,7 +234,7 @@ HRESULT CQuillet::GetAdapterSettingAsync(const CLumString& adapterId, CSetting* 
         result = callResult->GetResultObject(static_cast<LONG>(WBEM_INFINITE), &instance);
     }
     if (SUCCEEDED(result) && !instance) {
-        result = RESULT_WBEM_FAILED;
+        result = kResultWbemFailed;
     }
     if (FAILED(result)) {
         return trace.Fail(result, L"GetAdapterSettingAsync() -> call to GetObject failed.");
@@ -261,7 +261,7 @@ HRESULT CQuillet::FindSettings(const std::vector<std::wstring>& adapterIds, Sett
     // with many adapters most instances belong to others.
     TraceText(L"Pass 1");
     std::vector<std::pair<std::wstring, CComPtr<IWbemClassObject>>> owned;
-    HRESULT result = instances.ForEach(SETTINGS_BROKE_OFF, [&](IWbemClassObject* instance) {
+    HRESULT result = instances.ForEach(kSettingsBrokeOff, [&](IWbemClassObject* instance) {
         std::wstring parent;
         PropertyReader read(instance, L"pIWbemSetting");
         read.String(L_PROP_SETTING_PARENT_ID, parent);
@@ -277,7 +277,7 @@ HRESULT CQuillet::FindSettings(const std::vector<std::wstring>& adapterIds, Sett
     const CAdvancedSettingNames names;
     std::vector<std::wstring> carriers;
     for (const auto& [parent, object] : owned) {
-        std::unique_ptr<CSettingEnum> setting = MakeRecord<CSettingEnum>(NO_SETTING);
+        std::unique_ptr<CSettingEnum> setting = MakeRecord<CSettingEnum>(kNoSetting);
         if (!setting) {
             return E_FAIL;
         }
@@ -299,7 +299,7 @@ HRESULT CQuillet::GetSettingOnTeamOrAdapter(const std::vector<std::wstring>& ada
     std::vector<OwnedSetting> found;
     HRESULT result = FindSettings(adapterIds, name, found, onAll);
     for (OwnedSetting& each : found) {
-        const HRESULT added = AddRecord(settings, std::move(each.setting), NO_SETTING);
+        const HRESULT added = AddRecord(settings, std::move(each.setting), kNoSetting);
         result = SUCCEEDED(result) ? added : result;
     }
     return result;

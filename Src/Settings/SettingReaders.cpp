@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr const wchar_t* INSTANCE = L"pIWbemSetting";
+constexpr const wchar_t* kInstance = L"pIWbemSetting";
 
 /// Reads a number that the record keeps as decimal text.
 void ReadNumberAsText(PropertyReader& read, const ProviderName& property, std::wstring& text) {
@@ -21,7 +21,7 @@ void ReadNumberAsText(PropertyReader& read, const ProviderName& property, std::w
 template <typename Setting, typename ReadOwn>
 HRESULT ReadKind(HRESULT common, Setting* setting, const wchar_t* prefix, IWbemClassObject* instance,
                  ReadOwn readOwn) {
-    PropertyReader read(instance, INSTANCE, prefix);
+    PropertyReader read(instance, kInstance, prefix);
     if (!read.After(common).Failed()) {
         readOwn(read, *setting);
     }
@@ -29,7 +29,7 @@ HRESULT ReadKind(HRESULT common, Setting* setting, const wchar_t* prefix, IWbemC
 }
 
 /// An enumeration and a selection of several are described alike.
-constexpr auto READ_CHOICE = [](PropertyReader& read, auto& setting) {
+constexpr auto kReadChoice = [](PropertyReader& read, auto& setting) {
     read.Long(L_PROP_SETTING_CURRENT_VALUE, setting.m_lCurrentValue)
         .Long(L_PROP_SETTING_DEFAULT_VALUE, setting.m_lDefaultValue)
         .Texts(L_PROP_SETTING_DESCRIPTION_MAP, setting.m_vecDescriptionMap)
@@ -43,7 +43,7 @@ HRESULT CQuillet::GetSetting(IWbemClassObject* instance, CSetting* setting) {
         TraceText(L"GetSetting -> ((pIWbemSetting == NULL) || (pSetting == NULL))");
         return E_FAIL;
     }
-    PropertyReader read(instance, INSTANCE, L"GetSetting -> ");
+    PropertyReader read(instance, kInstance, L"GetSetting -> ");
     read.String(L_PROP_SETTING_CAPTION, setting->m_wsCaption)
         .String(L_PROP_SETTING_DESCRIPTION, setting->m_wsDescription)
         .String(L_PROP_SETTING_MINIHELP, setting->m_wsMiniHelp)
@@ -85,11 +85,11 @@ HRESULT CQuillet::GetStringSetting(IWbemClassObject* instance, CSettingString* s
 }
 
 HRESULT CQuillet::GetEnumSetting(IWbemClassObject* instance, CSettingEnum* setting) {
-    return ReadKind(GetSetting(instance, setting), setting, L"GetEnumSetting -> ", instance, READ_CHOICE);
+    return ReadKind(GetSetting(instance, setting), setting, L"GetEnumSetting -> ", instance, kReadChoice);
 }
 
 HRESULT CQuillet::GetMultiSetting(IWbemClassObject* instance, CSettingMultiSelection* setting) {
-    return ReadKind(GetSetting(instance, setting), setting, L"GetMultiSetting -> ", instance, READ_CHOICE);
+    return ReadKind(GetSetting(instance, setting), setting, L"GetMultiSetting -> ", instance, kReadChoice);
 }
 
 HRESULT CQuillet::GetSliderSetting(IWbemClassObject* instance, CSettingSlider* setting) {

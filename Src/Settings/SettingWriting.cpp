@@ -17,13 +17,13 @@ HRESULT CQuillet::SetSetting(const std::wstring& settingId, const CSetting& sett
     // Takes the current value out of the setting and hands it to the write for its type.
     const auto write = [&](auto value, const auto& put, const wchar_t* failure) -> HRESULT {
         if (!setting.GetCurrentVal(value)) {
-            return trace.Fail(RESULT_WBEM_FAILED, L"(rSetting.GetCurrentVal(wsCurrVal))");
+            return trace.Fail(kResultWbemFailed, L"(rSetting.GetCurrentVal(wsCurrVal))");
         }
         const HRESULT result = put(value);
         return FAILED(result) ? trace.Fail(result, failure) : S_OK;
     };
-    constexpr LONG NO_CLASS_HAS_THIS_TYPE = 5;
-    constexpr const wchar_t* TEXT_FAILED =
+    constexpr LONG kNoClassHasThisType = 5;
+    constexpr const wchar_t* kTextFailed =
         L"SetPropertyAsString -> pSettingInstance, L_PROP_SETTING_CURRENT_VALUE";
     switch (static_cast<LONG>(setting.GetSettingType())) {
     case CSetting::SettingTypeString:
@@ -32,16 +32,16 @@ HRESULT CQuillet::SetSetting(const std::wstring& settingId, const CSetting& sett
             [&](const std::wstring& value) {
                 return SetPropertyAsString(instance.Get(), L_PROP_SETTING_CURRENT_VALUE.name, value.c_str());
             },
-            TEXT_FAILED);
+            kTextFailed);
     case CSetting::SettingTypeMultiString:
         return write(
             std::vector<std::wstring>(),
             [&](const std::vector<std::wstring>& values) {
                 return SetPropertyAsMultiString(instance.Get(), L_PROP_SETTING_CURRENT_VALUES.name, values);
             },
-            TEXT_FAILED);
-    case NO_CLASS_HAS_THIS_TYPE:
-        return RESULT_WBEM_FAILED;
+            kTextFailed);
+    case kNoClassHasThisType:
+        return kResultWbemFailed;
     default:
         return write(
             LONG(),

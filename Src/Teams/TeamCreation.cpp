@@ -18,7 +18,7 @@ using OnNull = PropertyReader::OnNull;
 enum CheckKind : int { NameOnly = 0, MembersOnly = 1, MembersOnlyToo = 2, NameAndMembers = 3 };
 
 /// The most members of a team of switch fault tolerance.
-constexpr std::size_t SWITCH_FAULT_TOLERANCE_MEMBERS = 2;
+constexpr std::size_t kSwitchFaultToleranceMembers = 2;
 
 using CapabilityFlag = bool CAdapterCapInfo::*;
 
@@ -49,10 +49,10 @@ struct Speed {
     CapabilityFlag flag;
     int code;
 };
-constexpr Speed SPEEDS[] = {{&CAdapterCapInfo::m_bSpeed10Mb, 32},
-                            {&CAdapterCapInfo::m_bSpeed100Mb, 33},
-                            {&CAdapterCapInfo::m_bSpeed1Gb, 34},
-                            {&CAdapterCapInfo::m_bSpeed10Gb, 35}};
+constexpr Speed kSpeeds[] = {{&CAdapterCapInfo::m_bSpeed10Mb, 32},
+                             {&CAdapterCapInfo::m_bSpeed100Mb, 33},
+                             {&CAdapterCapInfo::m_bSpeed1Gb, 34},
+                             {&CAdapterCapInfo::m_bSpeed10Gb, 35}};
 
 /// What the members of a team amount to, gathered one by one.
 class MemberCheck {
@@ -102,7 +102,7 @@ class MemberCheck {
             mask |= CTeam::ProblemNoVLANs;
         }
         // Fewer than two are let pass, whatever the line says.
-        if (m_mode == CTeam::TeamMode5 && count > SWITCH_FAULT_TOLERANCE_MEMBERS) {
+        if (m_mode == CTeam::TeamMode5 && count > kSwitchFaultToleranceMembers) {
             TraceText(L"SFT Mode. Adapter count <> 2");
             mask |= CTeam::ProblemMoreThanTwo;
         }
@@ -111,7 +111,7 @@ class MemberCheck {
 
   private:
     void ShareSpeeds(const CAdapterCapInfo& member) {
-        for (const Speed& speed : SPEEDS) {
+        for (const Speed& speed : kSpeeds) {
             const bool has = member.*speed.flag;
             if (!m_speedsKnown && has) {
                 m_sharedSpeeds.push_back(speed.code);
@@ -176,7 +176,7 @@ ULONGLONG CQuillet::CreateTeamCheck(CTeam::TeamMode mode, const std::wstring& na
 HRESULT CQuillet::CreateTeam(CTeam::TeamMode mode, const std::wstring& name, const CAdapters& members,
                              CTeam& team, ePERFORMANCE_PROFILE profile, bool mfoEnable, bool linkSecEnable) {
     const OperationTrace trace(L"CreateTeam");
-    const ProviderSession session(*this, {name.empty(), L"(wsTeamName.empty())", RESULT_WBEM_FAILED});
+    const ProviderSession session(*this, {name.empty(), L"(wsTeamName.empty())", kResultWbemFailed});
     ProviderMethod method(session, L_CLASS_ZOREL_TEAMOFADAPTERS, L_METHOD_TEAMOFADAPTERS_CREATETEAM);
     method.Put(L_PARAM_TEAM_ADAPTERS, AdapterIds(members))
         .Put(L_PARAM_TEAM_TEAMINGMODE, VariantOfLong(mode))
@@ -200,7 +200,7 @@ HRESULT CQuillet::CreateTeam(CTeam::TeamMode mode, const std::wstring& name, con
     team.m_wsCaption = name;
     team.m_wsTeamID = path;
     if (path.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"GetObject -> bstrTeamPath");
+        return trace.Fail(kResultWbemFailed, L"GetObject -> bstrTeamPath");
     }
     const ProviderInstance created(session, path, L"GetObject -> bstrTeamPath");
     return created.Read(L"pTeamInstance")

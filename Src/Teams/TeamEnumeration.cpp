@@ -15,7 +15,7 @@ namespace {
 using OnNull = PropertyReader::OnNull;
 
 /// What trace lines call an instance of a team.
-constexpr const wchar_t* TEAM_VARIABLE = L"pTeamInstance";
+constexpr const wchar_t* kTeamVariable = L"pTeamInstance";
 
 } // namespace
 
@@ -36,7 +36,7 @@ HRESULT CQuillet::EnumerateTeams(CTeams& teams) {
         .Enumerate(L_CLASS_ZOREL_TEAMOFADAPTERS, L"CreateInstanceEnum -> L_CLASS_ZOREL_TEAMOFADAPTERS")
         .ForEach(L"pEnumTeams -> Next", [&](IWbemClassObject* instance) {
             return AppendRecord<CTeam>(teams, L"pTeam == NULL", [&](CTeam& team) {
-                PropertyReader read(instance, TEAM_VARIABLE);
+                PropertyReader read(instance, kTeamVariable);
                 ReadTeam(read, team);
                 return read.Result();
             });
@@ -47,12 +47,12 @@ HRESULT CQuillet::GetTeamInfo(const std::wstring& teamId, CTeam& team) {
     const OperationTrace trace(L"GetTeamInfo");
     const ProviderSession session(*this, NoTeam(teamId).OnceConnected());
     const ProviderInstance instance(session, teamId, L"GetObject -> wsTeamID");
-    PropertyReader read = instance.Read(TEAM_VARIABLE);
+    PropertyReader read = instance.Read(kTeamVariable);
     ReadTeam(read, team);
     read.String(L_PROP_TEAMOFADAPTERS_TEAMMACADDRESS, team.m_wsTeamMacAddress)
         .Bool(L_PROP_TEAMOFADAPTERS_BOUNDTOHYPERV, team.m_bBoundToHyperV);
     // One code for whatever went wrong; the trace has the step.
-    return read.Failed() ? RESULT_WBEM_FAILED : S_OK;
+    return read.Failed() ? kResultWbemFailed : S_OK;
 }
 
 HRESULT CQuillet::GetTeamStatus(const std::wstring& teamId, CTeam::TeamStatus& status) {
@@ -63,11 +63,11 @@ HRESULT CQuillet::GetTeamStatus(const std::wstring& teamId, CTeam::TeamStatus& s
     }
     std::wstring path;
     if (!LogicalAdapterOfTeam(teamId, path)) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"GetObjectIdFromTeamOfAdapPath -> wsTeamID");
+        return trace.Fail(kResultWbemFailed, L"GetObjectIdFromTeamOfAdapPath -> wsTeamID");
     }
     const ProviderInstance adapter(session, path, L"GetObject -> bstrLogicalAdapterPath");
     if (adapter.Failed()) {
-        return RESULT_WBEM_FAILED;
+        return kResultWbemFailed;
     }
     return SuccessOr(adapter.Read(L"pLogicalAdapterInstance")
                          .When(OnNull::Fail)
@@ -87,7 +87,7 @@ HRESULT CQuillet::GetTeamsEthernetAdapterPath(const std::wstring& teamId, _bstr_
     const OperationTrace trace(L"GetTeamsEthernetAdapterPath");
     const ProviderSession session(*this, NoTeam(teamId).OnceConnected());
     ProviderEnum instances =
-        session.Query(Wql::SelectReferring(L_CLASS_ZOREL_NETWORKVIRTUALADAPTER.name,
+        session.Query(wql::SelectReferring(L_CLASS_ZOREL_NETWORKVIRTUALADAPTER.name,
                                            L_PROP_NETWORKVIRTUALADAPTER_SAMEELEMENT.name, teamId),
                       L"ExecQuery -> L_CLASS_ZOREL_NETWORKVIRTUALADAPTER");
     if (instances.Failed()) {
@@ -96,7 +96,7 @@ HRESULT CQuillet::GetTeamsEthernetAdapterPath(const std::wstring& teamId, _bstr_
     ATL::CComPtr<IWbemClassObject> instance;
     if (!instances.Next(instance)) {
         // The misspelling is what readers of the trace know.
-        return trace.Fail(instances.Failed() ? instances.Result() : RESULT_WBEM_FAILED,
+        return trace.Fail(instances.Failed() ? instances.Result() : kResultWbemFailed,
                           L"(pNetVertualAdapterInst == NULL)");
     }
     std::wstring found;

@@ -16,11 +16,11 @@ namespace {
 using OnNull = PropertyReader::OnNull;
 
 /// Asks for the few properties that identify an adapter, as the list of adapters does.
-constexpr LONG IDENTITY_ONLY = 1;
+constexpr LONG kIdentityOnly = 1;
 /// The priority of the primary member.
-constexpr LONG PRIMARY = 1;
+constexpr LONG kPrimary = 1;
 /// "AdapterStatus" of an adapter that works.
-constexpr LONG ADAPTER_ENABLED = 1;
+constexpr LONG kAdapterEnabled = 1;
 
 /// "HardwareStatus": what the port itself says.
 enum AdapterState : LONG { HardwareMissing = 0, DriverNotLoaded = 1, CableRemoved = 2, LinkPresent = 3 };
@@ -73,7 +73,7 @@ std::wstring MemberOf(const std::wstring& membershipPath) {
 
 HRESULT CQuillet::AppendMembers(const ProviderSession& session, const std::wstring& teamId,
                                 CTeamedAdapters& members) {
-    const PartialRetrieval identityOnly(session, IDENTITY_ONLY);
+    const PartialRetrieval identityOnly(session, kIdentityOnly);
     const auto fill = [&](IWbemClassObject* adapter, CTeamedAdapter& member) -> HRESULT {
         PropertyReader read(adapter, L"pAdapterInstance");
         if (read.When(OnNull::Fail).String(L_ZOREL_PATH, member.m_wsAdapterID).Failed()) {
@@ -91,7 +91,7 @@ HRESULT CQuillet::AppendMembers(const ProviderSession& session, const std::wstri
         }
         const ProviderInstance team(session, teamId, L"GetObject -> wsTeamID");
         if (team.Failed()) {
-            return RESULT_WBEM_FAILED;
+            return kResultWbemFailed;
         }
         return team.Read(L"pTeamInstance")
             .When(OnNull::Note)
@@ -99,7 +99,7 @@ HRESULT CQuillet::AppendMembers(const ProviderSession& session, const std::wstri
             .Result();
     };
     return session
-        .Query(Wql::Associators(teamId, L_CLASS_ZOREL_ETHERNETADAPTER.name),
+        .Query(wql::Associators(teamId, L_CLASS_ZOREL_ETHERNETADAPTER.name),
                L"ExecQuery -> BSTR_QUERY_ASSOCIATOR")
         .ForEach(L"pEnumAdapters -> Next", [&](IWbemClassObject* adapter) {
             return AppendRecord<CTeamedAdapter>(
@@ -110,7 +110,7 @@ HRESULT CQuillet::AppendMembers(const ProviderSession& session, const std::wstri
 
 HRESULT CQuillet::ReadMembership(IWbemClassObject* membership, CTeamedAdapter& member) {
     LONG status = CTeamedAdapter::MemberStatusUnknown;
-    PropertyReader read(membership, MEMBERSHIP_VARIABLE);
+    PropertyReader read(membership, kMembershipVariable);
     read.Long(L_PROP_TEAMEDMEMBERADAPTER_ADAPTERFUNCTION, member.m_lMemberRole)
         .Long(L_PROP_TEAMEDMEMBERADAPTER_ADAPTERSTATUS, status);
     if (read.Failed()) {
@@ -143,9 +143,9 @@ HRESULT CQuillet::GetMemberAdapters(const std::wstring& teamId, CTeamedAdapters&
         return result;
     }
     CircularSearch search(members.m_vecItems.size() - first);
-    return Memberships(session, teamId).ForEach(MEMBERSHIPS_BROKE_OFF, [&](IWbemClassObject* membership) {
+    return Memberships(session, teamId).ForEach(kMembershipsBrokeOff, [&](IWbemClassObject* membership) {
         std::wstring part;
-        PropertyReader read(membership, MEMBERSHIP_VARIABLE);
+        PropertyReader read(membership, kMembershipVariable);
         if (read.When(OnNull::Fail).String(L_PROP_TEAMEDMEMBERADAPTER_PARTCOMPONENT, part).Failed()) {
             return read.Result();
         }
@@ -172,11 +172,11 @@ HRESULT CQuillet::GetMemberAdaptersStatus(const std::wstring& teamId, CTeamedAda
         return session.Result();
     }
     if (members.m_vecItems.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"rAdapters.size() <= 0");
+        return trace.Fail(kResultWbemFailed, L"rAdapters.size() <= 0");
     }
-    return Memberships(session, teamId).ForEach(MEMBERSHIPS_BROKE_OFF, [&](IWbemClassObject* membership) {
+    return Memberships(session, teamId).ForEach(kMembershipsBrokeOff, [&](IWbemClassObject* membership) {
         std::wstring path;
-        PropertyReader read(membership, MEMBERSHIP_VARIABLE);
+        PropertyReader read(membership, kMembershipVariable);
         if (read.When(OnNull::Fail).String(L_ZOREL_PATH, path).Failed()) {
             return read.Result();
         }
@@ -199,7 +199,7 @@ HRESULT CQuillet::IsPrimaryAdapter(const std::wstring& adapterId, bool& primary)
     const OperationTrace trace(L"IsPrimaryAdapter");
     primary = false;
     Refusal refusal = NoAdapter(adapterId).OnceConnected();
-    refusal.code = RESULT_WBEM_FAILED;
+    refusal.code = kResultWbemFailed;
     const ProviderSession session(*this, refusal);
     ProviderEnum memberships = Memberships(session, adapterId);
     if (memberships.Failed()) {
@@ -207,14 +207,14 @@ HRESULT CQuillet::IsPrimaryAdapter(const std::wstring& adapterId, bool& primary)
     }
     ATL::CComPtr<IWbemClassObject> membership;
     if (!memberships.Next(membership)) {
-        return memberships.End(MEMBERSHIPS_BROKE_OFF);
+        return memberships.End(kMembershipsBrokeOff);
     }
     LONG role = 0;
-    PropertyReader read(membership, MEMBERSHIP_VARIABLE);
+    PropertyReader read(membership, kMembershipVariable);
     if (read.Long(L_PROP_TEAMEDMEMBERADAPTER_ADAPTERFUNCTION, role).Failed()) {
         return read.Result();
     }
-    primary = role == PRIMARY;
+    primary = role == kPrimary;
     return S_OK;
 }
 
@@ -230,7 +230,7 @@ HRESULT CQuillet::GetNumberEnabledMembers(const std::wstring& teamId, int& count
         CAdapter adapter;
         if (FAILED(GetAdapterStatus(member->m_wsAdapterID, adapter))) {
             TraceText(L"GetAdapterStatus() call FAILED");
-        } else if (adapter.m_pAdapterDynamicInfo->m_lAdapterStatus == ADAPTER_ENABLED) {
+        } else if (adapter.m_pAdapterDynamicInfo->m_lAdapterStatus == kAdapterEnabled) {
             ++count;
         }
     }

@@ -13,7 +13,7 @@ using ATL::CComPtr;
 
 namespace {
 
-constexpr const wchar_t* CALL_STATUS = L"pWbemCallResult -> GetCallStatus";
+constexpr const wchar_t* kCallStatus = L"pWbemCallResult -> GetCallStatus";
 
 } // namespace
 
@@ -43,9 +43,9 @@ HRESULT CQuillet::RemoveMembers(const ProviderSession& session, const std::wstri
     if (removed.empty()) {
         return S_OK;
     }
-    return Memberships(session, teamId).ForEach(MEMBERSHIPS_BROKE_OFF, [&](IWbemClassObject* membership) {
+    return Memberships(session, teamId).ForEach(kMembershipsBrokeOff, [&](IWbemClassObject* membership) {
         std::wstring part;
-        PropertyReader read(membership, MEMBERSHIP_VARIABLE);
+        PropertyReader read(membership, kMembershipVariable);
         read.When(PropertyReader::OnNull::Fail).String(L_PROP_TEAMEDMEMBERADAPTER_PARTCOMPONENT, part);
         if (read.Failed() || std::none_of(removed.begin(), removed.end(), [&part](const std::wstring& each) {
                 return NameTheSameObject(each, part);
@@ -59,7 +59,7 @@ HRESULT CQuillet::RemoveMembers(const ProviderSession& session, const std::wstri
         _bstr_t text;
         if (!ReadVariant(path, text)) {
             TraceText(L"ModifyMemberList() - vPath.vt INVALID");
-            return RESULT_WBEM_FAILED;
+            return kResultWbemFailed;
         }
         return session.Delete(std::wstring(text.length() ? text.GetBSTR() : L"", text.length()),
                               L"ModifyMemberList() - DeleteInstance failed");
@@ -81,7 +81,7 @@ HRESULT CQuillet::AddMembers(const ProviderSession& session, const std::wstring&
         HRESULT result = membershipClass.Get()->SpawnInstance(0, &membership);
         if (FAILED(result) || !membership) {
             TraceText(L"ModifyMemberList() - SpawnInstance failed -> pTeamMemAdapter_Instance");
-            return FAILED(result) ? result : RESULT_WBEM_FAILED;
+            return FAILED(result) ? result : kResultWbemFailed;
         }
         result = PutProperty(membership, L_PROP_TEAMEDMEMBERADAPTER_GROUPCOMPONENT, VariantOfText(teamId));
         if (SUCCEEDED(result)) {
@@ -89,9 +89,9 @@ HRESULT CQuillet::AddMembers(const ProviderSession& session, const std::wstring&
                 PutProperty(membership, L_PROP_TEAMEDMEMBERADAPTER_PARTCOMPONENT, VariantOfText(adapterId));
         }
         if (SUCCEEDED(result)) {
-            constexpr const wchar_t* failure = L"ModifyMemberList() - PutInstance failed -> "
-                                               L"pTeamMemAdapter_Instance";
-            result = session.Commit(membership, failure, failure);
+            constexpr const wchar_t* kFailure = L"ModifyMemberList() - PutInstance failed -> "
+                                                L"pTeamMemAdapter_Instance";
+            result = session.Commit(membership, kFailure, kFailure);
         }
         if (FAILED(result)) {
             return result;
@@ -104,7 +104,7 @@ HRESULT CQuillet::ModifyMemberList(const std::wstring& teamId, const CTeamedAdap
                                    const CAdapters& wanted) {
     const OperationTrace trace(L"ModifyMemberList");
     const ProviderSession session(
-        *this, {teamId.empty(), L"(ModifyMemberList()- wsTeamID.empty())", RESULT_WBEM_FAILED},
+        *this, {teamId.empty(), L"(ModifyMemberList()- wsTeamID.empty())", kResultWbemFailed},
         L"ModifyMemberList() - pIWbemService is NULL) or pIWbemContext is NULL");
     if (session.Failed()) {
         return session.Result();
@@ -137,26 +137,26 @@ HRESULT CQuillet::ModifyTeamInfo(const std::wstring& teamId, const CTeam& team) 
         result = instance.Put(L_PROP_TEAMOFADAPTERS_CAPTION, VariantOfText(team.m_wsCaption));
     }
     return FAILED(result) ? result
-                          : session.Commit(instance.Get(), L"PutInstance -> pTeamInstance", CALL_STATUS);
+                          : session.Commit(instance.Get(), L"PutInstance -> pTeamInstance", kCallStatus);
 }
 
 HRESULT CQuillet::SetTeamedAdapterPriority(const std::wstring& memberId, LONG priority) {
     const OperationTrace trace(L"SetTeamedAdapterPriority");
-    const ProviderSession session(*this, {memberId.empty(), L"(wsMemberID.empty())", RESULT_WBEM_FAILED});
+    const ProviderSession session(*this, {memberId.empty(), L"(wsMemberID.empty())", kResultWbemFailed});
     ProviderEnum memberships = Memberships(session, memberId);
     if (memberships.Failed()) {
         return memberships.Result();
     }
     CComPtr<IWbemClassObject> membership;
     if (!memberships.Next(membership)) {
-        const HRESULT result = memberships.End(MEMBERSHIPS_BROKE_OFF);
+        const HRESULT result = memberships.End(kMembershipsBrokeOff);
         return FAILED(result) ? result
-                              : trace.Fail(RESULT_WBEM_FAILED, L"pEnumTeamedMemberAdapters -> Next -> NULL");
+                              : trace.Fail(kResultWbemFailed, L"pEnumTeamedMemberAdapters -> Next -> NULL");
     }
     const HRESULT result =
         PutProperty(membership, L_PROP_TEAMEDMEMBERADAPTER_ADAPTERFUNCTION, VariantOfLong(priority));
     return FAILED(result) ? result
-                          : session.Commit(membership, L"PutInstance -> pTeamedMemberAdapter", CALL_STATUS);
+                          : session.Commit(membership, L"PutInstance -> pTeamedMemberAdapter", kCallStatus);
 }
 
 HRESULT CQuillet::RemoveTeam(const std::wstring& teamId) {

@@ -37,7 +37,7 @@ bool FirstText(VARIANT& value, std::wstring& text) {
 HRESULT CQuillet::ValidateTeamProperty(const ProviderName& method, const ProviderName& parameter,
                                        const _variant_t& value, const std::wstring& objectPath,
                                        DWORD& validation) {
-    const ProviderSession session(*this, {objectPath.empty(), L"(wsObjectPath.empty())", RESULT_WBEM_FAILED});
+    const ProviderSession session(*this, {objectPath.empty(), L"(wsObjectPath.empty())", kResultWbemFailed});
     ProviderMethod call(session, L_CLASS_ZOREL_TEAMOFADAPTERS, method);
     LONG verdict = 0;
     PropertyReader read = call.Put(parameter, value).Exec(objectPath).Read();
@@ -57,7 +57,7 @@ HRESULT CQuillet::ValidateTeamName(const std::wstring& name, const std::wstring&
     const OperationTrace trace(L"ValidateTeamName");
     validation = 0;
     if (name.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsTeamName.empty())");
+        return trace.Fail(kResultWbemFailed, L"(wsTeamName.empty())");
     }
     return ValidateTeamProperty(L_METHOD_TEAMOFADAPTERS_VALIDATETEAMNAME, L_PARAM_TEAM_CAPTION,
                                 VariantOfText(name), objectPath, validation);
@@ -142,7 +142,7 @@ HRESULT CQuillet::GetTeamNamePrefix(std::wstring& prefix) {
     HRESULT result =
         teamClass.Get()->GetPropertyQualifierSet(L_PROP_TEAMOFADAPTERS_TEAMPREFIX.name, &qualifiers);
     if (FAILED(result) || !qualifiers) {
-        return trace.Fail(FAILED(result) ? result : RESULT_WBEM_FAILED,
+        return trace.Fail(FAILED(result) ? result : kResultWbemFailed,
                           L"Class_Def GetPropertyQualifierSet() FAILED!!! hRes");
     }
     _variant_t value;
@@ -150,5 +150,5 @@ HRESULT CQuillet::GetTeamNamePrefix(std::wstring& prefix) {
     if (FAILED(result)) {
         return trace.Fail(result, L"  pIQualifierSet->Get() FAILED!!! hRes");
     }
-    return FirstText(value, prefix) ? S_OK : trace.Fail(RESULT_WBEM_FAILED, L"vPrefix.vt INVALID");
+    return FirstText(value, prefix) ? S_OK : trace.Fail(kResultWbemFailed, L"vPrefix.vt INVALID");
 }

@@ -14,20 +14,20 @@
 namespace {
 
 /// What the provider is asked to retrieve for an adapter's capabilities.
-constexpr LONG CAPABILITIES_ONLY = 16;
+constexpr LONG kCapabilitiesOnly = 16;
 /// The flag of a mode whose switch can be tested.
-constexpr LONG SWITCH_TEST_SUPPORTED = 0x2000;
+constexpr LONG kSwitchTestSupported = 0x2000;
 /// The most adapters for which switch fault tolerance is offered.
-constexpr std::size_t SWITCH_FAULT_TOLERANCE_MEMBERS = 2;
+constexpr std::size_t kSwitchFaultToleranceMembers = 2;
 /// The coverage of a search whose provider does not tell it: the search went well, so it saw everything.
-constexpr unsigned int WHOLE_COVERAGE = 100;
+constexpr unsigned int kWholeCoverage = 100;
 
 /// The capability codes that are team modes.
 struct ModeCapability {
     LONG code;
     CTeam::TeamMode mode;
 };
-constexpr ModeCapability MODE_CAPABILITIES[] = {
+constexpr ModeCapability kModeCapabilities[] = {
     {4, CTeam::TeamMode0},  {5, CTeam::TeamMode1},  {9, CTeam::TeamMode2},  {8, CTeam::TeamMode3},
     {10, CTeam::TeamMode4}, {12, CTeam::TeamMode5}, {68, CTeam::TeamMode6},
 };
@@ -41,14 +41,14 @@ bool Offers(const CTeamWizTeamModes& modes, LONG mode) {
 
 LONG CQuillet::TestSwitchSupport(CTeam::TeamMode mode) {
     const OperationTrace trace(L"TestSwitchSupport");
-    return mode == CTeam::TeamMode4 || mode == CTeam::TeamMode5 ? SWITCH_TEST_SUPPORTED : 0;
+    return mode == CTeam::TeamMode4 || mode == CTeam::TeamMode5 ? kSwitchTestSupported : 0;
 }
 
 HRESULT CQuillet::FillTeamAttr(LONG capability, CTeamWizTeamModes* modes) {
     const auto known =
-        std::find_if(std::begin(MODE_CAPABILITIES), std::end(MODE_CAPABILITIES),
+        std::find_if(std::begin(kModeCapabilities), std::end(kModeCapabilities),
                      [capability](const ModeCapability& each) { return each.code == capability; });
-    if (!modes || known == std::end(MODE_CAPABILITIES)) {
+    if (!modes || known == std::end(kModeCapabilities)) {
         return S_OK; // nothing that could be added, or nowhere to add it
     }
     return AppendRecord<CTeamWizTeamMode>(*modes, L"(NULL == pTeamMode)", [&](CTeamWizTeamMode& mode) {
@@ -72,7 +72,7 @@ HRESULT CQuillet::GetAdapterTeamModes(const std::wstring& adapterId, CAdapter& a
     }
     _variant_t value;
     {
-        const PartialRetrieval capabilitiesOnly(session, CAPABILITIES_ONLY);
+        const PartialRetrieval capabilitiesOnly(session, kCapabilitiesOnly);
         const ProviderInstance instance(session, adapterId, L"GetObject -> wsAdapterID");
         PropertyReader read = instance.Read(L"pInstanceHandle");
         if (read.Plain(L_PROP_ETHERNETADAPTER_CAPABILITIES, value).Failed()) {
@@ -81,7 +81,7 @@ HRESULT CQuillet::GetAdapterTeamModes(const std::wstring& adapterId, CAdapter& a
     }
     SAFEARRAY* array = value.vt == (VT_ARRAY | VT_I4) ? ArrayOf(value) : nullptr;
     if (!array) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"vAdapterCapabilities.vt INVALID");
+        return trace.Fail(kResultWbemFailed, L"vAdapterCapabilities.vt INVALID");
     }
     std::vector<LONG> codes;
     HRESULT result = ReadCapabilityCodes(array, codes);
@@ -132,16 +132,16 @@ HRESULT CQuillet::GetCompatibleTeamModesWithAdapters(const CAdapters& adapters, 
     }
     for (const CTeamWizTeamMode* mode : offered.front()->m_vecItems) {
         const bool tooMany =
-            mode && mode->m_lTeamMode == CTeam::TeamMode5 && offered.size() > SWITCH_FAULT_TOLERANCE_MEMBERS;
+            mode && mode->m_lTeamMode == CTeam::TeamMode5 && offered.size() > kSwitchFaultToleranceMembers;
         if (!mode || tooMany || Offers(modes, mode->m_lTeamMode) ||
             !std::all_of(offered.begin(), offered.end(), [mode](const CTeamWizTeamModes* each) {
                 return Offers(*each, mode->m_lTeamMode);
             })) {
             continue;
         }
-        constexpr const wchar_t* failure = L"(NULL == pTeamModeComp)";
-        std::unique_ptr<CTeamWizTeamMode> compatible = MakeRecord<CTeamWizTeamMode>(failure, *mode);
-        const HRESULT result = compatible ? AddRecord(modes, std::move(compatible), failure) : E_FAIL;
+        constexpr const wchar_t* kFailure = L"(NULL == pTeamModeComp)";
+        std::unique_ptr<CTeamWizTeamMode> compatible = MakeRecord<CTeamWizTeamMode>(kFailure, *mode);
+        const HRESULT result = compatible ? AddRecord(modes, std::move(compatible), kFailure) : E_FAIL;
         if (FAILED(result)) {
             return result;
         }
@@ -166,7 +166,7 @@ HRESULT CQuillet::GetTeamableAdapters(CAdapters& adapters) {
         }
         ATL::CComPtr<IWbemClassObject> membership;
         adapter->m_bTeamed = memberships.Next(membership);
-        const HRESULT result = memberships.End(MEMBERSHIPS_BROKE_OFF);
+        const HRESULT result = memberships.End(kMembershipsBrokeOff);
         if (FAILED(result)) {
             return result;
         }
@@ -189,7 +189,7 @@ HRESULT CQuillet::GetBestTeamMode(const std::wstring& teamId, CTeamWizTeamMode& 
     }
     read.Code(L_PARAM_TEAM_STATUS, status).Code(L_PARAM_TEAM_PERCENTOFCOVERAGE, coverage);
     if (!read.Failed() && !read.Found()) {
-        coverage = WHOLE_COVERAGE;
+        coverage = kWholeCoverage;
     }
     LONG messageId = 0;
     if (read.Long(L_PARAM_TEAM_ERRORMESSAGEID, messageId).Found()) {

@@ -13,7 +13,7 @@ namespace {
 
 /// What no VLAN number reaches. The range of a tagged VLAN's is the business of the checks: here 0 is as
 /// good, for the untagged VLAN.
-constexpr LONG NUMBER_LIMIT = 4096;
+constexpr LONG kNumberLimit = 4096;
 
 } // namespace
 
@@ -25,11 +25,11 @@ HRESULT CQuillet::AddVLANToAdapter(const std::wstring& adapterId, CVLAN& vlan) {
 HRESULT CQuillet::AddVLANToTeam(const std::wstring& teamId, CVLAN& vlan) {
     const OperationTrace trace(L"AddVLANToTeam");
     if (teamId.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"(wsTeamID.empty())");
+        return trace.Fail(kResultWbemFailed, L"(wsTeamID.empty())");
     }
     std::wstring adapterPath;
     if (!LogicalAdapterOfTeam(teamId, adapterPath)) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"Auto Parser Failed");
+        return trace.Fail(kResultWbemFailed, L"Auto Parser Failed");
     }
     const HRESULT result = AddVLANToComponent(adapterPath, vlan);
     return FAILED(result) ? trace.Fail(result, L"AddVLANToComponent -> wsTeamID") : result;
@@ -38,8 +38,8 @@ HRESULT CQuillet::AddVLANToTeam(const std::wstring& teamId, CVLAN& vlan) {
 HRESULT CQuillet::AddVLANToComponent(const std::wstring& componentId, CVLAN& vlan) {
     const OperationTrace trace(L"AddVLANToComponent");
     const ProviderSession session(
-        *this, {componentId.empty() || vlan.m_wsVLANName.empty() || vlan.m_lVLANNumber >= NUMBER_LIMIT,
-                L"(wsComponentID.empty()) or invalid parameters", RESULT_WBEM_FAILED});
+        *this, {componentId.empty() || vlan.m_wsVLANName.empty() || vlan.m_lVLANNumber >= kNumberLimit,
+                L"(wsComponentID.empty()) or invalid parameters", kResultWbemFailed});
     if (session.Failed()) {
         return session.Result();
     }
@@ -69,7 +69,7 @@ HRESULT CQuillet::AddVLANToComponent(const std::wstring& componentId, CVLAN& vla
         return result;
     }
     if (path.empty()) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"Empty VLAN Path");
+        return trace.Fail(kResultWbemFailed, L"Empty VLAN Path");
     }
     const wchar_t* const notThere = L"((WBEM_S_NO_ERROR != hRes) || (pCompInstance == NULL))";
     const ProviderInstance created(session, path, notThere, notThere);

@@ -59,22 +59,22 @@ ULONGLONG CQuillet::CreateMultipleVLANTeamCheck(const std::wstring& teamId, cons
 ULONGLONG CQuillet::CheckForUniqueID(const std::wstring& parentId, bool isTeam, const CVLAN& vlan) {
     const OperationTrace trace(L"CheckForUniqueID");
     TraceCandidate(vlan);
-    const ULONGLONG problems = VlanRules::CheckTaggedID(vlan);
-    return problems | VlanRules::CheckTagged(ExistingVLANs(parentId, isTeam), vlan, m_bVlanIsModify);
+    const ULONGLONG problems = vlan_rules::CheckTaggedID(vlan);
+    return problems | vlan_rules::CheckTagged(ExistingVLANs(parentId, isTeam), vlan, m_bVlanIsModify);
 }
 
 ULONGLONG CQuillet::CheckForUniqueIDForUnTaggedVLAN(const std::wstring& parentId, bool isTeam,
                                                     const CVLAN& vlan) {
     const OperationTrace trace(L"CheckForUniqueIDForUnTaggedVLAN");
     TraceCandidate(vlan);
-    const ULONGLONG problems = VlanRules::CheckUntaggedID(vlan);
-    return problems | VlanRules::CheckUntagged(ExistingVLANs(parentId, isTeam), vlan, m_bVlanIsModify);
+    const ULONGLONG problems = vlan_rules::CheckUntaggedID(vlan);
+    return problems | vlan_rules::CheckUntagged(ExistingVLANs(parentId, isTeam), vlan, m_bVlanIsModify);
 }
 
 ULONGLONG CQuillet::CheckForUniqueIDForMultipleVLANs(const std::wstring& parentId, bool isTeam,
                                                      const CVLANs& vlans) {
     const OperationTrace trace(L"CheckForUniqueIDForMultipleVLANs");
-    return VlanRules::CheckSeveral(ExistingVLANs(parentId, isTeam), vlans, isTeam);
+    return vlan_rules::CheckSeveral(ExistingVLANs(parentId, isTeam), vlans, isTeam);
 }
 
 ULONGLONG CQuillet::CheckForUntaggedVLANOnAdapter(const std::wstring& adapterId, int vlanNumber) {

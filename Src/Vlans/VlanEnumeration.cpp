@@ -17,9 +17,9 @@ using OnNull = PropertyReader::OnNull;
 
 /// What is asked of the provider while the VLANs of a parent are looked up: the rest costs it a trip to the
 /// driver of each.
-constexpr LONG PARTIAL_DATA = 1;
+constexpr LONG kPartialData = 1;
 /// What trace lines call an instance of a VLAN.
-constexpr const wchar_t* VLAN_VARIABLE = L"pVLANInstance";
+constexpr const wchar_t* kVlanVariable = L"pVLANInstance";
 
 Refusal NoComponent(const std::wstring& id, HRESULT code) {
     return Refusal{id.empty(), L"(wsComponentID.empty())", code}.OnceConnected();
@@ -45,14 +45,14 @@ HRESULT CQuillet::EnumerateVLANsOfTeam(const std::wstring& teamId, CVLANs& vlans
 
 HRESULT CQuillet::EnumerateVLANsOfParent(const VLANParent& parent, const std::wstring& id, CVLANs& vlans) {
     const ProviderSession session(*this,
-                                  Refusal{id.empty(), parent.emptyId, RESULT_WBEM_FAILED}.OnceConnected());
+                                  Refusal{id.empty(), parent.emptyId, kResultWbemFailed}.OnceConnected());
     if (session.Failed()) {
         return session.Result();
     }
     std::wstring objectId;
     if (!ObjectIdFromPath(parent.kind, id, objectId)) {
         TraceText(L"Auto Parser Failed");
-        return RESULT_WBEM_FAILED;
+        return kResultWbemFailed;
     }
     const HRESULT result = EnumerateVLANsOfComponent(objectId.c_str(), vlans);
     if (FAILED(result)) {
@@ -69,8 +69,8 @@ HRESULT CQuillet::EnumerateVLANsOfComponent(const _bstr_t& parentId, CVLANs& vla
     }
     const std::wstring parent = parentId.length() ? static_cast<const wchar_t*>(parentId) : L"";
     const auto ask = [&] {
-        const PartialRetrieval partial(session, PARTIAL_DATA);
-        return session.Query(Wql::SelectWhere(L_CLASS_ZOREL_VLAN.name, L_PARAM_VLAN_PARENTID.name, parent),
+        const PartialRetrieval partial(session, kPartialData);
+        return session.Query(wql::SelectWhere(L_CLASS_ZOREL_VLAN.name, L_PARAM_VLAN_PARENTID.name, parent),
                              L"ExecQuery -> L_CLASS_ZOREL_VLAN");
     };
     return ask().ForEach(L"pEnumVLANs -> Next",
@@ -83,7 +83,7 @@ HRESULT CQuillet::AppendVLAN(IWbemClassObject* instance, CVLANs& vlans) {
         return result;
     };
     std::wstring path;
-    PropertyReader read(instance, VLAN_VARIABLE);
+    PropertyReader read(instance, kVlanVariable);
     if (read.When(OnNull::Fail).String(L_ZOREL_PATH, path).Failed()) {
         return failed(read.Result());
     }
@@ -95,7 +95,7 @@ HRESULT CQuillet::AppendVLAN(IWbemClassObject* instance, CVLANs& vlans) {
 
 HRESULT CQuillet::GetVLANInfo(const CComPtr<IWbemClassObject>& instance, CVLAN& vlan) {
     const OperationTrace trace(L"GetVLANInfo");
-    return PropertyReader(instance, VLAN_VARIABLE)
+    return PropertyReader(instance, kVlanVariable)
         .When(OnNull::Fail)
         .String(L_ZOREL_PATH, vlan.m_wsVLANID)
         .String(L_PARAM_VLAN_CAPTION, vlan.m_wsCaption)
@@ -118,15 +118,15 @@ HRESULT CQuillet::GetVLANInfo(const std::wstring& vlanId, CVLAN& vlan) {
 HRESULT CQuillet::GetVlanStatus(const std::wstring& vlanId, CVLAN::VlanStatus& status) {
     const OperationTrace trace(L"GetVlanStatus");
     const ProviderSession session(
-        *this, Refusal{vlanId.empty(), L"(wsVlanID.empty())", RESULT_WBEM_FAILED}.OnceConnected());
+        *this, Refusal{vlanId.empty(), L"(wsVlanID.empty())", kResultWbemFailed}.OnceConnected());
     const ProviderInstance instance(session, vlanId, L"GetObject -> wsVlanID");
-    return instance.Read(VLAN_VARIABLE).When(OnNull::Fail).IntCode(L_PARAM_VLAN_STATUS, status).Result();
+    return instance.Read(kVlanVariable).When(OnNull::Fail).IntCode(L_PARAM_VLAN_STATUS, status).Result();
 }
 
 HRESULT CQuillet::GetVLANID(const std::wstring& objectId, std::wstring& vlanId) {
     const OperationTrace trace(L"GetVLANID");
     const ProviderSession session(
-        *this, Refusal{objectId.empty(), L"(wsGUID.empty())", RESULT_WBEM_FAILED}.OnceConnected());
+        *this, Refusal{objectId.empty(), L"(wsGUID.empty())", kResultWbemFailed}.OnceConnected());
     if (session.Failed()) {
         return session.Result();
     }
@@ -139,13 +139,13 @@ HRESULT CQuillet::GetVLANID(const std::wstring& objectId, std::wstring& vlanId) 
 
 HRESULT CQuillet::GetVLANService(const std::wstring& componentId, CComPtr<IWbemClassObject>& service) {
     const OperationTrace trace(L"GetVLANService");
-    const ProviderSession session(*this, NoComponent(componentId, RESULT_WBEM_FAILED));
+    const ProviderSession session(*this, NoComponent(componentId, kResultWbemFailed));
     if (session.Failed()) {
         return session.Result();
     }
     std::wstring objectId;
     if (!ObjectIdFromPath(ObjectKind::Adapter, componentId, objectId)) {
-        return trace.Fail(RESULT_WBEM_FAILED, L"Auto Parser Failed");
+        return trace.Fail(kResultWbemFailed, L"Auto Parser Failed");
     }
     CComBSTR path;
     CZorel_EthernetAdapterMgrHelper::MakeVlanServicePathFromParentObjectId(1, objectId.c_str(), path);
@@ -180,11 +180,11 @@ HRESULT CQuillet::ParentSupportingVLAN(const std::wstring& componentId) {
     }
     ProviderEnum memberships = Memberships(session, componentId);
     if (memberships.Failed()) {
-        return RESULT_WBEM_FAILED;
+        return kResultWbemFailed;
     }
     CComPtr<IWbemClassObject> membership;
     if (memberships.Next(membership)) {
         return trace.Fail(CVLAN::ParentIsTeamMember, L"Adapter is part of the Team, ParentSupportVLAN");
     }
-    return FAILED(memberships.End(MEMBERSHIPS_BROKE_OFF)) ? RESULT_WBEM_FAILED : S_OK;
+    return FAILED(memberships.End(kMembershipsBrokeOff)) ? kResultWbemFailed : S_OK;
 }

@@ -4,11 +4,11 @@
 
 namespace {
 
-constexpr LONG FIRST_ID = 1;
-constexpr LONG LAST_ID = 4094;
+constexpr LONG kFirstId = 1;
+constexpr LONG kLastId = 4094;
 
 bool IsInRange(const CVLAN& vlan) {
-    return vlan.m_lVLANNumber >= FIRST_ID && vlan.m_lVLANNumber <= LAST_ID;
+    return vlan.m_lVLANNumber >= kFirstId && vlan.m_lVLANNumber <= kLastId;
 }
 
 /// A finding and its trace line.
@@ -35,12 +35,12 @@ ULONGLONG SameID() {
 /// Whether there is no room for one more. Only the very number counts, on purpose: a parent that has more
 /// already was filled by other means, and is left to the provider.
 bool IsFull(const CVLANs& existing, bool isModify) {
-    return !isModify && existing.m_vecItems.size() == VlanRules::MOST_VLANS;
+    return !isModify && existing.m_vecItems.size() == vlan_rules::kMostVlans;
 }
 
 } // namespace
 
-namespace VlanRules {
+namespace vlan_rules {
 
 ULONGLONG CheckTaggedID(const CVLAN& vlan) {
     return IsInRange(vlan) ? 0 : OutOfRange();
@@ -87,7 +87,7 @@ ULONGLONG CheckUntagged(const CVLANs& existing, const CVLAN& vlan, bool isModify
 
 ULONGLONG CheckSeveral(const CVLANs& existing, const CVLANs& vlans, bool isTeam) {
     ULONGLONG problems = 0;
-    if (existing.m_vecItems.size() + vlans.m_vecItems.size() > MOST_VLANS) {
+    if (existing.m_vecItems.size() + vlans.m_vecItems.size() > kMostVlans) {
         problems |= Found(CVLAN::TooMany, isTeam ? L"Too Many VLANs on Team" : L"Too may VLANs on adapter");
     }
     if (vlans.m_vecItems.empty()) {
@@ -116,4 +116,4 @@ ULONGLONG CheckSeveral(const CVLANs& existing, const CVLANs& vlans, bool isTeam)
     return problems;
 }
 
-} // namespace VlanRules
+} // namespace vlan_rules

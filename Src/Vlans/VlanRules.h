@@ -4,10 +4,10 @@
 
 #include <quillet/VLAN.h>
 
-namespace VlanRules {
+namespace vlan_rules {
 
 /// The most VLANs that a parent carries.
-inline constexpr std::size_t MOST_VLANS = 64;
+inline constexpr std::size_t kMostVlans = 64;
 
 /// Each returns the bits of CVLAN::Problem that it finds, and traces one line for each finding.
 /// @{
@@ -25,4 +25,4 @@ ULONGLONG CheckUntagged(const CVLANs& existing, const CVLAN& vlan, bool isModify
 ULONGLONG CheckSeveral(const CVLANs& existing, const CVLANs& vlans, bool isTeam);
 /// @}
 
-} // namespace VlanRules
+} // namespace vlan_rules

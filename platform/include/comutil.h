@@ -18,8 +18,9 @@ class _variant_t;
 
 namespace _com_util {
 inline void CheckError(HRESULT hr) {
-    if (FAILED(hr))
+    if (FAILED(hr)) {
         _com_issue_error(hr);
+    }
 }
 /// Narrow text is UTF-8 on this host. Null gives null; a failed allocation raises E_OUTOFMEMORY.
 BSTR WINAPI ConvertStringToBSTR(const char* text);
@@ -114,29 +115,34 @@ class _bstr_t {
 
     static BSTR Allocate(const wchar_t* text) {
         const BSTR made = ::SysAllocString(text);
-        if (!made && text)
+        if (!made && text) {
             _com_issue_error(E_OUTOFMEMORY);
+        }
         return made;
     }
     static BSTR Duplicate(BSTR text) {
-        if (!text)
+        if (!text) {
             return nullptr;
+        }
         const BSTR made =
             ::SysAllocStringByteLen(reinterpret_cast<const char*>(text), ::SysStringByteLen(text));
-        if (!made)
+        if (!made) {
             _com_issue_error(E_OUTOFMEMORY);
+        }
         return made;
     }
     BSTR Text() const noexcept { return m_shared ? m_shared->text : nullptr; }
     char* Narrow() const;
     int Compare(const _bstr_t& other) const noexcept;
     void AddReference() noexcept {
-        if (m_shared)
+        if (m_shared) {
             m_shared->references.fetch_add(1, std::memory_order_relaxed);
+        }
     }
     void Drop() noexcept {
-        if (m_shared && m_shared->references.fetch_sub(1, std::memory_order_acq_rel) == 1)
+        if (m_shared && m_shared->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
             delete m_shared;
+        }
         m_shared = nullptr;
     }
 
@@ -144,41 +150,49 @@ class _bstr_t {
 };
 
 inline _bstr_t& _bstr_t::operator=(const char* text) {
-    if (!text || Narrow() != text)
+    if (!text || Narrow() != text) {
         *this = _bstr_t(text);
+    }
     return *this;
 }
 
 inline _bstr_t& _bstr_t::operator=(const wchar_t* text) {
-    if (!text || Text() != text)
+    if (!text || Text() != text) {
         *this = _bstr_t(text);
+    }
     return *this;
 }
 
 inline _bstr_t& _bstr_t::operator+=(const _bstr_t& tail) {
     const unsigned int headLength = length();
     const unsigned int tailLength = tail.length();
-    if (headLength > ~0u - tailLength)
+    if (headLength > ~0u - tailLength) {
         _com_issue_error(E_OUTOFMEMORY);
+    }
     const BSTR sum = ::SysAllocStringLen(nullptr, headLength + tailLength);
-    if (!sum)
+    if (!sum) {
         _com_issue_error(E_OUTOFMEMORY);
-    if (headLength)
+    }
+    if (headLength) {
         __builtin_memcpy(sum, Text(), headLength * sizeof(wchar_t));
-    if (tailLength)
+    }
+    if (tailLength) {
         __builtin_memcpy(sum + headLength, tail.Text(), tailLength * sizeof(wchar_t));
+    }
     Attach(sum);
     return *this;
 }
 
 inline void _bstr_t::Assign(BSTR text) {
-    if (!text || Text() != text)
+    if (!text || Text() != text) {
         *this = _bstr_t(text, true);
+    }
 }
 
 inline BSTR& _bstr_t::GetBSTR() {
-    if (!m_shared)
+    if (!m_shared) {
         m_shared = Shared::Own(nullptr);
+    }
     return m_shared->text;
 }
 
@@ -194,8 +208,9 @@ inline void _bstr_t::Attach(BSTR text) {
 }
 
 inline BSTR _bstr_t::Detach() {
-    if (!m_shared || m_shared->references.load(std::memory_order_acquire) != 1)
+    if (!m_shared || m_shared->references.load(std::memory_order_acquire) != 1) {
         _com_issue_error(E_POINTER);
+    }
     const BSTR text = m_shared->text;
     m_shared->text = nullptr;
     Drop();
@@ -203,32 +218,40 @@ inline BSTR _bstr_t::Detach() {
 }
 
 inline char* _bstr_t::Narrow() const {
-    if (!m_shared)
+    if (!m_shared) {
         return nullptr;
-    if (!m_shared->narrow)
+    }
+    if (!m_shared->narrow) {
         m_shared->narrow = _com_util::ConvertBSTRToString(m_shared->text);
+    }
     return m_shared->narrow;
 }
 
 // A null text is less than any other, the empty one included.
 inline int _bstr_t::Compare(const _bstr_t& other) const noexcept {
-    if (m_shared == other.m_shared)
+    if (m_shared == other.m_shared) {
         return 0;
-    if (!m_shared)
+    }
+    if (!m_shared) {
         return -1;
-    if (!other.m_shared)
+    }
+    if (!other.m_shared) {
         return 1;
+    }
     const BSTR left = Text();
     const BSTR right = other.Text();
-    if (!left)
+    if (!left) {
         return right ? -1 : 0;
-    if (!right)
+    }
+    if (!right) {
         return 1;
+    }
     const unsigned int leftLength = length();
     const unsigned int rightLength = other.length();
     for (unsigned int i = 0; i < leftLength && i < rightLength; ++i) {
-        if (left[i] != right[i])
+        if (left[i] != right[i]) {
             return left[i] < right[i] ? -1 : 1;
+        }
     }
     return leftLength == rightLength ? 0 : leftLength < rightLength ? -1 : 1;
 }
@@ -242,8 +265,9 @@ class _variant_t : public tagVARIANT {
     _variant_t() noexcept { ::VariantInit(this); }
     _variant_t(const VARIANT& source) : _variant_t() { _com_util::CheckError(::VariantCopy(this, &source)); }
     _variant_t(const VARIANT* source) : _variant_t() {
-        if (!source)
+        if (!source) {
             _com_issue_error(E_POINTER);
+        }
         _com_util::CheckError(::VariantCopy(this, source));
     }
     _variant_t(const _variant_t& source) : _variant_t() {
@@ -292,16 +316,18 @@ class _variant_t : public tagVARIANT {
     }
     _variant_t(IDispatch* object, bool addReference = true) noexcept : _variant_t() {
         Set(VT_DISPATCH, V_DISPATCH(this), object);
-        if (object && addReference)
+        if (object && addReference) {
             object->AddRef();
+        }
     }
     _variant_t(bool value) noexcept : _variant_t() {
         Set(VT_BOOL, V_BOOL(this), value ? VARIANT_TRUE : VARIANT_FALSE);
     }
     _variant_t(IUnknown* object, bool addReference = true) noexcept : _variant_t() {
         Set(VT_UNKNOWN, V_UNKNOWN(this), object);
-        if (object && addReference)
+        if (object && addReference) {
             object->AddRef();
+        }
     }
     _variant_t(BYTE value) noexcept : _variant_t() { Set(VT_UI1, V_UI1(this), value); }
     _variant_t(char value) noexcept : _variant_t() { Set(VT_I1, V_I1(this), value); }
@@ -327,15 +353,17 @@ class _variant_t : public tagVARIANT {
     operator IDispatch*() const {
         _variant_t converted;
         converted.ChangeType(VT_DISPATCH, this);
-        if (V_DISPATCH(&converted))
+        if (V_DISPATCH(&converted)) {
             V_DISPATCH(&converted)->AddRef();
+        }
         return V_DISPATCH(&converted);
     }
     operator IUnknown*() const {
         _variant_t converted;
         converted.ChangeType(VT_UNKNOWN, this);
-        if (V_UNKNOWN(&converted))
+        if (V_UNKNOWN(&converted)) {
             V_UNKNOWN(&converted)->AddRef();
+        }
         return V_UNKNOWN(&converted);
     }
 
@@ -344,8 +372,9 @@ class _variant_t : public tagVARIANT {
         return *this;
     }
     _variant_t& operator=(const VARIANT* source) {
-        if (!source)
+        if (!source) {
             _com_issue_error(E_POINTER);
+        }
         _com_util::CheckError(::VariantCopy(this, source));
         return *this;
     }
@@ -370,8 +399,9 @@ class _variant_t : public tagVARIANT {
     _variant_t& operator=(ULONGLONG value) { return Take(_variant_t(value)); }
     _variant_t& operator=(const wchar_t* text) {
         const BSTR made = ::SysAllocString(text);
-        if (!made && text)
+        if (!made && text) {
             _com_issue_error(E_OUTOFMEMORY);
+        }
         // Allocated first, so that a variant may be given its own text.
         ::VariantClear(this);
         Set(VT_BSTR, V_BSTR(this), made);
@@ -405,15 +435,17 @@ class _variant_t : public tagVARIANT {
     /// Converts this value, or `source` into this one.
     void ChangeType(VARTYPE type, const _variant_t* source = nullptr) {
         const VARIANT* from = source ? source : this;
-        if (from != this || type != V_VT(this))
+        if (from != this || type != V_VT(this)) {
             _com_util::CheckError(::VariantChangeType(this, from, 0, type));
+        }
     }
     void SetString(const char* text) { *this = text; }
 
   private:
     static void Expect(bool accepted) {
-        if (!accepted)
+        if (!accepted) {
             _com_issue_error(E_INVALIDARG);
+        }
     }
     template <class Member, class Value>
     void Set(VARTYPE type, Member& member, Value value) noexcept {
@@ -427,8 +459,9 @@ class _variant_t : public tagVARIANT {
     /// The value as a number type, read through that type's member.
     template <class Number>
     Number Converted(VARTYPE type, Number VARIANT::*member) const {
-        if (V_VT(this) == type)
+        if (V_VT(this) == type) {
             return this->*member;
+        }
         _variant_t converted;
         converted.ChangeType(type, this);
         return converted.*member;
@@ -441,20 +474,24 @@ inline _bstr_t::_bstr_t(const _variant_t& variant) {
 }
 
 inline _bstr_t& _bstr_t::operator=(const _variant_t& variant) {
-    if (V_VT(&variant) == VT_BSTR)
+    if (V_VT(&variant) == VT_BSTR) {
         return *this = static_cast<const wchar_t*>(V_BSTR(&variant));
+    }
     _variant_t converted;
     converted.ChangeType(VT_BSTR, &variant);
     return *this = static_cast<const wchar_t*>(V_BSTR(&converted));
 }
 
 inline bool _variant_t::Equals(const VARIANT* other) const {
-    if (!other)
+    if (!other) {
         return false;
-    if (this == other)
+    }
+    if (this == other) {
         return true;
-    if (V_VT(this) != V_VT(other))
+    }
+    if (V_VT(this) != V_VT(other)) {
         return false;
+    }
     switch (V_VT(this)) {
     case VT_EMPTY:
     case VT_NULL:

@@ -21,11 +21,13 @@ using REFIID = const IID&;
 using REFCLSID = const CLSID&;
 
 constexpr bool operator==(const GUID& left, const GUID& right) noexcept {
-    if (left.Data1 != right.Data1 || left.Data2 != right.Data2 || left.Data3 != right.Data3)
+    if (left.Data1 != right.Data1 || left.Data2 != right.Data2 || left.Data3 != right.Data3) {
         return false;
+    }
     for (int i = 0; i < 8; ++i) {
-        if (left.Data4[i] != right.Data4[i])
+        if (left.Data4[i] != right.Data4[i]) {
             return false;
+        }
     }
     return true;
 }

@@ -10,32 +10,34 @@ struct ThreadState {
     ULONG initialisations = 0;
     bool singleThreaded = false;
 };
-thread_local ThreadState thread;
+thread_local ThreadState g_thread;
 
 } // namespace
 
 namespace quillet::platform {
 
 bool IsComInitialised() noexcept {
-    return thread.initialisations != 0;
+    return g_thread.initialisations != 0;
 }
 
 } // namespace quillet::platform
 
 HRESULT WINAPI CoInitializeEx(void* reserved, DWORD model) {
-    constexpr DWORD known =
+    constexpr DWORD kNown =
         COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE | COINIT_SPEED_OVER_MEMORY | COINIT_MULTITHREADED;
-    if (reserved || (model & ~known))
+    if (reserved || (model & ~kNown)) {
         return E_INVALIDARG;
+    }
     const bool singleThreaded = (model & COINIT_APARTMENTTHREADED) != 0;
-    if (thread.initialisations == 0) {
-        thread.singleThreaded = singleThreaded;
-        thread.initialisations = 1;
+    if (g_thread.initialisations == 0) {
+        g_thread.singleThreaded = singleThreaded;
+        g_thread.initialisations = 1;
         return S_OK;
     }
-    if (thread.singleThreaded != singleThreaded)
+    if (g_thread.singleThreaded != singleThreaded) {
         return RPC_E_CHANGED_MODE;
-    ++thread.initialisations;
+    }
+    ++g_thread.initialisations;
     return S_FALSE;
 }
 
@@ -44,12 +46,13 @@ HRESULT WINAPI CoInitialize(void* reserved) {
 }
 
 void WINAPI CoUninitialize() {
-    if (thread.initialisations)
-        --thread.initialisations;
+    if (g_thread.initialisations) {
+        --g_thread.initialisations;
+    }
 }
 
 HRESULT WINAPI CoInitializeSecurity(void*, LONG, SOLE_AUTHENTICATION_SERVICE*, void*, DWORD, DWORD, void*,
                                     DWORD, void*) {
     // One process is all there is to secure.
-    return thread.initialisations ? S_OK : CO_E_NOTINITIALIZED;
+    return g_thread.initialisations ? S_OK : CO_E_NOTINITIALIZED;
 }

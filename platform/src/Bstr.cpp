@@ -11,31 +11,31 @@
 namespace {
 
 // As long as what malloc aligns to, so that the text behind it is aligned too.
-constexpr UINT headerBytes = 16;
-constexpr UINT characterBytes = sizeof(OLECHAR);
+constexpr UINT kHeaderBytes = 16;
+constexpr UINT kCharacterBytes = sizeof(OLECHAR);
 
 struct ThreadAllocations {
     unsigned long made = 0;
     unsigned long failIn = 0;
 };
-thread_local ThreadAllocations allocations;
-std::atomic<quillet::platform::FreedBstrObserver> freedObserver{nullptr};
+thread_local ThreadAllocations g_allocations;
+std::atomic<quillet::platform::FreedBstrObserver> g_freedObserver{nullptr};
 
 bool MustFail() noexcept {
-    ++allocations.made;
-    return allocations.failIn != 0 && --allocations.failIn == 0;
+    ++g_allocations.made;
+    return g_allocations.failIn != 0 && --g_allocations.failIn == 0;
 }
 
 char* BlockOf(BSTR text) noexcept {
-    return reinterpret_cast<char*>(text) - headerBytes;
+    return reinterpret_cast<char*>(text) - kHeaderBytes;
 }
 
 void SetByteLength(char* block, UINT bytes) noexcept {
-    std::memcpy(block + headerBytes - sizeof bytes, &bytes, sizeof bytes);
+    std::memcpy(block + kHeaderBytes - sizeof bytes, &bytes, sizeof bytes);
 }
 
 bool TooLong(UINT length) noexcept {
-    return length >= (~0u - headerBytes - characterBytes) / characterBytes;
+    return length >= (~0u - kHeaderBytes - kCharacterBytes) / kCharacterBytes;
 }
 
 /// Bytes rounded up to whole characters.
@@ -48,35 +48,38 @@ std::size_t WholeCharacters(UINT bytes) noexcept {
 namespace quillet::platform {
 
 unsigned long BstrAllocations() noexcept {
-    return allocations.made;
+    return g_allocations.made;
 }
 
 void FailBstrAllocation(unsigned long nth) noexcept {
-    allocations.failIn = nth;
+    g_allocations.failIn = nth;
 }
 
 void ObserveFreedBstrs(FreedBstrObserver observer) noexcept {
-    freedObserver = observer;
+    g_freedObserver = observer;
 }
 
 } // namespace quillet::platform
 
 BSTR WINAPI SysAllocStringByteLen(LPCSTR text, UINT bytes) {
-    if (MustFail() || TooLong(bytes / characterBytes))
+    if (MustFail() || TooLong(bytes / kCharacterBytes)) {
         return nullptr;
+    }
     // The last byte need not end a character. The terminator is a whole one all the same, so that those who
     // look for it find it within the block.
     const std::size_t contentBytes = WholeCharacters(bytes) + sizeof(OLECHAR);
-    auto* const block = static_cast<char*>(std::malloc(headerBytes + contentBytes));
-    if (!block)
+    auto* const block = static_cast<char*>(std::malloc(kHeaderBytes + contentBytes));
+    if (!block) {
         return nullptr;
-    std::memset(block, 0, headerBytes);
+    }
+    std::memset(block, 0, kHeaderBytes);
     SetByteLength(block, bytes);
-    char* const content = block + headerBytes;
-    if (text && bytes)
+    char* const content = block + kHeaderBytes;
+    if (text && bytes) {
         std::memcpy(content, text, bytes);
+    }
     std::memset(content + bytes, 0, contentBytes - bytes);
-    quillet::platform::counters.bstrs.Add(1);
+    quillet::platform::g_counters.bstrs.Add(1);
     return reinterpret_cast<BSTR>(content);
 }
 
@@ -85,23 +88,26 @@ BSTR WINAPI SysAllocStringLen(const OLECHAR* text, UINT length) {
         MustFail();
         return nullptr;
     }
-    return SysAllocStringByteLen(reinterpret_cast<LPCSTR>(text), length * characterBytes);
+    return SysAllocStringByteLen(reinterpret_cast<LPCSTR>(text), length * kCharacterBytes);
 }
 
 BSTR WINAPI SysAllocString(const OLECHAR* text) {
-    if (!text)
+    if (!text) {
         return nullptr;
+    }
     const std::size_t length = std::wcslen(text);
     return SysAllocStringLen(text, length > ~0u ? ~0u : static_cast<UINT>(length));
 }
 
 INT WINAPI SysReAllocStringLen(BSTR* text, const OLECHAR* newText, UINT length) {
-    if (!text)
+    if (!text) {
         return FALSE;
+    }
     // The new text may be a part of the old one, which therefore goes last.
     const BSTR made = SysAllocStringLen(newText, length);
-    if (!made)
+    if (!made) {
         return FALSE;
+    }
     if (!newText && *text) {
         const UINT kept = SysStringLen(*text) < length ? SysStringLen(*text) : length;
         std::memcpy(made, *text, kept * sizeof(OLECHAR));
@@ -112,38 +118,43 @@ INT WINAPI SysReAllocStringLen(BSTR* text, const OLECHAR* newText, UINT length) 
 }
 
 INT WINAPI SysReAllocString(BSTR* text, const OLECHAR* newText) {
-    if (!text)
+    if (!text) {
         return FALSE;
+    }
     if (!newText) {
         SysFreeString(*text);
         *text = nullptr;
         return TRUE;
     }
     const BSTR made = SysAllocString(newText);
-    if (!made)
+    if (!made) {
         return FALSE;
+    }
     SysFreeString(*text);
     *text = made;
     return TRUE;
 }
 
 void WINAPI SysFreeString(BSTR text) {
-    if (!text)
+    if (!text) {
         return;
-    quillet::platform::counters.bstrs.Add(-1);
-    if (const auto observer = freedObserver.load(std::memory_order_acquire))
+    }
+    quillet::platform::g_counters.bstrs.Add(-1);
+    if (const auto observer = g_freedObserver.load(std::memory_order_acquire)) {
         observer(text, SysStringByteLen(text));
+    }
     std::free(BlockOf(text));
 }
 
 UINT WINAPI SysStringByteLen(BSTR text) {
-    if (!text)
+    if (!text) {
         return 0;
+    }
     UINT bytes = 0;
-    std::memcpy(&bytes, BlockOf(text) + headerBytes - sizeof bytes, sizeof bytes);
+    std::memcpy(&bytes, BlockOf(text) + kHeaderBytes - sizeof bytes, sizeof bytes);
     return bytes;
 }
 
 UINT WINAPI SysStringLen(BSTR text) {
-    return SysStringByteLen(text) / characterBytes;
+    return SysStringByteLen(text) / kCharacterBytes;
 }

@@ -25,8 +25,8 @@ struct ClassTable {
 
 ClassTable& Classes() {
     // Never destroyed, because objects with static lifetime may still revoke their class at exit.
-    static auto* const table = new ClassTable;
-    return *table;
+    static ClassTable& table = *new ClassTable;
+    return table;
 }
 
 /// The oldest registration of the class that is not spent.
@@ -41,13 +41,15 @@ IUnknown* TakeClassObject(REFCLSID clsid) {
     ClassTable& table = Classes();
     const std::lock_guard guard(table.lock);
     const auto found = FindClass(table, clsid);
-    if (found == table.registrations.end())
+    if (found == table.registrations.end()) {
         return nullptr;
+    }
     IUnknown* const classObject = found->classObject;
-    if (found->singleUse)
+    if (found->singleUse) {
         found->classObject = nullptr;
-    else
+    } else {
         classObject->AddRef();
+    }
     return classObject;
 }
 
@@ -55,17 +57,21 @@ IUnknown* TakeClassObject(REFCLSID clsid) {
 
 HRESULT WINAPI CoRegisterClassObject(REFCLSID clsid, IUnknown* classObject, DWORD, DWORD flags,
                                      DWORD* cookie) {
-    if (!IsComInitialised())
+    if (!IsComInitialised()) {
         return CO_E_NOTINITIALIZED;
-    if (!classObject || !cookie)
+    }
+    if (!classObject || !cookie) {
         return E_INVALIDARG;
+    }
     ClassTable& table = Classes();
     const std::lock_guard guard(table.lock);
     const bool singleUse = (flags & (REGCLS_MULTIPLEUSE | REGCLS_MULTI_SEPARATE)) == 0;
-    if (singleUse && FindClass(table, clsid) != table.registrations.end())
+    if (singleUse && FindClass(table, clsid) != table.registrations.end()) {
         return CO_E_OBJISREG;
-    if (++table.lastCookie == 0)
+    }
+    if (++table.lastCookie == 0) {
         ++table.lastCookie;
+    }
     classObject->AddRef();
     table.registrations.push_back({table.lastCookie, clsid, classObject, singleUse});
     *cookie = table.lastCookie;
@@ -73,8 +79,9 @@ HRESULT WINAPI CoRegisterClassObject(REFCLSID clsid, IUnknown* classObject, DWOR
 }
 
 HRESULT WINAPI CoRevokeClassObject(DWORD cookie) {
-    if (!IsComInitialised())
+    if (!IsComInitialised()) {
         return CO_E_NOTINITIALIZED;
+    }
     IUnknown* classObject = nullptr;
     {
         ClassTable& table = Classes();
@@ -82,36 +89,43 @@ HRESULT WINAPI CoRevokeClassObject(DWORD cookie) {
         const auto found =
             std::find_if(table.registrations.begin(), table.registrations.end(),
                          [cookie](const Registration& entry) { return entry.cookie == cookie; });
-        if (found == table.registrations.end())
+        if (found == table.registrations.end()) {
             return E_INVALIDARG;
+        }
         classObject = found->classObject;
         table.registrations.erase(found);
     }
-    if (classObject)
+    if (classObject) {
         classObject->Release();
+    }
     return S_OK;
 }
 
 HRESULT WINAPI CoGetClassObject(REFCLSID clsid, DWORD, void*, REFIID riid, void** object) {
-    if (!object)
+    if (!object) {
         return E_INVALIDARG;
+    }
     *object = nullptr;
-    if (!IsComInitialised())
+    if (!IsComInitialised()) {
         return CO_E_NOTINITIALIZED;
+    }
     IUnknown* const classObject = TakeClassObject(clsid);
-    if (!classObject)
+    if (!classObject) {
         return REGDB_E_CLASSNOTREG;
+    }
     const HRESULT hr = classObject->QueryInterface(riid, object);
     classObject->Release();
     return hr;
 }
 
 HRESULT WINAPI CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID riid, void** object) {
-    if (!object)
+    if (!object) {
         return E_POINTER;
+    }
     *object = nullptr;
-    if (!IsComInitialised())
+    if (!IsComInitialised()) {
         return CO_E_NOTINITIALIZED;
+    }
     if (clsid == CLSID_StdGlobalInterfaceTable) {
         return outer ? CLASS_E_NOAGGREGATION
                      : quillet::platform::InterfaceTable()->QueryInterface(riid, object);
@@ -119,8 +133,9 @@ HRESULT WINAPI CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, 
     IClassFactory* factory = nullptr;
     HRESULT hr =
         CoGetClassObject(clsid, context, nullptr, IID_IClassFactory, reinterpret_cast<void**>(&factory));
-    if (FAILED(hr))
+    if (FAILED(hr)) {
         return hr;
+    }
     hr = factory->CreateInstance(outer, riid, object);
     factory->Release();
     return hr;

@@ -21,29 +21,33 @@ namespace {
 
 std::wstring HostName() {
     char name[HOST_NAME_MAX + 1] = {};
-    if (gethostname(name, sizeof name - 1) != 0)
+    if (gethostname(name, sizeof name - 1) != 0) {
         name[0] = '\0';
+    }
     std::wstring wide = quillet::platform::WideFromUtf8(name);
     wide.resize(std::min(wide.find(L'.'), wide.size()));
-    if (wide.empty())
+    if (wide.empty()) {
         wide = L"LOCALHOST";
-    if (wide.size() > MAX_COMPUTERNAME_LENGTH)
+    }
+    if (wide.size() > MAX_COMPUTERNAME_LENGTH) {
         wide.resize(MAX_COMPUTERNAME_LENGTH);
+    }
     for (wchar_t& character : wide) {
-        if (character >= L'a' && character <= L'z')
+        if (character >= L'a' && character <= L'z') {
             character -= L'a' - L'A';
+        }
     }
     return wide;
 }
 
 // Each of them is a system call, and every trace line and every call of the simulator asks. 0: not asked yet.
-std::atomic<DWORD> ownProcess{0};
-thread_local DWORD ownThread = 0;
+std::atomic<DWORD> g_ownProcess{0};
+thread_local DWORD g_ownThread = 0;
 
 /// A forked child is another process, and its one thread another thread.
-[[maybe_unused]] const int forgetInChild = pthread_atfork(nullptr, nullptr, [] {
-    ownProcess.store(0, std::memory_order_relaxed);
-    ownThread = 0;
+[[maybe_unused]] const int kForgetInChild = pthread_atfork(nullptr, nullptr, [] {
+    g_ownProcess.store(0, std::memory_order_relaxed);
+    g_ownThread = 0;
 });
 
 std::wstring ProgramPath() {
@@ -60,23 +64,25 @@ HANDLE WINAPI GetCurrentProcess() noexcept {
 }
 
 DWORD WINAPI GetCurrentProcessId() noexcept {
-    DWORD id = ownProcess.load(std::memory_order_relaxed);
+    DWORD id = g_ownProcess.load(std::memory_order_relaxed);
     if (id == 0) {
         id = static_cast<DWORD>(getpid());
-        ownProcess.store(id, std::memory_order_relaxed);
+        g_ownProcess.store(id, std::memory_order_relaxed);
     }
     return id;
 }
 
 DWORD WINAPI GetCurrentThreadId() noexcept {
-    if (ownThread == 0)
-        ownThread = static_cast<DWORD>(syscall(SYS_gettid));
-    return ownThread;
+    if (g_ownThread == 0) {
+        g_ownThread = static_cast<DWORD>(syscall(SYS_gettid));
+    }
+    return g_ownThread;
 }
 
 BOOL WINAPI CloseHandle(HANDLE handle) noexcept {
-    if (handle == GetCurrentProcess() || quillet::platform::CloseToken(handle))
+    if (handle == GetCurrentProcess() || quillet::platform::CloseToken(handle)) {
         return TRUE;
+    }
     SetLastError(ERROR_INVALID_HANDLE);
     return FALSE;
 }
@@ -87,8 +93,9 @@ DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR buffer, DWORD size) {
         return 0;
     }
     std::wstring path = WithSettings([](const HostSettings& settings) { return settings.moduleFileName; });
-    if (path.empty())
+    if (path.empty()) {
         path = ProgramPath();
+    }
     if (!buffer || size == 0) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return 0;
@@ -126,12 +133,14 @@ BOOL WINAPI GetComputerNameW(LPWSTR buffer, LPDWORD size) {
 }
 
 void WINAPI OutputDebugStringW(LPCWSTR text) {
-    if (!text)
+    if (!text) {
         return;
+    }
     // Called outside the settings' lock, so that the receiver may call anything.
     const auto receiver = WithSettings([](const HostSettings& settings) { return settings.debugOutput; });
-    if (receiver)
+    if (receiver) {
         receiver(text);
+    }
 }
 
 BOOL WINAPI GetVersionExW(LPOSVERSIONINFOW information) {

@@ -16,8 +16,9 @@ class Counter {
     }
     long Value() const noexcept {
         long sum = 0;
-        for (const Part& part : m_parts)
+        for (const Part& part : m_parts) {
             sum += part.value.load(std::memory_order_relaxed);
+        }
         return sum;
     }
 
@@ -26,15 +27,15 @@ class Counter {
     struct alignas(64) Part {
         std::atomic<long> value{0};
     };
-    static constexpr std::size_t PARTS = 16;
+    static constexpr std::size_t kParts = 16;
 
     static std::size_t OwnPart() noexcept {
         static std::atomic<std::size_t> threads{0};
-        thread_local const std::size_t own = threads.fetch_add(1, std::memory_order_relaxed) % PARTS;
-        return own;
+        thread_local const std::size_t kOwn = threads.fetch_add(1, std::memory_order_relaxed) % kParts;
+        return kOwn;
     }
 
-    std::array<Part, PARTS> m_parts;
+    std::array<Part, kParts> m_parts;
 };
 
 struct Counters {
@@ -44,6 +45,6 @@ struct Counters {
     Counter registryKeys;
     Counter tokens;
 };
-inline Counters counters;
+inline Counters g_counters;
 
 } // namespace quillet::platform

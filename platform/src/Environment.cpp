@@ -29,15 +29,17 @@ struct Variable {
 
 std::optional<Variable> Find(const std::wstring& name) {
     const std::string exact = quillet::platform::Utf8FromWide(name);
-    if (const char* const value = std::getenv(exact.c_str()))
+    if (const char* const value = std::getenv(exact.c_str())) {
         return Variable{exact, value};
+    }
     const std::wstring folded = FoldCase(name);
     for (char** entry = environ; entry && *entry; ++entry) {
         const std::string_view line = *entry;
         const std::size_t end = line.find('=');
         if (end != std::string_view::npos &&
-            FoldCase(quillet::platform::WideFromUtf8(line.substr(0, end))) == folded)
+            FoldCase(quillet::platform::WideFromUtf8(line.substr(0, end))) == folded) {
             return Variable{std::string(line.substr(0, end)), std::string(line.substr(end + 1))};
+        }
     }
     return std::nullopt;
 }
@@ -47,8 +49,9 @@ std::optional<Variable> FindOrDefault(const std::wstring& name) {
     const std::wstring folded = FoldCase(name);
     if (!found && (folded == L"temp" || folded == L"tmp")) {
         found = Find(L"TMPDIR");
-        if (!found || found->value.empty())
+        if (!found || found->value.empty()) {
             found = Variable{{}, "/tmp"};
+        }
     }
     return found;
 }
@@ -63,8 +66,9 @@ DWORD WINAPI GetEnvironmentVariableW(LPCWSTR name, LPWSTR buffer, DWORD size) {
         return 0;
     }
     const std::wstring value = quillet::platform::WideFromUtf8(found->value);
-    if (!buffer || size <= value.size())
+    if (!buffer || size <= value.size()) {
         return static_cast<DWORD>(value.size() + 1);
+    }
     std::copy(value.begin(), value.end(), buffer);
     buffer[value.size()] = L'\0';
     SetLastError(ERROR_SUCCESS);

@@ -10,7 +10,7 @@
 
 namespace {
 
-thread_local DWORD lastError = ERROR_SUCCESS;
+thread_local DWORD g_lastError = ERROR_SUCCESS;
 
 struct CodeText {
     DWORD code;
@@ -22,7 +22,7 @@ constexpr DWORD Code(HRESULT hr) {
 }
 
 // Sorted by code.
-constexpr CodeText texts[] = {
+constexpr CodeText kTexts[] = {
     {ERROR_SUCCESS, L"The operation completed successfully."},
     {ERROR_INVALID_FUNCTION, L"Incorrect function."},
     {ERROR_FILE_NOT_FOUND, L"The system cannot find the file specified."},
@@ -134,9 +134,10 @@ constexpr CodeText texts[] = {
 };
 
 constexpr bool IsSorted() {
-    for (std::size_t i = 1; i < std::size(texts); ++i) {
-        if (texts[i - 1].code >= texts[i].code)
+    for (std::size_t i = 1; i < std::size(kTexts); ++i) {
+        if (kTexts[i - 1].code >= kTexts[i].code) {
             return false;
+        }
     }
     return true;
 }
@@ -144,10 +145,11 @@ static_assert(IsSorted());
 
 std::wstring_view FindText(DWORD code) {
     const auto* const found =
-        std::lower_bound(std::begin(texts), std::end(texts), code,
+        std::lower_bound(std::begin(kTexts), std::end(kTexts), code,
                          [](const CodeText& entry, DWORD key) { return entry.code < key; });
-    if (found != std::end(texts) && found->code == code)
+    if (found != std::end(kTexts) && found->code == code) {
         return found->text;
+    }
     // A wrapped Win32 error has the text of what it wraps.
     return code >> 16 == 0x8007u ? FindText(code & 0xffffu) : std::wstring_view();
 }
@@ -155,11 +157,11 @@ std::wstring_view FindText(DWORD code) {
 } // namespace
 
 DWORD WINAPI GetLastError() noexcept {
-    return lastError;
+    return g_lastError;
 }
 
 void WINAPI SetLastError(DWORD error) noexcept {
-    lastError = error;
+    g_lastError = error;
 }
 
 HLOCAL WINAPI LocalAlloc(UINT flags, SIZE_T bytes) noexcept {
@@ -177,15 +179,16 @@ DWORD WINAPI FormatMessageW(DWORD flags, LPCVOID, DWORD messageId, DWORD, LPWSTR
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    if (flags & FORMAT_MESSAGE_ALLOCATE_BUFFER)
+    if (flags & FORMAT_MESSAGE_ALLOCATE_BUFFER) {
         *reinterpret_cast<LPWSTR*>(buffer) = nullptr;
+    }
     const std::wstring_view text = FindText(messageId);
     if (text.empty()) {
         SetLastError(ERROR_MR_MID_NOT_FOUND);
         return 0;
     }
-    constexpr std::wstring_view lineEnd = L"\r\n";
-    const std::size_t length = text.size() + lineEnd.size();
+    constexpr std::wstring_view kLineEnd = L"\r\n";
+    const std::size_t length = text.size() + kLineEnd.size();
     LPWSTR target = buffer;
     if (flags & FORMAT_MESSAGE_ALLOCATE_BUFFER) {
         target =
@@ -200,7 +203,7 @@ DWORD WINAPI FormatMessageW(DWORD flags, LPCVOID, DWORD messageId, DWORD, LPWSTR
         return 0;
     }
     std::copy(text.begin(), text.end(), target);
-    std::copy(lineEnd.begin(), lineEnd.end(), target + text.size());
+    std::copy(kLineEnd.begin(), kLineEnd.end(), target + text.size());
     target[length] = L'\0';
     return static_cast<DWORD>(length);
 }

@@ -21,13 +21,15 @@ class Output {
     Output(wchar_t* buffer, std::size_t room) : m_buffer(buffer), m_room(room) {}
 
     void Put(std::wstring_view text) {
-        if (const std::size_t kept = std::min(text.size(), Left()))
+        if (const std::size_t kept = std::min(text.size(), Left())) {
             std::copy_n(text.begin(), kept, m_buffer + m_length);
+        }
         m_length += text.size();
     }
     void Put(wchar_t character, std::size_t count) {
-        if (const std::size_t kept = std::min(count, Left()))
+        if (const std::size_t kept = std::min(count, Left())) {
             std::fill_n(m_buffer + m_length, kept, character);
+        }
         m_length += count;
     }
     std::size_t Length() const { return m_length; }
@@ -42,26 +44,27 @@ class Output {
 };
 
 enum class Size { Default, Char, Short, Long, Bits64, Wide };
-constexpr Size POINTER_SIZE = sizeof(void*) == 8 ? Size::Bits64 : Size::Long;
+constexpr Size kPointerSize = sizeof(void*) == 8 ? Size::Bits64 : Size::Long;
 
 /// The digits of a number, which take no memory of their own: every trace line has eight numbers in its head.
 class DigitText {
   public:
     DigitText(unsigned long long value, unsigned base, bool upper) {
         const wchar_t* const symbols = upper ? L"0123456789ABCDEF" : L"0123456789abcdef";
-        for (; value; value /= base)
+        for (; value; value /= base) {
             Prepend(symbols[value % base]);
+        }
     }
     void Prepend(wchar_t digit) { m_text[--m_first] = digit; }
-    bool Empty() const { return m_first == CAPACITY; }
-    std::wstring_view View() const { return {m_text + m_first, CAPACITY - m_first}; }
+    bool Empty() const { return m_first == kCapacity; }
+    std::wstring_view View() const { return {m_text + m_first, kCapacity - m_first}; }
 
   private:
     /// 64 bits in octal, and a zero before them.
-    static constexpr std::size_t CAPACITY = 23;
+    static constexpr std::size_t kCapacity = 23;
 
-    wchar_t m_text[CAPACITY]{};
-    std::size_t m_first = CAPACITY;
+    wchar_t m_text[kCapacity]{};
+    std::size_t m_first = kCapacity;
 };
 
 struct Conversion {
@@ -89,8 +92,9 @@ class Formatter {
             const wchar_t* const end = std::wcschr(m_at, L'%');
             m_output.Put(end ? std::wstring_view(m_at, static_cast<std::size_t>(end - m_at))
                              : std::wstring_view(m_at));
-            if (!end)
+            if (!end) {
                 return;
+            }
             m_at = end + 1;
             Convert(ReadConversion());
         }
@@ -100,22 +104,24 @@ class Formatter {
     Conversion ReadConversion() {
         Conversion conversion;
         for (;; ++m_at) {
-            if (*m_at == L'-')
+            if (*m_at == L'-') {
                 conversion.left = true;
-            else if (*m_at == L'+')
+            } else if (*m_at == L'+') {
                 conversion.plus = true;
-            else if (*m_at == L' ')
+            } else if (*m_at == L' ') {
                 conversion.space = true;
-            else if (*m_at == L'#')
+            } else if (*m_at == L'#') {
                 conversion.alternative = true;
-            else if (*m_at == L'0')
+            } else if (*m_at == L'0') {
                 conversion.zero = true;
-            else
+            } else {
                 break;
+            }
         }
         const int width = ReadCount();
-        if (width < 0)
+        if (width < 0) {
             conversion.left = true;
+        }
         conversion.width = static_cast<std::size_t>(width < 0 ? -static_cast<long>(width) : width);
         if (*m_at == L'.') {
             ++m_at;
@@ -131,16 +137,18 @@ class Formatter {
             return va_arg(m_arguments.list, int);
         }
         int count = 0;
-        constexpr int most = 1 << 28;
-        for (; *m_at >= L'0' && *m_at <= L'9'; ++m_at)
-            count = count < most / 10 ? count * 10 + static_cast<int>(*m_at - L'0') : most;
+        constexpr int kMost = 1 << 28;
+        for (; *m_at >= L'0' && *m_at <= L'9'; ++m_at) {
+            count = count < kMost / 10 ? count * 10 + static_cast<int>(*m_at - L'0') : kMost;
+        }
         return count;
     }
     /// Moves behind a text of the format if it stands here.
     bool Accept(std::wstring_view text) {
         for (std::size_t index = 0; index < text.size(); ++index) {
-            if (m_at[index] != text[index])
+            if (m_at[index] != text[index]) {
                 return false;
+            }
         }
         m_at += text.size();
         return true;
@@ -148,25 +156,29 @@ class Formatter {
     Size ReadSize() {
         switch (*m_at) {
         case L'I':
-            if (Accept(L"I64"))
+            if (Accept(L"I64")) {
                 return Size::Bits64;
-            if (Accept(L"I32"))
+            }
+            if (Accept(L"I32")) {
                 return Size::Long;
+            }
             // A lone I is a size only before an integer conversion; elsewhere it is a conversion that there
             // is not.
-            return m_at[1] && std::wcschr(L"diouxX", m_at[1]) && Accept(L"I") ? POINTER_SIZE : Size::Default;
+            return m_at[1] && std::wcschr(L"diouxX", m_at[1]) && Accept(L"I") ? kPointerSize : Size::Default;
         case L'z':
         case L't':
             ++m_at;
-            return POINTER_SIZE;
+            return kPointerSize;
         case L'l':
-            if (Accept(L"ll"))
+            if (Accept(L"ll")) {
                 return Size::Bits64;
+            }
             ++m_at;
             return Size::Long;
         case L'h':
-            if (Accept(L"hh"))
+            if (Accept(L"hh")) {
                 return Size::Char;
+            }
             ++m_at;
             return Size::Short;
         case L'j':
@@ -185,8 +197,9 @@ class Formatter {
 
     void Convert(const Conversion& conversion) {
         const wchar_t kind = *m_at;
-        if (!kind)
+        if (!kind) {
             return;
+        }
         ++m_at;
         switch (kind) {
         case L'd':
@@ -209,16 +222,18 @@ class Formatter {
             Pointer(conversion);
             break;
         case L's':
-            if (conversion.size == Size::Short)
+            if (conversion.size == Size::Short) {
                 NarrowText(conversion);
-            else
+            } else {
                 WideText(conversion);
+            }
             break;
         case L'S':
-            if (conversion.size == Size::Long || conversion.size == Size::Wide)
+            if (conversion.size == Size::Long || conversion.size == Size::Wide) {
                 WideText(conversion);
-            else
+            } else {
                 NarrowText(conversion);
+            }
             break;
         case L'c':
             Character(conversion, conversion.size != Size::Short);
@@ -249,48 +264,56 @@ class Formatter {
     void Padded(const Conversion& conversion, std::wstring_view text) {
         const std::size_t padding = conversion.width > text.size() ? conversion.width - text.size() : 0;
         // Texts too are filled with zeros where the format asks for them.
-        if (!conversion.left)
+        if (!conversion.left) {
             m_output.Put(conversion.zero ? L'0' : L' ', padding);
+        }
         m_output.Put(text);
-        if (conversion.left)
+        if (conversion.left) {
             m_output.Put(L' ', padding);
+        }
     }
 
     /// Puts sign or prefix, zeros and digits into the width.
     void Digits(const Conversion& conversion, std::wstring_view prefix, std::wstring_view digits) {
         std::size_t zeros = 0;
-        if (conversion.precision >= 0 && static_cast<std::size_t>(conversion.precision) > digits.size())
+        if (conversion.precision >= 0 && static_cast<std::size_t>(conversion.precision) > digits.size()) {
             zeros = static_cast<std::size_t>(conversion.precision) - digits.size();
+        }
         const std::size_t length = prefix.size() + digits.size();
         // The zero flag gives way to a precision.
-        if (conversion.zero && !conversion.left && conversion.precision < 0 && conversion.width > length)
+        if (conversion.zero && !conversion.left && conversion.precision < 0 && conversion.width > length) {
             zeros = conversion.width - length;
+        }
         const std::size_t padding = conversion.width > length + zeros ? conversion.width - length - zeros : 0;
-        if (!conversion.left)
+        if (!conversion.left) {
             m_output.Put(L' ', padding);
+        }
         m_output.Put(prefix);
         m_output.Put(L'0', zeros);
         m_output.Put(digits);
-        if (conversion.left)
+        if (conversion.left) {
             m_output.Put(L' ', padding);
+        }
     }
 
     static DigitText DigitsOf(const Conversion& conversion, unsigned long long value, unsigned base,
                               bool upper) {
         DigitText digits(value, base, upper);
         // Only a precision of 0 makes nothing of a zero.
-        if (digits.Empty() && conversion.precision != 0)
+        if (digits.Empty() && conversion.precision != 0) {
             digits.Prepend(L'0');
+        }
         return digits;
     }
 
     void Signed(const Conversion& conversion) {
         long long value = conversion.size == Size::Bits64 ? va_arg(m_arguments.list, long long)
                                                           : va_arg(m_arguments.list, int);
-        if (conversion.size == Size::Short)
+        if (conversion.size == Size::Short) {
             value = static_cast<short>(value);
-        else if (conversion.size == Size::Char)
+        } else if (conversion.size == Size::Char) {
             value = static_cast<std::int8_t>(value);
+        }
         const auto magnitude = static_cast<unsigned long long>(value);
         const wchar_t* const prefix = value < 0          ? L"-"
                                       : conversion.plus  ? L"+"
@@ -304,16 +327,19 @@ class Formatter {
         unsigned long long value = conversion.size == Size::Bits64
                                        ? va_arg(m_arguments.list, unsigned long long)
                                        : va_arg(m_arguments.list, unsigned);
-        if (conversion.size == Size::Short)
+        if (conversion.size == Size::Short) {
             value = static_cast<unsigned short>(value);
-        else if (conversion.size == Size::Char)
+        } else if (conversion.size == Size::Char) {
             value = static_cast<unsigned char>(value);
+        }
         DigitText digits = DigitsOf(conversion, value, base, upper);
         std::wstring_view prefix;
-        if (conversion.alternative && base == 16 && value)
+        if (conversion.alternative && base == 16 && value) {
             prefix = upper ? L"0X" : L"0x";
-        if (conversion.alternative && base == 8 && (digits.Empty() || digits.View().front() != L'0'))
+        }
+        if (conversion.alternative && base == 8 && (digits.Empty() || digits.View().front() != L'0')) {
             digits.Prepend(L'0');
+        }
         Digits(conversion, prefix, digits.View());
     }
 
@@ -325,20 +351,23 @@ class Formatter {
 
     void WideText(const Conversion& conversion) {
         const wchar_t* text = va_arg(m_arguments.list, const wchar_t*);
-        if (!text)
+        if (!text) {
             text = L"(null)";
+        }
         // Up to a precision the text need not be terminated.
         std::size_t length = 0;
         while ((conversion.precision < 0 || length < static_cast<std::size_t>(conversion.precision)) &&
-               text[length])
+               text[length]) {
             ++length;
+        }
         Padded(conversion, {text, length});
     }
 
     void NarrowText(const Conversion& conversion) {
         const char* text = va_arg(m_arguments.list, const char*);
-        if (!text)
+        if (!text) {
             text = "(null)";
+        }
         const std::size_t length = conversion.precision < 0
                                        ? std::strlen(text)
                                        : strnlen(text, static_cast<std::size_t>(conversion.precision));
@@ -355,22 +384,26 @@ class Formatter {
     void Real(const Conversion& conversion, char kind) {
         const double value = va_arg(m_arguments.list, double);
         std::string format = "%";
-        if (conversion.plus)
+        if (conversion.plus) {
             format += '+';
-        if (conversion.space)
+        }
+        if (conversion.space) {
             format += ' ';
-        if (conversion.alternative)
+        }
+        if (conversion.alternative) {
             format += '#';
-        if (conversion.zero && !conversion.left)
+        }
+        if (conversion.zero && !conversion.left) {
             format += '0';
+        }
         format += "*.*";
         format += kind;
         // No double has more digits than this, and a caller's width must not cost memory.
-        constexpr int most = 1200;
-        const int precision = std::min(conversion.precision, most);
+        constexpr int kMost = 1200;
+        const int precision = std::min(conversion.precision, kMost);
         const int width =
-            static_cast<int>(std::min<std::size_t>(conversion.width, conversion.zero ? most : 0));
-        char text[3 * most];
+            static_cast<int>(std::min<std::size_t>(conversion.width, conversion.zero ? kMost : 0));
+        char text[3 * kMost];
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
         const int length = std::snprintf(text, sizeof text, format.c_str(), width, precision, value);

@@ -15,8 +15,9 @@ namespace {
 class Table final : public IGlobalInterfaceTable {
   public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
-        if (!object)
+        if (!object) {
             return E_POINTER;
+        }
         if (riid != IID_IUnknown && riid != IID_IGlobalInterfaceTable && riid != IID_IAgileObject) {
             *object = nullptr;
             return E_NOINTERFACE;
@@ -30,55 +31,63 @@ class Table final : public IGlobalInterfaceTable {
 
     HRESULT STDMETHODCALLTYPE RegisterInterfaceInGlobal(IUnknown* object, REFIID riid,
                                                         DWORD* cookie) override {
-        if (!IsComInitialised())
+        if (!IsComInitialised()) {
             return CO_E_NOTINITIALIZED;
-        if (!object || !cookie)
+        }
+        if (!object || !cookie) {
             return E_INVALIDARG;
+        }
         IUnknown* asked = nullptr;
         const HRESULT hr = object->QueryInterface(riid, reinterpret_cast<void**>(&asked));
-        if (FAILED(hr))
+        if (FAILED(hr)) {
             return hr;
+        }
         const std::unique_lock guard(m_lock);
         // Counts on, so that a cookie kept too long does not soon name something else.
-        do
+        do {
             ++m_lastCookie;
-        while (m_lastCookie == 0 || m_entries.count(m_lastCookie) != 0);
+        } while (m_lastCookie == 0 || m_entries.count(m_lastCookie) != 0);
         m_entries.emplace(m_lastCookie, asked);
         *cookie = m_lastCookie;
-        counters.interfaceTableEntries.Add(1);
+        g_counters.interfaceTableEntries.Add(1);
         return S_OK;
     }
 
     HRESULT STDMETHODCALLTYPE RevokeInterfaceFromGlobal(DWORD cookie) override {
-        if (!IsComInitialised())
+        if (!IsComInitialised()) {
             return CO_E_NOTINITIALIZED;
+        }
         IUnknown* object = nullptr;
         {
             const std::unique_lock guard(m_lock);
             const auto found = m_entries.find(cookie);
-            if (found == m_entries.end())
+            if (found == m_entries.end()) {
                 return E_INVALIDARG;
+            }
             object = found->second;
             m_entries.erase(found);
         }
-        counters.interfaceTableEntries.Add(-1);
+        g_counters.interfaceTableEntries.Add(-1);
         // Outside the lock: the last release may run any code.
         object->Release();
         return S_OK;
     }
 
     HRESULT STDMETHODCALLTYPE GetInterfaceFromGlobal(DWORD cookie, REFIID riid, void** object) override {
-        if (!IsComInitialised())
+        if (!IsComInitialised()) {
             return CO_E_NOTINITIALIZED;
-        if (!object)
+        }
+        if (!object) {
             return E_INVALIDARG;
+        }
         *object = nullptr;
         IUnknown* registered = nullptr;
         {
             const std::shared_lock guard(m_lock);
             const auto found = m_entries.find(cookie);
-            if (found == m_entries.end())
+            if (found == m_entries.end()) {
                 return E_INVALIDARG;
+            }
             registered = found->second;
             registered->AddRef();
         }
@@ -90,15 +99,18 @@ class Table final : public IGlobalInterfaceTable {
   private:
     static HRESULT HandOut(IUnknown* registered, REFIID riid, void** object) {
         IClientSecurity* security = nullptr;
-        if (FAILED(registered->QueryInterface(IID_IClientSecurity, reinterpret_cast<void**>(&security))))
+        if (FAILED(registered->QueryInterface(IID_IClientSecurity, reinterpret_cast<void**>(&security)))) {
             return registered->QueryInterface(riid, object);
+        }
         IUnknown* copy = nullptr;
         HRESULT hr = security->CopyProxy(registered, &copy);
         security->Release();
-        if (FAILED(hr))
+        if (FAILED(hr)) {
             return hr;
-        if (!copy)
+        }
+        if (!copy) {
             return E_NOINTERFACE;
+        }
         hr = copy->QueryInterface(riid, object);
         copy->Release();
         return hr;
@@ -114,8 +126,8 @@ class Table final : public IGlobalInterfaceTable {
 IGlobalInterfaceTable* InterfaceTable() noexcept {
     // Never destroyed, because objects with static lifetime may still revoke their entries at exit.
     alignas(Table) static std::byte place[sizeof(Table)];
-    static Table* const table = new (place) Table;
-    return table;
+    static Table& table = *new (place) Table;
+    return &table;
 }
 
 } // namespace quillet::platform

@@ -30,8 +30,9 @@ BOOL WINAPI EnumUILanguagesW(UILANGUAGE_ENUMPROCW callback, DWORD flags, LONG_PT
     // A copy, because the callback may call anything.
     auto languages = WithSettings([](const HostSettings& settings) { return settings.uiLanguages; });
     for (std::wstring& language : languages) {
-        if (!callback(language.data(), parameter))
+        if (!callback(language.data(), parameter)) {
             break;
+        }
     }
     return TRUE;
 }
@@ -54,8 +55,9 @@ namespace {
 template <class Character>
 int Deliver(const std::basic_string<Character>& text, Character* buffer, int size) {
     const auto length = static_cast<int>(text.size());
-    if (size == 0)
+    if (size == 0) {
         return length;
+    }
     if (!buffer || size < 0 || size < length) {
         SetLastError(size < 0 || !buffer ? ERROR_INVALID_PARAMETER : ERROR_INSUFFICIENT_BUFFER);
         return 0;
@@ -76,32 +78,39 @@ bool IsKnownCodePage(UINT codePage) {
 } // namespace
 
 int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR text, int length, LPWSTR buffer, int size) {
-    if (!IsKnownCodePage(codePage) || !text || length == 0 || length < -1)
+    if (!IsKnownCodePage(codePage) || !text || length == 0 || length < -1) {
         return Refuse(ERROR_INVALID_PARAMETER);
-    if (flags & ~(MB_ERR_INVALID_CHARS | MB_PRECOMPOSED))
+    }
+    if (flags & ~(MB_ERR_INVALID_CHARS | MB_PRECOMPOSED)) {
         return Refuse(ERROR_INVALID_FLAGS);
+    }
     const std::size_t bytes = length < 0 ? std::strlen(text) + 1 : static_cast<std::size_t>(length);
     bool invalid = false;
     const std::wstring wide = quillet::platform::WideFromUtf8({text, bytes}, &invalid);
-    if (invalid && (flags & MB_ERR_INVALID_CHARS))
+    if (invalid && (flags & MB_ERR_INVALID_CHARS)) {
         return Refuse(ERROR_NO_UNICODE_TRANSLATION);
+    }
     return Deliver(wide, buffer, size);
 }
 
 int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR text, int length, LPSTR buffer, int size,
                                LPCSTR defaultChar, LPBOOL usedDefault) {
     if (!IsKnownCodePage(codePage) || !text || length == 0 || length < -1 ||
-        (codePage == CP_UTF8 && (defaultChar || usedDefault)))
+        (codePage == CP_UTF8 && (defaultChar || usedDefault))) {
         return Refuse(ERROR_INVALID_PARAMETER);
-    if (flags & ~WC_ERR_INVALID_CHARS)
+    }
+    if (flags & ~WC_ERR_INVALID_CHARS) {
         return Refuse(ERROR_INVALID_FLAGS);
+    }
     const std::size_t characters = length < 0 ? std::wcslen(text) + 1 : static_cast<std::size_t>(length);
     bool invalid = false;
     const std::string narrow = quillet::platform::Utf8FromWide({text, characters}, &invalid);
-    if (invalid && (flags & WC_ERR_INVALID_CHARS))
+    if (invalid && (flags & WC_ERR_INVALID_CHARS)) {
         return Refuse(ERROR_NO_UNICODE_TRANSLATION);
-    if (usedDefault)
+    }
+    if (usedDefault) {
         *usedDefault = FALSE;
+    }
     return Deliver(narrow, buffer, size);
 }
 
@@ -126,15 +135,17 @@ int WINAPI CompareStringOrdinal(LPCWSTR left, int leftLength, LPCWSTR right, int
 }
 
 int WINAPI lstrcmpW(LPCWSTR left, LPCWSTR right) {
-    if (!left || !right)
+    if (!left || !right) {
         return left ? 1 : right ? -1 : 0;
+    }
     const int order = std::wcscmp(left, right);
     return order < 0 ? -1 : order > 0 ? 1 : 0;
 }
 
 int WINAPI lstrcmpiW(LPCWSTR left, LPCWSTR right) {
-    if (!left || !right)
+    if (!left || !right) {
         return left ? 1 : right ? -1 : 0;
+    }
     const int order = FoldCase(left).compare(FoldCase(right));
     return order < 0 ? -1 : order > 0 ? 1 : 0;
 }

@@ -13,8 +13,9 @@ class FreeThreadedMarshaler final : public IUnknown {
     explicit FreeThreadedMarshaler(IUnknown* outer) noexcept : m_marshal(outer ? outer : this) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
-        if (!object)
+        if (!object) {
             return E_POINTER;
+        }
         if (riid == IID_IUnknown) {
             *object = static_cast<IUnknown*>(this);
             AddRef();
@@ -31,8 +32,9 @@ class FreeThreadedMarshaler final : public IUnknown {
     ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
     ULONG STDMETHODCALLTYPE Release() override {
         const ULONG left = --m_references;
-        if (left == 0)
+        if (left == 0) {
             delete this;
+        }
         return left;
     }
 
@@ -70,8 +72,9 @@ class FreeThreadedMarshaler final : public IUnknown {
 } // namespace
 
 HRESULT WINAPI CoCreateFreeThreadedMarshaler(IUnknown* outer, IUnknown** marshaler) {
-    if (!marshaler)
+    if (!marshaler) {
         return E_INVALIDARG;
+    }
     *marshaler = new (std::nothrow) FreeThreadedMarshaler(outer);
     return *marshaler ? S_OK : E_OUTOFMEMORY;
 }

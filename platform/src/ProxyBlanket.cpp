@@ -7,12 +7,14 @@ namespace {
 /// Calls `use` with the proxy's own security interface.
 template <class Use>
 HRESULT WithSecurity(IUnknown* proxy, Use use) {
-    if (!proxy)
+    if (!proxy) {
         return E_INVALIDARG;
+    }
     IClientSecurity* security = nullptr;
     HRESULT hr = proxy->QueryInterface(IID_IClientSecurity, reinterpret_cast<void**>(&security));
-    if (FAILED(hr))
+    if (FAILED(hr)) {
         return E_NOINTERFACE;
+    }
     hr = use(security);
     security->Release();
     return hr;
@@ -39,7 +41,8 @@ HRESULT WINAPI CoQueryProxyBlanket(IUnknown* proxy, DWORD* authnSvc, DWORD* auth
 }
 
 HRESULT WINAPI CoCopyProxy(IUnknown* proxy, IUnknown** copy) {
-    if (!copy)
+    if (!copy) {
         return E_INVALIDARG;
+    }
     return WithSecurity(proxy, [&](IClientSecurity* security) { return security->CopyProxy(proxy, copy); });
 }

@@ -10,7 +10,7 @@
 namespace quillet::platform {
 namespace {
 
-constexpr std::wstring_view header = L"Windows Registry Editor Version 5.00";
+constexpr std::wstring_view kHeader = L"Windows Registry Editor Version 5.00";
 
 struct Malformed {
     std::string message;
@@ -22,10 +22,12 @@ bool IsBlank(wchar_t character) {
 }
 
 std::wstring_view Trim(std::wstring_view text) {
-    while (!text.empty() && IsBlank(text.front()))
+    while (!text.empty() && IsBlank(text.front())) {
         text.remove_prefix(1);
-    while (!text.empty() && IsBlank(text.back()))
+    }
+    while (!text.empty() && IsBlank(text.back())) {
         text.remove_suffix(1);
+    }
     return text;
 }
 
@@ -36,8 +38,9 @@ bool StartsWith(std::wstring_view text, std::wstring_view start) {
 /// Nothing but space and a comment may stand behind what a line says.
 void ExpectEnd(std::wstring_view rest) {
     rest = Trim(rest);
-    if (!rest.empty() && rest.front() != L';')
+    if (!rest.empty() && rest.front() != L';') {
         throw Malformed{"unexpected text behind the end: " + Utf8FromWide(rest)};
+    }
 }
 
 /// Decodes line by line, so that the line of an ill-formed one is known.
@@ -48,8 +51,9 @@ std::wstring DecodeLines(Units units, DecodeLine decodeLine) {
         const std::size_t end = std::min(units.find('\n', at), units.size() - 1) + 1;
         bool invalid = false;
         text += decodeLine(units.substr(at, end - at), &invalid);
-        if (invalid)
+        if (invalid) {
             throw Malformed{"the text is neither UTF-8 nor UTF-16LE with a byte-order mark", line};
+        }
         at = end;
     }
     return text;
@@ -69,8 +73,9 @@ std::wstring Decode(std::string_view bytes) {
         }
         return DecodeLines(std::u16string_view(units), WideFromUtf16);
     }
-    if (bytes.substr(0, 3) == "\xef\xbb\xbf")
+    if (bytes.substr(0, 3) == "\xef\xbb\xbf") {
         bytes.remove_prefix(3);
+    }
     return DecodeLines(bytes, WideFromUtf8);
 }
 
@@ -81,11 +86,13 @@ std::wstring TakeQuoted(std::wstring_view& rest) {
     while (!rest.empty()) {
         wchar_t character = rest.front();
         rest.remove_prefix(1);
-        if (character == L'"')
+        if (character == L'"') {
             return text;
+        }
         if (character == L'\\') {
-            if (rest.empty() || (rest.front() != L'\\' && rest.front() != L'"'))
+            if (rest.empty() || (rest.front() != L'\\' && rest.front() != L'"')) {
                 throw Malformed{"a backslash in a quoted text must be followed by a backslash or a quote"};
+            }
             character = rest.front();
             rest.remove_prefix(1);
         }
@@ -100,12 +107,13 @@ std::optional<DWORD> TakeHex(std::wstring_view& rest, std::size_t most) {
     std::size_t count = 0;
     for (; !rest.empty() && count < most; ++count) {
         const wchar_t c = FoldCase(rest.front());
-        if (c >= L'0' && c <= L'9')
+        if (c >= L'0' && c <= L'9') {
             value = value << 4 | static_cast<DWORD>(c - L'0');
-        else if (c >= L'a' && c <= L'f')
+        } else if (c >= L'a' && c <= L'f') {
             value = value << 4 | static_cast<DWORD>(c - L'a' + 10);
-        else
+        } else {
             break;
+        }
         rest.remove_prefix(1);
     }
     return count ? std::optional(value) : std::nullopt;
@@ -114,8 +122,9 @@ std::optional<DWORD> TakeHex(std::wstring_view& rest, std::size_t most) {
 template <class T>
 std::vector<BYTE> BytesOf(const T* values, std::size_t count) {
     std::vector<BYTE> bytes(count * sizeof(T));
-    if (count)
+    if (count) {
         std::memcpy(bytes.data(), values, bytes.size());
+    }
     return bytes;
 }
 
@@ -124,14 +133,17 @@ std::vector<BYTE> HexBytes(std::wstring_view rest) {
     rest = Trim(rest);
     while (!rest.empty() && rest.front() != L';') {
         const auto byte = TakeHex(rest, 2);
-        if (!byte)
+        if (!byte) {
             throw Malformed{"hexadecimal bytes are expected, separated by commas"};
+        }
         bytes.push_back(static_cast<BYTE>(*byte));
         rest = Trim(rest);
-        if (rest.empty() || rest.front() == L';')
+        if (rest.empty() || rest.front() == L';') {
             break;
-        if (rest.front() != L',')
+        }
+        if (rest.front() != L',') {
             throw Malformed{"hexadecimal bytes are expected, separated by commas"};
+        }
         rest = Trim(rest.substr(1));
     }
     return bytes;
@@ -139,13 +151,16 @@ std::vector<BYTE> HexBytes(std::wstring_view rest) {
 
 /// Text types are exported as UTF-16; the host's own form is wchar_t.
 std::vector<BYTE> HostForm(DWORD type, std::vector<BYTE> bytes) {
-    if (type != REG_SZ && type != REG_EXPAND_SZ && type != REG_MULTI_SZ)
+    if (type != REG_SZ && type != REG_EXPAND_SZ && type != REG_MULTI_SZ) {
         return bytes;
-    if (bytes.size() % 2)
+    }
+    if (bytes.size() % 2) {
         throw Malformed{"text values have an even number of bytes"};
+    }
     std::u16string units(bytes.size() / 2, u'\0');
-    for (std::size_t i = 0; i < units.size(); ++i)
+    for (std::size_t i = 0; i < units.size(); ++i) {
         units[i] = static_cast<char16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8);
+    }
     const std::wstring text = WideFromUtf16(units);
     return BytesOf(text.data(), text.size());
 }
@@ -163,8 +178,9 @@ class Parser {
         while (NextLine(storage)) {
             const std::wstring_view line = Trim(storage);
             if (!headed) {
-                if (line != header)
-                    throw Malformed{"the first line must be \"" + Utf8FromWide(header) + "\""};
+                if (line != kHeader) {
+                    throw Malformed{"the first line must be \"" + Utf8FromWide(kHeader) + "\""};
+                }
                 headed = true;
             } else if (line.empty() || line.front() == L';') {
                 continue;
@@ -174,39 +190,46 @@ class Parser {
                 Value(line);
             }
         }
-        if (!headed)
-            throw Malformed{"the first line must be \"" + Utf8FromWide(header) + "\""};
+        if (!headed) {
+            throw Malformed{"the first line must be \"" + Utf8FromWide(kHeader) + "\""};
+        }
         return std::move(m_operations);
     }
 
   private:
     bool NextPhysicalLine(std::wstring_view& line) {
-        if (m_at >= m_text.size())
+        if (m_at >= m_text.size()) {
             return false;
+        }
         m_reading = ++m_line;
         const std::size_t end = std::min(m_text.find(L'\n', m_at), m_text.size());
         line = std::wstring_view(m_text).substr(m_at, end - m_at);
-        if (!line.empty() && line.back() == L'\r')
+        if (!line.empty() && line.back() == L'\r') {
             line.remove_suffix(1);
+        }
         m_at = end + 1;
-        if (line.find(L'\0') != std::wstring_view::npos)
+        if (line.find(L'\0') != std::wstring_view::npos) {
             throw Malformed{"a zero character"};
+        }
         return true;
     }
 
     /// A line with those that continue it; only lists of bytes are continued.
     bool NextLine(std::wstring& joined) {
         std::wstring_view line;
-        if (!NextPhysicalLine(line))
+        if (!NextPhysicalLine(line)) {
             return false;
+        }
         joined = line;
-        if (!IsByteList(line))
+        if (!IsByteList(line)) {
             return true;
+        }
         const std::size_t first = m_line;
         while (Continues(line)) {
             joined.resize(joined.rfind(L'\\'));
-            if (!NextPhysicalLine(line))
+            if (!NextPhysicalLine(line)) {
                 throw Malformed{"the file ends where a continuation is expected"};
+            }
             joined += line;
         }
         m_reading = first;
@@ -223,8 +246,9 @@ class Parser {
             line.remove_prefix(1);
         } else if (StartsWith(line, L"\"")) {
             std::size_t end = 1;
-            while (end < line.size() && line[end] != L'"')
+            while (end < line.size() && line[end] != L'"') {
                 end += line[end] == L'\\' ? std::size_t{2} : std::size_t{1};
+            }
             line = line.substr(std::min(end + 1, line.size()));
         } else {
             return false;
@@ -235,21 +259,25 @@ class Parser {
 
     void Key(std::wstring_view line) {
         const std::size_t end = line.rfind(L']');
-        if (end == std::wstring_view::npos)
+        if (end == std::wstring_view::npos) {
             throw Malformed{"a key is not closed with ]"};
+        }
         ExpectEnd(line.substr(end + 1));
         std::wstring_view path = line.substr(1, end - 1);
         const bool remove = !path.empty() && path.front() == L'-';
-        if (remove)
+        if (remove) {
             path.remove_prefix(1);
+        }
         const std::size_t rootEnd = std::min(path.find(L'\\'), path.size());
         m_root = RootNamed(path.substr(0, rootEnd));
         m_path = rootEnd < path.size() ? path.substr(rootEnd + 1) : std::wstring_view();
         if ((rootEnd < path.size() && m_path.empty()) || m_path.find(L"\\\\") != std::wstring::npos ||
-            (!m_path.empty() && (m_path.front() == L'\\' || m_path.back() == L'\\')))
+            (!m_path.empty() && (m_path.front() == L'\\' || m_path.back() == L'\\'))) {
             throw Malformed{"a key name is empty"};
-        if (remove && m_path.empty())
+        }
+        if (remove && m_path.empty()) {
             throw Malformed{"a root key cannot be deleted"};
+        }
         m_deletedKey = remove;
         m_operations.push_back({remove ? RegOperation::Kind::DeleteKey : RegOperation::Kind::CreateKey,
                                 m_root,
@@ -266,33 +294,39 @@ class Parser {
                                                             {L"hkey_current_config", HKEY_CURRENT_CONFIG}};
         const std::wstring folded = FoldCase(name);
         for (const auto& [known, key] : roots) {
-            if (folded == known)
+            if (folded == known) {
                 return key;
+            }
         }
         throw Malformed{"unknown root key \"" + Utf8FromWide(name) + "\""};
     }
 
     void Value(std::wstring_view line) {
-        if (!m_root)
+        if (!m_root) {
             throw Malformed{"a value stands before the first key"};
-        if (m_deletedKey)
+        }
+        if (m_deletedKey) {
             throw Malformed{"a value stands under a key that is deleted"};
+        }
         RegOperation operation{RegOperation::Kind::SetValue, m_root, m_path, {}, REG_NONE, {}};
-        if (line.front() == L'@')
+        if (line.front() == L'@') {
             line.remove_prefix(1);
-        else if (line.front() == L'"')
+        } else if (line.front() == L'"') {
             operation.name = TakeQuoted(line);
-        else
+        } else {
             throw Malformed{"a key, a value name in quotes or a comment is expected"};
+        }
         line = Trim(line);
-        if (line.empty() || line.front() != L'=')
+        if (line.empty() || line.front() != L'=') {
             throw Malformed{"= is expected behind the value name"};
+        }
         Data(Trim(line.substr(1)), operation);
         m_operations.push_back(std::move(operation));
     }
     static void Data(std::wstring_view data, RegOperation& operation) {
-        if (data.empty())
+        if (data.empty()) {
             throw Malformed{"the value is missing"};
+        }
         if (data.front() == L'-') {
             operation.kind = RegOperation::Kind::DeleteValue;
             ExpectEnd(data.substr(1));
@@ -304,8 +338,9 @@ class Parser {
         } else if (StartsWith(data, L"dword:")) {
             data = Trim(data.substr(6));
             const auto value = TakeHex(data, 8);
-            if (!value)
+            if (!value) {
                 throw Malformed{"up to eight hexadecimal digits are expected behind dword:"};
+            }
             ExpectEnd(data);
             operation.type = REG_DWORD;
             operation.data = BytesOf(&*value, 1);
@@ -315,8 +350,9 @@ class Parser {
         } else if (StartsWith(data, L"hex(")) {
             data.remove_prefix(4);
             const auto type = TakeHex(data, 8);
-            if (!type || !StartsWith(data, L"):"))
+            if (!type || !StartsWith(data, L"):")) {
                 throw Malformed{"the form is hex(type):bytes"};
+            }
             operation.type = *type;
             operation.data = HostForm(*type, HexBytes(data.substr(2)));
         } else {

@@ -50,8 +50,8 @@ ULONG ElementSize(VARTYPE type) noexcept {
 
 namespace {
 
-using quillet::platform::counters;
 using quillet::platform::ElementSize;
+using quillet::platform::g_counters;
 
 // Stands before each descriptor that was allocated here; the type is not part of the public layout.
 struct Hidden {
@@ -61,7 +61,7 @@ struct Hidden {
 static_assert(sizeof(Hidden) % alignof(SAFEARRAY) == 0);
 
 // One array is limited to what a signed 32-bit count of bytes can name.
-constexpr ULONGLONG maxBytes = std::numeric_limits<LONG>::max();
+constexpr ULONGLONG kMaxBytes = std::numeric_limits<LONG>::max();
 
 Hidden* HiddenOf(SAFEARRAY* array) noexcept {
     return reinterpret_cast<Hidden*>(reinterpret_cast<char*>(array) - sizeof(Hidden));
@@ -75,11 +75,13 @@ bool BoundFits(const SAFEARRAYBOUND& bound) noexcept {
 std::optional<ULONG> CellCount(const SAFEARRAYBOUND* bounds, UINT dimensions, ULONG elementSize) noexcept {
     ULONGLONG cells = 1;
     for (UINT i = 0; i < dimensions; ++i) {
-        if (!BoundFits(bounds[i]))
+        if (!BoundFits(bounds[i])) {
             return std::nullopt;
+        }
         cells *= bounds[i].cElements;
-        if (cells * elementSize > maxBytes)
+        if (cells * elementSize > kMaxBytes) {
             return std::nullopt;
+        }
     }
     return static_cast<ULONG>(cells);
 }
@@ -96,18 +98,21 @@ const SAFEARRAYBOUND& BoundOf(const SAFEARRAY* array, UINT dimension) noexcept {
 void ClearElements(SAFEARRAY* array, ULONG first, ULONG end) noexcept {
     if (array->fFeatures & FADF_BSTR) {
         auto* const texts = static_cast<BSTR*>(array->pvData);
-        for (ULONG i = first; i < end; ++i)
+        for (ULONG i = first; i < end; ++i) {
             SysFreeString(texts[i]);
+        }
     } else if (array->fFeatures & (FADF_UNKNOWN | FADF_DISPATCH)) {
         auto* const objects = static_cast<IUnknown**>(array->pvData);
         for (ULONG i = first; i < end; ++i) {
-            if (objects[i])
+            if (objects[i]) {
                 objects[i]->Release();
+            }
         }
     } else if (array->fFeatures & FADF_VARIANT) {
         auto* const variants = static_cast<VARIANT*>(array->pvData);
-        for (ULONG i = first; i < end; ++i)
+        for (ULONG i = first; i < end; ++i) {
             VariantClear(&variants[i]);
+        }
     }
 }
 
@@ -130,14 +135,16 @@ HRESULT CopyElement(const SAFEARRAY* array, void* destination, const void* sourc
         BSTR copy = nullptr;
         if (text) {
             copy = SysAllocStringByteLen(reinterpret_cast<LPCSTR>(text), SysStringByteLen(text));
-            if (!copy)
+            if (!copy) {
                 return E_OUTOFMEMORY;
+            }
         }
         *static_cast<BSTR*>(destination) = copy;
     } else if (array->fFeatures & (FADF_UNKNOWN | FADF_DISPATCH)) {
         IUnknown* const object = *static_cast<IUnknown* const*>(source);
-        if (object)
+        if (object) {
             object->AddRef();
+        }
         *static_cast<IUnknown**>(destination) = object;
     } else if (array->fFeatures & FADF_VARIANT) {
         auto* const copy = static_cast<VARIANT*>(destination);
@@ -150,17 +157,18 @@ HRESULT CopyElement(const SAFEARRAY* array, void* destination, const void* sourc
 }
 
 /// Which of the arrays that the thread creates is to fail, for tests; 0 when none is.
-thread_local unsigned long failIn = 0;
+thread_local unsigned long g_failIn = 0;
 
 bool MustFail() noexcept {
-    return failIn != 0 && --failIn == 0;
+    return g_failIn != 0 && --g_failIn == 0;
 }
 
 SAFEARRAY* AllocateDescriptor(VARTYPE type, UINT dimensions) noexcept {
     const std::size_t bytes = sizeof(Hidden) + sizeof(SAFEARRAY) + (dimensions - 1) * sizeof(SAFEARRAYBOUND);
     auto* const block = static_cast<char*>(std::calloc(1, bytes));
-    if (!block)
+    if (!block) {
         return nullptr;
+    }
     auto* const array = reinterpret_cast<SAFEARRAY*>(block + sizeof(Hidden));
     HiddenOf(array)->type = type;
     array->cDims = static_cast<USHORT>(dimensions);
@@ -190,25 +198,30 @@ enum class Contents { Zero, Open };
 /// @param contents Open: the caller writes every element at once; only for plain ones.
 SAFEARRAY* Create(VARTYPE type, UINT dimensions, const SAFEARRAYBOUND* bounds, bool reversed,
                   Contents contents = Contents::Zero) noexcept {
-    if (ElementSize(type) == 0)
+    if (ElementSize(type) == 0) {
         return nullptr;
+    }
     const auto cells = CellCount(bounds, dimensions, ElementSize(type));
-    if (!cells)
+    if (!cells) {
         return nullptr;
+    }
     SAFEARRAY* const array = AllocateDescriptor(type, dimensions);
-    if (!array)
+    if (!array) {
         return nullptr;
-    for (UINT i = 0; i < dimensions; ++i)
+    }
+    for (UINT i = 0; i < dimensions; ++i) {
         array->rgsabound[i] = bounds[reversed ? dimensions - 1 - i : i];
+    }
     const std::size_t bytes = static_cast<std::size_t>(*cells) * array->cbElements;
-    if (!MustFail())
+    if (!MustFail()) {
         array->pvData =
             contents == Contents::Open ? std::malloc(bytes ? bytes : 1) : std::calloc(1, bytes ? bytes : 1);
+    }
     if (!array->pvData) {
         std::free(HiddenOf(array));
         return nullptr;
     }
-    counters.safeArrays.Add(1);
+    g_counters.safeArrays.Add(1);
     return array;
 }
 
@@ -218,14 +231,16 @@ HRESULT FindElement(SAFEARRAY* array, const LONG* indices, void** address) noexc
     for (UINT dimension = 1; dimension <= array->cDims; ++dimension) {
         const SAFEARRAYBOUND& bound = BoundOf(array, dimension);
         const LONGLONG offset = static_cast<LONGLONG>(indices[dimension - 1]) - bound.lLbound;
-        if (offset < 0 || offset >= bound.cElements)
+        if (offset < 0 || offset >= bound.cElements) {
             return DISP_E_BADINDEX;
+        }
         cell += static_cast<std::size_t>(offset) * stride;
         stride *= bound.cElements;
     }
     // The data may have been destroyed and the descriptor kept.
-    if (!array->pvData)
+    if (!array->pvData) {
         return E_INVALIDARG;
+    }
     *address = static_cast<char*>(array->pvData) + cell * array->cbElements;
     return S_OK;
 }
@@ -235,14 +250,15 @@ HRESULT FindElement(SAFEARRAY* array, const LONG* indices, void** address) noexc
 namespace quillet::platform {
 
 void FailArrayAllocation(unsigned long nth) noexcept {
-    failIn = nth;
+    g_failIn = nth;
 }
 
 } // namespace quillet::platform
 
 SAFEARRAY* WINAPI SafeArrayCreate(VARTYPE type, UINT dimensions, SAFEARRAYBOUND* bounds) {
-    if (!bounds || dimensions == 0 || dimensions > std::numeric_limits<USHORT>::max())
+    if (!bounds || dimensions == 0 || dimensions > std::numeric_limits<USHORT>::max()) {
         return nullptr;
+    }
     return Create(type, dimensions, bounds, true);
 }
 
@@ -252,10 +268,12 @@ SAFEARRAY* WINAPI SafeArrayCreateVector(VARTYPE type, LONG lowerBound, ULONG ele
 }
 
 HRESULT WINAPI SafeArrayDestroyData(SAFEARRAY* array) {
-    if (!array)
+    if (!array) {
         return E_INVALIDARG;
-    if (array->cLocks)
+    }
+    if (array->cLocks) {
         return DISP_E_ARRAYISLOCKED;
+    }
     if (array->pvData) {
         ClearElements(array, 0, Cells(array));
         if (array->fFeatures & FADF_STATIC) {
@@ -269,33 +287,39 @@ HRESULT WINAPI SafeArrayDestroyData(SAFEARRAY* array) {
 }
 
 HRESULT WINAPI SafeArrayDestroy(SAFEARRAY* array) {
-    if (!array)
+    if (!array) {
         return S_OK;
+    }
     const HRESULT hr = SafeArrayDestroyData(array);
-    if (FAILED(hr))
+    if (FAILED(hr)) {
         return hr;
+    }
     std::free(HiddenOf(array));
-    counters.safeArrays.Add(-1);
+    g_counters.safeArrays.Add(-1);
     return S_OK;
 }
 
 HRESULT WINAPI SafeArrayCopy(SAFEARRAY* array, SAFEARRAY** copy) {
-    if (!copy)
+    if (!copy) {
         return E_INVALIDARG;
+    }
     *copy = nullptr;
-    if (!array)
+    if (!array) {
         return S_OK;
+    }
     VARTYPE type = VT_EMPTY;
     const HRESULT typed = SafeArrayGetVartype(array, &type);
-    if (FAILED(typed))
+    if (FAILED(typed)) {
         return typed;
+    }
     // Without cells there is nothing that would be copied over what is in the new array.
     const ULONG cells = Cells(array);
     const bool inOnePiece = IsPlain(array) && cells != 0;
     SAFEARRAY* const made =
         Create(type, array->cDims, array->rgsabound, false, inOnePiece ? Contents::Open : Contents::Zero);
-    if (!made)
+    if (!made) {
         return E_OUTOFMEMORY;
+    }
     if (inOnePiece) {
         std::memcpy(made->pvData, array->pvData, static_cast<std::size_t>(cells) * array->cbElements);
         *copy = made;
@@ -316,10 +340,12 @@ HRESULT WINAPI SafeArrayCopy(SAFEARRAY* array, SAFEARRAY** copy) {
 }
 
 HRESULT WINAPI SafeArrayRedim(SAFEARRAY* array, SAFEARRAYBOUND* bound) {
-    if (!array || !bound || (array->fFeatures & (FADF_STATIC | FADF_FIXEDSIZE)))
+    if (!array || !bound || (array->fFeatures & (FADF_STATIC | FADF_FIXEDSIZE))) {
         return E_INVALIDARG;
-    if (array->cLocks)
+    }
+    if (array->cLocks) {
         return DISP_E_ARRAYISLOCKED;
+    }
     const ULONG before = Cells(array);
     const SAFEARRAYBOUND old = array->rgsabound[0];
     // Elements of the last dimension are farthest apart, so it grows and shrinks at the end of the data.
@@ -329,8 +355,9 @@ HRESULT WINAPI SafeArrayRedim(SAFEARRAY* array, SAFEARRAYBOUND* bound) {
         array->rgsabound[0] = old;
         return E_OUTOFMEMORY;
     }
-    if (*after < before)
+    if (*after < before) {
         ClearElements(array, *after, before);
+    }
     const std::size_t bytes = static_cast<std::size_t>(*after) * array->cbElements;
     void* const data = std::realloc(array->pvData, bytes ? bytes : 1);
     if (!data) {
@@ -354,65 +381,76 @@ UINT WINAPI SafeArrayGetElemsize(SAFEARRAY* array) {
 }
 
 HRESULT WINAPI SafeArrayGetLBound(SAFEARRAY* array, UINT dimension, LONG* bound) {
-    if (!array || !bound)
+    if (!array || !bound) {
         return E_INVALIDARG;
-    if (dimension == 0 || dimension > array->cDims)
+    }
+    if (dimension == 0 || dimension > array->cDims) {
         return DISP_E_BADINDEX;
+    }
     *bound = BoundOf(array, dimension).lLbound;
     return S_OK;
 }
 
 HRESULT WINAPI SafeArrayGetUBound(SAFEARRAY* array, UINT dimension, LONG* bound) {
-    if (!array || !bound)
+    if (!array || !bound) {
         return E_INVALIDARG;
-    if (dimension == 0 || dimension > array->cDims)
+    }
+    if (dimension == 0 || dimension > array->cDims) {
         return DISP_E_BADINDEX;
+    }
     const SAFEARRAYBOUND& dim = BoundOf(array, dimension);
     *bound = static_cast<LONG>(static_cast<LONGLONG>(dim.lLbound) + dim.cElements - 1);
     return S_OK;
 }
 
 HRESULT WINAPI SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type) {
-    if (!array || !type)
+    if (!array || !type) {
         return E_INVALIDARG;
-    if (array->fFeatures & FADF_UNKNOWN)
+    }
+    if (array->fFeatures & FADF_UNKNOWN) {
         *type = VT_UNKNOWN;
-    else if (array->fFeatures & FADF_DISPATCH)
+    } else if (array->fFeatures & FADF_DISPATCH) {
         *type = VT_DISPATCH;
-    else if (array->fFeatures & FADF_HAVEVARTYPE)
+    } else if (array->fFeatures & FADF_HAVEVARTYPE) {
         *type = HiddenOf(array)->type;
-    else if (array->fFeatures & FADF_BSTR)
+    } else if (array->fFeatures & FADF_BSTR) {
         *type = VT_BSTR;
-    else if (array->fFeatures & FADF_VARIANT)
+    } else if (array->fFeatures & FADF_VARIANT) {
         *type = VT_VARIANT;
-    else
+    } else {
         return E_INVALIDARG;
+    }
     return S_OK;
 }
 
 HRESULT WINAPI SafeArrayGetElement(SAFEARRAY* array, LONG* indices, void* element) {
-    if (!array || !indices || !element)
+    if (!array || !indices || !element) {
         return E_INVALIDARG;
+    }
     void* place = nullptr;
     const HRESULT hr = FindElement(array, indices, &place);
     return FAILED(hr) ? hr : CopyElement(array, element, place);
 }
 
 HRESULT WINAPI SafeArrayPutElement(SAFEARRAY* array, LONG* indices, void* element) {
-    if (!array || !indices)
+    if (!array || !indices) {
         return E_INVALIDARG;
+    }
     void* place = nullptr;
     HRESULT hr = FindElement(array, indices, &place);
-    if (FAILED(hr))
+    if (FAILED(hr)) {
         return hr;
+    }
     const bool byPointer = (array->fFeatures & (FADF_BSTR | FADF_UNKNOWN | FADF_DISPATCH)) != 0;
-    if (!element && !byPointer)
+    if (!element && !byPointer) {
         return E_INVALIDARG;
+    }
     // The copy is made before the old element goes, so that a failure changes nothing.
     alignas(VARIANT) char copy[sizeof(VARIANT)] = {};
     hr = CopyElement(array, copy, byPointer ? static_cast<const void*>(&element) : element);
-    if (FAILED(hr))
+    if (FAILED(hr)) {
         return hr;
+    }
     const auto cell = static_cast<ULONG>(
         static_cast<std::size_t>(static_cast<char*>(place) - static_cast<char*>(array->pvData)) /
         array->cbElements);
@@ -423,32 +461,38 @@ HRESULT WINAPI SafeArrayPutElement(SAFEARRAY* array, LONG* indices, void* elemen
 }
 
 HRESULT WINAPI SafeArrayPtrOfIndex(SAFEARRAY* array, LONG* indices, void** address) {
-    if (!array || !indices || !address)
+    if (!array || !indices || !address) {
         return E_INVALIDARG;
+    }
     return FindElement(array, indices, address);
 }
 
 HRESULT WINAPI SafeArrayLock(SAFEARRAY* array) {
-    if (!array)
+    if (!array) {
         return E_INVALIDARG;
-    if (array->cLocks == std::numeric_limits<USHORT>::max())
+    }
+    if (array->cLocks == std::numeric_limits<USHORT>::max()) {
         return E_UNEXPECTED;
+    }
     ++array->cLocks;
     return S_OK;
 }
 
 HRESULT WINAPI SafeArrayUnlock(SAFEARRAY* array) {
-    if (!array)
+    if (!array) {
         return E_INVALIDARG;
-    if (array->cLocks == 0)
+    }
+    if (array->cLocks == 0) {
         return E_UNEXPECTED;
+    }
     --array->cLocks;
     return S_OK;
 }
 
 HRESULT WINAPI SafeArrayAccessData(SAFEARRAY* array, void** data) {
-    if (!array || !data)
+    if (!array || !data) {
         return E_INVALIDARG;
+    }
     const HRESULT hr = SafeArrayLock(array);
     *data = SUCCEEDED(hr) ? array->pvData : nullptr;
     return hr;

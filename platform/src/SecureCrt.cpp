@@ -21,12 +21,12 @@ using quillet::platform::FormatWide;
 
 namespace {
 
-std::atomic<_invalid_parameter_handler> invalidParameterHandler{nullptr};
+std::atomic<_invalid_parameter_handler> g_invalidParameterHandler{nullptr};
 
 /// Reports misuse and yields the error, if the handler lets the process live.
 errno_t Misuse(errno_t error) {
     errno = error;
-    const _invalid_parameter_handler handler = invalidParameterHandler.load();
+    const _invalid_parameter_handler handler = g_invalidParameterHandler.load();
     if (!handler) {
         std::fputs("An invalid parameter was passed to a C run-time function.\n", stderr);
         std::abort();
@@ -43,46 +43,54 @@ errno_t MisuseOf(wchar_t* destination, errno_t error) {
 
 std::size_t BoundedLength(const wchar_t* text, std::size_t most) {
     std::size_t length = 0;
-    while (length < most && text[length])
+    while (length < most && text[length]) {
         ++length;
+    }
     return length;
 }
 
 } // namespace
 
 _invalid_parameter_handler _set_invalid_parameter_handler(_invalid_parameter_handler handler) noexcept {
-    return invalidParameterHandler.exchange(handler);
+    return g_invalidParameterHandler.exchange(handler);
 }
 
 _invalid_parameter_handler _get_invalid_parameter_handler() noexcept {
-    return invalidParameterHandler.load();
+    return g_invalidParameterHandler.load();
 }
 
 // --- Bounds-checked text and memory --------------------------------------------------------------------
 
 errno_t wcscpy_s(wchar_t* destination, std::size_t size, const wchar_t* source) {
-    if (!destination || size == 0)
+    if (!destination || size == 0) {
         return Misuse(EINVAL);
-    if (!source)
+    }
+    if (!source) {
         return MisuseOf(destination, EINVAL);
+    }
     const std::size_t length = BoundedLength(source, size);
-    if (length == size)
+    if (length == size) {
         return MisuseOf(destination, ERANGE);
+    }
     std::wmemmove(destination, source, length + 1);
     return 0;
 }
 
 errno_t wcscat_s(wchar_t* destination, std::size_t size, const wchar_t* source) {
-    if (!destination || size == 0)
+    if (!destination || size == 0) {
         return Misuse(EINVAL);
-    if (!source)
+    }
+    if (!source) {
         return MisuseOf(destination, EINVAL);
+    }
     const std::size_t head = BoundedLength(destination, size);
-    if (head == size)
+    if (head == size) {
         return MisuseOf(destination, EINVAL);
+    }
     const std::size_t tail = BoundedLength(source, size - head);
-    if (tail == size - head)
+    if (tail == size - head) {
         return MisuseOf(destination, ERANGE);
+    }
     std::wmemmove(destination + head, source, tail + 1);
     return 0;
 }
@@ -95,8 +103,9 @@ errno_t Append(wchar_t* destination, std::size_t at, std::size_t size, const wch
     const std::size_t room = size - at;
     const std::size_t length = BoundedLength(source, std::min(count, room));
     if (length == room) {
-        if (count != _TRUNCATE)
+        if (count != _TRUNCATE) {
             return MisuseOf(destination, ERANGE);
+        }
         std::wmemmove(destination + at, source, room - 1);
         destination[size - 1] = L'\0';
         return STRUNCATE;
@@ -109,39 +118,49 @@ errno_t Append(wchar_t* destination, std::size_t at, std::size_t size, const wch
 } // namespace
 
 errno_t wcsncpy_s(wchar_t* destination, std::size_t size, const wchar_t* source, std::size_t count) {
-    if (count == 0 && !destination && size == 0)
+    if (count == 0 && !destination && size == 0) {
         return 0;
-    if (!destination || size == 0)
+    }
+    if (!destination || size == 0) {
         return Misuse(EINVAL);
+    }
     if (count == 0) {
         *destination = L'\0';
         return 0;
     }
-    if (!source)
+    if (!source) {
         return MisuseOf(destination, EINVAL);
+    }
     return Append(destination, 0, size, source, count);
 }
 
 errno_t wcsncat_s(wchar_t* destination, std::size_t size, const wchar_t* source, std::size_t count) {
-    if (count == 0 && !destination && size == 0)
+    if (count == 0 && !destination && size == 0) {
         return 0;
-    if (!destination || size == 0)
+    }
+    if (!destination || size == 0) {
         return Misuse(EINVAL);
+    }
     const std::size_t head = BoundedLength(destination, size);
-    if (head == size)
+    if (head == size) {
         return MisuseOf(destination, EINVAL);
-    if (count == 0)
+    }
+    if (count == 0) {
         return 0;
-    if (!source)
+    }
+    if (!source) {
         return MisuseOf(destination, EINVAL);
+    }
     return Append(destination, head, size, source, count);
 }
 
 errno_t memcpy_s(void* destination, std::size_t size, const void* source, std::size_t count) {
-    if (count == 0)
+    if (count == 0) {
         return 0;
-    if (!destination)
+    }
+    if (!destination) {
         return Misuse(EINVAL);
+    }
     if (!source || size < count) {
         std::memset(destination, 0, size);
         return Misuse(source ? ERANGE : EINVAL);
@@ -151,12 +170,15 @@ errno_t memcpy_s(void* destination, std::size_t size, const void* source, std::s
 }
 
 errno_t memmove_s(void* destination, std::size_t size, const void* source, std::size_t count) {
-    if (count == 0)
+    if (count == 0) {
         return 0;
-    if (!destination || !source)
+    }
+    if (!destination || !source) {
         return Misuse(EINVAL);
-    if (size < count)
+    }
+    if (size < count) {
         return Misuse(ERANGE);
+    }
     std::memmove(destination, source, count);
     return 0;
 }
@@ -185,17 +207,20 @@ int _vsnwprintf(wchar_t* buffer, std::size_t count, const wchar_t* format, va_li
         return -1;
     }
     const std::size_t length = FormatWide(buffer, count, format, arguments);
-    if (!buffer)
+    if (!buffer) {
         return LengthResult(length);
-    if (length < count)
+    }
+    if (length < count) {
         buffer[length] = L'\0';
+    }
     return length <= count ? LengthResult(length) : -1;
 }
 
 int _vsnwprintf_s(wchar_t* buffer, std::size_t size, std::size_t count, const wchar_t* format,
                   va_list arguments) {
-    if (format && !buffer && size == 0 && count == 0)
+    if (format && !buffer && size == 0 && count == 0) {
         return 0;
+    }
     if (!format || !buffer || size == 0) {
         Misuse(EINVAL);
         return -1;
@@ -262,10 +287,12 @@ int _wcsnicmp(const wchar_t* left, const wchar_t* right, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         const wchar_t a = FoldCase(left[i]);
         const wchar_t b = FoldCase(right[i]);
-        if (a != b)
+        if (a != b) {
             return a < b ? -1 : 1;
-        if (!a)
+        }
+        if (!a) {
             break;
+        }
     }
     return 0;
 }
@@ -278,15 +305,17 @@ int _stricmp(const char* left, const char* right) {
     for (;; ++left, ++right) {
         const wchar_t a = FoldCase(static_cast<wchar_t>(static_cast<unsigned char>(*left)));
         const wchar_t b = FoldCase(static_cast<wchar_t>(static_cast<unsigned char>(*right)));
-        if (a != b || !a)
+        if (a != b || !a) {
             return a < b ? -1 : a > b ? 1 : 0;
+        }
     }
 }
 
 long long _wcstoi64(const wchar_t* text, wchar_t** end, int base) {
     if (!text || base < 0 || base == 1 || base > 36) {
-        if (end)
+        if (end) {
             *end = const_cast<wchar_t*>(text);
+        }
         Misuse(EINVAL);
         return 0;
     }
@@ -295,8 +324,9 @@ long long _wcstoi64(const wchar_t* text, wchar_t** end, int base) {
 
 unsigned long long _wcstoui64(const wchar_t* text, wchar_t** end, int base) {
     if (!text || base < 0 || base == 1 || base > 36) {
-        if (end)
+        if (end) {
             *end = const_cast<wchar_t*>(text);
+        }
         Misuse(EINVAL);
         return 0;
     }
@@ -309,8 +339,9 @@ long long _wtoi64(const wchar_t* text) {
 
 LONG _wtol(const wchar_t* text) {
     const long long value = _wtoi64(text);
-    if (value > INT_MAX || value < INT_MIN)
+    if (value > INT_MAX || value < INT_MIN) {
         errno = ERANGE;
+    }
     return static_cast<LONG>(std::clamp<long long>(value, INT_MIN, INT_MAX));
 }
 
@@ -322,19 +353,23 @@ namespace {
 
 errno_t WriteNumber(unsigned long long magnitude, bool negative, wchar_t* buffer, std::size_t size,
                     int base) {
-    if (!buffer || size == 0)
+    if (!buffer || size == 0) {
         return Misuse(EINVAL);
-    if (base < 2 || base > 36)
+    }
+    if (base < 2 || base > 36) {
         return MisuseOf(buffer, EINVAL);
+    }
     std::wstring text;
     do {
         text.push_back(L"0123456789abcdefghijklmnopqrstuvwxyz"[magnitude % static_cast<unsigned>(base)]);
         magnitude /= static_cast<unsigned>(base);
     } while (magnitude);
-    if (negative)
+    if (negative) {
         text.push_back(L'-');
-    if (text.size() >= size)
+    }
+    if (text.size() >= size) {
         return MisuseOf(buffer, ERANGE);
+    }
     std::reverse_copy(text.begin(), text.end(), buffer);
     buffer[text.size()] = L'\0';
     return 0;
@@ -366,12 +401,14 @@ errno_t _itow_s(int value, wchar_t* buffer, std::size_t size, int base) {
 }
 
 wchar_t* _wcsdup(const wchar_t* text) {
-    if (!text)
+    if (!text) {
         return nullptr;
+    }
     const std::size_t bytes = (std::wcslen(text) + 1) * sizeof(wchar_t);
     auto* const copy = static_cast<wchar_t*>(std::malloc(bytes));
-    if (copy)
+    if (copy) {
         std::memcpy(copy, text, bytes);
+    }
     return copy;
 }
 
@@ -379,8 +416,9 @@ errno_t _wsplitpath_s(const wchar_t* path, wchar_t* drive, std::size_t driveSize
                       std::size_t directorySize, wchar_t* name, std::size_t nameSize, wchar_t* extension,
                       std::size_t extensionSize) {
     if (!path || (!drive != !driveSize) || (!directory != !directorySize) || (!name != !nameSize) ||
-        (!extension != !extensionSize))
+        (!extension != !extensionSize)) {
         return Misuse(EINVAL);
+    }
     std::wstring_view rest = path;
     const std::size_t driveLength = rest.size() > 1 && rest[1] == L':' ? 2 : 0;
     const std::wstring_view drivePart = rest.substr(0, driveLength);
@@ -396,8 +434,9 @@ errno_t _wsplitpath_s(const wchar_t* path, wchar_t* drive, std::size_t driveSize
     for (std::size_t i = 0; i < std::size(parts); ++i) {
         if (targets[i].first && parts[i].size() >= targets[i].second) {
             for (const auto& [target, size] : targets) {
-                if (target && size)
+                if (target && size) {
                     *target = L'\0';
+                }
             }
             return Misuse(ERANGE);
         }
@@ -414,18 +453,21 @@ errno_t _wsplitpath_s(const wchar_t* path, wchar_t* drive, std::size_t driveSize
 // --- Files ---------------------------------------------------------------------------------------------
 
 errno_t _wfopen_s(std::FILE** file, const wchar_t* name, const wchar_t* mode) {
-    if (!file)
+    if (!file) {
         return Misuse(EINVAL);
+    }
     *file = nullptr;
-    if (!name || !mode)
+    if (!name || !mode) {
         return Misuse(EINVAL);
+    }
     std::wstring_view plain = mode;
     plain = plain.substr(0, plain.find(L','));
     std::string narrow;
     for (const wchar_t character : plain) {
         // "t" and blanks mean nothing to this host.
-        if (character != L't' && character != L' ')
+        if (character != L't' && character != L' ') {
             narrow += quillet::platform::Utf8FromWide({&character, 1});
+        }
     }
     *file = std::fopen(quillet::platform::Utf8FromWide(name).c_str(), narrow.c_str());
     return *file ? 0 : errno;

@@ -8,11 +8,11 @@ namespace quillet::platform {
 
 LiveCounts Live() noexcept {
     LiveCounts live;
-    live.bstrs = counters.bstrs.Value();
-    live.safeArrays = counters.safeArrays.Value();
-    live.interfaceTableEntries = counters.interfaceTableEntries.Value();
-    live.registryKeys = counters.registryKeys.Value();
-    live.tokens = counters.tokens.Value();
+    live.bstrs = g_counters.bstrs.Value();
+    live.safeArrays = g_counters.safeArrays.Value();
+    live.interfaceTableEntries = g_counters.interfaceTableEntries.Value();
+    live.registryKeys = g_counters.registryKeys.Value();
+    live.tokens = g_counters.tokens.Value();
     return live;
 }
 

@@ -6,15 +6,16 @@
 namespace quillet::platform {
 namespace {
 
-constexpr char32_t replacement = 0xfffd;
+constexpr char32_t kReplacement = 0xfffd;
 
 bool IsCharacter(char32_t code) {
     return code <= 0x10ffff && (code < 0xd800 || code > 0xdfff);
 }
 
 void Flag(bool* invalid) {
-    if (invalid)
+    if (invalid) {
         *invalid = true;
+    }
 }
 
 } // namespace
@@ -37,10 +38,10 @@ std::wstring WideFromUtf8(std::string_view text, bool* invalid) {
             ++taken;
             ++i;
         }
-        constexpr char32_t shortest[] = {0, 0x80, 0x800, 0x10000};
-        if (tail == 0 || first >= 0xf8 || taken < tail || code < shortest[tail] || !IsCharacter(code)) {
+        constexpr char32_t kShortest[] = {0, 0x80, 0x800, 0x10000};
+        if (tail == 0 || first >= 0xf8 || taken < tail || code < kShortest[tail] || !IsCharacter(code)) {
             Flag(invalid);
-            code = replacement;
+            code = kReplacement;
         }
         wide.push_back(static_cast<wchar_t>(code));
     }
@@ -55,7 +56,7 @@ std::string Utf8FromWide(std::wstring_view text, bool* invalid) {
         auto code = static_cast<char32_t>(character);
         if (!IsCharacter(code)) {
             Flag(invalid);
-            code = replacement;
+            code = kReplacement;
         }
         if (code < 0x80) {
             put(code);
@@ -86,7 +87,7 @@ std::wstring WideFromUtf16(std::u16string_view text, bool* invalid) {
             code = 0x10000 + ((code - 0xd800) << 10) + (text[++i] - 0xdc00u);
         } else if (!IsCharacter(code)) {
             Flag(invalid);
-            code = replacement;
+            code = kReplacement;
         }
         wide.push_back(static_cast<wchar_t>(code));
     }
@@ -95,20 +96,24 @@ std::wstring WideFromUtf16(std::u16string_view text, bool* invalid) {
 
 wchar_t FoldCase(wchar_t character) noexcept {
     const auto code = static_cast<char32_t>(character);
-    if (code < 0x80)
+    if (code < 0x80) {
         return code >= U'A' && code <= U'Z' ? static_cast<wchar_t>(code + 32) : character;
+    }
     if ((code >= 0xc0 && code <= 0xde && code != 0xd7) || (code >= 0x391 && code <= 0x3a9) ||
-        (code >= 0x410 && code <= 0x42f))
+        (code >= 0x410 && code <= 0x42f)) {
         return static_cast<wchar_t>(code + 32);
-    if (code >= 0x400 && code <= 0x40f)
+    }
+    if (code >= 0x400 && code <= 0x40f) {
         return static_cast<wchar_t>(code + 80);
+    }
     return static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(character)));
 }
 
 std::wstring FoldCase(std::wstring_view text) {
     std::wstring folded(text);
-    for (wchar_t& character : folded)
+    for (wchar_t& character : folded) {
         character = FoldCase(character);
+    }
     return folded;
 }
 

@@ -75,8 +75,9 @@ void WINAPI Sleep(DWORD milliseconds) {
         return;
     }
     if (milliseconds == INFINITE) {
-        for (;;)
+        for (;;) {
             std::this_thread::sleep_for(std::chrono::hours(24));
+        }
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }

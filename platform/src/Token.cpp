@@ -11,10 +11,10 @@ namespace quillet::platform {
 namespace {
 
 // What an administrator's token holds, by LUID; only the change-notify privilege is on from the start.
-constexpr DWORD privileges[] = {5,  8,  9,  10, 11, 12, 13, 14, 15, 17, 18, 19,
-                                20, 22, 23, 24, 25, 28, 29, 30, 33, 34, 35};
-constexpr DWORD changeNotify = 23;
-constexpr auto privilegeCount = static_cast<DWORD>(std::size(privileges));
+constexpr DWORD kPrivileges[] = {5,  8,  9,  10, 11, 12, 13, 14, 15, 17, 18, 19,
+                                 20, 22, 23, 24, 25, 28, 29, 30, 33, 34, 35};
+constexpr DWORD kChangeNotify = 23;
+constexpr auto kPrivilegeCount = static_cast<DWORD>(std::size(kPrivileges));
 
 struct Tokens {
     std::mutex lock;
@@ -28,9 +28,10 @@ Tokens& OpenTokens() {
 }
 
 bool Holds(DWORD luid) {
-    for (const DWORD held : privileges) {
-        if (held == luid)
+    for (const DWORD held : kPrivileges) {
+        if (held == luid) {
             return true;
+        }
     }
     return false;
 }
@@ -49,8 +50,9 @@ DWORD Check(HANDLE token, DWORD right) {
     Tokens& tokens = OpenTokens();
     const std::lock_guard guard(tokens.lock);
     const auto found = tokens.access.find(token);
-    if (found == tokens.access.end())
+    if (found == tokens.access.end()) {
         return ERROR_INVALID_HANDLE;
+    }
     return (found->second & right) == right ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
 }
 
@@ -59,9 +61,10 @@ DWORD ListSize(DWORD count) {
 }
 
 LUID_AND_ATTRIBUTES Describe(DWORD luid, bool enabled) {
-    DWORD attributes = luid == changeNotify ? SE_PRIVILEGE_ENABLED_BY_DEFAULT | SE_PRIVILEGE_ENABLED : 0;
-    if (enabled)
+    DWORD attributes = luid == kChangeNotify ? SE_PRIVILEGE_ENABLED_BY_DEFAULT | SE_PRIVILEGE_ENABLED : 0;
+    if (enabled) {
         attributes |= SE_PRIVILEGE_ENABLED;
+    }
     return {{luid, 0}, attributes};
 }
 
@@ -70,9 +73,10 @@ LUID_AND_ATTRIBUTES Describe(DWORD luid, bool enabled) {
 bool CloseToken(HANDLE handle) noexcept {
     Tokens& tokens = OpenTokens();
     const std::lock_guard guard(tokens.lock);
-    if (tokens.access.erase(handle) == 0)
+    if (tokens.access.erase(handle) == 0) {
         return false;
-    counters.tokens.Add(-1);
+    }
+    g_counters.tokens.Add(-1);
     return true;
 }
 
@@ -81,58 +85,70 @@ bool CloseToken(HANDLE handle) noexcept {
 using namespace quillet::platform;
 
 BOOL WINAPI OpenProcessToken(HANDLE process, DWORD access, PHANDLE token) {
-    if (Fails(TokenStep::Open))
+    if (Fails(TokenStep::Open)) {
         return Failure(ERROR_ACCESS_DENIED);
-    if (process != GetCurrentProcess())
+    }
+    if (process != GetCurrentProcess()) {
         return Failure(ERROR_INVALID_HANDLE);
-    if (!token)
+    }
+    if (!token) {
         return Failure(ERROR_INVALID_PARAMETER);
+    }
     Tokens& tokens = OpenTokens();
     const std::lock_guard guard(tokens.lock);
     tokens.lastHandle += 4;
     *token = reinterpret_cast<HANDLE>(tokens.lastHandle);
     tokens.access.emplace(*token, access);
-    counters.tokens.Add(1);
+    g_counters.tokens.Add(1);
     return TRUE;
 }
 
 BOOL WINAPI GetTokenInformation(HANDLE token, TOKEN_INFORMATION_CLASS which, LPVOID buffer, DWORD size,
                                 PDWORD needed) {
-    if (!needed || which != TokenPrivileges)
+    if (!needed || which != TokenPrivileges) {
         return Failure(ERROR_INVALID_PARAMETER);
+    }
     *needed = 0;
-    if (Fails(TokenStep::Query))
+    if (Fails(TokenStep::Query)) {
         return Failure(ERROR_ACCESS_DENIED);
+    }
     const DWORD error = Check(token, TOKEN_QUERY);
-    if (error != ERROR_SUCCESS)
+    if (error != ERROR_SUCCESS) {
         return Failure(error);
-    *needed = ListSize(privilegeCount);
-    if (size < *needed || !buffer)
+    }
+    *needed = ListSize(kPrivilegeCount);
+    if (size < *needed || !buffer) {
         return Failure(ERROR_INSUFFICIENT_BUFFER);
+    }
     auto* const list = static_cast<PTOKEN_PRIVILEGES>(buffer);
-    list->PrivilegeCount = privilegeCount;
+    list->PrivilegeCount = kPrivilegeCount;
     // The array of the structure has as many elements as the caller's buffer has room for.
     PLUID_AND_ATTRIBUTES entry = list->Privileges;
     WithSettings([&entry](const HostSettings& settings) {
-        for (const DWORD luid : privileges)
+        for (const DWORD luid : kPrivileges) {
             *entry++ = Describe(luid, settings.enabledPrivileges.count(luid) != 0);
+        }
     });
     return TRUE;
 }
 
 BOOL WINAPI AdjustTokenPrivileges(HANDLE token, BOOL disableAll, PTOKEN_PRIVILEGES newState, DWORD size,
                                   PTOKEN_PRIVILEGES previousState, PDWORD needed) {
-    if (Fails(TokenStep::Adjust))
+    if (Fails(TokenStep::Adjust)) {
         return Failure(ERROR_ACCESS_DENIED);
+    }
     const DWORD error = Check(token, TOKEN_ADJUST_PRIVILEGES | (previousState ? TOKEN_QUERY : 0u));
-    if (error != ERROR_SUCCESS)
+    if (error != ERROR_SUCCESS) {
         return Failure(error);
-    if ((!disableAll && !newState) || (previousState && !needed))
+    }
+    if ((!disableAll && !newState) || (previousState && !needed)) {
         return Failure(ERROR_INVALID_PARAMETER);
+    }
     if (previousState) {
-        *needed = ListSize(disableAll ? privilegeCount : newState->PrivilegeCount);
-        if (size < *needed)
+        *needed = ListSize(disableAll ? kPrivilegeCount : newState->PrivilegeCount);
+        if (size < *needed) {
             return Failure(ERROR_INSUFFICIENT_BUFFER);
+        }
     }
     bool allHeld = true;
     WithSettings([&](HostSettings& settings) {
@@ -140,30 +156,36 @@ BOOL WINAPI AdjustTokenPrivileges(HANDLE token, BOOL disableAll, PTOKEN_PRIVILEG
         PLUID_AND_ATTRIBUTES previous = previousState ? previousState->Privileges : nullptr;
         const auto set = [&](DWORD luid, bool enable) {
             const bool enabled = settings.enabledPrivileges.count(luid) != 0;
-            if (enabled == enable)
+            if (enabled == enable) {
                 return;
-            if (previous)
+            }
+            if (previous) {
                 *previous++ = Describe(luid, enabled);
+            }
             ++changed;
-            if (enable)
+            if (enable) {
                 settings.enabledPrivileges.insert(luid);
-            else
+            } else {
                 settings.enabledPrivileges.erase(luid);
+            }
         };
         if (disableAll) {
-            for (const DWORD luid : privileges)
+            for (const DWORD luid : kPrivileges) {
                 set(luid, false);
+            }
         } else {
             const LUID_AND_ATTRIBUTES* const entries = newState->Privileges;
             for (DWORD i = 0; i < newState->PrivilegeCount; ++i) {
-                if (entries[i].Luid.HighPart == 0 && Holds(entries[i].Luid.LowPart))
+                if (entries[i].Luid.HighPart == 0 && Holds(entries[i].Luid.LowPart)) {
                     set(entries[i].Luid.LowPart, (entries[i].Attributes & SE_PRIVILEGE_ENABLED) != 0);
-                else
+                } else {
                     allHeld = false;
+                }
             }
         }
-        if (previousState)
+        if (previousState) {
             previousState->PrivilegeCount = changed;
+        }
     });
     SetLastError(allHeld ? ERROR_SUCCESS : ERROR_NOT_ALL_ASSIGNED);
     return TRUE;

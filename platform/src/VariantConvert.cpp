@@ -52,8 +52,9 @@ class NumberText {
     explicit NumberText(std::wstring_view text) : m_text(text) {}
 
     HRESULT Read(Number& number) {
-        if (!Lead() || !Body(number) || !Trail())
+        if (!Lead() || !Body(number) || !Trail()) {
             return DISP_E_TYPEMISMATCH;
+        }
         return Finish(number);
     }
 
@@ -77,26 +78,30 @@ class NumberText {
     static bool IsDigit(wchar_t character) { return character >= L'0' && character <= L'9'; }
 
     bool Sign() {
-        if (m_signed)
+        if (m_signed) {
             return false;
-        if (Accept(L'-'))
+        }
+        if (Accept(L'-')) {
             m_negative = m_signed = true;
-        else if (Accept(L'+'))
+        } else if (Accept(L'+')) {
             m_signed = true;
-        else
+        } else {
             return false;
+        }
         return true;
     }
     bool Currency() {
-        if (m_currency || !Accept(L'$'))
+        if (m_currency || !Accept(L'$')) {
             return false;
+        }
         m_currency = true;
         return true;
     }
     bool Lead() {
         for (;;) {
-            if (AcceptSpace() || Sign() || Currency())
+            if (AcceptSpace() || Sign() || Currency()) {
                 continue;
+            }
             if (!m_open && Accept(L'(')) {
                 m_open = true;
                 continue;
@@ -106,8 +111,9 @@ class NumberText {
     }
     bool Trail() {
         for (;;) {
-            if (AcceptSpace() || Sign() || Currency())
+            if (AcceptSpace() || Sign() || Currency()) {
                 continue;
+            }
             if (m_open && !m_closed && Accept(L')')) {
                 m_closed = m_negative = true;
                 continue;
@@ -118,14 +124,16 @@ class NumberText {
     }
 
     bool Body(Number& number) {
-        if (Accept(L'&'))
+        if (Accept(L'&')) {
             return Pattern(number);
+        }
         bool any = false;
         while (m_at < m_text.size()) {
-            if (IsDigit(Peek()))
+            if (IsDigit(Peek())) {
                 Digit(any);
-            else if (!any || !Accept(L','))
+            } else if (!any || !Accept(L',')) {
                 break;
+            }
         }
         if (Accept(L'.')) {
             m_real = true;
@@ -138,23 +146,28 @@ class NumberText {
     }
     void Digit(bool& any) {
         any = true;
-        if (!m_digits.empty() || Peek() != L'0')
+        if (!m_digits.empty() || Peek() != L'0') {
             m_digits.push_back(static_cast<char>(Peek()));
+        }
         ++m_at;
     }
     bool Exponent() {
-        if (!Accept(L'e') && !Accept(L'E'))
+        if (!Accept(L'e') && !Accept(L'E')) {
             return true;
+        }
         m_real = true;
         const bool negative = Accept(L'-');
-        if (!negative)
+        if (!negative) {
             Accept(L'+');
-        if (!IsDigit(Peek()))
+        }
+        if (!IsDigit(Peek())) {
             return false;
+        }
         long exponent = 0;
         while (IsDigit(Peek())) {
-            if (exponent < maxExponent)
+            if (exponent < kMaxExponent) {
                 exponent = exponent * 10 + (Peek() - L'0');
+            }
             ++m_at;
         }
         m_scale += negative ? -exponent : exponent;
@@ -162,57 +175,66 @@ class NumberText {
     }
     bool Pattern(Number& number) {
         unsigned shift = 0;
-        if (Accept(L'H') || Accept(L'h'))
+        if (Accept(L'H') || Accept(L'h')) {
             shift = 4;
-        else if (Accept(L'O') || Accept(L'o'))
+        } else if (Accept(L'O') || Accept(L'o')) {
             shift = 3;
-        else
+        } else {
             return false;
+        }
         number.kind = Number::Kind::Bits;
         bool any = false;
         for (;; ++m_at) {
             const wchar_t c = FoldCase(Peek());
             unsigned digit = 0;
-            if (IsDigit(c) && c < L'0' + (1 << shift))
+            if (IsDigit(c) && c < L'0' + (1 << shift)) {
                 digit = static_cast<unsigned>(c - L'0');
-            else if (shift == 4 && c >= L'a' && c <= L'f')
+            } else if (shift == 4 && c >= L'a' && c <= L'f') {
                 digit = static_cast<unsigned>(c - L'a') + 10;
-            else
+            } else {
                 return any;
+            }
             any = true;
-            if (number.magnitude >> (64 - shift))
+            if (number.magnitude >> (64 - shift)) {
                 m_overflow = true;
+            }
             number.magnitude = (number.magnitude << shift) | digit;
         }
     }
 
     HRESULT Finish(Number& number) {
-        if (m_overflow)
+        if (m_overflow) {
             return DISP_E_OVERFLOW;
-        if (number.kind == Number::Kind::Bits)
+        }
+        if (number.kind == Number::Kind::Bits) {
             return S_OK;
+        }
         number.negative = m_negative;
         if (!m_real &&
             std::from_chars(m_digits.data(), m_digits.data() + m_digits.size(), number.magnitude).ec !=
-                std::errc::result_out_of_range)
+                std::errc::result_out_of_range) {
             return S_OK;
-        if (m_digits.empty())
+        }
+        if (m_digits.empty()) {
             m_digits = "0";
+        }
         const std::string text = m_digits + "e" + std::to_string(m_scale);
         number.kind = Number::Kind::Real;
         const auto read = std::from_chars(text.data(), text.data() + text.size(), number.real);
         if (read.ec == std::errc::result_out_of_range) {
             // The number of digits before the point tells too great from too small.
-            if (static_cast<long>(m_digits.size()) + m_scale > 0)
+            if (static_cast<long>(m_digits.size()) + m_scale > 0) {
                 return DISP_E_OVERFLOW;
+            }
             number.real = 0;
         }
-        if (m_negative)
+        if (m_negative) {
             number.real = -number.real;
+        }
         return S_OK;
     }
 
-    static constexpr long maxExponent = 100000000;
+    static constexpr long kMaxExponent = 100000000;
 
     std::wstring_view m_text;
     std::size_t m_at = 0;
@@ -248,8 +270,9 @@ std::wstring DecimalText(const DECIMAL& decimal) {
     std::wstring fraction(digits.begin(), digits.begin() + decimal.scale);
     fraction.erase(0, fraction.find_first_not_of(L'0'));
     std::wstring text(digits.rbegin(), digits.rend() - decimal.scale);
-    if (!fraction.empty())
+    if (!fraction.empty()) {
         text.append(1, L'.').append(fraction.rbegin(), fraction.rend());
+    }
     return (decimal.sign & DECIMAL_NEG) != 0 && text != L"0" ? L'-' + text : text;
 }
 
@@ -308,15 +331,18 @@ HRESULT ReadNumber(const VARIANT& source, Number& number) {
 
 /// The nearest integer, halves to the even neighbour; false if it has more than 64 bits.
 bool RoundToInteger(double value, Number& number) {
-    if (!std::isfinite(value))
+    if (!std::isfinite(value)) {
         return false;
+    }
     // Decides the halves itself, as the thread's rounding mode is not ours.
     double whole = std::floor(value);
     const double rest = value - whole;
-    if (rest > 0.5 || (!(rest < 0.5) && std::fmod(whole, 2.0) != 0.0))
+    if (rest > 0.5 || (!(rest < 0.5) && std::fmod(whole, 2.0) != 0.0)) {
         whole += 1;
-    if (std::fabs(whole) >= 18446744073709551616.0)
+    }
+    if (std::fabs(whole) >= 18446744073709551616.0) {
         return false;
+    }
     number = Unsigned(static_cast<ULONGLONG>(std::fabs(whole)));
     number.negative = whole < 0;
     return true;
@@ -325,19 +351,22 @@ bool RoundToInteger(double value, Number& number) {
 template <class Target>
 HRESULT ToInteger(Number number, Target& target) {
     using Limits = std::numeric_limits<Target>;
-    if (number.kind == Number::Kind::Real && !RoundToInteger(number.real, number))
+    if (number.kind == Number::Kind::Real && !RoundToInteger(number.real, number)) {
         return DISP_E_OVERFLOW;
+    }
     if (number.kind == Number::Kind::Bits) {
         // A pattern of the full width may set the sign.
-        if (sizeof(Target) < sizeof number.magnitude && number.magnitude >> (8 * sizeof(Target) % 64))
+        if (sizeof(Target) < sizeof number.magnitude && number.magnitude >> (8 * sizeof(Target) % 64)) {
             return DISP_E_OVERFLOW;
+        }
         target = static_cast<Target>(number.magnitude);
         return S_OK;
     }
-    constexpr auto greatest = static_cast<ULONGLONG>(Limits::max());
-    constexpr ULONGLONG least = std::is_signed_v<Target> ? greatest + 1 : 0;
-    if (number.magnitude > (number.negative ? least : greatest))
+    constexpr auto kGreatest = static_cast<ULONGLONG>(Limits::max());
+    constexpr ULONGLONG kLeast = std::is_signed_v<Target> ? kGreatest + 1 : 0;
+    if (number.magnitude > (number.negative ? kLeast : kGreatest)) {
         return DISP_E_OVERFLOW;
+    }
     target = static_cast<Target>(number.negative ? 0ull - number.magnitude : number.magnitude);
     return S_OK;
 }
@@ -382,12 +411,14 @@ HRESULT ToReal(const Number& number, double& target) {
         break;
     case Number::Kind::Integer:
         target = static_cast<double>(number.magnitude);
-        if (number.negative)
+        if (number.negative) {
             target = -target;
+        }
         break;
     case Number::Kind::Bits:
-        if (number.magnitude > ~0u)
+        if (number.magnitude > ~0u) {
             return DISP_E_OVERFLOW;
+        }
         target = static_cast<double>(static_cast<LONG>(number.magnitude));
         break;
     }
@@ -397,10 +428,12 @@ HRESULT ToReal(const Number& number, double& target) {
 HRESULT ToSingle(const Number& number, float& target) {
     double value = 0;
     const HRESULT hr = ToReal(number, value);
-    if (FAILED(hr))
+    if (FAILED(hr)) {
         return hr;
-    if (std::fabs(value) > static_cast<double>(std::numeric_limits<float>::max()))
+    }
+    if (std::fabs(value) > static_cast<double>(std::numeric_limits<float>::max())) {
         return DISP_E_OVERFLOW;
+    }
     target = static_cast<float>(value);
     return S_OK;
 }
@@ -413,36 +446,43 @@ bool IsNonZero(const Number& number) {
 // --- Number to text ------------------------------------------------------------------------------------
 
 std::wstring RealText(double value, bool single) {
-    if (std::fpclassify(value) == FP_ZERO)
+    if (std::fpclassify(value) == FP_ZERO) {
         return L"0";
+    }
     char buffer[40];
     const auto written =
         std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, single ? 7 : 15);
     std::wstring text;
     // The exponent's letter and what is not a number are written in capitals.
-    for (const char* at = buffer; at != written.ptr; ++at)
+    for (const char* at = buffer; at != written.ptr; ++at) {
         text.push_back(static_cast<wchar_t>(*at >= 'a' && *at <= 'z' ? *at - 'a' + 'A' : *at));
+    }
     return text;
 }
 
 std::wstring NumberAsText(const VARIANT& source, const Number& number, USHORT flags) {
-    if (V_VT(&source) == VT_BOOL && (flags & (VARIANT_ALPHABOOL | VARIANT_LOCALBOOL)))
+    if (V_VT(&source) == VT_BOOL && (flags & (VARIANT_ALPHABOOL | VARIANT_LOCALBOOL))) {
         return V_BOOL(&source) ? L"True" : L"False";
-    if (V_VT(&source) == VT_EMPTY)
+    }
+    if (V_VT(&source) == VT_EMPTY) {
         return {};
-    if (number.kind == Number::Kind::Real)
+    }
+    if (number.kind == Number::Kind::Real) {
         return RealText(number.real, number.single);
+    }
     return (number.negative ? L"-" : L"") + std::to_wstring(number.magnitude);
 }
 
 HRESULT ToText(const VARIANT& source, USHORT flags, BSTR& target) {
     // The text form of a date depends on settings that this host does not have.
-    if (V_VT(&source) == VT_DATE)
+    if (V_VT(&source) == VT_DATE) {
         return DISP_E_TYPEMISMATCH;
+    }
     Number number;
     const HRESULT hr = ReadNumber(source, number);
-    if (FAILED(hr))
+    if (FAILED(hr)) {
         return hr;
+    }
     // More digits than a real keeps.
     const std::wstring text =
         V_VT(&source) == VT_DECIMAL ? DecimalText(V_DECIMAL(&source)) : NumberAsText(source, number, flags);
@@ -466,22 +506,26 @@ HRESULT ToBoolean(const VARIANT& source, VARIANT_BOOL& target) {
     Number number;
     HRESULT hr = ReadNumber(source, number);
     double real = 0;
-    if (SUCCEEDED(hr))
+    if (SUCCEEDED(hr)) {
         hr = ToReal(number, real);
-    if (SUCCEEDED(hr))
+    }
+    if (SUCCEEDED(hr)) {
         target = IsNonZero(number) ? VARIANT_TRUE : VARIANT_FALSE;
+    }
     return hr;
 }
 
 // --- The whole -----------------------------------------------------------------------------------------
 
 HRESULT ToNumberType(const VARIANT& source, VARTYPE type, VARIANT& target) {
-    if (type == VT_ERROR || type == VT_VARIANT || type == VT_DATE || type == VT_CY || type == VT_DECIMAL)
+    if (type == VT_ERROR || type == VT_VARIANT || type == VT_DATE || type == VT_CY || type == VT_DECIMAL) {
         return DISP_E_TYPEMISMATCH;
+    }
     Number number;
     const HRESULT hr = ReadNumber(source, number);
-    if (FAILED(hr))
+    if (FAILED(hr)) {
         return hr;
+    }
     switch (type) {
     case VT_I1: {
         // The member is a char, which some hosts have unsigned.
@@ -516,21 +560,25 @@ HRESULT ToNumberType(const VARIANT& source, VARTYPE type, VARIANT& target) {
 }
 
 HRESULT ToInterface(const VARIANT& source, VARTYPE type, VARIANT& target) {
-    if (V_VT(&source) != VT_UNKNOWN && V_VT(&source) != VT_DISPATCH)
+    if (V_VT(&source) != VT_UNKNOWN && V_VT(&source) != VT_DISPATCH) {
         return DISP_E_TYPEMISMATCH;
+    }
     V_UNKNOWN(&target) = nullptr;
-    if (!V_UNKNOWN(&source))
+    if (!V_UNKNOWN(&source)) {
         return S_OK;
+    }
     const HRESULT hr = V_UNKNOWN(&source)->QueryInterface(type == VT_UNKNOWN ? IID_IUnknown : IID_IDispatch,
                                                           reinterpret_cast<void**>(&V_UNKNOWN(&target)));
     return SUCCEEDED(hr) ? S_OK : DISP_E_TYPEMISMATCH;
 }
 
 HRESULT Convert(const VARIANT& source, USHORT flags, VARTYPE type, VARIANT& target) {
-    if (V_VT(&source) == type)
+    if (V_VT(&source) == type) {
         return VariantCopy(&target, &source);
-    if ((V_VT(&source) | type) & (VT_ARRAY | VT_BYREF))
+    }
+    if ((V_VT(&source) | type) & (VT_ARRAY | VT_BYREF)) {
         return DISP_E_TYPEMISMATCH;
+    }
     switch (type) {
     case VT_EMPTY:
         return V_VT(&source) == VT_NULL || V_VT(&source) == VT_ERROR ? DISP_E_TYPEMISMATCH : S_OK;
@@ -558,19 +606,22 @@ HRESULT WINAPI VariantChangeType(VARIANTARG* destination, const VARIANTARG* sour
 HRESULT WINAPI VariantChangeTypeEx(VARIANTARG* destination, const VARIANTARG* source, LCID, USHORT flags,
                                    VARTYPE type) {
     const auto base = static_cast<VARTYPE>(type & VT_TYPEMASK);
-    if (base > VT_NULL && quillet::platform::ElementSize(base) == 0)
+    if (base > VT_NULL && quillet::platform::ElementSize(base) == 0) {
         return DISP_E_BADVARTYPE;
+    }
     VARIANT direct;
     VARIANT converted;
     VariantInit(&direct);
     VariantInit(&converted);
     HRESULT hr = VariantCopyInd(&direct, source);
-    if (FAILED(hr))
+    if (FAILED(hr)) {
         return hr;
+    }
     hr = Convert(direct, flags, type, converted);
     VariantClear(&direct);
-    if (FAILED(hr))
+    if (FAILED(hr)) {
         return hr;
+    }
     V_VT(&converted) = type;
     hr = VariantClear(destination);
     if (FAILED(hr)) {

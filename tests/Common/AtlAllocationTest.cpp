@@ -22,7 +22,7 @@ void ExpectOutOfMemory(const std::function<void()>& operation) {
     FailBstrAllocation(0);
 }
 
-TEST(AtlStringWithoutMemory, EveryCopy_RaisesTheComErrorAndKeepsTheOldText) {
+TEST(AtlStringWithoutMemoryTest, EveryCopy_RaisesTheComErrorAndKeepsTheOldText) {
     CComBSTR text(L"kept");
     const CComBSTR other(L"other");
     ExpectOutOfMemory([] { CComBSTR failed(L"x"); });

@@ -28,20 +28,20 @@ class Counted : public IUnknown {
     ULONG references = 1;
 };
 
-class AtlPointer : public testing::Test {
+class AtlPointerTest : public testing::Test {
   protected:
     Counted m_object;
     Counted m_other;
 };
 
-TEST_F(AtlPointer, EmptyPointer_IsNull) {
+TEST_F(AtlPointerTest, EmptyPointer_IsNull) {
     const CComPtr<IUnknown> pointer;
     EXPECT_TRUE(!pointer);
     EXPECT_TRUE(pointer == nullptr);
     EXPECT_EQ(static_cast<IUnknown*>(pointer), nullptr);
 }
 
-TEST_F(AtlPointer, Copies_HaveReferencesOfTheirOwn) {
+TEST_F(AtlPointerTest, Copies_HaveReferencesOfTheirOwn) {
     {
         const CComPtr<IUnknown> first(&m_object);
         EXPECT_EQ(m_object.references, 2u);
@@ -52,7 +52,7 @@ TEST_F(AtlPointer, Copies_HaveReferencesOfTheirOwn) {
     EXPECT_EQ(m_object.references, 1u);
 }
 
-TEST_F(AtlPointer, Move_PassesTheReferenceOn) {
+TEST_F(AtlPointerTest, Move_PassesTheReferenceOn) {
     CComPtr<IUnknown> first(&m_object);
     CComPtr<IUnknown> second(std::move(first));
     EXPECT_EQ(m_object.references, 2u);
@@ -63,7 +63,7 @@ TEST_F(AtlPointer, Move_PassesTheReferenceOn) {
     EXPECT_TRUE(third == &m_object);
 }
 
-TEST_F(AtlPointer, Assignment_GivesTheOldReferenceBack) {
+TEST_F(AtlPointerTest, Assignment_GivesTheOldReferenceBack) {
     CComPtr<IUnknown> pointer(&m_object);
     pointer = &m_other;
     EXPECT_EQ(m_object.references, 1u);
@@ -77,7 +77,7 @@ TEST_F(AtlPointer, Assignment_GivesTheOldReferenceBack) {
     EXPECT_EQ(m_other.references, 1u);
 }
 
-TEST_F(AtlPointer, AttachAndDetach_CountNothing) {
+TEST_F(AtlPointerTest, AttachAndDetach_CountNothing) {
     CComPtr<IUnknown> pointer;
     m_object.AddRef();
     pointer.Attach(&m_object);
@@ -89,7 +89,7 @@ TEST_F(AtlPointer, AttachAndDetach_CountNothing) {
     detached->Release();
 }
 
-TEST_F(AtlPointer, AddressOfEmptyPointer_TakesAnOutArgument) {
+TEST_F(AtlPointerTest, AddressOfEmptyPointer_TakesAnOutArgument) {
     CComPtr<IUnknown> pointer;
     ASSERT_EQ(m_object.QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&pointer)), S_OK);
     EXPECT_EQ(m_object.references, 2u);
@@ -97,7 +97,7 @@ TEST_F(AtlPointer, AddressOfEmptyPointer_TakesAnOutArgument) {
     EXPECT_EQ((*pointer).Release(), 2u);
 }
 
-TEST_F(AtlPointer, CopyTo_AddsAReferenceAndRefusesNull) {
+TEST_F(AtlPointerTest, CopyTo_AddsAReferenceAndRefusesNull) {
     const CComPtr<IUnknown> pointer(&m_object);
     IUnknown* copy = nullptr;
     EXPECT_EQ(pointer.CopyTo(&copy), S_OK);
@@ -109,7 +109,7 @@ TEST_F(AtlPointer, CopyTo_AddsAReferenceAndRefusesNull) {
     EXPECT_EQ(copy, nullptr);
 }
 
-TEST_F(AtlPointer, QueryInterface_AsksTheObject) {
+TEST_F(AtlPointerTest, QueryInterface_AsksTheObject) {
     const CComPtr<IUnknown> pointer(&m_object);
     CComPtr<IUnknown> answer;
     EXPECT_EQ(pointer.QueryInterface(IID_IUnknown, &answer), S_OK);
@@ -121,7 +121,7 @@ TEST_F(AtlPointer, QueryInterface_AsksTheObject) {
     EXPECT_EQ(pointer.QueryInterface(IID_IUnknown, static_cast<IUnknown**>(nullptr)), E_POINTER);
 }
 
-TEST(AtlString, NullAndEmpty_AreTwoValuesOfLengthZero) {
+TEST(AtlStringTest, NullAndEmpty_AreTwoValuesOfLengthZero) {
     const CComBSTR null;
     const CComBSTR empty(L"");
     EXPECT_EQ(null.m_str, nullptr);
@@ -134,7 +134,7 @@ TEST(AtlString, NullAndEmpty_AreTwoValuesOfLengthZero) {
     EXPECT_EQ(CComBSTR(static_cast<const wchar_t*>(nullptr)).m_str, nullptr);
 }
 
-TEST(AtlString, Text_IsCopiedWithItsLength) {
+TEST(AtlStringTest, Text_IsCopiedWithItsLength) {
     const CComBSTR text(L"abc");
     EXPECT_EQ(text.Length(), 3u);
     EXPECT_EQ(text.ByteLength(), 3 * sizeof(wchar_t));
@@ -144,7 +144,7 @@ TEST(AtlString, Text_IsCopiedWithItsLength) {
     EXPECT_TRUE(text != CComBSTR(L"ab"));
 }
 
-TEST(AtlString, EmbeddedZeros_AreKept) {
+TEST(AtlStringTest, EmbeddedZeros_AreKept) {
     const CComBSTR text(3, L"a\0c");
     const CComBSTR copy(text);
     EXPECT_EQ(copy.Length(), 3u);
@@ -153,7 +153,7 @@ TEST(AtlString, EmbeddedZeros_AreKept) {
     EXPECT_TRUE(copy != L"a");
 }
 
-TEST(AtlString, CopyMoveAndAssignment_OwnOneTextEach) {
+TEST(AtlStringTest, CopyMoveAndAssignment_OwnOneTextEach) {
     CComBSTR first(L"first");
     CComBSTR second(first);
     EXPECT_NE(first.m_str, second.m_str);
@@ -173,7 +173,7 @@ TEST(AtlString, CopyMoveAndAssignment_OwnOneTextEach) {
     EXPECT_EQ(first.m_str, nullptr);
 }
 
-TEST(AtlString, Append_AddsAtTheEnd) {
+TEST(AtlStringTest, Append_AddsAtTheEnd) {
     CComBSTR text;
     EXPECT_EQ(text.Append(L"ab"), S_OK);
     EXPECT_EQ(text.Append(L"cdef", 2), S_OK);
@@ -188,7 +188,7 @@ TEST(AtlString, Append_AddsAtTheEnd) {
     EXPECT_EQ(std::wstring(text), L"abcdabcd!?abcdabcd!?");
 }
 
-TEST(AtlString, AttachDetachCopyEmpty_PassOwnership) {
+TEST(AtlStringTest, AttachDetachCopyEmpty_PassOwnership) {
     CComBSTR text(L"old");
     text.Attach(::SysAllocString(L"new"));
     EXPECT_TRUE(text == L"new");

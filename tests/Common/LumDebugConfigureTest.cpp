@@ -9,7 +9,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -19,9 +19,9 @@ namespace {
 constexpr wchar_t kFile[] = L"Trace.txt";
 
 /// A place for the file of either way, and a registry that names the first.
-class LumDebugConfigure : public testing::Test {
+class LumDebugConfigureTest : public testing::Test {
   protected:
-    LumDebugConfigure() {
+    LumDebugConfigureTest() {
         m_registry.RemoveValue(kLum2Key, L"TRACE");
         m_registry.SetString(kLum2Key, L"InstalledDir", m_installed.Text());
     }
@@ -42,12 +42,12 @@ class LumDebugConfigure : public testing::Test {
     CLumDebug m_log;
 };
 
-TEST_F(LumDebugConfigure, NewObject_IsOffAndNotConfigured) {
+TEST_F(LumDebugConfigureTest, NewObject_IsOffAndNotConfigured) {
     EXPECT_EQ(m_log.GetCurrentLogLevel(), 0u);
     EXPECT_FALSE(m_log.IsConfigured());
 }
 
-TEST_F(LumDebugConfigure, OrdinaryCall_OpensTheFileInInstalledDirAndStoresTheLevel) {
+TEST_F(LumDebugConfigureTest, OrdinaryCall_OpensTheFileInInstalledDirAndStoresTheLevel) {
     EXPECT_EQ(m_log.Configure(L"Quillet", kFile, 1, false, 0), 0);
     EXPECT_EQ(m_log.GetCurrentLogLevel(), 1u);
     EXPECT_TRUE(m_log.IsConfigured());
@@ -55,14 +55,14 @@ TEST_F(LumDebugConfigure, OrdinaryCall_OpensTheFileInInstalledDirAndStoresTheLev
     EXPECT_FALSE(InTemp());
 }
 
-TEST_F(LumDebugConfigure, LevelZero_StoresTheLevelAndStaysOff) {
+TEST_F(LumDebugConfigureTest, LevelZero_StoresTheLevelAndStaysOff) {
     ASSERT_EQ(m_log.Configure(L"Quillet", kFile, 3, false, 0), 0);
     EXPECT_EQ(m_log.Configure(L"Quillet", L"other.txt", 0, false, 0), -1);
     EXPECT_EQ(m_log.GetCurrentLogLevel(), 0u);
     EXPECT_FALSE(InInstalledDir(L"other.txt"));
 }
 
-TEST_F(LumDebugConfigure, SwitchedOffByRegistry_LevelsOneAndTwoStayOff) {
+TEST_F(LumDebugConfigureTest, SwitchedOffByRegistry_LevelsOneAndTwoStayOff) {
     m_registry.SetDword(kLum2Key, L"TRACE", 0);
     for (const unsigned level : {1u, 2u}) {
         EXPECT_EQ(m_log.Configure(L"Quillet", kFile, level, false, 0), -1);
@@ -72,7 +72,7 @@ TEST_F(LumDebugConfigure, SwitchedOffByRegistry_LevelsOneAndTwoStayOff) {
     }
 }
 
-TEST_F(LumDebugConfigure, SwitchedOffByRegistry_LevelsFromThreeOnWrite) {
+TEST_F(LumDebugConfigureTest, SwitchedOffByRegistry_LevelsFromThreeOnWrite) {
     m_registry.SetDword(kLum2Key, L"TRACE", 0);
     for (const unsigned level : {3u, 4u, 5u}) {
         EXPECT_EQ(m_log.Configure(L"Quillet", kFile, level, false, 0), 0);
@@ -82,14 +82,14 @@ TEST_F(LumDebugConfigure, SwitchedOffByRegistry_LevelsFromThreeOnWrite) {
     }
 }
 
-TEST_F(LumDebugConfigure, RegistrySwitchIsNotZero_TracingGoesOn) {
+TEST_F(LumDebugConfigureTest, RegistrySwitchIsNotZero_TracingGoesOn) {
     for (const DWORD value : {DWORD{1}, DWORD{2}, DWORD{0x80000000}}) {
         m_registry.SetDword(kLum2Key, L"TRACE", value);
         EXPECT_EQ(m_log.Configure(L"Quillet", kFile, 1, false, 0), 0) << value;
     }
 }
 
-TEST_F(LumDebugConfigure, RegistrySwitchOfAnotherType_IsNone) {
+TEST_F(LumDebugConfigureTest, RegistrySwitchOfAnotherType_IsNone) {
     const wchar_t text[] = L"0";
     m_registry.SetValue(kLum2Key, L"TRACE", REG_SZ, text, sizeof text);
     EXPECT_EQ(m_log.Configure(L"Quillet", kFile, 1, false, 0), 0);
@@ -100,26 +100,26 @@ TEST_F(LumDebugConfigure, RegistrySwitchOfAnotherType_IsNone) {
     EXPECT_EQ(m_log.Configure(L"Quillet", kFile, 1, false, 0), 0);
 }
 
-TEST_F(LumDebugConfigure, FileNameOfNoCharacters_Fails) {
+TEST_F(LumDebugConfigureTest, FileNameOfNoCharacters_Fails) {
     EXPECT_EQ(m_log.Configure(L"Quillet", L"", 1, false, 0), -1);
     EXPECT_EQ(m_log.Configure(L"Quillet", nullptr, 1, false, 0), -1);
     EXPECT_EQ(m_log.GetCurrentLogLevel(), 0u);
     EXPECT_FALSE(m_log.IsConfigured());
 }
 
-TEST_F(LumDebugConfigure, FileNameOfOneCharacter_IsEnough) {
+TEST_F(LumDebugConfigureTest, FileNameOfOneCharacter_IsEnough) {
     EXPECT_EQ(m_log.Configure(L"Quillet", L"n", 1, false, 0), 0);
     EXPECT_TRUE(InInstalledDir(L"n"));
 }
 
-TEST_F(LumDebugConfigure, FileNameOf245Characters_IsTheLongest) {
+TEST_F(LumDebugConfigureTest, FileNameOf245Characters_IsTheLongest) {
     EXPECT_EQ(m_log.Configure(L"RvSetup", FullPath(245).c_str(), 1, false, 0), 0);
     m_log = CLumDebug();
     EXPECT_EQ(m_log.Configure(L"RvSetup", FullPath(246).c_str(), 1, false, 0), -1);
     EXPECT_FALSE(m_log.IsConfigured());
 }
 
-TEST_F(LumDebugConfigure, FailedCall_LeavesTheLevelAndTheFileAsTheyWere) {
+TEST_F(LumDebugConfigureTest, FailedCall_LeavesTheLevelAndTheFileAsTheyWere) {
     ASSERT_EQ(m_log.Configure(L"Quillet", kFile, 3, false, 0), 0);
     EXPECT_EQ(m_log.Configure(L"RvSetup", FullPath(246).c_str(), 1, false, 0), -1);
     EXPECT_EQ(m_log.GetCurrentLogLevel(), 3u);
@@ -127,7 +127,7 @@ TEST_F(LumDebugConfigure, FailedCall_LeavesTheLevelAndTheFileAsTheyWere) {
     EXPECT_THAT(ParseTraceFile(m_installed.File(kFile)), SizeIs(1));
 }
 
-TEST_F(LumDebugConfigure, SetupProcess_GivesTheFullPath) {
+TEST_F(LumDebugConfigureTest, SetupProcess_GivesTheFullPath) {
     DebugOutput output;
     for (const wchar_t* process : {L"RvSetup", L"RVSETUP", L"rvsetup"}) {
         const std::wstring path = m_temp.Text() + L"\\full.txt";
@@ -139,7 +139,7 @@ TEST_F(LumDebugConfigure, SetupProcess_GivesTheFullPath) {
     EXPECT_THAT(output.Texts(), IsEmpty());
 }
 
-TEST_F(LumDebugConfigure, Lum2SetupProcess_UsesTempAlthoughInstalledDirIsThere) {
+TEST_F(LumDebugConfigureTest, Lum2SetupProcess_UsesTempAlthoughInstalledDirIsThere) {
     for (const wchar_t* process : {L"Lum2Setp", L"LUM2SETP", L"lum2setp"}) {
         EXPECT_EQ(m_log.Configure(process, kFile, 1, false, 0), 0);
         EXPECT_TRUE(InTemp());
@@ -149,7 +149,7 @@ TEST_F(LumDebugConfigure, Lum2SetupProcess_UsesTempAlthoughInstalledDirIsThere) 
     }
 }
 
-TEST_F(LumDebugConfigure, KeyIsMissing_UsesTemp) {
+TEST_F(LumDebugConfigureTest, KeyIsMissing_UsesTemp) {
     m_registry.RemoveKey(kLum2Key);
     DebugOutput output;
     EXPECT_EQ(m_log.Configure(L"Quillet", kFile, 1, false, 0), 0);
@@ -160,7 +160,7 @@ TEST_F(LumDebugConfigure, KeyIsMissing_UsesTemp) {
                             L"FILE PATH 3 IS " + directory + L"\\Trace.txt"));
 }
 
-TEST_F(LumDebugConfigure, InstalledDirIsThere_DebuggerIsToldEachStage) {
+TEST_F(LumDebugConfigureTest, InstalledDirIsThere_DebuggerIsToldEachStage) {
     DebugOutput output;
     EXPECT_EQ(m_log.Configure(L"Quillet", kFile, 1, false, 0), 0);
     const std::wstring directory = m_installed.Text();
@@ -170,7 +170,7 @@ TEST_F(LumDebugConfigure, InstalledDirIsThere_DebuggerIsToldEachStage) {
 }
 
 // The name has a directory that does not exist, so that nothing is made at the root of the machine.
-TEST_F(LumDebugConfigure, KeyWithoutInstalledDir_LooksAtTheRootThenInTemp) {
+TEST_F(LumDebugConfigureTest, KeyWithoutInstalledDir_LooksAtTheRootThenInTemp) {
     m_registry.RemoveValue(kLum2Key, L"InstalledDir");
     DebugOutput output;
     EXPECT_EQ(m_log.Configure(L"Quillet", L"no-such-directory\\Trace.txt", 1, false, 0), 0);
@@ -179,7 +179,7 @@ TEST_F(LumDebugConfigure, KeyWithoutInstalledDir_LooksAtTheRootThenInTemp) {
     EXPECT_TRUE(InTemp());
 }
 
-TEST_F(LumDebugConfigure, InstalledDirThatIsNoText_CountsAsMissing) {
+TEST_F(LumDebugConfigureTest, InstalledDirThatIsNoText_CountsAsMissing) {
     m_registry.SetDword(kLum2Key, L"InstalledDir", 7);
     DebugOutput output;
     EXPECT_EQ(m_log.Configure(L"Quillet", L"no-such-directory\\Trace.txt", 1, false, 0), 0);
@@ -187,7 +187,7 @@ TEST_F(LumDebugConfigure, InstalledDirThatIsNoText_CountsAsMissing) {
     EXPECT_TRUE(InTemp());
 }
 
-TEST_F(LumDebugConfigure, InstalledDirOf512Characters_DoesNotFitItsBuffer) {
+TEST_F(LumDebugConfigureTest, InstalledDirOf512Characters_DoesNotFitItsBuffer) {
     DebugOutput output;
     m_registry.SetString(kLum2Key, L"InstalledDir", L"\\\\" + std::wstring(509, L'd'));
     EXPECT_EQ(m_log.Configure(L"Quillet", L"no-such-directory\\Trace.txt", 1, false, 0), 0);
@@ -197,7 +197,7 @@ TEST_F(LumDebugConfigure, InstalledDirOf512Characters_DoesNotFitItsBuffer) {
     EXPECT_EQ(output.Texts().at(3), L"FILE PATH 1 IS ");
 }
 
-TEST_F(LumDebugConfigure, InstalledDirWithoutTerminator_IsReadToItsEnd) {
+TEST_F(LumDebugConfigureTest, InstalledDirWithoutTerminator_IsReadToItsEnd) {
     const std::wstring directory = m_installed.Text();
     m_registry.SetValue(kLum2Key, L"InstalledDir", REG_SZ, directory.data(),
                         directory.size() * sizeof(wchar_t));
@@ -205,7 +205,7 @@ TEST_F(LumDebugConfigure, InstalledDirWithoutTerminator_IsReadToItsEnd) {
     EXPECT_TRUE(InInstalledDir());
 }
 
-TEST_F(LumDebugConfigure, DirectoryThatDoesNotExist_FallsBackToTemp) {
+TEST_F(LumDebugConfigureTest, DirectoryThatDoesNotExist_FallsBackToTemp) {
     m_registry.SetString(kLum2Key, L"InstalledDir", m_installed.Text() + L"\\none");
     EXPECT_EQ(m_log.Configure(L"Quillet", kFile, 2, false, 0), 0);
     EXPECT_TRUE(InTemp());
@@ -213,20 +213,20 @@ TEST_F(LumDebugConfigure, DirectoryThatDoesNotExist_FallsBackToTemp) {
     EXPECT_EQ(m_log.GetCurrentLogLevel(), 2u);
 }
 
-TEST_F(LumDebugConfigure, PathLongerThan260Characters_FallsBackToTemp) {
+TEST_F(LumDebugConfigureTest, PathLongerThan260Characters_FallsBackToTemp) {
     m_registry.SetString(kLum2Key, L"InstalledDir", m_installed.Text() + std::wstring(250, L'/'));
     EXPECT_EQ(m_log.Configure(L"Quillet", kFile, 1, false, 0), 0);
     EXPECT_FALSE(InInstalledDir());
     EXPECT_TRUE(InTemp());
 }
 
-TEST_F(LumDebugConfigure, SetupProcessWhosePathCanNotBeOpened_UsesItsLastPartInTemp) {
+TEST_F(LumDebugConfigureTest, SetupProcessWhosePathCanNotBeOpened_UsesItsLastPartInTemp) {
     const std::wstring path = m_installed.Text() + L"\\none\\last.txt";
     EXPECT_EQ(m_log.Configure(L"RvSetup", path.c_str(), 1, false, 0), 0);
     EXPECT_TRUE(InTemp(L"last.txt"));
 }
 
-TEST_F(LumDebugConfigure, NeitherPlaceCanBeOpened_StaysOff) {
+TEST_F(LumDebugConfigureTest, NeitherPlaceCanBeOpened_StaysOff) {
     m_registry.SetString(kLum2Key, L"InstalledDir", m_installed.Text() + L"\\none");
     const EnvironmentScope temp(L"Temp", m_temp.Text() + L"\\none");
     EXPECT_EQ(m_log.Configure(L"Quillet", kFile, 1, false, 0), -1);
@@ -236,7 +236,7 @@ TEST_F(LumDebugConfigure, NeitherPlaceCanBeOpened_StaysOff) {
     m_log.Error(L"file.cpp", 1, L"nowhere");
 }
 
-TEST_F(LumDebugConfigure, Append_KeepsWhatTheFileHolds) {
+TEST_F(LumDebugConfigureTest, Append_KeepsWhatTheFileHolds) {
     for (int i = 0; i < 2; ++i) {
         ASSERT_EQ(m_log.Configure(L"Quillet", kFile, 1, true, 0), 0);
         m_log.PrintText(L"line");
@@ -245,7 +245,7 @@ TEST_F(LumDebugConfigure, Append_KeepsWhatTheFileHolds) {
     EXPECT_THAT(ParseTraceFile(m_installed.File(kFile)), SizeIs(2));
 }
 
-TEST_F(LumDebugConfigure, NoAppend_EmptiesTheFile) {
+TEST_F(LumDebugConfigureTest, NoAppend_EmptiesTheFile) {
     for (int i = 0; i < 2; ++i) {
         ASSERT_EQ(m_log.Configure(L"Quillet", kFile, 1, false, 0), 0);
         m_log.PrintText(L"line");
@@ -253,7 +253,7 @@ TEST_F(LumDebugConfigure, NoAppend_EmptiesTheFile) {
     EXPECT_THAT(ParseTraceFile(m_installed.File(kFile)), SizeIs(1));
 }
 
-TEST_F(LumDebugConfigure, SecondCall_MovesToTheNewFile) {
+TEST_F(LumDebugConfigureTest, SecondCall_MovesToTheNewFile) {
     ASSERT_EQ(m_log.Configure(L"One", L"one.txt", 1, false, 0), 0);
     m_log.PrintText(L"to one");
     ASSERT_EQ(m_log.Configure(L"Two", L"two.txt", 1, false, 0), 0);
@@ -267,7 +267,7 @@ TEST_F(LumDebugConfigure, SecondCall_MovesToTheNewFile) {
     EXPECT_EQ(two[0].text, L"to two");
 }
 
-TEST_F(LumDebugConfigure, DirectoryAndNameBeyondAscii_AreFoundUnderTheirOwnNames) {
+TEST_F(LumDebugConfigureTest, DirectoryAndNameBeyondAscii_AreFoundUnderTheirOwnNames) {
     const std::filesystem::path directory = m_installed.File(L"Zażółć 網路");
     create_directory(directory);
     m_registry.SetString(kLum2Key, L"InstalledDir", m_installed.Text() + L"\\Zażółć 網路");
@@ -275,7 +275,7 @@ TEST_F(LumDebugConfigure, DirectoryAndNameBeyondAscii_AreFoundUnderTheirOwnNames
     EXPECT_TRUE(exists(directory / PathOf(L"Prüfung.txt")));
 }
 
-TEST_F(LumDebugConfigure, NullProcessName_IsTheEmptyOne) {
+TEST_F(LumDebugConfigureTest, NullProcessName_IsTheEmptyOne) {
     ASSERT_EQ(m_log.Configure(nullptr, kFile, 1, false, 0), 0);
     m_log.PrintText(L"line");
     const auto lines = ParseTraceFile(m_installed.File(kFile));

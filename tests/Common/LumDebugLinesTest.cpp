@@ -8,7 +8,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::IsEmpty;
@@ -19,9 +19,9 @@ namespace {
 
 constexpr wchar_t kFile[] = L"Trace.txt";
 
-class LumDebugLines : public testing::Test {
+class LumDebugLinesTest : public testing::Test {
   protected:
-    LumDebugLines() { m_registry.SetString(kLum2Key, L"InstalledDir", m_directory.Text()); }
+    LumDebugLinesTest() { m_registry.SetString(kLum2Key, L"InstalledDir", m_directory.Text()); }
 
     void Open(unsigned level, bool append = false, unsigned maxFileSize = 0,
               const wchar_t* process = L"Quillet") {
@@ -53,7 +53,7 @@ const wchar_t* Unreadable() {
     return reinterpret_cast<const wchar_t*>(std::uintptr_t{64});
 }
 
-TEST_F(LumDebugLines, Head_NamesProcessThreadTimeAndCounter) {
+TEST_F(LumDebugLinesTest, Head_NamesProcessThreadTimeAndCounter) {
     Open(1);
     SYSTEMTIME before{};
     GetLocalTime(&before);
@@ -85,7 +85,7 @@ TEST_F(LumDebugLines, Head_NamesProcessThreadTimeAndCounter) {
     }
 }
 
-TEST_F(LumDebugLines, Line_IsTheHeadTheTextAndOneLineFeed) {
+TEST_F(LumDebugLinesTest, Line_IsTheHeadTheTextAndOneLineFeed) {
     Open(1);
     m_log.Print(L"text");
     const std::string bytes = ReadFile(Path());
@@ -95,7 +95,7 @@ TEST_F(LumDebugLines, Line_IsTheHeadTheTextAndOneLineFeed) {
     EXPECT_EQ(std::count(bytes.begin(), bytes.end(), '\t'), 5);
 }
 
-TEST_F(LumDebugLines, EveryLine_IsInTheFileAtOnce) {
+TEST_F(LumDebugLinesTest, EveryLine_IsInTheFileAtOnce) {
     Open(1);
     for (std::size_t i = 1; i <= 3; ++i) {
         m_log.Print(L"%d", static_cast<int>(i));
@@ -103,14 +103,14 @@ TEST_F(LumDebugLines, EveryLine_IsInTheFileAtOnce) {
     }
 }
 
-TEST_F(LumDebugLines, Print_FormatsAsWindowsDoes) {
+TEST_F(LumDebugLinesTest, Print_FormatsAsWindowsDoes) {
     Open(1);
     m_log.Print(L"%s|%S|%d|%u|%x|%I64X|%ld|%c|%5.3d|%%", L"wide", "narrow", -7, 7u, 0xBEEFu,
                 0x123456789ABCDEFull, LONG{-1}, L'c', 7);
     EXPECT_THAT(Texts(), ElementsAre(L"wide|narrow|-7|7|beef|123456789ABCDEF|-1|c|  007|%"));
 }
 
-TEST_F(LumDebugLines, LevelsZeroAndTwo_PrintNothingAndFormatNothing) {
+TEST_F(LumDebugLinesTest, LevelsZeroAndTwo_PrintNothingAndFormatNothing) {
     m_log.Print(L"%s", Unreadable());
     m_log.PrintText(Unreadable());
     Open(2);
@@ -123,7 +123,7 @@ TEST_F(LumDebugLines, LevelsZeroAndTwo_PrintNothingAndFormatNothing) {
     EXPECT_THAT(Lines(), IsEmpty());
 }
 
-TEST_F(LumDebugLines, LevelsOneThreeAndFour_PrintEverything) {
+TEST_F(LumDebugLinesTest, LevelsOneThreeAndFour_PrintEverything) {
     for (const unsigned level : {1u, 3u, 4u}) {
         Open(level);
         m_log.Print(L"%s", L"printed");
@@ -134,7 +134,7 @@ TEST_F(LumDebugLines, LevelsOneThreeAndFour_PrintEverything) {
     }
 }
 
-TEST_F(LumDebugLines, LevelTwo_OnlyErrorsReachTheFile) {
+TEST_F(LumDebugLinesTest, LevelTwo_OnlyErrorsReachTheFile) {
     Open(2);
     m_log.Print(L"before");
     m_log.Error(L"..\\Src\\file.cpp", 196, L"%s: %d", L"text", 5);
@@ -143,33 +143,33 @@ TEST_F(LumDebugLines, LevelTwo_OnlyErrorsReachTheFile) {
     EXPECT_EQ(m_log.GetCurrentLogLevel(), 2u);
 }
 
-TEST_F(LumDebugLines, LevelZero_ErrorsAreNotWrittenEither) {
+TEST_F(LumDebugLinesTest, LevelZero_ErrorsAreNotWrittenEither) {
     Open(1);
     m_log.Configure(L"Quillet", kFile, 0, false, 0);
     m_log.Error(L"f", 1, L"error");
     EXPECT_THAT(Lines(), IsEmpty());
 }
 
-TEST_F(LumDebugLines, ErrorWithoutSourceFile_HasAnEmptyOne) {
+TEST_F(LumDebugLinesTest, ErrorWithoutSourceFile_HasAnEmptyOne) {
     Open(1);
     m_log.Error(nullptr, 0, L"text");
     EXPECT_THAT(Texts(), ElementsAre(L" (0): text"));
 }
 
-TEST_F(LumDebugLines, PercentInAnErrorsText_IsNotFormattedTwice) {
+TEST_F(LumDebugLinesTest, PercentInAnErrorsText_IsNotFormattedTwice) {
     Open(1);
     m_log.Error(L"f%n", 3, L"%s", L"100%s%n");
     EXPECT_THAT(Texts(), ElementsAre(L"f%n (3): 100%s%n"));
 }
 
-TEST_F(LumDebugLines, PrintText_TakesPercentSignsAsTheyAre) {
+TEST_F(LumDebugLinesTest, PrintText_TakesPercentSignsAsTheyAre) {
     Open(1);
     m_log.PrintText(L"dwErrorCode: %l");
     m_log.PrintText(L"%s%n%");
     EXPECT_THAT(Texts(), ElementsAre(L"dwErrorCode: %l", L"%s%n%"));
 }
 
-TEST_F(LumDebugLines, FormatThatIsNone_StillMakesALine) {
+TEST_F(LumDebugLinesTest, FormatThatIsNone_StillMakesALine) {
     Open(1);
     m_log.Print(L"dwErrorCode: %l");
     m_log.Print(nullptr);
@@ -183,7 +183,7 @@ TEST_F(LumDebugLines, FormatThatIsNone_StillMakesALine) {
     EXPECT_EQ(texts[3], L"next");
 }
 
-TEST_F(LumDebugLines, TextOf1023Characters_IsTheLongest) {
+TEST_F(LumDebugLinesTest, TextOf1023Characters_IsTheLongest) {
     Open(1);
     const std::wstring whole(1023, L'a');
     for (const std::size_t length : {std::size_t{1022}, std::size_t{1023}}) {
@@ -203,7 +203,7 @@ TEST_F(LumDebugLines, TextOf1023Characters_IsTheLongest) {
     EXPECT_THAT(Lines(), SizeIs(11));
 }
 
-TEST_F(LumDebugLines, LongErrorText_IsCutWithItsPosition) {
+TEST_F(LumDebugLinesTest, LongErrorText_IsCutWithItsPosition) {
     Open(1);
     m_log.Error(L"file", 12, L"%s", std::wstring(5000, L'e').c_str());
     const std::wstring text = Texts().at(0);
@@ -211,7 +211,7 @@ TEST_F(LumDebugLines, LongErrorText_IsCutWithItsPosition) {
     EXPECT_EQ(text, L"file (12): " + std::wstring(1023 - 11, L'e'));
 }
 
-TEST_F(LumDebugLines, LongProcessName_LeavesTheLineWhole) {
+TEST_F(LumDebugLinesTest, LongProcessName_LeavesTheLineWhole) {
     Open(1, false, 0, std::wstring(3000, L'p').c_str());
     m_log.Print(L"text");
     m_log.PrintText(L"text");
@@ -221,7 +221,7 @@ TEST_F(LumDebugLines, LongProcessName_LeavesTheLineWhole) {
     EXPECT_EQ(bytes, line + line);
 }
 
-TEST_F(LumDebugLines, CharactersThatNoCodePageHas_AreWrittenAsUtf8) {
+TEST_F(LumDebugLinesTest, CharactersThatNoCodePageHas_AreWrittenAsUtf8) {
     Open(1);
     m_log.Print(L"%s", L"Karta sieciowa „Zażółć” 網路卡 Ωμ \U0001F600");
     m_log.PrintText(L"\U0001F600 é");
@@ -229,14 +229,14 @@ TEST_F(LumDebugLines, CharactersThatNoCodePageHas_AreWrittenAsUtf8) {
     EXPECT_THAT(ReadFile(Path()), testing::HasSubstr("\xF0\x9F\x98\x80 \xC3\xA9"));
 }
 
-TEST_F(LumDebugLines, WhatIsNoCharacter_BecomesTheReplacementCharacter) {
+TEST_F(LumDebugLinesTest, WhatIsNoCharacter_BecomesTheReplacementCharacter) {
     Open(1);
     const wchar_t half[] = {L'a', static_cast<wchar_t>(0xD83D), L'b', static_cast<wchar_t>(0xDE00), L'\0'};
     m_log.PrintText(half);
     EXPECT_THAT(Texts(), ElementsAre(L"a\uFFFDb\uFFFD"));
 }
 
-TEST_F(LumDebugLines, FileAtItsMaximumSize_DropsTheLine) {
+TEST_F(LumDebugLinesTest, FileAtItsMaximumSize_DropsTheLine) {
     OpenHolding(100, 100);
     m_log.Print(L"dropped");
     m_log.PrintText(L"dropped");
@@ -245,7 +245,7 @@ TEST_F(LumDebugLines, FileAtItsMaximumSize_DropsTheLine) {
     EXPECT_EQ(Size(), 100u);
 }
 
-TEST_F(LumDebugLines, FileOneByteBelowItsMaximumSize_TakesOneMoreLine) {
+TEST_F(LumDebugLinesTest, FileOneByteBelowItsMaximumSize_TakesOneMoreLine) {
     OpenHolding(100, 101);
     m_log.Print(L"taken");
     const auto size = Size();
@@ -255,7 +255,7 @@ TEST_F(LumDebugLines, FileOneByteBelowItsMaximumSize_TakesOneMoreLine) {
     EXPECT_EQ(Size(), size);
 }
 
-TEST_F(LumDebugLines, FileOneByteBelowItsMaximumSize_TakesOneMoreError) {
+TEST_F(LumDebugLinesTest, FileOneByteBelowItsMaximumSize_TakesOneMoreError) {
     OpenHolding(100, 101, 2);
     m_log.Error(L"f", 1, L"taken");
     const auto size = Size();
@@ -264,7 +264,7 @@ TEST_F(LumDebugLines, FileOneByteBelowItsMaximumSize_TakesOneMoreError) {
     EXPECT_EQ(Size(), size);
 }
 
-TEST_F(LumDebugLines, MaximumSizeZero_IsNoLimit) {
+TEST_F(LumDebugLinesTest, MaximumSizeZero_IsNoLimit) {
     Open(1);
     for (int i = 0; i < 200; ++i) {
         m_log.PrintText(L"0123456789012345678901234567890123456789");
@@ -281,28 +281,28 @@ std::wstring SystemText(DWORD code) {
     return line;
 }
 
-TEST_F(LumDebugLines, PrintLastError_WritesTheSystemsText) {
+TEST_F(LumDebugLinesTest, PrintLastError_WritesTheSystemsText) {
     Open(1);
     m_log.PrintLastError(ERROR_ACCESS_DENIED);
     ASSERT_THAT(SystemText(ERROR_ACCESS_DENIED), testing::Not(IsEmpty()));
     EXPECT_THAT(Texts(), ElementsAre(SystemText(ERROR_ACCESS_DENIED)));
 }
 
-TEST_F(LumDebugLines, PrintLastErrorOfZero_MeansTheLastError) {
+TEST_F(LumDebugLinesTest, PrintLastErrorOfZero_MeansTheLastError) {
     Open(1);
     SetLastError(ERROR_FILE_NOT_FOUND);
     m_log.PrintLastError(0);
     EXPECT_THAT(Texts(), ElementsAre(SystemText(ERROR_FILE_NOT_FOUND)));
 }
 
-TEST_F(LumDebugLines, PrintLastErrorOfACodeWithoutText_WritesNothing) {
+TEST_F(LumDebugLinesTest, PrintLastErrorOfACodeWithoutText_WritesNothing) {
     Open(1);
     ASSERT_THAT(SystemText(0x2FFFFFFF), IsEmpty());
     m_log.PrintLastError(0x2FFFFFFF);
     EXPECT_THAT(Lines(), IsEmpty());
 }
 
-TEST_F(LumDebugLines, Copy_SharesTheFileUntilTheLastOneGoes) {
+TEST_F(LumDebugLinesTest, Copy_SharesTheFileUntilTheLastOneGoes) {
     Open(3);
     {
         CLumDebug copy(m_log);
@@ -320,7 +320,7 @@ TEST_F(LumDebugLines, Copy_SharesTheFileUntilTheLastOneGoes) {
     EXPECT_THAT(Texts(), ElementsAre(L"from the copy", L"from the original", L"from the last"));
 }
 
-TEST_F(LumDebugLines, Copy_HasALevelOfItsOwn) {
+TEST_F(LumDebugLinesTest, Copy_HasALevelOfItsOwn) {
     Open(3);
     CLumDebug copy(m_log);
     copy.Configure(L"Quillet", kFile, 0, false, 0);
@@ -329,7 +329,7 @@ TEST_F(LumDebugLines, Copy_HasALevelOfItsOwn) {
     EXPECT_THAT(Texts(), ElementsAre(L"on"));
 }
 
-TEST_F(LumDebugLines, AssignmentToItself_ChangesNothing) {
+TEST_F(LumDebugLinesTest, AssignmentToItself_ChangesNothing) {
     Open(3);
     CLumDebug& same = m_log;
     m_log = same;
@@ -337,7 +337,7 @@ TEST_F(LumDebugLines, AssignmentToItself_ChangesNothing) {
     EXPECT_THAT(Texts(), ElementsAre(L"still open"));
 }
 
-TEST_F(LumDebugLines, DerivedObject_IsDestroyedThroughItsBase) {
+TEST_F(LumDebugLinesTest, DerivedObject_IsDestroyedThroughItsBase) {
     struct Derived : CLumDebug {
         explicit Derived(bool& goneFlag) : gone(goneFlag) {}
         ~Derived() override { gone = true; }

@@ -14,13 +14,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 
 namespace {
 
-class LumDebugPosix : public testing::Test {
+class LumDebugPosixTest : public testing::Test {
   protected:
-    LumDebugPosix() { m_registry.SetString(kLum2Key, L"InstalledDir", m_directory.Text()); }
+    LumDebugPosixTest() { m_registry.SetString(kLum2Key, L"InstalledDir", m_directory.Text()); }
     LONG Configure() { return m_log.Configure(L"Quillet", L"Trace.txt", 1, false, 0); }
     std::filesystem::path File() const { return m_directory.File(L"Trace.txt"); }
 
@@ -31,7 +31,7 @@ class LumDebugPosix : public testing::Test {
     CLumDebug m_log;
 };
 
-TEST_F(LumDebugPosix, NewFile_IsItsOwnersAlone) {
+TEST_F(LumDebugPosixTest, NewFile_IsItsOwnersAlone) {
     const mode_t mask = umask(0);
     const LONG result = Configure();
     umask(mask);
@@ -41,7 +41,7 @@ TEST_F(LumDebugPosix, NewFile_IsItsOwnersAlone) {
     EXPECT_EQ(status.st_mode & 07777u, 0600u);
 }
 
-TEST_F(LumDebugPosix, SymbolicLink_IsNeverFollowed) {
+TEST_F(LumDebugPosixTest, SymbolicLink_IsNeverFollowed) {
     const auto victim = m_directory.File(L"victim");
     std::ofstream(victim) << "precious";
     create_symlink(victim, File());
@@ -51,7 +51,7 @@ TEST_F(LumDebugPosix, SymbolicLink_IsNeverFollowed) {
     EXPECT_TRUE(exists(m_temp.File(L"Trace.txt")));
 }
 
-TEST_F(LumDebugPosix, SymbolicLinksInBothPlaces_LeaveTheLogOff) {
+TEST_F(LumDebugPosixTest, SymbolicLinksInBothPlaces_LeaveTheLogOff) {
     const auto victim = m_directory.File(L"victim");
     create_symlink(victim, File());
     create_symlink(victim, m_temp.File(L"Trace.txt"));
@@ -61,27 +61,27 @@ TEST_F(LumDebugPosix, SymbolicLinksInBothPlaces_LeaveTheLogOff) {
     EXPECT_FALSE(exists(victim));
 }
 
-TEST_F(LumDebugPosix, PipeUnderTheName_IsNoTraceFileAndDoesNotBlock) {
+TEST_F(LumDebugPosixTest, PipeUnderTheName_IsNoTraceFileAndDoesNotBlock) {
     ASSERT_EQ(mkfifo(File().c_str(), 0600), 0);
     EXPECT_EQ(Configure(), 0);
     EXPECT_TRUE(exists(m_temp.File(L"Trace.txt")));
 }
 
-TEST_F(LumDebugPosix, DeviceUnderTheName_IsNoTraceFile) {
+TEST_F(LumDebugPosixTest, DeviceUnderTheName_IsNoTraceFile) {
     // As "RvSetup" the log takes the file's full name, and falls back to its last part.
     EXPECT_EQ(m_log.Configure(L"RvSetup", L"/dev/null", 1, false, 0), 0);
     m_log.PrintText(L"line");
     EXPECT_THAT(ReadFile(m_temp.File(L"null")), testing::EndsWith("line\n"));
 }
 
-TEST_F(LumDebugPosix, ProgramWithALongPath_IsStillKnown) {
+TEST_F(LumDebugPosixTest, ProgramWithALongPath_IsStillKnown) {
     const std::wstring path = L"/" + std::wstring(700, L'd') + L"/LUM2Prov";
     quillet::platform::SetModuleFileName(path);
     EXPECT_EQ(HostExecutablePath(), path);
     quillet::platform::SetModuleFileName({});
 }
 
-TEST_F(LumDebugPosix, ClosedStandardStream_DoesNotBecomeTheTraceFile) {
+TEST_F(LumDebugPosixTest, ClosedStandardStream_DoesNotBecomeTheTraceFile) {
     const int saved = dup(STDIN_FILENO);
     close(STDIN_FILENO);
     const LONG result = Configure();
@@ -94,13 +94,13 @@ TEST_F(LumDebugPosix, ClosedStandardStream_DoesNotBecomeTheTraceFile) {
     EXPECT_THAT(ReadFile(File()), testing::EndsWith("line\n"));
 }
 
-TEST_F(LumDebugPosix, BackslashesInTheName_AreDirectories) {
+TEST_F(LumDebugPosixTest, BackslashesInTheName_AreDirectories) {
     create_directory(m_directory.File(L"logs"));
     EXPECT_EQ(m_log.Configure(L"Quillet", L"logs\\Trace.txt", 1, false, 0), 0);
     EXPECT_TRUE(exists(m_directory.File(L"logs") / "Trace.txt"));
 }
 
-TEST_F(LumDebugPosix, NoTempVariable_UsesTmpdir) {
+TEST_F(LumDebugPosixTest, NoTempVariable_UsesTmpdir) {
     m_registry.RemoveKey(kLum2Key);
     const EnvironmentScope temp(L"Temp", std::nullopt);
     const EnvironmentScope tmpdir(L"TMPDIR", m_directory.Text());
@@ -108,7 +108,7 @@ TEST_F(LumDebugPosix, NoTempVariable_UsesTmpdir) {
     EXPECT_TRUE(exists(File()));
 }
 
-TEST_F(LumDebugPosix, NeitherTempNorTmpdir_UsesTmp) {
+TEST_F(LumDebugPosixTest, NeitherTempNorTmpdir_UsesTmp) {
     m_registry.RemoveKey(kLum2Key);
     const EnvironmentScope temp(L"Temp", std::nullopt);
     const EnvironmentScope tmpdir(L"TMPDIR", std::nullopt);

@@ -12,7 +12,7 @@
 #include <set>
 #include <thread>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 
 namespace {
 
@@ -29,9 +29,9 @@ void InThreads(const std::function<void(int)>& work) {
     }
 }
 
-class LumDebugThreads : public testing::Test {
+class LumDebugThreadsTest : public testing::Test {
   protected:
-    LumDebugThreads() { m_registry.SetString(kLum2Key, L"InstalledDir", m_directory.Text()); }
+    LumDebugThreadsTest() { m_registry.SetString(kLum2Key, L"InstalledDir", m_directory.Text()); }
     std::vector<TraceLine> Lines() const { return ParseTraceFile(m_directory.File(L"Trace.txt")); }
 
     TemporaryDirectory m_directory;
@@ -39,7 +39,7 @@ class LumDebugThreads : public testing::Test {
     CLumDebug m_log;
 };
 
-TEST_F(LumDebugThreads, EveryLine_IsWholeAndNoneIsLost) {
+TEST_F(LumDebugThreadsTest, EveryLine_IsWholeAndNoneIsLost) {
     ASSERT_EQ(m_log.Configure(L"Quillet", L"Trace.txt", 1, false, 0), 0);
     InThreads([this](int thread) {
         const std::wstring filler(static_cast<std::size_t>(50 * thread), static_cast<wchar_t>(L'a' + thread));
@@ -76,7 +76,7 @@ TEST_F(LumDebugThreads, EveryLine_IsWholeAndNoneIsLost) {
     EXPECT_EQ(texts, expected);
 }
 
-TEST_F(LumDebugThreads, AtLevelTwo_NoLineSlipsInBesideAnError) {
+TEST_F(LumDebugThreadsTest, AtLevelTwo_NoLineSlipsInBesideAnError) {
     ASSERT_EQ(m_log.Configure(L"Quillet", L"Trace.txt", 2, false, 0), 0);
     InThreads([this](int thread) {
         for (int line = 0; line < kLines; ++line) {
@@ -95,7 +95,7 @@ TEST_F(LumDebugThreads, AtLevelTwo_NoLineSlipsInBesideAnError) {
     }
 }
 
-TEST_F(LumDebugThreads, ConfiguringAndCopyingMeanwhile_IsSafe) {
+TEST_F(LumDebugThreadsTest, ConfiguringAndCopyingMeanwhile_IsSafe) {
     ASSERT_EQ(m_log.Configure(L"Quillet", L"Trace.txt", 3, true, 0), 0);
     std::atomic<int> printing{kThreads - 1};
     InThreads([this, &printing](int thread) {
@@ -121,7 +121,7 @@ TEST_F(LumDebugThreads, ConfiguringAndCopyingMeanwhile_IsSafe) {
     EXPECT_EQ(printed, std::size_t{(kThreads - 1) * kLines});
 }
 
-TEST_F(LumDebugThreads, SafeCopyInAllThreads_InstallsTheHandlerOnce) {
+TEST_F(LumDebugThreadsTest, SafeCopyInAllThreads_InstallsTheHandlerOnce) {
     const TraceFile trace(2);
     const auto before = _set_invalid_parameter_handler(nullptr);
     InThreads([](int) {

@@ -4,20 +4,20 @@
 
 #include <gtest/gtest.h>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 
 namespace {
 
 constexpr wchar_t kKey[] = L"SOFTWARE\\MARLO\\QuilletTest\\Values";
 
-TEST(LumRegistryKey, MissingKey_HasNoValues) {
+TEST(LumRegistryKeyTest, MissingKey_HasNoValues) {
     const LumRegistryKey key(kKey);
     EXPECT_FALSE(key.IsOpen());
     EXPECT_EQ(key.ReadDword(L"any"), std::nullopt);
     EXPECT_EQ(key.ReadString(L"any", 16), std::nullopt);
 }
 
-TEST(LumRegistryKey, Dword_IsReadOnlyFromADword) {
+TEST(LumRegistryKeyTest, Dword_IsReadOnlyFromADword) {
     RegistryScope registry;
     registry.SetDword(kKey, L"value", 0xFFFFFFFF);
     registry.SetString(kKey, L"text", L"5");
@@ -29,14 +29,14 @@ TEST(LumRegistryKey, Dword_IsReadOnlyFromADword) {
     EXPECT_EQ(key.ReadDword(L"none"), std::nullopt);
 }
 
-TEST(LumRegistryKey, DwordOfTwoBytes_IsNone) {
+TEST(LumRegistryKeyTest, DwordOfTwoBytes_IsNone) {
     RegistryScope registry;
     const unsigned short half = 1;
     registry.SetValue(kKey, L"value", REG_DWORD, &half, sizeof half);
     EXPECT_EQ(LumRegistryKey(kKey).ReadDword(L"value"), std::nullopt);
 }
 
-TEST(LumRegistryKey, String_MustFitWithItsTerminator) {
+TEST(LumRegistryKeyTest, String_MustFitWithItsTerminator) {
     RegistryScope registry;
     registry.SetString(kKey, L"value", L"1234");
     const LumRegistryKey key(kKey);
@@ -45,7 +45,7 @@ TEST(LumRegistryKey, String_MustFitWithItsTerminator) {
     EXPECT_EQ(key.ReadString(L"value", 0), std::nullopt);
 }
 
-TEST(LumRegistryKey, StringOfAnotherType_IsNone) {
+TEST(LumRegistryKeyTest, StringOfAnotherType_IsNone) {
     RegistryScope registry;
     registry.SetDword(kKey, L"number", 5);
     registry.SetValue(kKey, L"bytes", REG_BINARY, L"ab", 2 * sizeof(wchar_t));
@@ -56,7 +56,7 @@ TEST(LumRegistryKey, StringOfAnotherType_IsNone) {
     EXPECT_EQ(key.ReadString(L"expanded", 16), L"%x%");
 }
 
-TEST(LumRegistryKey, StringWithoutOrWithInnerTerminator_EndsWhereItEnds) {
+TEST(LumRegistryKeyTest, StringWithoutOrWithInnerTerminator_EndsWhereItEnds) {
     RegistryScope registry;
     registry.SetValue(kKey, L"none", REG_SZ, L"abc", 3 * sizeof(wchar_t));
     registry.SetValue(kKey, L"inner", REG_SZ, L"a\0c", 4 * sizeof(wchar_t));

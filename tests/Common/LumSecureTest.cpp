@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <gmock/gmock.h>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
@@ -22,9 +22,9 @@ constexpr wchar_t kNullDestination[] =
     L"..\\..\\Common\\Src\\LumSecure (196): LumSafeCopy ERROR: NULL == strDestination";
 constexpr wchar_t kTooSmall[] = L"here.cpp (77): LumSafeCopy ERROR: strDestination size 0, or too small";
 
-class LumSecure : public testing::Test {
+class LumSecureTest : public testing::Test {
   protected:
-    LumSecure() {
+    LumSecureTest() {
         // Whether this is the first use in the process must not change what the tests see.
         wchar_t any[2];
         LumSafeCopy(L"", 0, any, L"");
@@ -42,71 +42,71 @@ class LumSecure : public testing::Test {
     wchar_t m_target[8] = L"old";
 };
 
-TEST_F(LumSecure, CopyThatFits_CopiesAndTracesTheWay) {
+TEST_F(LumSecureTest, CopyThatFits_CopiesAndTracesTheWay) {
     EXPECT_EQ(LumSafeCopy(L"here.cpp", 77, m_target, std::size_t{8}, L"1234567"), 0);
     EXPECT_STREQ(m_target, L"1234567");
     EXPECT_THAT(Texts(), ElementsAre(L"Entering LumSafeCopy : Dynamic", kEnteringCheck, kLeavingCheck,
                                      L"Leaving LumSafeCopy : Dynamic : 0"));
 }
 
-TEST_F(LumSecure, CopyOfTheEmptyText_EmptiesTheDestination) {
+TEST_F(LumSecureTest, CopyOfTheEmptyText_EmptiesTheDestination) {
     EXPECT_EQ(LumSafeCopy(L"here.cpp", 77, m_target, std::size_t{8}, L""), 0);
     EXPECT_STREQ(m_target, L"");
 }
 
-TEST_F(LumSecure, CopyThatDoesNotFit_Gives34) {
+TEST_F(LumSecureTest, CopyThatDoesNotFit_Gives34) {
     EXPECT_EQ(LumSafeCopy(L"here.cpp", 77, m_target, std::size_t{8}, L"12345678"), 34);
     EXPECT_STREQ(m_target, L"");
     EXPECT_THAT(Texts(), ElementsAre(L"Entering LumSafeCopy : Dynamic", kEnteringCheck, kTooSmall,
                                      kLeavingCheck, L"Leaving LumSafeCopy : Dynamic : 34"));
 }
 
-TEST_F(LumSecure, CopyOfNull_Gives22AndNamesTheSource) {
+TEST_F(LumSecureTest, CopyOfNull_Gives22AndNamesTheSource) {
     EXPECT_EQ(LumSafeCopy(L"here.cpp", 77, m_target, std::size_t{8}, nullptr), 22);
     EXPECT_STREQ(m_target, L"");
     EXPECT_THAT(Texts(), ElementsAre(L"Entering LumSafeCopy : Dynamic", kEnteringCheck, kNullSource,
                                      kLeavingCheck, L"Leaving LumSafeCopy : Dynamic : 22"));
 }
 
-TEST_F(LumSecure, CopyToNull_Gives22AndNamesTheDestination) {
+TEST_F(LumSecureTest, CopyToNull_Gives22AndNamesTheDestination) {
     EXPECT_EQ(LumSafeCopy(L"here.cpp", 77, nullptr, std::size_t{8}, L"x"), 22);
     EXPECT_THAT(Texts(), ElementsAre(L"Entering LumSafeCopy : Dynamic", kEnteringCheck, kNullDestination,
                                      kLeavingCheck, L"Leaving LumSafeCopy : Dynamic : 22"));
 }
 
-TEST_F(LumSecure, CopyToADestinationOfNoSize_Gives22AndTouchesNothing) {
+TEST_F(LumSecureTest, CopyToADestinationOfNoSize_Gives22AndTouchesNothing) {
     EXPECT_EQ(LumSafeCopy(L"here.cpp", 77, m_target, std::size_t{0}, L"x"), 22);
     EXPECT_STREQ(m_target, L"old");
     EXPECT_THAT(Texts(), Contains(kNullSource));
 }
 
-TEST_F(LumSecure, CatThatFits_AppendsAndTracesTheWay) {
+TEST_F(LumSecureTest, CatThatFits_AppendsAndTracesTheWay) {
     EXPECT_EQ(LumSafeCat(L"here.cpp", 77, m_target, std::size_t{8}, L"+new"), 0);
     EXPECT_STREQ(m_target, L"old+new");
     EXPECT_THAT(Texts(), ElementsAre(L"Entering LumSafeCat : Dynamic", kEnteringCheck, kLeavingCheck,
                                      L"Leaving LumSafeCat : Dynamic : 0"));
 }
 
-TEST_F(LumSecure, CatThatDoesNotFit_Gives34) {
+TEST_F(LumSecureTest, CatThatDoesNotFit_Gives34) {
     EXPECT_EQ(LumSafeCat(L"here.cpp", 77, m_target, std::size_t{8}, L"+more"), 34);
     EXPECT_STREQ(m_target, L"");
     EXPECT_THAT(Texts(), ElementsAre(L"Entering LumSafeCat : Dynamic", kEnteringCheck, kTooSmall,
                                      kLeavingCheck, L"Leaving LumSafeCat : Dynamic : 34"));
 }
 
-TEST_F(LumSecure, CatOfNull_Gives22AndNamesTheSource) {
+TEST_F(LumSecureTest, CatOfNull_Gives22AndNamesTheSource) {
     EXPECT_EQ(LumSafeCat(L"here.cpp", 77, m_target, std::size_t{8}, nullptr), 22);
     EXPECT_THAT(Texts(), ElementsAre(L"Entering LumSafeCat : Dynamic", kEnteringCheck, kNullSource,
                                      kLeavingCheck, L"Leaving LumSafeCat : Dynamic : 22"));
 }
 
-TEST_F(LumSecure, CatToNull_Gives22AndNamesTheDestination) {
+TEST_F(LumSecureTest, CatToNull_Gives22AndNamesTheDestination) {
     EXPECT_EQ(LumSafeCat(L"here.cpp", 77, nullptr, std::size_t{8}, L"x"), 22);
     EXPECT_THAT(Texts(), ElementsAre(L"Entering LumSafeCat : Dynamic", kEnteringCheck, kNullDestination,
                                      kLeavingCheck, L"Leaving LumSafeCat : Dynamic : 22"));
 }
 
-TEST_F(LumSecure, ArrayOf260_PassesItsSize) {
+TEST_F(LumSecureTest, ArrayOf260_PassesItsSize) {
     wchar_t path[260];
     EXPECT_EQ(LumSafeCopy(L"here.cpp", 77, path, std::wstring(259, L'p').c_str()), 0);
     EXPECT_EQ(path, std::wstring(259, L'p'));
@@ -117,7 +117,7 @@ TEST_F(LumSecure, ArrayOf260_PassesItsSize) {
     EXPECT_THAT(Texts(), Contains(L"Leaving LumSafeCopy : Static : 34"));
 }
 
-TEST_F(LumSecure, ArrayOf1024_PassesItsSize) {
+TEST_F(LumSecureTest, ArrayOf1024_PassesItsSize) {
     wchar_t text[1024] = L"";
     EXPECT_EQ(LumSafeCat(L"here.cpp", 77, text, std::wstring(1000, L't').c_str()), 0);
     Texts();
@@ -130,7 +130,7 @@ TEST_F(LumSecure, ArrayOf1024_PassesItsSize) {
     EXPECT_THAT(Texts(), Contains(L"Leaving LumSafeCat : Static : 34"));
 }
 
-TEST_F(LumSecure, AtLevelTwo_OnlyTheMistakeIsTold) {
+TEST_F(LumSecureTest, AtLevelTwo_OnlyTheMistakeIsTold) {
     const TraceFile errors(2);
     LumSafeCopy(L"here.cpp", 77, m_target, L"far too long");
     const auto lines = errors.Lines();
@@ -138,7 +138,7 @@ TEST_F(LumSecure, AtLevelTwo_OnlyTheMistakeIsTold) {
     EXPECT_EQ(lines[0].text, kTooSmall);
 }
 
-TEST_F(LumSecure, ForeignHandler_IsReplacedBeforeTheFirstCopy) {
+TEST_F(LumSecureTest, ForeignHandler_IsReplacedBeforeTheFirstCopy) {
     const auto foreign = [](const wchar_t*, const wchar_t*, const wchar_t*, unsigned, std::uintptr_t) {};
     const auto ours = _set_invalid_parameter_handler(foreign);
     LumSafeCopy(L"here.cpp", 77, m_target, L"x");
@@ -151,7 +151,7 @@ TEST_F(LumSecure, ForeignHandler_IsReplacedBeforeTheFirstCopy) {
     EXPECT_THAT(Texts(), Not(Contains(testing::HasSubstr(L"Setting invalid parameter handler"))));
 }
 
-TEST_F(LumSecure, Handler_OnlyTraces) {
+TEST_F(LumSecureTest, Handler_OnlyTraces) {
     _get_invalid_parameter_handler()(nullptr, nullptr, nullptr, 0, 0);
     EXPECT_THAT(m_trace.NewTexts(), ElementsAre(kHandlerCalled));
 }

@@ -12,13 +12,13 @@
 #include <gtest/gtest-spi.h>
 #include <stdexcept>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 
 namespace {
 
 constexpr wchar_t kKey[] = L"SOFTWARE\\MARLO\\QuilletTest\\Scope";
 
-TEST(RegistryScope, NewKey_IsGoneAfterwards) {
+TEST(RegistryScopeTest, NewKey_IsGoneAfterwards) {
     {
         RegistryScope registry;
         registry.SetDword(kKey, L"a", 1);
@@ -28,7 +28,7 @@ TEST(RegistryScope, NewKey_IsGoneAfterwards) {
     EXPECT_FALSE(LumRegistryKey(L"SOFTWARE\\MARLO\\QuilletTest").IsOpen());
 }
 
-TEST(RegistryScope, ChangedValues_ComeBack) {
+TEST(RegistryScopeTest, ChangedValues_ComeBack) {
     RegistryScope outer;
     outer.SetDword(kKey, L"a", 1);
     outer.SetString(kKey, L"b", L"text");
@@ -48,7 +48,7 @@ TEST(RegistryScope, ChangedValues_ComeBack) {
     EXPECT_EQ(key.ReadDword(L"c"), std::nullopt);
 }
 
-TEST(RegistryScope, RemovedTree_ComesBackWithTheKnownValues) {
+TEST(RegistryScopeTest, RemovedTree_ComesBackWithTheKnownValues) {
     RegistryScope outer;
     const std::wstring below = std::wstring(kKey) + L"\\WMI\\Providers";
     outer.SetDword(kKey, L"TRACE", 5);
@@ -64,7 +64,7 @@ TEST(RegistryScope, RemovedTree_ComesBackWithTheKnownValues) {
     EXPECT_EQ(LumRegistryKey(below.c_str()).ReadString(L"Namespace", 16), L"custom");
 }
 
-TEST(EnvironmentScope, Variable_ComesBack) {
+TEST(EnvironmentScopeTest, Variable_ComesBack) {
     const EnvironmentScope outer(L"QUILLET_TEST_VARIABLE", L"outer");
     wchar_t value[16];
     {
@@ -75,7 +75,7 @@ TEST(EnvironmentScope, Variable_ComesBack) {
     EXPECT_STREQ(value, L"outer");
 }
 
-TEST(TemporaryDirectory, IsGoneWithItsContents) {
+TEST(TemporaryDirectoryTest, IsGoneWithItsContents) {
     std::filesystem::path path;
     {
         const TemporaryDirectory directory;
@@ -89,7 +89,7 @@ TEST(TemporaryDirectory, IsGoneWithItsContents) {
     EXPECT_FALSE(exists(path));
 }
 
-TEST(TraceFile, NewTexts_AreThoseSinceTheLastCall) {
+TEST(TraceFileTest, NewTexts_AreThoseSinceTheLastCall) {
     TraceFile trace;
     EXPECT_TRUE(trace.NewTexts().empty());
     LumTrace().PrintText(L"one");
@@ -99,13 +99,13 @@ TEST(TraceFile, NewTexts_AreThoseSinceTheLastCall) {
     EXPECT_THAT(trace.NewTexts(), testing::ElementsAre(L"three"));
 }
 
-TEST(TraceFile, WhenItGoes_TheLogIsOff) {
+TEST(TraceFileTest, WhenItGoes_TheLogIsOff) {
     { const TraceFile trace; }
     EXPECT_EQ(LumTrace().GetCurrentLogLevel(), 0u);
     EXPECT_FALSE(LumTrace().IsConfigured());
 }
 
-TEST(TraceFile, FileThatIsNoTrace_IsRefused) {
+TEST(TraceFileTest, FileThatIsNoTrace_IsRefused) {
     const TemporaryDirectory directory;
     const auto parse = [&](const std::string& bytes) {
         std::ofstream(directory.File(L"f"), std::ios::binary) << bytes;
@@ -125,7 +125,7 @@ TEST(TraceFile, FileThatIsNoTrace_IsRefused) {
 }
 
 /// Everything that can be left behind in one listener, away from the one that watches this program.
-TEST(LeakListener, LeftOverCount_FailsTheTest) {
+TEST(LeakListenerTest, LeftOverCount_FailsTheTest) {
     static long alive = 0;
     static bool registered = false;
     if (!registered) {
@@ -141,7 +141,7 @@ TEST(LeakListener, LeftOverCount_FailsTheTest) {
     listener.OnTestEnd(test);
 }
 
-TEST(LeakListener, WhatTheHostHandsOut_IsCounted) {
+TEST(LeakListenerTest, WhatTheHostHandsOut_IsCounted) {
     const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
     LeakListener listener;
     listener.OnTestStart(test);

@@ -10,11 +10,11 @@
 #include <fstream>
 #include <gmock/gmock.h>
 
-using namespace quillet::test;
+using namespace quillet::tests;
 
 namespace {
 
-TEST(TraceAtLoad, SilentHosts_AreToldByNameAlone) {
+TEST(TraceAtLoadTest, SilentHosts_AreToldByNameAlone) {
     for (const wchar_t* path :
          {L"LUM2Prov", L"C:\\Windows\\System32\\Services.exe", L"c:/x/SERVICES.EXE", L"/usr/lib/lum2prov",
           L"C:\\Program Files\\MARLO\\LUM2PROV.exe", L"services.other", L"D:\\a.b\\Services"}) {
@@ -22,14 +22,14 @@ TEST(TraceAtLoad, SilentHosts_AreToldByNameAlone) {
     }
 }
 
-TEST(TraceAtLoad, OtherHosts_AreTraced) {
+TEST(TraceAtLoadTest, OtherHosts_AreTraced) {
     for (const wchar_t* path : {L"", L"Service", L"MyServices.exe", L"C:\\Services\\client.exe",
                                 L"LUM2Prov.old.exe", L"LUM2Prov\\", L"LUM2Provider.exe", L".services"}) {
         EXPECT_FALSE(IsSilentTraceHost(path)) << path;
     }
 }
 
-TEST(TraceAtLoad, OrdinaryHost_GetsItsTraceFile) {
+TEST(TraceAtLoadTest, OrdinaryHost_GetsItsTraceFile) {
     TemporaryDirectory directory;
     RegistryScope registry;
     registry.SetString(kLum2Key, L"InstalledDir", directory.Text());
@@ -44,14 +44,14 @@ TEST(TraceAtLoad, OrdinaryHost_GetsItsTraceFile) {
     EXPECT_EQ(lines[0].process, L"Quillet");
 }
 
-TEST(TraceAtLoad, SilentHost_LeavesTheLogAsItIs) {
+TEST(TraceAtLoadTest, SilentHost_LeavesTheLogAsItIs) {
     LumTrace() = CLumDebug();
     EXPECT_EQ(ConfigureTraceAtLoad(L"C:\\Windows\\Services.exe"), -1);
     EXPECT_FALSE(LumTrace().IsConfigured());
     EXPECT_EQ(LumTrace().GetCurrentLogLevel(), 0u);
 }
 
-TEST(TraceAtLoad, SwitchedOffByRegistry_StaysOff) {
+TEST(TraceAtLoadTest, SwitchedOffByRegistry_StaysOff) {
     LumTrace() = CLumDebug();
     RegistryScope registry;
     registry.SetDword(kLum2Key, L"TRACE", 0);
@@ -59,8 +59,8 @@ TEST(TraceAtLoad, SwitchedOffByRegistry_StaysOff) {
     EXPECT_FALSE(LumTrace().IsConfigured());
 }
 
-TEST(TraceAtLoad, HostExecutablePath_IsThisProgram) {
-    EXPECT_EQ(std::filesystem::path(HostExecutablePath()).stem(), "common_test");
+TEST(TraceAtLoadTest, HostExecutablePath_IsThisProgram) {
+    EXPECT_EQ(std::filesystem::path(HostExecutablePath()).stem(), "common_tests");
 }
 
 /// Programs whose load routine runs for itself.
@@ -74,20 +74,20 @@ class LoadedProgram : public testing::TestWithParam<const char*> {
     RegistryScope m_registry;
 };
 
-using TracedProgram = LoadedProgram;
-TEST_P(TracedProgram, HasItsLogOnFromTheStart) {
+using TracedProgramTest = LoadedProgram;
+TEST_P(TracedProgramTest, HasItsLogOnFromTheStart) {
     EXPECT_EQ(RunProgram(GetParam()), 1);
     EXPECT_TRUE(Traced());
 }
-INSTANTIATE_TEST_SUITE_P(Static, TracedProgram, testing::Values(LOAD_PROBE));
-INSTANTIATE_TEST_SUITE_P(Shared, TracedProgram, testing::Values(LOAD_PROBE_SHARED));
+INSTANTIATE_TEST_SUITE_P(Static, TracedProgramTest, testing::Values(LOAD_PROBE));
+INSTANTIATE_TEST_SUITE_P(Shared, TracedProgramTest, testing::Values(LOAD_PROBE_SHARED));
 
-using SilentProgram = LoadedProgram;
-TEST_P(SilentProgram, HasNoLog) {
+using SilentProgramTest = LoadedProgram;
+TEST_P(SilentProgramTest, HasNoLog) {
     EXPECT_EQ(RunProgram(GetParam()), 0);
     EXPECT_FALSE(Traced());
 }
-INSTANTIATE_TEST_SUITE_P(Hosts, SilentProgram,
+INSTANTIATE_TEST_SUITE_P(Hosts, SilentProgramTest,
                          testing::Values(LOAD_PROBE_PROVIDER, LOAD_PROBE_SERVICES,
                                          LOAD_PROBE_SHARED_SERVICES));
 

@@ -9,7 +9,7 @@ namespace {
 
 using Helper = CZorel_EthernetAdapterMgrHelper;
 
-TEST(PathMakerWithoutComputerName, FullFormFails_RelativeFormDoesNot) {
+TEST(PathMakerWithoutComputerNameTest, FullFormFails_RelativeFormDoesNot) {
     quillet::platform::FailComputerName(true);
     ATL::CComBSTR path;
     EXPECT_FALSE(Helper::MakePathFromVlanObjectId(0, L"{1}", path));
@@ -20,7 +20,7 @@ TEST(PathMakerWithoutComputerName, FullFormFails_RelativeFormDoesNot) {
     quillet::platform::FailComputerName(false);
 }
 
-TEST(PathMakerWithoutMemory, RaisesTheComError) {
+TEST(PathMakerWithoutMemoryTest, RaisesTheComError) {
     for (unsigned long failing = 1; failing <= 2; ++failing) {
         ATL::CComBSTR path;
         quillet::platform::FailBstrAllocation(1);

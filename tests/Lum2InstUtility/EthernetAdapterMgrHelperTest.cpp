@@ -63,7 +63,7 @@ const Kind kKinds[] = {
     {"BootAgent", L"Zorel_BootAgent.Name=", Helper::MakePathFromBootAgentId, true, false, false, true},
 };
 
-class PathKind : public testing::TestWithParam<Kind> {
+class PathKindTest : public testing::TestWithParam<Kind> {
   protected:
     static std::wstring Text(const wchar_t* text) { return text == nullptr ? L"(null)" : text; }
     /// Whatever the readers take out of a path must be this, for those that take this kind.
@@ -82,29 +82,29 @@ class PathKind : public testing::TestWithParam<Kind> {
     }
 };
 
-TEST_P(PathKind, FullForm_IsOnThisComputer) {
+TEST_P(PathKindTest, FullForm_IsOnThisComputer) {
     CComBSTR path;
     EXPECT_TRUE(GetParam().make(kFull, kId, path));
     EXPECT_EQ(std::wstring(path), Prefix() + GetParam().relative + L'"' + kId + L'"');
     ExpectRead(path.m_str, kId);
 }
 
-TEST_P(PathKind, RelativeForm_HasNoComputer) {
+TEST_P(PathKindTest, RelativeForm_HasNoComputer) {
     CComBSTR path;
     EXPECT_TRUE(GetParam().make(kRelative, kId, path));
     EXPECT_EQ(std::wstring(path), GetParam().relative + L'"' + kId + L'"');
     ExpectRead(path.m_str, kId);
 }
 
-TEST_P(PathKind, PathOfAnotherMachine_IsReadAsWell) {
+TEST_P(PathKindTest, PathOfAnotherMachine_IsReadAsWell) {
     ExpectRead(L"\\\\LAB-7\\root\\custom:" + GetParam().relative + L'"' + kId + L'"', kId);
 }
 
-TEST_P(PathKind, EitherQuoteCharacter_IsRead) {
+TEST_P(PathKindTest, EitherQuoteCharacter_IsRead) {
     ExpectRead(GetParam().relative + L'\'' + kId + L'\'', kId);
 }
 
-TEST_P(PathKind, NamesInAnotherCase_AreRead) {
+TEST_P(PathKindTest, NamesInAnotherCase_AreRead) {
     std::wstring text = GetParam().relative;
     for (wchar_t& character : text) {
         character = character >= L'a' && character <= L'z' ? static_cast<wchar_t>(character - 32) : character;
@@ -112,12 +112,12 @@ TEST_P(PathKind, NamesInAnotherCase_AreRead) {
     ExpectRead(text + L'"' + kId + L'"', kId);
 }
 
-TEST_P(PathKind, UnnamedKey_IsRead) {
+TEST_P(PathKindTest, UnnamedKey_IsRead) {
     const std::wstring className = GetParam().relative.substr(0, GetParam().relative.find(L'.'));
     ExpectRead(className + L"=\"x\"", L"x");
 }
 
-TEST_P(PathKind, IdentifierWithQuotesAndBackslashes_SurvivesTheWay) {
+TEST_P(PathKindTest, IdentifierWithQuotesAndBackslashes_SurvivesTheWay) {
     const std::wstring id = L"a\"b'c\\d\\\\e\"";
     CComBSTR path;
     EXPECT_TRUE(GetParam().make(kRelative, id.c_str(), path));
@@ -125,7 +125,7 @@ TEST_P(PathKind, IdentifierWithQuotesAndBackslashes_SurvivesTheWay) {
     ExpectRead(path.m_str, id);
 }
 
-TEST_P(PathKind, NoIdentifier_GivesTheEmptyText) {
+TEST_P(PathKindTest, NoIdentifier_GivesTheEmptyText) {
     for (const wchar_t* id : {static_cast<const wchar_t*>(nullptr), L""}) {
         CComBSTR path(L"before");
         EXPECT_FALSE(GetParam().make(kFull, id, path));
@@ -134,7 +134,7 @@ TEST_P(PathKind, NoIdentifier_GivesTheEmptyText) {
     }
 }
 
-TEST_P(PathKind, KeyBesideTheIdentifyingOne_DoesNotMatter) {
+TEST_P(PathKindTest, KeyBesideTheIdentifyingOne_DoesNotMatter) {
     ExpectRead(GetParam().relative + L"\"x\",Other=\"y\"", L"x");
     const std::size_t dot = GetParam().relative.find(L'.') + 1;
     ExpectRead(GetParam().relative.substr(0, dot) + L"Other=\"y\"," + GetParam().relative.substr(dot) +
@@ -142,7 +142,7 @@ TEST_P(PathKind, KeyBesideTheIdentifyingOne_DoesNotMatter) {
                L"x");
 }
 
-TEST_P(PathKind, PathThatNamesNoInstanceOfIt_GivesNothing) {
+TEST_P(PathKindTest, PathThatNamesNoInstanceOfIt_GivesNothing) {
     const std::wstring className = GetParam().relative.substr(0, GetParam().relative.find(L'.'));
     for (const std::wstring& text :
          {className, className + L"=@", className + L".Other=\"x\"", className + L".Name=\"\"",
@@ -159,10 +159,10 @@ TEST_P(PathKind, PathThatNamesNoInstanceOfIt_GivesNothing) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, PathKind, testing::ValuesIn(kKinds),
+INSTANTIATE_TEST_SUITE_P(Kinds, PathKindTest, testing::ValuesIn(kKinds),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
-TEST(PathMaker, UnknownInstanceType_GivesTheEmptyText) {
+TEST(PathMakerTest, UnknownInstanceType_GivesTheEmptyText) {
     CComBSTR path;
     EXPECT_FALSE(
         Helper::MakePathFromObjectId(kFull, kId, path, static_cast<Helper::EthernetInstanceType>(99)));
@@ -170,12 +170,12 @@ TEST(PathMaker, UnknownInstanceType_GivesTheEmptyText) {
     EXPECT_EQ(path.Length(), 0u);
 }
 
-TEST(PathMaker, InstanceTypes_HaveTheirNumbers) {
+TEST(PathMakerTest, InstanceTypes_HaveTheirNumbers) {
     EXPECT_EQ(Helper::PhysicalAdapter, 0);
     EXPECT_EQ(Helper::LogicalAdapter, 1);
 }
 
-TEST(PathReader, NullAndUnparsedPaths_GiveNothing) {
+TEST(PathReaderTest, NullAndUnparsedPaths_GiveNothing) {
     Path unparsed;
     Path failed;
     EXPECT_NE(failed.Parse(L"no path"), 0);
@@ -190,13 +190,13 @@ TEST(PathReader, NullAndUnparsedPaths_GiveNothing) {
     }
 }
 
-TEST(PathReader, IscsiBootAgent_HasTheBootAgentsIdentifier) {
+TEST(PathReaderTest, IscsiBootAgent_HasTheBootAgentsIdentifier) {
     Path path;
     ASSERT_EQ(path.Parse(L"Zorel_BootAgent_iSCSI_Adapters.Name=\"{1}\""), 0);
     EXPECT_STREQ(Helper::GetBootAgentIdFromPath(&path), L"{1}");
 }
 
-TEST(PathReader, AdapterPath_ComesBackFromItsIdentifier) {
+TEST(PathReaderTest, AdapterPath_ComesBackFromItsIdentifier) {
     const std::wstring text = Prefix() + L"Zorel_PhysicalEthernetAdapter.DeviceID=\"" + kId + L'"';
     Path path;
     ASSERT_EQ(path.Parse(text.c_str()), 0);
@@ -207,7 +207,7 @@ TEST(PathReader, AdapterPath_ComesBackFromItsIdentifier) {
     EXPECT_EQ(std::wstring(again), text);
 }
 
-TEST(PathReader, Identifier_LivesAsLongAsItsPath) {
+TEST(PathReaderTest, Identifier_LivesAsLongAsItsPath) {
     Path path;
     ASSERT_EQ(path.Parse(L"Zorel_VLAN.Name='{1}'"), 0);
     wchar_t* const first = Helper::GetVlanObjectIdFromPath(&path);
@@ -226,7 +226,7 @@ std::wstring Quoted(const std::wstring& path) {
     return text + L'"';
 }
 
-TEST(MemberPath, AdapterIdentifier_IsInThePathWithinThePath) {
+TEST(MemberPathTest, AdapterIdentifier_IsInThePathWithinThePath) {
     const std::wstring team = Quoted(L"\\\\H\\ROOT\\MarloLUM2:Zorel_TeamOfAdapters.Name=\"{team}\"");
     const std::wstring part = Quoted(L"\\\\H\\ROOT\\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID=\"" +
                                      std::wstring(kId) + L'"');
@@ -241,7 +241,7 @@ TEST(MemberPath, AdapterIdentifier_IsInThePathWithinThePath) {
     }
 }
 
-TEST(MemberPath, OtherQuotesAndRelativeParts_AreReadAsWell) {
+TEST(MemberPathTest, OtherQuotesAndRelativeParts_AreReadAsWell) {
     Path path;
     ASSERT_EQ(
         path.Parse(
@@ -255,7 +255,7 @@ TEST(MemberPath, OtherQuotesAndRelativeParts_AreReadAsWell) {
     EXPECT_STREQ(Helper::GetAdapterIdFromMemberAdapterPath(&path), L"{2}");
 }
 
-TEST(MemberPath, PartThatIsNoPhysicalAdapter_GivesNothing) {
+TEST(MemberPathTest, PartThatIsNoPhysicalAdapter_GivesNothing) {
     for (const wchar_t* part :
          {L"", L"no path", L"Zorel_VLAN.Name='x'", L"Zorel_PhysicalEthernetAdapter",
           L"Zorel_TeamOfAdapters.Name='x'", L"Zorel_PhysicalEthernetAdapter.DeviceID=''",
@@ -267,7 +267,7 @@ TEST(MemberPath, PartThatIsNoPhysicalAdapter_GivesNothing) {
     }
 }
 
-TEST(MemberPath, AssociationWithoutPartOrOfAnotherClass_GivesNothing) {
+TEST(MemberPathTest, AssociationWithoutPartOrOfAnotherClass_GivesNothing) {
     for (const wchar_t* text : {L"Zorel_TeamedMemberAdapter", L"Zorel_TeamedMemberAdapter.GroupComponent='x'",
                                 L"Zorel_Other.PartComponent=\"Zorel_PhysicalEthernetAdapter.DeviceID='{1}'\"",
                                 L"Zorel_PhysicalEthernetAdapter.DeviceID='{1}'"}) {

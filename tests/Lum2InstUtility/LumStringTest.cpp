@@ -10,7 +10,7 @@ std::wstring Plain(const wchar_t* text) {
     return text;
 }
 
-TEST(LumString, Text_IsHeldAndGivenBack) {
+TEST(LumStringTest, Text_IsHeldAndGivenBack) {
     const CLumString text(L"abc");
     EXPECT_EQ(text.Length(), 3u);
     EXPECT_FALSE(text.IsEmpty());
@@ -19,14 +19,14 @@ TEST(LumString, Text_IsHeldAndGivenBack) {
     EXPECT_EQ(CLumString(std::wstring(L"abc")), text);
 }
 
-TEST(LumString, NullAndDefault_AreTheEmptyText) {
+TEST(LumStringTest, NullAndDefault_AreTheEmptyText) {
     const wchar_t* const null = nullptr;
     EXPECT_TRUE(CLumString(null).IsEmpty());
     EXPECT_TRUE(CLumString().IsEmpty());
     EXPECT_EQ(Plain(CLumString()), L"");
 }
 
-TEST(LumString, Comparisons_AreThoseOfTexts) {
+TEST(LumStringTest, Comparisons_AreThoseOfTexts) {
     const CLumString a(L"a");
     const CLumString same(L"a");
     const CLumString b(L"b");
@@ -42,7 +42,7 @@ TEST(LumString, Comparisons_AreThoseOfTexts) {
     EXPECT_TRUE(L"a" < b);
 }
 
-TEST(LumString, Copies_AreTheirOwn) {
+TEST(LumStringTest, Copies_AreTheirOwn) {
     CLumString first(L"first");
     CLumString second = first;
     second += L"+";
@@ -54,7 +54,7 @@ TEST(LumString, Copies_AreTheirOwn) {
     EXPECT_EQ(first, L"plain");
 }
 
-TEST(LumString, FormatString_FormatsAsWindowsDoes) {
+TEST(LumStringTest, FormatString_FormatsAsWindowsDoes) {
     CLumString text(L"before");
     const int length = text.FormatString(
         L"Zorel_AdapterSettingEnum.Caption='%s',ParentId='%s',ParentType='NIC'", L"*SpeedDuplex", L"{1}");
@@ -65,20 +65,20 @@ TEST(LumString, FormatString_FormatsAsWindowsDoes) {
     EXPECT_EQ(text, L"narrow -5 00AB 18446744073709551615 x%");
 }
 
-TEST(LumString, FormatString_OfNothingIsEmpty) {
+TEST(LumStringTest, FormatString_OfNothingIsEmpty) {
     CLumString text(L"before");
     EXPECT_EQ(text.FormatString(L""), 0);
     EXPECT_TRUE(text.IsEmpty());
 }
 
-TEST(LumString, FormatString_HasNoLimit) {
+TEST(LumStringTest, FormatString_HasNoLimit) {
     CLumString text;
     const std::wstring part(300'000, L'p');
     EXPECT_EQ(text.FormatString(L"%s%s", part.c_str(), part.c_str()), 600'000);
     EXPECT_EQ(text.ToString(), part + part);
 }
 
-TEST(LumString, FormatString_MayUseItsOwnText) {
+TEST(LumStringTest, FormatString_MayUseItsOwnText) {
     CLumString text(L"own");
     EXPECT_EQ(
         text.FormatString(L"%s and %s", static_cast<const wchar_t*>(text), static_cast<const wchar_t*>(text)),
@@ -86,13 +86,13 @@ TEST(LumString, FormatString_MayUseItsOwnText) {
     EXPECT_EQ(text, L"own and own");
 }
 
-TEST(LumString, FormatString_OfNoFormatLeavesTheText) {
+TEST(LumStringTest, FormatString_OfNoFormatLeavesTheText) {
     CLumString text(L"before");
     EXPECT_EQ(text.FormatString(nullptr), -1);
     EXPECT_EQ(text, L"before");
 }
 
-TEST(LumString, FormatString_TakesNonAsciiArguments) {
+TEST(LumStringTest, FormatString_TakesNonAsciiArguments) {
     CLumString text;
     text.FormatString(L"%s|", L"網路卡 \U0001F600");
     EXPECT_EQ(text, L"網路卡 \U0001F600|");

@@ -16,7 +16,7 @@ std::wstring Key(const Path& path, const wchar_t* name) {
     return value == nullptr ? L"(none)" : *value;
 }
 
-TEST(ObjectPath, NewObject_IsEmpty) {
+TEST(ObjectPathTest, NewObject_IsEmpty) {
     const Path path;
     EXPECT_FALSE(path.IsParsed());
     EXPECT_EQ(path.KeyCount(), 0u);
@@ -24,7 +24,7 @@ TEST(ObjectPath, NewObject_IsEmpty) {
     EXPECT_FALSE(path.IsOfClass(L"Zorel_VLAN"));
 }
 
-TEST(ObjectPath, FullPath_HasAllParts) {
+TEST(ObjectPathTest, FullPath_HasAllParts) {
     Path path;
     ASSERT_EQ(path.Parse(LR"(\\LAB-7\ROOT\MarloLUM2:Zorel_VLAN.Name="{1}")"), 0);
     EXPECT_TRUE(path.IsParsed());
@@ -36,7 +36,7 @@ TEST(ObjectPath, FullPath_HasAllParts) {
     EXPECT_FALSE(path.IsSingleton());
 }
 
-TEST(ObjectPath, Server_MayBeAnAddressOrTheDot) {
+TEST(ObjectPathTest, Server_MayBeAnAddressOrTheDot) {
     Path path;
     for (const std::wstring server : {L".", L"127.0.0.1", L"host.example.net", L"my_host-2", L"größe"}) {
         ASSERT_EQ(path.Parse((L"\\\\" + server + L"\\ROOT:C").c_str()), 0) << server;
@@ -45,14 +45,14 @@ TEST(ObjectPath, Server_MayBeAnAddressOrTheDot) {
     }
 }
 
-TEST(ObjectPath, Slashes_SeparateAsBackslashesDo) {
+TEST(ObjectPathTest, Slashes_SeparateAsBackslashesDo) {
     Path path;
     ASSERT_EQ(path.Parse(L"//host/root/MarloLUM2/sub:C.K=1"), 0);
     EXPECT_EQ(path.Server(), L"host");
     EXPECT_EQ(path.Namespace(), L"root\\MarloLUM2\\sub");
 }
 
-TEST(ObjectPath, NamespaceWithoutServer_IsOne) {
+TEST(ObjectPathTest, NamespaceWithoutServer_IsOne) {
     Path path;
     ASSERT_EQ(path.Parse(LR"(ROOT\MarloLUM2:Zorel_VLAN.Name="x")"), 0);
     EXPECT_EQ(path.Server(), L"");
@@ -60,7 +60,7 @@ TEST(ObjectPath, NamespaceWithoutServer_IsOne) {
     EXPECT_EQ(path.ClassName(), L"Zorel_VLAN");
 }
 
-TEST(ObjectPath, RelativePath_HasNeither) {
+TEST(ObjectPathTest, RelativePath_HasNeither) {
     Path path;
     ASSERT_EQ(path.Parse(L"Zorel_VLAN.Name='x'"), 0);
     EXPECT_EQ(path.Server(), L"");
@@ -68,7 +68,7 @@ TEST(ObjectPath, RelativePath_HasNeither) {
     EXPECT_EQ(Key(path, L"Name"), L"x");
 }
 
-TEST(ObjectPath, ColonInAKeyValue_EndsNoNamespace) {
+TEST(ObjectPathTest, ColonInAKeyValue_EndsNoNamespace) {
     Path path;
     ASSERT_EQ(path.Parse(LR"(C.K="a:b\\c")"), 0);
     EXPECT_EQ(path.Namespace(), L"");
@@ -78,7 +78,7 @@ TEST(ObjectPath, ColonInAKeyValue_EndsNoNamespace) {
     EXPECT_EQ(Key(path, L"any"), L"a:b");
 }
 
-TEST(ObjectPath, ClassAlone_IsAPathWithoutKeys) {
+TEST(ObjectPathTest, ClassAlone_IsAPathWithoutKeys) {
     Path path;
     ASSERT_EQ(path.Parse(L"__NAMESPACE"), 0);
     EXPECT_EQ(path.ClassName(), L"__NAMESPACE");
@@ -86,14 +86,14 @@ TEST(ObjectPath, ClassAlone_IsAPathWithoutKeys) {
     EXPECT_FALSE(path.IsSingleton());
 }
 
-TEST(ObjectPath, Singleton_IsToldFromAClass) {
+TEST(ObjectPathTest, Singleton_IsToldFromAClass) {
     Path path;
     ASSERT_EQ(path.Parse(L"Zorel_NetService=@"), 0);
     EXPECT_TRUE(path.IsSingleton());
     EXPECT_EQ(path.KeyCount(), 0u);
 }
 
-TEST(ObjectPath, UnnamedKey_HasAnyName) {
+TEST(ObjectPathTest, UnnamedKey_HasAnyName) {
     Path path;
     ASSERT_EQ(path.Parse(L"Zorel_VLAN=\"x\""), 0);
     EXPECT_EQ(path.KeyCount(), 1u);
@@ -101,7 +101,7 @@ TEST(ObjectPath, UnnamedKey_HasAnyName) {
     EXPECT_EQ(Key(path, L"Other"), L"x");
 }
 
-TEST(ObjectPath, Keys_AreFoundInAnyOrderAndCase) {
+TEST(ObjectPathTest, Keys_AreFoundInAnyOrderAndCase) {
     Path path;
     for (const wchar_t* text : {LR"(S.Caption="c",ParentId='p',ParentType="NIC")",
                                 LR"(S.ParentType='NIC',Caption="c",ParentId="p")"}) {
@@ -114,14 +114,14 @@ TEST(ObjectPath, Keys_AreFoundInAnyOrderAndCase) {
     }
 }
 
-TEST(ObjectPath, BothQuoteCharacters_HoldTheOther) {
+TEST(ObjectPathTest, BothQuoteCharacters_HoldTheOther) {
     Path path;
     ASSERT_EQ(path.Parse(LR"(C.A="it's",B='say "x"')"), 0);
     EXPECT_EQ(Key(path, L"A"), L"it's");
     EXPECT_EQ(Key(path, L"B"), L"say \"x\"");
 }
 
-TEST(ObjectPath, Escapes_StandForTheirCharacter) {
+TEST(ObjectPathTest, Escapes_StandForTheirCharacter) {
     Path path;
     ASSERT_EQ(path.Parse(LR"(C.A="a\"b",B='a\'b',D="a\\b\\",E='\"\\\'',F="\'")"), 0);
     EXPECT_EQ(Key(path, L"A"), L"a\"b");
@@ -131,13 +131,13 @@ TEST(ObjectPath, Escapes_StandForTheirCharacter) {
     EXPECT_EQ(Key(path, L"F"), L"'");
 }
 
-TEST(ObjectPath, BackslashBeforeAnotherCharacter_IsOrdinary) {
+TEST(ObjectPathTest, BackslashBeforeAnotherCharacter_IsOrdinary) {
     Path path;
     ASSERT_EQ(path.Parse(LR"(C.K="C:\temp\n")"), 0);
     EXPECT_EQ(Key(path, L"K"), L"C:\\temp\\n");
 }
 
-TEST(ObjectPath, KeyValueThatIsAPath_IsTakenOutWhole) {
+TEST(ObjectPathTest, KeyValueThatIsAPath_IsTakenOutWhole) {
     Path path;
     ASSERT_EQ(
         path.Parse(
@@ -147,7 +147,7 @@ TEST(ObjectPath, KeyValueThatIsAPath_IsTakenOutWhole) {
     EXPECT_EQ(Key(path, L"PartComponent"), LR"(\\H\ROOT\M:P.ID="{2}")");
 }
 
-TEST(ObjectPath, NumbersAndTruthValues_AreKeptAsWritten) {
+TEST(ObjectPathTest, NumbersAndTruthValues_AreKeptAsWritten) {
     Path path;
     ASSERT_EQ(path.Parse(L"C.A=0,B=-15,D=+7,E=0x1F,F=TRUE,G=false"), 0);
     EXPECT_EQ(Key(path, L"A"), L"0");
@@ -158,21 +158,21 @@ TEST(ObjectPath, NumbersAndTruthValues_AreKeptAsWritten) {
     EXPECT_EQ(Key(path, L"G"), L"false");
 }
 
-TEST(ObjectPath, EmptyAndNonAsciiValues_AreValues) {
+TEST(ObjectPathTest, EmptyAndNonAsciiValues_AreValues) {
     Path path;
     ASSERT_EQ(path.Parse(L"C.A=\"\",B=\"網路卡 \U0001F600\""), 0);
     EXPECT_EQ(Key(path, L"A"), L"");
     EXPECT_EQ(Key(path, L"B"), L"網路卡 \U0001F600");
 }
 
-TEST(ObjectPath, VeryLongValue_IsKeptWhole) {
+TEST(ObjectPathTest, VeryLongValue_IsKeptWhole) {
     Path path;
     const std::wstring value(1'000'000, L'v');
     ASSERT_EQ(path.Parse((L"C.K=\"" + value + L"\"").c_str()), 0);
     EXPECT_EQ(Key(path, L"K"), value);
 }
 
-TEST(ObjectPath, Keys_AreLimitedInNumber) {
+TEST(ObjectPathTest, Keys_AreLimitedInNumber) {
     const auto withKeys = [](int count) {
         std::wstring text = L"C.";
         for (int i = 0; i < count; ++i) {
@@ -185,9 +185,9 @@ TEST(ObjectPath, Keys_AreLimitedInNumber) {
     EXPECT_NE(path.Parse(withKeys(257).c_str()), 0);
 }
 
-class NoObjectPath : public testing::TestWithParam<const wchar_t*> {};
+class NoObjectPathTest : public testing::TestWithParam<const wchar_t*> {};
 
-TEST_P(NoObjectPath, IsRefusedAndLeavesTheObjectEmpty) {
+TEST_P(NoObjectPathTest, IsRefusedAndLeavesTheObjectEmpty) {
     Path path;
     ASSERT_EQ(path.Parse(L"C.K='v'"), 0);
     EXPECT_EQ(path.Parse(GetParam()), static_cast<int>(WBEM_E_INVALID_OBJECT_PATH));
@@ -197,39 +197,39 @@ TEST_P(NoObjectPath, IsRefusedAndLeavesTheObjectEmpty) {
     EXPECT_EQ(path.Namespace(), L"");
 }
 
-INSTANTIATE_TEST_SUITE_P(Empty, NoObjectPath,
+INSTANTIATE_TEST_SUITE_P(Empty, NoObjectPathTest,
                          testing::Values(L"", L" ", L".", L":", L"=", L"@", L",", L"\\", L"\\\\", L"/", L"//",
                                          L"\"", L"'", L"\"x\"", L"{3F2504E0-4F89-11D3-9A0C-0305E82C3301}",
                                          L"not a path", L"42", L"1C.K=1", L"-", L"*"));
-INSTANTIATE_TEST_SUITE_P(Location, NoObjectPath,
+INSTANTIATE_TEST_SUITE_P(Location, NoObjectPathTest,
                          testing::Values(L"\\\\host", L"\\\\host\\", L"\\\\host\\root", L"\\\\host\\root:",
                                          L"\\\\host:C", L"\\\\\\root:C", L"\\\\host\\\\root:C",
                                          L"\\\\host\\root\\:C", L"\\host\\root:C", L":C", L"root\\:C",
                                          L"\\root:C", L"root\\\\sub:C", L"root:sub:C", L"\\\\ho st\\root:C",
                                          L"\\\\host\\ro ot:C", L"\\\\host\\1:C", L"\\\\host\\root.C",
                                          L"root\\sub", L"\\\\host\\root:C:D"));
-INSTANTIATE_TEST_SUITE_P(Keys, NoObjectPath,
+INSTANTIATE_TEST_SUITE_P(Keys, NoObjectPathTest,
                          testing::Values(L"C.", L"C.K", L"C.K=", L"C.=1", L"C.K=1,", L"C.K=1,,L=2", L"C.,K=1",
                                          L"C.K=1L=2", L"C.K=1;L=2", L"C.K=1 ", L" C.K=1", L"C .K=1",
                                          L"C. K=1", L"C.K =1", L"C.K= 1", L"C.K=1, L=2", L"C.K=1,K=2",
                                          L"C.K=1,k=2", L"C.1=1", L"C.K==1", L"C..K=1", L"C.K=1.L=2",
                                          L"C.\"K\"=1", L"C=", L"C=@x", L"C=@,K=1", L"C=1,K=2", L"C='x'y",
                                          L"C@", L"C,K=1", L"C!K=1"));
-INSTANTIATE_TEST_SUITE_P(Values, NoObjectPath,
+INSTANTIATE_TEST_SUITE_P(Values, NoObjectPathTest,
                          testing::Values(L"C.K=\"", L"C.K='", L"C.K=\"x", L"C.K='x", L"C.K=\"x'", L"C.K='x\"",
                                          L"C.K=\"x\\\"", L"C.K=\"\\", L"C.K=x", L"C.K=TRUTH", L"C.K=TRUEx",
                                          L"C.K=1x", L"C.K=0x", L"C.K=0xG", L"C.K=--1", L"C.K=1-1", L"C.K=-",
                                          L"C.K=+", L"C.K=1.5", L"C.K=NULL", L"C.K={1}", L"C.K=\"x\"\"y\"",
                                          L"C.K=\"x\"y", L"C.K=\"x\"\"", L"C.K=(1)"));
 
-TEST(ObjectPath, Null_IsAnInvalidArgument) {
+TEST(ObjectPathTest, Null_IsAnInvalidArgument) {
     Path path;
     ASSERT_EQ(path.Parse(L"C"), 0);
     EXPECT_EQ(path.Parse(nullptr), static_cast<int>(WBEM_E_INVALID_PARAMETER));
     EXPECT_FALSE(path.IsParsed());
 }
 
-TEST(ObjectPath, EveryBeginningOfAPath_IsParsedOrRefused) {
+TEST(ObjectPathTest, EveryBeginningOfAPath_IsParsedOrRefused) {
     const std::wstring whole =
         LR"(\\H\ROOT\M:Zorel_TeamedMemberAdapter.GroupComponent="\\\\H\\ROOT\\M:T.Name=\"{1}\"",N=-5,B=TRUE)";
     Path path;
@@ -240,7 +240,7 @@ TEST(ObjectPath, EveryBeginningOfAPath_IsParsedOrRefused) {
     EXPECT_EQ(path.Parse(whole.c_str()), 0);
 }
 
-TEST(ObjectPath, ClassNames_AreComparedWithoutRegardToCase) {
+TEST(ObjectPathTest, ClassNames_AreComparedWithoutRegardToCase) {
     Path path;
     ASSERT_EQ(path.Parse(L"zorel_vlan=1"), 0);
     EXPECT_TRUE(path.IsOfClass(L"Zorel_VLAN"));
@@ -249,7 +249,7 @@ TEST(ObjectPath, ClassNames_AreComparedWithoutRegardToCase) {
     EXPECT_FALSE(path.IsOfClass(L""));
 }
 
-TEST(ObjectPath, KeptTexts_LiveUntilTheNextParse) {
+TEST(ObjectPathTest, KeptTexts_LiveUntilTheNextParse) {
     Path path;
     ASSERT_EQ(path.Parse(L"C.K='value'"), 0);
     wchar_t* const first = path.Keep(L"one");

@@ -10,10 +10,10 @@ using ATL::CComPtr;
 using Access = QuilletTestAccess;
 namespace platform = quillet::platform;
 
-constexpr const char* NO_ARRAY = "(NULL == pSafeArray) -> Create fail";
+constexpr const char* kNoArray = "(NULL == pSafeArray) -> Create fail";
 
-constexpr const wchar_t* ADAPTER = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
-constexpr const char* PROFILES = R"(
+constexpr const wchar_t* kAdapter = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+constexpr const char* kProfiles = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Name = "A"; OriginalDisplayName = "A"; };
     instance of Zorel_AdapterSettingEnum {
@@ -166,11 +166,11 @@ TEST_F(AllocationFailuresTest, DisplayTexts_AnyStringMissing_AreNeverAnEmptySucc
 }
 
 TEST_F(AllocationFailuresTest, Profiles_AnyStringMissing_KeepValuesAndTextsTogether) {
-    UseText(PROFILES);
+    UseText(kProfiles);
     Connect();
     FailEachStringAllocation([this] {
         CPerformanceProfiles profiles;
-        const HRESULT result = quillet.GetAdapterProfiles(ADAPTER, profiles);
+        const HRESULT result = quillet.GetAdapterProfiles(kAdapter, profiles);
         if (SUCCEEDED(result)) {
             EXPECT_EQ(profiles.m_vecItems.size(), 3u);
         }
@@ -182,7 +182,7 @@ TEST_F(AllocationFailuresTest, Profiles_AnyStringMissing_KeepValuesAndTextsToget
 }
 
 TEST_F(AllocationFailuresTest, LeaveHyperV_AnyStringMissing_LeavesNoClientSetOpen) {
-    UseText(PROFILES);
+    UseText(kProfiles);
     Connect();
     FailEachStringAllocation([this] {
         struct Check {
@@ -238,7 +238,7 @@ TEST_F(AllocationFailuresTest, FlashOperations_NoMemoryForTheArray_FailBeforeThe
     EXPECT_EQ(Code(quillet.VerifyImageType(L"Zorel_BootAgent.Name=\"{A}\"", size, image, types, returnCode)),
               "0x80004005");
     platform::FailArrayAllocation(0);
-    EXPECT_THAT(Traced(), testing::Contains(NO_ARRAY));
+    EXPECT_THAT(Traced(), testing::Contains(kNoArray));
     EXPECT_THAT(Called(), testing::IsEmpty());
 }
 
@@ -251,7 +251,7 @@ TEST_F(AllocationFailuresTest, ListsOfTexts_NoMemoryForTheArray_AreNotSent) {
     platform::FailArrayAllocation(1);
     EXPECT_EQ(Code(quillet.ValidateSettingsOnNewTeam(adapters, validation)), "0x80041001");
     platform::FailArrayAllocation(0);
-    EXPECT_THAT(Traced(), testing::Contains(NO_ARRAY));
+    EXPECT_THAT(Traced(), testing::Contains(kNoArray));
 
     const CComPtr<IWbemClassObject> netService = Access::GetNetService(quillet);
     ASSERT_TRUE(netService);
@@ -260,7 +260,7 @@ TEST_F(AllocationFailuresTest, ListsOfTexts_NoMemoryForTheArray_AreNotSent) {
     EXPECT_EQ(Code(Access::SetPropertyAsMultiString(quillet, netService, L"Name", {L"a", L"b"})),
               "0x80004005");
     platform::FailArrayAllocation(0);
-    EXPECT_THAT(Traced(), testing::Contains(NO_ARRAY));
+    EXPECT_THAT(Traced(), testing::Contains(kNoArray));
     for (const JournalEntry& call : machine->Calls().All()) {
         EXPECT_NE(call.operation, Operation::ExecMethod);
         EXPECT_NE(call.operation, Operation::PutInstance);

@@ -67,7 +67,7 @@ class MemoryFailuresTest : public ProviderTest {
         g_size = 0;
     }
 
-    static constexpr const wchar_t* ADAPTER = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+    static constexpr const wchar_t* kAdapter = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
 
     /// The second record of a list cannot be made: the operation fails, says why, and keeps the first.
     template <class Record, class Records, class Operation>
@@ -99,18 +99,18 @@ TEST_F(MemoryFailuresTest, Vlans_NoMemoryForTheSecondRecord_KeepsTheFirst) {
     Connect();
     CVLANs vlans;
     ExpectFirstOnly<CVLAN>(
-        vlans, [&] { return quillet.EnumerateVLANsOfAdapter(ADAPTER, vlans); }, "(pVLANInfo == NULL)");
+        vlans, [&] { return quillet.EnumerateVLANsOfAdapter(kAdapter, vlans); }, "(pVLANInfo == NULL)");
 }
 
 TEST_F(MemoryFailuresTest, Ports_NoMemoryForTheSecondRecord_KeepsTheFirst) {
     CAdapterPorts ports;
     ExpectFirstOnly<CAdapterPort>(
-        ports, [&] { return quillet.EnumerateOtherPortOfAdapter(ADAPTER, ports); },
+        ports, [&] { return quillet.EnumerateOtherPortOfAdapter(kAdapter, ports); },
         "Mem alloc problem in CAdapterPort *pAdapterPort");
 }
 
 TEST_F(MemoryFailuresTest, AdapterInformation_NoMemoryForTheRecord_FailsAndLeavesTheAdapterWithoutOne) {
-    const std::wstring path = ADAPTER;
+    const std::wstring path = kAdapter;
     CAdapter adapter;
     g_size = sizeof(CAdapterDynamicInfo);
     g_failAt = 1;
@@ -159,7 +159,7 @@ class TeamMemoryFailuresTest : public MemoryFailuresTest {
             instance of Zorel_TeamedMemberAdapter { GroupComponent = $T; PartComponent = $B; };)");
         Connect();
     }
-    const std::wstring A = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+    const std::wstring kA = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
 };
 
 TEST_F(TeamMemoryFailuresTest, Teams_NoMemoryForTheSecondRecord_KeepsTheFirst) {
@@ -186,13 +186,13 @@ TEST_F(TeamMemoryFailuresTest, TeamModes_NoMemoryForARecord_FailsWithItsLine) {
     CAdapter adapter;
     g_failAt = 1;
     g_size = sizeof(CTeamWizTeamModes);
-    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(A, adapter)), "0x80004005");
+    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(kA, adapter)), "0x80004005");
     EXPECT_EQ(g_failAt, 0) << "the fault was never met";
     EXPECT_EQ(adapter.m_pTeamModes, nullptr);
     EXPECT_THAT(Traced(), Contains("rAdapter.m_pTeamModes == NULL"));
     g_failAt = 2;
     g_size = sizeof(CTeamWizTeamMode);
-    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(A, adapter)), "0x80004005");
+    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(kA, adapter)), "0x80004005");
     EXPECT_EQ(g_failAt, 0) << "the fault was never met";
     ASSERT_NE(adapter.m_pTeamModes, nullptr);
     EXPECT_EQ(adapter.m_pTeamModes->m_vecItems.size(), 1u);
@@ -202,7 +202,7 @@ TEST_F(TeamMemoryFailuresTest, TeamModes_NoMemoryForARecord_FailsWithItsLine) {
 TEST_F(TeamMemoryFailuresTest, CompatibleModes_NoMemoryForARecord_FailsWithItsLine) {
     CAdapters adapters;
     adapters.m_vecItems.push_back(new CAdapter);
-    adapters.m_vecItems[0]->m_wsAdapterID = A;
+    adapters.m_vecItems[0]->m_wsAdapterID = kA;
     CTeamWizTeamModes modes;
     // The adapter's own two records come first.
     g_failAt = 4;
@@ -267,7 +267,7 @@ TEST_F(BootMemoryFailuresTest, ISCSIAdapters_NoMemoryForTheSecondRecord_KeepsThe
 }
 
 TEST_F(BootMemoryFailuresTest, ImageFile_NoMemoryForTheSecondRecord_KeepsTheFirst) {
-    boot::Bytes file = boot::NewImage();
+    quillet::tests::Bytes file = quillet::tests::NewImage();
     CSettings images;
     int code = 0;
     ExpectFirstOnly<CSettingString>(
@@ -289,7 +289,7 @@ TEST_F(MemoryFailuresTest, Profiles_NoMemoryForTheSecondRecord_KeepsTheFirst) {
     Connect();
     CPerformanceProfiles profiles;
     ExpectFirstOnly<CPerformanceProfile>(
-        profiles, [&] { return quillet.GetAdapterProfiles(ADAPTER, profiles); }, "pProfile == NULL");
+        profiles, [&] { return quillet.GetAdapterProfiles(kAdapter, profiles); }, "pProfile == NULL");
 }
 
 TEST_F(MemoryFailuresTest, SettingsOfMembers_NoMemoryForTheSecondRecord_KeepsTheFirst) {
@@ -308,7 +308,7 @@ TEST_F(MemoryFailuresTest, SettingsOfMembers_NoMemoryForTheSecondRecord_KeepsThe
     ExpectFirstOnly<CSettingEnum>(
         settings,
         [&] {
-            return QuilletTestAccess::GetSettingOnTeamOrAdapter(quillet, {ADAPTER}, settings, onAll,
+            return QuilletTestAccess::GetSettingOnTeamOrAdapter(quillet, {kAdapter}, settings, onAll,
                                                                 SettingName::RssMode);
         },
         "pSetting == NULL");

@@ -72,7 +72,7 @@ bool Traced(const std::vector<std::string>& lines, const std::string& text) {
     return false;
 }
 
-TEST(SharedLibrary, Client_ConnectsListsAdaptersAndIsTraced) {
+TEST(SharedLibraryTest, Client_ConnectsListsAdaptersAndIsTraced) {
     const auto machine = Machine::BuiltIn();
     const Registration registration(machine);
     ASSERT_TRUE(SUCCEEDED(registration.Result()));
@@ -99,7 +99,7 @@ TEST(SharedLibrary, Client_ConnectsListsAdaptersAndIsTraced) {
     EXPECT_TRUE(Traced(trace, "~CQuillet"));
 }
 
-TEST(SharedLibrary, Client_WithoutAConnection_IsToldSo) {
+TEST(SharedLibraryTest, Client_WithoutAConnection_IsToldSo) {
     CQuillet quillet;
     ULONGLONG warnings = 7;
     EXPECT_EQ(static_cast<ULONG>(quillet.GetWarnings(warnings)), 0x80041001u);

@@ -6,7 +6,7 @@
 
 namespace {
 
-using quillet::test::FreedBlocks;
+using quillet::tests::FreedBlocks;
 
 struct Line {
     const char* name;

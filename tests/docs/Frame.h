@@ -22,7 +22,7 @@ class DocumentTest : public testing::Test {
   private:
     std::filesystem::path m_before;
     std::filesystem::path m_files;
-    quillet::test::TemporaryDirectory m_folder;
+    quillet::tests::TemporaryDirectory m_folder;
 };
 
 /// "connected": besides, `quillet` is connected to `machine`, the one that ships with the simulator.

@@ -18,12 +18,12 @@ using quillet::platform::BstrAllocations;
 using quillet::platform::FailBstrAllocation;
 using quillet::platform::Live;
 
-class AllocationFailure : public testing::Test {
+class AllocationFailureTest : public testing::Test {
   protected:
     void TearDown() override { FailBstrAllocation(0); }
 };
 
-TEST_F(AllocationFailure, HitsTheNthAllocationFromNowOn) {
+TEST_F(AllocationFailureTest, HitsTheNthAllocationFromNowOn) {
     const unsigned long before = BstrAllocations();
     FailBstrAllocation(3);
     const BSTR first = SysAllocString(L"1");
@@ -39,7 +39,7 @@ TEST_F(AllocationFailure, HitsTheNthAllocationFromNowOn) {
     }
 }
 
-TEST_F(AllocationFailure, CanBeDisarmed) {
+TEST_F(AllocationFailureTest, CanBeDisarmed) {
     FailBstrAllocation(1);
     FailBstrAllocation(0);
     const BSTR text = SysAllocString(L"made");
@@ -52,7 +52,7 @@ TEST_F(AllocationFailure, CanBeDisarmed) {
     SysFreeString(other);
 }
 
-TEST_F(AllocationFailure, IsOneThreadsMatter) {
+TEST_F(AllocationFailureTest, IsOneThreadsMatter) {
     FailBstrAllocation(1);
     std::thread([] {
         const BSTR text = SysAllocString(L"other thread");
@@ -62,7 +62,7 @@ TEST_F(AllocationFailure, IsOneThreadsMatter) {
     EXPECT_EQ(SysAllocString(L"mine"), nullptr);
 }
 
-TEST_F(AllocationFailure, ReallocationKeepsTheOldText) {
+TEST_F(AllocationFailureTest, ReallocationKeepsTheOldText) {
     BSTR text = SysAllocString(L"kept");
     FailBstrAllocation(1);
     EXPECT_FALSE(SysReAllocString(&text, L"another"));
@@ -73,13 +73,13 @@ TEST_F(AllocationFailure, ReallocationKeepsTheOldText) {
     SysFreeString(text);
 }
 
-TEST_F(AllocationFailure, AbsurdLengthsCountAsAllocations) {
+TEST_F(AllocationFailureTest, AbsurdLengthsCountAsAllocations) {
     FailBstrAllocation(2);
     EXPECT_EQ(SysAllocStringLen(nullptr, ~0u), nullptr);
     EXPECT_EQ(SysAllocString(L"the second"), nullptr);
 }
 
-TEST_F(AllocationFailure, VariantCopyReportsIt) {
+TEST_F(AllocationFailureTest, VariantCopyReportsIt) {
     VARIANT source;
     VariantInit(&source);
     V_VT(&source) = VT_BSTR;
@@ -99,7 +99,7 @@ TEST_F(AllocationFailure, VariantCopyReportsIt) {
     VariantClear(&source);
 }
 
-TEST_F(AllocationFailure, NumberToTextReportsItAndKeepsTheTarget) {
+TEST_F(AllocationFailureTest, NumberToTextReportsItAndKeepsTheTarget) {
     VARIANT number;
     VariantInit(&number);
     V_VT(&number) = VT_I4;
@@ -110,7 +110,7 @@ TEST_F(AllocationFailure, NumberToTextReportsItAndKeepsTheTarget) {
     EXPECT_EQ(V_I4(&number), 5);
 }
 
-TEST_F(AllocationFailure, ArrayElementsReportIt) {
+TEST_F(AllocationFailureTest, ArrayElementsReportIt) {
     SAFEARRAY* const array = SafeArrayCreateVector(VT_BSTR, 0, 3);
     const BSTR text = SysAllocString(L"element");
     for (LONG i = 0; i < 3; ++i) {
@@ -139,7 +139,7 @@ TEST_F(AllocationFailure, ArrayElementsReportIt) {
     EXPECT_EQ(SafeArrayDestroy(array), S_OK);
 }
 
-TEST_F(AllocationFailure, VariantElementsReportIt) {
+TEST_F(AllocationFailureTest, VariantElementsReportIt) {
     SAFEARRAY* const array = SafeArrayCreateVector(VT_VARIANT, 0, 1);
     VARIANT value;
     VariantInit(&value);
@@ -158,7 +158,7 @@ TEST_F(AllocationFailure, VariantElementsReportIt) {
     EXPECT_EQ(SafeArrayDestroy(array), S_OK);
 }
 
-TEST_F(AllocationFailure, TheOwnersRaiseIt) {
+TEST_F(AllocationFailureTest, TheOwnersRaiseIt) {
     const _bstr_t text(L"text");
     const _variant_t variant(L"variant");
     const std::pair<const char*, std::function<void()>> operations[] = {
@@ -203,7 +203,7 @@ TEST_F(AllocationFailure, TheOwnersRaiseIt) {
     }
 }
 
-TEST_F(AllocationFailure, AFailedAssignmentKeepsTheOldText) {
+TEST_F(AllocationFailureTest, AFailedAssignmentKeepsTheOldText) {
     _bstr_t text(L"kept");
     FailBstrAllocation(1);
     EXPECT_THROW(text = L"another", _com_error);

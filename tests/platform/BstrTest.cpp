@@ -24,7 +24,7 @@ std::uint32_t Prefix(BSTR text) {
     return prefix;
 }
 
-TEST(Bstr, KeepsItsLengthInBytesBeforeTheText) {
+TEST(BstrTest, KeepsItsLengthInBytesBeforeTheText) {
     const BSTR text = SysAllocString(L"adapter");
     ASSERT_NE(text, nullptr);
     EXPECT_EQ(Prefix(text), 7 * kCharacter);
@@ -35,14 +35,14 @@ TEST(Bstr, KeepsItsLengthInBytesBeforeTheText) {
     SysFreeString(text);
 }
 
-TEST(Bstr, NullHasNoLengthAndIsFreedWithoutHarm) {
+TEST(BstrTest, NullHasNoLengthAndIsFreedWithoutHarm) {
     EXPECT_EQ(SysStringLen(nullptr), 0u);
     EXPECT_EQ(SysStringByteLen(nullptr), 0u);
     EXPECT_EQ(SysAllocString(nullptr), nullptr);
     SysFreeString(nullptr);
 }
 
-TEST(Bstr, EmptyTextIsNotNull) {
+TEST(BstrTest, EmptyTextIsNotNull) {
     const BSTR text = SysAllocString(L"");
     ASSERT_NE(text, nullptr);
     EXPECT_EQ(SysStringLen(text), 0u);
@@ -50,7 +50,7 @@ TEST(Bstr, EmptyTextIsNotNull) {
     SysFreeString(text);
 }
 
-TEST(Bstr, KeepsEmbeddedZeros) {
+TEST(BstrTest, KeepsEmbeddedZeros) {
     const BSTR text = SysAllocStringLen(L"a\0b\0", 4);
     ASSERT_NE(text, nullptr);
     EXPECT_EQ(Text(text), std::wstring(L"a\0b\0", 4));
@@ -58,14 +58,14 @@ TEST(Bstr, KeepsEmbeddedZeros) {
     SysFreeString(text);
 }
 
-TEST(Bstr, CopiesOnlyTheLengthThatIsAsked) {
+TEST(BstrTest, CopiesOnlyTheLengthThatIsAsked) {
     const BSTR text = SysAllocStringLen(L"network", 3);
     EXPECT_EQ(Text(text), L"net");
     EXPECT_EQ(text[3], L'\0');
     SysFreeString(text);
 }
 
-TEST(Bstr, NullSourceGivesRoomWithATerminator) {
+TEST(BstrTest, NullSourceGivesRoomWithATerminator) {
     const BSTR text = SysAllocStringLen(nullptr, 5);
     ASSERT_NE(text, nullptr);
     EXPECT_EQ(SysStringLen(text), 5u);
@@ -73,7 +73,7 @@ TEST(Bstr, NullSourceGivesRoomWithATerminator) {
     SysFreeString(text);
 }
 
-TEST(Bstr, ByteLengthNeedNotBeWholeCharacters) {
+TEST(BstrTest, ByteLengthNeedNotBeWholeCharacters) {
     const char bytes[] = {1, 2, 3, 4, 5};
     for (UINT count = 0; count <= sizeof bytes; ++count) {
         const BSTR text = SysAllocStringByteLen(bytes, count);
@@ -87,12 +87,12 @@ TEST(Bstr, ByteLengthNeedNotBeWholeCharacters) {
     }
 }
 
-TEST(Bstr, AbsurdLengthsGiveNull) {
+TEST(BstrTest, AbsurdLengthsGiveNull) {
     EXPECT_EQ(SysAllocStringLen(nullptr, ~0u), nullptr);
     EXPECT_EQ(SysAllocStringLen(nullptr, 0x80000000u), nullptr);
 }
 
-TEST(Bstr, ReallocationReplacesTheText) {
+TEST(BstrTest, ReallocationReplacesTheText) {
     BSTR text = SysAllocString(L"one");
     EXPECT_TRUE(SysReAllocString(&text, L"another"));
     EXPECT_EQ(Text(text), L"another");
@@ -104,14 +104,14 @@ TEST(Bstr, ReallocationReplacesTheText) {
     SysFreeString(text);
 }
 
-TEST(Bstr, ReallocationMayTakeAPartOfTheOldText) {
+TEST(BstrTest, ReallocationMayTakeAPartOfTheOldText) {
     BSTR text = SysAllocString(L"gigabit adapter");
     EXPECT_TRUE(SysReAllocStringLen(&text, text, 7));
     EXPECT_EQ(Text(text), L"gigabit");
     SysFreeString(text);
 }
 
-TEST(Bstr, ReallocationStartsFromNull) {
+TEST(BstrTest, ReallocationStartsFromNull) {
     BSTR text = nullptr;
     EXPECT_TRUE(SysReAllocString(&text, L"first"));
     EXPECT_EQ(Text(text), L"first");
@@ -124,21 +124,21 @@ TEST(Bstr, ReallocationStartsFromNull) {
 
 // --- _bstr_t -------------------------------------------------------------------------------------------
 
-TEST(BstrOwner, DefaultIsNull) {
+TEST(BstrOwnerTest, DefaultIsNull) {
     const _bstr_t text;
     EXPECT_EQ(static_cast<const wchar_t*>(text), nullptr);
     EXPECT_EQ(text.length(), 0u);
     EXPECT_TRUE(!text);
 }
 
-TEST(BstrOwner, TakesWideText) {
+TEST(BstrOwnerTest, TakesWideText) {
     const _bstr_t text(L"wide");
     EXPECT_STREQ(static_cast<const wchar_t*>(text), L"wide");
     EXPECT_EQ(text.length(), 4u);
     EXPECT_FALSE(!text);
 }
 
-TEST(BstrOwner, CopiesShareOneText) {
+TEST(BstrOwnerTest, CopiesShareOneText) {
     const _bstr_t first(L"shared");
     const _bstr_t second(first);
     EXPECT_EQ(static_cast<const wchar_t*>(first), static_cast<const wchar_t*>(second));
@@ -147,7 +147,7 @@ TEST(BstrOwner, CopiesShareOneText) {
     EXPECT_EQ(static_cast<const wchar_t*>(first), static_cast<const wchar_t*>(third));
 }
 
-TEST(BstrOwner, CopyMakesATextForTheCaller) {
+TEST(BstrOwnerTest, CopyMakesATextForTheCaller) {
     const _bstr_t owner(L"mine");
     const BSTR copy = owner.copy();
     EXPECT_NE(copy, static_cast<const wchar_t*>(owner));
@@ -156,7 +156,7 @@ TEST(BstrOwner, CopyMakesATextForTheCaller) {
     EXPECT_EQ(owner.copy(false), static_cast<const wchar_t*>(owner));
 }
 
-TEST(BstrOwner, CopyKeepsEmbeddedZeros) {
+TEST(BstrOwnerTest, CopyKeepsEmbeddedZeros) {
     const BSTR raw = SysAllocStringLen(L"a\0b", 3);
     const _bstr_t owner(raw, true);
     EXPECT_NE(static_cast<const wchar_t*>(owner), raw);
@@ -167,13 +167,13 @@ TEST(BstrOwner, CopyKeepsEmbeddedZeros) {
     SysFreeString(copy);
 }
 
-TEST(BstrOwner, TakesABstrOver) {
+TEST(BstrOwnerTest, TakesABstrOver) {
     const BSTR raw = SysAllocString(L"taken");
     const _bstr_t owner(raw, false);
     EXPECT_EQ(static_cast<const wchar_t*>(owner), raw);
 }
 
-TEST(BstrOwner, AttachAndDetachPassOwnership) {
+TEST(BstrOwnerTest, AttachAndDetachPassOwnership) {
     _bstr_t owner(L"before");
     const BSTR raw = SysAllocString(L"attached");
     owner.Attach(raw);
@@ -184,7 +184,7 @@ TEST(BstrOwner, AttachAndDetachPassOwnership) {
     SysFreeString(detached);
 }
 
-TEST(BstrOwner, GetAddressReceivesAnOutParameter) {
+TEST(BstrOwnerTest, GetAddressReceivesAnOutParameter) {
     _bstr_t owner(L"old");
     const _bstr_t view(owner);
     BSTR* const place = owner.GetAddress();
@@ -194,7 +194,7 @@ TEST(BstrOwner, GetAddressReceivesAnOutParameter) {
     EXPECT_STREQ(static_cast<const wchar_t*>(view), L"old");
 }
 
-TEST(BstrOwner, ConcatenatesAndCompares) {
+TEST(BstrOwnerTest, ConcatenatesAndCompares) {
     const _bstr_t head(L"team");
     const _bstr_t sum = head + _bstr_t(L" of ") + L"two";
     EXPECT_STREQ(static_cast<const wchar_t*>(sum), L"team of two");
@@ -212,7 +212,7 @@ TEST(BstrOwner, ConcatenatesAndCompares) {
     EXPECT_TRUE(_bstr_t() == _bstr_t());
 }
 
-TEST(BstrOwner, AssignmentToItselfKeepsTheText) {
+TEST(BstrOwnerTest, AssignmentToItselfKeepsTheText) {
     _bstr_t owner(L"same");
     _bstr_t& alias = owner;
     owner = alias;
@@ -223,7 +223,7 @@ TEST(BstrOwner, AssignmentToItselfKeepsTheText) {
     EXPECT_TRUE(!owner);
 }
 
-TEST(BstrOwner, ReadsAVariantAsText) {
+TEST(BstrOwnerTest, ReadsAVariantAsText) {
     EXPECT_STREQ(static_cast<const wchar_t*>(_bstr_t(_variant_t(LONG{42}))), L"42");
     EXPECT_STREQ(static_cast<const wchar_t*>(_bstr_t(_variant_t(L"text"))), L"text");
     VARIANT null;
@@ -239,7 +239,7 @@ TEST(BstrOwner, ReadsAVariantAsText) {
 
 // --- _com_error ----------------------------------------------------------------------------------------
 
-TEST(ComError, CarriesItsCode) {
+TEST(ComErrorTest, CarriesItsCode) {
     const _com_error error(E_OUTOFMEMORY);
     EXPECT_EQ(error.Error(), E_OUTOFMEMORY);
     EXPECT_EQ(error.ErrorInfo(), nullptr);
@@ -248,7 +248,7 @@ TEST(ComError, CarriesItsCode) {
     EXPECT_EQ(copy.WCode(), 0);
 }
 
-TEST(ComError, MessageHasNoLineEnd) {
+TEST(ComErrorTest, MessageHasNoLineEnd) {
     const _com_error error(E_ACCESSDENIED);
     const std::basic_string<TCHAR> message = error.ErrorMessage();
     ASSERT_FALSE(message.empty());
@@ -256,19 +256,19 @@ TEST(ComError, MessageHasNoLineEnd) {
     EXPECT_NE(message.back(), TEXT('\r'));
 }
 
-TEST(ComError, CodeWithoutTextStillHasAMessage) {
+TEST(ComErrorTest, CodeWithoutTextStillHasAMessage) {
     const _com_error error(static_cast<HRESULT>(0x8fff1234));
     const std::basic_string<TCHAR> message = error.ErrorMessage();
     EXPECT_NE(message.find(TEXT("8FFF1234")), std::basic_string<TCHAR>::npos);
 }
 
-TEST(ComError, DispatchCodesMapBothWays) {
+TEST(ComErrorTest, DispatchCodesMapBothWays) {
     EXPECT_EQ(_com_error::WCodeToHRESULT(0x10), static_cast<HRESULT>(0x80040210));
     EXPECT_EQ(_com_error::HRESULTToWCode(static_cast<HRESULT>(0x80040210)), 0x10);
     EXPECT_EQ(_com_error::HRESULTToWCode(E_FAIL), 0);
 }
 
-TEST(ComError, CheckErrorRaisesOnlyFailures) {
+TEST(ComErrorTest, CheckErrorRaisesOnlyFailures) {
     EXPECT_NO_THROW(_com_util::CheckError(S_OK));
     EXPECT_NO_THROW(_com_util::CheckError(S_FALSE));
     try {

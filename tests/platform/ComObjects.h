@@ -7,7 +7,7 @@
 
 #include <atomic>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 /// An object that may be called from any apartment. It lives as long as its owner says, whatever its count.
 class AgileObject : public IClassFactory {
@@ -117,4 +117,4 @@ class SecuredObject : public IClientSecurity {
     std::atomic<ULONG> m_references{1};
 };
 
-} // namespace quillet::test
+} // namespace quillet::tests

@@ -11,8 +11,8 @@
 
 namespace {
 
-using quillet::test::AgileObject;
-using quillet::test::SecuredObject;
+using quillet::tests::AgileObject;
+using quillet::tests::SecuredObject;
 
 constexpr CLSID kTestClass = {0x8d9b3c61, 0x5a0e, 0x4d5e, {0x9f, 0x0a, 0x3b, 0x5e, 0x61, 0x7c, 0x20, 0x01}};
 
@@ -22,7 +22,7 @@ void OnNewThread(Test test) {
     std::thread(test).join();
 }
 
-TEST(ComInitialisation, IsCountedAndKeepsItsModel) {
+TEST(ComInitialisationTest, IsCountedAndKeepsItsModel) {
     OnNewThread([] {
         EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
         EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_FALSE);
@@ -41,7 +41,7 @@ TEST(ComInitialisation, IsCountedAndKeepsItsModel) {
     });
 }
 
-TEST(ComInitialisation, IsEachThreadsOwn) {
+TEST(ComInitialisationTest, IsEachThreadsOwn) {
     OnNewThread([] {
         EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
         OnNewThread([] {
@@ -76,7 +76,7 @@ class Registration {
     DWORD m_cookie = 0;
 };
 
-TEST(ClassObjects, UnknownClassIsNotRegistered) {
+TEST(ClassObjectsTest, UnknownClassIsNotRegistered) {
     void* object = &object;
     EXPECT_EQ(CoCreateInstance(kTestClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, &object),
               static_cast<HRESULT>(0x80040154));
@@ -87,7 +87,7 @@ TEST(ClassObjects, UnknownClassIsNotRegistered) {
     EXPECT_EQ(object, nullptr);
 }
 
-TEST(ClassObjects, RegisteredClassCreatesThroughItsFactory) {
+TEST(ClassObjectsTest, RegisteredClassCreatesThroughItsFactory) {
     AgileObject factory;
     const Registration registration(factory);
     EXPECT_NE(registration.Cookie(), 0u);
@@ -101,7 +101,7 @@ TEST(ClassObjects, RegisteredClassCreatesThroughItsFactory) {
     object->Release();
 }
 
-TEST(ClassObjects, TheTableHoldsAReferenceUntilRevoked) {
+TEST(ClassObjectsTest, TheTableHoldsAReferenceUntilRevoked) {
     AgileObject factory;
     Registration registration(factory);
     EXPECT_GT(factory.References(), 1u);
@@ -115,7 +115,7 @@ TEST(ClassObjects, TheTableHoldsAReferenceUntilRevoked) {
     EXPECT_EQ(factory.created, 0);
 }
 
-TEST(ClassObjects, TheFactorysFailureIsTheResult) {
+TEST(ClassObjectsTest, TheFactorysFailureIsTheResult) {
     AgileObject factory;
     const Registration registration(factory);
     factory.createResult = E_ACCESSDENIED;
@@ -125,7 +125,7 @@ TEST(ClassObjects, TheFactorysFailureIsTheResult) {
     EXPECT_EQ(object, nullptr);
 }
 
-TEST(ClassObjects, AnInterfaceThatTheObjectLacksIsRefused) {
+TEST(ClassObjectsTest, AnInterfaceThatTheObjectLacksIsRefused) {
     AgileObject factory;
     const Registration registration(factory);
     void* object = &object;
@@ -134,7 +134,7 @@ TEST(ClassObjects, AnInterfaceThatTheObjectLacksIsRefused) {
     EXPECT_EQ(object, nullptr);
 }
 
-TEST(ClassObjects, ClassObjectItselfCanBeAskedFor) {
+TEST(ClassObjectsTest, ClassObjectItselfCanBeAskedFor) {
     AgileObject factory;
     const Registration registration(factory);
     IClassFactory* found = nullptr;
@@ -145,7 +145,7 @@ TEST(ClassObjects, ClassObjectItselfCanBeAskedFor) {
     found->Release();
 }
 
-TEST(ClassObjects, NullArgumentsAreRefused) {
+TEST(ClassObjectsTest, NullArgumentsAreRefused) {
     AgileObject factory;
     DWORD cookie = 7;
     EXPECT_EQ(CoRegisterClassObject(kTestClass, nullptr, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie),
@@ -156,7 +156,7 @@ TEST(ClassObjects, NullArgumentsAreRefused) {
     EXPECT_EQ(factory.References(), 1u);
 }
 
-TEST(ClassObjects, AreSeenByOtherMultithreadedThreads) {
+TEST(ClassObjectsTest, AreSeenByOtherMultithreadedThreads) {
     AgileObject factory;
     const Registration registration(factory);
     OnNewThread([&factory] {
@@ -175,7 +175,7 @@ TEST(ClassObjects, AreSeenByOtherMultithreadedThreads) {
 
 // --- The Global Interface Table ------------------------------------------------------------------------
 
-class InterfaceTable : public testing::Test {
+class InterfaceTableTest : public testing::Test {
   protected:
     void SetUp() override {
         ASSERT_EQ(CoCreateInstance(CLSID_StdGlobalInterfaceTable, nullptr, CLSCTX_INPROC_SERVER,
@@ -190,7 +190,7 @@ class InterfaceTable : public testing::Test {
     IGlobalInterfaceTable* m_table = nullptr;
 };
 
-TEST_F(InterfaceTable, HandsOutWhatWasRegisteredAndCountsReferences) {
+TEST_F(InterfaceTableTest, HandsOutWhatWasRegisteredAndCountsReferences) {
     AgileObject object;
     DWORD cookie = 0;
     ASSERT_EQ(m_table->RegisterInterfaceInGlobal(&object, IID_IClassFactory, &cookie), S_OK);
@@ -208,7 +208,7 @@ TEST_F(InterfaceTable, HandsOutWhatWasRegisteredAndCountsReferences) {
     EXPECT_EQ(object.References(), 1u);
 }
 
-TEST_F(InterfaceTable, WhatWasHandedOutOutlivesItsEntry) {
+TEST_F(InterfaceTableTest, WhatWasHandedOutOutlivesItsEntry) {
     AgileObject object;
     DWORD cookie = 0;
     ASSERT_EQ(m_table->RegisterInterfaceInGlobal(&object, IID_IUnknown, &cookie), S_OK);
@@ -220,14 +220,14 @@ TEST_F(InterfaceTable, WhatWasHandedOutOutlivesItsEntry) {
     EXPECT_EQ(object.References(), 1u);
 }
 
-TEST_F(InterfaceTable, NullInterfaceIsInvalidAndLeavesTheCookie) {
+TEST_F(InterfaceTableTest, NullInterfaceIsInvalidAndLeavesTheCookie) {
     DWORD cookie = 0;
     EXPECT_EQ(m_table->RegisterInterfaceInGlobal(nullptr, IID_IUnknown, &cookie),
               static_cast<HRESULT>(0x80070057));
     EXPECT_EQ(cookie, 0u);
 }
 
-TEST_F(InterfaceTable, DeadCookieIsInvalid) {
+TEST_F(InterfaceTableTest, DeadCookieIsInvalid) {
     AgileObject object;
     DWORD cookie = 0;
     ASSERT_EQ(m_table->RegisterInterfaceInGlobal(&object, IID_IUnknown, &cookie), S_OK);
@@ -239,7 +239,7 @@ TEST_F(InterfaceTable, DeadCookieIsInvalid) {
     EXPECT_EQ(m_table->RevokeInterfaceFromGlobal(0), static_cast<HRESULT>(0x80070057));
 }
 
-TEST_F(InterfaceTable, EveryRegistrationHasACookieOfItsOwn) {
+TEST_F(InterfaceTableTest, EveryRegistrationHasACookieOfItsOwn) {
     AgileObject object;
     DWORD first = 0;
     DWORD second = 0;
@@ -254,7 +254,7 @@ TEST_F(InterfaceTable, EveryRegistrationHasACookieOfItsOwn) {
     EXPECT_EQ(m_table->RevokeInterfaceFromGlobal(second), S_OK);
 }
 
-TEST_F(InterfaceTable, FreeThreadedObjectReachesASingleThreadedApartmentAsItself) {
+TEST_F(InterfaceTableTest, FreeThreadedObjectReachesASingleThreadedApartmentAsItself) {
     AgileObject object;
     DWORD cookie = 0;
     ASSERT_EQ(m_table->RegisterInterfaceInGlobal(&object, IID_IClassFactory, &cookie), S_OK);
@@ -278,7 +278,7 @@ TEST_F(InterfaceTable, FreeThreadedObjectReachesASingleThreadedApartmentAsItself
     EXPECT_EQ(object.References(), 1u);
 }
 
-TEST_F(InterfaceTable, RegistrationAsAnInterfaceThatTheObjectLacksFails) {
+TEST_F(InterfaceTableTest, RegistrationAsAnInterfaceThatTheObjectLacksFails) {
     AgileObject object;
     DWORD cookie = 0;
     EXPECT_EQ(m_table->RegisterInterfaceInGlobal(&object, IID_IDispatch, &cookie), E_NOINTERFACE);
@@ -287,7 +287,7 @@ TEST_F(InterfaceTable, RegistrationAsAnInterfaceThatTheObjectLacksFails) {
 
 // --- Marshaler -----------------------------------------------------------------------------------------
 
-TEST(FreeThreadedMarshaler, AnswersForTheOuterObject) {
+TEST(FreeThreadedMarshalerTest, AnswersForTheOuterObject) {
     AgileObject object;
     IMarshal* marshal = nullptr;
     ASSERT_EQ(object.QueryInterface(IID_IMarshal, reinterpret_cast<void**>(&marshal)), S_OK);
@@ -302,7 +302,7 @@ TEST(FreeThreadedMarshaler, AnswersForTheOuterObject) {
 
 // --- Proxy blankets ------------------------------------------------------------------------------------
 
-TEST(ProxyBlanket, ReachesTheObjectsOwnSecurity) {
+TEST(ProxyBlanketTest, ReachesTheObjectsOwnSecurity) {
     SecuredObject proxy;
     int identity = 0;
     EXPECT_EQ(CoSetProxyBlanket(&proxy, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_CALL,
@@ -320,7 +320,7 @@ TEST(ProxyBlanket, ReachesTheObjectsOwnSecurity) {
     EXPECT_EQ(proxy.References(), 1u);
 }
 
-TEST(ProxyBlanket, FailureOfTheProxyIsTheResult) {
+TEST(ProxyBlanketTest, FailureOfTheProxyIsTheResult) {
     SecuredObject proxy;
     proxy.blanketResult = E_ACCESSDENIED;
     EXPECT_EQ(CoSetProxyBlanket(&proxy, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_CALL,
@@ -329,7 +329,7 @@ TEST(ProxyBlanket, FailureOfTheProxyIsTheResult) {
     EXPECT_EQ(proxy.References(), 1u);
 }
 
-TEST(ProxyBlanket, ObjectWithoutSecurityHasNoBlanket) {
+TEST(ProxyBlanketTest, ObjectWithoutSecurityHasNoBlanket) {
     AgileObject object;
     EXPECT_EQ(CoSetProxyBlanket(static_cast<IClassFactory*>(&object), RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE,
                                 nullptr, RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr,
@@ -338,7 +338,7 @@ TEST(ProxyBlanket, ObjectWithoutSecurityHasNoBlanket) {
     EXPECT_EQ(object.References(), 1u);
 }
 
-TEST(ProxyBlanket, CanBeQueriedAndTheProxyCopied) {
+TEST(ProxyBlanketTest, CanBeQueriedAndTheProxyCopied) {
     SecuredObject proxy;
     proxy.blanket.authnLevel = RPC_C_AUTHN_LEVEL_PKT;
     proxy.blanket.impLevel = RPC_C_IMP_LEVEL_DELEGATE;
@@ -360,7 +360,7 @@ TEST(ProxyBlanket, CanBeQueriedAndTheProxyCopied) {
 
 // --- GUIDs and memory ----------------------------------------------------------------------------------
 
-TEST(Guids, AreWrittenAndReadInBraces) {
+TEST(GuidsTest, AreWrittenAndReadInBraces) {
     wchar_t text[39];
     EXPECT_EQ(StringFromGUID2(kTestClass, text, 39), 39);
     EXPECT_STREQ(text, L"{8D9B3C61-5A0E-4D5E-9F0A-3B5E617C2001}");
@@ -374,7 +374,7 @@ TEST(Guids, AreWrittenAndReadInBraces) {
     }
 }
 
-TEST(Guids, NewOnesDiffer) {
+TEST(GuidsTest, NewOnesDiffer) {
     GUID first;
     GUID second;
     EXPECT_EQ(CoCreateGuid(&first), S_OK);
@@ -384,7 +384,7 @@ TEST(Guids, NewOnesDiffer) {
     EXPECT_EQ(first.Data4[0] & 0xc0, 0x80);
 }
 
-TEST(TaskMemory, GrowsAndIsFreed) {
+TEST(TaskMemoryTest, GrowsAndIsFreed) {
     auto* memory = static_cast<char*>(CoTaskMemAlloc(4));
     ASSERT_NE(memory, nullptr);
     memory[0] = 'a';

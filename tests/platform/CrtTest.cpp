@@ -19,7 +19,7 @@ void CountReports(const wchar_t*, const wchar_t*, const wchar_t*, unsigned int, 
 }
 
 /// Installs a handler that only counts, so that misuse is survived.
-class BoundsChecked : public testing::Test {
+class BoundsCheckedTest : public testing::Test {
   protected:
     void SetUp() override {
         g_reports = 0;
@@ -42,7 +42,7 @@ class BoundsChecked : public testing::Test {
     bool m_heard = false;
 };
 
-TEST_F(BoundsChecked, CopyTakesWhatFits) {
+TEST_F(BoundsCheckedTest, CopyTakesWhatFits) {
     wchar_t buffer[6] = L"xxxxx";
     EXPECT_EQ(wcscpy_s(buffer, 6, L"12345"), 0);
     EXPECT_STREQ(buffer, L"12345");
@@ -51,14 +51,14 @@ TEST_F(BoundsChecked, CopyTakesWhatFits) {
     ExpectReports(0);
 }
 
-TEST_F(BoundsChecked, CopyThatDoesNotFitEmptiesTheTargetAndReports) {
+TEST_F(BoundsCheckedTest, CopyThatDoesNotFitEmptiesTheTargetAndReports) {
     wchar_t buffer[6] = L"xxxxx";
     EXPECT_EQ(wcscpy_s(buffer, 6, L"123456"), ERANGE);
     EXPECT_STREQ(buffer, L"");
     ExpectReports(1);
 }
 
-TEST_F(BoundsChecked, CopyRefusesNulls) {
+TEST_F(BoundsCheckedTest, CopyRefusesNulls) {
     wchar_t buffer[6] = L"xxxxx";
     EXPECT_EQ(wcscpy_s(nullptr, 6, L"1"), EINVAL);
     EXPECT_EQ(wcscpy_s(buffer, 0, L"1"), EINVAL);
@@ -68,7 +68,7 @@ TEST_F(BoundsChecked, CopyRefusesNulls) {
     ExpectReports(3);
 }
 
-TEST_F(BoundsChecked, AppendTakesWhatFits) {
+TEST_F(BoundsCheckedTest, AppendTakesWhatFits) {
     wchar_t buffer[8] = L"abc";
     EXPECT_EQ(wcscat_s(buffer, 8, L"defg"), 0);
     EXPECT_STREQ(buffer, L"abcdefg");
@@ -78,14 +78,14 @@ TEST_F(BoundsChecked, AppendTakesWhatFits) {
     ExpectReports(1);
 }
 
-TEST_F(BoundsChecked, AppendRefusesAnUnterminatedTarget) {
+TEST_F(BoundsCheckedTest, AppendRefusesAnUnterminatedTarget) {
     wchar_t buffer[3] = {L'a', L'b', L'c'};
     EXPECT_NE(wcscat_s(buffer, 3, L"d"), 0);
     EXPECT_EQ(buffer[0], L'\0');
     ExpectReports(1);
 }
 
-TEST_F(BoundsChecked, CountedCopyStopsAtTheCount) {
+TEST_F(BoundsCheckedTest, CountedCopyStopsAtTheCount) {
     wchar_t buffer[6] = L"xxxxx";
     EXPECT_EQ(wcsncpy_s(buffer, 6, L"1234567", 3), 0);
     EXPECT_STREQ(buffer, L"123");
@@ -99,7 +99,7 @@ TEST_F(BoundsChecked, CountedCopyStopsAtTheCount) {
     ExpectReports(1);
 }
 
-TEST_F(BoundsChecked, TruncatingCopyCutsWithoutReport) {
+TEST_F(BoundsCheckedTest, TruncatingCopyCutsWithoutReport) {
     wchar_t buffer[6] = L"xxxxx";
     EXPECT_EQ(wcsncpy_s(buffer, 6, L"1234567", _TRUNCATE), STRUNCATE);
     EXPECT_STREQ(buffer, L"12345");
@@ -108,7 +108,7 @@ TEST_F(BoundsChecked, TruncatingCopyCutsWithoutReport) {
     ExpectReports(0);
 }
 
-TEST_F(BoundsChecked, CountedAppend) {
+TEST_F(BoundsCheckedTest, CountedAppend) {
     wchar_t buffer[6] = L"ab";
     EXPECT_EQ(wcsncat_s(buffer, 6, L"cdef", 2), 0);
     EXPECT_STREQ(buffer, L"abcd");
@@ -120,7 +120,7 @@ TEST_F(BoundsChecked, CountedAppend) {
     ExpectReports(1);
 }
 
-TEST_F(BoundsChecked, MemoryCopyClearsATargetThatIsTooSmall) {
+TEST_F(BoundsCheckedTest, MemoryCopyClearsATargetThatIsTooSmall) {
     unsigned char target[4] = {1, 2, 3, 4};
     const unsigned char source[6] = {9, 8, 7, 6, 5, 4};
     EXPECT_EQ(memcpy_s(target, 4, source, 4), 0);
@@ -138,7 +138,7 @@ TEST_F(BoundsChecked, MemoryCopyClearsATargetThatIsTooSmall) {
     EXPECT_EQ(memcpy_s(nullptr, 0, nullptr, 0), 0) << "nothing to copy needs no place";
 }
 
-TEST_F(BoundsChecked, MemoryMoveTakesOverlaps) {
+TEST_F(BoundsCheckedTest, MemoryMoveTakesOverlaps) {
     char text[8] = "abcdefg";
     EXPECT_EQ(memmove_s(text + 2, 6, text, 5), 0);
     EXPECT_STREQ(text, "ababcde");
@@ -146,7 +146,7 @@ TEST_F(BoundsChecked, MemoryMoveTakesOverlaps) {
     ExpectReports(1);
 }
 
-TEST_F(BoundsChecked, FormattingThatDoesNotFitEmptiesTheTargetAndReports) {
+TEST_F(BoundsCheckedTest, FormattingThatDoesNotFitEmptiesTheTargetAndReports) {
     wchar_t buffer[6] = L"xxxxx";
     EXPECT_EQ(swprintf_s(buffer, 6, L"%d", 12345), 5);
     EXPECT_STREQ(buffer, L"12345");
@@ -156,7 +156,7 @@ TEST_F(BoundsChecked, FormattingThatDoesNotFitEmptiesTheTargetAndReports) {
     ExpectReports(1);
 }
 
-TEST_F(BoundsChecked, CountedFormattingCutsAtTheCount) {
+TEST_F(BoundsCheckedTest, CountedFormattingCutsAtTheCount) {
     wchar_t buffer[8] = L"xxxxxxx";
     EXPECT_EQ(_snwprintf_s(buffer, 8, 3, L"%s", L"abcdef"), -1);
     EXPECT_STREQ(buffer, L"abc");
@@ -167,7 +167,7 @@ TEST_F(BoundsChecked, CountedFormattingCutsAtTheCount) {
     ExpectReports(0);
 }
 
-TEST_F(BoundsChecked, UncheckedFormattingLeavesNoTerminatorWhenFull) {
+TEST_F(BoundsCheckedTest, UncheckedFormattingLeavesNoTerminatorWhenFull) {
     wchar_t buffer[4] = {L'x', L'x', L'x', L'x'};
     EXPECT_EQ(_snwprintf(buffer, 3, L"%s", L"abc"), 3);
     EXPECT_EQ(std::wstring(buffer, 4), L"abcx");
@@ -177,7 +177,7 @@ TEST_F(BoundsChecked, UncheckedFormattingLeavesNoTerminatorWhenFull) {
     EXPECT_STREQ(buffer, L"ab");
 }
 
-TEST_F(BoundsChecked, NumbersIntoTextCheckTheirBuffer) {
+TEST_F(BoundsCheckedTest, NumbersIntoTextCheckTheirBuffer) {
     wchar_t buffer[5] = L"xxxx";
     EXPECT_EQ(_itow_s(-123, buffer, 5, 10), 0);
     EXPECT_STREQ(buffer, L"-123");
@@ -200,7 +200,7 @@ TEST_F(BoundsChecked, NumbersIntoTextCheckTheirBuffer) {
     EXPECT_STREQ(wide, L"ffffffff");
 }
 
-TEST_F(BoundsChecked, PathsAreSplit) {
+TEST_F(BoundsCheckedTest, PathsAreSplit) {
     wchar_t drive[_MAX_DRIVE];
     wchar_t directory[_MAX_DIR];
     wchar_t name[_MAX_FNAME];
@@ -233,7 +233,7 @@ std::wstring Formatted(const wchar_t* format, Arguments... arguments) {
     return length < 0 ? L"(failed)" : std::wstring(buffer, static_cast<std::size_t>(length));
 }
 
-TEST(Formatting, TextIsWideAndNarrowAsOnWindows) {
+TEST(FormattingTest, TextIsWideAndNarrowAsOnWindows) {
     EXPECT_EQ(Formatted(L"%s", L"wide"), L"wide");
     EXPECT_EQ(Formatted(L"%S", "narrow"), L"narrow");
     EXPECT_EQ(Formatted(L"%ls|%hs|%hS|%lS|%ws", L"w", "n", "n", L"w", L"w"), L"w|n|n|w|w");
@@ -245,13 +245,13 @@ TEST(Formatting, TextIsWideAndNarrowAsOnWindows) {
     EXPECT_EQ(Formatted(L"%05s|%05S|", L"ab", "cd"), L"000ab|000cd|");
 }
 
-TEST(Formatting, NullTextIsNamed) {
+TEST(FormattingTest, NullTextIsNamed) {
     EXPECT_EQ(Formatted(L"%s", static_cast<const wchar_t*>(nullptr)), L"(null)");
     EXPECT_EQ(Formatted(L"%S", static_cast<const char*>(nullptr)), L"(null)");
     EXPECT_EQ(Formatted(L"%.2s", static_cast<const wchar_t*>(nullptr)), L"(n");
 }
 
-TEST(Formatting, Characters) {
+TEST(FormattingTest, Characters) {
     EXPECT_EQ(Formatted(L"%c%C", L'x', 'y'), L"xy");
     EXPECT_EQ(Formatted(L"%hc%lc%hC%lC%wc", 'a', L'b', 'c', L'd', L'e'), L"abcde");
     EXPECT_EQ(Formatted(L"%c", 0x20ac), L"\x20ac");
@@ -259,7 +259,7 @@ TEST(Formatting, Characters) {
     EXPECT_EQ(Formatted(L"%c", 0), std::wstring(1, L'\0'));
 }
 
-TEST(Formatting, DecimalIntegers) {
+TEST(FormattingTest, DecimalIntegers) {
     EXPECT_EQ(Formatted(L"%d %i %u", -5, 6, 7u), L"-5 6 7");
     EXPECT_EQ(Formatted(L"%ld %lu", LONG{-1}, ULONG{0xffffffff}), L"-1 4294967295");
     EXPECT_EQ(Formatted(L"%ld %ld", LONG{-2147483647 - 1}, LONG{3}), L"-2147483648 3");
@@ -269,7 +269,7 @@ TEST(Formatting, DecimalIntegers) {
     EXPECT_EQ(Formatted(L"%*d|%*d|", 4, 5, -4, 5), L"   5|5   |");
 }
 
-TEST(Formatting, PrecisionOfIntegers) {
+TEST(FormattingTest, PrecisionOfIntegers) {
     EXPECT_EQ(Formatted(L"%02.2d:%02.2d:%03.3d", 5, 12, 7), L"05:12:007");
     EXPECT_EQ(Formatted(L"%02.2d %03.3d", 123, 1234), L"123 1234");
     EXPECT_EQ(Formatted(L"%03.3d", -5), L"-005");
@@ -278,7 +278,7 @@ TEST(Formatting, PrecisionOfIntegers) {
     EXPECT_EQ(Formatted(L"%.*d|%.*d|", 3, 5, -1, 5), L"005|5|");
 }
 
-TEST(Formatting, HexadecimalAndOctal) {
+TEST(FormattingTest, HexadecimalAndOctal) {
     EXPECT_EQ(Formatted(L"%x %X %o", 255, 255, 8), L"ff FF 10");
     EXPECT_EQ(Formatted(L"%08x|%08lX|%lx", 0xabcu, ULONG{0x80041001}, LONG{-1}),
               L"00000abc|80041001|ffffffff");
@@ -286,7 +286,7 @@ TEST(Formatting, HexadecimalAndOctal) {
     EXPECT_EQ(Formatted(L"0x%.8X", 0x1f), L"0x0000001F");
 }
 
-TEST(Formatting, SixtyFourBits) {
+TEST(FormattingTest, SixtyFourBits) {
     EXPECT_EQ(Formatted(L"%I64X", 0xABCDEF0123456789ull), L"ABCDEF0123456789");
     EXPECT_EQ(Formatted(L"%I64d %I64u", LLONG_MIN, ULLONG_MAX), L"-9223372036854775808 18446744073709551615");
     EXPECT_EQ(Formatted(L"%lld %llu %llx", -1ll, 5ull, 1ull << 40), L"-1 5 10000000000");
@@ -297,14 +297,14 @@ TEST(Formatting, SixtyFourBits) {
         << "what follows is read in its place";
 }
 
-TEST(Formatting, PointersHaveAllTheirDigits) {
+TEST(FormattingTest, PointersHaveAllTheirDigits) {
     EXPECT_EQ(Formatted(L"%p", reinterpret_cast<void*>(0x1234abcd)), L"000000001234ABCD");
     EXPECT_EQ(Formatted(L"%p", static_cast<void*>(nullptr)), L"0000000000000000");
     EXPECT_EQ(Formatted(L"%20p|%-20p|", reinterpret_cast<void*>(0x12), reinterpret_cast<void*>(0x34)),
               L"    0000000000000012|0000000000000034    |");
 }
 
-TEST(Formatting, Reals) {
+TEST(FormattingTest, Reals) {
     EXPECT_EQ(Formatted(L"%f|%.2f|%5.1f|%-8.1f|%+.1f|%05.1f", 1.5, 2.25, 3.5, 2.5, 2.0, 2.5),
               L"1.500000|2.25|  3.5|2.5     |+2.0|002.5");
     EXPECT_EQ(Formatted(L"%g %g", 0.0001, 100000.0), L"0.0001 100000");
@@ -312,14 +312,14 @@ TEST(Formatting, Reals) {
     EXPECT_EQ(Formatted(L"%.1f%% of %d", 12.5, 3), L"12.5% of 3");
 }
 
-TEST(Formatting, PercentAndTextAround) {
+TEST(FormattingTest, PercentAndTextAround) {
     EXPECT_EQ(Formatted(L"100%%"), L"100%");
     EXPECT_EQ(Formatted(L"%%d"), L"%d");
     EXPECT_EQ(Formatted(L""), L"");
     EXPECT_EQ(Formatted(L"no conversion"), L"no conversion");
 }
 
-TEST(Formatting, UnfinishedConversionPrintsNothing) {
+TEST(FormattingTest, UnfinishedConversionPrintsNothing) {
     for (const wchar_t* format :
          {L"a%", L"a%l", L"a%ll", L"a%I64", L"a%5", L"a%-", L"a%.", L"a%.3", L"a%h", L"a%w"}) {
         EXPECT_EQ(Formatted(format, 1), L"a") << std::wstring(format);
@@ -327,7 +327,7 @@ TEST(Formatting, UnfinishedConversionPrintsNothing) {
     EXPECT_EQ(Formatted(L"a%*", 3), L"a");
 }
 
-TEST(Formatting, UnknownConversionPrintsItsOwnCharacter) {
+TEST(FormattingTest, UnknownConversionPrintsItsOwnCharacter) {
     EXPECT_EQ(Formatted(L"a%qb", 1), L"aqb");
     EXPECT_EQ(Formatted(L"a%yb", 1), L"ayb");
     EXPECT_EQ(Formatted(L"a%5yb", 1), L"ayb");
@@ -339,14 +339,14 @@ TEST(Formatting, UnknownConversionPrintsItsOwnCharacter) {
     EXPECT_EQ(Formatted(L"a%k%d", 7), L"ak7") << "it takes no argument";
 }
 
-TEST(Formatting, LengthIsToldWithoutABuffer) {
+TEST(FormattingTest, LengthIsToldWithoutABuffer) {
     EXPECT_EQ(_scwprintf(L"%s-%05d", L"abc", 42), 9);
     EXPECT_EQ(_scwprintf(L""), 0);
 }
 
 // --- Comparison and conversion -------------------------------------------------------------------------
 
-TEST(WideText, ComparesWithoutRegardToCase) {
+TEST(WideTextTest, ComparesWithoutRegardToCase) {
     EXPECT_EQ(_wcsicmp(L"Zorel_NetService", L"ZOREL_netservice"), 0);
     EXPECT_LT(_wcsicmp(L"abc", L"ABD"), 0);
     EXPECT_GT(_wcsicmp(L"abcd", L"ABC"), 0);
@@ -357,7 +357,7 @@ TEST(WideText, ComparesWithoutRegardToCase) {
     EXPECT_LT(_stricmp("a", "B"), 0);
 }
 
-TEST(WideText, NumbersEndAtTheFirstOtherCharacter) {
+TEST(WideTextTest, NumbersEndAtTheFirstOtherCharacter) {
     EXPECT_EQ(_wtoi(L"42"), 42);
     EXPECT_EQ(_wtoi(L"  -42abc"), -42);
     EXPECT_EQ(_wtoi(L"+7"), 7);
@@ -373,7 +373,7 @@ TEST(WideText, NumbersEndAtTheFirstOtherCharacter) {
     EXPECT_EQ(*end, L'\0');
 }
 
-TEST(WideText, DuplicateIsFreedByTheCaller) {
+TEST(WideTextTest, DuplicateIsFreedByTheCaller) {
     wchar_t* const copy = _wcsdup(L"copy");
     ASSERT_NE(copy, nullptr);
     EXPECT_STREQ(copy, L"copy");

@@ -16,9 +16,9 @@
 namespace {
 
 using namespace quillet::platform;
-using quillet::test::EnvironmentScope;
+using quillet::tests::EnvironmentScope;
 
-class Hooks : public testing::Test {
+class HooksTest : public testing::Test {
   protected:
     void SetUp() override { ResetHooks(); }
     void TearDown() override { ResetHooks(); }
@@ -29,7 +29,7 @@ class Hooks : public testing::Test {
 std::wstring lastFreed;
 int freedBstrs = 0;
 
-TEST_F(Hooks, BstrsAreShownAsTheyAreWhenTheyAreFreed) {
+TEST_F(HooksTest, BstrsAreShownAsTheyAreWhenTheyAreFreed) {
     const auto look = [](const void* text, std::size_t bytes) {
         ++freedBstrs;
         lastFreed.assign(static_cast<const wchar_t*>(text), bytes / sizeof(wchar_t));
@@ -68,7 +68,7 @@ BOOL ExtendedVersion(OSVERSIONINFOEXW& version) {
     return GetVersionExW(reinterpret_cast<LPOSVERSIONINFOW>(&version));
 }
 
-TEST_F(Hooks, VersionIsSixOneUntilSet) {
+TEST_F(HooksTest, VersionIsSixOneUntilSet) {
     const OSVERSIONINFOW version = BasicVersion();
     EXPECT_EQ(version.dwMajorVersion, 6u);
     EXPECT_EQ(version.dwMinorVersion, 1u);
@@ -79,7 +79,7 @@ TEST_F(Hooks, VersionIsSixOneUntilSet) {
     EXPECT_EQ(extended.wProductType, VER_NT_WORKSTATION);
 }
 
-TEST_F(Hooks, VersionCanBeAnOlderOne) {
+TEST_F(HooksTest, VersionCanBeAnOlderOne) {
     SetOsVersion(4, 10, VER_PLATFORM_WIN32_WINDOWS);
     const OSVERSIONINFOW version = BasicVersion();
     EXPECT_EQ(version.dwMajorVersion, 4u);
@@ -89,7 +89,7 @@ TEST_F(Hooks, VersionCanBeAnOlderOne) {
     EXPECT_EQ(BasicVersion().dwMajorVersion, 6u);
 }
 
-TEST_F(Hooks, ExtendedVersionCanFailAndTheBasicOneStay) {
+TEST_F(HooksTest, ExtendedVersionCanFailAndTheBasicOneStay) {
     FailExtendedVersion(true);
     OSVERSIONINFOEXW extended;
     EXPECT_FALSE(ExtendedVersion(extended));
@@ -99,7 +99,7 @@ TEST_F(Hooks, ExtendedVersionCanFailAndTheBasicOneStay) {
     EXPECT_TRUE(ExtendedVersion(extended));
 }
 
-TEST_F(Hooks, VersionOfAnotherSizeIsRefused) {
+TEST_F(HooksTest, VersionOfAnotherSizeIsRefused) {
     OSVERSIONINFOW version = {};
     version.dwOSVersionInfoSize = 7;
     EXPECT_FALSE(GetVersionExW(&version));
@@ -119,7 +119,7 @@ BOOL CALLBACK Collect(LPWSTR language, LONG_PTR parameter) {
     return languages.seen.size() < languages.most;
 }
 
-TEST_F(Hooks, OneLanguageIsOfferedUntilSet) {
+TEST_F(HooksTest, OneLanguageIsOfferedUntilSet) {
     Languages languages;
     EXPECT_TRUE(EnumUILanguagesW(Collect, MUI_LANGUAGE_ID, reinterpret_cast<LONG_PTR>(&languages)));
     EXPECT_EQ(languages.seen, std::vector<std::wstring>{L"0409"});
@@ -128,7 +128,7 @@ TEST_F(Hooks, OneLanguageIsOfferedUntilSet) {
     EXPECT_EQ(GetUserDefaultLCID(), 0x0409u);
 }
 
-TEST_F(Hooks, LanguagesCanBeSetAndTheCallbackStopsThem) {
+TEST_F(HooksTest, LanguagesCanBeSetAndTheCallbackStopsThem) {
     SetUiLanguages({L"0407", L"0409", L"0411"}, 0x0411);
     Languages languages;
     EXPECT_TRUE(EnumUILanguagesW(Collect, 0, reinterpret_cast<LONG_PTR>(&languages)));
@@ -143,7 +143,7 @@ TEST_F(Hooks, LanguagesCanBeSetAndTheCallbackStopsThem) {
     EXPECT_TRUE(languages.seen.empty());
 }
 
-TEST_F(Hooks, EnumerationOfLanguagesCanFail) {
+TEST_F(HooksTest, EnumerationOfLanguagesCanFail) {
     FailEnumUiLanguages(true);
     Languages languages;
     EXPECT_FALSE(EnumUILanguagesW(Collect, 0, reinterpret_cast<LONG_PTR>(&languages)));
@@ -161,7 +161,7 @@ std::vector<std::uint64_t> Privileges(HANDLE token) {
     return storage;
 }
 
-TEST_F(Hooks, EnabledPrivilegesAreSeen) {
+TEST_F(HooksTest, EnabledPrivilegesAreSeen) {
     EXPECT_TRUE(EnabledPrivileges().empty());
     HANDLE token = nullptr;
     ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY | TOKEN_ADJUST_PRIVILEGES, &token));
@@ -184,7 +184,7 @@ TEST_F(Hooks, EnabledPrivilegesAreSeen) {
     EXPECT_TRUE(CloseHandle(token));
 }
 
-TEST_F(Hooks, AllListedPrivilegesCanBeEnabledAtOnce) {
+TEST_F(HooksTest, AllListedPrivilegesCanBeEnabledAtOnce) {
     HANDLE token = nullptr;
     ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY | TOKEN_ADJUST_PRIVILEGES, &token));
     std::vector<std::uint64_t> storage = Privileges(token);
@@ -198,7 +198,7 @@ TEST_F(Hooks, AllListedPrivilegesCanBeEnabledAtOnce) {
     EXPECT_TRUE(CloseHandle(token));
 }
 
-TEST_F(Hooks, EachTokenStepCanFail) {
+TEST_F(HooksTest, EachTokenStepCanFail) {
     HANDLE token = nullptr;
     FailToken(TokenStep::Open);
     EXPECT_FALSE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token));
@@ -220,7 +220,7 @@ TEST_F(Hooks, EachTokenStepCanFail) {
     EXPECT_TRUE(CloseHandle(token));
 }
 
-TEST_F(Hooks, TokensOfOtherHandlesAreRefused) {
+TEST_F(HooksTest, TokensOfOtherHandlesAreRefused) {
     HANDLE token = nullptr;
     EXPECT_FALSE(OpenProcessToken(nullptr, TOKEN_QUERY, &token));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
@@ -234,7 +234,7 @@ TEST_F(Hooks, TokensOfOtherHandlesAreRefused) {
 
 // --- Names and debugger --------------------------------------------------------------------------------
 
-TEST_F(Hooks, ComputerNameCanFail) {
+TEST_F(HooksTest, ComputerNameCanFail) {
     wchar_t name[MAX_COMPUTERNAME_LENGTH + 1];
     DWORD size = MAX_COMPUTERNAME_LENGTH + 1;
     FailComputerName(true);
@@ -245,7 +245,7 @@ TEST_F(Hooks, ComputerNameCanFail) {
     EXPECT_FALSE(GetComputerNameW(name, nullptr));
 }
 
-TEST_F(Hooks, DebugOutputIsHeardOnlyBySomeoneWhoListens) {
+TEST_F(HooksTest, DebugOutputIsHeardOnlyBySomeoneWhoListens) {
     OutputDebugStringW(L"into the void");
     std::vector<std::wstring> heard;
     SetDebugOutput([&heard](const std::wstring& text) {
@@ -261,7 +261,7 @@ TEST_F(Hooks, DebugOutputIsHeardOnlyBySomeoneWhoListens) {
     EXPECT_EQ(heard, (std::vector<std::wstring>{L"first", L"second"}));
 }
 
-TEST_F(Hooks, ModuleFileNameCanBeAnyPath) {
+TEST_F(HooksTest, ModuleFileNameCanBeAnyPath) {
     wchar_t path[64];
     SetModuleFileName(L"C:\\Windows\\System32\\Services.exe");
     EXPECT_EQ(GetModuleFileNameW(nullptr, path, 64), 32u);
@@ -288,7 +288,7 @@ std::wstring Variable(const wchar_t* name) {
     return value;
 }
 
-TEST_F(Hooks, TempFallsBackToTheHostsOwnVariableAndDirectory) {
+TEST_F(HooksTest, TempFallsBackToTheHostsOwnVariableAndDirectory) {
     const EnvironmentScope temp(L"TEMP", std::nullopt);
     const EnvironmentScope tmp(L"TMP", std::nullopt);
     {
@@ -304,7 +304,7 @@ TEST_F(Hooks, TempFallsBackToTheHostsOwnVariableAndDirectory) {
     EXPECT_EQ(Variable(L"tmp"), L"/tmp");
 }
 
-TEST_F(Hooks, VariablesAreTheHostsInUtf8) {
+TEST_F(HooksTest, VariablesAreTheHostsInUtf8) {
     const EnvironmentScope scope(L"QUILLET_PLATFORM_TEST", L"Gr\u00f6\u00dfe");
     EXPECT_STREQ(std::getenv("QUILLET_PLATFORM_TEST"), "Gr\xc3\xb6\xc3\x9f"
                                                        "e");
@@ -317,7 +317,7 @@ TEST_F(Hooks, VariablesAreTheHostsInUtf8) {
 
 // --- Messages ------------------------------------------------------------------------------------------
 
-TEST_F(Hooks, MessagesHaveOneSource) {
+TEST_F(HooksTest, MessagesHaveOneSource) {
     wchar_t buffer[64];
     EXPECT_EQ(FormatMessageW(FORMAT_MESSAGE_FROM_STRING, L"text", 0, 0, buffer, 64, nullptr), 0u);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});

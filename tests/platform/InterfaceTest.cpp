@@ -22,7 +22,7 @@ void ExpectIid(REFIID named, const wchar_t* expected) {
     EXPECT_EQ(Shown(__uuidof(Interface)), expected);
 }
 
-TEST(Interfaces, HaveTheirIdentifiers) {
+TEST(InterfacesTest, HaveTheirIdentifiers) {
     ExpectIid<IUnknown>(IID_IUnknown, L"{00000000-0000-0000-C000-000000000046}");
     ExpectIid<IClassFactory>(IID_IClassFactory, L"{00000001-0000-0000-C000-000000000046}");
     ExpectIid<IMarshal>(IID_IMarshal, L"{00000003-0000-0000-C000-000000000046}");
@@ -53,7 +53,7 @@ std::size_t Slot(Method method) {
     return static_cast<std::size_t>(words[0] - 1) / sizeof(void*);
 }
 
-TEST(Interfaces, ComsOwnKeepTheOrderOfTheirMethods) {
+TEST(InterfacesTest, ComsOwnKeepTheOrderOfTheirMethods) {
     EXPECT_EQ(Slot(&IUnknown::AddRef), 1u);
     EXPECT_EQ(Slot(&IUnknown::Release), 2u);
     EXPECT_EQ(Slot(&IClassFactory::CreateInstance), 3u);
@@ -74,7 +74,7 @@ TEST(Interfaces, ComsOwnKeepTheOrderOfTheirMethods) {
     EXPECT_EQ(Slot(&IErrorInfo::GetHelpContext), 7u);
 }
 
-TEST(Interfaces, ServicesKeepTheOrderOfTheirMethods) {
+TEST(InterfacesTest, ServicesKeepTheOrderOfTheirMethods) {
     EXPECT_EQ(Slot(&IWbemLocator::ConnectServer), 3u);
     EXPECT_EQ(Slot(&IWbemServices::OpenNamespace), 3u);
     EXPECT_EQ(Slot(&IWbemServices::CancelAsyncCall), 4u);
@@ -101,7 +101,7 @@ TEST(Interfaces, ServicesKeepTheOrderOfTheirMethods) {
     EXPECT_EQ(Slot(&IWbemServices::ExecMethodAsync), 25u);
 }
 
-TEST(Interfaces, ObjectsKeepTheOrderOfTheirMethods) {
+TEST(InterfacesTest, ObjectsKeepTheOrderOfTheirMethods) {
     EXPECT_EQ(Slot(&IWbemClassObject::GetQualifierSet), 3u);
     EXPECT_EQ(Slot(&IWbemClassObject::Get), 4u);
     EXPECT_EQ(Slot(&IWbemClassObject::Put), 5u);
@@ -128,7 +128,7 @@ TEST(Interfaces, ObjectsKeepTheOrderOfTheirMethods) {
     EXPECT_EQ(Slot(&IWbemClassObject::GetMethodOrigin), 26u);
 }
 
-TEST(Interfaces, TheRestOfWmiKeepsTheOrderOfItsMethods) {
+TEST(InterfacesTest, TheRestOfWmiKeepsTheOrderOfItsMethods) {
     EXPECT_EQ(Slot(&IWbemQualifierSet::Get), 3u);
     EXPECT_EQ(Slot(&IWbemQualifierSet::Put), 4u);
     EXPECT_EQ(Slot(&IWbemQualifierSet::Delete), 5u);
@@ -158,7 +158,7 @@ TEST(Interfaces, TheRestOfWmiKeepsTheOrderOfItsMethods) {
     EXPECT_EQ(Slot(&IWbemObjectSink::SetStatus), 4u);
 }
 
-TEST(Interfaces, CodesAndFlagsHaveTheirNumbers) {
+TEST(InterfacesTest, CodesAndFlagsHaveTheirNumbers) {
     const std::pair<HRESULT, unsigned> codes[] = {
         {WBEM_S_FALSE, 1},
         {WBEM_S_TIMEDOUT, 0x40004},

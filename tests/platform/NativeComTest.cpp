@@ -20,8 +20,8 @@
 namespace {
 
 using quillet::platform::Live;
-using quillet::test::AgileObject;
-using quillet::test::SecuredObject;
+using quillet::tests::AgileObject;
+using quillet::tests::SecuredObject;
 
 constexpr CLSID kTestClass = {0x8d9b3c61, 0x5a0e, 0x4d5e, {0x9f, 0x0a, 0x3b, 0x5e, 0x61, 0x7c, 0x20, 0x02}};
 
@@ -40,7 +40,7 @@ IGlobalInterfaceTable* Table() {
 
 // --- Apartments ----------------------------------------------------------------------------------------
 
-TEST(NativeCom, NothingIsCreatedOnAThreadWithoutCom) {
+TEST(NativeComTest, NothingIsCreatedOnAThreadWithoutCom) {
     AgileObject factory;
     DWORD cookie = 0;
     ASSERT_EQ(CoRegisterClassObject(kTestClass, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie),
@@ -67,7 +67,7 @@ TEST(NativeCom, NothingIsCreatedOnAThreadWithoutCom) {
     EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
 }
 
-TEST(NativeCom, AThreadMayUseComUntilItsLastUninitialise) {
+TEST(NativeComTest, AThreadMayUseComUntilItsLastUninitialise) {
     OnNewThread([] {
         const auto create = [] {
             void* object = nullptr;
@@ -87,7 +87,7 @@ TEST(NativeCom, AThreadMayUseComUntilItsLastUninitialise) {
     });
 }
 
-TEST(NativeCom, InitialisationTakesNoOtherArguments) {
+TEST(NativeComTest, InitialisationTakesNoOtherArguments) {
     OnNewThread([] {
         int reserved = 0;
         EXPECT_EQ(CoInitializeEx(&reserved, COINIT_MULTITHREADED), E_INVALIDARG);
@@ -97,7 +97,7 @@ TEST(NativeCom, InitialisationTakesNoOtherArguments) {
     });
 }
 
-TEST(NativeCom, TheInterfaceTableNeedsComToo) {
+TEST(NativeComTest, TheInterfaceTableNeedsComToo) {
     IGlobalInterfaceTable* const table = Table();
     AgileObject object;
     DWORD cookie = 0;
@@ -115,7 +115,7 @@ TEST(NativeCom, TheInterfaceTableNeedsComToo) {
 
 // --- Class objects -------------------------------------------------------------------------------------
 
-TEST(NativeCom, ASingleUseClassServesOnce) {
+TEST(NativeComTest, ASingleUseClassServesOnce) {
     AgileObject first;
     AgileObject second;
     DWORD cookie = 0;
@@ -142,7 +142,7 @@ TEST(NativeCom, ASingleUseClassServesOnce) {
     EXPECT_EQ(CoRevokeClassObject(other), S_OK);
 }
 
-TEST(NativeCom, ClassObjectsServeEveryApartment) {
+TEST(NativeComTest, ClassObjectsServeEveryApartment) {
     AgileObject factory;
     DWORD cookie = 0;
     ASSERT_EQ(CoRegisterClassObject(kTestClass, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie),
@@ -209,7 +209,7 @@ class Proxy final : public IClientSecurity {
     HRESULT m_copyResult;
 };
 
-class NativeInterfaceTable : public testing::Test {
+class NativeInterfaceTableTest : public testing::Test {
   protected:
     void SetUp() override { m_table = Table(); }
     void TearDown() override {
@@ -226,7 +226,7 @@ class NativeInterfaceTable : public testing::Test {
     IGlobalInterfaceTable* m_table = nullptr;
 };
 
-TEST_F(NativeInterfaceTable, EachRetrievalOfAProxyIsAFreshOne) {
+TEST_F(NativeInterfaceTableTest, EachRetrievalOfAProxyIsAFreshOne) {
     auto* const original = new Proxy;
     DWORD cookie = 0;
     ASSERT_EQ(m_table->RegisterInterfaceInGlobal(original, IID_IClientSecurity, &cookie), S_OK);
@@ -247,7 +247,7 @@ TEST_F(NativeInterfaceTable, EachRetrievalOfAProxyIsAFreshOne) {
     original->Release();
 }
 
-TEST_F(NativeInterfaceTable, AProxyThatCannotBeCopiedIsNotHandedOut) {
+TEST_F(NativeInterfaceTableTest, AProxyThatCannotBeCopiedIsNotHandedOut) {
     for (const HRESULT result : {E_ACCESSDENIED, S_FALSE}) {
         auto* const original = new Proxy(result);
         DWORD cookie = 0;
@@ -261,7 +261,7 @@ TEST_F(NativeInterfaceTable, AProxyThatCannotBeCopiedIsNotHandedOut) {
     }
 }
 
-TEST_F(NativeInterfaceTable, AnInterfaceThatTheCopyLacksIsRefused) {
+TEST_F(NativeInterfaceTableTest, AnInterfaceThatTheCopyLacksIsRefused) {
     auto* const original = new Proxy;
     DWORD cookie = 0;
     ASSERT_EQ(m_table->RegisterInterfaceInGlobal(original, IID_IUnknown, &cookie), S_OK);
@@ -272,7 +272,7 @@ TEST_F(NativeInterfaceTable, AnInterfaceThatTheCopyLacksIsRefused) {
     original->Release();
 }
 
-TEST_F(NativeInterfaceTable, CookiesAreNotReusedWhileTheyLiveNorSoonAfter) {
+TEST_F(NativeInterfaceTableTest, CookiesAreNotReusedWhileTheyLiveNorSoonAfter) {
     AgileObject object;
     std::set<DWORD> seen;
     std::vector<DWORD> live;
@@ -294,7 +294,7 @@ TEST_F(NativeInterfaceTable, CookiesAreNotReusedWhileTheyLiveNorSoonAfter) {
     EXPECT_EQ(object.References(), 1u);
 }
 
-TEST_F(NativeInterfaceTable, NullPlacesAreInvalid) {
+TEST_F(NativeInterfaceTableTest, NullPlacesAreInvalid) {
     AgileObject object;
     EXPECT_EQ(m_table->RegisterInterfaceInGlobal(&object, IID_IUnknown, nullptr), E_INVALIDARG);
     DWORD cookie = 0;
@@ -332,7 +332,7 @@ class Nested final : public IUnknown {
     DWORD m_cookie;
 };
 
-TEST_F(NativeInterfaceTable, TheLastReleaseMayUseTheTable) {
+TEST_F(NativeInterfaceTableTest, TheLastReleaseMayUseTheTable) {
     AgileObject inner;
     DWORD innerCookie = 0;
     ASSERT_EQ(m_table->RegisterInterfaceInGlobal(&inner, IID_IUnknown, &innerCookie), S_OK);
@@ -346,7 +346,7 @@ TEST_F(NativeInterfaceTable, TheLastReleaseMayUseTheTable) {
 
 // --- Proxy blankets ------------------------------------------------------------------------------------
 
-TEST(NativeProxyBlanket, NullArgumentsAreInvalid) {
+TEST(NativeProxyBlanketTest, NullArgumentsAreInvalid) {
     EXPECT_EQ(CoSetProxyBlanket(nullptr, 0, 0, nullptr, 0, 0, nullptr, 0), E_INVALIDARG);
     SecuredObject proxy;
     EXPECT_EQ(CoCopyProxy(&proxy, nullptr), E_INVALIDARG);
@@ -355,7 +355,7 @@ TEST(NativeProxyBlanket, NullArgumentsAreInvalid) {
 
 // --- Counts --------------------------------------------------------------------------------------------
 
-TEST(LiveCounts, FollowEveryKind) {
+TEST(LiveCountsTest, FollowEveryKind) {
     const auto before = Live();
     const BSTR text = SysAllocString(L"counted");
     EXPECT_EQ(Live().bstrs, before.bstrs + 1);
@@ -390,7 +390,7 @@ TEST(LiveCounts, FollowEveryKind) {
 
 // --- Limits of arrays and variants ---------------------------------------------------------------------
 
-TEST(NativeSafeArray, AbsurdBoundsGiveNull) {
+TEST(NativeSafeArrayTest, AbsurdBoundsGiveNull) {
     SAFEARRAYBOUND tooMany[] = {{0x7fffffffu, 0}, {0x7fffffffu, 0}, {0x7fffffffu, 0}};
     EXPECT_EQ(SafeArrayCreate(VT_VARIANT, 3, tooMany), nullptr);
     SAFEARRAYBOUND wrapping[] = {{0x10000u, 0}, {0x10000u, 0}, {0x10000u, 0}, {0x10000u, 0}};
@@ -401,7 +401,7 @@ TEST(NativeSafeArray, AbsurdBoundsGiveNull) {
     EXPECT_EQ(SafeArrayCreateVector(VT_UI1, 0, 0xffffffffu), nullptr);
 }
 
-TEST(NativeSafeArray, TheGreatestLowerBoundHasRoomForOne) {
+TEST(NativeSafeArrayTest, TheGreatestLowerBoundHasRoomForOne) {
     SAFEARRAY* const array = SafeArrayCreateVector(VT_UI1, 0x7fffffff, 1);
     ASSERT_NE(array, nullptr);
     LONG index = 0x7fffffff;
@@ -412,7 +412,7 @@ TEST(NativeSafeArray, TheGreatestLowerBoundHasRoomForOne) {
     EXPECT_EQ(SafeArrayDestroy(array), S_OK);
 }
 
-TEST(NativeSafeArray, RedimKeepsWhatStays) {
+TEST(NativeSafeArrayTest, RedimKeepsWhatStays) {
     SAFEARRAY* const array = SafeArrayCreateVector(VT_BSTR, 0, 2);
     for (LONG i = 0; i < 2; ++i) {
         const BSTR text = SysAllocString(i == 0 ? L"zero" : L"one");
@@ -438,7 +438,7 @@ TEST(NativeSafeArray, RedimKeepsWhatStays) {
     EXPECT_EQ(SafeArrayDestroy(array), S_OK);
 }
 
-TEST(NativeSafeArray, RedimFreesWhatIsCutOff) {
+TEST(NativeSafeArrayTest, RedimFreesWhatIsCutOff) {
     SAFEARRAY* const array = SafeArrayCreateVector(VT_BSTR, 0, 2);
     const auto before = Live();
     for (LONG i = 0; i < 2; ++i) {
@@ -461,7 +461,7 @@ TEST(NativeSafeArray, RedimFreesWhatIsCutOff) {
     EXPECT_EQ(Live().bstrs, before.bstrs);
 }
 
-TEST(NativeSafeArray, DestroyedDataHasNoElements) {
+TEST(NativeSafeArrayTest, DestroyedDataHasNoElements) {
     SAFEARRAY* const array = SafeArrayCreateVector(VT_BSTR, 0, 2);
     EXPECT_EQ(SafeArrayDestroyData(array), S_OK);
     LONG index = 0;
@@ -471,7 +471,7 @@ TEST(NativeSafeArray, DestroyedDataHasNoElements) {
     EXPECT_EQ(SafeArrayDestroy(array), S_OK);
 }
 
-TEST(NativeVariant, ClearOfALockedArrayFails) {
+TEST(NativeVariantTest, ClearOfALockedArrayFails) {
     VARIANT variant;
     VariantInit(&variant);
     V_VT(&variant) = VT_ARRAY | VT_I4;
@@ -485,7 +485,7 @@ TEST(NativeVariant, ClearOfALockedArrayFails) {
 
 // --- Narrow text and error objects of the compiler's classes -------------------------------------------
 
-TEST(NativeBstrOwner, NarrowTextIsUtf8) {
+TEST(NativeBstrOwnerTest, NarrowTextIsUtf8) {
     const _bstr_t text("Gr\xc3\xb6\xc3\x9f"
                        "e");
     EXPECT_STREQ(static_cast<const wchar_t*>(text), L"Gr\u00f6\u00dfe");
@@ -497,7 +497,7 @@ TEST(NativeBstrOwner, NarrowTextIsUtf8) {
     EXPECT_EQ(static_cast<const char*>(_bstr_t()), nullptr);
 }
 
-TEST(NativeBstrOwner, DetachOfASharedOrEmptyTextIsRefused) {
+TEST(NativeBstrOwnerTest, DetachOfASharedOrEmptyTextIsRefused) {
     _bstr_t empty;
     EXPECT_THROW(empty.Detach(), _com_error);
     _bstr_t shared(L"shared");
@@ -535,7 +535,7 @@ class ErrorInfo final : public IErrorInfo {
     }
 };
 
-TEST(NativeComError, HoldsItsErrorObject) {
+TEST(NativeComErrorTest, HoldsItsErrorObject) {
     ErrorInfo info;
     {
         const _com_error error(E_FAIL, &info, true);
@@ -556,7 +556,7 @@ TEST(NativeComError, HoldsItsErrorObject) {
     EXPECT_EQ(info.references, 1u);
 }
 
-TEST(NativeComError, MessagesAreTheSystems) {
+TEST(NativeComErrorTest, MessagesAreTheSystems) {
     EXPECT_STREQ(_com_error(E_ACCESSDENIED).ErrorMessage(), L"Access is denied.");
     EXPECT_STREQ(_com_error(static_cast<HRESULT>(0x80041002)).ErrorMessage(), L"Not found.");
     EXPECT_STREQ(_com_error(static_cast<HRESULT>(0x80040210)).ErrorMessage(), L"IDispatch error #16");

@@ -11,8 +11,8 @@
 
 namespace {
 
-using quillet::test::ReadFile;
-using quillet::test::TemporaryDirectory;
+using quillet::tests::ReadFile;
+using quillet::tests::TemporaryDirectory;
 
 int g_reports = 0;
 
@@ -26,7 +26,7 @@ void CountReports(const wchar_t* expression, const wchar_t* function, const wcha
     ++g_reports;
 }
 
-class Handler : public testing::Test {
+class HandlerTest : public testing::Test {
   protected:
     void SetUp() override {
         g_reports = 0;
@@ -36,7 +36,7 @@ class Handler : public testing::Test {
     _invalid_parameter_handler m_before = nullptr;
 };
 
-TEST_F(Handler, IsCalledOnceForEachMisuse) {
+TEST_F(HandlerTest, IsCalledOnceForEachMisuse) {
     EXPECT_EQ(_get_invalid_parameter_handler(), CountReports);
     wchar_t buffer[4] = L"abc";
     EXPECT_EQ(wcscpy_s(buffer, 4, L"too long"), ERANGE);
@@ -80,7 +80,7 @@ std::wstring Formatted(const wchar_t* format, Arguments... arguments) {
     return length < 0 ? L"(failed)" : std::wstring(buffer, static_cast<std::size_t>(length));
 }
 
-TEST(NativeFormatting, HostileWidthsCostNothing) {
+TEST(NativeFormattingTest, HostileWidthsCostNothing) {
     wchar_t buffer[8];
     EXPECT_EQ(_snwprintf_s(buffer, 8, _TRUNCATE, L"%999999999d", 1), -1);
     EXPECT_STREQ(buffer, L"       ");
@@ -97,23 +97,23 @@ TEST(NativeFormatting, HostileWidthsCostNothing) {
     EXPECT_GT(_scwprintf(L"%.999999999f %999999999.9f %0999999999f", 1.0, 1e308, -1e308), 0);
 }
 
-TEST(NativeFormatting, SmallIntegersAreCut) {
+TEST(NativeFormattingTest, SmallIntegersAreCut) {
     EXPECT_EQ(Formatted(L"%hhd %hhu", 300, 300), L"44 44");
     EXPECT_EQ(Formatted(L"%zd %jd %td", 7ll, -8ll, 9ll), L"7 -8 9");
 }
 
-TEST(NativeFormatting, PercentTakesItsFlagsWithIt) {
+TEST(NativeFormattingTest, PercentTakesItsFlagsWithIt) {
     EXPECT_EQ(Formatted(L"a%5%b"), L"a%b");
     EXPECT_EQ(Formatted(L"a%-%b"), L"a%b");
 }
 
-TEST(NativeFormatting, NothingIsEverWrittenThroughAnArgument) {
+TEST(NativeFormattingTest, NothingIsEverWrittenThroughAnArgument) {
     int target = 12345;
     EXPECT_EQ(Formatted(L"abc%n|%d", &target, 6), L"abc|6");
     EXPECT_EQ(target, 12345);
 }
 
-TEST(NativeFormatting, NarrowTextIsUtf8) {
+TEST(NativeFormattingTest, NarrowTextIsUtf8) {
     EXPECT_EQ(Formatted(L"%S", "Gr\xc3\xb6\xc3\x9f"
                                "e"),
               L"Gr\u00f6\u00dfe");
@@ -121,20 +121,20 @@ TEST(NativeFormatting, NarrowTextIsUtf8) {
     EXPECT_EQ(Formatted(L"%6S|", "\xe2\x82\xac"), L"     \u20ac|") << "the width counts characters";
 }
 
-TEST(NativeFormatting, PrecisionSparesTheTerminator) {
+TEST(NativeFormattingTest, PrecisionSparesTheTerminator) {
     const wchar_t wide[2] = {L'a', L'b'};
     const char narrow[2] = {'c', 'd'};
     EXPECT_EQ(Formatted(L"%.2s%.2S", wide, narrow), L"abcd");
 }
 
-TEST(NativeFormatting, NullBufferLearnsTheLength) {
+TEST(NativeFormattingTest, NullBufferLearnsTheLength) {
     EXPECT_EQ(_snwprintf(nullptr, 0, L"%d", 1234), 4);
     EXPECT_EQ(_snwprintf_s(nullptr, 0, 0, L"%d", 1234), 0);
 }
 
 // --- Files ---------------------------------------------------------------------------------------------
 
-TEST(WideFiles, HaveUtf8Names) {
+TEST(WideFilesTest, HaveUtf8Names) {
     const TemporaryDirectory directory;
     const std::wstring name = directory.Text() + L"/Gr\u00f6\u00dfe \u20ac.txt";
     FILE* file = nullptr;

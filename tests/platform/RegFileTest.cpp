@@ -15,7 +15,7 @@
 namespace {
 
 using quillet::platform::ResetRegistry;
-using quillet::test::TemporaryDirectory;
+using quillet::tests::TemporaryDirectory;
 
 constexpr char kHeader[] = "Windows Registry Editor Version 5.00\r\n\r\n";
 
@@ -68,7 +68,7 @@ bool KeyExists(HKEY root, const wchar_t* path) {
     return true;
 }
 
-class RegFile : public testing::Test {
+class RegFileTest : public testing::Test {
   protected:
     void TearDown() override { ResetRegistry(); }
 
@@ -88,7 +88,7 @@ class RegFile : public testing::Test {
     TemporaryDirectory m_directory;
 };
 
-TEST_F(RegFile, EveryKindOfValueIsRead) {
+TEST_F(RegFileTest, EveryKindOfValueIsRead) {
     EXPECT_EQ(Load("[HKEY_LOCAL_MACHINE\\SOFTWARE\\T]\r\n"
                    "@=\"default\"\r\n"
                    "\"text\"=\"plain\"\r\n"
@@ -125,7 +125,7 @@ TEST_F(RegFile, EveryKindOfValueIsRead) {
     EXPECT_EQ(Local(L"strange").type, 0x1234u);
 }
 
-TEST_F(RegFile, QuotedTextsHaveEscapes) {
+TEST_F(RegFileTest, QuotedTextsHaveEscapes) {
     EXPECT_EQ(Load("[HKEY_LOCAL_MACHINE\\SOFTWARE\\T]\n"
                    "\"a\\\"b\\\\c\"=\"C:\\\\Dir\\\\ \\\"quoted\\\"\"\n"
                    "\"x=hex\"=\"ends with a backslash \\\\\"\n"
@@ -137,7 +137,7 @@ TEST_F(RegFile, QuotedTextsHaveEscapes) {
     EXPECT_EQ(Local(L"next").status, ERROR_SUCCESS);
 }
 
-TEST_F(RegFile, BytesGoOnBehindABackslash) {
+TEST_F(RegFileTest, BytesGoOnBehindABackslash) {
     EXPECT_EQ(Load("[HKEY_LOCAL_MACHINE\\SOFTWARE\\T]\r\n"
                    "\"long\"=hex:01,02,\\\r\n"
                    "  03,04,\\  \r\n"
@@ -151,7 +151,7 @@ TEST_F(RegFile, BytesGoOnBehindABackslash) {
     EXPECT_EQ(Local(L"behind").Number(), 1u);
 }
 
-TEST_F(RegFile, KeysAndValuesAreDeletedInTheOrderOfTheFile) {
+TEST_F(RegFileTest, KeysAndValuesAreDeletedInTheOrderOfTheFile) {
     EXPECT_EQ(Load("[HKEY_LOCAL_MACHINE\\SOFTWARE\\T]\n"
                    "\"a\"=dword:1\n"
                    "\"b\"=dword:2\n"
@@ -171,7 +171,7 @@ TEST_F(RegFile, KeysAndValuesAreDeletedInTheOrderOfTheFile) {
     EXPECT_TRUE(KeyExists(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Again"));
 }
 
-TEST_F(RegFile, EveryRootIsKnownInAnyCase) {
+TEST_F(RegFileTest, EveryRootIsKnownInAnyCase) {
     EXPECT_EQ(
         Load("[HKEY_LOCAL_MACHINE\\A]\n[hkey_current_user\\B]\n[HKEY_CLASSES_ROOT\\C]\n[HKEY_USERS\\D]\n"
              "[HKEY_CURRENT_CONFIG\\E]\n[HKEY_CURRENT_USER]\n\"v\"=dword:5\n"),
@@ -185,7 +185,7 @@ TEST_F(RegFile, EveryRootIsKnownInAnyCase) {
     EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, L"B"));
 }
 
-TEST_F(RegFile, CommentsAndBlankLinesAreSkipped) {
+TEST_F(RegFileTest, CommentsAndBlankLinesAreSkipped) {
     EXPECT_EQ(Load("; first\n\n  \t \n  [HKEY_LOCAL_MACHINE\\SOFTWARE\\T]   ; behind a key\n"
                    "  \"a\" = dword:7 ; behind a value\n;\"b\"=dword:8\n\"c\"=\"text\" ; \"quoted\"\n"),
               "");
@@ -194,7 +194,7 @@ TEST_F(RegFile, CommentsAndBlankLinesAreSkipped) {
     EXPECT_EQ(Local(L"c").Text(), std::wstring(L"text\0", 5));
 }
 
-TEST_F(RegFile, TheLastLineNeedsNoEnd) {
+TEST_F(RegFileTest, TheLastLineNeedsNoEnd) {
     EXPECT_EQ(Load("[HKEY_LOCAL_MACHINE\\SOFTWARE\\T]\n\"a\"=dword:7"), "");
     EXPECT_EQ(Local(L"a").Number(), 7u);
 }
@@ -208,7 +208,7 @@ std::string Utf16(const std::u16string& text) {
     return bytes;
 }
 
-TEST_F(RegFile, Utf16WithAMarkIsRead) {
+TEST_F(RegFileTest, Utf16WithAMarkIsRead) {
     EXPECT_EQ(
         LoadBytes(Utf16(u"Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\T]\r\n"
                         u"\"Gr\u00f6\u00dfe\"=\"\u20ac \U0001f50c\"\r\n")),
@@ -216,7 +216,7 @@ TEST_F(RegFile, Utf16WithAMarkIsRead) {
     EXPECT_EQ(Local(L"GR\u00d6\u00dfE").Text(), std::wstring(L"\u20ac \U0001f50c\0", 4));
 }
 
-TEST_F(RegFile, Utf8IsReadWithAndWithoutAMark) {
+TEST_F(RegFileTest, Utf8IsReadWithAndWithoutAMark) {
     const std::string body = std::string(kHeader) + "[HKEY_LOCAL_MACHINE\\SOFTWARE\\T]\r\n"
                                                     "\"Gr\xc3\xb6\xc3\x9f"
                                                     "e\"=\"\xe2\x82\xac \xf0\x9f\x94\x8c\"\r\n";
@@ -238,9 +238,9 @@ void PrintTo(const BadFile& file, std::ostream* stream) {
     *stream << file.name;
 }
 
-class MalformedRegFile : public RegFile, public testing::WithParamInterface<BadFile> {};
+class MalformedRegFileTest : public RegFileTest, public testing::WithParamInterface<BadFile> {};
 
-TEST_P(MalformedRegFile, IsReportedWithItsLineAndNothingOfItIsTaken) {
+TEST_P(MalformedRegFileTest, IsReportedWithItsLineAndNothingOfItIsTaken) {
     Load("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Before]\n");
     const std::string report = LoadBytes(GetParam().bytes);
     const std::string start = Path() + ":" + std::to_string(GetParam().line) + ": ";
@@ -255,7 +255,7 @@ std::string Fifth(const std::string& rest) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Table, MalformedRegFile,
+    Table, MalformedRegFileTest,
     testing::Values(
         BadFile{"Empty", "", 1},
         BadFile{"OtherHeader", "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\T]\r\n", 1},
@@ -316,7 +316,7 @@ INSTANTIATE_TEST_SUITE_P(
                 1}),
     [](const testing::TestParamInfo<BadFile>& file) { return std::string(file.param.name); });
 
-TEST_F(RegFile, AMissingFileLeavesTheRegistryEmpty) {
+TEST_F(RegFileTest, AMissingFileLeavesTheRegistryEmpty) {
     testing::internal::CaptureStderr();
     ResetRegistry(Path() + ".missing");
     const std::string report = testing::internal::GetCapturedStderr();
@@ -324,14 +324,14 @@ TEST_F(RegFile, AMissingFileLeavesTheRegistryEmpty) {
     EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, L"SOFTWARE"));
 }
 
-TEST_F(RegFile, ADirectoryIsNoFile) {
+TEST_F(RegFileTest, ADirectoryIsNoFile) {
     testing::internal::CaptureStderr();
     ResetRegistry(m_directory.Path().string());
     EXPECT_NE(testing::internal::GetCapturedStderr().find("cannot be read"), std::string::npos);
     EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, L"SOFTWARE"));
 }
 
-TEST_F(RegFile, ResetEndsOpenHandles) {
+TEST_F(RegFileTest, ResetEndsOpenHandles) {
     Load("[HKEY_LOCAL_MACHINE\\SOFTWARE\\T]\n\"a\"=dword:1\n");
     HKEY key = nullptr;
     ASSERT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\T", 0, KEY_READ, &key), ERROR_SUCCESS);
@@ -340,20 +340,20 @@ TEST_F(RegFile, ResetEndsOpenHandles) {
     EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
 }
 
-TEST_F(RegFile, ALongListOfBytesIsReadInReasonableTime) {
+TEST_F(RegFileTest, ALongListOfBytesIsReadInReasonableTime) {
     std::string body = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\T]\r\n\"big\"=hex:00";
-    constexpr std::size_t lines = 20000;
-    for (std::size_t i = 0; i < lines; ++i) {
+    constexpr std::size_t kLines = 20000;
+    for (std::size_t i = 0; i < kLines; ++i) {
         body += ",\\\r\n  01,02,03,04,05,06,07,08,09,0a,0b,0c,0d,0e,0f,10";
     }
     EXPECT_EQ(Load(body + "\r\n"), "");
-    EXPECT_EQ(Local(L"big").data.size(), lines * 16 + 1);
+    EXPECT_EQ(Local(L"big").data.size(), kLines * 16 + 1);
 }
 
 // --- The environment variable --------------------------------------------------------------------------
 
 /// The hive is filled once in a process, so each case has one of its own.
-class RegistryVariableDeathTest : public RegFile {
+class RegistryVariableDeathTest : public RegFileTest {
   protected:
     void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 

@@ -12,7 +12,7 @@
 
 namespace {
 
-using quillet::test::AgileObject;
+using quillet::tests::AgileObject;
 
 /// Destroys its array; a lock left on it is a failure of the test.
 class Array {
@@ -40,7 +40,7 @@ LONG Upper(SAFEARRAY* array, UINT dimension = 1) {
     return bound;
 }
 
-TEST(SafeArray, VectorHasItsBoundsTypeAndZeros) {
+TEST(SafeArrayTest, VectorHasItsBoundsTypeAndZeros) {
     const Array array(SafeArrayCreateVector(VT_I4, 0, 3));
     ASSERT_NE(array, nullptr);
     EXPECT_EQ(SafeArrayGetDim(array), 1u);
@@ -57,7 +57,7 @@ TEST(SafeArray, VectorHasItsBoundsTypeAndZeros) {
     }
 }
 
-TEST(SafeArray, TypesHaveTheSdkSizes) {
+TEST(SafeArrayTest, TypesHaveTheSdkSizes) {
     const std::pair<VARTYPE, UINT> sizes[] = {{VT_I1, 1},
                                               {VT_UI1, 1},
                                               {VT_I2, 2},
@@ -89,7 +89,7 @@ TEST(SafeArray, TypesHaveTheSdkSizes) {
     }
 }
 
-TEST(SafeArray, TypesWithoutArrayFormGiveNull) {
+TEST(SafeArrayTest, TypesWithoutArrayFormGiveNull) {
     SAFEARRAYBOUND bound = {1, 0};
     for (const VARTYPE type : {VT_EMPTY, VT_NULL, VARENUM(VT_I4 | VT_ARRAY), VARENUM(VT_I4 | VT_BYREF),
                                VARENUM(15), VT_ILLEGALMASKED}) {
@@ -99,7 +99,7 @@ TEST(SafeArray, TypesWithoutArrayFormGiveNull) {
     EXPECT_EQ(SafeArrayCreate(VT_I4, 1, nullptr), nullptr);
 }
 
-TEST(SafeArray, LayoutIsTheSdks) {
+TEST(SafeArrayTest, LayoutIsTheSdks) {
     EXPECT_EQ(offsetof(SAFEARRAY, cDims), 0u);
     EXPECT_EQ(offsetof(SAFEARRAY, fFeatures), 2u);
     EXPECT_EQ(offsetof(SAFEARRAY, cbElements), 4u);
@@ -121,7 +121,7 @@ TEST(SafeArray, LayoutIsTheSdks) {
     EXPECT_NE(array->fFeatures & FADF_HAVEVARTYPE, 0);
 }
 
-TEST(SafeArray, LowerBoundFiveCountsFromFive) {
+TEST(SafeArrayTest, LowerBoundFiveCountsFromFive) {
     const Array array(SafeArrayCreateVector(VT_I2, 5, 2));
     EXPECT_EQ(Lower(array), 5);
     EXPECT_EQ(Upper(array), 6);
@@ -142,7 +142,7 @@ TEST(SafeArray, LowerBoundFiveCountsFromFive) {
     }
 }
 
-TEST(SafeArray, NegativeLowerBoundWorks) {
+TEST(SafeArrayTest, NegativeLowerBoundWorks) {
     const Array array(SafeArrayCreateVector(VT_UI1, -3, 3));
     EXPECT_EQ(Upper(array), -1);
     LONG index = -1;
@@ -155,7 +155,7 @@ TEST(SafeArray, NegativeLowerBoundWorks) {
     EXPECT_EQ(SafeArrayGetElement(array, &index, &value), DISP_E_BADINDEX);
 }
 
-TEST(SafeArray, EmptyVectorHasAnUpperBoundBelowTheLower) {
+TEST(SafeArrayTest, EmptyVectorHasAnUpperBoundBelowTheLower) {
     const Array array(SafeArrayCreateVector(VT_BSTR, 0, 0));
     ASSERT_NE(array, nullptr);
     EXPECT_EQ(Lower(array), 0);
@@ -165,7 +165,7 @@ TEST(SafeArray, EmptyVectorHasAnUpperBoundBelowTheLower) {
     EXPECT_EQ(SafeArrayGetElement(array, &index, &text), DISP_E_BADINDEX);
 }
 
-TEST(SafeArray, TextElementsAreCopiedBothWays) {
+TEST(SafeArrayTest, TextElementsAreCopiedBothWays) {
     const Array array(SafeArrayCreateVector(VT_BSTR, 0, 2));
     LONG index = 1;
     const BSTR put = SysAllocStringLen(L"a\0b", 3);
@@ -185,7 +185,7 @@ TEST(SafeArray, TextElementsAreCopiedBothWays) {
     EXPECT_EQ(got, nullptr) << "an element never put is null";
 }
 
-TEST(SafeArray, PuttingATextReplacesTheOldOne) {
+TEST(SafeArrayTest, PuttingATextReplacesTheOldOne) {
     const Array array(SafeArrayCreateVector(VT_BSTR, 0, 1));
     LONG index = 0;
     for (const wchar_t* word : {L"first", L"second"}) {
@@ -203,7 +203,7 @@ TEST(SafeArray, PuttingATextReplacesTheOldOne) {
     SysFreeString(got);
 }
 
-TEST(SafeArray, VariantElementsAreDeepCopies) {
+TEST(SafeArrayTest, VariantElementsAreDeepCopies) {
     const Array array(SafeArrayCreateVector(VT_VARIANT, 0, 2));
     VARIANT value;
     VariantInit(&value);
@@ -225,7 +225,7 @@ TEST(SafeArray, VariantElementsAreDeepCopies) {
     EXPECT_EQ(V_VT(&read), VT_EMPTY);
 }
 
-TEST(SafeArray, InterfaceElementsAreReferenced) {
+TEST(SafeArrayTest, InterfaceElementsAreReferenced) {
     AgileObject object;
     {
         const Array array(SafeArrayCreateVector(VT_UNKNOWN, 0, 1));
@@ -245,7 +245,7 @@ TEST(SafeArray, InterfaceElementsAreReferenced) {
     EXPECT_EQ(object.References(), 1u);
 }
 
-TEST(SafeArray, TwoDimensionsKeepTheFirstTogether) {
+TEST(SafeArrayTest, TwoDimensionsKeepTheFirstTogether) {
     SAFEARRAYBOUND bounds[] = {{2, 1}, {3, 10}};
     const Array array(SafeArrayCreate(VT_I4, 2, bounds));
     ASSERT_NE(array, nullptr);
@@ -273,7 +273,7 @@ TEST(SafeArray, TwoDimensionsKeepTheFirstTogether) {
     EXPECT_EQ(SafeArrayGetElement(array, swapped, &value), DISP_E_BADINDEX);
 }
 
-TEST(SafeArray, BadDimensionIsABadIndex) {
+TEST(SafeArrayTest, BadDimensionIsABadIndex) {
     const Array array(SafeArrayCreateVector(VT_I4, 0, 1));
     LONG bound = 0;
     EXPECT_EQ(SafeArrayGetLBound(array, 0, &bound), DISP_E_BADINDEX);
@@ -281,7 +281,7 @@ TEST(SafeArray, BadDimensionIsABadIndex) {
     EXPECT_EQ(SafeArrayGetUBound(array, 2, &bound), DISP_E_BADINDEX);
 }
 
-TEST(SafeArray, NullArgumentsAreInvalid) {
+TEST(SafeArrayTest, NullArgumentsAreInvalid) {
     const Array array(SafeArrayCreateVector(VT_I4, 0, 1));
     LONG index = 0;
     LONG value = 0;
@@ -302,7 +302,7 @@ TEST(SafeArray, NullArgumentsAreInvalid) {
     EXPECT_EQ(SafeArrayCopy(array, nullptr), E_INVALIDARG);
 }
 
-TEST(SafeArray, LocksAreCountedAndKeepItAlive) {
+TEST(SafeArrayTest, LocksAreCountedAndKeepItAlive) {
     SAFEARRAY* const array = SafeArrayCreateVector(VT_BSTR, 0, 1);
     LONG index = 0;
     const BSTR text = SysAllocString(L"kept");
@@ -324,7 +324,7 @@ TEST(SafeArray, LocksAreCountedAndKeepItAlive) {
     EXPECT_EQ(SafeArrayDestroy(array), S_OK);
 }
 
-TEST(SafeArray, AccessDataLocksAndPointsAtTheElements) {
+TEST(SafeArrayTest, AccessDataLocksAndPointsAtTheElements) {
     SAFEARRAY* const array = SafeArrayCreateVector(VT_UI1, 0, 4);
     void* data = nullptr;
     ASSERT_EQ(SafeArrayAccessData(array, &data), S_OK);
@@ -343,7 +343,7 @@ TEST(SafeArray, AccessDataLocksAndPointsAtTheElements) {
     EXPECT_EQ(SafeArrayDestroy(array), S_OK);
 }
 
-TEST(SafeArray, CopyIsIndependent) {
+TEST(SafeArrayTest, CopyIsIndependent) {
     SAFEARRAY* const array = SafeArrayCreateVector(VT_BSTR, 5, 2);
     LONG index = 6;
     const BSTR text = SysAllocStringLen(L"x\0y", 3);
@@ -361,7 +361,7 @@ TEST(SafeArray, CopyIsIndependent) {
     SysFreeString(got);
 }
 
-TEST(SafeArray, CopyOfALockedArrayIsNotLocked) {
+TEST(SafeArrayTest, CopyOfALockedArrayIsNotLocked) {
     SAFEARRAY* const array = SafeArrayCreateVector(VT_I4, 0, 1);
     EXPECT_EQ(SafeArrayLock(array), S_OK);
     SAFEARRAY* copied = nullptr;
@@ -372,7 +372,7 @@ TEST(SafeArray, CopyOfALockedArrayIsNotLocked) {
     EXPECT_EQ(SafeArrayDestroy(array), S_OK);
 }
 
-TEST(SafeArray, CopyOfNullIsNull) {
+TEST(SafeArrayTest, CopyOfNullIsNull) {
     SAFEARRAY* copy = reinterpret_cast<SAFEARRAY*>(&copy);
     EXPECT_EQ(SafeArrayCopy(nullptr, &copy), S_OK);
     EXPECT_EQ(copy, nullptr);

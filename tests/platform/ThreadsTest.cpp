@@ -17,7 +17,7 @@
 namespace {
 
 using quillet::platform::Live;
-using quillet::test::AgileObject;
+using quillet::tests::AgileObject;
 
 constexpr int kThreads = 4;
 constexpr int kRounds = 300;
@@ -50,7 +50,7 @@ IGlobalInterfaceTable* Table() {
     return table;
 }
 
-TEST(Threads, InterfaceTableKeepsEveryEntryToItself) {
+TEST(ThreadsTest, InterfaceTableKeepsEveryEntryToItself) {
     std::vector<std::set<DWORD>> cookies(kThreads);
     AgileObject shared;
     IGlobalInterfaceTable* const table = Table();
@@ -97,7 +97,7 @@ TEST(Threads, InterfaceTableKeepsEveryEntryToItself) {
     table->Release();
 }
 
-TEST(Threads, AnEntryIsRevokedOnceHoweverManyTry) {
+TEST(ThreadsTest, AnEntryIsRevokedOnceHoweverManyTry) {
     IGlobalInterfaceTable* const table = Table();
     for (int round = 0; round < 50; ++round) {
         AgileObject object;
@@ -121,15 +121,15 @@ TEST(Threads, AnEntryIsRevokedOnceHoweverManyTry) {
     table->Release();
 }
 
-TEST(Threads, ClassTableServesWhileItChanges) {
-    constexpr CLSID common = {0x11111111, 1, 1, {1, 2, 3, 4, 5, 6, 7, 8}};
+TEST(ThreadsTest, ClassTableServesWhileItChanges) {
+    constexpr CLSID kCommon = {0x11111111, 1, 1, {1, 2, 3, 4, 5, 6, 7, 8}};
     AgileObject factory;
     DWORD commonCookie = 0;
     ASSERT_EQ(
-        CoRegisterClassObject(common, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &commonCookie),
+        CoRegisterClassObject(kCommon, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &commonCookie),
         S_OK);
     InParallel([&](int thread) {
-        CLSID own = common;
+        CLSID own = kCommon;
         own.Data1 = static_cast<std::uint32_t>(thread);
         AgileObject ownFactory;
         for (int i = 0; i < kRounds; ++i) {
@@ -137,7 +137,7 @@ TEST(Threads, ClassTableServesWhileItChanges) {
             ASSERT_EQ(
                 CoRegisterClassObject(own, &ownFactory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie),
                 S_OK);
-            for (const CLSID& clsid : {own, common}) {
+            for (const CLSID& clsid : {own, kCommon}) {
                 IUnknown* object = nullptr;
                 ASSERT_EQ(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown,
                                            reinterpret_cast<void**>(&object)),
@@ -158,7 +158,7 @@ TEST(Threads, ClassTableServesWhileItChanges) {
     EXPECT_EQ(factory.References(), 1u);
 }
 
-TEST(Threads, RegistryIsReadAndWrittenAtOnce) {
+TEST(ThreadsTest, RegistryIsReadAndWrittenAtOnce) {
     const std::wstring path = L"Software\\QuilletPlatformTests";
     InParallel([&](int thread) {
         for (int i = 0; i < kRounds; ++i) {
@@ -195,7 +195,7 @@ TEST(Threads, RegistryIsReadAndWrittenAtOnce) {
     EXPECT_EQ(Live().registryKeys, 0);
 }
 
-TEST(Threads, CriticalSectionGuardsWhatItGuards) {
+TEST(ThreadsTest, CriticalSectionGuardsWhatItGuards) {
     CRITICAL_SECTION section;
     InitializeCriticalSection(&section);
     int counter = 0;
@@ -221,7 +221,7 @@ TEST(Threads, CriticalSectionGuardsWhatItGuards) {
     DeleteCriticalSection(&section);
 }
 
-TEST(Threads, HooksAndStateOfThreadsDoNotMeet) {
+TEST(ThreadsTest, HooksAndStateOfThreadsDoNotMeet) {
     InParallel([&](int thread) {
         for (int i = 0; i < kRounds; ++i) {
             SetLastError(static_cast<DWORD>(thread * kRounds + i));

@@ -217,7 +217,7 @@ const NumberRow kNumbers[] = {
     {Single(12345678.0f), L"-1 o o o o 12345678 12345678 12345678 12345678 12345678 12345678 1.234568E+07"},
 };
 
-TEST(VariantChangeType, NumbersBecomeEveryOtherType) {
+TEST(VariantChangeTypeTest, NumbersBecomeEveryOtherType) {
     for (const NumberRow& row : kNumbers) {
         EXPECT_EQ(Row(row.source), row.expected) << "type " << V_VT(&row.source) << ", " << Shown(row.source);
     }
@@ -303,7 +303,7 @@ const TextRow kTexts[] = {
     {L"nan", L"m m m m m m m m m m m"},
 };
 
-TEST(VariantChangeType, TextsAreReadAsNumbers) {
+TEST(VariantChangeTypeTest, TextsAreReadAsNumbers) {
     for (const TextRow& row : kTexts) {
         VARIANT source = Text(row.text);
         EXPECT_EQ(Row(source), row.expected) << '"' << std::wstring(row.text) << '"';
@@ -311,26 +311,26 @@ TEST(VariantChangeType, TextsAreReadAsNumbers) {
     }
 }
 
-TEST(VariantChangeType, NullTextIsAnEmptyText) {
+TEST(VariantChangeTypeTest, NullTextIsAnEmptyText) {
     const VARIANT source = Of(VT_BSTR, 0);
     EXPECT_EQ(Row(source), L"m m m m m m m m m m m");
     EXPECT_EQ(Converted(source, VT_BSTR), L"");
 }
 
-TEST(VariantChangeType, TextEndsAtItsFirstZero) {
+TEST(VariantChangeTypeTest, TextEndsAtItsFirstZero) {
     VARIANT source = Of(VT_BSTR, 0);
     V_BSTR(&source) = SysAllocStringLen(L"5\0x", 3);
     EXPECT_EQ(Converted(source, VT_I4), L"5");
     VariantClear(&source);
 }
 
-TEST(VariantChangeType, NullAndErrorAreNoNumbers) {
+TEST(VariantChangeTypeTest, NullAndErrorAreNoNumbers) {
     EXPECT_EQ(Row(Of(VT_NULL, 0)), AllMismatch());
     EXPECT_EQ(Row(Of(VT_ERROR, E_FAIL)), AllMismatch());
     EXPECT_EQ(Row(Of(VT_UNKNOWN, 0)), AllMismatch());
 }
 
-TEST(VariantChangeType, IntAndUintAreTheirSizedForms) {
+TEST(VariantChangeTypeTest, IntAndUintAreTheirSizedForms) {
     for (const LONGLONG value : {0LL, -1LL, 40000LL, 70000LL, 2147483647LL}) {
         EXPECT_EQ(Row(Of(VT_INT, value)), Row(Of(VT_I4, value)));
         EXPECT_EQ(Row(Of(VT_UINT, value)), Row(Of(VT_UI4, value)));
@@ -352,7 +352,7 @@ VARIANT Decimal(ULONG high, ULONG middle, ULONG low, BYTE scale, bool negative =
     return variant;
 }
 
-TEST(VariantChangeType, DecimalsAreNumbersToo) {
+TEST(VariantChangeTypeTest, DecimalsAreNumbersToo) {
     EXPECT_EQ(Converted(Decimal(0, 0, 7, 0), VT_I4), L"7");
     EXPECT_EQ(Converted(Decimal(0, 0, 700, 2, true), VT_I2), L"-7");
     EXPECT_EQ(Converted(Decimal(0, 0, 25, 1), VT_I4), L"2");
@@ -365,13 +365,13 @@ TEST(VariantChangeType, DecimalsAreNumbersToo) {
     EXPECT_EQ(Converted(Decimal(1, 0, 0, 0), VT_I8), Converted(Real(1e30), VT_I8));
 }
 
-TEST(VariantChangeType, DecimalsKeepTheirDigitsInText) {
+TEST(VariantChangeTypeTest, DecimalsKeepTheirDigitsInText) {
     EXPECT_EQ(Converted(Decimal(0, 0, 12345, 2), VT_BSTR), L"123.45");
     EXPECT_EQ(Converted(Decimal(0, 0, 5, 3, true), VT_BSTR), L"-0.005");
     EXPECT_EQ(Converted(Decimal(~0u, ~0u, ~0u, 0), VT_BSTR), L"79228162514264337593543950335");
 }
 
-TEST(VariantChangeType, EmptyAndNullAreTargetsToo) {
+TEST(VariantChangeTypeTest, EmptyAndNullAreTargetsToo) {
     VARIANT target = Text(L"old");
     const VARIANT number = Of(VT_I4, 5);
     EXPECT_EQ(Change(target, number, 0, VT_EMPTY), S_OK);
@@ -383,13 +383,13 @@ TEST(VariantChangeType, EmptyAndNullAreTargetsToo) {
     EXPECT_EQ(Change(target, null, 0, VT_NULL), S_OK);
 }
 
-TEST(VariantChangeType, BooleansAreNumbersInTextUnlessAskedForWords) {
+TEST(VariantChangeTypeTest, BooleansAreNumbersInTextUnlessAskedForWords) {
     EXPECT_EQ(Converted(Of(VT_BOOL, VARIANT_TRUE), VT_BSTR), L"-1");
     EXPECT_EQ(Converted(Of(VT_BOOL, VARIANT_TRUE), VT_BSTR, VARIANT_ALPHABOOL), L"True");
     EXPECT_EQ(Converted(Of(VT_BOOL, VARIANT_FALSE), VT_BSTR, VARIANT_ALPHABOOL), L"False");
 }
 
-TEST(VariantChangeType, WhatIsNeverConvertedDoesNotMatch) {
+TEST(VariantChangeTypeTest, WhatIsNeverConvertedDoesNotMatch) {
     VARIANT target;
     VariantInit(&target);
     const VARIANT number = Of(VT_I4, 5);
@@ -403,7 +403,7 @@ TEST(VariantChangeType, WhatIsNeverConvertedDoesNotMatch) {
     EXPECT_EQ(V_VT(&target), VT_EMPTY);
 }
 
-TEST(VariantChangeType, AnArrayIsNoNumber) {
+TEST(VariantChangeTypeTest, AnArrayIsNoNumber) {
     VARIANT source = Of(VT_ARRAY | VT_I4, 0);
     V_ARRAY(&source) = SafeArrayCreateVector(VT_I4, 0, 1);
     EXPECT_EQ(Row(source), AllMismatch());
@@ -415,7 +415,7 @@ TEST(VariantChangeType, AnArrayIsNoNumber) {
     VariantClear(&source);
 }
 
-TEST(VariantChangeType, FollowsAReference) {
+TEST(VariantChangeTypeTest, FollowsAReference) {
     LONG number = 321;
     VARIANT source = Of(VT_BYREF | VT_I4, 0);
     V_I4REF(&source) = &number;
@@ -426,7 +426,7 @@ TEST(VariantChangeType, FollowsAReference) {
     EXPECT_EQ(Converted(outer, VT_I4), L"7");
 }
 
-TEST(VariantChangeType, MayConvertInPlace) {
+TEST(VariantChangeTypeTest, MayConvertInPlace) {
     VARIANT variant = Text(L"77");
     EXPECT_EQ(Change(variant, variant, 0, VT_I4), S_OK);
     EXPECT_EQ(V_VT(&variant), VT_I4);
@@ -439,7 +439,7 @@ TEST(VariantChangeType, MayConvertInPlace) {
     VariantClear(&variant);
 }
 
-TEST(VariantChangeType, ReplacesWhatTheTargetHeld) {
+TEST(VariantChangeTypeTest, ReplacesWhatTheTargetHeld) {
     VARIANT target = Text(L"old");
     const VARIANT number = Of(VT_I4, 5);
     EXPECT_EQ(Change(target, number, 0, VT_BSTR), S_OK);

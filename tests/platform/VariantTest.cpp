@@ -11,7 +11,7 @@
 
 namespace {
 
-using quillet::test::AgileObject;
+using quillet::tests::AgileObject;
 
 VARIANT Empty() {
     VARIANT variant;
@@ -26,14 +26,14 @@ VARIANT TextVariant(const wchar_t* text) {
     return variant;
 }
 
-TEST(Variant, InitMakesItEmpty) {
+TEST(VariantTest, InitMakesItEmpty) {
     VARIANT variant;
     V_VT(&variant) = VT_BSTR;
     VariantInit(&variant);
     EXPECT_EQ(V_VT(&variant), VT_EMPTY);
 }
 
-TEST(Variant, ClearFreesTextsAndArraysAndInterfaces) {
+TEST(VariantTest, ClearFreesTextsAndArraysAndInterfaces) {
     VARIANT text = TextVariant(L"freed");
     EXPECT_EQ(VariantClear(&text), S_OK);
     EXPECT_EQ(V_VT(&text), VT_EMPTY);
@@ -57,7 +57,7 @@ TEST(Variant, ClearFreesTextsAndArraysAndInterfaces) {
     EXPECT_EQ(object.References(), 1u);
 }
 
-TEST(Variant, ClearTakesNullPayloads) {
+TEST(VariantTest, ClearTakesNullPayloads) {
     const int types[] = {VT_BSTR, VT_UNKNOWN, VT_DISPATCH, VT_ARRAY | VT_I4};
     for (const int type : types) {
         VARIANT variant = Empty();
@@ -68,7 +68,7 @@ TEST(Variant, ClearTakesNullPayloads) {
     }
 }
 
-TEST(Variant, ClearLeavesReferencedValuesAlone) {
+TEST(VariantTest, ClearLeavesReferencedValuesAlone) {
     BSTR text = SysAllocString(L"mine");
     VARIANT variant = Empty();
     V_VT(&variant) = VT_BYREF | VT_BSTR;
@@ -79,7 +79,7 @@ TEST(Variant, ClearLeavesReferencedValuesAlone) {
     SysFreeString(text);
 }
 
-TEST(Variant, ClearRefusesTypesThatAreNone) {
+TEST(VariantTest, ClearRefusesTypesThatAreNone) {
     for (const int type :
          {15, 200, VT_VECTOR | VT_I4, VT_RESERVED | VT_I4, VT_BYREF | VT_EMPTY, VT_BYREF | VT_NULL}) {
         VARIANT variant = Empty();
@@ -88,7 +88,7 @@ TEST(Variant, ClearRefusesTypesThatAreNone) {
     }
 }
 
-TEST(Variant, CopyIsDeep) {
+TEST(VariantTest, CopyIsDeep) {
     VARIANT source = Empty();
     V_VT(&source) = VT_BSTR;
     V_BSTR(&source) = SysAllocStringLen(L"a\0b", 3);
@@ -101,7 +101,7 @@ TEST(Variant, CopyIsDeep) {
     VariantClear(&copy);
 }
 
-TEST(Variant, CopyOfAnArrayIsDeep) {
+TEST(VariantTest, CopyOfAnArrayIsDeep) {
     VARIANT source = Empty();
     V_VT(&source) = VT_ARRAY | VT_UI1;
     V_ARRAY(&source) = SafeArrayCreateVector(VT_UI1, 0, 3);
@@ -116,7 +116,7 @@ TEST(Variant, CopyOfAnArrayIsDeep) {
     VariantClear(&copy);
 }
 
-TEST(Variant, CopyReferencesInterfaces) {
+TEST(VariantTest, CopyReferencesInterfaces) {
     AgileObject object;
     VARIANT source = Empty();
     V_VT(&source) = VT_UNKNOWN;
@@ -128,14 +128,14 @@ TEST(Variant, CopyReferencesInterfaces) {
     EXPECT_EQ(object.References(), 1u);
 }
 
-TEST(Variant, CopyOntoItselfKeepsIt) {
+TEST(VariantTest, CopyOntoItselfKeepsIt) {
     VARIANT variant = TextVariant(L"same");
     EXPECT_EQ(VariantCopy(&variant, &variant), S_OK);
     EXPECT_STREQ(V_BSTR(&variant), L"same");
     VariantClear(&variant);
 }
 
-TEST(Variant, CopyRefusesTypesThatAreNone) {
+TEST(VariantTest, CopyRefusesTypesThatAreNone) {
     VARIANT source = Empty();
     V_VT(&source) = VT_VECTOR | VT_I4;
     VARIANT target = TextVariant(L"kept");
@@ -144,7 +144,7 @@ TEST(Variant, CopyRefusesTypesThatAreNone) {
     VariantClear(&target);
 }
 
-TEST(Variant, CopyKeepsReferencesAsTheyAre) {
+TEST(VariantTest, CopyKeepsReferencesAsTheyAre) {
     LONG number = 5;
     VARIANT source = Empty();
     V_VT(&source) = VT_BYREF | VT_I4;
@@ -159,7 +159,7 @@ TEST(Variant, CopyKeepsReferencesAsTheyAre) {
     EXPECT_EQ(V_I4(&direct), 5);
 }
 
-TEST(Variant, CopyIndCopiesWhatIsReferenced) {
+TEST(VariantTest, CopyIndCopiesWhatIsReferenced) {
     BSTR text = SysAllocString(L"referenced");
     VARIANT source = Empty();
     V_VT(&source) = VT_BYREF | VT_BSTR;
@@ -182,7 +182,7 @@ TEST(Variant, CopyIndCopiesWhatIsReferenced) {
     VariantClear(&inner);
 }
 
-TEST(Variant, CopyIndFollowsOnlyTwoReferences) {
+TEST(VariantTest, CopyIndFollowsOnlyTwoReferences) {
     VARIANT innermost = Empty();
     VARIANT middle = Empty();
     V_VT(&middle) = VT_BYREF | VT_VARIANT;
@@ -202,7 +202,7 @@ TEST(Variant, CopyIndFollowsOnlyTwoReferences) {
 
 // --- _variant_t ----------------------------------------------------------------------------------------
 
-TEST(VariantOwner, TakesEveryNumberAsItsOwnType) {
+TEST(VariantOwnerTest, TakesEveryNumberAsItsOwnType) {
     EXPECT_EQ(V_VT(&static_cast<const VARIANT&>(_variant_t())), VT_EMPTY);
     EXPECT_EQ(_variant_t(SHORT{-2}).vt, VT_I2);
     EXPECT_EQ(_variant_t(LONG{-2}).vt, VT_I4);
@@ -220,7 +220,7 @@ TEST(VariantOwner, TakesEveryNumberAsItsOwnType) {
     EXPECT_EQ(_variant_t(LONG{-2}).lVal, -2);
 }
 
-TEST(VariantOwner, OwnsTexts) {
+TEST(VariantOwnerTest, OwnsTexts) {
     _variant_t text(L"owned");
     EXPECT_EQ(text.vt, VT_BSTR);
     EXPECT_STREQ(text.bstrVal, L"owned");
@@ -233,7 +233,7 @@ TEST(VariantOwner, OwnsTexts) {
     EXPECT_STREQ(fromOwner.bstrVal, L"from a text");
 }
 
-TEST(VariantOwner, AttachAndDetachPassOwnership) {
+TEST(VariantOwnerTest, AttachAndDetachPassOwnership) {
     VARIANT raw = TextVariant(L"passed");
     const BSTR text = V_BSTR(&raw);
     _variant_t owner(L"before");
@@ -248,7 +248,7 @@ TEST(VariantOwner, AttachAndDetachPassOwnership) {
     EXPECT_EQ(V_VT(&detached), VT_EMPTY);
 }
 
-TEST(VariantOwner, ConvertsWhenRead) {
+TEST(VariantOwnerTest, ConvertsWhenRead) {
     const _variant_t text(L"-7");
     EXPECT_EQ(static_cast<LONG>(text), -7);
     EXPECT_EQ(static_cast<SHORT>(text), -7);
@@ -256,7 +256,7 @@ TEST(VariantOwner, ConvertsWhenRead) {
     EXPECT_STREQ(static_cast<const wchar_t*>(static_cast<_bstr_t>(_variant_t(LONG{3}))), L"3");
 }
 
-TEST(VariantOwner, RaisesWhatDoesNotConvert) {
+TEST(VariantOwnerTest, RaisesWhatDoesNotConvert) {
     const auto code = [](auto read) {
         try {
             static_cast<void>(read());
@@ -272,7 +272,7 @@ TEST(VariantOwner, RaisesWhatDoesNotConvert) {
     EXPECT_EQ(code([&] { return static_cast<LONG>(great); }), S_OK);
 }
 
-TEST(VariantOwner, ChangesItsType) {
+TEST(VariantOwnerTest, ChangesItsType) {
     _variant_t value(L"12");
     value.ChangeType(VT_UI1);
     EXPECT_EQ(value.vt, VT_UI1);
@@ -282,14 +282,14 @@ TEST(VariantOwner, ChangesItsType) {
     EXPECT_STREQ(value.bstrVal, L"99");
 }
 
-TEST(VariantOwner, ComparesTypeAndValue) {
+TEST(VariantOwnerTest, ComparesTypeAndValue) {
     EXPECT_TRUE(_variant_t(LONG{5}) == static_cast<const VARIANT&>(_variant_t(LONG{5})));
     EXPECT_FALSE(_variant_t(LONG{5}) == static_cast<const VARIANT&>(_variant_t(SHORT{5})));
     EXPECT_TRUE(_variant_t(L"a") == static_cast<const VARIANT&>(_variant_t(L"a")));
     EXPECT_TRUE(_variant_t(L"a") != static_cast<const VARIANT&>(_variant_t(L"b")));
 }
 
-TEST(VariantOwner, ReferencesInterfaces) {
+TEST(VariantOwnerTest, ReferencesInterfaces) {
     AgileObject object;
     {
         const _variant_t owner(static_cast<IUnknown*>(&object));

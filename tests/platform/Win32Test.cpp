@@ -18,7 +18,7 @@ namespace {
 constexpr wchar_t kRoot[] = L"Software\\QuilletPlatformTests";
 constexpr DWORD kCharacter = sizeof(wchar_t);
 
-class Registry : public testing::Test {
+class RegistryTest : public testing::Test {
   protected:
     void SetUp() override {
         DWORD disposition = 0;
@@ -51,7 +51,7 @@ class Registry : public testing::Test {
     DWORD m_type = REG_NONE;
 };
 
-TEST_F(Registry, ValuesComeBackAsTheyWereSet) {
+TEST_F(RegistryTest, ValuesComeBackAsTheyWereSet) {
     const std::wstring text = L"C:\\Program Files\\Marlo é";
     EXPECT_EQ(SetText(L"InstalledDir", text), ERROR_SUCCESS);
     std::vector<BYTE> data = Get(L"InstalledDir");
@@ -77,14 +77,14 @@ TEST_F(Registry, ValuesComeBackAsTheyWereSet) {
     EXPECT_TRUE(Get(L"nothing").empty());
 }
 
-TEST_F(Registry, TheUnnamedValueIsAValueToo) {
+TEST_F(RegistryTest, TheUnnamedValueIsAValueToo) {
     EXPECT_EQ(SetText(nullptr, L"default"), ERROR_SUCCESS);
     EXPECT_EQ(Get(L"").size(), 8 * kCharacter);
     EXPECT_EQ(RegDeleteValueW(m_key, nullptr), ERROR_SUCCESS);
     EXPECT_EQ(RegQueryValueExW(m_key, L"", nullptr, nullptr, nullptr, nullptr), ERROR_FILE_NOT_FOUND);
 }
 
-TEST_F(Registry, NamesAreComparedWithoutRegardToCase) {
+TEST_F(RegistryTest, NamesAreComparedWithoutRegardToCase) {
     EXPECT_EQ(SetText(L"Namespace", L"cimv2"), ERROR_SUCCESS);
     EXPECT_EQ(SetText(L"NAMESPACE", L"other"), ERROR_SUCCESS);
     EXPECT_EQ(Get(L"namespace").size(), 6 * kCharacter);
@@ -96,7 +96,7 @@ TEST_F(Registry, NamesAreComparedWithoutRegardToCase) {
     EXPECT_EQ(RegCloseKey(sub), ERROR_SUCCESS);
 }
 
-TEST_F(Registry, ShortBufferLearnsTheSize) {
+TEST_F(RegistryTest, ShortBufferLearnsTheSize) {
     EXPECT_EQ(SetText(L"text", L"abc"), ERROR_SUCCESS);
     BYTE buffer[64] = {};
     DWORD size = kCharacter;
@@ -106,7 +106,7 @@ TEST_F(Registry, ShortBufferLearnsTheSize) {
     EXPECT_EQ(RegQueryValueExW(m_key, L"text", nullptr, nullptr, nullptr, nullptr), ERROR_SUCCESS);
 }
 
-TEST_F(Registry, WhatIsNotThereIsNotFound) {
+TEST_F(RegistryTest, WhatIsNotThereIsNotFound) {
     DWORD size = 0;
     EXPECT_EQ(RegQueryValueExW(m_key, L"missing", nullptr, nullptr, nullptr, &size), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegDeleteValueW(m_key, L"missing"), ERROR_FILE_NOT_FOUND);
@@ -117,7 +117,7 @@ TEST_F(Registry, WhatIsNotThereIsNotFound) {
     EXPECT_EQ(RegDeleteTreeW(m_key, L"missing"), ERROR_FILE_NOT_FOUND);
 }
 
-TEST_F(Registry, KeysAreMadeWithAllAboveThem) {
+TEST_F(RegistryTest, KeysAreMadeWithAllAboveThem) {
     HKEY sub = nullptr;
     DWORD disposition = 0;
     ASSERT_EQ(RegCreateKeyExW(m_key, L"one\\two\\three", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &sub,
@@ -135,7 +135,7 @@ TEST_F(Registry, KeysAreMadeWithAllAboveThem) {
     EXPECT_EQ(RegOpenKeyExW(m_key, L"one", 0, KEY_READ, &sub), ERROR_FILE_NOT_FOUND);
 }
 
-TEST_F(Registry, SubKeysAreEnumerated) {
+TEST_F(RegistryTest, SubKeysAreEnumerated) {
     for (const wchar_t* name : {L"Beta", L"alpha", L"Gamma"}) {
         HKEY sub = nullptr;
         ASSERT_EQ(RegCreateKeyExW(m_key, name, 0, nullptr, 0, KEY_READ, nullptr, &sub, nullptr),
@@ -160,7 +160,7 @@ TEST_F(Registry, SubKeysAreEnumerated) {
         << "no room for the terminator";
 }
 
-TEST_F(Registry, AHandleAllowsWhatItWasOpenedFor) {
+TEST_F(RegistryTest, AHandleAllowsWhatItWasOpenedFor) {
     EXPECT_EQ(SetText(L"text", L"abc"), ERROR_SUCCESS);
     HKEY reader = nullptr;
     ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, kRoot, 0, KEY_READ, &reader), ERROR_SUCCESS);
@@ -176,7 +176,7 @@ TEST_F(Registry, AHandleAllowsWhatItWasOpenedFor) {
     EXPECT_EQ(RegCloseKey(writer), ERROR_SUCCESS);
 }
 
-TEST_F(Registry, ADeletedKeyIsDeadForItsHandles) {
+TEST_F(RegistryTest, ADeletedKeyIsDeadForItsHandles) {
     HKEY sub = nullptr;
     ASSERT_EQ(RegCreateKeyExW(m_key, L"doomed", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &sub, nullptr),
               ERROR_SUCCESS);
@@ -186,7 +186,7 @@ TEST_F(Registry, ADeletedKeyIsDeadForItsHandles) {
     EXPECT_EQ(RegCloseKey(sub), ERROR_SUCCESS);
 }
 
-TEST_F(Registry, BadHandlesAndPathsAreRefused) {
+TEST_F(RegistryTest, BadHandlesAndPathsAreRefused) {
     HKEY sub = nullptr;
     EXPECT_EQ(RegOpenKeyExW(nullptr, kRoot, 0, KEY_READ, &sub), ERROR_INVALID_HANDLE);
     EXPECT_EQ(RegCloseKey(nullptr), ERROR_INVALID_HANDLE);
@@ -198,7 +198,7 @@ TEST_F(Registry, BadHandlesAndPathsAreRefused) {
 
 // --- Locks ---------------------------------------------------------------------------------------------
 
-TEST(CriticalSections, AreReentrantAndKeepOthersOut) {
+TEST(CriticalSectionsTest, AreReentrantAndKeepOthersOut) {
     CRITICAL_SECTION section;
     InitializeCriticalSection(&section);
     EnterCriticalSection(&section);
@@ -223,7 +223,7 @@ TEST(CriticalSections, AreReentrantAndKeepOthersOut) {
     DeleteCriticalSection(&section);
 }
 
-TEST(CriticalSections, WithSpinCountAreTheSame) {
+TEST(CriticalSectionsTest, WithSpinCountAreTheSame) {
     CRITICAL_SECTION section;
     ASSERT_TRUE(InitializeCriticalSectionAndSpinCount(&section, 4000));
     EnterCriticalSection(&section);
@@ -233,7 +233,7 @@ TEST(CriticalSections, WithSpinCountAreTheSame) {
     DeleteCriticalSection(&section);
 }
 
-TEST(Interlocked, CountersReturnTheNewValueAndExchangesTheOld) {
+TEST(InterlockedTest, CountersReturnTheNewValueAndExchangesTheOld) {
     LONG value = 5;
     EXPECT_EQ(InterlockedIncrement(&value), 6);
     EXPECT_EQ(InterlockedDecrement(&value), 5);
@@ -246,7 +246,7 @@ TEST(Interlocked, CountersReturnTheNewValueAndExchangesTheOld) {
 
 // --- Errors --------------------------------------------------------------------------------------------
 
-TEST(LastError, IsEachThreadsOwn) {
+TEST(LastErrorTest, IsEachThreadsOwn) {
     // Between the two steps the first thread calls nothing that could set an error of its own.
     std::atomic<int> step{0};
     std::thread other([&step] {
@@ -265,7 +265,7 @@ TEST(LastError, IsEachThreadsOwn) {
     EXPECT_EQ(mine, 1234u);
 }
 
-TEST(FormatMessage, GivesTheTextOfACode) {
+TEST(FormatMessageTest, GivesTheTextOfACode) {
     for (const DWORD code :
          {DWORD{ERROR_FILE_NOT_FOUND}, DWORD{ERROR_ACCESS_DENIED}, static_cast<DWORD>(E_OUTOFMEMORY)}) {
         wchar_t* text = nullptr;
@@ -290,7 +290,7 @@ TEST(FormatMessage, GivesTheTextOfACode) {
     }
 }
 
-TEST(FormatMessage, UnknownCodeHasNoText) {
+TEST(FormatMessageTest, UnknownCodeHasNoText) {
     wchar_t buffer[64];
     EXPECT_EQ(FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, 0x8fff1234u,
                              0, buffer, 64, nullptr),
@@ -298,7 +298,7 @@ TEST(FormatMessage, UnknownCodeHasNoText) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_MR_MID_NOT_FOUND});
 }
 
-TEST(LocalMemory, IsZeroedWhenAsked) {
+TEST(LocalMemoryTest, IsZeroedWhenAsked) {
     auto* const memory = static_cast<BYTE*>(LocalAlloc(LPTR, 64));
     ASSERT_NE(memory, nullptr);
     EXPECT_EQ(std::count(memory, memory + 64, BYTE{0}), 64);
@@ -308,7 +308,7 @@ TEST(LocalMemory, IsZeroedWhenAsked) {
 
 // --- Clocks --------------------------------------------------------------------------------------------
 
-TEST(Clocks, LocalTimeIsACalendarTime) {
+TEST(ClocksTest, LocalTimeIsACalendarTime) {
     SYSTEMTIME time = {};
     GetLocalTime(&time);
     EXPECT_GE(time.wYear, 2020);
@@ -323,7 +323,7 @@ TEST(Clocks, LocalTimeIsACalendarTime) {
     EXPECT_LE(time.wMilliseconds, 999);
 }
 
-TEST(Clocks, CounterRunsForward) {
+TEST(ClocksTest, CounterRunsForward) {
     LARGE_INTEGER frequency = {};
     LARGE_INTEGER before = {};
     LARGE_INTEGER after = {};
@@ -347,7 +347,7 @@ std::wstring Variable(const wchar_t* name) {
     return {value, length < 512 ? length : 0};
 }
 
-TEST(Environment, VariablesAreSetReadAndTakenAway) {
+TEST(EnvironmentTest, VariablesAreSetReadAndTakenAway) {
     EXPECT_TRUE(SetEnvironmentVariableW(L"QuilletPlatformTest", L"wert é"));
     EXPECT_EQ(Variable(L"QuilletPlatformTest"), L"wert é");
     EXPECT_EQ(Variable(L"QUILLETPLATFORMTEST"), L"wert é") << "names have no case";
@@ -361,12 +361,12 @@ TEST(Environment, VariablesAreSetReadAndTakenAway) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_ENVVAR_NOT_FOUND});
 }
 
-TEST(Environment, TempIsAlwaysSet) {
+TEST(EnvironmentTest, TempIsAlwaysSet) {
     EXPECT_FALSE(Variable(L"Temp").empty());
     EXPECT_FALSE(Variable(L"TMP").empty());
 }
 
-TEST(Names, ProgramPathIsCutToTheBuffer) {
+TEST(NamesTest, ProgramPathIsCutToTheBuffer) {
     wchar_t path[1024];
     const DWORD length = GetModuleFileNameW(nullptr, path, 1024);
     ASSERT_GT(length, 4u);
@@ -379,7 +379,7 @@ TEST(Names, ProgramPathIsCutToTheBuffer) {
     EXPECT_EQ(std::wstring(cut, 4), std::wstring(path, 4));
 }
 
-TEST(Names, ComputerNameIsShortAndInCapitals) {
+TEST(NamesTest, ComputerNameIsShortAndInCapitals) {
     wchar_t name[MAX_COMPUTERNAME_LENGTH + 1];
     DWORD size = MAX_COMPUTERNAME_LENGTH + 1;
     ASSERT_TRUE(GetComputerNameW(name, &size));
@@ -392,7 +392,7 @@ TEST(Names, ComputerNameIsShortAndInCapitals) {
     EXPECT_EQ(tooSmall, size + 1);
 }
 
-TEST(Names, VersionHasTwoForms) {
+TEST(NamesTest, VersionHasTwoForms) {
     OSVERSIONINFOEXW extended = {};
     extended.dwOSVersionInfoSize = sizeof extended;
     ASSERT_TRUE(GetVersionExW(reinterpret_cast<LPOSVERSIONINFOW>(&extended)));
@@ -408,7 +408,7 @@ TEST(Names, VersionHasTwoForms) {
     EXPECT_FALSE(GetVersionExW(&basic));
 }
 
-TEST(Names, ProcessAndThreadHaveNumbers) {
+TEST(NamesTest, ProcessAndThreadHaveNumbers) {
     EXPECT_NE(GetCurrentProcessId(), 0u);
     const DWORD mine = GetCurrentThreadId();
     EXPECT_EQ(GetCurrentThreadId(), mine);
@@ -419,7 +419,7 @@ TEST(Names, ProcessAndThreadHaveNumbers) {
 
 // --- Tokens --------------------------------------------------------------------------------------------
 
-TEST(Tokens, PrivilegesAreListedAndEnabled) {
+TEST(TokensTest, PrivilegesAreListedAndEnabled) {
     HANDLE token = nullptr;
     ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY | TOKEN_ADJUST_PRIVILEGES, &token));
     DWORD size = 0;
@@ -444,7 +444,7 @@ TEST(Tokens, PrivilegesAreListedAndEnabled) {
     EXPECT_TRUE(CloseHandle(token));
 }
 
-TEST(Tokens, PrivilegeThatIsNotHeldIsReportedInTheLastError) {
+TEST(TokensTest, PrivilegeThatIsNotHeldIsReportedInTheLastError) {
     HANDLE token = nullptr;
     ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES, &token));
     TOKEN_PRIVILEGES unknown = {};
@@ -457,7 +457,7 @@ TEST(Tokens, PrivilegeThatIsNotHeldIsReportedInTheLastError) {
     EXPECT_TRUE(CloseHandle(token));
 }
 
-TEST(Tokens, AHandleAllowsWhatItWasOpenedFor) {
+TEST(TokensTest, AHandleAllowsWhatItWasOpenedFor) {
     HANDLE token = nullptr;
     ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token));
     TOKEN_PRIVILEGES none = {};
@@ -474,7 +474,7 @@ BOOL CALLBACK CollectLanguage(LPWSTR language, LONG_PTR parameter) {
     return languages.size() < 1;
 }
 
-TEST(Languages, AreOfferedAsFourDigitsUntilTheCallerHasEnough) {
+TEST(LanguagesTest, AreOfferedAsFourDigitsUntilTheCallerHasEnough) {
     std::vector<std::wstring> languages;
     EXPECT_TRUE(EnumUILanguagesW(CollectLanguage, 0, reinterpret_cast<LONG_PTR>(&languages)));
     ASSERT_EQ(languages.size(), 1u);
@@ -482,7 +482,7 @@ TEST(Languages, AreOfferedAsFourDigitsUntilTheCallerHasEnough) {
     EXPECT_EQ(languages[0].find_first_not_of(L"0123456789abcdefABCDEF"), std::wstring::npos);
 }
 
-TEST(Languages, BadArgumentsAreRefused) {
+TEST(LanguagesTest, BadArgumentsAreRefused) {
     std::vector<std::wstring> languages;
     EXPECT_FALSE(EnumUILanguagesW(nullptr, 0, 0));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
@@ -492,7 +492,7 @@ TEST(Languages, BadArgumentsAreRefused) {
     EXPECT_NE(GetUserDefaultUILanguage(), 0);
 }
 
-TEST(Encodings, Utf8GoesBothWays) {
+TEST(EncodingsTest, Utf8GoesBothWays) {
     const std::string narrow = "a\xc3\xa9\xe2\x82\xac\xf0\x9f\x94\x8c";
     const std::wstring wide = L"a\u00e9\u20ac\U0001f50c";
     wchar_t buffer[16];
@@ -509,7 +509,7 @@ TEST(Encodings, Utf8GoesBothWays) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
 }
 
-TEST(Encodings, IllFormedUtf8IsRefusedOnlyWhenAsked) {
+TEST(EncodingsTest, IllFormedUtf8IsRefusedOnlyWhenAsked) {
     wchar_t buffer[16];
     EXPECT_EQ(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, "a\xff", 2, buffer, 16), 0);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_UNICODE_TRANSLATION});
@@ -519,7 +519,7 @@ TEST(Encodings, IllFormedUtf8IsRefusedOnlyWhenAsked) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
 }
 
-TEST(Encodings, WideTextsCompare) {
+TEST(EncodingsTest, WideTextsCompare) {
     EXPECT_EQ(lstrlenW(L"four"), 4);
     EXPECT_EQ(lstrlenW(nullptr), 0);
     EXPECT_EQ(lstrcmpiW(L"Adapter", L"aDAPTER"), 0);
@@ -527,7 +527,7 @@ TEST(Encodings, WideTextsCompare) {
     EXPECT_NE(lstrcmpW(L"a", L"b"), 0);
 }
 
-TEST(Encodings, WideTextsCompareByTheirCharacters) {
+TEST(EncodingsTest, WideTextsCompareByTheirCharacters) {
     EXPECT_EQ(CompareStringOrdinal(L"B\u00fcro", -1, L"b\u00dcRO", -1, TRUE), CSTR_EQUAL);
     EXPECT_NE(CompareStringOrdinal(L"B\u00fcro", -1, L"b\u00dcRO", -1, FALSE), CSTR_EQUAL);
     EXPECT_EQ(CompareStringOrdinal(L"a", -1, L"b", -1, TRUE), CSTR_LESS_THAN);

@@ -8,7 +8,7 @@ using ATL::CComPtr;
 namespace {
 
 const bool counted = [] {
-    quillet::test::RegisterLeakCounter("simulator COM objects", [] { return Machine::LiveObjects(); });
+    quillet::tests::RegisterLeakCounter("simulator COM objects", [] { return Machine::LiveObjects(); });
     return true;
 }();
 

@@ -5,7 +5,7 @@
 
 #include <utility>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 namespace {
 
@@ -30,4 +30,4 @@ EnvironmentScope::~EnvironmentScope() {
     SetEnvironmentVariableW(m_name.c_str(), m_before ? m_before->c_str() : nullptr);
 }
 
-} // namespace quillet::test
+} // namespace quillet::tests

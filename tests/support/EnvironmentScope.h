@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 class EnvironmentScope {
   public:
@@ -19,4 +19,4 @@ class EnvironmentScope {
     std::optional<std::wstring> m_before;
 };
 
-} // namespace quillet::test
+} // namespace quillet::tests

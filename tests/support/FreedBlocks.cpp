@@ -21,14 +21,14 @@
 #include <stdexcept>
 #include <utility>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 /// Takes the block over while a test watches; false when it is to be freed.
 bool KeepFreedBlock(void* block) noexcept;
 
 namespace {
 
-constexpr std::size_t MOST_FRAMES = 128;
+constexpr std::size_t kMostFrames = 128;
 
 /// A function of this program.
 struct Function {
@@ -100,8 +100,8 @@ std::vector<Function> ReadFunctions() {
 }
 
 const std::vector<Function>& Functions() {
-    static const std::vector<Function> functions = ReadFunctions();
-    return functions;
+    static const std::vector<Function> kFunctions = ReadFunctions();
+    return kFunctions;
 }
 
 /// The function at a return address; null outside the program.
@@ -125,7 +125,7 @@ std::string Readable(const std::string& mangled) {
 }
 
 [[gnu::noinline]] std::size_t Frames(void** frames) {
-    return static_cast<std::size_t>(backtrace(frames, static_cast<int>(MOST_FRAMES)));
+    return static_cast<std::size_t>(backtrace(frames, static_cast<int>(kMostFrames)));
 }
 
 bool Holds(const void* block, std::size_t bytes, const std::string& pattern) {
@@ -163,7 +163,7 @@ struct Watch {
 
     FreedBlocks::Finding Describe(std::size_t bytes, bool isBstr) const {
         FreedBlocks::Finding finding{bytes, isBstr, false, {}};
-        void* frames[MOST_FRAMES];
+        void* frames[kMostFrames];
         const std::size_t depth = Frames(frames);
         for (std::size_t index = 0; index + outerFrames < depth; ++index) {
             if (const Function* function = FunctionAt(frames[index])) {
@@ -183,17 +183,17 @@ struct Watch {
     }
 };
 
-thread_local Watch* watch = nullptr;
+thread_local Watch* g_watch = nullptr;
 
 bool IsWatching() noexcept {
-    return watch != nullptr && !watch->busy;
+    return g_watch != nullptr && !g_watch->busy;
 }
 
 void SeeFreedBstr(const void* text, std::size_t bytes) {
     if (IsWatching() && bytes != 0) {
         if (void* copy = std::malloc(bytes)) {
             std::memcpy(copy, text, bytes);
-            watch->Keep(copy, bytes, true);
+            g_watch->Keep(copy, bytes, true);
         }
     }
 }
@@ -201,7 +201,7 @@ void SeeFreedBstr(const void* text, std::size_t bytes) {
 } // namespace
 
 FreedBlocks::FreedBlocks(std::string_view sought) {
-    if (watch != nullptr) {
+    if (g_watch != nullptr) {
         throw std::logic_error("one watcher at a time");
     }
     Functions();
@@ -211,27 +211,27 @@ FreedBlocks::FreedBlocks(std::string_view sought) {
         const auto wide = static_cast<wchar_t>(character);
         made->wide.append(reinterpret_cast<const char*>(&wide), sizeof wide);
     }
-    void* frames[MOST_FRAMES];
+    void* frames[kMostFrames];
     // This function and the one that counts are not the watcher's callers.
     made->outerFrames = Frames(frames) - 2;
-    watch = made.release();
+    g_watch = made.release();
     platform::ObserveFreedBstrs(SeeFreedBstr);
 }
 
 FreedBlocks::~FreedBlocks() {
     platform::ObserveFreedBstrs(nullptr);
-    const std::unique_ptr<Watch> ended(std::exchange(watch, nullptr));
+    const std::unique_ptr<Watch> ended(std::exchange(g_watch, nullptr));
     ended->Release();
 }
 
 std::size_t FreedBlocks::Count() const noexcept {
-    return watch->count;
+    return g_watch->count;
 }
 
 std::vector<FreedBlocks::Finding> FreedBlocks::Findings() const {
-    watch->busy = true;
-    std::vector<Finding> findings = watch->findings;
-    watch->busy = false;
+    g_watch->busy = true;
+    std::vector<Finding> findings = g_watch->findings;
+    g_watch->busy = false;
     return findings;
 }
 
@@ -245,11 +245,11 @@ bool KeepFreedBlock(void* block) noexcept {
     if (!IsWatching()) {
         return false;
     }
-    watch->Keep(block, malloc_usable_size(block), false);
+    g_watch->Keep(block, malloc_usable_size(block), false);
     return true;
 }
 
-} // namespace quillet::test
+} // namespace quillet::tests
 
 void* operator new(std::size_t size) {
     if (void* block = std::calloc(1, size != 0 ? size : 1)) {
@@ -273,7 +273,7 @@ void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
 }
 
 void operator delete(void* block) noexcept {
-    if (block != nullptr && !quillet::test::KeepFreedBlock(block)) {
+    if (block != nullptr && !quillet::tests::KeepFreedBlock(block)) {
         std::free(block);
     }
 }

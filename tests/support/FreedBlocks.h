@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 /// Keeps what the calling thread frees while it lives: the blocks of operator delete themselves, and the
 /// content that BSTRs had when SysFreeString took them. When it goes, the blocks are freed.
@@ -37,4 +37,4 @@ class FreedBlocks {
     std::vector<Finding> FindingsOutsideSimulator() const;
 };
 
-} // namespace quillet::test
+} // namespace quillet::tests

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 namespace {
 
@@ -38,4 +38,4 @@ void LeakListener::OnTestEnd(const testing::TestInfo& test) {
     }
 }
 
-} // namespace quillet::test
+} // namespace quillet::tests

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 /// Adds something to count. Call it before the tests run, or from a static initialiser.
 /// @param name for the failure message, e.g. "simulator COM objects"
@@ -23,4 +23,4 @@ class LeakListener : public testing::EmptyTestEventListener {
     void OnTestEnd(const testing::TestInfo& test) override;
 };
 
-} // namespace quillet::test
+} // namespace quillet::tests

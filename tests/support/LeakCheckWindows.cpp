@@ -15,7 +15,7 @@
 #include <thread>
 #include <vector>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 namespace {
 
@@ -95,10 +95,10 @@ struct HandleEntry {
 /// The handles of this process.
 std::vector<HandleEntry> OwnHandles() {
     // Not every SDK declares this class of information.
-    constexpr ULONG extendedHandles = 64;
-    constexpr auto lengthMismatch = static_cast<NTSTATUS>(0xC0000004);
+    constexpr ULONG kExtendedHandles = 64;
+    constexpr auto kLengthMismatch = static_cast<NTSTATUS>(0xC0000004);
     using Query = NTSTATUS(NTAPI*)(ULONG, void*, ULONG, ULONG*);
-    static const auto query = reinterpret_cast<Query>(
+    static const auto kQuery = reinterpret_cast<Query>(
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
     struct Header {
         ULONG_PTR count;
@@ -106,8 +106,8 @@ std::vector<HandleEntry> OwnHandles() {
     };
     std::vector<std::byte> buffer(std::size_t{1} << 18);
     NTSTATUS status;
-    while ((status = query(extendedHandles, buffer.data(), static_cast<ULONG>(buffer.size()), nullptr)) ==
-           lengthMismatch) {
+    while ((status = kQuery(kExtendedHandles, buffer.data(), static_cast<ULONG>(buffer.size()), nullptr)) ==
+           kLengthMismatch) {
         buffer.resize(buffer.size() * 2);
     }
     if (status != 0) {
@@ -191,4 +191,4 @@ void RegisterHostLeakCounters() {
     CloseHandle(file);
 }
 
-} // namespace quillet::test
+} // namespace quillet::tests

@@ -27,8 +27,8 @@ std::string ContextText(const NamedValue& value) {
 }
 
 /// Makes the leak check of every program with this fixture count the simulator's objects, too.
-[[maybe_unused]] const bool objectsAreCounted = [] {
-    quillet::test::RegisterLeakCounter("COM objects of the simulator", Machine::LiveObjects);
+[[maybe_unused]] const bool kObjectsAreCounted = [] {
+    quillet::tests::RegisterLeakCounter("COM objects of the simulator", Machine::LiveObjects);
     return true;
 }();
 
@@ -60,7 +60,7 @@ ProviderTest::~ProviderTest() {
 
 MachineOptions ProviderTest::Options() {
     MachineOptions options;
-    options.serverName = SERVER;
+    options.serverName = kServer;
     return options;
 }
 

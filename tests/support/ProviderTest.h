@@ -46,12 +46,12 @@ std::string Narrow(std::wstring_view text);
 class ProviderTest : public testing::Test {
   protected:
     /// The computer's name in the object paths of the machines.
-    static constexpr const wchar_t* SERVER = L"TESTHOST";
+    static constexpr const wchar_t* kServer = L"TESTHOST";
     /// The path of the network service of every machine that the simulator ships with.
-    static constexpr const char* NET_SERVICE =
+    static constexpr const char* kNetService =
         R"(\\TESTHOST\ROOT\MarloLUM2:Zorel_NetService.Name="ZorelNetService")";
     /// The MOF of that service.
-    static constexpr const char* NET_SERVICE_MOF =
+    static constexpr const char* kNetServiceMof =
         R"(instance of Zorel_NetService { Name = "ZorelNetService"; };)";
 
     /// Starts with the machine that ships with the simulator.
@@ -110,5 +110,5 @@ class ProviderTest : public testing::Test {
 
   private:
     std::optional<quillet::simulator::Registration> m_registration;
-    quillet::test::TraceFile m_trace;
+    quillet::tests::TraceFile m_trace;
 };

@@ -5,7 +5,7 @@
 
 #include <quillet/Quillet.h>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 /// Reads something about one object, given by its path, into a record of its own.
 template <class Answer>
@@ -44,4 +44,4 @@ HRESULT OfTeamVlan(CQuillet& quillet, unsigned) {
     return Read(quillet, Operation, TeamVlanId(1, 1));
 }
 
-} // namespace quillet::test
+} // namespace quillet::tests

@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <utility>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 namespace {
 
@@ -175,4 +175,4 @@ void RegistryScope::SaveTree(const std::wstring& subKey) {
     m_undo.emplace_back([subKey] { CreateEmptyKey(subKey); });
 }
 
-} // namespace quillet::test
+} // namespace quillet::tests

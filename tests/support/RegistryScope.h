@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 inline constexpr wchar_t kLum2Key[] = L"SOFTWARE\\MARLO\\NETWORK_SERVICES\\LUM2";
 inline constexpr wchar_t kProvidersKey[] = L"SOFTWARE\\MARLO\\NETWORK_SERVICES\\LUM2\\WMI\\Providers";
@@ -41,4 +41,4 @@ class RegistryScope {
     std::vector<std::function<void()>> m_undo;
 };
 
-} // namespace quillet::test
+} // namespace quillet::tests

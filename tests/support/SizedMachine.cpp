@@ -3,7 +3,7 @@
 
 #include <array>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 namespace {
 
@@ -38,7 +38,7 @@ Text Setting(const Text& classPrefix, const Text& owner, const char* ownerKind, 
         const char* name;
         const char* values;
     };
-    static constexpr std::array kinds{
+    static constexpr std::array kKinds{
         Kind{"Enum", "CurrentValue=1;DefaultValue=0;DescriptionMap={\"Disabled\",\"Enabled\",\"Automatic\"};"
                      "PossibleValues={\"0\",\"1\",\"2\"};"},
         Kind{"Int", "CurrentValue=256;DefaultValue=512;Max=2048;Min=80;Step=8;Base=10;Scale=1;"},
@@ -50,7 +50,7 @@ Text Setting(const Text& classPrefix, const Text& owner, const char* ownerKind, 
         Kind{"MultiString", "CurrentValues={\"first pattern\",\"second pattern\"};DefaultValue=\"\";"
                             "MaxLength=64;"},
     };
-    const Kind& kind = kinds[number % kinds.size()];
+    const Kind& kind = kKinds[number % kKinds.size()];
     return Instance(
         classPrefix + kind.name,
         Property("Caption", "*Setting" + Number(number)) + Property("ParentId", owner) +
@@ -200,4 +200,4 @@ std::wstring TeamVlanId(unsigned team, unsigned number) {
     return Path(L"Zorel_VLAN.Name", IdOfVlan(IdOfTeam(team), number));
 }
 
-} // namespace quillet::test
+} // namespace quillet::tests

@@ -4,7 +4,7 @@
 #include <compare>
 #include <string>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 /// How many of everything. Whatever is 0 is not there at all.
 struct MachineSize {
@@ -33,4 +33,4 @@ std::wstring AdapterVlanId(unsigned adapter, unsigned number);
 /// A VLAN of a team.
 std::wstring TeamVlanId(unsigned team, unsigned number);
 
-} // namespace quillet::test
+} // namespace quillet::tests

@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <system_error>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 std::filesystem::path PathOf(const std::wstring& text) {
     const std::string bytes = ToUtf8(text);
@@ -42,4 +42,4 @@ std::string ReadFile(const std::filesystem::path& file, std::uintmax_t offset) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-} // namespace quillet::test
+} // namespace quillet::tests

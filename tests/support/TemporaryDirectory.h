@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <string>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 /// A path from its text, whatever characters it has: the conversion of std::filesystem stops at those that
 /// the C library's locale does not know.
@@ -33,4 +33,4 @@ class TemporaryDirectory {
 /// All bytes of a file from an offset on; empty if there are none.
 std::string ReadFile(const std::filesystem::path& file, std::uintmax_t offset = 0);
 
-} // namespace quillet::test
+} // namespace quillet::tests

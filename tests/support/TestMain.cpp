@@ -13,8 +13,8 @@ int main(int argc, char** argv) {
         std::fputs("COM can not be initialised\n", stderr);
         return 2;
     }
-    quillet::test::RegisterHostLeakCounters();
-    testing::UnitTest::GetInstance()->listeners().Append(new quillet::test::LeakListener);
+    quillet::tests::RegisterHostLeakCounters();
+    testing::UnitTest::GetInstance()->listeners().Append(new quillet::tests::LeakListener);
     const int result = RUN_ALL_TESTS();
     CoUninitialize();
     return result;

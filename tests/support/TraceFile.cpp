@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string_view>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 namespace {
 
@@ -139,4 +139,4 @@ std::vector<std::wstring> TraceFile::NewTexts() {
     return texts;
 }
 
-} // namespace quillet::test
+} // namespace quillet::tests

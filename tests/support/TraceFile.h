@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 /// One line of a trace file, taken apart.
 struct TraceLine {
@@ -50,4 +50,4 @@ class TraceFile {
     std::uintmax_t m_seen = 0;
 };
 
-} // namespace quillet::test
+} // namespace quillet::tests

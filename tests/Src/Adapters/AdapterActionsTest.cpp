@@ -9,7 +9,7 @@ using testing::IsEmpty;
 using namespace std::chrono_literals;
 
 // A board with four ports in slot 1 (one of them missing, two in the team), and a lone adapter in slot 2.
-constexpr const char* BOARD = R"(
+constexpr const char* kBoard = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter as $A {
         DeviceID = "{A}"; SlotID = "Slot 1"; AdapterStatus = 1; HbaPath = "hba:3"; NDISMajorVersion = 6;
@@ -31,18 +31,18 @@ std::wstring Path(const wchar_t* device) {
 class AdapterActionsTest : public ProviderTest {
   protected:
     void SetUp() override {
-        UseText(BOARD);
+        UseText(kBoard);
         Connect();
     }
     CAdapterPorts ports;
-    const std::wstring A = Path(L"{A}");
-    const std::wstring E = Path(L"{E}");
+    const std::wstring kA = Path(L"{A}");
+    const std::wstring kE = Path(L"{E}");
 };
 
 TEST_F(AdapterActionsTest, Ports_ListsEveryPresentTeamedPortOfTheSlotItselfIncluded) {
-    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(A, ports)), "0x00000000");
+    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(kA, ports)), "0x00000000");
     ASSERT_EQ(ports.m_vecItems.size(), 2u);
-    EXPECT_EQ(ports.m_vecItems[0]->m_wsAdapterID, A);
+    EXPECT_EQ(ports.m_vecItems[0]->m_wsAdapterID, kA);
     EXPECT_EQ(ports.m_vecItems[1]->m_wsAdapterID, Path(L"{B}"));
     for (const CAdapterPort* port : ports.m_vecItems) {
         EXPECT_TRUE(port->m_bTeamed);
@@ -60,13 +60,13 @@ TEST_F(AdapterActionsTest, Ports_ListsEveryPresentTeamedPortOfTheSlotItselfInclu
         queries,
         ElementsAre(
             R"(SELECT * FROM Zorel_PhysicalEthernetAdapter WHERE SlotID = "Slot 1")",
-            "REFERENCES OF {" + Narrow(A) + "} WHERE ResultClass = Zorel_TeamedMemberAdapter",
+            "REFERENCES OF {" + Narrow(kA) + "} WHERE ResultClass = Zorel_TeamedMemberAdapter",
             "REFERENCES OF {" + Narrow(Path(L"{B}")) + "} WHERE ResultClass = Zorel_TeamedMemberAdapter",
             "REFERENCES OF {" + Narrow(Path(L"{D}")) + "} WHERE ResultClass = Zorel_TeamedMemberAdapter"));
 }
 
 TEST_F(AdapterActionsTest, Ports_MissingHardware_IsNeverListedAlthoughTeamed) {
-    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(A, ports)), "0x00000000");
+    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(kA, ports)), "0x00000000");
     for (const CAdapterPort* port : ports.m_vecItems) {
         EXPECT_NE(port->m_wsAdapterID, Path(L"{C}"));
     }
@@ -76,38 +76,38 @@ TEST_F(AdapterActionsTest, Ports_MissingHardware_IsNeverListedAlthoughTeamed) {
 }
 
 TEST_F(AdapterActionsTest, Ports_AloneInItsSlotAndNotTeamed_GivesAnEmptyList) {
-    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(E, ports)), "0x00000000");
+    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(kE, ports)), "0x00000000");
     EXPECT_TRUE(ports.m_vecItems.empty());
 }
 
 TEST_F(AdapterActionsTest, Ports_EachCallFailing_ReturnsItsCode) {
-    FailEachProviderCall([&] { return quillet.EnumerateOtherPortOfAdapter(A, ports); });
+    FailEachProviderCall([&] { return quillet.EnumerateOtherPortOfAdapter(kA, ports); });
 }
 
 TEST_F(AdapterActionsTest, Ports_SlotUnreadableOrNull_IsNamed) {
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"SlotID");
-    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(A, ports)), "0x80041003");
+    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(kA, ports)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("GetPropertyAsString -> pInstanceHandle, L_PROP_ETHERNETADAPTER_SLOTID"));
     machine->Rules().Clear();
     Spoil(Operation::Get, Effect::NullValue, L"SlotID");
-    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(A, ports)), "0x80041001");
+    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(kA, ports)), "0x80041001");
     EXPECT_THAT(Traced(),
                 Contains("GetPropertyAsString -> pInstanceHandle, L_PROP_ETHERNETADAPTER_SLOTID -> NULL"));
 }
 
 TEST_F(AdapterActionsTest, Ports_QueriesFailing_AreNamed) {
     Fail(Operation::ExecQuery, WBEM_E_FAILED, L"", 1);
-    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(A, ports)), "0x80041001");
+    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(kA, ports)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("ExecQuery -> SELECT * FROM ADAPTER FOR SLOTID -> FAIL"));
     machine->Rules().Clear();
     Fail(Operation::ExecQuery, WBEM_E_FAILED, L"", 3);
-    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(A, ports)), "0x80041001");
+    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(kA, ports)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("ExecQuery -> BSTR_QUERY_REFERENCE"));
     EXPECT_EQ(ports.m_vecItems.size(), 1u); // the port found before the failure stays
 }
 
 TEST_F(AdapterActionsTest, Identify_TellsTheAdapterToBlink) {
-    EXPECT_EQ(Code(quillet.IdentifyAdapter(A, 5)), "0x00000000");
+    EXPECT_EQ(Code(quillet.IdentifyAdapter(kA, 5)), "0x00000000");
     EXPECT_EQ(machine->BlinksFor(L"{A}"), 5s);
     EXPECT_EQ(machine->BlinksFor(L"{B}"), 0s);
     machine->Advance(4s);
@@ -116,7 +116,7 @@ TEST_F(AdapterActionsTest, Identify_TellsTheAdapterToBlink) {
     EXPECT_EQ(machine->BlinksFor(L"{A}"), 0s);
     const std::vector<JournalEntry> calls = machine->Calls().Of(Operation::ExecMethod);
     ASSERT_EQ(calls.size(), 1u);
-    EXPECT_EQ(calls[0].target, A);
+    EXPECT_EQ(calls[0].target, kA);
     EXPECT_EQ(calls[0].method, L"IdentifyAdapter");
     ASSERT_EQ(calls[0].arguments.size(), 1u);
     EXPECT_EQ(calls[0].arguments[0].name, L"nSeconds");
@@ -128,17 +128,17 @@ TEST_F(AdapterActionsTest, Identify_TellsTheAdapterToBlink) {
 
 TEST_F(AdapterActionsTest, HbaPath_ReadsThePath) {
     std::wstring path;
-    EXPECT_EQ(Code(quillet.GetHbaPath(A, path)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetHbaPath(kA, path)), "0x00000000");
     EXPECT_EQ(path, L"hba:3");
     path = L"kept";
-    EXPECT_EQ(Code(quillet.GetHbaPath(E, path)), "0x00000000"); // none: null
+    EXPECT_EQ(Code(quillet.GetHbaPath(kE, path)), "0x00000000"); // none: null
     EXPECT_EQ(path, L"kept");
 }
 
 TEST_F(AdapterActionsTest, NdisVersion_ReadsBothNumbers) {
     int major = 0;
     int minor = 0;
-    EXPECT_EQ(Code(quillet.GetNDIS_Version(A, major, minor)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetNDIS_Version(kA, major, minor)), "0x00000000");
     EXPECT_EQ(major, 6);
     EXPECT_EQ(minor, 30);
 }
@@ -147,7 +147,7 @@ TEST_F(AdapterActionsTest, NdisVersion_MethodFails_LeavesBothAtMinusOne) {
     Fail(Operation::ExecMethod, WBEM_E_FAILED);
     int major = 5;
     int minor = 5;
-    EXPECT_EQ(Code(quillet.GetNDIS_Version(A, major, minor)), "0x80041001");
+    EXPECT_EQ(Code(quillet.GetNDIS_Version(kA, major, minor)), "0x80041001");
     EXPECT_EQ(major, -1);
     EXPECT_EQ(minor, -1);
     EXPECT_THAT(Traced(), Contains("ExecMethod -> wsAdapterID, L_METHOD_ETHERNETADAPTER_GETNDISVERSION"));
@@ -155,7 +155,7 @@ TEST_F(AdapterActionsTest, NdisVersion_MethodFails_LeavesBothAtMinusOne) {
 
 TEST_F(AdapterActionsTest, Warnings_ReadsAll64Bits) {
     ULONGLONG warnings = 1;
-    EXPECT_EQ(Code(quillet.GetAdapterWarnings(A, warnings)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetAdapterWarnings(kA, warnings)), "0x00000000");
     EXPECT_EQ(warnings, 0x8000000000000001ull);
 }
 
@@ -167,20 +167,20 @@ TEST_F(AdapterActionsTest, Warnings_Failures_LeaveZeroAndAreNamedAsEver) {
 
     warnings = 1;
     Fail(Operation::ExecMethod, WBEM_E_FAILED);
-    EXPECT_EQ(Code(quillet.GetAdapterWarnings(A, warnings)), "0x80041001");
+    EXPECT_EQ(Code(quillet.GetAdapterWarnings(kA, warnings)), "0x80041001");
     EXPECT_EQ(warnings, 0u);
     EXPECT_THAT(Traced(), Contains("GetAdapterWarnings() - ExecMethod failed -> wsAdapterID, "
                                    "L_METHOD_ETHERNETADAPTER_GET_ADAPTER_WARNINGS"));
     machine->Rules().Clear();
 
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"dwAdapterWarnings");
-    EXPECT_EQ(Code(quillet.GetAdapterWarnings(A, warnings)), "0x80041003");
+    EXPECT_EQ(Code(quillet.GetAdapterWarnings(kA, warnings)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("GetAdapterFanStatus() - GetPropertyAsLong failed -> pAdapter_OutParams, "
                                    "L_METHOD_ETHERNETADAPTER_GET_ADAPTER_WARNINGS"));
     machine->Rules().Clear();
 
     quillet.UninitQuillet();
-    EXPECT_EQ(Code(quillet.GetAdapterWarnings(A, warnings)), "0x80041001");
+    EXPECT_EQ(Code(quillet.GetAdapterWarnings(kA, warnings)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("GetAdapterWarnings() - pIWbemService or pIWbemContext is NULL)"));
 }
 
@@ -189,19 +189,19 @@ TEST_F(AdapterActionsTest, MethodCalls_EachCallFailing_ReturnsItsCode) {
     int major = 0;
     int minor = 0;
     ULONGLONG warnings = 0;
-    FailEachProviderCall([&] { return quillet.IdentifyAdapter(A, 1); });
-    FailEachProviderCall([&] { return quillet.GetHbaPath(A, path); });
-    FailEachProviderCall([&] { return quillet.GetNDIS_Version(A, major, minor); });
-    FailEachProviderCall([&] { return quillet.GetAdapterWarnings(A, warnings); });
+    FailEachProviderCall([&] { return quillet.IdentifyAdapter(kA, 1); });
+    FailEachProviderCall([&] { return quillet.GetHbaPath(kA, path); });
+    FailEachProviderCall([&] { return quillet.GetNDIS_Version(kA, major, minor); });
+    FailEachProviderCall([&] { return quillet.GetAdapterWarnings(kA, warnings); });
 }
 
 TEST_F(AdapterActionsTest, MethodCalls_SignatureAndPutFailing_AreNamed) {
     Fail(Operation::GetMethod, WBEM_E_FAILED);
-    EXPECT_EQ(Code(quillet.IdentifyAdapter(A, 1)), "0x80041001");
+    EXPECT_EQ(Code(quillet.IdentifyAdapter(kA, 1)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("GetMethod -> L_METHOD_ETHERNETADAPTER_IDENTIFY"));
     machine->Rules().Clear();
     Fail(Operation::Put, WBEM_E_TYPE_MISMATCH);
-    EXPECT_EQ(Code(quillet.IdentifyAdapter(A, 1)), "0x80041005");
+    EXPECT_EQ(Code(quillet.IdentifyAdapter(kA, 1)), "0x80041005");
     EXPECT_THAT(Traced(), Contains("Put -> L_PARAM_ETHERNETADAPTER_IDENTIFY_SECONDS"));
     EXPECT_TRUE(machine->Calls().Of(Operation::ExecMethod).empty());
 }

@@ -9,12 +9,12 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr const wchar_t* A = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+constexpr const wchar_t* kA = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
 
 class AdapterAnswersTest : public ProviderTest {
   protected:
     void Use(const std::string& properties, const std::string& more = "") {
-        UseText(std::string(NET_SERVICE_MOF) +
+        UseText(std::string(kNetServiceMof) +
                 "instance of Zorel_PhysicalEthernetAdapter as $A { DeviceID = \"{A}\"; " + properties +
                 " };" + more);
         Connect();
@@ -31,7 +31,7 @@ class AdapterAnswersTest : public ProviderTest {
 TEST_F(AdapterAnswersTest, Identify_NonZeroVerdict_IsTracedAndNoFailure) {
     Use("");
     AnswerVerdict(5);
-    EXPECT_EQ(Code(quillet.IdentifyAdapter(A, 1)), "0x00000000");
+    EXPECT_EQ(Code(quillet.IdentifyAdapter(kA, 1)), "0x00000000");
     EXPECT_THAT(Traced(), Contains("IdentifyAdapter -> ReturnValue 5"));
 }
 
@@ -39,7 +39,7 @@ TEST_F(AdapterAnswersTest, HbaPath_NonZeroVerdict_IsTracedAndLeavesThePath) {
     Use("HbaPath = \"hba\";");
     AnswerVerdict(-2);
     std::wstring path = L"before";
-    EXPECT_EQ(Code(quillet.GetHbaPath(A, path)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetHbaPath(kA, path)), "0x00000000");
     EXPECT_EQ(path, L"before");
     EXPECT_THAT(Traced(), Contains("GetHbaPath -> ReturnValue -2"));
 }
@@ -48,7 +48,7 @@ TEST_F(AdapterAnswersTest, NdisVersion_NullNumbers_StayMinusOne) {
     Use("");
     int major = 0;
     int minor = 0;
-    EXPECT_EQ(Code(quillet.GetNDIS_Version(A, major, minor)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetNDIS_Version(kA, major, minor)), "0x00000000");
     EXPECT_EQ(major, -1);
     EXPECT_EQ(minor, -1);
 }
@@ -56,18 +56,18 @@ TEST_F(AdapterAnswersTest, NdisVersion_NullNumbers_StayMinusOne) {
 TEST_F(AdapterAnswersTest, Warnings_NullMask_StaysZero) {
     Use("AdapterWarnings = NULL;");
     ULONGLONG warnings = 9;
-    EXPECT_EQ(Code(quillet.GetAdapterWarnings(A, warnings)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetAdapterWarnings(kA, warnings)), "0x00000000");
     EXPECT_EQ(warnings, 0u);
 }
 
 TEST_F(AdapterAnswersTest, Identify_PassesTheSecondsAsTheyAre) {
     Use("");
     for (const LONG seconds : {0, 86400}) {
-        EXPECT_EQ(Code(quillet.IdentifyAdapter(A, seconds)), "0x00000000");
+        EXPECT_EQ(Code(quillet.IdentifyAdapter(kA, seconds)), "0x00000000");
         const std::vector<JournalEntry> calls = machine->Calls().Of(Operation::ExecMethod);
         EXPECT_EQ(calls.back().arguments[0].value, quillet::simulator::Value::Signed(seconds));
     }
-    EXPECT_EQ(Code(quillet.IdentifyAdapter(A, -1)), "0x8004102F") << "the provider's own refusal";
+    EXPECT_EQ(Code(quillet.IdentifyAdapter(kA, -1)), "0x8004102F") << "the provider's own refusal";
     EXPECT_EQ(machine->Calls().Of(Operation::ExecMethod).back().arguments[0].value,
               quillet::simulator::Value::Signed(-1));
 }
@@ -82,9 +82,9 @@ TEST_F(AdapterAnswersTest, Actions_NotConnected_FailAndAreTraced) {
     CAdapterPorts ports;
     const std::string missing = "((pIWbemService == NULL) || (pIWbemContext == NULL))";
     for (const std::function<HRESULT()>& operation : std::vector<std::function<HRESULT()>>{
-             [&] { return quillet.EnumerateOtherPortOfAdapter(A, ports); },
-             [&] { return quillet.IdentifyAdapter(A, 1); }, [&] { return quillet.GetHbaPath(A, path); },
-             [&] { return quillet.GetNDIS_Version(A, major, minor); }}) {
+             [&] { return quillet.EnumerateOtherPortOfAdapter(kA, ports); },
+             [&] { return quillet.IdentifyAdapter(kA, 1); }, [&] { return quillet.GetHbaPath(kA, path); },
+             [&] { return quillet.GetNDIS_Version(kA, major, minor); }}) {
         EXPECT_EQ(Code(operation()), "0x80041001");
         EXPECT_THAT(Traced(), Contains(missing));
     }
@@ -100,21 +100,21 @@ TEST_F(AdapterAnswersTest, Actions_NoOutParameters_FailWithTheFirstRead) {
     int minor = 1;
     ULONGLONG warnings = 1;
     Spoil(Operation::ExecMethod, Effect::NoOutParameters);
-    EXPECT_EQ(Code(quillet.GetHbaPath(A, path)), "0x80004005");
+    EXPECT_EQ(Code(quillet.GetHbaPath(kA, path)), "0x80004005");
     EXPECT_EQ(path, L"before");
     EXPECT_THAT(Traced(), Contains("GetPropertyAsString -> pAdapter_OutParams, "
                                    "L_PARAM_ETHERNETADAPTER_HBA_PATH"));
     machine->Rules().Clear();
     Spoil(Operation::ExecMethod, Effect::NoOutParameters);
-    EXPECT_EQ(Code(quillet.IdentifyAdapter(A, 1)), "0x80004005");
+    EXPECT_EQ(Code(quillet.IdentifyAdapter(kA, 1)), "0x80004005");
     EXPECT_THAT(Traced(), Contains("GetPropertyAsLong -> pAdapter_OutParams, L_METHOD_RETURN"));
     machine->Rules().Clear();
     Spoil(Operation::ExecMethod, Effect::NoOutParameters);
-    EXPECT_EQ(Code(quillet.GetNDIS_Version(A, major, minor)), "0x80004005");
+    EXPECT_EQ(Code(quillet.GetNDIS_Version(kA, major, minor)), "0x80004005");
     EXPECT_EQ(major, -1);
     machine->Rules().Clear();
     Spoil(Operation::ExecMethod, Effect::NoOutParameters);
-    EXPECT_EQ(Code(quillet.GetAdapterWarnings(A, warnings)), "0x80004005");
+    EXPECT_EQ(Code(quillet.GetAdapterWarnings(kA, warnings)), "0x80004005");
     EXPECT_EQ(warnings, 0u);
 }
 
@@ -129,7 +129,7 @@ TEST_F(AdapterAnswersTest, Capabilities_OrderOfTheCodes_DoesNotMatter) {
     for (const std::string& codes : {ascending, descending}) {
         Use("Capabilities = {" + codes + "};");
         CAdapter adapter;
-        EXPECT_EQ(Code(quillet.GetAdapterCapabilities(A, adapter)), "0x00000000");
+        EXPECT_EQ(Code(quillet.GetAdapterCapabilities(kA, adapter)), "0x00000000");
         for (const CAdapterCapInfo::Flag& flag : CAdapterCapInfo::Flags()) {
             EXPECT_TRUE(adapter.m_pAdapterCapabilities->*flag.m_pFlag) << flag.m_lCode;
         }
@@ -139,7 +139,7 @@ TEST_F(AdapterAnswersTest, Capabilities_OrderOfTheCodes_DoesNotMatter) {
 TEST_F(AdapterAnswersTest, Capabilities_PowerManagementAndLinkSecurity_AreTheOnlyOnesTraced) {
     Use("Capabilities = {3, 46, 50, 37, 64};");
     CAdapter adapter;
-    EXPECT_EQ(Code(quillet.GetAdapterCapabilities(A, adapter)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetAdapterCapabilities(kA, adapter)), "0x00000000");
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::GetAdapterCapabilities", "dwErrorCode: %l",
                                       "  QUILLET!!!!!!! C_ETHERNET_ADAPTER_CAPABILITY_POWER_MGMT",
                                       "  QUILLET!!!!!!! C_ETHERNET_ADAPTER_CAPABILITY_LINKSEC",
@@ -151,7 +151,7 @@ TEST_F(AdapterAnswersTest, BasicInfo_NullTexts_LeaveWhatTheRecordHolds) {
     CAdapter adapter;
     adapter.m_wsName = L"before";
     adapter.m_wsSlotID = L"before";
-    EXPECT_EQ(Code(quillet.GetAdapterBasicInfo(A, adapter)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetAdapterBasicInfo(kA, adapter)), "0x00000000");
     EXPECT_EQ(adapter.m_wsName, L"before");
     EXPECT_EQ(adapter.m_wsSlotID, L"before");
     EXPECT_EQ(adapter.m_wsDeviceID, L"{A}");
@@ -162,7 +162,7 @@ TEST_F(AdapterAnswersTest, PCIInfo_BusIsComparedExactly) {
         Use(std::string("NetworkAddresses = {\"x\"}; NegotiatedLinkWidth = \"x8\"; BusType = \"") + bus +
             "\";");
         CPCIInfo info;
-        EXPECT_EQ(Code(quillet.GetAdapterPCIInfo(A, info)), "0x00000000");
+        EXPECT_EQ(Code(quillet.GetAdapterPCIInfo(kA, info)), "0x00000000");
         EXPECT_EQ(info.m_wsNegotiatedLinkWidth, L"") << bus;
         EXPECT_THAT(Traced(), Contains("BusType is not PCI Express - did not get the NegLinkWidth")) << bus;
     }
@@ -171,7 +171,7 @@ TEST_F(AdapterAnswersTest, PCIInfo_BusIsComparedExactly) {
 TEST_F(AdapterAnswersTest, PCIInfo_NoAddressArray_EndsTheOperation) {
     Use("BusType = \"PCI\"; EEPROMVersion = \"1\";");
     CPCIInfo info;
-    EXPECT_EQ(Code(quillet.GetAdapterPCIInfo(A, info)), "0x80004005");
+    EXPECT_EQ(Code(quillet.GetAdapterPCIInfo(kA, info)), "0x80004005");
     EXPECT_EQ(info.m_wsEEPROMVersion, L"");
     EXPECT_THAT(Traced(), Contains("GetPropertyArray -> pInstanceHandle, "
                                    "L_PROP_ETHERNETADAPTER_NETWORKADDRESSES"));
@@ -180,7 +180,7 @@ TEST_F(AdapterAnswersTest, PCIInfo_NoAddressArray_EndsTheOperation) {
 TEST_F(AdapterAnswersTest, Ports_SlotWithAQuote_StaysOneValueOfTheQuery) {
     Use("SlotID = \"a\\\"b\"; AdapterStatus = 1;");
     CAdapterPorts ports;
-    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(A, ports)), "0x00000000");
+    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(kA, ports)), "0x00000000");
     const std::vector<JournalEntry> queries = machine->Calls().Of(Operation::ExecQuery);
     ASSERT_EQ(queries.size(), 2u) << "the adapter itself is found by its odd slot";
     EXPECT_EQ(queries[0].target, LR"(SELECT * FROM Zorel_PhysicalEthernetAdapter WHERE SlotID = "a\"b")");
@@ -192,7 +192,7 @@ TEST_F(AdapterAnswersTest, Ports_StatusBits_OnlyTheOneOfValueFourHides) {
             R"(instance of Zorel_TeamOfAdapters as $T { Name = "{T}"; };
                instance of Zorel_TeamedMemberAdapter { GroupComponent = $T; PartComponent = $A; };)");
         CAdapterPorts ports;
-        EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(A, ports)), "0x00000000");
+        EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(kA, ports)), "0x00000000");
         EXPECT_EQ(ports.m_vecItems.size(), (status & 4) != 0 ? 0u : 1u) << status;
     }
 }
@@ -205,7 +205,7 @@ TEST_F(AdapterAnswersTest, Ports_OfTwoTeams_AreListedOncePerTeamBehindWhatIsTher
            instance of Zorel_TeamedMemberAdapter { GroupComponent = $U; PartComponent = $A; };)");
     CAdapterPorts ports;
     ports.m_vecItems.push_back(new CAdapterPort);
-    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(A, ports)), "0x00000000");
+    EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(kA, ports)), "0x00000000");
     ASSERT_EQ(ports.m_vecItems.size(), 3u);
     EXPECT_EQ(ports.m_vecItems[0]->m_wsAdapterID, L"");
     EXPECT_NE(ports.m_vecItems[1]->m_wsTeamID, ports.m_vecItems[2]->m_wsTeamID);

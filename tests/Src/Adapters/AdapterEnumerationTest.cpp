@@ -6,7 +6,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* TWO_ADAPTERS = R"(
+constexpr const char* kTwoAdapters = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter {
         DeviceID = "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}";
@@ -18,22 +18,22 @@ constexpr const char* TWO_ADAPTERS = R"(
         Name = "Z\x00fcrich 100%s";
         OriginalDisplayName = "";
     };)";
-constexpr const wchar_t* FIRST_PATH =
+constexpr const wchar_t* kFirstPath =
     LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID="{64D1BF82-B507-5E42-AED2-547CA8AAC36A}")";
-constexpr const wchar_t* SECOND_PATH =
+constexpr const wchar_t* kSecondPath =
     LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID="{5DB8F12F-BC1D-503E-8302-0ED98B178FB8}")";
-constexpr const char* PARTIAL =
+constexpr const char* kPartial =
     " {ClientSetId=0, GET_EXT_CLIENT_REQUEST=true, GET_EXTENSIONS=true, Zorel_PartialData=1}";
-constexpr const char* NEXT = "Next Zorel_PhysicalEthernetAdapter -> 0x00000000";
-constexpr const char* END = "Next Zorel_PhysicalEthernetAdapter -> 0x00000001";
+constexpr const char* kNext = "Next Zorel_PhysicalEthernetAdapter -> 0x00000000";
+constexpr const char* kEnd = "Next Zorel_PhysicalEthernetAdapter -> 0x00000001";
 
 std::string Enumeration(const char* result = "0x00000000") {
-    return std::string("CreateInstanceEnum Zorel_PhysicalEthernetAdapter -> ") + result + PARTIAL;
+    return std::string("CreateInstanceEnum Zorel_PhysicalEthernetAdapter -> ") + result + kPartial;
 }
 
 class AdapterEnumerationTest : public ProviderTest {
   protected:
-    AdapterEnumerationTest() : ProviderTest(TWO_ADAPTERS) {}
+    AdapterEnumerationTest() : ProviderTest(kTwoAdapters) {}
     void SetUp() override { Connect(); }
     /// What is traced up to the enumeration itself, then `lines`, then the exit.
     static std::vector<std::string> Trace(std::vector<std::string> lines, bool enumerated = true) {
@@ -55,26 +55,26 @@ TEST_F(AdapterEnumerationTest, EnumerateAdapters_FillsARecordForEachInOrder) {
     EXPECT_EQ(Code(quillet.EnumerateAdapters(adapters)), "0x00000000");
     ASSERT_EQ(adapters.m_vecItems.size(), 2u);
     const CAdapter& first = *adapters.m_vecItems[0];
-    EXPECT_EQ(first.m_wsAdapterID, FIRST_PATH);
+    EXPECT_EQ(first.m_wsAdapterID, kFirstPath);
     EXPECT_EQ(first.m_wsName, L"Zorel Gigabit");
     EXPECT_EQ(first.m_wsDisplayName, L"Zorel Gigabit Server Adapter");
     EXPECT_EQ(first.m_wsDeviceID, L"{64D1BF82-B507-5E42-AED2-547CA8AAC36A}");
     const CAdapter& second = *adapters.m_vecItems[1];
-    EXPECT_EQ(second.m_wsAdapterID, SECOND_PATH);
+    EXPECT_EQ(second.m_wsAdapterID, kSecondPath);
     EXPECT_EQ(second.m_wsName, L"Z\u00fcrich 100%s");
     EXPECT_EQ(second.m_wsDisplayName, L"");
     EXPECT_EQ(second.m_wsDeviceID, L"{5DB8F12F-BC1D-503E-8302-0ED98B178FB8}");
     EXPECT_EQ(Traced(), Trace({}));
-    EXPECT_THAT(Called(), ElementsAre(Enumeration(), NEXT, NEXT, END));
+    EXPECT_THAT(Called(), ElementsAre(Enumeration(), kNext, kNext, kEnd));
 }
 
 TEST_F(AdapterEnumerationTest, EnumerateAdapters_ReadsFourPropertiesOfEachAndRestoresTheContext) {
     RecordLocalCalls();
     EXPECT_EQ(Code(quillet.EnumerateAdapters(adapters)), "0x00000000");
-    constexpr const char* PATH = "Get __PATH -> 0x00000000";
-    constexpr const char* NAME = "Get Name -> 0x00000000";
-    constexpr const char* ORIGINAL = "Get OriginalDisplayName -> 0x00000000";
-    constexpr const char* DEVICE = "Get DeviceID -> 0x00000000";
+    constexpr const char* kPath = "Get __PATH -> 0x00000000";
+    constexpr const char* kName = "Get Name -> 0x00000000";
+    constexpr const char* kOriginal = "Get OriginalDisplayName -> 0x00000000";
+    constexpr const char* kDevice = "Get DeviceID -> 0x00000000";
     EXPECT_THAT(
         Called(),
         ElementsAre("SetBlanket IWbemServices(AuthenticationLevel=3, ImpersonationLevel=3) -> 0x00000000",
@@ -85,8 +85,8 @@ TEST_F(AdapterEnumerationTest, EnumerateAdapters_ReadsFourPropertiesOfEachAndRes
                     "SetContextValue GET_EXT_CLIENT_REQUEST(GET_EXT_CLIENT_REQUEST=false) -> 0x00000000",
                     "SetContextValue GET_EXTENSIONS(GET_EXTENSIONS=false) -> 0x00000000",
                     "SetContextValue GET_EXT_KEYS_ONLY(GET_EXT_KEYS_ONLY=false) -> 0x00000000",
-                    "SetContextValue Zorel_PartialData(Zorel_PartialData=-1) -> 0x00000000", NEXT, PATH, NAME,
-                    ORIGINAL, DEVICE, NEXT, PATH, NAME, ORIGINAL, DEVICE, END));
+                    "SetContextValue Zorel_PartialData(Zorel_PartialData=-1) -> 0x00000000", kNext, kPath,
+                    kName, kOriginal, kDevice, kNext, kPath, kName, kOriginal, kDevice, kEnd));
 }
 
 TEST_F(AdapterEnumerationTest, EnumerateAdapters_CollectionWithTwoAdapters_AppendsBehindThem) {
@@ -97,18 +97,18 @@ TEST_F(AdapterEnumerationTest, EnumerateAdapters_CollectionWithTwoAdapters_Appen
     ASSERT_EQ(adapters.m_vecItems.size(), 4u);
     EXPECT_EQ(adapters.m_vecItems[0], one);
     EXPECT_EQ(adapters.m_vecItems[1], two);
-    EXPECT_EQ(adapters.m_vecItems[2]->m_wsAdapterID, FIRST_PATH);
-    EXPECT_EQ(adapters.m_vecItems[3]->m_wsAdapterID, SECOND_PATH);
+    EXPECT_EQ(adapters.m_vecItems[2]->m_wsAdapterID, kFirstPath);
+    EXPECT_EQ(adapters.m_vecItems[3]->m_wsAdapterID, kSecondPath);
 }
 
 TEST_F(AdapterEnumerationTest, EnumerateAdapters_NoAdapters_SucceedsAndLeavesTheCollection) {
-    UseText(NET_SERVICE_MOF);
+    UseText(kNetServiceMof);
     Connect();
     adapters.m_vecItems.push_back(new CAdapter);
     EXPECT_EQ(Code(quillet.EnumerateAdapters(adapters)), "0x00000000");
     EXPECT_EQ(adapters.m_vecItems.size(), 1u);
     EXPECT_EQ(Traced(), Trace({}));
-    EXPECT_THAT(Called(), ElementsAre(Enumeration(), END));
+    EXPECT_THAT(Called(), ElementsAre(Enumeration(), kEnd));
 }
 
 TEST_F(AdapterEnumerationTest, EnumerateAdapters_ShippedMachine_ListsAllItsAdapters) {
@@ -169,7 +169,7 @@ TEST_F(AdapterEnumerationTest, EnumerateAdapters_BreaksOff_ReturnsTheCodeAndKeep
     Fail(Operation::Next, WBEM_E_TRANSPORT_FAILURE, L"", 2);
     EXPECT_EQ(Code(quillet.EnumerateAdapters(adapters)), Code(WBEM_E_TRANSPORT_FAILURE));
     ASSERT_EQ(adapters.m_vecItems.size(), 1u);
-    EXPECT_EQ(adapters.m_vecItems[0]->m_wsAdapterID, FIRST_PATH);
+    EXPECT_EQ(adapters.m_vecItems[0]->m_wsAdapterID, kFirstPath);
     EXPECT_EQ(Traced(), Trace({"pEnumAdapters -> Next"}));
 }
 
@@ -196,9 +196,9 @@ TEST_P(AdapterPropertyTest, EnumerateAdapters_ReadFails_EndsWithTheAdaptersBefor
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, GetParam().name, 2);
     EXPECT_EQ(Code(quillet.EnumerateAdapters(adapters)), "0x80004005");
     ASSERT_EQ(adapters.m_vecItems.size(), 1u);
-    EXPECT_EQ(adapters.m_vecItems[0]->m_wsAdapterID, FIRST_PATH);
+    EXPECT_EQ(adapters.m_vecItems[0]->m_wsAdapterID, kFirstPath);
     EXPECT_EQ(Traced(), Trace({Line()}));
-    EXPECT_THAT(Called(), ElementsAre(Enumeration(), NEXT, NEXT));
+    EXPECT_THAT(Called(), ElementsAre(Enumeration(), kNext, kNext));
 }
 
 TEST_P(AdapterPropertyTest, EnumerateAdapters_NoValue_EndsWithTheAdaptersBeforeIt) {
@@ -206,7 +206,7 @@ TEST_P(AdapterPropertyTest, EnumerateAdapters_NoValue_EndsWithTheAdaptersBeforeI
     EXPECT_EQ(Code(quillet.EnumerateAdapters(adapters)), "0x80004005");
     EXPECT_EQ(adapters.m_vecItems.size(), 1u);
     EXPECT_EQ(Traced(), Trace({Line() + " -> NULL"}));
-    EXPECT_THAT(Called(), ElementsAre(Enumeration(), NEXT, NEXT));
+    EXPECT_THAT(Called(), ElementsAre(Enumeration(), kNext, kNext));
 }
 
 TEST_P(AdapterPropertyTest, EnumerateAdapters_NoText_ReadsAsAnEmptyOne) {
@@ -249,7 +249,7 @@ TEST_F(AdapterEnumerationTest, EnumerateAdapters_EachProviderCallFails_ReturnsIt
 
 TEST_F(AdapterEnumerationTest, GetGUI_AdapterPath_IsItsObjectId) {
     std::wstring objectId = L"before";
-    EXPECT_EQ(Code(quillet.GetGUI(FIRST_PATH, objectId)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetGUI(kFirstPath, objectId)), "0x00000000");
     EXPECT_EQ(objectId, L"{64D1BF82-B507-5E42-AED2-547CA8AAC36A}");
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::GetGUI", "Exiting CQuillet::GetGUI"));
     EXPECT_THAT(Called(), IsEmpty());
@@ -293,7 +293,7 @@ TEST_F(AdapterEnumerationTest, GetGUI_KeyBesideTheIdentifyingOne_DoesNotMatter) 
 }
 
 TEST_F(AdapterEnumerationTest, GetGUIAndGetAdapterID_InputAndOutputOneString_Work) {
-    std::wstring text = FIRST_PATH;
+    std::wstring text = kFirstPath;
     EXPECT_EQ(Code(quillet.GetGUI(text, text)), "0x00000000");
     EXPECT_EQ(text, L"{64D1BF82-B507-5E42-AED2-547CA8AAC36A}");
     EXPECT_EQ(Code(quillet.GetAdapterID(text, text)), "0x00000000");
@@ -305,13 +305,13 @@ TEST_F(AdapterEnumerationTest, GetGUIAndGetAdapterID_InputAndOutputOneString_Wor
 TEST_F(AdapterEnumerationTest, GetGUI_NotConnected_WorksAllTheSame) {
     quillet.UninitQuillet();
     std::wstring objectId;
-    EXPECT_EQ(Code(quillet.GetGUI(FIRST_PATH, objectId)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetGUI(kFirstPath, objectId)), "0x00000000");
     EXPECT_EQ(objectId, L"{64D1BF82-B507-5E42-AED2-547CA8AAC36A}");
 }
 
 TEST_F(AdapterEnumerationTest, GetAdapterID_OfAnEnumeratedAdaptersId_IsItsPath) {
     // The path names the computer that the program runs on, so the machine must be that one.
-    UseText(TWO_ADAPTERS, MachineOptions());
+    UseText(kTwoAdapters, MachineOptions());
     Connect();
     ASSERT_EQ(Code(quillet.EnumerateAdapters(adapters)), "0x00000000");
     ASSERT_EQ(adapters.m_vecItems.size(), 2u);

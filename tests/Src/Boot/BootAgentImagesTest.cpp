@@ -6,20 +6,21 @@
 
 namespace {
 
-using boot::Bytes;
+using namespace quillet::tests;
+
 using quillet::simulator::Value;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class BootAgentImagesTest : public boot::BootTest {
+class BootAgentImagesTest : public BootTest {
   protected:
     HRESULT Inspect(Bytes file, CSettings& images, int& code) {
-        return quillet.ReadBootAgentImageFile(AGENT, static_cast<LONG>(file.size()), file.data(), images,
+        return quillet.ReadBootAgentImageFile(kAgent, static_cast<LONG>(file.size()), file.data(), images,
                                               code);
     }
     HRESULT Verify(Bytes file, CSettings types, int& code) {
-        return quillet.VerifyImageType(AGENT, static_cast<LONG>(file.size()), file.data(), types, code);
+        return quillet.VerifyImageType(kAgent, static_cast<LONG>(file.size()), file.data(), types, code);
     }
     static const CSettingString& At(const CSettings& images, std::size_t index) {
         return dynamic_cast<const CSettingString&>(*images.m_vecItems.at(index));
@@ -29,7 +30,7 @@ class BootAgentImagesTest : public boot::BootTest {
 TEST_F(BootAgentImagesTest, Inspect_AppendsOneSettingForEachImage) {
     CSettings images = Types({L"already there"});
     int code = 99;
-    EXPECT_EQ(Code(Inspect(boot::NewImage(), images, code)), "0x00000000");
+    EXPECT_EQ(Code(Inspect(NewImage(), images, code)), "0x00000000");
     EXPECT_EQ(code, 0);
     ASSERT_EQ(images.m_vecItems.size(), 4u);
     EXPECT_EQ(At(images, 0).m_wsCaption, L"already there");
@@ -51,12 +52,12 @@ TEST_F(BootAgentImagesTest, Inspect_AppendsOneSettingForEachImage) {
     EXPECT_EQ(trace.back(), "Exiting CQuillet::ReadBootAgentImageFile");
     const std::vector<JournalEntry> calls = Calls();
     ASSERT_EQ(calls.size(), 2u);
-    EXPECT_EQ(calls[1].target, AGENT);
+    EXPECT_EQ(calls[1].target, kAgent);
     EXPECT_EQ(calls[1].method, L"ReadImageFile");
     ASSERT_EQ(calls[1].arguments.size(), 1u);
     EXPECT_EQ(calls[1].arguments[0].name, L"FlashData");
     EXPECT_EQ(calls[1].arguments[0].vt, VT_ARRAY | VT_UI1);
-    EXPECT_EQ(calls[1].arguments[0].value, Value(boot::NewImage()));
+    EXPECT_EQ(calls[1].arguments[0].value, Value(NewImage()));
 }
 
 TEST_F(BootAgentImagesTest, Inspect_FileThatCannotBeRead_IsSuccessWithTheCodeAndNoImages) {
@@ -64,11 +65,11 @@ TEST_F(BootAgentImagesTest, Inspect_FileThatCannotBeRead_IsSuccessWithTheCodeAnd
         Bytes file;
         int code;
     };
-    Bytes foreign = boot::NewImage();
+    Bytes foreign = NewImage();
     foreign[0] = 'X';
-    Bytes damaged = boot::NewImage();
+    Bytes damaged = NewImage();
     damaged[damaged.size() / 2] ^= 0x10;
-    Bytes cut = boot::NewImage();
+    Bytes cut = NewImage();
     cut.pop_back();
     for (const Case& each : {Case{foreign, 1}, Case{damaged, 3}, Case{cut, 3}, Case{Bytes{1}, 1}}) {
         SCOPED_TRACE(each.code);
@@ -89,7 +90,7 @@ TEST_F(BootAgentImagesTest, Inspect_CodeOfAnotherType_IsNoVerdict) {
     Inject(rule);
     CSettings images;
     int code = 77; // bit 0 is set in it, but the provider did not say so
-    EXPECT_EQ(Code(Inspect(boot::NewImage(), images, code)), "0x00000000");
+    EXPECT_EQ(Code(Inspect(NewImage(), images, code)), "0x00000000");
     EXPECT_EQ(code, 77);
     EXPECT_EQ(images.m_vecItems.size(), 3u);
 }
@@ -106,7 +107,7 @@ TEST_F(BootAgentImagesTest, Inspect_ShorterLists_LeaveTheRestEmpty) {
     Inject(rule);
     CSettings images;
     int code = 99;
-    EXPECT_EQ(Code(Inspect(boot::NewImage(), images, code)), "0x00000000");
+    EXPECT_EQ(Code(Inspect(NewImage(), images, code)), "0x00000000");
     ASSERT_EQ(images.m_vecItems.size(), 3u);
     EXPECT_EQ(At(images, 0).m_wsExposeLevel, L"0");
     for (std::size_t index = 0; index < 3; ++index) {
@@ -123,7 +124,7 @@ TEST_F(BootAgentImagesTest, Inspect_ArraysFromFive_AreReadFromTheirBeginning) {
     }
     CSettings images;
     int code = 99;
-    EXPECT_EQ(Code(Inspect(boot::NewImage(), images, code)), "0x00000000");
+    EXPECT_EQ(Code(Inspect(NewImage(), images, code)), "0x00000000");
     ASSERT_EQ(images.m_vecItems.size(), 3u);
     EXPECT_EQ(At(images, 1).m_wsCaption, L"iSCSI");
     EXPECT_EQ(At(images, 1).m_wsCurrentValue, L"2.1.7");
@@ -138,12 +139,12 @@ TEST_F(BootAgentImagesTest, Inspect_UnreadableArrayOrElement_FailsAndAppendsNoth
         CSettings images;
         int code = 99;
         Fail(Operation::Get, WBEM_E_ACCESS_DENIED, name);
-        EXPECT_EQ(Code(Inspect(boot::NewImage(), images, code)), "0x80041003");
+        EXPECT_EQ(Code(Inspect(NewImage(), images, code)), "0x80041003");
         EXPECT_EQ(code, 0);
         EXPECT_THAT(Traced(), Contains(line));
         machine->Rules().Clear();
         Spoil(Operation::Get, Effect::NullValue, name);
-        EXPECT_EQ(Code(Inspect(boot::NewImage(), images, code)), "0x80004005");
+        EXPECT_EQ(Code(Inspect(NewImage(), images, code)), "0x80004005");
         EXPECT_THAT(Traced(), Contains(line));
         machine->Rules().Clear();
         // A gap in the middle would give each image behind it the version of another.
@@ -153,7 +154,7 @@ TEST_F(BootAgentImagesTest, Inspect_UnreadableArrayOrElement_FailsAndAppendsNoth
         gap.effect = Effect::UnreadableElement;
         gap.element = 1;
         Inject(gap);
-        EXPECT_EQ(Code(Inspect(boot::NewImage(), images, code)), "0x80004005");
+        EXPECT_EQ(Code(Inspect(NewImage(), images, code)), "0x80004005");
         EXPECT_THAT(Traced(), Contains(line));
         machine->Rules().Clear();
         EXPECT_TRUE(images.m_vecItems.empty());
@@ -168,7 +169,7 @@ TEST_F(BootAgentImagesTest, Verify_TellsTheVerdictByTheCodeAlone) {
     for (const Case& each : {Case{Types({L"PXE", L"EFI"}), 0}, Case{Types({}), 0}, Case{Types({L"HTTP"}), 8},
                              Case{Types({L"PXE", L""}), 8}}) {
         int code = 99;
-        EXPECT_EQ(Code(Verify(boot::NewImage(), each.types, code)), "0x00000000");
+        EXPECT_EQ(Code(Verify(NewImage(), each.types, code)), "0x00000000");
         EXPECT_EQ(code, each.code);
     }
     Bytes foreign(100, 0);
@@ -179,7 +180,7 @@ TEST_F(BootAgentImagesTest, Verify_TellsTheVerdictByTheCodeAlone) {
 
 TEST_F(BootAgentImagesTest, Verify_SendsTheBytesAndThenTheTypes) {
     int code = 99;
-    EXPECT_EQ(Code(Verify(boot::NewImage(), CSettings(), code)), "0x00000000");
+    EXPECT_EQ(Code(Verify(NewImage(), CSettings(), code)), "0x00000000");
     const std::vector<std::string> trace = Traced();
     EXPECT_EQ(trace.front(), "Entering CQuillet::VerifyImageType");
     EXPECT_EQ(trace[1], "Checks done");
@@ -187,7 +188,7 @@ TEST_F(BootAgentImagesTest, Verify_SendsTheBytesAndThenTheTypes) {
     EXPECT_EQ(trace.back(), "Exiting CQuillet::VerifyImageType");
     const std::vector<JournalEntry> calls = Calls();
     ASSERT_EQ(calls.size(), 2u);
-    EXPECT_EQ(calls[1].target, AGENT);
+    EXPECT_EQ(calls[1].target, kAgent);
     EXPECT_EQ(calls[1].method, L"VerifyImageType");
     ASSERT_EQ(calls[1].arguments.size(), 2u);
     EXPECT_EQ(calls[1].arguments[0].name, L"FlashData");
@@ -235,9 +236,9 @@ TEST_F(BootAgentImagesTest, BothCalls_FailedSteps_AreNamedAsEver) {
             Inject(rule);
             CSettings images;
             int code = 99;
-            EXPECT_EQ(Code(verify ? Verify(boot::NewImage(), Types({L"PXE"}), code)
-                                  : Inspect(boot::NewImage(), images, code)),
-                      each.code);
+            EXPECT_EQ(
+                Code(verify ? Verify(NewImage(), Types({L"PXE"}), code) : Inspect(NewImage(), images, code)),
+                each.code);
             EXPECT_EQ(code, 99);
             EXPECT_TRUE(images.m_vecItems.empty());
             EXPECT_THAT(Traced(), Contains(each.line));
@@ -247,17 +248,17 @@ TEST_F(BootAgentImagesTest, BothCalls_FailedSteps_AreNamedAsEver) {
     int code = 99;
     CSettings images;
     Fail(Operation::ExecMethod, WBEM_E_ACCESS_DENIED);
-    EXPECT_EQ(Code(Inspect(boot::NewImage(), images, code)), "0x80041003");
+    EXPECT_EQ(Code(Inspect(NewImage(), images, code)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_READIMAGEFILE"));
     machine->Rules().Clear();
     Fail(Operation::ExecMethod, WBEM_E_ACCESS_DENIED);
-    EXPECT_EQ(Code(Verify(boot::NewImage(), Types({L"PXE"}), code)), "0x80041003");
+    EXPECT_EQ(Code(Verify(NewImage(), Types({L"PXE"}), code)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_VERIFYIMAGETYPE"));
 }
 
 TEST_F(BootAgentImagesTest, BothCalls_BadArguments_AreRefusedWithoutACall) {
     const char* line = "((wsBootAgtID.empty()) || (pFlashData == NULL) || (rlFlashSize <= 0))";
-    Bytes file = boot::NewImage();
+    Bytes file = NewImage();
     CSettings settings;
     int code = 99;
     struct Case {
@@ -280,9 +281,9 @@ TEST_F(BootAgentImagesTest, BothCalls_BadArguments_AreRefusedWithoutACall) {
     quillet.UninitQuillet();
     Traced();
     EXPECT_EQ(Code(Inspect(file, settings, code)), "0x80041001");
-    EXPECT_THAT(Traced(), Contains(MISSING));
+    EXPECT_THAT(Traced(), Contains(kMissing));
     EXPECT_EQ(Code(Verify(file, settings, code)), "0x80041001");
-    EXPECT_THAT(Traced(), Contains(MISSING));
+    EXPECT_THAT(Traced(), Contains(kMissing));
     EXPECT_EQ(code, 99);
 }
 
@@ -290,9 +291,9 @@ TEST_F(BootAgentImagesTest, BothCalls_EachCallFailing_ReturnsItsCode) {
     int code = 0;
     FailEachProviderCall([&] {
         CSettings images;
-        return Inspect(boot::NewImage(), images, code);
+        return Inspect(NewImage(), images, code);
     });
-    FailEachProviderCall([&] { return Verify(boot::NewImage(), Types({L"PXE"}), code); });
+    FailEachProviderCall([&] { return Verify(NewImage(), Types({L"PXE"}), code); });
 }
 
 /// Changes a file in one of the ways in which files are damaged.
@@ -332,7 +333,7 @@ void Mutate(Bytes& file, std::mt19937& random) {
 
 TEST_F(BootAgentImagesTest, Fuzzed_IsNeverTakenForRightUnlessItIsAndLeavesTheFlash) {
     std::mt19937 random(20110314);
-    const Bytes whole = boot::NewImage();
+    const Bytes whole = NewImage();
     unsigned same = 0;
     std::set<int> codes;
     for (int round = 0; round < 1000; ++round) {
@@ -353,12 +354,12 @@ TEST_F(BootAgentImagesTest, Fuzzed_IsNeverTakenForRightUnlessItIsAndLeavesTheFla
         ASSERT_EQ(images.m_vecItems.empty(), !identical);
         if (!identical) {
             CSettings types = Types({L"PXE"});
-            ASSERT_EQ(Code(quillet.WriteBootAgentFlash(AGENT, static_cast<LONG>(file.size()), file.data(),
+            ASSERT_EQ(Code(quillet.WriteBootAgentFlash(kAgent, static_cast<LONG>(file.size()), file.data(),
                                                        types, code)),
                       "0x00000000");
             ASSERT_NE(code, 0);
         }
-        ASSERT_EQ(Flash(), boot::OldImage());
+        ASSERT_EQ(Flash(), OldImage());
     }
     EXPECT_LT(same, 50u) << "the mutations change something";
     EXPECT_TRUE(codes.count(1) == 1 && codes.count(3) == 1) << "they reach the magic and the checksums";

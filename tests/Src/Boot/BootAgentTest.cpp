@@ -9,14 +9,15 @@
 
 namespace {
 
-using boot::Bytes;
+using namespace quillet::tests;
+
 using quillet::simulator::Value;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 
-class BootAgentTest : public boot::BootTest {
+class BootAgentTest : public BootTest {
   protected:
     /// What ReadBootAgentFlash hands out.
     struct Read {
@@ -30,11 +31,12 @@ class BootAgentTest : public boot::BootTest {
         read.result = quillet.ReadBootAgentFlash(agent, read.size, &read.data);
     }
     HRESULT Write(Bytes image, CSettings types, int& code) {
-        return quillet.WriteBootAgentFlash(AGENT, static_cast<LONG>(image.size()), image.data(), types, code);
+        return quillet.WriteBootAgentFlash(kAgent, static_cast<LONG>(image.size()), image.data(), types,
+                                           code);
     }
 };
 
-TEST(BootAgent, StartsEmpty) {
+TEST(BootAgentRecordTest, StartsEmpty) {
     const CBootAgent agent;
     EXPECT_EQ(agent.m_wsBootAgentID, L"");
     EXPECT_EQ(agent.m_lVersionNumber, 0);
@@ -44,8 +46,8 @@ TEST(BootAgent, StartsEmpty) {
 
 TEST_F(BootAgentTest, Info_FillsEveryMember) {
     CBootAgent agent;
-    EXPECT_EQ(Code(quillet.GetAdapterBootAgentInfo(ADAPTER, agent)), "0x00000000");
-    EXPECT_EQ(agent.m_wsBootAgentID, AGENT);
+    EXPECT_EQ(Code(quillet.GetAdapterBootAgentInfo(kAdapter, agent)), "0x00000000");
+    EXPECT_EQ(agent.m_wsBootAgentID, kAgent);
     EXPECT_EQ(agent.m_wsVersion, L"1.2.3");
     EXPECT_EQ(agent.m_lVersionNumber, 66051);
     EXPECT_TRUE(agent.m_bUpdateAvailable);
@@ -69,9 +71,9 @@ TEST_F(BootAgentTest, Info_NullProperties_KeepTheMembersAndNothingIsLookedUp) {
     agent.m_lFlashImageType = 3;
     agent.m_wsFlashImageType = L"kept";
     agent.m_lISCSIStatus = 9;
-    EXPECT_EQ(Code(quillet.GetAdapterBootAgentInfo(
-                  boot::Path(L"Zorel_PhysicalEthernetAdapter.DeviceID", L"{C}"), agent)),
-              "0x00000000");
+    EXPECT_EQ(
+        Code(quillet.GetAdapterBootAgentInfo(Path(L"Zorel_PhysicalEthernetAdapter.DeviceID", L"{C}"), agent)),
+        "0x00000000");
     EXPECT_EQ(agent.m_wsVersion, L"kept");
     EXPECT_EQ(agent.m_lVersionNumber, 7);
     EXPECT_EQ(agent.m_lFlashImageType, 3);
@@ -102,7 +104,7 @@ TEST_F(BootAgentTest, Info_UnreadableProperty_ReturnsAtOnceAndKeepsWhatWasRead) 
         SCOPED_TRACE(each.line);
         Fail(Operation::Get, WBEM_E_ACCESS_DENIED, each.property);
         CBootAgent agent;
-        EXPECT_EQ(Code(quillet.GetAdapterBootAgentInfo(ADAPTER, agent)), "0x80041003");
+        EXPECT_EQ(Code(quillet.GetAdapterBootAgentInfo(kAdapter, agent)), "0x80041003");
         EXPECT_THAT(Traced(), Contains(each.line));
         EXPECT_EQ(agent.m_wsBootAgentID.empty(), each.property == std::wstring(L"__PATH"));
         EXPECT_EQ(agent.m_lInstalledFlashImageTypes, 0);
@@ -114,7 +116,7 @@ TEST_F(BootAgentTest, Info_TextThatCannotBeLookedUp_IsAFailure) {
     Fail(Operation::GetObject, WBEM_E_ACCESS_DENIED, L"", 2);
     CBootAgent agent;
     agent.m_wsFlashImageType = L"kept";
-    EXPECT_EQ(Code(quillet.GetAdapterBootAgentInfo(ADAPTER, agent)), "0x80041003");
+    EXPECT_EQ(Code(quillet.GetAdapterBootAgentInfo(kAdapter, agent)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("GetObject -> L_CLASS_ZOREL_BOOTAGENT"));
     EXPECT_EQ(agent.m_lFlashImageType, 4);
     EXPECT_EQ(agent.m_wsFlashImageType, L"kept");
@@ -138,27 +140,27 @@ TEST_F(BootAgentTest, Info_BadArguments_AreRefusedWithoutACall) {
     EXPECT_THAT(Called(), IsEmpty());
     quillet.UninitQuillet();
     Traced();
-    EXPECT_EQ(Code(quillet.GetAdapterBootAgentInfo(ADAPTER, agent)), "0x80041001");
-    EXPECT_THAT(Traced(), Contains(MISSING));
+    EXPECT_EQ(Code(quillet.GetAdapterBootAgentInfo(kAdapter, agent)), "0x80041001");
+    EXPECT_THAT(Traced(), Contains(kMissing));
 }
 
 TEST_F(BootAgentTest, Read_HandsOutTheFlashMemory) {
     Read read;
-    ReadInto(read, AGENT);
+    ReadInto(read, kAgent);
     EXPECT_EQ(Code(read.result), "0x00000000");
-    ASSERT_EQ(read.size, static_cast<LONG>(boot::OldImage().size()));
-    EXPECT_EQ(read.Contents(), boot::OldImage());
+    ASSERT_EQ(read.size, static_cast<LONG>(OldImage().size()));
+    EXPECT_EQ(read.Contents(), OldImage());
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::ReadBootAgentFlash", "dwErrorCode: %l",
                                       "Exiting CQuillet::ReadBootAgentFlash"));
     EXPECT_THAT(Called(),
                 ElementsAre("GetObject Zorel_BootAgent -> 0x00000000 {ClientSetId=0}",
-                            "ExecMethod " + Narrow(AGENT) + ", ReadFlash() -> 0x00000000 {ClientSetId=0}"));
+                            "ExecMethod " + Narrow(kAgent) + ", ReadFlash() -> 0x00000000 {ClientSetId=0}"));
 }
 
 TEST_F(BootAgentTest, Read_WhateverTheBounds_GivesAllBytesFromTheFirst) {
     for (const Bytes& contents : {Bytes{1, 2, 3, 4, 5}, Bytes{9}, Bytes{}}) {
         SCOPED_TRACE(contents.size());
-        auto agent = *machine->Store().FindInstance(AGENT);
+        auto agent = *machine->Store().FindInstance(kAgent);
         ASSERT_TRUE(agent.Set(L"FlashImage", Value(contents)));
         ASSERT_TRUE(SUCCEEDED(machine->Store().PutInstance(agent)));
         for (const bool shifted : {false, true}) {
@@ -166,7 +168,7 @@ TEST_F(BootAgentTest, Read_WhateverTheBounds_GivesAllBytesFromTheFirst) {
                 Spoil(Operation::Get, Effect::ShiftedArray, L"FlashData"); // from 5
             }
             Read read;
-            ReadInto(read, AGENT);
+            ReadInto(read, kAgent);
             EXPECT_EQ(Code(read.result), "0x00000000");
             ASSERT_EQ(read.size, static_cast<LONG>(contents.size()));
             ASSERT_NE(read.data, nullptr) << "an empty buffer is a buffer";
@@ -193,7 +195,7 @@ TEST_F(BootAgentTest, Read_NothingToRead_FailsAndHandsOutNothing) {
         rule.vt = each.type;
         Inject(rule);
         Read read;
-        ReadInto(read, AGENT);
+        ReadInto(read, kAgent);
         EXPECT_EQ(Code(read.result), "0x80004005");
         EXPECT_EQ(read.data, nullptr);
         EXPECT_EQ(read.size, -7);
@@ -201,7 +203,7 @@ TEST_F(BootAgentTest, Read_NothingToRead_FailsAndHandsOutNothing) {
         machine->Rules().Clear();
     }
     Read read;
-    ReadInto(read, boot::Path(L"Zorel_BootAgent.Name", L"{C}"));
+    ReadInto(read, Path(L"Zorel_BootAgent.Name", L"{C}"));
     EXPECT_EQ(Code(read.result), "0x80004005") << "a boot agent without flash memory";
     EXPECT_EQ(read.data, nullptr);
 }
@@ -237,7 +239,7 @@ TEST_F(BootAgentTest, Read_FailedSteps_AreNamedAndHandOutNothing) {
         rule.code = static_cast<HRESULT>(WBEM_E_ACCESS_DENIED);
         Inject(rule);
         Read read;
-        ReadInto(read, AGENT);
+        ReadInto(read, kAgent);
         EXPECT_EQ(Code(read.result), each.code);
         EXPECT_EQ(read.data, nullptr);
         EXPECT_THAT(Traced(), Contains(each.line));
@@ -254,17 +256,17 @@ TEST_F(BootAgentTest, Read_BadArguments_AreRefusedWithoutACall) {
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::ReadBootAgentFlash", line,
                                       "Exiting CQuillet::ReadBootAgentFlash"));
     LONG size = 0;
-    EXPECT_EQ(Code(quillet.ReadBootAgentFlash(AGENT, size, nullptr)), "0x80004005");
+    EXPECT_EQ(Code(quillet.ReadBootAgentFlash(kAgent, size, nullptr)), "0x80004005");
     EXPECT_THAT(Traced(), Contains(line));
     EXPECT_THAT(Called(), IsEmpty());
     quillet.UninitQuillet();
     Traced();
     unsigned char* data = nullptr;
-    EXPECT_EQ(Code(quillet.ReadBootAgentFlash(AGENT, size, &data)), "0x80041001");
-    EXPECT_THAT(Traced(), Contains(MISSING));
+    EXPECT_EQ(Code(quillet.ReadBootAgentFlash(kAgent, size, &data)), "0x80041001");
+    EXPECT_THAT(Traced(), Contains(kMissing));
 }
 
-TEST(FlashArrays, Length_OfAnArrayWithAnyBounds) {
+TEST(FlashArraysTest, Length_OfAnArrayWithAnyBounds) {
     for (const LONG lower : {0, 5, -3, 0x7FFFFFFB}) {
         SAFEARRAYBOUND bound{5, lower};
         const OwnedArray array(SafeArrayCreate(VT_UI1, 1, &bound));
@@ -275,7 +277,7 @@ TEST(FlashArrays, Length_OfAnArrayWithAnyBounds) {
     }
 }
 
-TEST(FlashArrays, Length_ThatMakesNoSense_IsRefused) {
+TEST(FlashArraysTest, Length_ThatMakesNoSense_IsRefused) {
     LONG length = 42;
     const wchar_t* step = nullptr;
     // What a broken provider could say of an array that nobody has: nothing of it may be allocated or read.
@@ -297,7 +299,7 @@ TEST(FlashArrays, Length_ThatMakesNoSense_IsRefused) {
     EXPECT_EQ(std::wstring(step), L"SafeArrayGetLBound");
 }
 
-TEST(FlashArrays, Copy_OfAnArrayWithoutData_Fails) {
+TEST(FlashArraysTest, Copy_OfAnArrayWithoutData_Fails) {
     SAFEARRAY empty{};
     empty.cDims = 1;
     empty.rgsabound[0] = {4, 0};
@@ -314,14 +316,14 @@ TEST_F(BootAgentTest, Read_ElementsThatAreNoBytes_AreTakenAsTheyLie) {
     rule.vt = VT_ARRAY | VT_I4; // one element
     Inject(rule);
     Read read;
-    ReadInto(read, AGENT);
+    ReadInto(read, kAgent);
     EXPECT_EQ(Code(read.result), "0x00000000");
     EXPECT_EQ(read.size, 1);
 }
 
 TEST_F(BootAgentTest, Write_ProgramsTheImageAndItReadsBackByteForByte) {
     int code = 99;
-    EXPECT_EQ(Code(Write(boot::NewImage(), Types({L"PXE", L"iSCSI"}), code)), "0x00000000");
+    EXPECT_EQ(Code(Write(NewImage(), Types({L"PXE", L"iSCSI"}), code)), "0x00000000");
     EXPECT_EQ(code, 0);
     EXPECT_THAT(Traced(),
                 ElementsAre("Entering CQuillet::WriteBootAgentFlash", "Checks done", "dwErrorCode: %l",
@@ -331,20 +333,20 @@ TEST_F(BootAgentTest, Write_ProgramsTheImageAndItReadsBackByteForByte) {
     const std::vector<JournalEntry> calls = Calls();
     ASSERT_EQ(calls.size(), 2u);
     EXPECT_EQ(calls[0].target, L"Zorel_BootAgent");
-    EXPECT_EQ(calls[1].target, AGENT);
+    EXPECT_EQ(calls[1].target, kAgent);
     EXPECT_EQ(calls[1].method, L"ProgramFlashEx");
     ASSERT_EQ(calls[1].arguments.size(), 2u);
     EXPECT_EQ(calls[1].arguments[0].name, L"NewFlashData");
     EXPECT_EQ(calls[1].arguments[0].vt, VT_ARRAY | VT_UI1);
-    EXPECT_EQ(calls[1].arguments[0].value, Value(boot::NewImage()));
+    EXPECT_EQ(calls[1].arguments[0].value, Value(NewImage()));
     EXPECT_EQ(calls[1].arguments[1].name, L"ImageType");
     EXPECT_EQ(calls[1].arguments[1].vt, VT_ARRAY | VT_BSTR);
     EXPECT_EQ(calls[1].arguments[1].value, Value(Value::Array{std::wstring(L"PXE"), std::wstring(L"iSCSI")}));
     Read read;
-    ReadInto(read, AGENT);
-    EXPECT_EQ(read.Contents(), boot::NewImage());
+    ReadInto(read, kAgent);
+    EXPECT_EQ(read.Contents(), NewImage());
     CBootAgent agent;
-    quillet.GetAdapterBootAgentInfo(ADAPTER, agent);
+    quillet.GetAdapterBootAgentInfo(kAdapter, agent);
     EXPECT_EQ(agent.m_wsVersion, L"1.4.0");
     EXPECT_EQ(agent.m_lVersionNumber, 0x10400);
     EXPECT_FALSE(agent.m_bUpdateAvailable);
@@ -354,13 +356,13 @@ TEST_F(BootAgentTest, Write_ProgramsTheImageAndItReadsBackByteForByte) {
 
 TEST_F(BootAgentTest, Write_WithoutTypes_SendsAnEmptyArray) {
     int code = 99;
-    EXPECT_EQ(Code(Write(boot::NewImage(), CSettings(), code)), "0x00000000");
+    EXPECT_EQ(Code(Write(NewImage(), CSettings(), code)), "0x00000000");
     const std::vector<JournalEntry> calls = Calls();
     EXPECT_EQ(calls[1].Argument(L"ImageType")->vt, VT_ARRAY | VT_BSTR);
     EXPECT_EQ(calls[1].Argument(L"ImageType")->value, Value(Value::Array{}));
 }
 
-TEST(FlashArrays, Types_AreCaptionsInOrderAndNullForAnEmptyOne) {
+TEST(FlashArraysTest, Types_AreCaptionsInOrderAndNullForAnEmptyOne) {
     CSettings settings;
     for (const wchar_t* caption : {L"b", L"", L"a"}) {
         settings.m_vecItems.push_back(new CSettingString);
@@ -368,7 +370,7 @@ TEST(FlashArrays, Types_AreCaptionsInOrderAndNullForAnEmptyOne) {
     }
     settings.m_vecItems.push_back(nullptr);
     _variant_t types;
-    EXPECT_EQ(Code(FlashImage::MakeTypes(settings, types)), "0x00000000");
+    EXPECT_EQ(Code(flash_image::MakeTypes(settings, types)), "0x00000000");
     EXPECT_EQ(types.vt, VT_ARRAY | VT_BSTR);
     SAFEARRAY* array = V_ARRAY(&types);
     LONG lower = -1;
@@ -387,10 +389,10 @@ TEST(FlashArrays, Types_AreCaptionsInOrderAndNullForAnEmptyOne) {
     SafeArrayUnaccessData(array);
 }
 
-TEST(FlashArrays, Bytes_AreAnArrayFromZero) {
+TEST(FlashArraysTest, Bytes_AreAnArrayFromZero) {
     const Bytes bytes{1, 2, 255};
     _variant_t value;
-    EXPECT_EQ(Code(FlashImage::MakeBytes(3, bytes.data(), value)), "0x00000000");
+    EXPECT_EQ(Code(flash_image::MakeBytes(3, bytes.data(), value)), "0x00000000");
     EXPECT_EQ(value.vt, 0x2011);
     LONG lower = -1;
     SafeArrayGetLBound(V_ARRAY(&value), 1, &lower);
@@ -401,12 +403,12 @@ TEST(FlashArrays, Bytes_AreAnArrayFromZero) {
 }
 
 TEST_F(BootAgentTest, Write_RefusedByTheProvider_IsToldByTheCodeAloneAndTheFlashStays) {
-    Bytes damaged = boot::NewImage();
+    Bytes damaged = NewImage();
     damaged.back() ^= 1;
     int code = 99;
     EXPECT_EQ(Code(Write(damaged, Types({L"PXE"}), code)), "0x00000000");
     EXPECT_EQ(code, 3);
-    EXPECT_EQ(Flash(), boot::OldImage());
+    EXPECT_EQ(Flash(), OldImage());
 }
 
 TEST_F(BootAgentTest, Write_ReturnCodeOfAnotherType_LeavesTheArgumentAndSucceeds) {
@@ -418,7 +420,7 @@ TEST_F(BootAgentTest, Write_ReturnCodeOfAnotherType_LeavesTheArgumentAndSucceeds
         rule.vt = type;
         Inject(rule);
         int code = 99;
-        EXPECT_EQ(Code(Write(boot::NewImage(), Types({L"PXE"}), code)), "0x00000000");
+        EXPECT_EQ(Code(Write(NewImage(), Types({L"PXE"}), code)), "0x00000000");
         EXPECT_EQ(code, 99) << type;
         machine->Rules().Clear();
     }
@@ -428,14 +430,14 @@ TEST_F(BootAgentTest, Write_PowerCut_FailsAndLeavesTheOldImage) {
     Spoil(Operation::ExecMethod, Effect::PowerCut);
     int code = 99;
     const auto before = machine->Now();
-    EXPECT_EQ(Code(Write(boot::NewImage(), Types({L"PXE"}), code)), "0x80041001");
+    EXPECT_EQ(Code(Write(NewImage(), Types({L"PXE"}), code)), "0x80041001");
     EXPECT_GT(machine->Now(), before) << "it happened while the flash was written";
     EXPECT_THAT(Traced(), Contains("ExecMethod -> wsBootAgtID, L_METHOD_BOOTAGENT_PROGRAMFLASHEX"));
     EXPECT_EQ(code, 99);
-    EXPECT_EQ(Flash(), boot::OldImage());
+    EXPECT_EQ(Flash(), OldImage());
     machine->Rules().Clear();
-    EXPECT_EQ(Code(Write(boot::NewImage(), Types({L"PXE"}), code)), "0x00000000");
-    EXPECT_EQ(Flash(), boot::NewImage());
+    EXPECT_EQ(Code(Write(NewImage(), Types({L"PXE"}), code)), "0x00000000");
+    EXPECT_EQ(Flash(), NewImage());
 }
 
 TEST_F(BootAgentTest, Write_FailedSteps_AreNamedAsEverAndLeaveTheFlash) {
@@ -470,7 +472,7 @@ TEST_F(BootAgentTest, Write_FailedSteps_AreNamedAsEverAndLeaveTheFlash) {
         rule.code = static_cast<HRESULT>(WBEM_E_ACCESS_DENIED);
         Inject(rule);
         int code = 99;
-        EXPECT_EQ(Code(Write(boot::NewImage(), Types({L"PXE"}), code)), each.code);
+        EXPECT_EQ(Code(Write(NewImage(), Types({L"PXE"}), code)), each.code);
         EXPECT_EQ(code, 99);
         const std::vector<std::string> trace = Traced();
         EXPECT_THAT(trace, Contains(each.line));
@@ -478,7 +480,7 @@ TEST_F(BootAgentTest, Write_FailedSteps_AreNamedAsEverAndLeaveTheFlash) {
         EXPECT_EQ(
             std::count(trace.begin(), trace.end(), "Get input params for the method called ProgramFlash()"),
             signatureAsked ? 1 : 0);
-        EXPECT_EQ(Flash(), boot::OldImage());
+        EXPECT_EQ(Flash(), OldImage());
         machine->Rules().Clear();
     }
 }
@@ -486,11 +488,11 @@ TEST_F(BootAgentTest, Write_FailedSteps_AreNamedAsEverAndLeaveTheFlash) {
 TEST_F(BootAgentTest, Write_WithoutAnswerOrReturnCode_Fails) {
     int code = 99;
     Spoil(Operation::ExecMethod, Effect::NoOutParameters);
-    EXPECT_EQ(Code(Write(boot::NewImage(), Types({L"PXE"}), code)), "0x80041001");
+    EXPECT_EQ(Code(Write(NewImage(), Types({L"PXE"}), code)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("(pIWbemClassObject_OutParams -> NULL)"));
     machine->Rules().Clear();
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"FlashRetCode");
-    EXPECT_EQ(Code(Write(boot::NewImage(), Types({L"PXE"}), code)), "0x80041003");
+    EXPECT_EQ(Code(Write(NewImage(), Types({L"PXE"}), code)), "0x80041003");
     EXPECT_THAT(Traced(),
                 Contains("pIWbemClassObject_OutParams -> Get, L_PARAM_BOOTAGENT_PROGRAMFLASH_RETURN"));
     EXPECT_EQ(code, 99);
@@ -498,49 +500,49 @@ TEST_F(BootAgentTest, Write_WithoutAnswerOrReturnCode_Fails) {
 
 TEST_F(BootAgentTest, Write_BadArguments_AreRefusedBeforeAnyCall) {
     const char* line = "((wsBootAgtID.empty()) || (pFlashData == NULL) || (rlFlashSize <= 0))";
-    Bytes image = boot::NewImage();
+    Bytes image = NewImage();
     CSettings types;
     int code = 99;
     for (const LONG size : std::initializer_list<LONG>{0, -1, -2147483647 - 1}) {
-        EXPECT_EQ(Code(quillet.WriteBootAgentFlash(AGENT, size, image.data(), types, code)), "0x80004005");
+        EXPECT_EQ(Code(quillet.WriteBootAgentFlash(kAgent, size, image.data(), types, code)), "0x80004005");
         EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::WriteBootAgentFlash", line,
                                           "Exiting CQuillet::WriteBootAgentFlash"));
     }
     EXPECT_EQ(Code(quillet.WriteBootAgentFlash(L"", 5, image.data(), types, code)), "0x80004005");
     EXPECT_THAT(Traced(), Contains(line));
-    EXPECT_EQ(Code(quillet.WriteBootAgentFlash(AGENT, 5, nullptr, types, code)), "0x80004005");
+    EXPECT_EQ(Code(quillet.WriteBootAgentFlash(kAgent, 5, nullptr, types, code)), "0x80004005");
     EXPECT_THAT(Traced(), Contains(line));
     EXPECT_EQ(code, 99);
     EXPECT_THAT(Called(), IsEmpty());
     quillet.UninitQuillet();
     Traced();
-    EXPECT_EQ(Code(quillet.WriteBootAgentFlash(AGENT, 5, image.data(), types, code)), "0x80041001");
+    EXPECT_EQ(Code(quillet.WriteBootAgentFlash(kAgent, 5, image.data(), types, code)), "0x80041001");
     const std::vector<std::string> trace = Traced();
     EXPECT_THAT(trace, Contains("Checks done"));
-    EXPECT_THAT(trace, Contains(MISSING));
+    EXPECT_THAT(trace, Contains(kMissing));
     EXPECT_THAT(trace, Not(Contains("Before SafeArrayAccessData")));
 }
 
 TEST_F(BootAgentTest, EachCallFailing_ReturnsItsCode) {
     CBootAgent agent;
-    FailEachProviderCall([&] { return quillet.GetAdapterBootAgentInfo(ADAPTER, agent); });
+    FailEachProviderCall([&] { return quillet.GetAdapterBootAgentInfo(kAdapter, agent); });
     FailEachProviderCall([&] {
         Read read;
-        ReadInto(read, AGENT);
+        ReadInto(read, kAgent);
         return read.result;
     });
     int code = 0;
-    FailEachProviderCall([&] { return Write(boot::NewImage(), Types({L"PXE"}), code); });
+    FailEachProviderCall([&] { return Write(NewImage(), Types({L"PXE"}), code); });
 }
 
 TEST_F(BootAgentTest, Write_SixteenMebibytes_ComeBackAsTheyWent) {
-    const Bytes image = boot::WriteFlashImage({{L"PXE", L"1.4.0", 0, 1, boot::Noise((16u << 20) - 88)}});
+    const Bytes image = quillet::tests::WriteFlashImage({{L"PXE", L"1.4.0", 0, 1, Noise((16u << 20) - 88)}});
     ASSERT_EQ(image.size(), 16u << 20);
     int code = 99;
     EXPECT_EQ(Code(Write(image, Types({L"PXE"}), code)), "0x00000000");
     EXPECT_EQ(code, 0);
     Read read;
-    ReadInto(read, AGENT);
+    ReadInto(read, kAgent);
     ASSERT_EQ(Code(read.result), "0x00000000");
     ASSERT_EQ(read.size, 16 << 20);
     EXPECT_TRUE(std::equal(image.begin(), image.end(), read.data));

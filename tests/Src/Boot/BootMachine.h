@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace boot {
+namespace quillet::tests {
 
 using Bytes = std::vector<std::uint8_t>;
 using quillet::simulator::BootImage;
@@ -92,9 +92,9 @@ class BootTest : public ProviderTest {
         return types;
     }
 
-    const std::wstring ADAPTER = Path(L"Zorel_PhysicalEthernetAdapter.DeviceID", L"{A}");
-    const std::wstring AGENT = Path(L"Zorel_BootAgent.Name", L"{A}");
-    static constexpr const char* MISSING = "((pIWbemService == NULL) || (pIWbemContext == NULL))";
+    const std::wstring kAdapter = Path(L"Zorel_PhysicalEthernetAdapter.DeviceID", L"{A}");
+    const std::wstring kAgent = Path(L"Zorel_BootAgent.Name", L"{A}");
+    static constexpr const char* kMissing = "((pIWbemService == NULL) || (pIWbemContext == NULL))";
 };
 
-} // namespace boot
+} // namespace quillet::tests

@@ -6,7 +6,7 @@
 
 namespace {
 
-using boot::Bytes;
+using namespace quillet::tests;
 
 /// A number of /proc/self/status, in bytes.
 std::size_t Status(const std::string& name) {
@@ -22,29 +22,29 @@ std::size_t Status(const std::string& name) {
     return 0;
 }
 
-class BootMemoryTest : public boot::BootTest {};
+class BootMemoryTest : public BootTest {};
 
 TEST_F(BootMemoryTest, Read_PeaksAtNoMoreThanThreeTimesTheImage) {
-    constexpr std::size_t SIZE = 16u << 20;
+    constexpr std::size_t kSize = 16u << 20;
     {
-        auto agent = *machine->Store().FindInstance(AGENT);
-        agent.Set(L"FlashImage", quillet::simulator::Value(boot::Noise(SIZE)));
+        auto agent = *machine->Store().FindInstance(kAgent);
+        agent.Set(L"FlashImage", quillet::simulator::Value(Noise(kSize)));
         ASSERT_TRUE(SUCCEEDED(machine->Store().PutInstance(agent)));
     }
     std::ofstream("/proc/self/clear_refs") << 5; // the peak begins anew
     const std::size_t before = Status("VmRSS");
     LONG size = 0;
     unsigned char* data = nullptr;
-    ASSERT_EQ(Code(quillet.ReadBootAgentFlash(AGENT, size, &data)), "0x00000000");
+    ASSERT_EQ(Code(quillet.ReadBootAgentFlash(kAgent, size, &data)), "0x00000000");
     const std::size_t peak = Status("VmHWM");
-    EXPECT_EQ(size, static_cast<LONG>(SIZE));
-    ASSERT_GT(before, SIZE) << "the flash memory itself";
+    EXPECT_EQ(size, static_cast<LONG>(kSize));
+    ASSERT_GT(before, kSize) << "the flash memory itself";
     ASSERT_GE(peak, before);
     const std::size_t grown = peak - before;
-    std::printf("image %zu bytes, grown by %zu at the peak\n", SIZE, grown);
+    std::printf("image %zu bytes, grown by %zu at the peak\n", kSize, grown);
     RecordProperty("grown", static_cast<int>(grown));
-    EXPECT_GE(grown, SIZE) << "the buffer alone takes as much; the measurement is broken";
-    EXPECT_LE(grown, 3 * SIZE);
+    EXPECT_GE(grown, kSize) << "the buffer alone takes as much; the measurement is broken";
+    EXPECT_LE(grown, 3 * kSize);
     ::operator delete(data);
 }
 

@@ -3,21 +3,23 @@
 
 namespace {
 
+using namespace quillet::tests;
+
 using quillet::simulator::Value;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-class ISCSIBootTest : public boot::BootTest {
+class ISCSIBootTest : public BootTest {
   protected:
     std::int64_t PlaceOf(const wchar_t* className, const wchar_t* port) {
         const std::wstring key = std::wstring(className) + L".Name";
-        return machine->Store().FindInstance(boot::Path(key.c_str(), port))->Number(L"iSCSI_Status", -1);
+        return machine->Store().FindInstance(Path(key.c_str(), port))->Number(L"iSCSI_Status", -1);
     }
 
     CISCSIAdapters adapters;
-    const std::wstring SECOND = boot::Path(L"Zorel_BootAgent.Name", L"{B}");
+    const std::wstring kSecond = Path(L"Zorel_BootAgent.Name", L"{B}");
 };
 
 TEST_F(ISCSIBootTest, List_HoldsEveryAdapter) {
@@ -25,7 +27,7 @@ TEST_F(ISCSIBootTest, List_HoldsEveryAdapter) {
     EXPECT_EQ(Code(quillet.EnumerateISCSIAdapters(adapters)), "0x00000000");
     ASSERT_EQ(adapters.m_vecItems.size(), 2u);
     const CISCSIAdapter& first = *adapters.m_vecItems[0];
-    EXPECT_EQ(first.m_wsPath, boot::Path(L"Zorel_BootAgent_iSCSI_Adapters.Name", L"{A}"));
+    EXPECT_EQ(first.m_wsPath, Path(L"Zorel_BootAgent_iSCSI_Adapters.Name", L"{A}"));
     EXPECT_EQ(first.m_wsBootAgentID, L"{A}");
     EXPECT_EQ(first.m_wsAdapterName, L"First");
     EXPECT_EQ(first.m_eStatus, CISCSIAdapter::PrimaryPort);
@@ -39,7 +41,7 @@ TEST_F(ISCSIBootTest, List_HoldsEveryAdapter) {
 }
 
 TEST_F(ISCSIBootTest, List_WithoutAdapters_IsEmptyAndNoFailure) {
-    UseText(NET_SERVICE_MOF);
+    UseText(kNetServiceMof);
     Connect();
     adapters.m_vecItems.push_back(new CISCSIAdapter);
     EXPECT_EQ(Code(quillet.EnumerateISCSIAdapters(adapters)), "0x00000000");
@@ -47,7 +49,7 @@ TEST_F(ISCSIBootTest, List_WithoutAdapters_IsEmptyAndNoFailure) {
 }
 
 TEST_F(ISCSIBootTest, List_UnknownPlace_IsCarriedAsItIs) {
-    auto entry = *machine->Store().FindInstance(boot::Path(L"Zorel_BootAgent_iSCSI_Adapters.Name", L"{A}"));
+    auto entry = *machine->Store().FindInstance(Path(L"Zorel_BootAgent_iSCSI_Adapters.Name", L"{A}"));
     entry.Set(L"iSCSI_Status", Value::Signed(-17));
     ASSERT_TRUE(SUCCEEDED(machine->Store().PutInstance(entry)));
     EXPECT_EQ(Code(quillet.EnumerateISCSIAdapters(adapters)), "0x00000000");
@@ -84,7 +86,7 @@ TEST_F(ISCSIBootTest, List_UnreadableProperty_IsNamedAndTheAdaptersBeforeItStay)
 
 TEST_F(ISCSIBootTest, Set_PutsTheNumberAndTellsTheProvidersCode) {
     unsigned int code = 99;
-    EXPECT_EQ(Code(quillet.SetiSCSIStatus(SECOND, CISCSIAdapter::SecondaryPort, code)), "0x00000000");
+    EXPECT_EQ(Code(quillet.SetiSCSIStatus(kSecond, CISCSIAdapter::SecondaryPort, code)), "0x00000000");
     EXPECT_EQ(code, 0u);
     EXPECT_EQ(PlaceOf(L"Zorel_BootAgent", L"{B}"), 2);
     EXPECT_EQ(PlaceOf(L"Zorel_BootAgent_iSCSI_Adapters", L"{B}"), 2);
@@ -94,7 +96,7 @@ TEST_F(ISCSIBootTest, Set_PutsTheNumberAndTellsTheProvidersCode) {
     const std::vector<JournalEntry> calls = Calls();
     ASSERT_EQ(calls.size(), 2u);
     EXPECT_EQ(calls[0].target, L"Zorel_BootAgent_iSCSI_Adapters");
-    EXPECT_EQ(calls[1].target, SECOND);
+    EXPECT_EQ(calls[1].target, kSecond);
     EXPECT_EQ(calls[1].method, L"SetiSCSI_Status");
     ASSERT_EQ(calls[1].arguments.size(), 1u);
     EXPECT_EQ(calls[1].arguments[0].name, L"iSCSI_State");
@@ -104,7 +106,7 @@ TEST_F(ISCSIBootTest, Set_PutsTheNumberAndTellsTheProvidersCode) {
 
 TEST_F(ISCSIBootTest, Set_NewPrimary_ChangesPlacesWithTheOldOne) {
     unsigned int code = 99;
-    EXPECT_EQ(Code(quillet.SetiSCSIStatus(boot::Path(L"Zorel_BootAgent_iSCSI_Adapters.Name", L"{B}"),
+    EXPECT_EQ(Code(quillet.SetiSCSIStatus(Path(L"Zorel_BootAgent_iSCSI_Adapters.Name", L"{B}"),
                                           CISCSIAdapter::PrimaryPort, code)),
               "0x00000000");
     EXPECT_EQ(code, 0u);
@@ -115,12 +117,12 @@ TEST_F(ISCSIBootTest, Set_NewPrimary_ChangesPlacesWithTheOldOne) {
 
 TEST_F(ISCSIBootTest, Set_RefusedByTheProvider_IsToldByTheCodeAlone) {
     unsigned int code = 99;
-    EXPECT_EQ(Code(quillet.SetiSCSIStatus(SECOND, static_cast<CISCSIAdapter::iSCSIStatus>(7), code)),
+    EXPECT_EQ(Code(quillet.SetiSCSIStatus(kSecond, static_cast<CISCSIAdapter::iSCSIStatus>(7), code)),
               "0x00000000");
     EXPECT_EQ(code, 1u);
-    EXPECT_EQ(Code(quillet.SetiSCSIStatus(boot::Path(L"Zorel_BootAgent.Name", L"{C}"),
-                                          CISCSIAdapter::PrimaryPort, code)),
-              "0x00000000");
+    EXPECT_EQ(
+        Code(quillet.SetiSCSIStatus(Path(L"Zorel_BootAgent.Name", L"{C}"), CISCSIAdapter::PrimaryPort, code)),
+        "0x00000000");
     EXPECT_EQ(code, 2u);
     EXPECT_EQ(PlaceOf(L"Zorel_BootAgent_iSCSI_Adapters", L"{A}"), 1);
 }
@@ -128,18 +130,18 @@ TEST_F(ISCSIBootTest, Set_RefusedByTheProvider_IsToldByTheCodeAlone) {
 TEST_F(ISCSIBootTest, Set_NullCode_LeavesTheArgumentAndSucceeds) {
     Spoil(Operation::Get, Effect::NullValue, L"RetCode");
     unsigned int code = 99;
-    EXPECT_EQ(Code(quillet.SetiSCSIStatus(SECOND, CISCSIAdapter::SecondaryPort, code)), "0x00000000");
+    EXPECT_EQ(Code(quillet.SetiSCSIStatus(kSecond, CISCSIAdapter::SecondaryPort, code)), "0x00000000");
     EXPECT_EQ(code, 99u);
 }
 
 TEST_F(ISCSIBootTest, Set_CodeThatIsNotWritten_LeavesTheArgumentAndSucceeds) {
     unsigned int code = 99;
     Fail(Operation::Get, WBEM_S_NO_MORE_DATA, L"RetCode");
-    EXPECT_EQ(Code(quillet.SetiSCSIStatus(SECOND, CISCSIAdapter::SecondaryPort, code)), "0x00000000");
+    EXPECT_EQ(Code(quillet.SetiSCSIStatus(kSecond, CISCSIAdapter::SecondaryPort, code)), "0x00000000");
     EXPECT_EQ(code, 99u);
     machine->Rules().Clear();
     Spoil(Operation::Get, Effect::WrongType, L"RetCode");
-    EXPECT_EQ(Code(quillet.SetiSCSIStatus(SECOND, CISCSIAdapter::SecondaryPort, code)), "0x00000000");
+    EXPECT_EQ(Code(quillet.SetiSCSIStatus(kSecond, CISCSIAdapter::SecondaryPort, code)), "0x00000000");
     EXPECT_EQ(code, 99u);
 }
 
@@ -173,7 +175,7 @@ TEST_F(ISCSIBootTest, Set_FailedSteps_AreNamed) {
         rule.code = static_cast<HRESULT>(WBEM_E_ACCESS_DENIED);
         Inject(rule);
         unsigned int code = 99;
-        EXPECT_EQ(Code(quillet.SetiSCSIStatus(SECOND, CISCSIAdapter::SecondaryPort, code)), each.code);
+        EXPECT_EQ(Code(quillet.SetiSCSIStatus(kSecond, CISCSIAdapter::SecondaryPort, code)), each.code);
         EXPECT_EQ(code, 99u);
         EXPECT_THAT(Traced(), Contains(each.line));
         machine->Rules().Clear();
@@ -182,7 +184,7 @@ TEST_F(ISCSIBootTest, Set_FailedSteps_AreNamed) {
 
 TEST_F(ISCSIBootTest, Info_AsksTheAdapterTwice) {
     CiSCSI info;
-    EXPECT_EQ(Code(quillet.GetiSCSI_Info(ADAPTER, info)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetiSCSI_Info(kAdapter, info)), "0x00000000");
     EXPECT_EQ(info.m_lStatus, 1);
     EXPECT_TRUE(info.m_bOSSupported);
     EXPECT_FALSE(info.m_bPatchPresent);
@@ -190,7 +192,7 @@ TEST_F(ISCSIBootTest, Info_AsksTheAdapterTwice) {
     const std::vector<std::string> trace = Traced();
     EXPECT_EQ(trace.front(), "Entering CQuillet::GetiSCSI_Info");
     EXPECT_EQ(trace.back(), "Exiting CQuillet::GetiSCSI_Info");
-    const std::string execute = "ExecMethod " + Narrow(ADAPTER);
+    const std::string execute = "ExecMethod " + Narrow(kAdapter);
     const std::string fetch = "GetObject Zorel_PhysicalEthernetAdapter -> 0x00000000 {ClientSetId=0}";
     EXPECT_THAT(Called(), ElementsAre(fetch, execute + ", IsiSCSIEnabled() -> 0x00000000 {ClientSetId=0}",
                                       fetch, execute + ", IsiSCSISupported() -> 0x00000000 {ClientSetId=0}"));
@@ -235,7 +237,7 @@ TEST_F(ISCSIBootTest, Info_FailedSteps_AreNamedAndEndIt) {
         rule.code = static_cast<HRESULT>(WBEM_E_ACCESS_DENIED);
         Inject(rule);
         CiSCSI info;
-        EXPECT_EQ(Code(quillet.GetiSCSI_Info(ADAPTER, info)), each.code);
+        EXPECT_EQ(Code(quillet.GetiSCSI_Info(kAdapter, info)), each.code);
         EXPECT_FALSE(info.m_bHotFixPresent);
         EXPECT_THAT(Traced(), Contains(each.line));
         machine->Rules().Clear();
@@ -254,19 +256,19 @@ TEST_F(ISCSIBootTest, EmptyIdentifierAndNoConnection_AreRefused) {
     adapters.m_vecItems.push_back(new CISCSIAdapter);
     EXPECT_EQ(Code(quillet.EnumerateISCSIAdapters(adapters)), "0x80041001");
     EXPECT_TRUE(adapters.m_vecItems.empty()) << "emptied before the connection is looked at";
-    EXPECT_THAT(Traced(), Contains(MISSING));
-    EXPECT_EQ(Code(quillet.SetiSCSIStatus(SECOND, CISCSIAdapter::PrimaryPort, code)), "0x80041001");
-    EXPECT_THAT(Traced(), Contains(MISSING));
-    EXPECT_EQ(Code(quillet.GetiSCSI_Info(ADAPTER, info)), "0x80041001");
-    EXPECT_THAT(Traced(), Contains(MISSING));
+    EXPECT_THAT(Traced(), Contains(kMissing));
+    EXPECT_EQ(Code(quillet.SetiSCSIStatus(kSecond, CISCSIAdapter::PrimaryPort, code)), "0x80041001");
+    EXPECT_THAT(Traced(), Contains(kMissing));
+    EXPECT_EQ(Code(quillet.GetiSCSI_Info(kAdapter, info)), "0x80041001");
+    EXPECT_THAT(Traced(), Contains(kMissing));
 }
 
 TEST_F(ISCSIBootTest, EachCallFailing_ReturnsItsCode) {
     unsigned int code = 0;
     CiSCSI info;
     FailEachProviderCall([&] { return quillet.EnumerateISCSIAdapters(adapters); });
-    FailEachProviderCall([&] { return quillet.SetiSCSIStatus(SECOND, CISCSIAdapter::SecondaryPort, code); });
-    FailEachProviderCall([&] { return quillet.GetiSCSI_Info(ADAPTER, info); });
+    FailEachProviderCall([&] { return quillet.SetiSCSIStatus(kSecond, CISCSIAdapter::SecondaryPort, code); });
+    FailEachProviderCall([&] { return quillet.GetiSCSI_Info(kAdapter, info); });
 }
 
 } // namespace

@@ -10,7 +10,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 /// A package that holds a test and a package of its own, and a test without any result.
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_DiagTest { Name = "All"; TestId = 7; };
     instance of Zorel_DiagTest { Name = "Link \"2\""; TestId = 4; };
@@ -31,12 +31,12 @@ constexpr const char* MACHINE = R"(
         TestResultsAttr = {2}; };
     instance of Zorel_DiagResult { Name = "{7}"; DiagnosticName = "Link \"2\""; Title = "second"; };)";
 
-constexpr const char* MISSING = "((pIWbemService == NULL) || (pIWbemContext == NULL))";
-constexpr const char* QUERY_FAILED = "ASSOC RESULTCLASS = L_CLASS_ZOREL_DIAGRESULT";
+constexpr const char* kMissing = "((pIWbemService == NULL) || (pIWbemContext == NULL))";
+constexpr const char* kQueryFailed = "ASSOC RESULTCLASS = L_CLASS_ZOREL_DIAGRESULT";
 
 class DiagnosticResultsTest : public ProviderTest {
   protected:
-    DiagnosticResultsTest() : ProviderTest(MACHINE) {}
+    DiagnosticResultsTest() : ProviderTest(kMachine) {}
     void SetUp() override { Connect(); }
 
     /// Changes a property of a result in the machine.
@@ -51,18 +51,18 @@ class DiagnosticResultsTest : public ProviderTest {
         Set(L"{6}", L"TestState", Value::Signed(state));
         CDiagResult read;
         read.m_wsStateText = L"kept";
-        EXPECT_EQ(Code(quillet.GetDiagnosticsResult(LINK, read)), "0x00000000");
+        EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kLink, read)), "0x00000000");
         EXPECT_EQ(read.m_lTestState, state);
         return read.m_wsStateText;
     }
 
     CDiagResult result;
-    const std::wstring ALL = LR"(Zorel_DiagTest.Name="All")";
-    const std::wstring LINK = LR"(Zorel_DiagTest.Name="Link \"2\"")";
-    const std::wstring NEVER_RUN = LR"(Zorel_DiagTest.Name="Never run")";
+    const std::wstring kAll = LR"(Zorel_DiagTest.Name="All")";
+    const std::wstring kLink = LR"(Zorel_DiagTest.Name="Link \"2\"")";
+    const std::wstring kNeverRun = LR"(Zorel_DiagTest.Name="Never run")";
 };
 
-TEST(DiagResult, CopiesCarryEveryMember) {
+TEST(DiagResultTest, CopiesCarryEveryMember) {
     CDiagResult one;
     EXPECT_EQ(one.m_lTestId, 0);
     EXPECT_EQ(one.m_dwReserved, 0u);
@@ -109,7 +109,7 @@ TEST(DiagResult, CopiesCarryEveryMember) {
 TEST_F(DiagnosticResultsTest, Result_FillsEveryMemberOfAPackage) {
     result.m_vecTestResultIds = {9};
     result.m_vecTestResultAttributes = {9};
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(ALL, result)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kAll, result)), "0x00000000");
     EXPECT_EQ(result.m_lTestId, 7);
     EXPECT_EQ(result.m_wsDiagnosticName, L"All");
     EXPECT_EQ(result.m_sUniqueID, LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_DiagResult.Name="{1}")");
@@ -148,7 +148,7 @@ TEST_F(DiagnosticResultsTest, Result_FillsEveryMemberOfAPackage) {
 }
 
 TEST_F(DiagnosticResultsTest, Result_AsksWithTheseQueriesAndForAmendedQualifiers) {
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(ALL, result)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kAll, result)), "0x00000000");
     std::vector<std::string> queries;
     for (const JournalEntry& call : Calls()) {
         if (call.operation == Operation::ExecQuery) {
@@ -173,17 +173,17 @@ TEST_F(DiagnosticResultsTest, Result_AsksWithTheseQueriesAndForAmendedQualifiers
 }
 
 TEST_F(DiagnosticResultsTest, Result_ReadAgainIntoTheSameRecord_HoldsTheMembersOnce) {
-    quillet.GetDiagnosticsResult(ALL, result);
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(ALL, result)), "0x00000000");
+    quillet.GetDiagnosticsResult(kAll, result);
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kAll, result)), "0x00000000");
     EXPECT_EQ(result.m_vecPackageResults.size(), 2u);
     EXPECT_EQ(result.m_vecTestResultIds.size(), 2u);
     Set(L"{6}", L"IsPackage", Value::Bool(false));
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(LINK, result)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kLink, result)), "0x00000000");
     EXPECT_TRUE(result.m_vecPackageResults.empty()) << "another test's members are not shown";
 }
 
 TEST_F(DiagnosticResultsTest, Result_OfSeveralWithTheName_ReadsTheFirst) {
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(LINK, result)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kLink, result)), "0x00000000");
     EXPECT_EQ(result.m_wsTitle, L"first");
     EXPECT_THAT(Called(), Contains(HasSubstr(R"(WHERE DiagnosticName = "Link \"2\"")")))
         << "a quote in the name does not end it";
@@ -193,7 +193,7 @@ TEST_F(DiagnosticResultsTest, Result_TestWithoutId_IsSuccessAndLeavesTheRecord) 
     result.m_lTestId = 42;
     result.m_wsTitle = L"kept";
     Spoil(Operation::Get, Effect::NullValue, L"TestId");
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(ALL, result)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kAll, result)), "0x00000000");
     EXPECT_THAT(Traced(),
                 ElementsAre("Entering CQuillet::GetDiagnosticsResult", "dwErrorCode: %l",
                             "Unable to get Diag ID of the test", "Exiting CQuillet::GetDiagnosticsResult"));
@@ -204,7 +204,7 @@ TEST_F(DiagnosticResultsTest, Result_TestWithoutId_IsSuccessAndLeavesTheRecord) 
 
 TEST_F(DiagnosticResultsTest, Result_TestThatNeverRan_ReturnsTheEndOfTheDataAndItsId) {
     result.m_wsTitle = L"kept";
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(NEVER_RUN, result)), "0x00000001");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kNeverRun, result)), "0x00000001");
     EXPECT_THAT(Traced(), Contains("pEnumResult -> Next"));
     EXPECT_EQ(result.m_lTestId, 9);
     EXPECT_EQ(result.m_wsTitle, L"kept");
@@ -214,7 +214,7 @@ TEST_F(DiagnosticResultsTest, Result_NullProperties_KeepTheMembers) {
     result.m_wsPackageName = L"package";
     result.m_wsResult = L"result";
     result.m_lResultCode = 12;
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(LINK, result)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kLink, result)), "0x00000000");
     EXPECT_EQ(result.m_wsPackageName, L"package");
     EXPECT_EQ(result.m_wsResult, L"result");
     EXPECT_EQ(result.m_lResultCode, 12);
@@ -238,8 +238,8 @@ TEST_F(DiagnosticResultsTest, StateText_OfAStateWithoutOne_StaysAndIsNoFailure) 
 
 TEST_F(DiagnosticResultsTest, StateText_IsInTheLanguageOfTheConnection) {
     quillet.UninitQuillet();
-    quillet::test::RegistryScope registry;
-    registry.SetDword(quillet::test::kOrbaKey, L"ForcedLanguage", 0x407);
+    quillet::tests::RegistryScope registry;
+    registry.SetDword(quillet::tests::kOrbaKey, L"ForcedLanguage", 0x407);
     Connect();
     EXPECT_EQ(StateTextOf(4), L"L\u00E4uft");
 }
@@ -267,7 +267,7 @@ TEST_F(DiagnosticResultsTest, StateText_WithoutClassOrQualifier_StaysAndTheRestI
         result = {};
         result.m_wsStateText = L"kept";
         Spoil(each.operation, each.effect, each.target);
-        EXPECT_EQ(Code(quillet.GetDiagnosticsResult(LINK, result)), "0x00000000");
+        EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kLink, result)), "0x00000000");
         EXPECT_THAT(Traced(), Contains(each.line));
         EXPECT_EQ(result.m_wsStateText, L"kept");
         EXPECT_EQ(result.m_vecTestResultIds, std::vector<LONG>{1});
@@ -277,27 +277,27 @@ TEST_F(DiagnosticResultsTest, StateText_WithoutClassOrQualifier_StaysAndTheRestI
 
 TEST_F(DiagnosticResultsTest, StateText_UnreadableList_IsNamedAndReturned) {
     Spoil(Operation::GetQualifier, Effect::NullArray);
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(LINK, result)), "0x80070057");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kLink, result)), "0x80070057");
     EXPECT_THAT(Traced(), Contains("hRes = SafeArrayGetUBound(vValues.parray, 1, &lUBoundValues);"));
     machine->Rules().Clear();
     const char* element = "hRes = SafeArrayGetElement(vValues.parray, (long*)&lValue, &bstrData);";
     Spoil(Operation::GetQualifier, Effect::UnreadableElement);
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(LINK, result)), "0x80020005");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kLink, result)), "0x80020005");
     EXPECT_THAT(Traced(), Contains(element));
     machine->Rules().Clear();
     // The texts at 5 to 10: there is none at 0.
     Spoil(Operation::GetQualifier, Effect::ShiftedArray);
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(LINK, result)), "0x8002000B");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kLink, result)), "0x8002000B");
     EXPECT_THAT(Traced(), Contains(element));
 }
 
 TEST_F(DiagnosticResultsTest, Numbers_WhateverTheBounds_AreReadInOrder) {
     Spoil(Operation::Get, Effect::ShiftedArray, L"TestResultIds");
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(ALL, result)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kAll, result)), "0x00000000");
     EXPECT_EQ(result.m_vecTestResultIds, (std::vector<LONG>{700, 701}));
     machine->Rules().Clear();
     Spoil(Operation::Get, Effect::EmptyArray, L"TestResultIds");
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(ALL, result)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kAll, result)), "0x00000000");
     EXPECT_TRUE(result.m_vecTestResultIds.empty());
     EXPECT_EQ(result.m_vecTestResultAttributes, (std::vector<LONG>{1, 2}));
 }
@@ -307,7 +307,7 @@ TEST_F(DiagnosticResultsTest, Numbers_Unreadable_AreEmptyAndNoFailure) {
         result.m_vecTestResultIds = {9};
         result.m_vecTestResultAttributes = {9};
         Fail(Operation::Get, WBEM_E_ACCESS_DENIED, property);
-        EXPECT_EQ(Code(quillet.GetDiagnosticsResult(ALL, result)), "0x00000000");
+        EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kAll, result)), "0x00000000");
         machine->Rules().Clear();
         const bool ids = property == std::wstring(L"TestResultIds");
         EXPECT_EQ(result.m_vecTestResultIds.size(), ids ? 0u : 2u);
@@ -336,28 +336,28 @@ TEST_F(DiagnosticResultsTest, Result_UnreadableProperty_IsNamedAndReturned) {
          }) {
         SCOPED_TRACE(each.line);
         Fail(Operation::Get, WBEM_E_ACCESS_DENIED, each.property);
-        EXPECT_EQ(Code(quillet.GetDiagnosticsResult(LINK, result)), "0x80041003");
+        EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kLink, result)), "0x80041003");
         EXPECT_THAT(Traced(), Contains(each.line));
         machine->Rules().Clear();
     }
     Fail(Operation::GetObject, WBEM_E_ACCESS_DENIED);
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(LINK, result)), "0x80041003");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kLink, result)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("GetObject -> wsDiagID"));
     machine->Rules().Clear();
     Fail(Operation::ExecQuery, WBEM_E_ACCESS_DENIED);
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(LINK, result)), "0x80041003");
-    EXPECT_THAT(Traced(), Contains(QUERY_FAILED));
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kLink, result)), "0x80041003");
+    EXPECT_THAT(Traced(), Contains(kQueryFailed));
     machine->Rules().Clear();
     Fail(Operation::Next, WBEM_E_ACCESS_DENIED);
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(LINK, result)), "0x80041003");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kLink, result)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("pEnumResult -> Next"));
 }
 
 TEST_F(DiagnosticResultsTest, Result_PackageThatCannotBeRead_IsTracedAndOtherwiseIgnored) {
     Fail(Operation::ExecQuery, WBEM_E_ACCESS_DENIED, L"", 2);
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(ALL, result)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kAll, result)), "0x00000000");
     const std::vector<std::string> trace = Traced();
-    EXPECT_THAT(trace, Contains(QUERY_FAILED));
+    EXPECT_THAT(trace, Contains(kQueryFailed));
     EXPECT_THAT(trace, Contains("GetDiagnosticsPackageResults failed"));
     EXPECT_TRUE(result.m_vecPackageResults.empty());
     EXPECT_EQ(result.m_lTestState, 3);
@@ -365,7 +365,7 @@ TEST_F(DiagnosticResultsTest, Result_PackageThatCannotBeRead_IsTracedAndOtherwis
 
     // The inner one.
     Fail(Operation::ExecQuery, WBEM_E_ACCESS_DENIED, L"", 3);
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(ALL, result)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kAll, result)), "0x00000000");
     EXPECT_THAT(Traced(), Contains("GetDiagnosticsPackageResults failed"));
     ASSERT_EQ(result.m_vecPackageResults.size(), 2u);
     EXPECT_TRUE(result.m_vecPackageResults[1].m_vecPackageResults.empty());
@@ -375,19 +375,19 @@ TEST_F(DiagnosticResultsTest, Package_MemberThatCannotBeRead_EndsItAndKeepsThose
     result.m_sUniqueID = L"any";
     result.m_wsPackageName = L"All";
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"Title", 2);
-    EXPECT_EQ(Code(quillet.GetDiagnosticsPackageResults(ALL, result)), "0x80041003");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsPackageResults(kAll, result)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("GetPropertyAsString -> pResultInstance, L_PROP_DIAGRESULT_TITLE"));
     ASSERT_EQ(result.m_vecPackageResults.size(), 1u);
     EXPECT_EQ(result.m_vecPackageResults[0].m_wsDiagnosticName, L"Registers");
     machine->Rules().Clear();
     Fail(Operation::Next, WBEM_E_ACCESS_DENIED, L"", 2);
-    EXPECT_EQ(Code(quillet.GetDiagnosticsPackageResults(ALL, result)), "0x80041003");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsPackageResults(kAll, result)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("pEnumResult -> Next"));
     EXPECT_EQ(result.m_vecPackageResults.size(), 1u);
 }
 
 TEST_F(DiagnosticResultsTest, Package_RecordWithoutPath_IsRefused) {
-    EXPECT_EQ(Code(quillet.GetDiagnosticsPackageResults(ALL, result)), "0x80004005");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsPackageResults(kAll, result)), "0x80004005");
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::GetDiagnosticsPackageResults",
                                       "(rDiagResult.m_sUniqueID.empty())",
                                       "Exiting CQuillet::GetDiagnosticsPackageResults"));
@@ -397,7 +397,7 @@ TEST_F(DiagnosticResultsTest, Package_RecordWithoutPath_IsRefused) {
 TEST_F(DiagnosticResultsTest, Package_WithinItself_IsEnteredOnce) {
     // "Cables" belongs to "All" and "All" to "Cables".
     Set(L"{1}", L"PackageName", Value::Text(L"Cables"));
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(ALL, result)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kAll, result)), "0x00000000");
     const std::vector<std::string> trace = Traced();
     EXPECT_EQ(
         std::count(trace.begin(), trace.end(), "GetDiagnosticsPackageResults -> the package contains itself"),
@@ -406,10 +406,10 @@ TEST_F(DiagnosticResultsTest, Package_WithinItself_IsEnteredOnce) {
 }
 
 TEST_F(DiagnosticResultsTest, Package_NestedVeryDeep_IsReadAsFarAsIsSensible) {
-    constexpr int DEPTH = 1200;
-    std::string mof = NET_SERVICE_MOF;
+    constexpr int kDepth = 1200;
+    std::string mof = kNetServiceMof;
     mof += R"(instance of Zorel_DiagTest { Name = "P0"; TestId = 1; };)";
-    for (int level = 0; level < DEPTH; ++level) {
+    for (int level = 0; level < kDepth; ++level) {
         const std::string name = "P" + std::to_string(level);
         const std::string package = "P" + std::to_string(level == 0 ? 0 : level - 1);
         mof += "instance of Zorel_DiagResult { Name = \"{" + name + "}\"; DiagnosticName = \"" + name +
@@ -434,11 +434,11 @@ TEST_F(DiagnosticResultsTest, EmptyIdentifierAndNoConnection_AreRefused) {
     EXPECT_THAT(Called(), IsEmpty());
     quillet.UninitQuillet();
     Traced();
-    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(ALL, result)), "0x80041001");
-    EXPECT_THAT(Traced(), Contains(MISSING));
+    EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kAll, result)), "0x80041001");
+    EXPECT_THAT(Traced(), Contains(kMissing));
     result.m_sUniqueID = L"any";
-    EXPECT_EQ(Code(quillet.GetDiagnosticsPackageResults(ALL, result)), "0x80041001");
-    EXPECT_THAT(Traced(), Contains(MISSING));
+    EXPECT_EQ(Code(quillet.GetDiagnosticsPackageResults(kAll, result)), "0x80041001");
+    EXPECT_THAT(Traced(), Contains(kMissing));
 }
 
 } // namespace

@@ -12,7 +12,7 @@ using testing::Not;
 using testing::StartsWith;
 using namespace std::chrono_literals;
 
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter as $A { DeviceID = "{A}"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{B}"; };
@@ -24,7 +24,7 @@ constexpr const char* MACHINE = R"(
     instance of Zorel_DiagResult { Name = "{2}"; DiagnosticName = "link test"; TestState = 2; };
     instance of Zorel_DiagResult { Name = "{3}"; DiagnosticName = "Link test"; TestState = 2; };)";
 
-constexpr const char* MISSING = "((pIWbemService == NULL) || (pIWbemContext == NULL))";
+constexpr const char* kMissing = "((pIWbemService == NULL) || (pIWbemContext == NULL))";
 
 std::wstring Path(const wchar_t* classAndKey, const wchar_t* value) {
     return LR"(\\TESTHOST\ROOT\MarloLUM2:)" + std::wstring(classAndKey) + L"=\"" + value + L"\"";
@@ -32,7 +32,7 @@ std::wstring Path(const wchar_t* classAndKey, const wchar_t* value) {
 
 class DiagnosticsTest : public ProviderTest {
   protected:
-    DiagnosticsTest() : ProviderTest(MACHINE) {}
+    DiagnosticsTest() : ProviderTest(kMachine) {}
     void SetUp() override { Connect(); }
 
     std::int64_t StateOf(const wchar_t* result) {
@@ -40,42 +40,42 @@ class DiagnosticsTest : public ProviderTest {
     }
 
     CDiagTests tests;
-    const std::wstring A = Path(L"Zorel_PhysicalEthernetAdapter.DeviceID", L"{A}");
-    const std::wstring B = Path(L"Zorel_PhysicalEthernetAdapter.DeviceID", L"{B}");
-    const std::wstring LINK = Path(L"Zorel_DiagTest.Name", L"Link test");
-    const std::wstring CALL = Path(L"Zorel_DiagTest.Name", L"Connection test");
+    const std::wstring kA = Path(L"Zorel_PhysicalEthernetAdapter.DeviceID", L"{A}");
+    const std::wstring kB = Path(L"Zorel_PhysicalEthernetAdapter.DeviceID", L"{B}");
+    const std::wstring kLink = Path(L"Zorel_DiagTest.Name", L"Link test");
+    const std::wstring kCall = Path(L"Zorel_DiagTest.Name", L"Connection test");
 };
 
 TEST_F(DiagnosticsTest, Enumerate_FillsTheTestsInTheProvidersOrder) {
     tests.m_vecItems.push_back(new CDiagTest);
-    EXPECT_EQ(Code(quillet.EnumerateDiagnostics(A, tests)), "0x00000000");
+    EXPECT_EQ(Code(quillet.EnumerateDiagnostics(kA, tests)), "0x00000000");
     ASSERT_EQ(tests.m_vecItems.size(), 2u);
     const CDiagTest& link = *tests.m_vecItems[0];
     EXPECT_EQ(link.m_wsName, L"Link test");
     EXPECT_EQ(link.m_lTestId, 4);
-    EXPECT_EQ(link.m_wsUniqueID, LINK);
+    EXPECT_EQ(link.m_wsUniqueID, kLink);
     EXPECT_TRUE(link.m_bGrouped);
     EXPECT_EQ(link.m_lGroupId, 2);
     const CDiagTest& call = *tests.m_vecItems[1];
-    EXPECT_EQ(call.m_wsUniqueID, CALL);
+    EXPECT_EQ(call.m_wsUniqueID, kCall);
     EXPECT_FALSE(call.m_bGrouped);
     EXPECT_EQ(call.m_lGroupId, 0);
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::EnumerateDiagnostics", "dwErrorCode: %l",
                                       "Exiting CQuillet::EnumerateDiagnostics"));
     EXPECT_THAT(Called(),
-                ElementsAre("ExecQuery ASSOCIATORS OF {" + Narrow(A) +
+                ElementsAre("ExecQuery ASSOCIATORS OF {" + Narrow(kA) +
                                 "} WHERE ResultClass = Zorel_DiagTest -> 0x00000000 {ClientSetId=0}",
                             StartsWith("Next"), StartsWith("Next"), StartsWith("Next")));
 }
 
 TEST_F(DiagnosticsTest, Enumerate_AdapterWithoutTests_IsAnEmptyListAndNoFailure) {
-    EXPECT_EQ(Code(quillet.EnumerateDiagnostics(B, tests)), "0x00000000");
+    EXPECT_EQ(Code(quillet.EnumerateDiagnostics(kB, tests)), "0x00000000");
     EXPECT_TRUE(tests.m_vecItems.empty());
 }
 
 TEST_F(DiagnosticsTest, Enumerate_UngroupedTest_IsNotAskedForItsGroup) {
     RecordLocalCalls();
-    quillet.EnumerateDiagnostics(A, tests);
+    quillet.EnumerateDiagnostics(kA, tests);
     unsigned asked = 0;
     for (const JournalEntry& call : Calls()) {
         asked += call.operation == Operation::Get && call.target == L"GroupId" ? 1u : 0u;
@@ -85,17 +85,17 @@ TEST_F(DiagnosticsTest, Enumerate_UngroupedTest_IsNotAskedForItsGroup) {
 
 TEST_F(DiagnosticsTest, Enumerate_GroupedTestWithoutGroup_FailsWithTheReadsCode) {
     Spoil(Operation::Get, Effect::Absent, L"GroupId");
-    EXPECT_EQ(Code(quillet.EnumerateDiagnostics(A, tests)), "0x80041002");
+    EXPECT_EQ(Code(quillet.EnumerateDiagnostics(kA, tests)), "0x80041002");
     EXPECT_THAT(Traced(), Contains("GetPropertyAsInt -> pIAdapterDiag_Instance, L_PROP_DIAG_GROUP_ID"));
     EXPECT_TRUE(tests.m_vecItems.empty());
 }
 
 TEST_F(DiagnosticsTest, Enumerate_TestWithoutPath_IsLeftOut) {
     Spoil(Operation::Get, Effect::NullValue, L"__PATH");
-    EXPECT_EQ(Code(quillet.EnumerateDiagnostics(A, tests)), "0x00000000");
+    EXPECT_EQ(Code(quillet.EnumerateDiagnostics(kA, tests)), "0x00000000");
     EXPECT_THAT(Traced(), Contains("Error - unidentified/empty Diag Unique Id"));
     ASSERT_EQ(tests.m_vecItems.size(), 1u);
-    EXPECT_EQ(tests.m_vecItems[0]->m_wsUniqueID, CALL);
+    EXPECT_EQ(tests.m_vecItems[0]->m_wsUniqueID, kCall);
 }
 
 TEST_F(DiagnosticsTest, Enumerate_UnreadableProperty_IsNamedAndTheTestsBeforeItStay) {
@@ -113,7 +113,7 @@ TEST_F(DiagnosticsTest, Enumerate_UnreadableProperty_IsNamedAndTheTestsBeforeItS
          }) {
         SCOPED_TRACE(each.line);
         Fail(Operation::Get, WBEM_E_ACCESS_DENIED, each.property, each.nth);
-        EXPECT_EQ(Code(quillet.EnumerateDiagnostics(A, tests)), "0x80041003");
+        EXPECT_EQ(Code(quillet.EnumerateDiagnostics(kA, tests)), "0x80041003");
         EXPECT_THAT(Traced(), Contains(each.line));
         EXPECT_EQ(tests.m_vecItems.size(), 1u);
         machine->Rules().Clear();
@@ -122,13 +122,13 @@ TEST_F(DiagnosticsTest, Enumerate_UnreadableProperty_IsNamedAndTheTestsBeforeItS
 
 TEST_F(DiagnosticsTest, Enumerate_FailedQuery_IsNamed) {
     Fail(Operation::ExecQuery, WBEM_E_ACCESS_DENIED);
-    EXPECT_EQ(Code(quillet.EnumerateDiagnostics(A, tests)), "0x80041003");
+    EXPECT_EQ(Code(quillet.EnumerateDiagnostics(kA, tests)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("ExecQuery -> ASSOC RESULTCLASS = ZOREL_DIAGTEST"));
 }
 
 TEST_F(DiagnosticsTest, Enumerate_BrokenOff_IsNotAShorterList) {
     Fail(Operation::Next, WBEM_E_TRANSPORT_FAILURE, L"", 2);
-    EXPECT_EQ(Code(quillet.EnumerateDiagnostics(A, tests)), "0x80041015");
+    EXPECT_EQ(Code(quillet.EnumerateDiagnostics(kA, tests)), "0x80041015");
     EXPECT_THAT(Traced(), Contains("pEnumDiags -> Next"));
     EXPECT_EQ(tests.m_vecItems.size(), 1u);
 }
@@ -143,46 +143,46 @@ TEST_F(DiagnosticsTest, Enumerate_EmptyIdentifier_IsRefusedBeforeTheListIsTouche
 }
 
 TEST_F(DiagnosticsTest, Run_StartsTheTestOnTheAdapter) {
-    EXPECT_EQ(Code(quillet.RunDiagnostics(LINK, A)), "0x00000000");
+    EXPECT_EQ(Code(quillet.RunDiagnostics(kLink, kA)), "0x00000000");
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::RunDiagnostics", "dwErrorCode: %l",
                                       "pInstance->Get() passed", "Exiting CQuillet::RunDiagnostics"));
     const std::vector<JournalEntry> calls = Calls();
     ASSERT_EQ(calls.size(), 2u);
     EXPECT_EQ(calls[0].target, L"Zorel_DiagTest");
     EXPECT_TRUE(calls[0].hasContext);
-    EXPECT_EQ(calls[1].target, LINK);
+    EXPECT_EQ(calls[1].target, kLink);
     EXPECT_EQ(calls[1].method, L"RunTest");
     ASSERT_EQ(calls[1].arguments.size(), 1u);
     EXPECT_EQ(calls[1].arguments[0].name, L"SystemElement");
     EXPECT_EQ(calls[1].arguments[0].vt, VT_BSTR);
-    EXPECT_EQ(calls[1].arguments[0].value, Value::Text(A));
+    EXPECT_EQ(calls[1].arguments[0].value, Value::Text(kA));
     EXPECT_EQ(StateOf(L"{1}"), 4);
     machine->Advance(2s);
     EXPECT_EQ(StateOf(L"{1}"), 2);
 }
 
 TEST_F(DiagnosticsTest, Run_RefusedByTheProvider_IsStillSuccess) {
-    EXPECT_EQ(Code(quillet.RunDiagnostics(LINK, B)), "0x00000000");
+    EXPECT_EQ(Code(quillet.RunDiagnostics(kLink, kB)), "0x00000000");
     EXPECT_EQ(StateOf(L"{1}"), 2);
 }
 
 TEST_F(DiagnosticsTest, Stop_NamesTheFirstResultOfTheTestsName) {
-    quillet.RunDiagnostics(LINK, A);
+    quillet.RunDiagnostics(kLink, kA);
     machine->Calls().Clear();
-    EXPECT_EQ(Code(quillet.StopDiagnostics(LINK, A)), "0x00000000");
+    EXPECT_EQ(Code(quillet.StopDiagnostics(kLink, kA)), "0x00000000");
     EXPECT_EQ(StateOf(L"{1}"), 5);
     const std::vector<JournalEntry> calls = Calls();
     ASSERT_EQ(calls.size(), 5u);
-    EXPECT_EQ(calls[0].target, LINK);
+    EXPECT_EQ(calls[0].target, kLink);
     EXPECT_EQ(calls[1].operation, Operation::CreateInstanceEnum);
     EXPECT_EQ(calls[1].flags, 0);
     EXPECT_EQ(calls[2].operation, Operation::Next);
     EXPECT_EQ(calls[3].target, L"Zorel_DiagTest");
-    EXPECT_EQ(calls[4].target, LINK);
+    EXPECT_EQ(calls[4].target, kLink);
     EXPECT_EQ(calls[4].method, L"DiscontinueTest");
     ASSERT_EQ(calls[4].arguments.size(), 2u);
     EXPECT_EQ(calls[4].arguments[0].name, L"SystemElement");
-    EXPECT_EQ(calls[4].arguments[0].value, Value::Text(A));
+    EXPECT_EQ(calls[4].arguments[0].value, Value::Text(kA));
     EXPECT_EQ(calls[4].arguments[1].name, L"Result");
     EXPECT_EQ(calls[4].arguments[1].vt, VT_BSTR);
     EXPECT_EQ(calls[4].arguments[1].value, Value::Text(Path(L"Zorel_DiagResult.Name", L"{1}")));
@@ -190,29 +190,29 @@ TEST_F(DiagnosticsTest, Stop_NamesTheFirstResultOfTheTestsName) {
 
 TEST_F(DiagnosticsTest, Stop_ComparesNamesWithRegardToCaseAndSkipsResultsWithoutOne) {
     Spoil(Operation::Get, Effect::NullValue, L"DiagnosticName");
-    EXPECT_EQ(Code(quillet.StopDiagnostics(LINK, A)), "0x00000000");
+    EXPECT_EQ(Code(quillet.StopDiagnostics(kLink, kA)), "0x00000000");
     EXPECT_THAT(Traced(), Contains("Error - unidentified/empty Diag name"));
     const std::vector<JournalEntry> calls = Calls();
     EXPECT_EQ(calls.back().Argument(L"Result")->value, Value::Text(Path(L"Zorel_DiagResult.Name", L"{3}")));
 }
 
 TEST_F(DiagnosticsTest, Stop_TestThatDoesNotRun_IsStillSuccess) {
-    EXPECT_EQ(Code(quillet.StopDiagnostics(LINK, A)), "0x00000000");
+    EXPECT_EQ(Code(quillet.StopDiagnostics(kLink, kA)), "0x00000000");
     EXPECT_EQ(StateOf(L"{1}"), 2);
 }
 
 TEST_F(DiagnosticsTest, Stop_NothingIsExecutedWithoutNameResultOrPath) {
     // Without a name.
     Spoil(Operation::Get, Effect::NullValue, L"Name");
-    EXPECT_EQ(Code(quillet.StopDiagnostics(LINK, A)), "0x80041001");
+    EXPECT_EQ(Code(quillet.StopDiagnostics(kLink, kA)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("Unable to get Test ID of the adapter"));
     machine->Rules().Clear();
     // Without a result of that name.
-    EXPECT_EQ(Code(quillet.StopDiagnostics(CALL, A)), "0x80041001");
+    EXPECT_EQ(Code(quillet.StopDiagnostics(kCall, kA)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("(pResultInstance == NULL)"));
     // Without the result's path.
     Spoil(Operation::Get, Effect::NullValue, L"__PATH");
-    EXPECT_EQ(Code(quillet.StopDiagnostics(LINK, A)), "0x80041001");
+    EXPECT_EQ(Code(quillet.StopDiagnostics(kLink, kA)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("GetPropertyAsString -> pResultInstance, L_ZOREL_PATH -> NULL"));
     EXPECT_THAT(Called(), Not(Contains(HasSubstr("ExecMethod"))));
 }
@@ -251,7 +251,7 @@ TEST_F(DiagnosticsTest, RunAndStop_FailedSteps_AreNamedAndReturned) {
          }) {
         SCOPED_TRACE(each.line);
         Fail(each.operation, WBEM_E_ACCESS_DENIED, each.target);
-        EXPECT_EQ(Code(each.stops ? quillet.StopDiagnostics(LINK, A) : quillet.RunDiagnostics(LINK, A)),
+        EXPECT_EQ(Code(each.stops ? quillet.StopDiagnostics(kLink, kA) : quillet.RunDiagnostics(kLink, kA)),
                   "0x80041003");
         EXPECT_THAT(Traced(), Contains(each.line));
         machine->Rules().Clear();
@@ -260,43 +260,43 @@ TEST_F(DiagnosticsTest, RunAndStop_FailedSteps_AreNamedAndReturned) {
 
 TEST_F(DiagnosticsTest, RunAndStop_NullClassObject_Fails) {
     Spoil(Operation::GetObject, Effect::NullObject, L"Zorel_DiagTest");
-    EXPECT_EQ(Code(quillet.RunDiagnostics(LINK, A)), "0x80041001");
+    EXPECT_EQ(Code(quillet.RunDiagnostics(kLink, kA)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("GetObject -> L_CLASS_ZOREL_DIAGTEST -> NULL"));
     machine->Rules().Clear();
     Spoil(Operation::GetObject, Effect::NullObject, L"", 2);
-    EXPECT_EQ(Code(quillet.StopDiagnostics(LINK, A)), "0x80041001");
+    EXPECT_EQ(Code(quillet.StopDiagnostics(kLink, kA)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("GetObject -> L_CLASS_ZOREL_DIAGTEST -> NULL"));
 }
 
 TEST_F(DiagnosticsTest, RunAndStop_EmptyIdentifiers_AreRefusedWithoutACall) {
     const char* line = "((wsDiagID.empty()) || (wsAdapterID.empty()))";
-    EXPECT_EQ(Code(quillet.RunDiagnostics(L"", A)), "0x80004005");
+    EXPECT_EQ(Code(quillet.RunDiagnostics(L"", kA)), "0x80004005");
     EXPECT_THAT(Traced(),
                 ElementsAre("Entering CQuillet::RunDiagnostics", line, "Exiting CQuillet::RunDiagnostics"));
-    EXPECT_EQ(Code(quillet.RunDiagnostics(LINK, L"")), "0x80004005");
+    EXPECT_EQ(Code(quillet.RunDiagnostics(kLink, L"")), "0x80004005");
     EXPECT_THAT(Traced(), Contains(line));
-    EXPECT_EQ(Code(quillet.StopDiagnostics(L"", A)), "0x80004005");
+    EXPECT_EQ(Code(quillet.StopDiagnostics(L"", kA)), "0x80004005");
     EXPECT_THAT(Traced(),
                 ElementsAre("Entering CQuillet::StopDiagnostics", line, "Exiting CQuillet::StopDiagnostics"));
-    EXPECT_EQ(Code(quillet.StopDiagnostics(LINK, L"")), "0x80004005");
+    EXPECT_EQ(Code(quillet.StopDiagnostics(kLink, L"")), "0x80004005");
     EXPECT_THAT(Called(), IsEmpty());
 }
 
 TEST_F(DiagnosticsTest, NotConnected_FailsWithALine) {
     quillet.UninitQuillet();
     Traced();
-    EXPECT_EQ(Code(quillet.EnumerateDiagnostics(A, tests)), "0x80041001");
-    EXPECT_THAT(Traced(), Contains(MISSING));
-    EXPECT_EQ(Code(quillet.RunDiagnostics(LINK, A)), "0x80041001");
-    EXPECT_THAT(Traced(), Contains(MISSING));
-    EXPECT_EQ(Code(quillet.StopDiagnostics(LINK, A)), "0x80041001");
-    EXPECT_THAT(Traced(), Contains(MISSING));
+    EXPECT_EQ(Code(quillet.EnumerateDiagnostics(kA, tests)), "0x80041001");
+    EXPECT_THAT(Traced(), Contains(kMissing));
+    EXPECT_EQ(Code(quillet.RunDiagnostics(kLink, kA)), "0x80041001");
+    EXPECT_THAT(Traced(), Contains(kMissing));
+    EXPECT_EQ(Code(quillet.StopDiagnostics(kLink, kA)), "0x80041001");
+    EXPECT_THAT(Traced(), Contains(kMissing));
 }
 
 TEST_F(DiagnosticsTest, EachCallFailing_ReturnsItsCode) {
-    FailEachProviderCall([&] { return quillet.EnumerateDiagnostics(A, tests); });
-    FailEachProviderCall([&] { return quillet.RunDiagnostics(LINK, A); });
-    FailEachProviderCall([&] { return quillet.StopDiagnostics(LINK, A); });
+    FailEachProviderCall([&] { return quillet.EnumerateDiagnostics(kA, tests); });
+    FailEachProviderCall([&] { return quillet.RunDiagnostics(kLink, kA); });
+    FailEachProviderCall([&] { return quillet.StopDiagnostics(kLink, kA); });
 }
 
 } // namespace

@@ -9,11 +9,11 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 
-constexpr ProviderName CLASS{L"L_CLASS_TEST", L"Test_Texts"};
-constexpr ProviderName INDEXED{L"L_PROP_INDEXED", L"Indexed"};
-constexpr ProviderName MAPPED{L"L_PROP_MAPPED", L"Mapped"};
-constexpr ProviderName UNEVEN{L"L_PROP_UNEVEN", L"Uneven"};
-constexpr ProviderName PLAIN{L"L_PROP_PLAIN", L"Plain"};
+constexpr ProviderName kClass{L"L_CLASS_TEST", L"Test_Texts"};
+constexpr ProviderName kIndexed{L"L_PROP_INDEXED", L"Indexed"};
+constexpr ProviderName kMapped{L"L_PROP_MAPPED", L"Mapped"};
+constexpr ProviderName kUneven{L"L_PROP_UNEVEN", L"Uneven"};
+constexpr ProviderName kPlain{L"L_PROP_PLAIN", L"Plain"};
 
 class QualifierTextsTest : public ProviderTest {
   protected:
@@ -31,49 +31,49 @@ class QualifierTextsTest : public ProviderTest {
     }
     std::wstring ByPosition(const ProviderName& property, LONG code) {
         std::wstring text = L"before";
-        EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValues(quillet, CLASS, property, code, text)),
+        EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValues(quillet, kClass, property, code, text)),
                   "0x00000000");
         return text;
     }
     std::wstring ByMap(const ProviderName& property, LONG code) {
         std::wstring text = L"before";
-        EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValueMap(quillet, CLASS, property, code, text)),
+        EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValueMap(quillet, kClass, property, code, text)),
                   "0x00000000");
         return text;
     }
 };
 
 TEST_F(QualifierTextsTest, Values_TheCodeIsThePosition) {
-    EXPECT_EQ(ByPosition(INDEXED, 0), L"zero");
-    EXPECT_EQ(ByPosition(INDEXED, 2), L"two");
-    EXPECT_EQ(ByPosition(MAPPED, 1), L"twenty");
+    EXPECT_EQ(ByPosition(kIndexed, 0), L"zero");
+    EXPECT_EQ(ByPosition(kIndexed, 2), L"two");
+    EXPECT_EQ(ByPosition(kMapped, 1), L"twenty");
 }
 
 TEST_F(QualifierTextsTest, Values_CodeWithoutAText_IsAnEmptyTextAndSuccess) {
-    EXPECT_EQ(ByPosition(INDEXED, 3), L"");
-    EXPECT_EQ(ByPosition(INDEXED, -1), L"");
-    EXPECT_EQ(ByPosition(PLAIN, 0), L"");
+    EXPECT_EQ(ByPosition(kIndexed, 3), L"");
+    EXPECT_EQ(ByPosition(kIndexed, -1), L"");
+    EXPECT_EQ(ByPosition(kPlain, 0), L"");
 }
 
 TEST_F(QualifierTextsTest, ValueMap_FindsThePositionOfTheCode) {
-    EXPECT_EQ(ByMap(MAPPED, 10), L"ten");
-    EXPECT_EQ(ByMap(MAPPED, 20), L"twenty");
-    EXPECT_EQ(ByMap(MAPPED, -3), L"minus three");
+    EXPECT_EQ(ByMap(kMapped, 10), L"ten");
+    EXPECT_EQ(ByMap(kMapped, 20), L"twenty");
+    EXPECT_EQ(ByMap(kMapped, -3), L"minus three");
 }
 
 TEST_F(QualifierTextsTest, ValueMap_CodeWithoutAText_IsAnEmptyTextAndSuccess) {
-    EXPECT_EQ(ByMap(MAPPED, 1), L"");
-    EXPECT_EQ(ByMap(UNEVEN, 2), L"");
-    EXPECT_EQ(ByMap(PLAIN, 0), L"");
+    EXPECT_EQ(ByMap(kMapped, 1), L"");
+    EXPECT_EQ(ByMap(kUneven, 2), L"");
+    EXPECT_EQ(ByMap(kPlain, 0), L"");
 }
 
 TEST_F(QualifierTextsTest, ValueMap_PropertyWithoutOne_TakesThePosition) {
-    EXPECT_EQ(ByMap(INDEXED, 1), L"one");
-    EXPECT_EQ(ByMap(INDEXED, 7), L"");
+    EXPECT_EQ(ByMap(kIndexed, 1), L"one");
+    EXPECT_EQ(ByMap(kIndexed, 7), L"");
 }
 
 TEST_F(QualifierTextsTest, Class_IsFetchedOnceWithAmendedQualifiersAndTheContext) {
-    EXPECT_EQ(ByMap(MAPPED, 10), L"ten");
+    EXPECT_EQ(ByMap(kMapped, 10), L"ten");
     EXPECT_THAT(Called(), ElementsAre("GetObject Test_Texts, flags 0x20000 -> 0x00000000 {ClientSetId=0}"));
 }
 
@@ -81,11 +81,11 @@ TEST_F(QualifierTextsTest, UnknownClassOrProperty_IsNamedAndEmptiesTheText) {
     const ProviderName noClass{L"L_CLASS_NONE", L"Test_None"};
     const ProviderName noProperty{L"L_PROP_NONE", L"None"};
     std::wstring text = L"before";
-    EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValues(quillet, noClass, INDEXED, 0, text)), "0x80041002");
+    EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValues(quillet, noClass, kIndexed, 0, text)), "0x80041002");
     EXPECT_EQ(text, L"");
     EXPECT_THAT(Traced(), Contains("GetObject -> L_CLASS_NONE"));
     text = L"before";
-    EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValueMap(quillet, CLASS, noProperty, 0, text)),
+    EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValueMap(quillet, kClass, noProperty, 0, text)),
               "0x80041002");
     EXPECT_EQ(text, L"");
     EXPECT_THAT(Traced(), Contains("GetPropertyQualifierSet -> L_PROP_NONE"));
@@ -96,7 +96,7 @@ TEST_F(QualifierTextsTest, QualifierThatCannotBeRead_IsItsCodeAndALine) {
         Traced();
         Fail(Operation::GetQualifier, WBEM_E_ACCESS_DENIED, qualifier);
         std::wstring text = L"before";
-        EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValueMap(quillet, CLASS, MAPPED, 10, text)),
+        EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValueMap(quillet, kClass, kMapped, 10, text)),
                   "0x80041003");
         EXPECT_EQ(text, L"");
         EXPECT_THAT(Traced(), Contains("Get -> " + Narrow(qualifier)));
@@ -104,35 +104,35 @@ TEST_F(QualifierTextsTest, QualifierThatCannotBeRead_IsItsCodeAndALine) {
     }
     Fail(Operation::GetQualifier, WBEM_E_TRANSPORT_FAILURE, L"Values");
     std::wstring text = L"before";
-    EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValues(quillet, CLASS, INDEXED, 1, text)),
+    EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValues(quillet, kClass, kIndexed, 1, text)),
               Code(WBEM_E_TRANSPORT_FAILURE));
     EXPECT_EQ(text, L"");
 }
 
 TEST_F(QualifierTextsTest, QualifierThatIsAbsentOrNoList_IsAnEmptyTextAndSuccess) {
     Spoil(Operation::GetQualifier, Effect::Absent, L"Values");
-    EXPECT_EQ(ByPosition(INDEXED, 1), L"");
+    EXPECT_EQ(ByPosition(kIndexed, 1), L"");
     machine->Rules().Clear();
     Spoil(Operation::GetQualifier, Effect::NullValue, L"Values");
-    EXPECT_EQ(ByPosition(INDEXED, 1), L"");
+    EXPECT_EQ(ByPosition(kIndexed, 1), L"");
     machine->Rules().Clear();
     Spoil(Operation::GetQualifier, Effect::UnreadableElement, L"Values");
-    EXPECT_EQ(ByPosition(INDEXED, 0), L"") << "this one is no text";
-    EXPECT_EQ(ByPosition(INDEXED, 1), L"one") << "and the others keep their places";
+    EXPECT_EQ(ByPosition(kIndexed, 0), L"") << "this one is no text";
+    EXPECT_EQ(ByPosition(kIndexed, 1), L"one") << "and the others keep their places";
 }
 
 TEST_F(QualifierTextsTest, NotConnected_Fails) {
     quillet.UninitQuillet();
     std::wstring text = L"before";
-    EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValues(quillet, CLASS, INDEXED, 0, text)), "0x80041001");
+    EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValues(quillet, kClass, kIndexed, 0, text)), "0x80041001");
     EXPECT_EQ(text, L"");
-    EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValueMap(quillet, CLASS, MAPPED, 10, text)), "0x80041001");
+    EXPECT_EQ(Code(QuilletTestAccess::GetDataFromValueMap(quillet, kClass, kMapped, 10, text)), "0x80041001");
     EXPECT_THAT(Called(), testing::IsEmpty());
 }
 
 TEST_F(QualifierTextsTest, ConnectionInGerman_TellsGermanTexts) {
-    quillet::test::RegistryScope registry;
-    registry.SetDword(REGISTRY_ORBA, L"ForcedLanguage", 1031);
+    quillet::tests::RegistryScope registry;
+    registry.SetDword(kRegistryOrba, L"ForcedLanguage", 1031);
     Connect();
     const ProviderName capabilities{L"L_PROP_ETHERNETADAPTER_CAPABILITIES", L"Capabilities"};
     std::wstring text;

@@ -7,14 +7,14 @@
 #include <algorithm>
 
 /// What all secrets of LinkSecurityOperations() contain, and nothing else does.
-inline constexpr const char* CANARY = "CANARY";
+inline constexpr const char* kCanary = "CANARY";
 
 class EveryWayTest : public ProviderTest, public testing::WithParamInterface<OperationCase> {
   protected:
     /// Calls `check` once for each way, with a function that runs the operation in it. Each run has a machine
     /// and a session of its own; the calls that stay with the client are in its journal.
     void EveryWay(const std::function<void(const std::function<HRESULT()>& run)>& check) {
-        constexpr Effect effects[] = {
+        constexpr Effect kEffects[] = {
             Effect::Fail,      Effect::NullObject,        Effect::NoOutParameters, Effect::NullValue,
             Effect::Absent,    Effect::WrongType,         Effect::ShiftedArray,    Effect::EmptyArray,
             Effect::NullArray, Effect::UnreadableElement, Effect::HugeString};
@@ -34,7 +34,7 @@ class EveryWayTest : public ProviderTest, public testing::WithParamInterface<Ope
                 std::count_if(calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(index) + 1,
                               [&](const JournalEntry& call) { return call.operation == rule.operation; }));
             rule.size = 1000;
-            for (const Effect effect : effects) {
+            for (const Effect effect : kEffects) {
                 if (effect != Effect::Fail && !quillet::simulator::Applies(effect, *rule.operation)) {
                     continue;
                 }

@@ -10,11 +10,11 @@
 
 namespace {
 
-using quillet::test::FreedBlocks;
+using quillet::tests::FreedBlocks;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr const wchar_t* SECRET = L"CANARY of a test that frees it by itself CANARY";
+constexpr const wchar_t* kSecret = L"CANARY of a test that frees it by itself CANARY";
 
 std::string Text(const std::vector<FreedBlocks::Finding>& findings) {
     std::string text;
@@ -28,12 +28,12 @@ std::string Text(const std::vector<FreedBlocks::Finding>& findings) {
 // --- the watcher itself ------------------------------------------------------------------------------------
 
 TEST(FreedBlocksTest, FindsWhatIsFreedAsItIs) {
-    const FreedBlocks freed(CANARY);
-    { const std::wstring text(SECRET); }
+    const FreedBlocks freed(kCanary);
+    { const std::wstring text(kSecret); }
     ASSERT_EQ(freed.Findings().size(), 1u);
     EXPECT_FALSE(freed.Findings()[0].isBstr);
     EXPECT_FALSE(freed.Findings()[0].bySimulator);
-    SysFreeString(SysAllocString(SECRET));
+    SysFreeString(SysAllocString(kSecret));
     ASSERT_EQ(freed.Findings().size(), 2u);
     EXPECT_TRUE(freed.Findings()[1].isBstr);
     { const std::string narrow("a CANARY that has a block of its own"); }
@@ -41,10 +41,10 @@ TEST(FreedBlocksTest, FindsWhatIsFreedAsItIs) {
 }
 
 TEST(FreedBlocksTest, FindsNeitherLiveNorOverwrittenTexts) {
-    const std::wstring live(SECRET);
-    const FreedBlocks freed(CANARY);
+    const std::wstring live(kSecret);
+    const FreedBlocks freed(kCanary);
     {
-        std::wstring overwritten(SECRET);
+        std::wstring overwritten(kSecret);
         std::fill(overwritten.begin(), overwritten.end(), L'x');
         const std::wstring other(100, L'y');
     }
@@ -62,7 +62,7 @@ class FreedSecretsTest : public ProviderTest {
 
 TEST_F(FreedSecretsTest, SimulatorsOwn_AreToldApart) {
     quillet.UninitQuillet();
-    const FreedBlocks freed(CANARY);
+    const FreedBlocks freed(kCanary);
     Use(nullptr); // with its secrets
     EXPECT_THAT(freed.Findings(), Not(IsEmpty()));
     EXPECT_THAT(Text(freed.FindingsOutsideSimulator()), IsEmpty());
@@ -74,7 +74,7 @@ TEST_F(FreedSecretsTest, TextReadAsIfItWereNoSecret_IsCaught) {
     ASSERT_EQ(Code(service->GetObject(_bstr_t(LR"(Zorel_LinkSecConfiguration.DeviceID="{A}")"), 0, nullptr,
                                       &configuration, nullptr)),
               "0x00000000");
-    const FreedBlocks freed(CANARY);
+    const FreedBlocks freed(kCanary);
     {
         _bstr_t text;
         bool isNull = false;
@@ -88,11 +88,11 @@ TEST_F(FreedSecretsTest, TextReadAsIfItWereNoSecret_IsCaught) {
 TEST_F(FreedSecretsTest, RecordThatIsUsedAgain_LeavesNothingOfWhatItHeld) {
     const std::wstring adapter = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
     CAdapterLinksecSavedCredInfo longer;
-    longer.m_sPassword = std::wstring(500, L'x') + SECRET;
-    const FreedBlocks freed(CANARY);
+    longer.m_sPassword = std::wstring(500, L'x') + kSecret;
+    const FreedBlocks freed(kCanary);
     {
         CAdapterLinksecSavedCredInfo record;
-        record.m_sPassword = SECRET;
+        record.m_sPassword = kSecret;
         record = longer; // which takes another block
         CAdapterLinksecSavedCredInfo shorter;
         shorter.m_sPassword = L"CANARY";
@@ -105,13 +105,13 @@ TEST_F(FreedSecretsTest, RecordThatIsUsedAgain_LeavesNothingOfWhatItHeld) {
 
 // --- operations --------------------------------------------------------------------------------------------
 
-class OperationsFreeNoSecrets : public EveryWayTest {};
+class OperationsFreeNoSecretsTest : public EveryWayTest {};
 
-TEST_P(OperationsFreeNoSecrets, InAnyWay) {
+TEST_P(OperationsFreeNoSecretsTest, InAnyWay) {
     std::size_t freedBlocks = 0;
     std::size_t simulators = 0;
     EveryWay([&](const std::function<HRESULT()>& run) {
-        const FreedBlocks freed(CANARY);
+        const FreedBlocks freed(kCanary);
         run();
         EXPECT_THAT(Text(freed.FindingsOutsideSimulator()), IsEmpty());
         freedBlocks += freed.Count();
@@ -125,11 +125,11 @@ TEST_P(OperationsFreeNoSecrets, InAnyWay) {
     }
 }
 
-TEST_P(OperationsFreeNoSecrets, WhenStringsCannotBeAllocated) {
+TEST_P(OperationsFreeNoSecretsTest, WhenStringsCannotBeAllocated) {
     const auto once = [this](unsigned long failing) {
         Prepare();
         const unsigned long before = quillet::platform::BstrAllocations();
-        const FreedBlocks freed(CANARY);
+        const FreedBlocks freed(kCanary);
         quillet::platform::FailBstrAllocation(failing);
         try {
             Outputs outputs;
@@ -148,7 +148,7 @@ TEST_P(OperationsFreeNoSecrets, WhenStringsCannotBeAllocated) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(LinkSecurity, OperationsFreeNoSecrets,
+INSTANTIATE_TEST_SUITE_P(LinkSecurity, OperationsFreeNoSecretsTest,
                          testing::ValuesIn(LinkSecurityOperations().operations), CaseName);
 
 } // namespace

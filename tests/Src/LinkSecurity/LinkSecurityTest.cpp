@@ -14,7 +14,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{B}"; };
@@ -41,9 +41,9 @@ std::wstring Path(const wchar_t* device) {
            L"\"";
 }
 
-const std::wstring A = Path(L"{A}");
-const std::wstring B = Path(L"{B}");
-const std::wstring BARE = Path(L"{Empty}");
+const std::wstring kA = Path(L"{A}");
+const std::wstring kB = Path(L"{B}");
+const std::wstring kBare = Path(L"{Empty}");
 
 /// One out-parameter: how it is read and what is traced after it.
 struct Read {
@@ -109,7 +109,7 @@ CAdapterManualAuthInfo Keys() {
 }
 
 const std::vector<Case>& Cases() {
-    static const std::vector<Case> cases = {
+    static const std::vector<Case> kCases = {
         {"GetManualAuth",
          [](CQuillet& q, const std::wstring& adapter) {
              CAdapterManualAuthInfo info;
@@ -315,7 +315,7 @@ const std::vector<Case>& Cases() {
          {{"String", "strSecStats", "SECSTATS", "After wsSecLog"}},
          {}},
     };
-    return cases;
+    return kCases;
 }
 
 void PrintTo(const Case& each, std::ostream* out) {
@@ -324,7 +324,7 @@ void PrintTo(const Case& each, std::ostream* out) {
 
 class LinkSecurityTest : public ProviderTest {
   protected:
-    LinkSecurityTest() : ProviderTest(MACHINE) {}
+    LinkSecurityTest() : ProviderTest(kMachine) {}
     void SetUp() override { Connect(); }
 
     /// The in-parameters of the method calls so far, in the order of their puts, with values and types.
@@ -389,9 +389,9 @@ class LinkSecurityTest : public ProviderTest {
 
 // --- every operation ---------------------------------------------------------------------------------------
 
-class EveryLinkSecurityOperation : public LinkSecurityTest, public testing::WithParamInterface<Case> {
+class EveryLinkSecurityOperationTest : public LinkSecurityTest, public testing::WithParamInterface<Case> {
   protected:
-    HRESULT Run(const std::wstring& adapter = A) { return GetParam().run(quillet, adapter); }
+    HRESULT Run(const std::wstring& adapter = kA) { return GetParam().run(quillet, adapter); }
 
     /// What a run traces that goes well until an out-parameter is read. With `failing` set the run ends at
     /// that parameter.
@@ -423,7 +423,7 @@ class EveryLinkSecurityOperation : public LinkSecurityTest, public testing::With
     }
 };
 
-TEST_P(EveryLinkSecurityOperation, TracesItsStepsAndSendsTheMethodToTheAdapter) {
+TEST_P(EveryLinkSecurityOperationTest, TracesItsStepsAndSendsTheMethodToTheAdapter) {
     const Case& each = GetParam();
     EXPECT_EQ(Code(Run()), "0x00000000");
     EXPECT_THAT(Traced(), ElementsAreArray(ExpectedTrace()));
@@ -440,13 +440,13 @@ TEST_P(EveryLinkSecurityOperation, TracesItsStepsAndSendsTheMethodToTheAdapter) 
                   "GetObject Zorel_PhysicalEthernetAdapter -> 0x00000000 {ClientSetId=0}");
     }
     EXPECT_EQ(calls.back().operation, Operation::ExecMethod);
-    EXPECT_EQ(calls.back().target, A);
+    EXPECT_EQ(calls.back().target, kA);
     EXPECT_EQ(Narrow(calls.back().method), each.method);
     EXPECT_EQ(calls.back().flags, 0);
     EXPECT_TRUE(calls.back().hasContext);
 }
 
-TEST_P(EveryLinkSecurityOperation, WithoutAnAdapter_FailsBeforeAnythingIsSent) {
+TEST_P(EveryLinkSecurityOperationTest, WithoutAnAdapter_FailsBeforeAnythingIsSent) {
     const Case& each = GetParam();
     EXPECT_EQ(Code(Run(L"")), "0x80004005");
     EXPECT_THAT(Traced(), ElementsAre(each.entry, each.noAdapter ? each.noAdapter : "(wsAdapterID.empty())",
@@ -454,7 +454,7 @@ TEST_P(EveryLinkSecurityOperation, WithoutAnAdapter_FailsBeforeAnythingIsSent) {
     EXPECT_THAT(Called(), IsEmpty());
 }
 
-TEST_P(EveryLinkSecurityOperation, WithoutAConnection_Fails) {
+TEST_P(EveryLinkSecurityOperationTest, WithoutAConnection_Fails) {
     quillet.UninitQuillet();
     Traced();
     EXPECT_EQ(Code(Run()), "0x80041001");
@@ -464,11 +464,11 @@ TEST_P(EveryLinkSecurityOperation, WithoutAConnection_Fails) {
     EXPECT_EQ(trace.back(), GetParam().exit);
 }
 
-TEST_P(EveryLinkSecurityOperation, EachProviderCallFailing_ReturnsItsCode) {
+TEST_P(EveryLinkSecurityOperationTest, EachProviderCallFailing_ReturnsItsCode) {
     FailEachProviderCall([this] { return Run(); });
 }
 
-TEST_P(EveryLinkSecurityOperation, MethodFailing_IsNamed) {
+TEST_P(EveryLinkSecurityOperationTest, MethodFailing_IsNamed) {
     Fail(Operation::ExecMethod, WBEM_E_PROVIDER_FAILURE);
     EXPECT_EQ(Code(Run()), "0x80041004");
     const std::vector<std::string> trace = Traced();
@@ -477,7 +477,7 @@ TEST_P(EveryLinkSecurityOperation, MethodFailing_IsNamed) {
               std::string("ExecMethod -> bstrObjectPath, L_METHOD_ETHERNETADAPTER_") + GetParam().symbol);
 }
 
-TEST_P(EveryLinkSecurityOperation, ClassAndSignatureFailing_AreNamed) {
+TEST_P(EveryLinkSecurityOperationTest, ClassAndSignatureFailing_AreNamed) {
     const Case& each = GetParam();
     Fail(Operation::GetObject, WBEM_E_ACCESS_DENIED);
     if (each.puts.empty()) {
@@ -503,7 +503,7 @@ TEST_P(EveryLinkSecurityOperation, ClassAndSignatureFailing_AreNamed) {
     EXPECT_TRUE(machine->Calls().Of(Operation::ExecMethod).empty());
 }
 
-TEST_P(EveryLinkSecurityOperation, EachPutFailing_IsNamedAndEndsTheOperation) {
+TEST_P(EveryLinkSecurityOperationTest, EachPutFailing_IsNamedAndEndsTheOperation) {
     const Case& each = GetParam();
     for (const Put& put : each.puts) {
         SCOPED_TRACE(put.name);
@@ -519,7 +519,7 @@ TEST_P(EveryLinkSecurityOperation, EachPutFailing_IsNamedAndEndsTheOperation) {
     }
 }
 
-TEST_P(EveryLinkSecurityOperation, EachReadFailing_IsNamedAndEndsTheOperation) {
+TEST_P(EveryLinkSecurityOperationTest, EachReadFailing_IsNamedAndEndsTheOperation) {
     for (const Read& read : GetParam().reads) {
         SCOPED_TRACE(read.name);
         Fail(Operation::Get, WBEM_E_ACCESS_DENIED,
@@ -530,7 +530,7 @@ TEST_P(EveryLinkSecurityOperation, EachReadFailing_IsNamedAndEndsTheOperation) {
     }
 }
 
-TEST_P(EveryLinkSecurityOperation, EachReadNull_IsNotedForTextsAndIsNoFailure) {
+TEST_P(EveryLinkSecurityOperationTest, EachReadNull_IsNotedForTextsAndIsNoFailure) {
     for (const Read& read : GetParam().reads) {
         SCOPED_TRACE(read.name);
         Spoil(Operation::Get, Effect::NullValue,
@@ -541,7 +541,7 @@ TEST_P(EveryLinkSecurityOperation, EachReadNull_IsNotedForTextsAndIsNoFailure) {
     }
 }
 
-TEST_P(EveryLinkSecurityOperation, OutParametersMissing_IsTheFailureOfTheFirstRead) {
+TEST_P(EveryLinkSecurityOperationTest, OutParametersMissing_IsTheFailureOfTheFirstRead) {
     const Case& each = GetParam();
     Spoil(Operation::ExecMethod, Effect::NoOutParameters);
     const HRESULT result = Run();
@@ -554,7 +554,7 @@ TEST_P(EveryLinkSecurityOperation, OutParametersMissing_IsTheFailureOfTheFirstRe
                                    " -> pAdapter_OutParams, " + Symbol(each.reads.front().symbol)));
 }
 
-TEST_P(EveryLinkSecurityOperation, ReturnValue_IsNeverRead) {
+TEST_P(EveryLinkSecurityOperationTest, ReturnValue_IsNeverRead) {
     RecordLocalCalls();
     EXPECT_EQ(Code(Run()), "0x00000000");
     std::vector<std::string> read;
@@ -568,8 +568,8 @@ TEST_P(EveryLinkSecurityOperation, ReturnValue_IsNeverRead) {
     EXPECT_THAT(read, ElementsAreArray(expected));
 }
 
-TEST_P(EveryLinkSecurityOperation, AdapterWithoutLinkSecurity_IsTheProvidersRefusal) {
-    const HRESULT result = Run(B);
+TEST_P(EveryLinkSecurityOperationTest, AdapterWithoutLinkSecurity_IsTheProvidersRefusal) {
+    const HRESULT result = Run(kB);
     EXPECT_TRUE(result == static_cast<HRESULT>(WBEM_E_NOT_SUPPORTED) ||
                 result == static_cast<HRESULT>(WBEM_E_NOT_FOUND))
         << Code(result);
@@ -579,13 +579,13 @@ std::string NameOf(const testing::TestParamInfo<Case>& each) {
     return each.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(LinkSecurity, EveryLinkSecurityOperation, testing::ValuesIn(Cases()), NameOf);
+INSTANTIATE_TEST_SUITE_P(LinkSecurity, EveryLinkSecurityOperationTest, testing::ValuesIn(Cases()), NameOf);
 
 // --- manual keys -------------------------------------------------------------------------------------------
 
 TEST_F(LinkSecurityTest, ManualAuth_ReadsAllTenMembers) {
     CAdapterManualAuthInfo info;
-    ASSERT_EQ(Code(quillet.GetAdapterLinksecManualAuthOptions(A, info)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterLinksecManualAuthOptions(kA, info)), "0x00000000");
     EXPECT_EQ(info.m_sTXSAKey, L"outgoing");
     EXPECT_EQ(info.m_nTXAssocNum1, 1);
     EXPECT_EQ(info.m_nTXAssocNum2, -2);
@@ -600,7 +600,7 @@ TEST_F(LinkSecurityTest, ManualAuth_ReadsAllTenMembers) {
 
 TEST_F(LinkSecurityTest, ManualAuth_NullTexts_LeaveNothingOfWhatTheRecordHeld) {
     CAdapterManualAuthInfo info = Keys();
-    ASSERT_EQ(Code(quillet.GetAdapterLinksecManualAuthOptions(BARE, info)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterLinksecManualAuthOptions(kBare, info)), "0x00000000");
     EXPECT_EQ(info.m_sTXSAKey + info.m_sTXSCI + info.m_sRXSAKey + info.m_sRXSCI, L"");
     EXPECT_EQ(info.m_nTXAssocNum1, 10);
     EXPECT_EQ(info.m_nRXAssocNum2, -13);
@@ -610,14 +610,14 @@ TEST_F(LinkSecurityTest, ManualAuth_NullTexts_LeaveNothingOfWhatTheRecordHeld) {
 TEST_F(LinkSecurityTest, ManualAuth_FailedRead_LeavesTheRestAsItWas) {
     CAdapterManualAuthInfo info = Keys();
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"strTXSCI");
-    ASSERT_EQ(Code(quillet.GetAdapterLinksecManualAuthOptions(A, info)), "0x80041003");
+    ASSERT_EQ(Code(quillet.GetAdapterLinksecManualAuthOptions(kA, info)), "0x80041003");
     EXPECT_EQ(info.m_sTXSAKey, L"outgoing");
     EXPECT_EQ(info.m_sTXSCI, L"new tx");
     EXPECT_EQ(info.m_sRXSAKey, L"new incoming");
 }
 
 TEST_F(LinkSecurityTest, SetManualAuth_PutsTheTenMembersAndTheReloadInOrder) {
-    ASSERT_EQ(Code(quillet.SetAdapterLinksecManualAuthOptions(A, Keys(), true)), "0x00000000");
+    ASSERT_EQ(Code(quillet.SetAdapterLinksecManualAuthOptions(kA, Keys(), true)), "0x00000000");
     EXPECT_THAT(Puts(),
                 ElementsAre("strTXSAKey=*** VT_BSTR", "nTXAssocNum1=10 VT_I4", "nTXAssocNum2=11 VT_I4",
                             "bIncludeSCIOnTX=true VT_BOOL", "strTXSCI=new tx VT_BSTR",
@@ -625,12 +625,12 @@ TEST_F(LinkSecurityTest, SetManualAuth_PutsTheTenMembersAndTheReloadInOrder) {
                             "strRXSCI=new rx VT_BSTR", "bUseEncryption=true VT_BOOL",
                             "bDriverReload=true VT_BOOL"));
     CAdapterManualAuthInfo read;
-    ASSERT_EQ(Code(quillet.GetAdapterLinksecManualAuthOptions(A, read)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterLinksecManualAuthOptions(kA, read)), "0x00000000");
     EXPECT_TRUE(read == Keys());
 }
 
 TEST_F(LinkSecurityTest, SetManualAuth_DefaultsAreSentAsTheyAre) {
-    ASSERT_EQ(Code(quillet.SetAdapterLinksecManualAuthOptions(A, CAdapterManualAuthInfo(), false)),
+    ASSERT_EQ(Code(quillet.SetAdapterLinksecManualAuthOptions(kA, CAdapterManualAuthInfo(), false)),
               "0x00000000");
     EXPECT_THAT(Puts(),
                 ElementsAre("strTXSAKey=*** VT_BSTR", "nTXAssocNum1=0 VT_I4", "nTXAssocNum2=0 VT_I4",
@@ -644,9 +644,9 @@ TEST_F(LinkSecurityTest, SetManualAuth_KeysPassUnchangedWhateverTheyHold) {
     CAdapterManualAuthInfo info;
     info.m_sTXSAKey = std::wstring(L"a\0b%s\n\x4E1C", 7);
     info.m_sRXSAKey = std::wstring(20000, L'k');
-    ASSERT_EQ(Code(quillet.SetAdapterLinksecManualAuthOptions(A, info, true)), "0x00000000");
+    ASSERT_EQ(Code(quillet.SetAdapterLinksecManualAuthOptions(kA, info, true)), "0x00000000");
     CAdapterManualAuthInfo read;
-    ASSERT_EQ(Code(quillet.GetAdapterLinksecManualAuthOptions(A, read)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterLinksecManualAuthOptions(kA, read)), "0x00000000");
     EXPECT_TRUE(read.m_sTXSAKey == info.m_sTXSAKey);
     EXPECT_TRUE(read.m_sRXSAKey == info.m_sRXSAKey);
 }
@@ -656,7 +656,7 @@ TEST_F(LinkSecurityTest, SetManualAuth_KeysPassUnchangedWhateverTheyHold) {
 TEST_F(LinkSecurityTest, Auth_ReadsAllMembersButTheOneThatIsOnlyWritten) {
     CAdapterAuthTypeInfo info;
     info.m_nTypeOfCredsChanged = 17;
-    ASSERT_EQ(Code(quillet.GetAdapterLinksecStrictPreferredOptions(A, info)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterLinksecStrictPreferredOptions(kA, info)), "0x00000000");
     EXPECT_EQ(info.m_eOuterEAP, 2);
     EXPECT_EQ(info.m_InnerEAP, 3);
     EXPECT_TRUE(info.m_bMachineCred);
@@ -673,7 +673,7 @@ TEST_F(LinkSecurityTest, Auth_ReadsAllMembersButTheOneThatIsOnlyWritten) {
 
 TEST_F(LinkSecurityTest, EapType_ReadsFourMembersAndNoCredentials) {
     CAdapterEAPInfo info;
-    ASSERT_EQ(Code(quillet.GetAdapterLinksecEapType(A, info)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterLinksecEapType(kA, info)), "0x00000000");
     EXPECT_EQ(info.m_eOuterEAP, 2);
     EXPECT_EQ(info.m_InnerEAP, 3);
     EXPECT_EQ(info.m_eKeySecType, 4);
@@ -692,12 +692,12 @@ void PrintTo(const Methods& methods, std::ostream* out) {
     *out << "outer " << methods.outer << ", inner " << methods.inner;
 }
 
-class SentAuthentication : public LinkSecurityTest, public testing::WithParamInterface<Methods> {};
+class SentAuthenticationTest : public LinkSecurityTest, public testing::WithParamInterface<Methods> {};
 
-TEST_P(SentAuthentication, DependsOnBothMethods) {
+TEST_P(SentAuthenticationTest, DependsOnBothMethods) {
     const auto [outer, inner] = GetParam();
     const HRESULT result =
-        quillet.SetAdapterLinksecStrictPreferredOptions(A, Authentication(outer, inner), true);
+        quillet.SetAdapterLinksecStrictPreferredOptions(kA, Authentication(outer, inner), true);
     const std::vector<std::string> trace = Traced();
     const auto innerNoted = std::count(trace.begin(), trace.end(), "m_InnerEAP out of range");
     if (outer < 1 || outer > 4) {
@@ -760,12 +760,12 @@ std::string NamesOf(const testing::TestParamInfo<Methods>& methods) {
     return "Outer" + NumberInName(methods.param.outer) + "Inner" + NumberInName(methods.param.inner);
 }
 
-INSTANTIATE_TEST_SUITE_P(LinkSecurity, SentAuthentication, testing::ValuesIn(AllMethods()), NamesOf);
+INSTANTIATE_TEST_SUITE_P(LinkSecurity, SentAuthenticationTest, testing::ValuesIn(AllMethods()), NamesOf);
 
 TEST_F(LinkSecurityTest, SetAuth_TracesItsValuesBetweenThePuts) {
     CAdapterAuthTypeInfo info = Authentication(2, 7);
     info.m_bRandMACAddress = false;
-    ASSERT_EQ(Code(quillet.SetAdapterLinksecStrictPreferredOptions(A, info, false)), "0x00000000");
+    ASSERT_EQ(Code(quillet.SetAdapterLinksecStrictPreferredOptions(kA, info, false)), "0x00000000");
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::SetAdapterLinksecStrictPreferredOptions",
                                       "dwErrorCode: %l", "m_InnerEAP out of range",
                                       "WindowsCreds Value is:", "m_eKeySecType = 5", "m_bRandMACAddress = 0",
@@ -775,7 +775,7 @@ TEST_F(LinkSecurityTest, SetAuth_TracesItsValuesBetweenThePuts) {
 TEST_F(LinkSecurityTest, SetAuth_EmptyUserNameOrPassword_IsNotSentAndStays) {
     CAdapterAuthTypeInfo info = Authentication(3, 1);
     info.m_sUserName.clear();
-    ASSERT_EQ(Code(quillet.SetAdapterLinksecStrictPreferredOptions(A, info, true)), "0x00000000");
+    ASSERT_EQ(Code(quillet.SetAdapterLinksecStrictPreferredOptions(kA, info, true)), "0x00000000");
     EXPECT_THAT(Names(), Not(Contains("LinksecCredUsername")));
     EXPECT_THAT(Names(), Contains("LinksecCredPassword"));
     EXPECT_EQ(Kept(L"{A}", L"LinksecCredUsername"), "user");
@@ -784,7 +784,7 @@ TEST_F(LinkSecurityTest, SetAuth_EmptyUserNameOrPassword_IsNotSentAndStays) {
 
     info = Authentication(3, 1);
     info.Clear();
-    ASSERT_EQ(Code(quillet.SetAdapterLinksecStrictPreferredOptions(A, info, true)), "0x00000000");
+    ASSERT_EQ(Code(quillet.SetAdapterLinksecStrictPreferredOptions(kA, info, true)), "0x00000000");
     EXPECT_THAT(Names(), Contains("LinksecCredUsername"));
     EXPECT_THAT(Names(), Not(Contains("LinksecCredPassword")));
     EXPECT_EQ(Kept(L"{A}", L"LinksecCredPassword"), "new password");
@@ -794,14 +794,14 @@ TEST_F(LinkSecurityTest, SetAuth_WithPac_SendsAnEmptyAuthorityToo) {
     CAdapterAuthTypeInfo info = Authentication(4, 1);
     info.m_bUseAutoPAC = false;
     info.m_sPACAuthority.clear();
-    ASSERT_EQ(Code(quillet.SetAdapterLinksecStrictPreferredOptions(A, info, true)), "0x00000000");
+    ASSERT_EQ(Code(quillet.SetAdapterLinksecStrictPreferredOptions(kA, info, true)), "0x00000000");
     EXPECT_THAT(Puts(), Contains("bAutoPAC=false VT_BOOL"));
     EXPECT_THAT(Puts(), Contains("PACPath= VT_BSTR"));
 }
 
 TEST_F(LinkSecurityTest, SetAuth_OuterMethodOutOfRange_IsFoundOnlyBehindTheClass) {
     Fail(Operation::GetObject, WBEM_E_ACCESS_DENIED);
-    EXPECT_EQ(Code(quillet.SetAdapterLinksecStrictPreferredOptions(A, Authentication(5, 1), true)),
+    EXPECT_EQ(Code(quillet.SetAdapterLinksecStrictPreferredOptions(kA, Authentication(5, 1), true)),
               "0x80041003");
     EXPECT_THAT(Traced(), Not(Contains("m_eOuterEAP out of range")));
 }
@@ -817,29 +817,31 @@ CAdapterPACInfo PacToImport(const wchar_t* path, const wchar_t* password) {
 }
 
 TEST_F(LinkSecurityTest, ImportPac_PutsFourParametersAndTheFileIsThere) {
-    ASSERT_EQ(Code(quillet.AdapterImportManualPAC(A, PacToImport(L"/media/New.pac", L"right"), true)),
+    ASSERT_EQ(Code(quillet.AdapterImportManualPAC(kA, PacToImport(L"/media/New.pac", L"right"), true)),
               "0x00000000");
     EXPECT_THAT(Puts(), ElementsAre("PACPath=/media/New.pac VT_BSTR", "PACFilePassword=*** VT_BSTR",
                                     "bPACInfoChanged=true VT_BOOL", "bReload=true VT_BOOL"));
     CAdapterPacFileInfo contents;
     contents.m_sPACFileName = L"new.pac";
-    ASSERT_EQ(Code(quillet.GetAdapterPacFileContents(A, contents)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterPacFileContents(kA, contents)), "0x00000000");
     EXPECT_EQ(contents.m_lPacType, 5);
     EXPECT_EQ(contents.m_sinfo, L"new");
 }
 
 TEST_F(LinkSecurityTest, ImportPac_WrongPasswordOrUnknownFile_IsRefusedByTheProvider) {
-    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(A, PacToImport(L"new.pac", L"wrong"), true)), "0x80041003");
-    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(A, PacToImport(L"new.pac", L"Right"), true)), "0x80041003");
-    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(A, PacToImport(L"new.pac", L""), true)), "0x80041003");
-    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(A, PacToImport(L"none.pac", L"right"), true)),
+    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(kA, PacToImport(L"new.pac", L"wrong"), true)),
+              "0x80041003");
+    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(kA, PacToImport(L"new.pac", L"Right"), true)),
+              "0x80041003");
+    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(kA, PacToImport(L"new.pac", L""), true)), "0x80041003");
+    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(kA, PacToImport(L"none.pac", L"right"), true)),
               "0x80041002");
-    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(A, PacToImport(L"", L""), true)), "0x80041002");
+    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(kA, PacToImport(L"", L""), true)), "0x80041002");
     EXPECT_FALSE(HasPac(L"{A}", L"new.pac"));
-    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(A, PacToImport(L"open.pac", L"any"), true)), "0x00000000");
+    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(kA, PacToImport(L"open.pac", L"any"), true)), "0x00000000");
     EXPECT_TRUE(HasPac(L"{A}", L"open.pac"));
     // What another port imported lies on the machine, too.
-    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(BARE, PacToImport(L"old.pac", L"old"), true)),
+    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(kBare, PacToImport(L"old.pac", L"old"), true)),
               "0x00000000");
     EXPECT_TRUE(HasPac(L"{Empty}", L"old.pac"));
 }
@@ -848,7 +850,7 @@ TEST_F(LinkSecurityTest, PacContents_ReadsTheFileThatTheRecordNames) {
     CAdapterPacFileInfo info;
     info.m_sPACFileName = L"old.pac";
     info.m_sReserved1 = L"kept";
-    ASSERT_EQ(Code(quillet.GetAdapterPacFileContents(A, info)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterPacFileContents(kA, info)), "0x00000000");
     EXPECT_THAT(Puts(), ElementsAre("strPACFile=old.pac VT_BSTR"));
     EXPECT_EQ(info.m_lPacType, 2);
     EXPECT_EQ(info.m_sinfo, L"info");
@@ -858,7 +860,7 @@ TEST_F(LinkSecurityTest, PacContents_ReadsTheFileThatTheRecordNames) {
     EXPECT_EQ(info.m_lExpiryTime, 86400);
     EXPECT_EQ(info.m_sReserved1 + info.m_sReserved2, L"kept");
     info.m_sPACFileName = L"none.pac";
-    EXPECT_EQ(Code(quillet.GetAdapterPacFileContents(A, info)), "0x80041002");
+    EXPECT_EQ(Code(quillet.GetAdapterPacFileContents(kA, info)), "0x80041002");
 }
 
 TEST_F(LinkSecurityTest, PacContents_NullType_Is0AndNullTextsAreEmpty) {
@@ -867,7 +869,7 @@ TEST_F(LinkSecurityTest, PacContents_NullType_Is0AndNullTextsAreEmpty) {
     info.m_lPacType = 77;
     info.m_sinfo = info.m_saId = info.m_saIdInfo = info.m_sIId = L"before";
     info.m_lExpiryTime = 78;
-    ASSERT_EQ(Code(quillet.GetAdapterPacFileContents(A, info)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterPacFileContents(kA, info)), "0x00000000");
     EXPECT_EQ(info.m_lPacType, 0);
     EXPECT_EQ(info.m_sinfo + info.m_saId + info.m_saIdInfo + info.m_sIId, L"");
     EXPECT_EQ(info.m_lExpiryTime, 78);
@@ -878,21 +880,21 @@ TEST_F(LinkSecurityTest, PacContents_FailedRead_LeavesTheTypeAsItWas) {
     info.m_sPACFileName = L"old.pac";
     info.m_lPacType = 77;
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"PACFileType");
-    EXPECT_EQ(Code(quillet.GetAdapterPacFileContents(A, info)), "0x80041003");
+    EXPECT_EQ(Code(quillet.GetAdapterPacFileContents(kA, info)), "0x80041003");
     EXPECT_EQ(info.m_lPacType, 77);
 }
 
 TEST_F(LinkSecurityTest, DeletePac_RemovesTheFileOfThatAdapterAlone) {
-    ASSERT_EQ(Code(quillet.DeletePacFile(A, L"old.pac")), "0x00000000");
+    ASSERT_EQ(Code(quillet.DeletePacFile(kA, L"old.pac")), "0x00000000");
     EXPECT_THAT(Puts(), ElementsAre("strPACFileDelete=old.pac VT_BSTR"));
     EXPECT_FALSE(HasPac(L"{A}", L"old.pac"));
     EXPECT_TRUE(HasPac(L"{A}", L"untyped.pac"));
-    EXPECT_EQ(Code(quillet.DeletePacFile(A, L"old.pac")), "0x80041002");
-    EXPECT_EQ(Code(quillet.DeletePacFile(A, L"new.pac")), "0x80041002") << "that one is only on the disk";
+    EXPECT_EQ(Code(quillet.DeletePacFile(kA, L"old.pac")), "0x80041002");
+    EXPECT_EQ(Code(quillet.DeletePacFile(kA, L"new.pac")), "0x80041002") << "that one is only on the disk";
 }
 
 TEST_F(LinkSecurityTest, DeletePac_EmptyName_IsTheProvidersToRefuse) {
-    EXPECT_EQ(Code(quillet.DeletePacFile(A, L"")), "0x80041002");
+    EXPECT_EQ(Code(quillet.DeletePacFile(kA, L"")), "0x80041002");
     EXPECT_THAT(Puts(), ElementsAre("strPACFileDelete= VT_BSTR"));
 }
 
@@ -903,7 +905,7 @@ TEST_F(LinkSecurityTest, SetPmk_SendsTheFirstFlagAndTheRecordsOwnOne) {
     info.m_sManualPMKKey = L"new master";
     info.m_bRandMACAddress = true;
     for (const bool unused : {false, true}) {
-        ASSERT_EQ(Code(quillet.SetAdapterManualPMKOptions(A, info, false, unused)), "0x00000000");
+        ASSERT_EQ(Code(quillet.SetAdapterManualPMKOptions(kA, info, false, unused)), "0x00000000");
         EXPECT_THAT(Puts(), ElementsAre("strManualPMKey=*** VT_BSTR", "bDriverReload=false VT_BOOL",
                                         "bRandMACAddress=true VT_BOOL"));
         EXPECT_THAT(Traced(), Contains("m_bRandMACAddress = 1"));
@@ -915,18 +917,18 @@ TEST_F(LinkSecurityTest, SetPmk_SendsTheFirstFlagAndTheRecordsOwnOne) {
 TEST_F(LinkSecurityTest, Pmk_ReadsTheFlagIntoTheArgumentAndNotIntoTheRecord) {
     CAdapterManualPMKInfo info;
     bool randomMac = false;
-    ASSERT_EQ(Code(quillet.GetAdapterManualPMKOptions(A, info, randomMac)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterManualPMKOptions(kA, info, randomMac)), "0x00000000");
     EXPECT_EQ(info.m_sManualPMKKey, L"master");
     EXPECT_TRUE(randomMac);
     EXPECT_FALSE(info.m_bRandMACAddress);
-    ASSERT_EQ(Code(quillet.GetAdapterManualPMKOptions(BARE, info, randomMac)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterManualPMKOptions(kBare, info, randomMac)), "0x00000000");
     EXPECT_EQ(info.m_sManualPMKKey, L"");
     EXPECT_TRUE(randomMac) << "a flag without a value stays as it is";
 }
 
 TEST_F(LinkSecurityTest, SavedCreds_ReadsAllFour) {
     CAdapterLinksecSavedCredInfo info;
-    ASSERT_EQ(Code(quillet.GetAdapterSavedCredOptions(A, info)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterSavedCredOptions(kA, info)), "0x00000000");
     EXPECT_TRUE(info.m_bMachineCred);
     EXPECT_EQ(info.m_sUserName, L"saved user");
     EXPECT_EQ(info.m_sPassword, L"saved password");
@@ -937,16 +939,16 @@ TEST_F(LinkSecurityTest, SavedCreds_NullPassword_LeavesItEmpty) {
     CAdapterLinksecSavedCredInfo info;
     info.m_sPassword = L"of another adapter";
     Spoil(Operation::Get, Effect::NullValue, L"strPassword");
-    ASSERT_EQ(Code(quillet.GetAdapterSavedCredOptions(A, info)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterSavedCredOptions(kA, info)), "0x00000000");
     EXPECT_EQ(info.m_sPassword, L"");
     EXPECT_EQ(info.m_sMachineDomainName, L"saved.domain");
 }
 
 TEST_F(LinkSecurityTest, Stats_ReadsTheWholeLogAndNullIsEmpty) {
     std::wstring log = L"before";
-    ASSERT_EQ(Code(quillet.GetAdapterLinksecSecurityStats(A, log)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterLinksecSecurityStats(kA, log)), "0x00000000");
     EXPECT_EQ(log, L"InPktsOK 7\nInPktsNotValid 1");
-    ASSERT_EQ(Code(quillet.GetAdapterLinksecSecurityStats(BARE, log)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterLinksecSecurityStats(kBare, log)), "0x00000000");
     EXPECT_EQ(log, L"");
     EXPECT_THAT(Traced(), Contains("GetPropertyAsString -> pAdapter_OutParams, "
                                    "L_PARAM_ETHERNETADAPTER_LINKSEC_SECSTATS -> NULL"));
@@ -962,22 +964,22 @@ TEST_F(LinkSecurityTest, Texts_OfAnotherTypeOrSize_AreTakenWithoutHarm) {
         rule.effect = Effect::WrongType;
         rule.vt = type;
         Inject(rule);
-        EXPECT_EQ(Code(quillet.GetAdapterSavedCredOptions(A, info)), "0x00000000") << type;
+        EXPECT_EQ(Code(quillet.GetAdapterSavedCredOptions(kA, info)), "0x00000000") << type;
         EXPECT_EQ(info.m_sPassword, L"") << type;
         machine->Rules().Clear();
     }
     Spoil(Operation::Get, Effect::HugeString, L"strPassword");
-    EXPECT_EQ(Code(quillet.GetAdapterSavedCredOptions(A, info)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetAdapterSavedCredOptions(kA, info)), "0x00000000");
     EXPECT_EQ(info.m_sPassword.size(), std::size_t{1} << 20);
 }
 
 // --- the machine -------------------------------------------------------------------------------------------
 
 TEST_F(LinkSecurityTest, Machine_KeepsTheCredentialsThatWereSet) {
-    ASSERT_EQ(Code(quillet.SetAdapterLinksecStrictPreferredOptions(A, Authentication(2, 1), true)),
+    ASSERT_EQ(Code(quillet.SetAdapterLinksecStrictPreferredOptions(kA, Authentication(2, 1), true)),
               "0x00000000");
     CAdapterLinksecSavedCredInfo saved;
-    ASSERT_EQ(Code(quillet.GetAdapterSavedCredOptions(A, saved)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterSavedCredOptions(kA, saved)), "0x00000000");
     EXPECT_EQ(saved.m_sUserName, L"new user");
     EXPECT_EQ(saved.m_sPassword, L"new password");
     EXPECT_EQ(saved.m_sMachineDomainName, L"saved.domain");
@@ -992,50 +994,52 @@ TEST_F(LinkSecurityTest, Machine_ChangeWithoutDriverReload_NeedsARestart) {
         return followup;
     };
     for (const bool reload : {true, false}) {
-        EXPECT_EQ(inASet([&] { return quillet.SetAdapterLinksecManualAuthOptions(A, Keys(), reload); }),
+        EXPECT_EQ(inASet([&] { return quillet.SetAdapterLinksecManualAuthOptions(kA, Keys(), reload); }),
                   !reload);
         EXPECT_EQ(inASet([&] {
-                      return quillet.SetAdapterLinksecStrictPreferredOptions(A, Authentication(1, 0), reload);
+                      return quillet.SetAdapterLinksecStrictPreferredOptions(kA, Authentication(1, 0),
+                                                                             reload);
                   }),
                   !reload);
         EXPECT_EQ(
-            inASet([&] { return quillet.AdapterImportManualPAC(A, PacToImport(L"open.pac", L""), reload); }),
+            inASet([&] { return quillet.AdapterImportManualPAC(kA, PacToImport(L"open.pac", L""), reload); }),
             !reload);
         EXPECT_EQ(inASet([&] {
-                      return quillet.SetAdapterManualPMKOptions(A, CAdapterManualPMKInfo(), reload, false);
+                      return quillet.SetAdapterManualPMKOptions(kA, CAdapterManualPMKInfo(), reload, false);
                   }),
                   !reload);
     }
-    EXPECT_FALSE(inASet([&] { return quillet.DeletePacFile(A, L"old.pac"); }));
+    EXPECT_FALSE(inASet([&] { return quillet.DeletePacFile(kA, L"old.pac"); }));
 }
 
 TEST_F(LinkSecurityTest, Machine_Strict_RefusesChangesOutsideASet) {
     MachineOptions options = Options();
     options.strict = true;
-    UseText(MACHINE, options);
+    UseText(kMachine, options);
     Connect();
-    EXPECT_EQ(Code(quillet.SetAdapterLinksecManualAuthOptions(A, Keys(), true)), "0x80041003");
-    EXPECT_EQ(Code(quillet.SetAdapterLinksecStrictPreferredOptions(A, Authentication(1, 0), true)),
+    EXPECT_EQ(Code(quillet.SetAdapterLinksecManualAuthOptions(kA, Keys(), true)), "0x80041003");
+    EXPECT_EQ(Code(quillet.SetAdapterLinksecStrictPreferredOptions(kA, Authentication(1, 0), true)),
               "0x80041003");
-    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(A, PacToImport(L"open.pac", L""), true)), "0x80041003");
-    EXPECT_EQ(Code(quillet.DeletePacFile(A, L"old.pac")), "0x80041003");
-    EXPECT_EQ(Code(quillet.SetAdapterManualPMKOptions(A, CAdapterManualPMKInfo(), true, false)),
+    EXPECT_EQ(Code(quillet.AdapterImportManualPAC(kA, PacToImport(L"open.pac", L""), true)), "0x80041003");
+    EXPECT_EQ(Code(quillet.DeletePacFile(kA, L"old.pac")), "0x80041003");
+    EXPECT_EQ(Code(quillet.SetAdapterManualPMKOptions(kA, CAdapterManualPMKInfo(), true, false)),
               "0x80041003");
     EXPECT_TRUE(HasPac(L"{A}", L"old.pac"));
     EXPECT_EQ(Kept(L"{A}", L"strTXSAKey"), "outgoing");
     ASSERT_EQ(Code(quillet.BeginApply()), "0x00000000");
-    EXPECT_EQ(Code(quillet.SetAdapterLinksecManualAuthOptions(A, Keys(), true)), "0x00000000");
+    EXPECT_EQ(Code(quillet.SetAdapterLinksecManualAuthOptions(kA, Keys(), true)), "0x00000000");
 }
 
 TEST_F(LinkSecurityTest, Machine_IsSavedWithWhatWasSet) {
-    ASSERT_EQ(Code(quillet.SetAdapterLinksecManualAuthOptions(A, Keys(), true)), "0x00000000");
-    ASSERT_EQ(Code(quillet.AdapterImportManualPAC(A, PacToImport(L"new.pac", L"right"), true)), "0x00000000");
+    ASSERT_EQ(Code(quillet.SetAdapterLinksecManualAuthOptions(kA, Keys(), true)), "0x00000000");
+    ASSERT_EQ(Code(quillet.AdapterImportManualPAC(kA, PacToImport(L"new.pac", L"right"), true)),
+              "0x00000000");
     const std::string saved = machine->Save();
     quillet.UninitQuillet();
     UseText(saved);
     Connect();
     CAdapterManualAuthInfo read;
-    ASSERT_EQ(Code(quillet.GetAdapterLinksecManualAuthOptions(A, read)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterLinksecManualAuthOptions(kA, read)), "0x00000000");
     EXPECT_TRUE(read == Keys());
     EXPECT_TRUE(HasPac(L"{A}", L"new.pac"));
 }

@@ -28,7 +28,7 @@ bool BufferIsBlank(const wchar_t* buffer, std::size_t characters) {
 
 // --- texts -------------------------------------------------------------------------------------------------
 
-TEST(SecretText, OverwriteText_ClearsTheWholeBufferAndKeepsIt) {
+TEST(SecretTextTest, OverwriteText_ClearsTheWholeBufferAndKeepsIt) {
     for (const std::size_t length :
          {std::size_t{0}, std::size_t{1}, std::size_t{3}, std::size_t{7}, std::size_t{300}}) {
         std::wstring text(length, L's');
@@ -42,7 +42,7 @@ TEST(SecretText, OverwriteText_ClearsTheWholeBufferAndKeepsIt) {
     }
 }
 
-TEST(SecretText, OverwriteText_ClearsWhatALongerTextLeftToo) {
+TEST(SecretTextTest, OverwriteText_ClearsWhatALongerTextLeftToo) {
     std::wstring text(100, L's');
     text.resize(2);
     const wchar_t* const buffer = text.data();
@@ -52,7 +52,7 @@ TEST(SecretText, OverwriteText_ClearsWhatALongerTextLeftToo) {
     EXPECT_TRUE(IsBlank(text));
 }
 
-TEST(SecretText, AssignSecret_CopiesAllCharacters) {
+TEST(SecretTextTest, AssignSecret_CopiesAllCharacters) {
     std::wstring text = L"before";
     quillet::AssignSecret(text, L"a\0b", 3);
     EXPECT_TRUE(text == std::wstring(L"a\0b", 3));
@@ -60,7 +60,7 @@ TEST(SecretText, AssignSecret_CopiesAllCharacters) {
 
 // --- VARIANTs ----------------------------------------------------------------------------------------------
 
-TEST(SecretVariantText, HoldsTheTextAsItIs) {
+TEST(SecretVariantTextTest, HoldsTheTextAsItIs) {
     const std::wstring text(L"key\0with a zero", 15);
     SecretVariant variant(text);
     ASSERT_EQ(variant.vt, VT_BSTR);
@@ -73,7 +73,7 @@ TEST(SecretVariantText, HoldsTheTextAsItIs) {
     EXPECT_EQ(read, L"");
 }
 
-TEST(SecretVariantText, OverwriteTexts_LeavesTheLengthAndNothingElse) {
+TEST(SecretVariantTextTest, OverwriteTexts_LeavesTheLengthAndNothingElse) {
     SecretVariant variant(L"secret");
     OverwriteTexts(variant);
     ASSERT_EQ(variant.vt, VT_BSTR);
@@ -81,7 +81,7 @@ TEST(SecretVariantText, OverwriteTexts_LeavesTheLengthAndNothingElse) {
     EXPECT_TRUE(BufferIsBlank(V_BSTR(&variant), 6));
 }
 
-TEST(SecretVariantText, OverwriteTexts_ReachesIntoArrays) {
+TEST(SecretVariantTextTest, OverwriteTexts_ReachesIntoArrays) {
     SAFEARRAYBOUND bounds[] = {{2, 0}, {2, 5}};
     SecretVariant texts;
     V_ARRAY(&texts) = SafeArrayCreate(VT_BSTR, 2, bounds);
@@ -117,7 +117,7 @@ TEST(SecretVariantText, OverwriteTexts_ReachesIntoArrays) {
     SafeArrayUnaccessData(V_ARRAY(&variants));
 }
 
-TEST(SecretVariantText, OverwriteTexts_LeavesAloneWhatIsNoText) {
+TEST(SecretVariantTextTest, OverwriteTexts_LeavesAloneWhatIsNoText) {
     VARIANT value;
     VariantInit(&value);
     value.vt = VT_BSTR;
@@ -143,7 +143,7 @@ TEST(SecretVariantText, OverwriteTexts_LeavesAloneWhatIsNoText) {
     VariantClear(&value);
 }
 
-TEST(SecretVariantText, ReadVariant_OfAnythingElse_IsEmpty) {
+TEST(SecretVariantTextTest, ReadVariant_OfAnythingElse_IsEmpty) {
     SecretVariant number;
     number.vt = VT_I4;
     V_I4(&number) = 5;
@@ -174,7 +174,7 @@ void Fill(CAdapterManualAuthInfo& info) {
     info.m_bUseEncryption = true;
 }
 
-TEST(LinkSecurityRecords, StartEmpty) {
+TEST(LinkSecurityRecordsTest, StartEmpty) {
     const CAdapterManualAuthInfo keys;
     EXPECT_EQ(keys.m_sTXSAKey + keys.m_sTXSCI + keys.m_sRXSAKey + keys.m_sRXSCI, L"");
     EXPECT_EQ(keys.m_nTXAssocNum1 + keys.m_nTXAssocNum2 + keys.m_nRXAssocNum1 + keys.m_nRXAssocNum2, 0);
@@ -206,7 +206,7 @@ TEST(LinkSecurityRecords, StartEmpty) {
     EXPECT_FALSE(saved.m_bMachineCred);
 }
 
-TEST(LinkSecurityRecords, ManualAuth_AreEqualWhenAllTenMembersAre) {
+TEST(LinkSecurityRecordsTest, ManualAuth_AreEqualWhenAllTenMembersAre) {
     CAdapterManualAuthInfo info;
     Fill(info);
     const CAdapterManualAuthInfo copy(info);
@@ -232,7 +232,7 @@ TEST(LinkSecurityRecords, ManualAuth_AreEqualWhenAllTenMembersAre) {
     }
 }
 
-TEST(LinkSecurityRecords, CopiesHoldEveryMember) {
+TEST(LinkSecurityRecordsTest, CopiesHoldEveryMember) {
     CAdapterAuthTypeInfo auth;
     auth.m_eOuterEAP = CAdapterAuthTypeInfo::OuterEAP(-5);
     auth.m_InnerEAP = CAdapterAuthTypeInfo::InnerEAP(6);
@@ -302,7 +302,7 @@ TEST(LinkSecurityRecords, CopiesHoldEveryMember) {
     }
 }
 
-TEST(LinkSecurityRecords, AssignedToThemselves_AreUnchanged) {
+TEST(LinkSecurityRecordsTest, AssignedToThemselves_AreUnchanged) {
     CAdapterManualAuthInfo info;
     Fill(info);
     const CAdapterManualAuthInfo before(info);
@@ -322,7 +322,7 @@ void ExpectCleared(std::wstring Record::*secret) {
     record.Clear();
 }
 
-TEST(LinkSecurityRecords, Clear_OverwritesEachSecretInPlace) {
+TEST(LinkSecurityRecordsTest, Clear_OverwritesEachSecretInPlace) {
     ExpectCleared(&CAdapterManualAuthInfo::m_sTXSAKey);
     ExpectCleared(&CAdapterManualAuthInfo::m_sRXSAKey);
     ExpectCleared(&CAdapterAuthTypeInfo::m_sPassword);
@@ -331,7 +331,7 @@ TEST(LinkSecurityRecords, Clear_OverwritesEachSecretInPlace) {
     ExpectCleared(&CAdapterLinksecSavedCredInfo::m_sPassword);
 }
 
-TEST(LinkSecurityRecords, Clear_LeavesTheOtherMembers) {
+TEST(LinkSecurityRecordsTest, Clear_LeavesTheOtherMembers) {
     CAdapterManualAuthInfo info;
     Fill(info);
     info.Clear();
@@ -342,7 +342,7 @@ TEST(LinkSecurityRecords, Clear_LeavesTheOtherMembers) {
 
 // --- operations --------------------------------------------------------------------------------------------
 
-class OperationsKeepSecrets : public EveryWayTest {
+class OperationsKeepSecretsTest : public EveryWayTest {
   protected:
     /// Everything that a journal entry says, in text.
     static std::string Everything(const JournalEntry& call) {
@@ -360,7 +360,7 @@ class OperationsKeepSecrets : public EveryWayTest {
     }
 };
 
-TEST_P(OperationsKeepSecrets, FromTraceJournalAndOutput) {
+TEST_P(OperationsKeepSecretsTest, FromTraceJournalAndOutput) {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     std::vector<std::string> told;
@@ -370,13 +370,13 @@ TEST_P(OperationsKeepSecrets, FromTraceJournalAndOutput) {
         run();
         for (const std::string& line : Traced()) {
             ++traced;
-            if (line.find(CANARY) != std::string::npos) {
+            if (line.find(kCanary) != std::string::npos) {
                 told.push_back("trace: " + line);
             }
         }
         for (const JournalEntry& call : Calls()) {
             ++called;
-            if (Everything(call).find(CANARY) != std::string::npos) {
+            if (Everything(call).find(kCanary) != std::string::npos) {
                 told.push_back("journal: " + Everything(call));
             }
         }
@@ -384,21 +384,21 @@ TEST_P(OperationsKeepSecrets, FromTraceJournalAndOutput) {
     const std::string out = testing::internal::GetCapturedStdout();
     const std::string err = testing::internal::GetCapturedStderr();
     EXPECT_THAT(told, testing::IsEmpty());
-    EXPECT_THAT(out, Not(HasSubstr(CANARY)));
-    EXPECT_THAT(err, Not(HasSubstr(CANARY)));
+    EXPECT_THAT(out, Not(HasSubstr(kCanary)));
+    EXPECT_THAT(err, Not(HasSubstr(kCanary)));
     EXPECT_GT(traced, Ways());
     EXPECT_GT(called, Ways());
 }
 
-INSTANTIATE_TEST_SUITE_P(LinkSecurity, OperationsKeepSecrets,
+INSTANTIATE_TEST_SUITE_P(LinkSecurity, OperationsKeepSecretsTest,
                          testing::ValuesIn(LinkSecurityOperations().operations), CaseName);
 
-TEST_P(OperationsKeepSecrets, ButTheProviderHasThem) {
+TEST_P(OperationsKeepSecretsTest, ButTheProviderHasThem) {
     // Without this the search would prove nothing.
     Prepare();
     Outputs outputs;
     ASSERT_TRUE(SUCCEEDED(GetParam().run(quillet, outputs)));
-    EXPECT_THAT(machine->Save(), HasSubstr(CANARY));
+    EXPECT_THAT(machine->Save(), HasSubstr(kCanary));
 }
 
 class SecretsTest : public ProviderTest {};

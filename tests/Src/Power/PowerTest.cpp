@@ -8,10 +8,10 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr DWORD NONE = 0xFFFFFFFF;
+constexpr DWORD kNone = 0xFFFFFFFF;
 
 // {A} has every option, {B} has some, {C} none.
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{B}"; };
@@ -32,7 +32,7 @@ std::wstring Path(const wchar_t* id) {
 class PowerTest : public ProviderTest {
   protected:
     void SetUp() override {
-        UseText(MACHINE);
+        UseText(kMachine);
         Connect();
     }
     /// The names and values of the in-parameters of the only method call since the last time, as put.
@@ -60,9 +60,9 @@ class PowerTest : public ProviderTest {
             .FindInstance(L"Zorel_PowerConfiguration.DeviceID=\"" + std::wstring(id) + L"\"")
             ->Number(option, -1);
     }
-    const std::wstring A = Path(L"{A}");
-    const std::wstring B = Path(L"{B}");
-    const std::wstring C = Path(L"{C}");
+    const std::wstring kA = Path(L"{A}");
+    const std::wstring kB = Path(L"{B}");
+    const std::wstring kC = Path(L"{C}");
     CAdapterPowerUsageInfo power;
     CAdapterWakeOnLanInfo wake;
 };
@@ -74,12 +74,12 @@ TEST_F(PowerTest, Records_StartWithNothingAvailable) {
           power.m_dwEnhancedASPMPowerSaver, power.m_dwACBSMode, power.m_dwLinkSpeedBatterySaver,
           power.m_dwSystemIdlePowerSaver, wake.m_dwWakeFromPowerOff, wake.m_dwWakeOnLink,
           wake.m_dwWakeOnMagicPacket, wake.m_dwWakeOnDirectedPacket, wake.m_dwWakeOnPattern}) {
-        EXPECT_EQ(option, NONE);
+        EXPECT_EQ(option, kNone);
     }
 }
 
 TEST_F(PowerTest, GetPower_FillsEveryOption) {
-    EXPECT_EQ(Code(quillet.GetAdapterPowerUsageOptions(A, power)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetAdapterPowerUsageOptions(kA, power)), "0x00000000");
     EXPECT_EQ(power.m_eSavePower, CAdapterPowerUsageInfo::SavePower2);
     EXPECT_EQ(power.m_dwAutoPowerSaveModeEnabled, 1u);
     EXPECT_EQ(power.m_dwReduceSpeedOnPowerDown, 0u);
@@ -93,7 +93,7 @@ TEST_F(PowerTest, GetPower_FillsEveryOption) {
 
 TEST_F(PowerTest, GetPower_ReadsInTheProvidersOrder) {
     RecordLocalCalls();
-    EXPECT_EQ(Code(quillet.GetAdapterPowerUsageOptions(A, power)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetAdapterPowerUsageOptions(kA, power)), "0x00000000");
     std::vector<std::string> read;
     for (const JournalEntry& call : Calls()) {
         if (call.operation == Operation::Get) {
@@ -108,12 +108,12 @@ TEST_F(PowerTest, GetPower_ReadsInTheProvidersOrder) {
 TEST_F(PowerTest, GetPower_NullParameters_AreNotAvailable) {
     power.m_eSavePower = CAdapterPowerUsageInfo::SavePower2;
     power.m_dwACBSMode = 7;
-    EXPECT_EQ(Code(quillet.GetAdapterPowerUsageOptions(C, power)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetAdapterPowerUsageOptions(kC, power)), "0x00000000");
     EXPECT_EQ(power.m_eSavePower, CAdapterPowerUsageInfo::SavePower0);
-    EXPECT_EQ(power.m_dwACBSMode, NONE);
-    EXPECT_EQ(Code(quillet.GetAdapterPowerUsageOptions(B, power)), "0x00000000");
+    EXPECT_EQ(power.m_dwACBSMode, kNone);
+    EXPECT_EQ(Code(quillet.GetAdapterPowerUsageOptions(kB, power)), "0x00000000");
     EXPECT_EQ(power.m_dwSmartPowerDown, 0u);
-    EXPECT_EQ(power.m_dwAutoPowerSaveModeEnabled, NONE);
+    EXPECT_EQ(power.m_dwAutoPowerSaveModeEnabled, kNone);
 }
 
 TEST_F(PowerTest, GetPower_FailedReads_AreNamed) {
@@ -124,20 +124,20 @@ TEST_F(PowerTest, GetPower_FailedReads_AreNamed) {
     };
     for (const auto& [property, symbol] : reads) {
         Fail(Operation::Get, WBEM_E_ACCESS_DENIED, property);
-        EXPECT_EQ(Code(quillet.GetAdapterPowerUsageOptions(A, power)), "0x80041003") << symbol;
+        EXPECT_EQ(Code(quillet.GetAdapterPowerUsageOptions(kA, power)), "0x80041003") << symbol;
         EXPECT_THAT(Traced(), Contains("GetPropertyAsLong -> pAdapter_OutParams, " + std::string(symbol)));
         machine->Rules().Clear();
     }
     Fail(Operation::ExecMethod, WBEM_E_ACCESS_DENIED);
-    EXPECT_EQ(Code(quillet.GetAdapterPowerUsageOptions(A, power)), "0x80041003");
+    EXPECT_EQ(Code(quillet.GetAdapterPowerUsageOptions(kA, power)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("ExecMethod -> wsAdapterID, L_METHOD_ETHERNETADAPTER_GETPWRUSAGE"));
     machine->Rules().Clear();
     Spoil(Operation::ExecMethod, Effect::NoOutParameters);
-    EXPECT_EQ(Code(quillet.GetAdapterPowerUsageOptions(A, power)), "0x80004005");
+    EXPECT_EQ(Code(quillet.GetAdapterPowerUsageOptions(kA, power)), "0x80004005");
 }
 
 TEST_F(PowerTest, SetPower_OfAFreshRecord_PutsOnlyTheMode) {
-    EXPECT_EQ(Code(quillet.SetAdapterPowerUsageOptions(A, power)), "0x00000000");
+    EXPECT_EQ(Code(quillet.SetAdapterPowerUsageOptions(kA, power)), "0x00000000");
     EXPECT_THAT(Parameters(L"SetPowerUsageOptions"), ElementsAre("SavePowerNowEnabled=0"));
     EXPECT_EQ(Kept(L"{A}", L"SavePowerNowEnabled"), 0);
     EXPECT_EQ(Kept(L"{A}", L"SmartPowerDown"), 1) << "left alone";
@@ -152,7 +152,7 @@ TEST_F(PowerTest, SetPower_PutsInTheProvidersOrderAndAnyNumberButZeroAsOne) {
     power.m_dwACBSMode = 1;
     power.m_dwLinkSpeedBatterySaver = 0x80000000;
     power.m_dwSystemIdlePowerSaver = 0;
-    EXPECT_EQ(Code(quillet.SetAdapterPowerUsageOptions(A, power)), "0x00000000");
+    EXPECT_EQ(Code(quillet.SetAdapterPowerUsageOptions(kA, power)), "0x00000000");
     EXPECT_THAT(Parameters(L"SetPowerUsageOptions"),
                 ElementsAre("SavePowerNowEnabled=1", "AutoPowerSaveModeEnabled=0", "ReduceSpeedOnPowerDown=1",
                             "SmartPowerDown=0", "EnhancedASPMPowerSaver=1", "ACBSMode=1",
@@ -162,7 +162,7 @@ TEST_F(PowerTest, SetPower_PutsInTheProvidersOrderAndAnyNumberButZeroAsOne) {
 
 TEST_F(PowerTest, SetPower_WhatIsNotAvailable_StaysUnset) {
     power.m_dwSmartPowerDown = 1;
-    EXPECT_EQ(Code(quillet.SetAdapterPowerUsageOptions(B, power)), "0x00000000");
+    EXPECT_EQ(Code(quillet.SetAdapterPowerUsageOptions(kB, power)), "0x00000000");
     EXPECT_THAT(Parameters(L"SetPowerUsageOptions"),
                 ElementsAre("SavePowerNowEnabled=0", "SmartPowerDown=1"));
 }
@@ -170,7 +170,7 @@ TEST_F(PowerTest, SetPower_WhatIsNotAvailable_StaysUnset) {
 TEST_F(PowerTest, SetPower_ModeOutOfRange_RunsNoMethod) {
     for (const DWORD mode : {3u, 0xFFFFFFFFu}) {
         power.m_eSavePower = static_cast<CAdapterPowerUsageInfo::SavePower>(mode);
-        EXPECT_EQ(Code(quillet.SetAdapterPowerUsageOptions(A, power)), "0x80004005");
+        EXPECT_EQ(Code(quillet.SetAdapterPowerUsageOptions(kA, power)), "0x80004005");
         EXPECT_THAT(Traced(), Contains("m_eSavePower out of range"));
     }
     EXPECT_TRUE(machine->Calls().Of(Operation::ExecMethod).empty());
@@ -192,25 +192,25 @@ TEST_F(PowerTest, SetPower_Failures_AreNamed) {
     power.m_dwEnhancedASPMPowerSaver = 1;
     for (const auto& step : steps) {
         Fail(step.operation, WBEM_E_ACCESS_DENIED, step.target);
-        EXPECT_EQ(Code(quillet.SetAdapterPowerUsageOptions(A, power)), "0x80041003") << step.line;
+        EXPECT_EQ(Code(quillet.SetAdapterPowerUsageOptions(kA, power)), "0x80041003") << step.line;
         EXPECT_THAT(Traced(), Contains(step.line));
         machine->Rules().Clear();
     }
     Spoil(Operation::GetObject, Effect::NullObject);
-    EXPECT_EQ(Code(quillet.SetAdapterPowerUsageOptions(A, power)), "0x80041001");
+    EXPECT_EQ(Code(quillet.SetAdapterPowerUsageOptions(kA, power)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("GetObject -> L_CLASS_ZOREL_ETHERNETADAPTER -> NULL"));
 }
 
 TEST_F(PowerTest, SetPower_OptionThatThePortDoesNotHave_IsRefusedAndNothingChanges) {
     power.m_eSavePower = CAdapterPowerUsageInfo::SavePower1;
     power.m_dwACBSMode = 1;
-    EXPECT_EQ(Code(quillet.SetAdapterPowerUsageOptions(B, power)), "0x8004102F");
+    EXPECT_EQ(Code(quillet.SetAdapterPowerUsageOptions(kB, power)), "0x8004102F");
     EXPECT_EQ(Kept(L"{B}", L"SavePowerNowEnabled"), 0);
 }
 
 TEST_F(PowerTest, GetWake_FillsEveryOptionInOrder) {
     RecordLocalCalls();
-    EXPECT_EQ(Code(quillet.GetAdapterWakeOnLanOptions(A, wake)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetAdapterWakeOnLanOptions(kA, wake)), "0x00000000");
     EXPECT_EQ(wake.m_dwWakeFromPowerOff, 1u);
     EXPECT_EQ(wake.m_dwWakeOnLink, 0u);
     EXPECT_EQ(wake.m_dwWakeOnMagicPacket, 1u);
@@ -229,14 +229,14 @@ TEST_F(PowerTest, GetWake_FillsEveryOptionInOrder) {
 TEST_F(PowerTest, GetWake_NullParameter_IsNotAvailable) {
     Spoil(Operation::Get, Effect::NullValue, L"WakeOnLink");
     wake.m_dwWakeOnLink = 1;
-    EXPECT_EQ(Code(quillet.GetAdapterWakeOnLanOptions(A, wake)), "0x00000000");
-    EXPECT_EQ(wake.m_dwWakeOnLink, NONE);
+    EXPECT_EQ(Code(quillet.GetAdapterWakeOnLanOptions(kA, wake)), "0x00000000");
+    EXPECT_EQ(wake.m_dwWakeOnLink, kNone);
     EXPECT_EQ(wake.m_dwWakeOnMagicPacket, 1u);
 }
 
 TEST_F(PowerTest, GetWake_Refused_IsNamed) {
     Fail(Operation::ExecMethod, WBEM_E_ACCESS_DENIED);
-    EXPECT_EQ(Code(quillet.GetAdapterWakeOnLanOptions(A, wake)), "0x80041003");
+    EXPECT_EQ(Code(quillet.GetAdapterWakeOnLanOptions(kA, wake)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("ExecMethod -> wsAdapterID, L_METHOD_ETHERNETADAPTER_GETWAKEONLANUSAGE"));
 }
 
@@ -246,14 +246,14 @@ TEST_F(PowerTest, SetWake_PutsInDeclaredOrderWithoutARangeCheck) {
     wake.m_dwWakeOnMagicPacket = 1;
     wake.m_dwWakeOnDirectedPacket = 0xFFFFFFFE;
     wake.m_dwWakeOnPattern = 0;
-    EXPECT_EQ(Code(quillet.SetAdapterWakeOnLanOptions(A, wake)), "0x00000000");
+    EXPECT_EQ(Code(quillet.SetAdapterWakeOnLanOptions(kA, wake)), "0x00000000");
     EXPECT_THAT(Parameters(L"SetWakeOnLanPowerOptions"),
                 ElementsAre("WakeFromPowerOff=1", "WakeOnLink=0", "WakeOnMagicPacket=1",
                             "WakeOnDirectedPacket=1", "WakeOnPattern=0"));
 }
 
 TEST_F(PowerTest, SetWake_OfAFreshRecord_PutsNothing) {
-    EXPECT_EQ(Code(quillet.SetAdapterWakeOnLanOptions(B, wake)), "0x00000000");
+    EXPECT_EQ(Code(quillet.SetAdapterWakeOnLanOptions(kB, wake)), "0x00000000");
     EXPECT_THAT(Parameters(L"SetWakeOnLanPowerOptions"), IsEmpty());
     EXPECT_EQ(Kept(L"{B}", L"WakeOnMagicPacket"), 0);
 }
@@ -271,20 +271,20 @@ TEST_F(PowerTest, SetWake_Failures_AreNamed) {
     };
     for (const auto& step : steps) {
         Fail(step.operation, WBEM_E_ACCESS_DENIED, step.target);
-        EXPECT_EQ(Code(quillet.SetAdapterWakeOnLanOptions(A, wake)), "0x80041003") << step.line;
+        EXPECT_EQ(Code(quillet.SetAdapterWakeOnLanOptions(kA, wake)), "0x80041003") << step.line;
         EXPECT_THAT(Traced(), Contains(step.line));
         machine->Rules().Clear();
     }
 }
 
 TEST_F(PowerTest, Reapply_PutsNothingAndNamesItsFailureAsEver) {
-    EXPECT_EQ(Code(quillet.SetAdapterPowerManagementCapabilities(A)), "0x00000000");
+    EXPECT_EQ(Code(quillet.SetAdapterPowerManagementCapabilities(kA)), "0x00000000");
     EXPECT_THAT(Parameters(L"SetPowerMgmtCapabilities"), IsEmpty());
     Fail(Operation::GetMethod, WBEM_E_ACCESS_DENIED);
-    EXPECT_EQ(Code(quillet.SetAdapterPowerManagementCapabilities(A)), "0x80041003");
+    EXPECT_EQ(Code(quillet.SetAdapterPowerManagementCapabilities(kA)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("GetMethod -> L_METHOD_ETHERNETADAPTER_SETPOWERMGMTCAP"));
     machine->Rules().Clear();
-    EXPECT_EQ(Code(quillet.SetAdapterPowerManagementCapabilities(C)), "0x8004100C");
+    EXPECT_EQ(Code(quillet.SetAdapterPowerManagementCapabilities(kC)), "0x8004100C");
     EXPECT_THAT(Traced(), Contains("ExecMethod -> wsAdapterID, L_METHOD_ETHERNETADAPTER_SETWAKEONLANUSAGE"));
 }
 
@@ -300,26 +300,26 @@ TEST_F(PowerTest, All_EmptyIdentifierOrNoConnection_Fail) {
         EXPECT_EQ(Code(operation(L"")), "0x80004005");
         EXPECT_THAT(Traced(), Contains("(wsAdapterID.empty())"));
         EXPECT_THAT(Called(), IsEmpty());
-        FailEachProviderCall([&] { return operation(A); });
+        FailEachProviderCall([&] { return operation(kA); });
     }
     quillet.UninitQuillet();
     for (const auto& operation : operations) {
-        EXPECT_EQ(Code(operation(A)), "0x80041001");
+        EXPECT_EQ(Code(operation(kA)), "0x80041001");
         EXPECT_THAT(Traced(), Contains("((pIWbemService == NULL) || (pIWbemContext == NULL))"));
     }
 }
 
 TEST_F(PowerTest, All_AVerdictThatIsNotZero_IsTracedAndNotReturned) {
     const std::pair<std::function<HRESULT()>, const char*> operations[] = {
-        {[&] { return quillet.GetAdapterPowerUsageOptions(A, power); },
+        {[&] { return quillet.GetAdapterPowerUsageOptions(kA, power); },
          "GetAdapterPowerUsageOptions -> ReturnValue 5"},
-        {[&] { return quillet.SetAdapterPowerUsageOptions(A, power); },
+        {[&] { return quillet.SetAdapterPowerUsageOptions(kA, power); },
          "SetAdapterPowerUsageOptions -> ReturnValue 5"},
-        {[&] { return quillet.GetAdapterWakeOnLanOptions(A, wake); },
+        {[&] { return quillet.GetAdapterWakeOnLanOptions(kA, wake); },
          "GetAdapterWakeOnLanOptions -> ReturnValue 5"},
-        {[&] { return quillet.SetAdapterWakeOnLanOptions(A, wake); },
+        {[&] { return quillet.SetAdapterWakeOnLanOptions(kA, wake); },
          "SetAdapterWakeOnLanOptions -> ReturnValue 5"},
-        {[&] { return quillet.SetAdapterPowerManagementCapabilities(A); },
+        {[&] { return quillet.SetAdapterPowerManagementCapabilities(kA); },
          "SetAdapterPowerManagementCapabilities -> ReturnValue 5"},
     };
     for (const auto& [operation, line] : operations) {

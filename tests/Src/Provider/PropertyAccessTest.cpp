@@ -14,7 +14,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Access = QuilletTestAccess;
 
-constexpr const wchar_t* NAME = L"Property";
+constexpr const wchar_t* kName = L"Property";
 
 class PropertyAccessTest : public testing::Test {
   protected:
@@ -27,7 +27,7 @@ class PropertyAccessTest : public testing::Test {
     }
 
   private:
-    quillet::test::TraceFile m_trace;
+    quillet::tests::TraceFile m_trace;
 };
 
 /// An instance that answers with the VARIANT of a case, made anew for each Get.
@@ -47,7 +47,7 @@ class PropertyTypesTest : public PropertyAccessTest, public testing::WithParamIn
     void TearDown() override {
         EXPECT_EQ(CallsOfUncallableObject(), 0);
         EXPECT_EQ(ReferencesOfUncallableObject(), 0u) << "the VARIANT was not cleared";
-        EXPECT_THAT(m_instance.Asked(), ElementsAre(NAME));
+        EXPECT_THAT(m_instance.Asked(), ElementsAre(kName));
         EXPECT_TRUE(m_instance.AskedRightly());
         EXPECT_EQ(m_instance.References(), 1u);
     }
@@ -57,7 +57,7 @@ class PropertyTypesTest : public PropertyAccessTest, public testing::WithParamIn
 TEST_P(PropertyTypesTest, GetPropertyAsBool) {
     bool value = true;
     bool isNull = true;
-    EXPECT_EQ(Code(Access::GetPropertyAsBool(&m_instance, NAME, value, isNull)), "0x00000000");
+    EXPECT_EQ(Code(Access::GetPropertyAsBool(&m_instance, kName, value, isNull)), "0x00000000");
     EXPECT_FALSE(isNull);
     EXPECT_EQ(value, GetParam().asBool.value_or(true));
     EXPECT_THAT(Traced(), IsEmpty());
@@ -66,7 +66,7 @@ TEST_P(PropertyTypesTest, GetPropertyAsBool) {
 TEST_P(PropertyTypesTest, GetPropertyAsInt) {
     int value = 4242;
     bool isNull = true;
-    EXPECT_EQ(Code(Access::GetPropertyAsInt(&m_instance, NAME, value, isNull)), "0x00000000");
+    EXPECT_EQ(Code(Access::GetPropertyAsInt(&m_instance, kName, value, isNull)), "0x00000000");
     EXPECT_FALSE(isNull);
     EXPECT_EQ(value, static_cast<int>(GetParam().asLong.value_or(4242)));
     EXPECT_THAT(Traced(), IsEmpty());
@@ -75,7 +75,7 @@ TEST_P(PropertyTypesTest, GetPropertyAsInt) {
 TEST_P(PropertyTypesTest, GetPropertyAsLong) {
     LONG value = 4242;
     bool isNull = true;
-    EXPECT_EQ(Code(Access::GetPropertyAsLong(&m_instance, NAME, value, isNull)), "0x00000000");
+    EXPECT_EQ(Code(Access::GetPropertyAsLong(&m_instance, kName, value, isNull)), "0x00000000");
     EXPECT_FALSE(isNull);
     EXPECT_EQ(value, GetParam().asLong.value_or(4242));
     EXPECT_THAT(Traced(), ElementsAre("pInstance->Get() passed"));
@@ -84,7 +84,7 @@ TEST_P(PropertyTypesTest, GetPropertyAsLong) {
 TEST_P(PropertyTypesTest, GetPropertyAsUINT64) {
     ULONGLONG value = 4242;
     bool isNull = true;
-    EXPECT_EQ(Code(Access::GetPropertyAsUINT64(&m_instance, NAME, value, isNull)), "0x00000000");
+    EXPECT_EQ(Code(Access::GetPropertyAsUINT64(&m_instance, kName, value, isNull)), "0x00000000");
     EXPECT_FALSE(isNull);
     EXPECT_EQ(value, GetParam().asUInt64.value_or(4242));
     EXPECT_THAT(Traced(), IsEmpty());
@@ -93,7 +93,7 @@ TEST_P(PropertyTypesTest, GetPropertyAsUINT64) {
 TEST_P(PropertyTypesTest, GetPropertyAsString) {
     _bstr_t value(L"before");
     bool isNull = true;
-    EXPECT_EQ(Code(Access::GetPropertyAsString(&m_instance, NAME, value, isNull)), "0x00000000");
+    EXPECT_EQ(Code(Access::GetPropertyAsString(&m_instance, kName, value, isNull)), "0x00000000");
     EXPECT_FALSE(isNull);
     EXPECT_EQ(std::wstring(value.length() ? value.GetBSTR() : L"", value.length()), GetParam().asText);
     EXPECT_THAT(Traced(), IsEmpty());
@@ -108,7 +108,7 @@ TEST_P(PropertyTypesTest, GetPropertyArray_OfWhatIsNoArray_Fails) {
     }();
     std::vector<LONG> numbers{1};
     int count = 4242;
-    const HRESULT result = Access::GetPropertyArray(&m_instance, NAME, numbers, &count);
+    const HRESULT result = Access::GetPropertyArray(&m_instance, kName, numbers, &count);
     if ((type & VT_ARRAY) && !(type & VT_BYREF) && std::string(GetParam().name) != "ARRAY_null") {
         EXPECT_EQ(count, 2);
     } else {
@@ -142,34 +142,34 @@ class PropertyGettersTest : public PropertyAccessTest {
             bool no = false;
             bool yes = true;
             bool isNull = isNullBefore;
-            Access::GetPropertyAsBool(instance, NAME, no, isNull);
+            Access::GetPropertyAsBool(instance, kName, no, isNull);
             Traced();
             isNull = isNullBefore;
-            const HRESULT result = Access::GetPropertyAsBool(instance, NAME, yes, isNull);
+            const HRESULT result = Access::GetPropertyAsBool(instance, kName, yes, isNull);
             outcomes.push_back({Code(result), isNull, !no && yes, Traced()});
         }
         {
             int value = 4242;
             bool isNull = isNullBefore;
-            const HRESULT result = Access::GetPropertyAsInt(instance, NAME, value, isNull);
+            const HRESULT result = Access::GetPropertyAsInt(instance, kName, value, isNull);
             outcomes.push_back({Code(result), isNull, value == 4242, Traced()});
         }
         {
             LONG value = 4242;
             bool isNull = isNullBefore;
-            const HRESULT result = Access::GetPropertyAsLong(instance, NAME, value, isNull);
+            const HRESULT result = Access::GetPropertyAsLong(instance, kName, value, isNull);
             outcomes.push_back({Code(result), isNull, value == 4242, Traced()});
         }
         {
             ULONGLONG value = 4242;
             bool isNull = isNullBefore;
-            const HRESULT result = Access::GetPropertyAsUINT64(instance, NAME, value, isNull);
+            const HRESULT result = Access::GetPropertyAsUINT64(instance, kName, value, isNull);
             outcomes.push_back({Code(result), isNull, value == 4242, Traced()});
         }
         {
             _bstr_t value(L"before");
             bool isNull = isNullBefore;
-            const HRESULT result = Access::GetPropertyAsString(instance, NAME, value, isNull);
+            const HRESULT result = Access::GetPropertyAsString(instance, kName, value, isNull);
             outcomes.push_back({Code(result), isNull, value == _bstr_t(L"before"), Traced()});
         }
         return outcomes;
@@ -256,7 +256,7 @@ TEST_F(PropertyGettersTest, Getters_OtherSuccessCodes_AreReturnedUnchanged) {
     });
     LONG value = 0;
     bool isNull = true;
-    EXPECT_EQ(Code(Access::GetPropertyAsLong(&instance, NAME, value, isNull)), "0x00000001");
+    EXPECT_EQ(Code(Access::GetPropertyAsLong(&instance, kName, value, isNull)), "0x00000001");
     EXPECT_EQ(value, 17);
     EXPECT_FALSE(isNull);
 }
@@ -269,7 +269,7 @@ TEST_F(PropertyGettersTest, GetPropertyAsUINT64_LargestNumberAsText_IsReadWhole)
     });
     ULONGLONG value = 0;
     bool isNull = true;
-    EXPECT_EQ(Code(Access::GetPropertyAsUINT64(&instance, NAME, value, isNull)), "0x00000000");
+    EXPECT_EQ(Code(Access::GetPropertyAsUINT64(&instance, kName, value, isNull)), "0x00000000");
     EXPECT_EQ(value, std::numeric_limits<ULONGLONG>::max());
 }
 
@@ -281,10 +281,10 @@ class PropertyArrayTest : public PropertyAccessTest {
     void Holds(_variant_t value) {
         m_instance.AnswerWith([value](VARIANT& target) mutable { return VariantCopy(&target, &value); });
     }
-    HRESULT Read() { return Access::GetPropertyArray(&m_instance, NAME, m_numbers, &m_count); }
+    HRESULT Read() { return Access::GetPropertyArray(&m_instance, kName, m_numbers, &m_count); }
     HRESULT ReadTexts() {
         std::vector<CComBSTR> texts;
-        const HRESULT result = Access::GetPropertyArray(&m_instance, NAME, texts, &m_count);
+        const HRESULT result = Access::GetPropertyArray(&m_instance, kName, texts, &m_count);
         for (const CComBSTR& text : texts) {
             m_texts.emplace_back(text.Length() ? text.m_str : L"", text.Length());
         }
@@ -317,7 +317,7 @@ TEST_F(PropertyArrayTest, GetPropertyArray_Texts_AreAppendedInOrderWithoutALine)
 
 TEST_F(PropertyArrayTest, GetPropertyArray_WithoutCount_IsFine) {
     Holds(NumberArray({3}));
-    EXPECT_EQ(Code(Access::GetPropertyArray(&m_instance, NAME, m_numbers, nullptr)), "0x00000000");
+    EXPECT_EQ(Code(Access::GetPropertyArray(&m_instance, kName, m_numbers, nullptr)), "0x00000000");
     EXPECT_THAT(m_numbers, ElementsAre(3));
 }
 
@@ -430,7 +430,7 @@ TEST_F(PropertyArrayTest, GetPropertyArray_TwoDimensions_HasNoReadableElement) {
 }
 
 TEST_F(PropertyArrayTest, GetPropertyArray_NoInstance_Fails) {
-    EXPECT_EQ(Code(Access::GetPropertyArray(nullptr, NAME, m_numbers, &m_count)), "0x80004005");
+    EXPECT_EQ(Code(Access::GetPropertyArray(nullptr, kName, m_numbers, &m_count)), "0x80004005");
     EXPECT_THAT(Traced(), ElementsAre("GetPropertyArray -> pIWbemClassObject == NULL"));
     EXPECT_EQ(m_count, 4242);
 }
@@ -469,7 +469,7 @@ TEST_F(PropertyArrayTest, GetPropertyArray_ArrayWithoutDimensions_FailsAtItsLowe
     });
     // Locked, so that clearing the VARIANT does not free what is this function's own.
     SafeArrayLock(&broken);
-    EXPECT_EQ(Code(Access::GetPropertyArray(&instance, NAME, m_numbers, &m_count)), "0x8002000B");
+    EXPECT_EQ(Code(Access::GetPropertyArray(&instance, kName, m_numbers, &m_count)), "0x8002000B");
     EXPECT_THAT(
         Traced(),
         ElementsAre("GetPropertyArray -> hRes = SafeArrayGetLBound(pArrayValues , 1, &lLBoundValues);"));
@@ -482,7 +482,7 @@ TEST_F(PropertyArrayTest, GetPropertyArray_ArrayWithoutDimensions_FailsAtItsLowe
 class DamagedPropertyTest : public ProviderTest {
   protected:
     DamagedPropertyTest()
-        : ProviderTest(std::string(NET_SERVICE_MOF) + R"(
+        : ProviderTest(std::string(kNetServiceMof) + R"(
             instance of Zorel_PhysicalEthernetAdapter {
                 DeviceID = "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}";
                 Name = "One";

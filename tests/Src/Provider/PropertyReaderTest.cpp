@@ -13,8 +13,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using OnNull = PropertyReader::OnNull;
 
-constexpr ProviderName FIRST{L"L_PROP_FIRST", L"First"};
-constexpr ProviderName SECOND{L"L_PROP_SECOND", L"Second"};
+constexpr ProviderName kFirst{L"L_PROP_FIRST", L"First"};
+constexpr ProviderName kSecond{L"L_PROP_SECOND", L"Second"};
 
 class PropertyReaderTest : public testing::Test {
   protected:
@@ -42,7 +42,7 @@ class PropertyReaderTest : public testing::Test {
     StubInstance instance;
 
   private:
-    quillet::test::TraceFile m_trace;
+    quillet::tests::TraceFile m_trace;
 };
 
 TEST_F(PropertyReaderTest, Reads_InOrder_FillWhatTheyAreGiven) {
@@ -53,12 +53,12 @@ TEST_F(PropertyReaderTest, Reads_InOrder_FillWhatTheyAreGiven) {
     ULONGLONG mask = 0;
     bool flag = false;
     PropertyReader read(&instance, L"pInstance");
-    read.String(FIRST, text).Int(SECOND, integer).UInt64(FIRST, mask).Bool(SECOND, flag);
+    read.String(kFirst, text).Int(kSecond, integer).UInt64(kFirst, mask).Bool(kSecond, flag);
     EXPECT_EQ(Code(read.Result()), "0x00000000");
     EXPECT_FALSE(read.Failed());
     EXPECT_TRUE(read.Found());
     EXPECT_THAT(Traced(), IsEmpty());
-    read.Long(FIRST, number);
+    read.Long(kFirst, number);
     EXPECT_THAT(Traced(), ElementsAre("pInstance->Get() passed"));
     EXPECT_EQ(text, L"12");
     EXPECT_EQ(number, 12);
@@ -80,14 +80,14 @@ TEST_F(PropertyReaderTest, Reads_AfterAFailure_AskNothingMore) {
     std::vector<CComBSTR> texts;
     _variant_t plain;
     PropertyReader read(&instance, L"pInstance");
-    read.String(FIRST, text)
-        .Long(SECOND, number)
-        .Int(SECOND, integer)
-        .UInt64(SECOND, mask)
-        .Bool(SECOND, flag)
-        .Array(SECOND, numbers)
-        .Array(SECOND, texts)
-        .Plain(SECOND, plain);
+    read.String(kFirst, text)
+        .Long(kSecond, number)
+        .Int(kSecond, integer)
+        .UInt64(kSecond, mask)
+        .Bool(kSecond, flag)
+        .Array(kSecond, numbers)
+        .Array(kSecond, texts)
+        .Plain(kSecond, plain);
     EXPECT_EQ(Code(read.Result()), "0x80041002");
     EXPECT_TRUE(read.Failed());
     EXPECT_FALSE(read.Found());
@@ -112,19 +112,19 @@ TEST_F(PropertyReaderTest, FailedReads_NameAccessorVariableAndSymbol) {
     std::vector<CComBSTR> texts;
     _variant_t plain;
     const auto fresh = [this] { return PropertyReader(&instance, L"pInstance"); };
-    fresh().String(FIRST, text);
-    fresh().Long(FIRST, number);
-    fresh().Int(FIRST, integer);
-    fresh().UInt64(FIRST, mask);
-    fresh().Bool(FIRST, flag);
-    fresh().Plain(FIRST, plain);
+    fresh().String(kFirst, text);
+    fresh().Long(kFirst, number);
+    fresh().Int(kFirst, integer);
+    fresh().UInt64(kFirst, mask);
+    fresh().Bool(kFirst, flag);
+    fresh().Plain(kFirst, plain);
     EXPECT_THAT(Traced(), ElementsAre("GetPropertyAsString -> pInstance, L_PROP_FIRST",
                                       "GetPropertyAsLong -> pInstance, L_PROP_FIRST",
                                       "GetPropertyAsInt -> pInstance, L_PROP_FIRST",
                                       "GetPropertyAsUINT64 -> pInstance, L_PROP_FIRST",
                                       "GetPropertyAsBool -> pInstance, L_PROP_FIRST", "Get -> L_PROP_FIRST"));
-    fresh().Array(FIRST, numbers);
-    fresh().Array(FIRST, texts);
+    fresh().Array(kFirst, numbers);
+    fresh().Array(kFirst, texts);
     EXPECT_THAT(Traced(),
                 ElementsAre("GetPropertyArray -> Get", "GetPropertyArray -> pInstance, L_PROP_FIRST",
                             "GetPropertyArray -> Get", "GetPropertyArray -> pInstance, L_PROP_FIRST"));
@@ -133,14 +133,14 @@ TEST_F(PropertyReaderTest, FailedReads_NameAccessorVariableAndSymbol) {
 TEST_F(PropertyReaderTest, FailedRead_WithPrefix_StartsWithIt) {
     Fails();
     LONG number = 0;
-    PropertyReader(&instance, L"pOut", L"Op() - ").Long(FIRST, number);
+    PropertyReader(&instance, L"pOut", L"Op() - ").Long(kFirst, number);
     EXPECT_THAT(Traced(), ElementsAre("Op() - GetPropertyAsLong -> pOut, L_PROP_FIRST"));
 }
 
 TEST_F(PropertyReaderTest, FailedRead_WithATextOfItsOwn_TracesThat) {
     Fails();
     LONG number = 0;
-    PropertyReader(&instance, L"pOut", L"Op() - ").Long(FIRST, number, L"100% wrong %s");
+    PropertyReader(&instance, L"pOut", L"Op() - ").Long(kFirst, number, L"100% wrong %s");
     EXPECT_THAT(Traced(), ElementsAre("100% wrong %s"));
 }
 
@@ -148,7 +148,7 @@ TEST_F(PropertyReaderTest, MissingValue_Kept_IsNoFailureAndNoLine) {
     HoldsNothing();
     std::wstring text = L"before";
     PropertyReader read(&instance, L"pInstance");
-    read.String(FIRST, text);
+    read.String(kFirst, text);
     EXPECT_EQ(Code(read.Result()), "0x00000000");
     EXPECT_FALSE(read.Found());
     EXPECT_EQ(text, L"before");
@@ -160,11 +160,11 @@ TEST_F(PropertyReaderTest, MissingValue_Noted_TracesAndGoesOn) {
     std::wstring text = L"before";
     PropertyReader read(&instance, L"pInstance");
     read.When(OnNull::Note);
-    read.String(FIRST, text);
+    read.String(kFirst, text);
     EXPECT_EQ(Code(read.Result()), "0x00000000");
     EXPECT_FALSE(read.Found());
     Holds(_variant_t(L"after"));
-    read.String(SECOND, text);
+    read.String(kSecond, text);
     EXPECT_TRUE(read.Found());
     EXPECT_EQ(text, L"after");
     EXPECT_THAT(Traced(), ElementsAre("GetPropertyAsString -> pInstance, L_PROP_FIRST -> NULL"));
@@ -176,7 +176,7 @@ TEST_F(PropertyReaderTest, MissingValue_AsAFailure_TracesAndStops) {
     bool flag = true;
     PropertyReader read(&instance, L"pInstance");
     read.When(OnNull::Fail);
-    read.Bool(FIRST, flag).String(SECOND, text);
+    read.Bool(kFirst, flag).String(kSecond, text);
     EXPECT_EQ(Code(read.Result()), "0x80041001");
     EXPECT_THAT(Traced(), ElementsAre("GetPropertyAsBool -> pInstance, L_PROP_FIRST -> NULL"));
     EXPECT_THAT(instance.Asked(), ElementsAre(L"First"));
@@ -186,7 +186,7 @@ TEST_F(PropertyReaderTest, MissingValue_AsAFailure_TracesAndStops) {
 TEST_F(PropertyReaderTest, MissingValue_WithATextOfItsOwn_TracesThatAndNull) {
     HoldsNothing();
     std::wstring text;
-    PropertyReader(&instance, L"pInstance").When(OnNull::Note).String(FIRST, text, L"own text");
+    PropertyReader(&instance, L"pInstance").When(OnNull::Note).String(kFirst, text, L"own text");
     EXPECT_THAT(Traced(), ElementsAre("own text -> NULL"));
 }
 
@@ -194,7 +194,7 @@ TEST_F(PropertyReaderTest, When_ChangesWhatAMissingValueMeans) {
     HoldsNothing();
     std::wstring text;
     PropertyReader read(&instance, L"pInstance");
-    read.String(FIRST, text).When(OnNull::Fail).String(SECOND, text);
+    read.String(kFirst, text).When(OnNull::Fail).String(kSecond, text);
     EXPECT_EQ(Code(read.Result()), "0x80041001");
     EXPECT_THAT(Traced(), ElementsAre("GetPropertyAsString -> pInstance, L_PROP_SECOND -> NULL"));
 }
@@ -203,7 +203,7 @@ TEST_F(PropertyReaderTest, After_AFailedStep_ReadsNothing) {
     Holds(_variant_t(L"12"));
     LONG number = 5;
     PropertyReader read(&instance, L"pInstance");
-    read.After(ResultCode(WBEM_E_ACCESS_DENIED).value).Long(FIRST, number);
+    read.After(ResultCode(WBEM_E_ACCESS_DENIED).value).Long(kFirst, number);
     EXPECT_EQ(Code(read.Result()), "0x80041003");
     EXPECT_THAT(instance.Asked(), IsEmpty());
     EXPECT_THAT(Traced(), IsEmpty());
@@ -213,8 +213,8 @@ TEST_F(PropertyReaderTest, After_AFailedStep_ReadsNothing) {
 TEST_F(PropertyReaderTest, NoInstance_IsAFailedRead) {
     LONG number = 5;
     _variant_t plain;
-    EXPECT_EQ(Code(PropertyReader(nullptr, L"pOut").Long(FIRST, number).Result()), "0x80004005");
-    EXPECT_EQ(Code(PropertyReader(nullptr, L"pOut").Plain(FIRST, plain).Result()), "0x80004005");
+    EXPECT_EQ(Code(PropertyReader(nullptr, L"pOut").Long(kFirst, number).Result()), "0x80004005");
+    EXPECT_EQ(Code(PropertyReader(nullptr, L"pOut").Plain(kFirst, plain).Result()), "0x80004005");
     EXPECT_THAT(Traced(), ElementsAre("GetPropertyAsLong -> pInstance == NULL",
                                       "GetPropertyAsLong -> pOut, L_PROP_FIRST", "Get -> L_PROP_FIRST"));
 }
@@ -227,7 +227,7 @@ TEST_F(PropertyReaderTest, String_NoMoreData_LeavesTheText) {
     });
     std::wstring text = L"before";
     PropertyReader read(&instance, L"pInstance");
-    read.String(FIRST, text);
+    read.String(kFirst, text);
     EXPECT_EQ(Code(read.Result()), "0x00040005");
     EXPECT_EQ(text, L"before");
 }
@@ -240,7 +240,7 @@ TEST_F(PropertyReaderTest, SuccessWithoutData_IsNotFoundAndNoNull) {
     });
     LONG number = 5;
     PropertyReader read(&instance, L"pInstance");
-    read.When(OnNull::Fail).Long(FIRST, number);
+    read.When(OnNull::Fail).Long(kFirst, number);
     EXPECT_EQ(Code(read.Result()), "0x00040005");
     EXPECT_FALSE(read.Found());
     EXPECT_FALSE(read.IsNull());
@@ -251,7 +251,7 @@ TEST_F(PropertyReaderTest, ValueOfATypeThatDoesNotConvert_IsNotFound) {
     Holds(NumberArray({3, 4}));
     LONG number = 5;
     PropertyReader read(&instance, L"pInstance");
-    EXPECT_EQ(Code(read.Long(FIRST, number).Result()), "0x00000000");
+    EXPECT_EQ(Code(read.Long(kFirst, number).Result()), "0x00000000");
     EXPECT_FALSE(read.Found());
     EXPECT_EQ(number, 5);
 }
@@ -263,14 +263,14 @@ TEST_F(PropertyReaderTest, Code_ConvertsOnlyWhatWasRead) {
     Kind other = None;
     std::wstring text = L"before";
     PropertyReader read(&instance, L"pInstance");
-    read.Code(FIRST, kind).IntCode(FIRST, other).Code(FIRST, text, [](LONG number) {
+    read.Code(kFirst, kind).IntCode(kFirst, other).Code(kFirst, text, [](LONG number) {
         return std::to_wstring(number);
     });
     EXPECT_EQ(kind, Seven);
     EXPECT_EQ(other, Seven);
     EXPECT_EQ(text, L"7");
     HoldsNothing();
-    read.Code(FIRST, kind).IntCode(FIRST, other).Code(FIRST, text, [](LONG) { return L"not asked"; });
+    read.Code(kFirst, kind).IntCode(kFirst, other).Code(kFirst, text, [](LONG) { return L"not asked"; });
     EXPECT_EQ(kind, Seven);
     EXPECT_EQ(other, Seven);
     EXPECT_EQ(text, L"7");
@@ -285,7 +285,7 @@ TEST_F(PropertyReaderTest, String_NullText_IsAnEmptyOne) {
     std::wstring text = L"before";
     PropertyReader read(&instance, L"pInstance");
     read.When(OnNull::Fail);
-    read.String(FIRST, text);
+    read.String(kFirst, text);
     EXPECT_EQ(Code(read.Result()), "0x00000000");
     EXPECT_TRUE(read.Found());
     EXPECT_EQ(text, L"");
@@ -298,7 +298,7 @@ TEST_F(PropertyReaderTest, String_EmbeddedZero_IsKept) {
         return S_OK;
     });
     std::wstring text;
-    PropertyReader(&instance, L"pInstance").String(FIRST, text);
+    PropertyReader(&instance, L"pInstance").String(kFirst, text);
     EXPECT_EQ(text, std::wstring(L"a\0b", 3));
 }
 
@@ -306,13 +306,13 @@ TEST_F(PropertyReaderTest, Array_AppendsItsElements) {
     Holds(NumberArray({3, 4}));
     std::vector<LONG> numbers{2};
     PropertyReader read(&instance, L"pInstance");
-    read.Array(FIRST, numbers);
+    read.Array(kFirst, numbers);
     EXPECT_EQ(Code(read.Result()), "0x00000000");
     EXPECT_TRUE(read.Found());
     EXPECT_THAT(numbers, ElementsAre(2, 3, 4));
     Holds(TextArray({L"a", L"b"}));
     std::vector<CComBSTR> texts;
-    read.Array(SECOND, texts);
+    read.Array(kSecond, texts);
     ASSERT_EQ(texts.size(), 2u);
     EXPECT_STREQ(texts[1].m_str, L"b");
 }
@@ -321,7 +321,7 @@ TEST_F(PropertyReaderTest, Array_Missing_IsAFailure) {
     HoldsNothing();
     std::vector<LONG> numbers;
     PropertyReader read(&instance, L"pInstance");
-    read.Array(FIRST, numbers, PropertyReader::Gaps::Skip, L"own text");
+    read.Array(kFirst, numbers, PropertyReader::Gaps::Skip, L"own text");
     EXPECT_EQ(Code(read.Result()), "0x80004005");
     EXPECT_FALSE(read.Found());
     EXPECT_THAT(
@@ -333,7 +333,7 @@ TEST_F(PropertyReaderTest, Plain_HandsOutTheValueAsItCame) {
     Holds(_variant_t(static_cast<BYTE>(7)));
     _variant_t value;
     PropertyReader read(&instance, L"pInstance");
-    read.Plain(FIRST, value);
+    read.Plain(kFirst, value);
     EXPECT_EQ(Code(read.Result()), "0x00000000");
     EXPECT_EQ(V_VT(&value), VT_UI1);
     EXPECT_EQ(V_UI1(&value), 7);

@@ -10,17 +10,17 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Access = QuilletTestAccess;
 
-constexpr const char* LONG_DISCONNECTED =
+constexpr const char* kLongDisconnected =
     "SetPropertyAsLong -> ((pIWbemService == NULL) || (pIWbemContext == NULL))";
-constexpr const char* TEXT_DISCONNECTED =
+constexpr const char* kTextDisconnected =
     "SetPropertyAsString -> ((pIWbemService == NULL) || (pIWbemContext == NULL))";
-constexpr const char* PATH =
+constexpr const char* kPath =
     R"(\\TESTHOST\ROOT\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID="{64D1BF82-B507-5E42-AED2-547CA8AAC36A}")";
 
 class PropertySettersTest : public ProviderTest {
   protected:
     PropertySettersTest()
-        : ProviderTest(std::string(NET_SERVICE_MOF) + R"(
+        : ProviderTest(std::string(kNetServiceMof) + R"(
             instance of Zorel_PhysicalEthernetAdapter {
                 DeviceID = "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}";
                 Name = "One";
@@ -49,11 +49,11 @@ class PropertySettersTest : public ProviderTest {
         return value ? *value : quillet::simulator::Value();
     }
     static std::string PutLine(const char* arguments, const char* result = "0x00000000") {
-        return std::string("PutInstance ") + PATH + "(" + arguments + "), flags 0x20010 -> " + result +
+        return std::string("PutInstance ") + kPath + "(" + arguments + "), flags 0x20010 -> " + result +
                " {ClientSetId=1}";
     }
     static std::string StatusLine(const char* result = "0x00000000", const char* note = "") {
-        return std::string("GetCallStatus ") + PATH + " -> " + result + note;
+        return std::string("GetCallStatus ") + kPath + " -> " + result + note;
     }
 
     CComPtr<IWbemClassObject> m_adapter;
@@ -163,7 +163,7 @@ TEST_F(EachSetterTest, Setters_NotConnected_FailAndSendNothing) {
         EXPECT_THAT(outcomes[index].trace,
                     ElementsAre("GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))",
                                 "GetContext -> ((0 == m_dwContext) || (m_pGIT == NULL))",
-                                index < 3 ? LONG_DISCONNECTED : TEXT_DISCONNECTED));
+                                index < 3 ? kLongDisconnected : kTextDisconnected));
     }
     EXPECT_THAT(Called(), IsEmpty());
 }
@@ -238,7 +238,7 @@ TEST_F(EachSetterTest, Setters_BlanketRefused_FailAndSendNothing) {
         SCOPED_TRACE(index);
         EXPECT_EQ(outcomes[index].code, "0x80041001");
         EXPECT_THAT(outcomes[index].trace, ElementsAre("Could not set proxy blanket.", "dwErrorCode: %l",
-                                                       index < 3 ? LONG_DISCONNECTED : TEXT_DISCONNECTED));
+                                                       index < 3 ? kLongDisconnected : kTextDisconnected));
     }
     EXPECT_THAT(Called(), IsEmpty());
 }
@@ -260,7 +260,7 @@ TEST_F(PropertySettersTest, SetPropertyAsString_ProviderRefusesTheInstance_IsIts
 
 class ChangeContextTest : public ProviderTest {
   protected:
-    ChangeContextTest() : ProviderTest(NET_SERVICE_MOF) {}
+    ChangeContextTest() : ProviderTest(kNetServiceMof) {}
     void SetUp() override {
         Connect();
         m_context = Access::GetContext(quillet);

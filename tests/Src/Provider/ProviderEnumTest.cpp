@@ -14,7 +14,7 @@ using Access = QuilletTestAccess;
 class ProviderEnumTest : public ProviderTest {
   protected:
     ProviderEnumTest()
-        : ProviderTest(std::string(NET_SERVICE_MOF) + R"(
+        : ProviderTest(std::string(kNetServiceMof) + R"(
             instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{1}"; Name = "One"; };
             instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{2}"; Name = "Two"; };
             instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{3}"; Name = "Three"; };)") {}
@@ -32,9 +32,9 @@ class ProviderEnumTest : public ProviderTest {
         EXPECT_FALSE(instance) << "the last object is released";
         return names;
     }
-    static constexpr const char* NEXT = "Next Zorel_PhysicalEthernetAdapter -> 0x00000000";
-    static constexpr const char* END = "Next Zorel_PhysicalEthernetAdapter -> 0x00000001";
-    static constexpr const char* ENUMERATION =
+    static constexpr const char* kNext = "Next Zorel_PhysicalEthernetAdapter -> 0x00000000";
+    static constexpr const char* kEnd = "Next Zorel_PhysicalEthernetAdapter -> 0x00000001";
+    static constexpr const char* kEnumeration =
         "CreateInstanceEnum Zorel_PhysicalEthernetAdapter -> 0x00000000 {ClientSetId=0}";
 };
 
@@ -44,7 +44,7 @@ TEST_F(ProviderEnumTest, Next_YieldsOneObjectAtATimeUntilTheEnd) {
     EXPECT_EQ(Code(instances.Result()), "0x00000000");
     EXPECT_THAT(Names(instances), ElementsAre(L"One", L"Two", L"Three"));
     EXPECT_TRUE(SUCCEEDED(instances.Result()));
-    EXPECT_THAT(Called(), ElementsAre(ENUMERATION, NEXT, NEXT, NEXT, END));
+    EXPECT_THAT(Called(), ElementsAre(kEnumeration, kNext, kNext, kNext, kEnd));
     EXPECT_THAT(Traced(), ElementsAre("dwErrorCode: %l"));
 }
 
@@ -102,7 +102,7 @@ TEST_F(ProviderEnumTest, ForEach_StepFails_IsItsCodeAndAsksForNoMore) {
     EXPECT_EQ(Code(session.Enumerate(L_CLASS_ZOREL_ETHERNETADAPTER, L"failed")
                        .ForEach(L"broke off", [](IWbemClassObject*) { return E_ABORT; })),
               Code(E_ABORT));
-    EXPECT_THAT(Called(), ElementsAre(ENUMERATION, NEXT));
+    EXPECT_THAT(Called(), ElementsAre(kEnumeration, kNext));
     EXPECT_THAT(Traced(), IsEmpty());
 }
 
@@ -211,7 +211,7 @@ TEST_F(ProviderEnumTest, Retrieve_SwitchesTheCallsOfThisSessionOnly) {
     EXPECT_THAT(Called(),
                 ElementsAre("CreateInstanceEnum Zorel_PhysicalEthernetAdapter -> 0x00000000 {ClientSetId=0, "
                             "GET_EXT_CLIENT_REQUEST=true, GET_EXTENSIONS=true, Zorel_PartialData=5}",
-                            ENUMERATION));
+                            kEnumeration));
 }
 
 TEST_F(ProviderEnumTest, Instance_IsFetchedByItsPathAndRead) {

@@ -11,16 +11,16 @@ using testing::IsEmpty;
 using Access = QuilletTestAccess;
 using ClassFetch = ProviderMethod::ClassFetch;
 
-constexpr ProviderName NO_SUCH_CLASS{L"L_CLASS_NONE", L"Zorel_NoSuchClass"};
-constexpr ProviderName NO_SUCH_METHOD{L"L_METHOD_NONE", L"NoSuchMethod"};
-constexpr ProviderName NO_SUCH_PARAMETER{L"L_PARAM_NONE", L"NoSuchParameter"};
+constexpr ProviderName kNoSuchClass{L"L_CLASS_NONE", L"Zorel_NoSuchClass"};
+constexpr ProviderName kNoSuchMethod{L"L_METHOD_NONE", L"NoSuchMethod"};
+constexpr ProviderName kNoSuchParameter{L"L_PARAM_NONE", L"NoSuchParameter"};
 
-constexpr const char* CLASS = "GetObject Zorel_NetService -> 0x00000000";
-constexpr const char* CLASS_WITH_CONTEXT = "GetObject Zorel_NetService -> 0x00000000 {ClientSetId=0}";
+constexpr const char* kClass = "GetObject Zorel_NetService -> 0x00000000";
+constexpr const char* kClassWithContext = "GetObject Zorel_NetService -> 0x00000000 {ClientSetId=0}";
 
 class ProviderMethodTest : public ProviderTest {
   protected:
-    ProviderMethodTest() : ProviderTest(NET_SERVICE_MOF) {}
+    ProviderMethodTest() : ProviderTest(kNetServiceMof) {}
     void SetUp() override { Connect(); }
     /// The usual call: a method of the network service with one parameter.
     HRESULT Apply() {
@@ -32,7 +32,7 @@ class ProviderMethodTest : public ProviderTest {
     }
     static std::string ExecLine(const char* method, const char* result = "0x00000000",
                                 const char* note = "") {
-        return std::string("ExecMethod ") + NET_SERVICE + ", " + method + " -> " + result + note +
+        return std::string("ExecMethod ") + kNetService + ", " + method + " -> " + result + note +
                " {ClientSetId=0}";
     }
 };
@@ -51,7 +51,7 @@ TEST_F(ProviderMethodTest, Call_WithoutParameters_PassesNone) {
               "0x00000000");
     EXPECT_NE(handle, 0);
     EXPECT_EQ(returned, 0);
-    EXPECT_THAT(Called(), ElementsAre(CLASS, ExecLine("BeginApply()")));
+    EXPECT_THAT(Called(), ElementsAre(kClass, ExecLine("BeginApply()")));
 }
 
 TEST_F(ProviderMethodTest, Call_StepsAndLocalCalls_AreInOrder) {
@@ -60,7 +60,7 @@ TEST_F(ProviderMethodTest, Call_StepsAndLocalCalls_AreInOrder) {
     EXPECT_THAT(
         Called(),
         ElementsAre("SetBlanket IWbemServices(AuthenticationLevel=3, ImpersonationLevel=3) -> 0x00000000",
-                    "SetContextValue ClientSetId(ClientSetId=0) -> 0x00000000", CLASS,
+                    "SetContextValue ClientSetId(ClientSetId=0) -> 0x00000000", kClass,
                     "GetMethod Zorel_NetService, Apply -> 0x00000000",
                     "SpawnInstance __PARAMETERS -> 0x00000000",
                     "Put ClientSetHandle(ClientSetHandle=7) -> 0x00000000", "Get __PATH -> 0x00000000",
@@ -72,21 +72,21 @@ TEST_F(ProviderMethodTest, Call_ClassFetchWithContext_PassesIt) {
     ProviderMethod method(session, L_CLASS_ZOREL_CORESERVICE, L_METHOD_NET_APPLY_BEGIN);
     method.ExecOnNetService();
     EXPECT_EQ(Code(method.Result()), "0x00000000");
-    EXPECT_THAT(Called(), ElementsAre(CLASS_WITH_CONTEXT, ExecLine("BeginApply()")));
+    EXPECT_THAT(Called(), ElementsAre(kClassWithContext, ExecLine("BeginApply()")));
 }
 
 TEST_F(ProviderMethodTest, Put_SeveralParameters_ArriveInTheirOrderWithTheirTypes) {
-    constexpr ProviderName service{L"L_CLASS_VLANSERVICE", L"Zorel_802dot1QVLANService"};
-    constexpr ProviderName create{L"L_METHOD_CREATEVLAN", L"CreateVLAN"};
-    constexpr ProviderName number{L"L_PARAM_VLANNUMBER", L"VLANNumber"};
-    constexpr ProviderName name{L"L_PARAM_NAME", L"Name"};
+    constexpr ProviderName kService{L"L_CLASS_VLANSERVICE", L"Zorel_802dot1QVLANService"};
+    constexpr ProviderName kCreate{L"L_METHOD_CREATEVLAN", L"CreateVLAN"};
+    constexpr ProviderName kNumber{L"L_PARAM_VLANNUMBER", L"VLANNumber"};
+    constexpr ProviderName kName{L"L_PARAM_NAME", L"Name"};
     for (const bool nameFirst : {false, true}) {
         const ProviderSession session(quillet);
-        ProviderMethod method(session, service, create);
+        ProviderMethod method(session, kService, kCreate);
         if (nameFirst) {
-            method.Put(name, VariantOfText(L"Guests")).Put(number, VariantOfLong(12));
+            method.Put(kName, VariantOfText(L"Guests")).Put(kNumber, VariantOfLong(12));
         } else {
-            method.Put(number, VariantOfLong(12)).Put(name, VariantOfText(L"Guests"));
+            method.Put(kNumber, VariantOfLong(12)).Put(kName, VariantOfText(L"Guests"));
         }
         EXPECT_EQ(Code(method.Result()), "0x00000000");
         // There is no such service; the call counts, not its answer.
@@ -129,7 +129,7 @@ TEST_F(ProviderMethodTest, Call_ClassCannotBeFetched_NamesItAndStops) {
 
 TEST_F(ProviderMethodTest, Call_UnknownClass_IsTheProvidersCode) {
     const ProviderSession session(quillet);
-    ProviderMethod method(session, NO_SUCH_CLASS, L_METHOD_NET_APPLY_BEGIN);
+    ProviderMethod method(session, kNoSuchClass, L_METHOD_NET_APPLY_BEGIN);
     EXPECT_EQ(Code(method.ExecOnNetService().Result()), "0x80041002");
     EXPECT_THAT(Traced(), ElementsAre("dwErrorCode: %l", "GetObject -> L_CLASS_NONE"));
 }
@@ -138,7 +138,7 @@ TEST_F(ProviderMethodTest, Call_ClassIsNull_NamesItAndStops) {
     Spoil(Operation::GetObject, Effect::NullObject);
     EXPECT_EQ(Code(Apply()), "0x80041001");
     EXPECT_THAT(Traced(), ElementsAre("dwErrorCode: %l", "GetObject -> L_CLASS_ZOREL_CORESERVICE -> NULL"));
-    EXPECT_THAT(Called(), ElementsAre(CLASS));
+    EXPECT_THAT(Called(), ElementsAre(kClass));
 }
 
 TEST_F(ProviderMethodTest, Call_ClassFailsLate_IsANullClass) {
@@ -154,25 +154,25 @@ TEST_F(ProviderMethodTest, Call_ClassFailsLate_IsANullClass) {
 
 TEST_F(ProviderMethodTest, Call_MethodUnknown_NamesItAndStops) {
     const ProviderSession session(quillet);
-    ProviderMethod method(session, L_CLASS_ZOREL_CORESERVICE, NO_SUCH_METHOD);
+    ProviderMethod method(session, L_CLASS_ZOREL_CORESERVICE, kNoSuchMethod);
     EXPECT_EQ(Code(method.Put(L_PARAM_NET_CLIENTSETHANDLE, VariantOfLong(7)).ExecOnNetService().Result()),
               "0x80041002");
     EXPECT_THAT(Traced(), ElementsAre("dwErrorCode: %l", "GetMethod -> L_METHOD_NONE"));
-    EXPECT_THAT(Called(), ElementsAre(CLASS_WITH_CONTEXT));
+    EXPECT_THAT(Called(), ElementsAre(kClassWithContext));
 }
 
 TEST_F(ProviderMethodTest, Call_GetMethodFails_ReturnsItsCode) {
     Fail(Operation::GetMethod, WBEM_E_FAILED, L"Zorel_NetService");
     EXPECT_EQ(Code(Apply()), "0x80041001");
     EXPECT_THAT(Traced(), ElementsAre("dwErrorCode: %l", "GetMethod -> L_METHOD_NET_APPLY_DONE"));
-    EXPECT_THAT(Called(), ElementsAre(CLASS));
+    EXPECT_THAT(Called(), ElementsAre(kClass));
 }
 
 TEST_F(ProviderMethodTest, Put_NoSignature_CannotBeMade) {
     Spoil(Operation::GetMethod, Effect::NullObject);
     EXPECT_EQ(Code(Apply()), "0x80041001");
     EXPECT_THAT(Traced(), ElementsAre("dwErrorCode: %l", "SpawnInstance -> L_METHOD_NET_APPLY_DONE"));
-    EXPECT_THAT(Called(), ElementsAre(CLASS));
+    EXPECT_THAT(Called(), ElementsAre(kClass));
 }
 
 TEST_F(ProviderMethodTest, Put_OnAMethodThatTakesNothing_CannotBeMade) {
@@ -194,21 +194,21 @@ TEST_F(ProviderMethodTest, Put_ParametersCannotBeMade_NamesTheMethodAndStops) {
     Fail(Operation::SpawnInstance, WBEM_E_OUT_OF_MEMORY);
     EXPECT_EQ(Code(Apply()), "0x80041006");
     EXPECT_THAT(Traced(), ElementsAre("dwErrorCode: %l", "SpawnInstance -> L_METHOD_NET_APPLY_DONE"));
-    EXPECT_THAT(Called(), ElementsAre(CLASS));
+    EXPECT_THAT(Called(), ElementsAre(kClass));
 }
 
 TEST_F(ProviderMethodTest, Put_ParametersAreNull_NamesTheMethodAndStops) {
     Spoil(Operation::SpawnInstance, Effect::NullObject);
     EXPECT_EQ(Code(Apply()), "0x80041001");
     EXPECT_THAT(Traced(), ElementsAre("dwErrorCode: %l", "SpawnInstance -> L_METHOD_NET_APPLY_DONE"));
-    EXPECT_THAT(Called(), ElementsAre(CLASS));
+    EXPECT_THAT(Called(), ElementsAre(kClass));
 }
 
 TEST_F(ProviderMethodTest, Put_Fails_NamesTheParameterAndStops) {
     Fail(Operation::Put, WBEM_E_TYPE_MISMATCH);
     EXPECT_EQ(Code(Apply()), "0x80041005");
     EXPECT_THAT(Traced(), ElementsAre("dwErrorCode: %l", "Put -> L_PARAM_NET_CLIENTSETHANDLE"));
-    EXPECT_THAT(Called(), ElementsAre(CLASS));
+    EXPECT_THAT(Called(), ElementsAre(kClass));
 }
 
 TEST_F(ProviderMethodTest, Put_FirstOfTwoFails_LeavesTheSecondOut) {
@@ -217,7 +217,7 @@ TEST_F(ProviderMethodTest, Put_FirstOfTwoFails_LeavesTheSecondOut) {
     ProviderMethod method(session, L_CLASS_ZOREL_CORESERVICE, L_METHOD_NET_APPLY_DONE);
     Traced();
     Calls();
-    method.Put(NO_SUCH_PARAMETER, VariantOfLong(1)).Put(L_PARAM_NET_CLIENTSETHANDLE, VariantOfLong(7));
+    method.Put(kNoSuchParameter, VariantOfLong(1)).Put(L_PARAM_NET_CLIENTSETHANDLE, VariantOfLong(7));
     EXPECT_EQ(Code(method.Result()), "0x80041002");
     EXPECT_THAT(Traced(), ElementsAre("Put -> L_PARAM_NONE"));
     EXPECT_THAT(Called(),
@@ -230,7 +230,7 @@ TEST_F(ProviderMethodTest, ExecOnNetService_NoNetService_Fails) {
     EXPECT_THAT(Traced(),
                 ElementsAre("dwErrorCode: %l", "GetNetService -> ((0 == m_dwNetService) || (m_pGIT == NULL))",
                             "(pZorelService == NULL)"));
-    EXPECT_THAT(Called(), ElementsAre(CLASS));
+    EXPECT_THAT(Called(), ElementsAre(kClass));
 }
 
 TEST_F(ProviderMethodTest, ExecOnNetService_PathCannotBeRead_ReturnsThatCode) {
@@ -238,7 +238,7 @@ TEST_F(ProviderMethodTest, ExecOnNetService_PathCannotBeRead_ReturnsThatCode) {
     EXPECT_EQ(Code(Apply()), "0x80041003");
     EXPECT_THAT(Traced(),
                 ElementsAre("dwErrorCode: %l", "GetPropertyAsString -> pZorelService, L_ZOREL_PATH"));
-    EXPECT_THAT(Called(), ElementsAre(CLASS));
+    EXPECT_THAT(Called(), ElementsAre(kClass));
 }
 
 TEST_F(ProviderMethodTest, ExecOnNetService_PathIsNull_Fails) {
@@ -246,7 +246,7 @@ TEST_F(ProviderMethodTest, ExecOnNetService_PathIsNull_Fails) {
     EXPECT_EQ(Code(Apply()), "0x80041001");
     EXPECT_THAT(Traced(),
                 ElementsAre("dwErrorCode: %l", "GetPropertyAsString -> pZorelService, L_ZOREL_PATH -> NULL"));
-    EXPECT_THAT(Called(), ElementsAre(CLASS));
+    EXPECT_THAT(Called(), ElementsAre(kClass));
 }
 
 TEST_F(ProviderMethodTest, ExecOnNetService_Refused_NamesTheMethod) {
@@ -254,7 +254,7 @@ TEST_F(ProviderMethodTest, ExecOnNetService_Refused_NamesTheMethod) {
     EXPECT_EQ(Code(Apply()), "0x80041003");
     EXPECT_THAT(Traced(),
                 ElementsAre("dwErrorCode: %l", "ExecMethod -> bstrObjectPath, L_METHOD_NET_APPLY_DONE"));
-    EXPECT_THAT(Called(), ElementsAre(CLASS, ExecLine("Apply(ClientSetHandle=7)", "0x80041003")));
+    EXPECT_THAT(Called(), ElementsAre(kClass, ExecLine("Apply(ClientSetHandle=7)", "0x80041003")));
 }
 
 TEST_F(ProviderMethodTest, Read_NoOutParameters_FailsAtTheFirstRead) {

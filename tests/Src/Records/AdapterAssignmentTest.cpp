@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(Adapter, Assignment_DeletesOwnRecordsAndSharesTheOthers) {
+TEST(AdapterTest, Assignment_DeletesOwnRecordsAndSharesTheOthers) {
     int deletedOfSource = 0;
     int deletedOfTarget = 0;
     {
@@ -31,7 +31,7 @@ TEST(Adapter, Assignment_DeletesOwnRecordsAndSharesTheOthers) {
     EXPECT_EQ(deletedOfSource, 1);
 }
 
-TEST(Adapter, Assignment_OfAnEmptyAdapter_DeletesTheRecords) {
+TEST(AdapterTest, Assignment_OfAnEmptyAdapter_DeletesTheRecords) {
     int deleted = 0;
     CAdapter adapter;
     Fill(adapter);
@@ -43,7 +43,7 @@ TEST(Adapter, Assignment_OfAnEmptyAdapter_DeletesTheRecords) {
     ExpectNoRecords(adapter);
 }
 
-TEST(Adapter, Assignment_ToItselfOrFromItsOwnView_KeepsTheRecords) {
+TEST(AdapterTest, Assignment_ToItselfOrFromItsOwnView_KeepsTheRecords) {
     int deleted = 0;
     {
         CAdapter adapter;
@@ -67,7 +67,7 @@ struct Board : Watched {
     CAdapter m_adapter;
 };
 
-TEST(Adapter, AssignedFromAPartOfItself_HasThePartsRecords) {
+TEST(AdapterTest, AssignedFromAPartOfItself_HasThePartsRecords) {
     for (const bool bMove : {false, true}) {
         int deletedOfWhole = 0;
         int deletedOfPart = 0;
@@ -94,7 +94,7 @@ TEST(Adapter, AssignedFromAPartOfItself_HasThePartsRecords) {
     }
 }
 
-TEST(Adapter, Swap_ExchangesTheRecordsOfStrangersAndOfCopies) {
+TEST(AdapterTest, Swap_ExchangesTheRecordsOfStrangersAndOfCopies) {
     int deletedOfOne = 0;
     int deletedOfTwo = 0;
     {
@@ -116,7 +116,7 @@ TEST(Adapter, Swap_ExchangesTheRecordsOfStrangersAndOfCopies) {
     EXPECT_EQ(deletedOfTwo, 1);
 }
 
-TEST(Adapter, Move_TakesTheOwnershipAlong) {
+TEST(AdapterTest, Move_TakesTheOwnershipAlong) {
     int deleted = 0;
     {
         std::vector<CAdapter> adapters;
@@ -141,7 +141,7 @@ TEST(Adapter, Move_TakesTheOwnershipAlong) {
     EXPECT_EQ(deleted, 5);
 }
 
-TEST(Adapter, Move_OfAView_StaysAView) {
+TEST(AdapterTest, Move_OfAView_StaysAView) {
     int deleted = 0;
     {
         CAdapter source;
@@ -156,7 +156,7 @@ TEST(Adapter, Move_OfAView_StaysAView) {
     EXPECT_EQ(deleted, 1);
 }
 
-TEST(Adapter, Move_OfAViewToItsSource_KeepsTheRecords) {
+TEST(AdapterTest, Move_OfAViewToItsSource_KeepsTheRecords) {
     int deleted = 0;
     {
         CAdapter source;
@@ -169,7 +169,7 @@ TEST(Adapter, Move_OfAViewToItsSource_KeepsTheRecords) {
     EXPECT_EQ(deleted, 1);
 }
 
-TEST(Adapter, Move_OfASourceToItsView_LeavesTheRecordsToTheView) {
+TEST(AdapterTest, Move_OfASourceToItsView_LeavesTheRecordsToTheView) {
     int deleted = 0;
     {
         auto source = std::make_unique<CAdapter>();
@@ -183,7 +183,7 @@ TEST(Adapter, Move_OfASourceToItsView_LeavesTheRecordsToTheView) {
     EXPECT_EQ(deleted, 1);
 }
 
-TEST(Adapter, Move_DeletesWhatTheTargetOwned) {
+TEST(AdapterTest, Move_DeletesWhatTheTargetOwned) {
     int deleted = 0;
     CAdapter target;
     target.m_pAdapterDynamicInfo = new Watched(deleted);
@@ -192,7 +192,7 @@ TEST(Adapter, Move_DeletesWhatTheTargetOwned) {
     ExpectNoRecords(target);
 }
 
-TEST(Adapter, Copy_HasRecordsOfItsOwn) {
+TEST(AdapterTest, Copy_HasRecordsOfItsOwn) {
     auto source = std::make_unique<CAdapter>();
     Fill(*source);
     const std::unique_ptr<CAdapter> pCopy(source->Copy());
@@ -208,7 +208,7 @@ TEST(Adapter, Copy_HasRecordsOfItsOwn) {
     EXPECT_EQ(pCopy->m_pPerformanceProfiles->m_vecItems.size(), 1u);
 }
 
-TEST(Adapter, Copy_OfAView_OwnsItsRecordsToo) {
+TEST(AdapterTest, Copy_OfAView_OwnsItsRecordsToo) {
     CAdapter source;
     Fill(source);
     const CAdapter view(source);
@@ -217,13 +217,13 @@ TEST(Adapter, Copy_OfAView_OwnsItsRecordsToo) {
     EXPECT_EQ(pCopy->m_pAdapterDynamicInfo->m_wsStatus, L"OK");
 }
 
-TEST(Adapter, Copy_WithoutRecords_HasNone) {
+TEST(AdapterTest, Copy_WithoutRecords_HasNone) {
     const CAdapter source;
     const std::unique_ptr<CAdapter> pCopy(source.Copy());
     ExpectNoRecords(*pCopy);
 }
 
-TEST(Adapters, EveryCopyOfTheCollectionOwnsItsRecords) {
+TEST(AdaptersTest, EveryCopyOfTheCollectionOwnsItsRecords) {
     auto source = std::make_unique<CAdapters>();
     source->m_vecItems.push_back(new CAdapter);
     Fill(*source->m_vecItems[0]);

@@ -9,7 +9,7 @@
 
 namespace {
 
-TEST(Adapter, Destructor_DeletesItsRecords) {
+TEST(AdapterTest, Destructor_DeletesItsRecords) {
     int deleted = 0;
     {
         CAdapter adapter;
@@ -20,7 +20,7 @@ TEST(Adapter, Destructor_DeletesItsRecords) {
     EXPECT_EQ(deleted, 1);
 }
 
-TEST(Adapter, CopyConstructor_SharesTheRecords) {
+TEST(AdapterTest, CopyConstructor_SharesTheRecords) {
     int deleted = 0;
     {
         CAdapter source;
@@ -39,7 +39,7 @@ TEST(Adapter, CopyConstructor_SharesTheRecords) {
     EXPECT_EQ(deleted, 1);
 }
 
-TEST(Adapter, View_OutlivingItsSource_KeepsTheRecords) {
+TEST(AdapterTest, View_OutlivingItsSource_KeepsTheRecords) {
     int deleted = 0;
     auto source = std::make_unique<CAdapter>();
     source->m_pAdapterDynamicInfo = new Watched(deleted);
@@ -51,7 +51,7 @@ TEST(Adapter, View_OutlivingItsSource_KeepsTheRecords) {
     EXPECT_EQ(deleted, 1);
 }
 
-TEST(Adapter, View_OfASourceThatGaveItsRecordUp_DeletesIt) {
+TEST(AdapterTest, View_OfASourceThatGaveItsRecordUp_DeletesIt) {
     int deleted = 0;
     {
         CAdapter source;
@@ -62,7 +62,7 @@ TEST(Adapter, View_OfASourceThatGaveItsRecordUp_DeletesIt) {
     EXPECT_EQ(deleted, 1);
 }
 
-TEST(Adapter, View_OfASourceWithAnotherRecord_DeletesTheSharedOne) {
+TEST(AdapterTest, View_OfASourceWithAnotherRecord_DeletesTheSharedOne) {
     int deletedOfSource = 0;
     int deletedOfView = 0;
     {
@@ -79,7 +79,7 @@ TEST(Adapter, View_OfASourceWithAnotherRecord_DeletesTheSharedOne) {
     EXPECT_EQ(deletedOfView, 1);
 }
 
-TEST(Adapter, View_WithoutTheSharedRecord_LeavesItToASourceThatGoesFirst) {
+TEST(AdapterTest, View_WithoutTheSharedRecord_LeavesItToASourceThatGoesFirst) {
     int deleted = 0;
     auto source = std::make_unique<CAdapter>();
     source->m_pAdapterDynamicInfo = new Watched(deleted);
@@ -89,7 +89,7 @@ TEST(Adapter, View_WithoutTheSharedRecord_LeavesItToASourceThatGoesFirst) {
     EXPECT_EQ(deleted, 1);
 }
 
-TEST(Adapter, RecordThatNoAdapterPointsTo_IsTheCallers) {
+TEST(AdapterTest, RecordThatNoAdapterPointsTo_IsTheCallers) {
     int deleted = 0;
     {
         CAdapter source;
@@ -103,7 +103,7 @@ TEST(Adapter, RecordThatNoAdapterPointsTo_IsTheCallers) {
 }
 
 // A client reads the state anew by deleting the record and asking the operation for another.
-TEST(Adapter, RecordThatTheCallerDeletes_AfterACopyHasGone_IsNotDeletedAgain) {
+TEST(AdapterTest, RecordThatTheCallerDeletes_AfterACopyHasGone_IsNotDeletedAgain) {
     int deleted = 0;
     {
         CAdapter adapter;
@@ -127,7 +127,7 @@ struct Placed : Watched {
     static void operator delete(void*) {}
 };
 
-TEST(Adapter, RecordAtAnAddressThatWasShared_IsDeletedLikeAnyOther) {
+TEST(AdapterTest, RecordAtAnAddressThatWasShared_IsDeletedLikeAnyOther) {
     int deleted = 0;
     {
         CAdapter source;
@@ -142,7 +142,7 @@ TEST(Adapter, RecordAtAnAddressThatWasShared_IsDeletedLikeAnyOther) {
     EXPECT_EQ(deleted, 2);
 }
 
-TEST(Adapter, View_OwnsARecordThatIsAttachedToItLater) {
+TEST(AdapterTest, View_OwnsARecordThatIsAttachedToItLater) {
     int deleted = 0;
     CAdapter source;
     source.m_pAdapterCapabilities = new CAdapterCapInfo;
@@ -155,7 +155,7 @@ TEST(Adapter, View_OwnsARecordThatIsAttachedToItLater) {
     EXPECT_NE(source.m_pAdapterCapabilities, nullptr);
 }
 
-TEST(Adapter, View_OwnsARecordThatReplacesASharedOne) {
+TEST(AdapterTest, View_OwnsARecordThatReplacesASharedOne) {
     int deletedOfSource = 0;
     int deletedOfView = 0;
     {
@@ -171,7 +171,7 @@ TEST(Adapter, View_OwnsARecordThatReplacesASharedOne) {
     EXPECT_EQ(deletedOfSource, 1);
 }
 
-TEST(Adapter, View_WithoutTheSharedRecord_LeavesItToTheSource) {
+TEST(AdapterTest, View_WithoutTheSharedRecord_LeavesItToTheSource) {
     int deleted = 0;
     {
         CAdapter source;
@@ -185,7 +185,7 @@ TEST(Adapter, View_WithoutTheSharedRecord_LeavesItToTheSource) {
     EXPECT_EQ(deleted, 1);
 }
 
-TEST(Adapter, Copies_MayBeMadeAndGoInSeveralThreads) {
+TEST(AdapterTest, Copies_MayBeMadeAndGoInSeveralThreads) {
     int deleted = 0;
     {
         CAdapter adapter;

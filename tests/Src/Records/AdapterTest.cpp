@@ -9,7 +9,7 @@
 
 namespace {
 
-TEST(AdapterCapInfo, IsThirtyFourFlagsOfOneByteAllFalse) {
+TEST(AdapterCapInfoTest, IsThirtyFourFlagsOfOneByteAllFalse) {
     EXPECT_FALSE(std::is_polymorphic_v<CAdapterCapInfo>);
     EXPECT_EQ(sizeof(CAdapterCapInfo), 34u);
     const CAdapterCapInfo info;
@@ -18,7 +18,7 @@ TEST(AdapterCapInfo, IsThirtyFourFlagsOfOneByteAllFalse) {
     }
 }
 
-TEST(AdapterCapInfo, Flags_StandInTheOrderOfTheRecordWithTheirCodes) {
+TEST(AdapterCapInfoTest, Flags_StandInTheOrderOfTheRecordWithTheirCodes) {
     const std::vector<LONG> expected{41, 43, 44, 46, 50, 3,  36, 4,  5,  12, 10, 9,  8,  68, 53, 32, 33,
                                      34, 35, 64, 37, 39, 57, 60, 47, 54, 55, 52, 56, 61, 62, 63, 65, 66};
     const CAdapterCapInfo info;
@@ -32,7 +32,7 @@ TEST(AdapterCapInfo, Flags_StandInTheOrderOfTheRecordWithTheirCodes) {
     }
 }
 
-TEST(AdapterCapInfo, Flags_NamedByWhatTheyMean) {
+TEST(AdapterCapInfoTest, Flags_NamedByWhatTheyMean) {
     const auto code = [](bool CAdapterCapInfo::*pFlag) {
         for (const auto& rFlag : CAdapterCapInfo::Flags()) {
             if (rFlag.m_pFlag == pFlag) {
@@ -77,7 +77,7 @@ TEST(AdapterCapInfo, Flags_NamedByWhatTheyMean) {
     EXPECT_EQ(code(&CAdapterCapInfo::m_bCapability66), 66);
 }
 
-TEST(AdapterCapInfo, Copy_CopiesEveryFlag) {
+TEST(AdapterCapInfoTest, Copy_CopiesEveryFlag) {
     for (const auto& rFlag : CAdapterCapInfo::Flags()) {
         CAdapterCapInfo info;
         info.*rFlag.m_pFlag = true;
@@ -88,7 +88,7 @@ TEST(AdapterCapInfo, Copy_CopiesEveryFlag) {
     }
 }
 
-TEST(AdapterDynamicInfo, StartsUnknown) {
+TEST(AdapterDynamicInfoTest, StartsUnknown) {
     const CAdapterDynamicInfo info;
     EXPECT_TRUE(std::has_virtual_destructor_v<CAdapterDynamicInfo>);
     EXPECT_EQ(info.m_eLinkSpeed, 0);
@@ -101,7 +101,7 @@ TEST(AdapterDynamicInfo, StartsUnknown) {
     EXPECT_EQ(info.m_wsStatus, L"");
 }
 
-TEST(AdapterDynamicInfo, CopyAssignmentAndCopy_TakeEveryMember) {
+TEST(AdapterDynamicInfoTest, CopyAssignmentAndCopy_TakeEveryMember) {
     CAdapterDynamicInfo info;
     info.m_eLinkSpeed = CAdapterDynamicInfo::LinkSpeed1Gb;
     info.m_eDuplexMode = CAdapterDynamicInfo::DuplexFull;
@@ -128,7 +128,7 @@ TEST(AdapterDynamicInfo, CopyAssignmentAndCopy_TakeEveryMember) {
     }
 }
 
-TEST(Adapter, StartsEmpty) {
+TEST(AdapterTest, StartsEmpty) {
     const CAdapter adapter;
     EXPECT_FALSE(std::is_polymorphic_v<CAdapter>);
     EXPECT_EQ(adapter.m_wsAdapterID, L"");
@@ -145,7 +145,7 @@ TEST(Adapter, StartsEmpty) {
     EXPECT_FALSE(adapter.m_bSelected);
 }
 
-TEST(Adapter, MembersStandInOrder) {
+TEST(AdapterTest, MembersStandInOrder) {
     const CAdapter adapter;
     const std::vector<const void*> members{&adapter.m_wsAdapterID,
                                            &adapter.m_wsDisplayName,
@@ -165,7 +165,7 @@ TEST(Adapter, MembersStandInOrder) {
     }
 }
 
-TEST(PCIInfo, IsNineTextsThatAreCopied) {
+TEST(PCIInfoTest, IsNineTextsThatAreCopied) {
     EXPECT_FALSE(std::is_polymorphic_v<CPCIInfo>);
     EXPECT_EQ(sizeof(CPCIInfo), 9 * sizeof(std::wstring));
     CPCIInfo info;
@@ -189,7 +189,7 @@ TEST(PCIInfo, IsNineTextsThatAreCopied) {
     }
 }
 
-TEST(AdapterPort, CopiesAllThreeMembers) {
+TEST(AdapterPortTest, CopiesAllThreeMembers) {
     CAdapterPort port;
     EXPECT_EQ(port.m_wsAdapterID, L"");
     EXPECT_FALSE(port.m_bTeamed);
@@ -207,7 +207,7 @@ TEST(AdapterPort, CopiesAllThreeMembers) {
     }
 }
 
-TEST(DataCenter, StartsAtZero) {
+TEST(DataCenterTest, StartsAtZero) {
     EXPECT_EQ(CDataCenter().m_eDCBStatus, 0);
 }
 

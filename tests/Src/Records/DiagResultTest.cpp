@@ -61,7 +61,7 @@ void ExpectResult(const CDiagResult& rResult, LONG lNumber, std::size_t nPackage
     EXPECT_EQ(rResult.m_vecPackageResults.size(), nPackage);
 }
 
-TEST(DiagResult, CopyAndAssignment_TakeEveryMember) {
+TEST(DiagResultTest, CopyAndAssignment_TakeEveryMember) {
     const CDiagResult tree = Tree();
     const CDiagResult copy(tree);
     CDiagResult assigned = Result(7);
@@ -74,7 +74,7 @@ TEST(DiagResult, CopyAndAssignment_TakeEveryMember) {
     ExpectResult(tree, 1, 2);
 }
 
-TEST(DiagResult, Move_TakesEveryMember) {
+TEST(DiagResultTest, Move_TakesEveryMember) {
     CDiagResult tree = Tree();
     CDiagResult moved(std::move(tree));
     ExpectResult(moved, 1, 2);
@@ -84,7 +84,7 @@ TEST(DiagResult, Move_TakesEveryMember) {
     ExpectResult(assigned.m_vecPackageResults[1], 11, 0);
 }
 
-TEST(DiagResult, AssignedToItself_IsUnchanged) {
+TEST(DiagResultTest, AssignedToItself_IsUnchanged) {
     CDiagResult tree = Tree();
     const CDiagResult& rSame = tree;
     tree = rSame;
@@ -94,7 +94,7 @@ TEST(DiagResult, AssignedToItself_IsUnchanged) {
     ExpectResult(tree, 1, 2);
 }
 
-TEST(DiagResult, AssignedFromAResultOfItsPackage_BecomesThat) {
+TEST(DiagResultTest, AssignedFromAResultOfItsPackage_BecomesThat) {
     CDiagResult tree = Tree();
     tree = tree.m_vecPackageResults[0];
     ExpectResult(tree, 10, 1);
@@ -104,7 +104,7 @@ TEST(DiagResult, AssignedFromAResultOfItsPackage_BecomesThat) {
     ExpectResult(tree, 100, 0);
 }
 
-TEST(DiagResult, MovedFromAResultOfItsPackage_BecomesThat) {
+TEST(DiagResultTest, MovedFromAResultOfItsPackage_BecomesThat) {
     CDiagResult tree = Tree();
     tree = std::move(tree.m_vecPackageResults[0]);
     ExpectResult(tree, 10, 1);
@@ -114,7 +114,7 @@ TEST(DiagResult, MovedFromAResultOfItsPackage_BecomesThat) {
     ExpectResult(tree, 100, 0);
 }
 
-TEST(DiagResult, AssignedToAResultOfItsPackage_IsThereWhole) {
+TEST(DiagResultTest, AssignedToAResultOfItsPackage_IsThereWhole) {
     for (const bool bMove : {false, true}) {
         CDiagResult tree = Tree();
         CDiagResult& rPart = tree.m_vecPackageResults[0].m_vecPackageResults[0];
@@ -129,7 +129,7 @@ TEST(DiagResult, AssignedToAResultOfItsPackage_IsThereWhole) {
     }
 }
 
-TEST(DiagResult, SwappedWithAResultOfItsPackage_BecomesThat) {
+TEST(DiagResultTest, SwappedWithAResultOfItsPackage_BecomesThat) {
     CDiagResult tree = Tree();
     std::swap(tree, tree.m_vecPackageResults[0]);
     ExpectResult(tree, 10, 1);
@@ -138,7 +138,7 @@ TEST(DiagResult, SwappedWithAResultOfItsPackage_BecomesThat) {
     ExpectResult(tree, 10, 1);
 }
 
-TEST(DiagResult, PackageThatIsReordered_KeepsItsResults) {
+TEST(DiagResultTest, PackageThatIsReordered_KeepsItsResults) {
     CDiagResult tree = Tree();
     std::swap(tree.m_vecPackageResults[0], tree.m_vecPackageResults[1]);
     ExpectResult(tree.m_vecPackageResults[1], 10, 1);

@@ -9,12 +9,12 @@ LONG Speed(LONG lBitsPerSecond) {
     return QuilletTestAccess::GetLinkSpeed(lBitsPerSecond);
 }
 
-TEST(GetDuplex, FullIsTwoHalfIsOne) {
+TEST(GetDuplexTest, FullIsTwoHalfIsOne) {
     EXPECT_EQ(QuilletTestAccess::GetDuplex(true), 2);
     EXPECT_EQ(QuilletTestAccess::GetDuplex(false), 1);
 }
 
-TEST(GetLinkSpeed, KnownSpeedsHaveTheirClass) {
+TEST(GetLinkSpeedTest, KnownSpeedsHaveTheirClass) {
     EXPECT_EQ(Speed(0), 0);
     EXPECT_EQ(Speed(1000000), 1);
     EXPECT_EQ(Speed(10000000), 2);
@@ -22,7 +22,7 @@ TEST(GetLinkSpeed, KnownSpeedsHaveTheirClass) {
     EXPECT_EQ(Speed(1000000000), 4);
 }
 
-TEST(GetLinkSpeed, FractionsOfAMegabitAreCutOff) {
+TEST(GetLinkSpeedTest, FractionsOfAMegabitAreCutOff) {
     EXPECT_EQ(Speed(5000), 0);
     EXPECT_EQ(Speed(999999), 0);
     EXPECT_EQ(Speed(-999999), 0);
@@ -30,20 +30,20 @@ TEST(GetLinkSpeed, FractionsOfAMegabitAreCutOff) {
     EXPECT_EQ(Speed(1000999999), 4);
 }
 
-TEST(GetLinkSpeed, AnyOtherPositiveSpeedCountsAsTheFastest) {
+TEST(GetLinkSpeedTest, AnyOtherPositiveSpeedCountsAsTheFastest) {
     EXPECT_EQ(Speed(2147483647), 5);
     EXPECT_EQ(Speed(5000000), 5);
     EXPECT_EQ(Speed(2000000), 5);
     EXPECT_EQ(Speed(1001000000), 5);
 }
 
-TEST(GetLinkSpeed, NegativeSpeedsOfAMegabitOrMoreAreTheOtherClass) {
+TEST(GetLinkSpeedTest, NegativeSpeedsOfAMegabitOrMoreAreTheOtherClass) {
     EXPECT_EQ(Speed(-5000000), 6);
     EXPECT_EQ(Speed(-1000000), 6);
     EXPECT_EQ(Speed(-2147483647 - 1), 6);
 }
 
-TEST(GetLinkSecStatus, ZeroToNineMapToThemselvesAndTheRestToOne) {
+TEST(GetLinkSecStatusTest, ZeroToNineMapToThemselvesAndTheRestToOne) {
     for (LONG lStatus = 0; lStatus <= 9; ++lStatus) {
         EXPECT_EQ(QuilletTestAccess::GetLinkSecStatus(lStatus), lStatus);
     }
@@ -52,7 +52,7 @@ TEST(GetLinkSecStatus, ZeroToNineMapToThemselvesAndTheRestToOne) {
     }
 }
 
-TEST(GetDCBStatus, ZeroToThreeMapToThemselvesAndTheRestToOne) {
+TEST(GetDCBStatusTest, ZeroToThreeMapToThemselvesAndTheRestToOne) {
     for (LONG lStatus = 0; lStatus <= 3; ++lStatus) {
         EXPECT_EQ(QuilletTestAccess::GetDCBStatus(lStatus), lStatus);
     }

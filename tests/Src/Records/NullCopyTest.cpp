@@ -6,33 +6,39 @@
 
 #include <memory>
 
+// The sanitizer of undefined behaviour stops where such a call is made, which is what is meant here.
+#ifdef __GNUC__
+#define QUILLET_CALLED_FOR_NULL __attribute__((no_sanitize("undefined")))
+#else
+#define QUILLET_CALLED_FOR_NULL
+#endif
+
 namespace {
 
-// The sanitizer of undefined behaviour stops where such a call is made, which is what is meant here.
 template <class TCollection>
-__attribute__((no_sanitize("undefined"))) TCollection* CopyThrough(const TCollection* pCollection) {
+QUILLET_CALLED_FOR_NULL TCollection* CopyThrough(const TCollection* pCollection) {
     return pCollection->Copy();
 }
 
 template <class TCollection>
-struct NullCopy : testing::Test {
+struct NullCopyTest : testing::Test {
     // Which pointer it is, the compiler cannot know.
     TCollection* volatile m_pNone = nullptr;
     volatile bool m_bNone = true;
 };
 using CopyingCollections =
     testing::Types<CAdapters, CTeamedAdapters, CTeamWizTeamModes, CSettings, CPerformanceProfiles>;
-TYPED_TEST_SUITE(NullCopy, CopyingCollections);
+TYPED_TEST_SUITE(NullCopyTest, CopyingCollections);
 
-TYPED_TEST(NullCopy, IsNull) {
+TYPED_TEST(NullCopyTest, IsNull) {
     EXPECT_EQ(CopyThrough<TypeParam>(this->m_pNone), nullptr);
 }
 
-TYPED_TEST(NullCopy, OfAPointerThatTheCompilerKnowsToBeNull_IsNull) {
+TYPED_TEST(NullCopyTest, OfAPointerThatTheCompilerKnowsToBeNull_IsNull) {
     EXPECT_EQ(CopyThrough<TypeParam>(nullptr), nullptr);
 }
 
-TYPED_TEST(NullCopy, OfOneOfTwoPointers_IsNullForTheNullOne) {
+TYPED_TEST(NullCopyTest, OfOneOfTwoPointers_IsNullForTheNullOne) {
     const TypeParam collection;
     const std::unique_ptr<TypeParam> pNone(CopyThrough(this->m_bNone ? nullptr : &collection));
     EXPECT_EQ(pNone, nullptr);
@@ -42,7 +48,7 @@ TYPED_TEST(NullCopy, OfOneOfTwoPointers_IsNullForTheNullOne) {
     EXPECT_TRUE(pCopy->m_vecItems.empty());
 }
 
-TEST(NullCopyOfARecord, OfAnAdapterBeforeItsRecordsWereRead_IsNull) {
+TEST(NullCopyOfARecordTest, OfAnAdapterBeforeItsRecordsWereRead_IsNull) {
     const CAdapter adapter;
     EXPECT_EQ(CopyThrough(adapter.m_pTeamModes), nullptr);
     EXPECT_EQ(CopyThrough(adapter.m_pPerformanceProfiles), nullptr);

@@ -37,19 +37,19 @@ struct Square : Shape {
     Square* Copy() const override { return new Square(*this); }
 };
 
-class PointerArray : public testing::Test {
+class PointerArrayTest : public testing::Test {
   protected:
-    PointerArray() { Plain::s_copiesLeft = -1; }
-    ~PointerArray() override { EXPECT_EQ(Plain::s_alive, 0); }
+    PointerArrayTest() { Plain::s_copiesLeft = -1; }
+    ~PointerArrayTest() override { EXPECT_EQ(Plain::s_alive, 0); }
 };
 
-TEST_F(PointerArray, RemoveAll_OfAnEmptyList_DoesNothing) {
+TEST_F(PointerArrayTest, RemoveAll_OfAnEmptyList_DoesNothing) {
     CPointerArray<Plain*> list;
     list.RemoveAll();
     EXPECT_TRUE(list.m_vecItems.empty());
 }
 
-TEST_F(PointerArray, RemoveAll_DeletesElementsAndErasesNullEntries) {
+TEST_F(PointerArrayTest, RemoveAll_DeletesElementsAndErasesNullEntries) {
     CPointerArray<Plain*> list;
     list.m_vecItems = {new Plain(1), nullptr, new Plain(2)};
     EXPECT_EQ(Plain::s_alive, 2);
@@ -58,7 +58,7 @@ TEST_F(PointerArray, RemoveAll_DeletesElementsAndErasesNullEntries) {
     EXPECT_TRUE(list.m_vecItems.empty());
 }
 
-TEST_F(PointerArray, RemoveAll_LeavesAListThatCanBeFilledAgain) {
+TEST_F(PointerArrayTest, RemoveAll_LeavesAListThatCanBeFilledAgain) {
     CPointerArray<Plain*> list;
     list.m_vecItems.push_back(new Plain(1));
     list.RemoveAll();
@@ -66,7 +66,7 @@ TEST_F(PointerArray, RemoveAll_LeavesAListThatCanBeFilledAgain) {
     EXPECT_EQ(list.m_vecItems.at(0)->m_value, 2);
 }
 
-TEST_F(PointerArray, Destructor_DeletesTheElements) {
+TEST_F(PointerArrayTest, Destructor_DeletesTheElements) {
     {
         CPointerArray<Plain*> list;
         list.m_vecItems = {new Plain(1), nullptr, new Plain(2)};
@@ -74,7 +74,7 @@ TEST_F(PointerArray, Destructor_DeletesTheElements) {
     EXPECT_EQ(Plain::s_alive, 0);
 }
 
-TEST_F(PointerArray, CopyConstructor_CopiesEveryElementInOrderAndKeepsNullEntries) {
+TEST_F(PointerArrayTest, CopyConstructor_CopiesEveryElementInOrderAndKeepsNullEntries) {
     auto source = std::make_unique<CPointerArray<Plain*>>();
     source->m_vecItems = {new Plain(1), nullptr, new Plain(2)};
     const CPointerArray<Plain*> copy(*source);
@@ -86,7 +86,7 @@ TEST_F(PointerArray, CopyConstructor_CopiesEveryElementInOrderAndKeepsNullEntrie
     EXPECT_EQ(copy.m_vecItems[2]->m_value, 2);
 }
 
-TEST_F(PointerArray, CopyConstructor_KeepsTheTypeOfAnElementThatCopiesItself) {
+TEST_F(PointerArrayTest, CopyConstructor_KeepsTheTypeOfAnElementThatCopiesItself) {
     CPointerArray<Shape*> shapes;
     shapes.m_vecItems = {new Square, new Shape};
     const CPointerArray<Shape*> copy(shapes);
@@ -95,7 +95,7 @@ TEST_F(PointerArray, CopyConstructor_KeepsTheTypeOfAnElementThatCopiesItself) {
     EXPECT_NE(copy.m_vecItems.at(0), shapes.m_vecItems.at(0));
 }
 
-TEST_F(PointerArray, CopyConstructor_ThatFailsHalfWay_LeavesNothing) {
+TEST_F(PointerArrayTest, CopyConstructor_ThatFailsHalfWay_LeavesNothing) {
     CPointerArray<Plain*> source;
     source.m_vecItems = {new Plain(1), new Plain(2), new Plain(3)};
     Plain::s_copiesLeft = 2;
@@ -103,7 +103,7 @@ TEST_F(PointerArray, CopyConstructor_ThatFailsHalfWay_LeavesNothing) {
     EXPECT_EQ(Plain::s_alive, 3);
 }
 
-TEST_F(PointerArray, Assignment_ReplacesTheElements) {
+TEST_F(PointerArrayTest, Assignment_ReplacesTheElements) {
     CPointerArray<Plain*> source;
     source.m_vecItems = {new Plain(1), new Plain(2)};
     CPointerArray<Plain*> target;
@@ -115,7 +115,7 @@ TEST_F(PointerArray, Assignment_ReplacesTheElements) {
     EXPECT_NE(target.m_vecItems[1], source.m_vecItems[1]);
 }
 
-TEST_F(PointerArray, Assignment_ThatFailsHalfWay_LeavesTheTargetAsItWas) {
+TEST_F(PointerArrayTest, Assignment_ThatFailsHalfWay_LeavesTheTargetAsItWas) {
     CPointerArray<Plain*> source;
     source.m_vecItems = {new Plain(1), new Plain(2)};
     CPointerArray<Plain*> target;
@@ -127,7 +127,7 @@ TEST_F(PointerArray, Assignment_ThatFailsHalfWay_LeavesTheTargetAsItWas) {
     EXPECT_EQ(Plain::s_alive, 3);
 }
 
-TEST_F(PointerArray, Assignment_ToItself_KeepsTheElements) {
+TEST_F(PointerArrayTest, Assignment_ToItself_KeepsTheElements) {
     CPointerArray<Plain*> list;
     list.m_vecItems = {new Plain(1), new Plain(2)};
     Plain* const pFirst = list.m_vecItems[0];
@@ -137,7 +137,7 @@ TEST_F(PointerArray, Assignment_ToItself_KeepsTheElements) {
     EXPECT_EQ(list.m_vecItems[0], pFirst);
 }
 
-TEST_F(PointerArray, Move_TakesTheElementsOverWithoutCopying) {
+TEST_F(PointerArrayTest, Move_TakesTheElementsOverWithoutCopying) {
     CPointerArray<Plain*> source;
     source.m_vecItems = {new Plain(1)};
     Plain* const pElement = source.m_vecItems[0];
@@ -159,7 +159,7 @@ struct Node : Plain {
     CPointerArray<Node*> m_children;
 };
 
-TEST_F(PointerArray, AssignedFromAListWithinAnElement_HasItsElements) {
+TEST_F(PointerArrayTest, AssignedFromAListWithinAnElement_HasItsElements) {
     for (const bool bMove : {false, true}) {
         CPointerArray<Node*> list;
         list.m_vecItems = {new Node(1), new Node(2)};
@@ -177,7 +177,7 @@ TEST_F(PointerArray, AssignedFromAListWithinAnElement_HasItsElements) {
     }
 }
 
-TEST_F(PointerArray, AssignedToAListWithinAnElement_IsThereWhole) {
+TEST_F(PointerArrayTest, AssignedToAListWithinAnElement_IsThereWhole) {
     CPointerArray<Node*> list;
     list.m_vecItems = {new Node(1), new Node(2)};
     CPointerArray<Node*>& rInner = list.m_vecItems[1]->m_children;
@@ -190,7 +190,7 @@ TEST_F(PointerArray, AssignedToAListWithinAnElement_IsThereWhole) {
 
 // What is true of every typed collection, whatever its elements.
 template <class TCollection>
-struct TypedCollection : testing::Test {
+struct TypedCollectionTest : testing::Test {
     using Item = std::remove_pointer_t<typename decltype(TCollection::m_vecItems)::value_type>;
     static Item* NewItem() {
         if constexpr (std::is_abstract_v<Item>) {
@@ -203,18 +203,18 @@ struct TypedCollection : testing::Test {
 using AllCollections =
     testing::Types<CAdapters, CAdapterPorts, CTeams, CTeamedAdapters, CTeamWizAdapters, CTeamWizTeamModes,
                    CVLANs, CSettings, CDiagTests, CISCSIAdapters, CPerformanceProfiles>;
-TYPED_TEST_SUITE(TypedCollection, AllCollections);
+TYPED_TEST_SUITE(TypedCollectionTest, AllCollections);
 
-TYPED_TEST(TypedCollection, HasOneVirtualOperationAndNoDataOfItsOwn) {
+TYPED_TEST(TypedCollectionTest, HasOneVirtualOperationAndNoDataOfItsOwn) {
     EXPECT_TRUE(std::has_virtual_destructor_v<TypeParam>);
     EXPECT_EQ(sizeof(TypeParam), sizeof(CPointerArray<typename TestFixture::Item*>));
 }
 
-TYPED_TEST(TypedCollection, IsEmptyAtFirst) {
+TYPED_TEST(TypedCollectionTest, IsEmptyAtFirst) {
     EXPECT_TRUE(TypeParam().m_vecItems.empty());
 }
 
-TYPED_TEST(TypedCollection, CopyAssignAndSelfAssign_AreDeepAndOutliveTheSource) {
+TYPED_TEST(TypedCollectionTest, CopyAssignAndSelfAssign_AreDeepAndOutliveTheSource) {
     auto source = std::make_unique<TypeParam>();
     source->m_vecItems.push_back(TestFixture::NewItem());
     source->m_vecItems.push_back(nullptr);
@@ -239,12 +239,12 @@ TYPED_TEST(TypedCollection, CopyAssignAndSelfAssign_AreDeepAndOutliveTheSource) 
 }
 
 template <class TCollection>
-struct CopyingCollection : TypedCollection<TCollection> {};
+struct CopyingCollectionTest : TypedCollectionTest<TCollection> {};
 using CopyingCollections =
     testing::Types<CAdapters, CTeamedAdapters, CTeamWizTeamModes, CSettings, CPerformanceProfiles>;
-TYPED_TEST_SUITE(CopyingCollection, CopyingCollections);
+TYPED_TEST_SUITE(CopyingCollectionTest, CopyingCollections);
 
-TYPED_TEST(CopyingCollection, Copy_OfAnEmptyCollection_IsANewEmptyOne) {
+TYPED_TEST(CopyingCollectionTest, Copy_OfAnEmptyCollection_IsANewEmptyOne) {
     const TypeParam source;
     const std::unique_ptr<TypeParam> pCopy(source.Copy());
     ASSERT_NE(pCopy, nullptr);
@@ -252,7 +252,7 @@ TYPED_TEST(CopyingCollection, Copy_OfAnEmptyCollection_IsANewEmptyOne) {
     EXPECT_TRUE(pCopy->m_vecItems.empty());
 }
 
-TYPED_TEST(CopyingCollection, Copy_IsDeepAndOutlivesTheSource) {
+TYPED_TEST(CopyingCollectionTest, Copy_IsDeepAndOutlivesTheSource) {
     auto source = std::make_unique<TypeParam>();
     source->m_vecItems.push_back(TestFixture::NewItem());
     source->m_vecItems.push_back(nullptr);

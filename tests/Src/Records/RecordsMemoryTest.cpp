@@ -34,7 +34,7 @@ void operator delete(void* block, std::size_t) noexcept {
 
 namespace {
 
-class RecordsMemory : public testing::Test {
+class RecordsMemoryTest : public testing::Test {
   protected:
     void SetUp() override {
         // A memory checker puts its own allocation in the place of this program's.
@@ -67,8 +67,8 @@ class RecordsMemory : public testing::Test {
     }
 };
 
-const std::wstring OLD = L"what the record held before, which is long";
-const std::wstring NEW = L"what the record is to hold, which is much longer than what it held before";
+const std::wstring kOld = L"what the record held before, which is long";
+const std::wstring kNew = L"what the record is to hold, which is much longer than what it held before";
 
 // Every text of a record is the given one.
 void Fill(CAdapterManualAuthInfo& rRecord, const std::wstring& rwsText) {
@@ -113,24 +113,24 @@ std::wstring Texts(const CDiagResult& r) {
 }
 
 template <class TRecord>
-struct AssignedRecord : RecordsMemory {};
+struct AssignedRecordTest : RecordsMemoryTest {};
 using Records = testing::Types<CAdapterManualAuthInfo, CAdapterAuthTypeInfo, CAdapterPACInfo,
                                CAdapterManualPMKInfo, CAdapterLinksecSavedCredInfo, CDiagResult>;
-TYPED_TEST_SUITE(AssignedRecord, Records);
+TYPED_TEST_SUITE(AssignedRecordTest, Records);
 
-TYPED_TEST(AssignedRecord, WithoutMemory_IsAsItWas) {
+TYPED_TEST(AssignedRecordTest, WithoutMemory_IsAsItWas) {
     TypeParam record;
-    Fill(record, OLD);
+    Fill(record, kOld);
     TypeParam other;
-    Fill(other, NEW);
+    Fill(other, kNew);
     const std::wstring before = Texts(record);
     this->FailEachAllocation([&] { record = other; }, [&] { EXPECT_EQ(Texts(record), before); });
     EXPECT_EQ(Texts(record), Texts(other));
 }
 
-TYPED_TEST(AssignedRecord, ToItselfWithoutMemory_IsAsItWas) {
+TYPED_TEST(AssignedRecordTest, ToItselfWithoutMemory_IsAsItWas) {
     TypeParam record;
-    Fill(record, OLD);
+    Fill(record, kOld);
     const std::wstring before = Texts(record);
     const TypeParam& rSame = record;
     this->FailEachAllocation([&] { record = rSame; }, [&] { EXPECT_EQ(Texts(record), before); });
@@ -147,30 +147,30 @@ void Fill(CAdapter& rAdapter, const std::wstring& rwsText) {
     rAdapter.m_pPerformanceProfiles = new CPerformanceProfiles;
 }
 
-TEST_F(RecordsMemory, AdapterThatIsAssigned_KeepsItsTextsAndRecords) {
+TEST_F(RecordsMemoryTest, AdapterThatIsAssigned_KeepsItsTextsAndRecords) {
     CAdapter adapter;
-    Fill(adapter, OLD);
+    Fill(adapter, kOld);
     CAdapter other;
-    Fill(other, NEW);
+    Fill(other, kNew);
     const auto* const pBefore = adapter.m_pAdapterDynamicInfo;
     FailEachAllocation([&] { adapter = other; },
                        [&] {
-                           EXPECT_EQ(adapter.m_wsAdapterID + adapter.m_wsName, OLD + OLD);
+                           EXPECT_EQ(adapter.m_wsAdapterID + adapter.m_wsName, kOld + kOld);
                            EXPECT_EQ(adapter.m_pAdapterDynamicInfo, pBefore);
-                           EXPECT_EQ(adapter.m_pAdapterDynamicInfo->m_wsStatus, OLD);
+                           EXPECT_EQ(adapter.m_pAdapterDynamicInfo->m_wsStatus, kOld);
                        });
-    EXPECT_EQ(adapter.m_wsSlotID, NEW);
+    EXPECT_EQ(adapter.m_wsSlotID, kNew);
     EXPECT_EQ(adapter.m_pAdapterDynamicInfo, other.m_pAdapterDynamicInfo);
 }
 
-TEST_F(RecordsMemory, AdapterThatIsCopied_LosesNothing) {
+TEST_F(RecordsMemoryTest, AdapterThatIsCopied_LosesNothing) {
     CAdapter adapter;
-    Fill(adapter, OLD);
+    Fill(adapter, kOld);
     std::unique_ptr<CAdapter> pCopy;
     FailEachAllocation([&] { pCopy.reset(adapter.Copy()); },
                        [&] {
                            EXPECT_EQ(pCopy, nullptr);
-                           EXPECT_EQ(adapter.m_pAdapterDynamicInfo->m_wsStatus, OLD);
+                           EXPECT_EQ(adapter.m_pAdapterDynamicInfo->m_wsStatus, kOld);
                            EXPECT_EQ(adapter.m_pTeamModes->m_vecItems.size(), 1u);
                        });
     ASSERT_NE(pCopy, nullptr);

@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST(Team, StartsEmptyAndCopiesEveryField) {
+TEST(TeamTest, StartsEmptyAndCopiesEveryField) {
     EXPECT_TRUE(std::has_virtual_destructor_v<CTeam>);
     CTeam team;
     EXPECT_EQ(team.m_wsTeamID + team.m_wsName + team.m_wsCaption + team.m_wsTeamMacAddress, L"");
@@ -35,7 +35,7 @@ TEST(Team, StartsEmptyAndCopiesEveryField) {
     }
 }
 
-TEST(Team, EnumerationsCarryAnyNumberOfTheProvider) {
+TEST(TeamTest, EnumerationsCarryAnyNumberOfTheProvider) {
     EXPECT_EQ(CTeam::TeamMode0, 0);
     EXPECT_EQ(CTeam::TeamMode6, 6);
     EXPECT_EQ(CTeam::TeamModeUnknown, 255);
@@ -48,7 +48,7 @@ TEST(Team, EnumerationsCarryAnyNumberOfTheProvider) {
     EXPECT_EQ(static_cast<ePERFORMANCE_PROFILE>(65535), 65535);
 }
 
-TEST(TeamedAdapter, DisplayNameStartsNotAvailable) {
+TEST(TeamedAdapterTest, DisplayNameStartsNotAvailable) {
     const CTeamedAdapter member;
     EXPECT_TRUE(std::has_virtual_destructor_v<CTeamedAdapter>);
     EXPECT_EQ(member.m_wsDisplayName, L"Not Available");
@@ -59,14 +59,14 @@ TEST(TeamedAdapter, DisplayNameStartsNotAvailable) {
     EXPECT_EQ(member.m_lMemberStatus, 0);
 }
 
-TEST(TeamedAdapter, StatusNumbers) {
+TEST(TeamedAdapterTest, StatusNumbers) {
     EXPECT_EQ(CTeamedAdapter::MemberStatusUnknown, 0);
     EXPECT_EQ(CTeamedAdapter::MemberStatusActive, 1);
     EXPECT_EQ(CTeamedAdapter::MemberStatusInactive, 3);
     EXPECT_EQ(CTeamedAdapter::MemberStatusMissing, 4);
 }
 
-TEST(TeamedAdapter, CopyAssignmentAndCopy_TakeEveryField) {
+TEST(TeamedAdapterTest, CopyAssignmentAndCopy_TakeEveryField) {
     CTeamedAdapter member;
     member.m_wsDisplayName = L"display";
     member.m_wsAdapterID = L"adapter";
@@ -99,11 +99,11 @@ struct Derived : TRecord {
 };
 
 template <class TCollection>
-struct DerivedElements : testing::Test {};
+struct DerivedElementsTest : testing::Test {};
 using DerivableCollections = testing::Types<CTeamedAdapters, CTeamWizTeamModes, CPerformanceProfiles>;
-TYPED_TEST_SUITE(DerivedElements, DerivableCollections);
+TYPED_TEST_SUITE(DerivedElementsTest, DerivableCollections);
 
-TYPED_TEST(DerivedElements, KeepTheirTypeInACopy) {
+TYPED_TEST(DerivedElementsTest, KeepTheirTypeInACopy) {
     using Record = std::remove_pointer_t<typename decltype(TypeParam::m_vecItems)::value_type>;
     TypeParam source;
     source.m_vecItems.push_back(new Derived<Record>);
@@ -111,7 +111,7 @@ TYPED_TEST(DerivedElements, KeepTheirTypeInACopy) {
     EXPECT_NE(dynamic_cast<Derived<Record>*>(pCopy->m_vecItems.at(0)), nullptr);
 }
 
-TEST(TeamWizAdapter, AllTextsStartNotAvailable) {
+TEST(TeamWizAdapterTest, AllTextsStartNotAvailable) {
     CTeamWizAdapter adapter;
     EXPECT_TRUE(std::has_virtual_destructor_v<CTeamWizAdapter>);
     EXPECT_EQ(adapter.m_wsAdapterID, L"Not Available");
@@ -127,7 +127,7 @@ TEST(TeamWizAdapter, AllTextsStartNotAvailable) {
     EXPECT_EQ(assigned.m_lAdapterStatus, 5);
 }
 
-TEST(TeamWizTeamMode, CopiesModeAndText) {
+TEST(TeamWizTeamModeTest, CopiesModeAndText) {
     CTeamWizTeamMode mode;
     EXPECT_TRUE(std::has_virtual_destructor_v<CTeamWizTeamMode>);
     EXPECT_EQ(mode.m_lTeamMode, 0);
@@ -143,7 +143,7 @@ TEST(TeamWizTeamMode, CopiesModeAndText) {
     EXPECT_EQ(assigned.m_wsDescription, L"four");
 }
 
-TEST(VLAN, StartsEmptyAndCopiesEveryField) {
+TEST(VLANTest, StartsEmptyAndCopiesEveryField) {
     EXPECT_FALSE(std::is_polymorphic_v<CVLAN>);
     CVLAN vlan;
     EXPECT_EQ(vlan.m_wsName + vlan.m_wsCaption + vlan.m_wsParentID + vlan.m_wsVLANName + vlan.m_wsVLANID,
@@ -195,7 +195,7 @@ TEST(DiagTest, StartsEmptyAndCopiesEveryField) {
     }
 }
 
-TEST(ISCSIAdapter, StartsEmptyAndCopiesEveryField) {
+TEST(ISCSIAdapterTest, StartsEmptyAndCopiesEveryField) {
     EXPECT_FALSE(std::is_polymorphic_v<CISCSIAdapter>);
     CISCSIAdapter adapter;
     EXPECT_EQ(adapter.m_wsPath + adapter.m_wsBootAgentID + adapter.m_wsAdapterName, L"");
@@ -212,7 +212,7 @@ TEST(ISCSIAdapter, StartsEmptyAndCopiesEveryField) {
     EXPECT_EQ(assigned.m_eStatus, 99);
 }
 
-TEST(iSCSI, StartsClearAndAssignsEverything) {
+TEST(iSCSITest, StartsClearAndAssignsEverything) {
     CiSCSI state;
     EXPECT_EQ(state.m_lStatus, 0);
     EXPECT_FALSE(state.m_bOSSupported || state.m_bPatchPresent || state.m_bHotFixPresent);
@@ -226,7 +226,7 @@ TEST(iSCSI, StartsClearAndAssignsEverything) {
     EXPECT_TRUE(assigned.m_bOSSupported && assigned.m_bPatchPresent && assigned.m_bHotFixPresent);
 }
 
-TEST(PerformanceProfile, NumbersDefaultsAndCopies) {
+TEST(PerformanceProfileTest, NumbersDefaultsAndCopies) {
     EXPECT_EQ(PERFORMANCE_PROFILE_NOT_SUPPORTED, 0);
     EXPECT_EQ(PERFORMANCE_PROFILE_CUSTOM, 1);
     EXPECT_EQ(PERFORMANCE_PROFILE_HYPERV, 5);

@@ -26,9 +26,9 @@ struct Expected {
     LONG disabled;
 };
 
-class EnabledValues : public testing::TestWithParam<Expected> {};
+class EnabledValuesTest : public testing::TestWithParam<Expected> {};
 
-TEST_P(EnabledValues, AreThoseOfTheCaption) {
+TEST_P(EnabledValuesTest, AreThoseOfTheCaption) {
     CSettingEnum setting = WithCaption(GetParam().caption);
     EXPECT_EQ(setting.GetEnabledValue(), GetParam().enabled);
     EXPECT_EQ(setting.GetDisabledValue(), GetParam().disabled);
@@ -41,7 +41,7 @@ TEST_P(EnabledValues, AreThoseOfTheCaption) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    ByCaption, EnabledValues,
+    ByCaption, EnabledValuesTest,
     testing::Values(Expected{L"*RSS", 1, 0}, Expected{L"RssMode", 65535, 0}, Expected{L"EnableDca", 1, 0},
                     Expected{L"InitiatorDHCP", 1, 0}, Expected{L"TargetDHCP", 1, 0},
                     Expected{L"Authentication", 1, 0}, Expected{L"*TCPChecksumOffloadIPv4", 3, 0},
@@ -56,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Expected{L"*FlowControl", 1, 0}, Expected{L"", 1, 0}, Expected{L"*rss", 1, 0},
                     Expected{L"rssmode", 1, 0}, Expected{L"loglinkstateevent", 1, 0}));
 
-TEST(SettingEnum, IsEnabled_OfAnotherValueThanTheEnabledOne_IsFalse) {
+TEST(SettingEnumTest, IsEnabled_OfAnotherValueThanTheEnabledOne_IsFalse) {
     CSettingEnum setting = WithCaption(L"*TCPChecksumOffloadIPv4");
     setting.m_lCurrentValue = 1;
     EXPECT_FALSE(setting.IsEnabled());
@@ -64,38 +64,38 @@ TEST(SettingEnum, IsEnabled_OfAnotherValueThanTheEnabledOne_IsFalse) {
     EXPECT_TRUE(setting.IsEnabled());
 }
 
-TEST(SettingEnum, GetEnabledValue_GoesByTheCaptionNotByTheDescriptions) {
+TEST(SettingEnumTest, GetEnabledValue_GoesByTheCaptionNotByTheDescriptions) {
     CSettingEnum setting = WithCaption(L"RssMode");
     setting.m_vecPossibleValues = {L"7"};
     setting.m_vecDescriptionMap = {L"Enabled"};
     EXPECT_EQ(setting.GetEnabledValue(), 65535);
 }
 
-TEST(SettingEnum, GetDesc_FindsTheTextOfAValueIgnoringCase) {
+TEST(SettingEnumTest, GetDesc_FindsTheTextOfAValueIgnoringCase) {
     const CSettingEnum setting = SpeedDuplex();
     EXPECT_EQ(setting.GetDesc(L"4"), L"100 Mbps Full Duplex");
     EXPECT_EQ(setting.GetDesc(L"5"), L"");
     EXPECT_EQ(setting.GetDesc(L""), L"");
 }
 
-TEST(SettingEnum, GetDesc_BeyondTheDescriptions_IsEmpty) {
+TEST(SettingEnumTest, GetDesc_BeyondTheDescriptions_IsEmpty) {
     EXPECT_EQ(SpeedDuplex().GetDesc(L"A"), L"");
 }
 
-TEST(SettingEnum, GetDesc_OfAValueThatOccursTwice_IsTheFirst) {
+TEST(SettingEnumTest, GetDesc_OfAValueThatOccursTwice_IsTheFirst) {
     CSettingEnum setting;
     setting.m_vecPossibleValues = {L"b", L"B"};
     setting.m_vecDescriptionMap = {L"first", L"second"};
     EXPECT_EQ(setting.GetDesc(L"B"), L"first");
 }
 
-TEST(SettingEnum, GetValue_FindsTheValueOfATextIgnoringCase) {
+TEST(SettingEnumTest, GetValue_FindsTheValueOfATextIgnoringCase) {
     const CSettingEnum setting = SpeedDuplex();
     EXPECT_EQ(setting.GetValue(L"1.0 gbps full duplex"), L"6");
     EXPECT_EQ(setting.GetValue(L"1.0 Gbps"), L"");
 }
 
-TEST(SettingEnum, GetValue_BeyondTheValues_IsEmpty) {
+TEST(SettingEnumTest, GetValue_BeyondTheValues_IsEmpty) {
     CSettingEnum setting;
     setting.m_vecPossibleValues = {L"0"};
     setting.m_vecDescriptionMap = {L"Off", L"On"};
@@ -103,7 +103,7 @@ TEST(SettingEnum, GetValue_BeyondTheValues_IsEmpty) {
     EXPECT_EQ(setting.GetValue(L"off"), L"0");
 }
 
-TEST(SettingEnum, GetDescForCurrentValue_IsTheTextOfTheCurrentValue) {
+TEST(SettingEnumTest, GetDescForCurrentValue_IsTheTextOfTheCurrentValue) {
     CSettingEnum setting = SpeedDuplex();
     setting.m_lCurrentValue = 6;
     EXPECT_EQ(setting.GetDescForCurrentValue(), L"1.0 Gbps Full Duplex");
@@ -113,7 +113,7 @@ TEST(SettingEnum, GetDescForCurrentValue_IsTheTextOfTheCurrentValue) {
 
 using Lines = std::vector<std::string>;
 
-TEST(SettingEnumTrace, EnabledAndDisabledValue_OfAKnownCaption) {
+TEST(SettingEnumTraceTest, EnabledAndDisabledValue_OfAKnownCaption) {
     const CSettingEnum setting = WithCaption(L"*RSS");
     TraceFile trace;
     setting.GetEnabledValue();
@@ -124,7 +124,7 @@ TEST(SettingEnumTrace, EnabledAndDisabledValue_OfAKnownCaption) {
                "Entering CSettingEnum::GetDisabledValue()", "Exiting CSettingEnum::GetDisabledValue()"}));
 }
 
-TEST(SettingEnumTrace, EnabledAndDisabledValue_OfAnUnknownCaptionSayOne) {
+TEST(SettingEnumTraceTest, EnabledAndDisabledValue_OfAnUnknownCaptionSayOne) {
     const CSettingEnum setting = WithCaption(L"*rss");
     TraceFile trace;
     EXPECT_EQ(setting.GetEnabledValue(), 1);
@@ -138,7 +138,7 @@ TEST(SettingEnumTrace, EnabledAndDisabledValue_OfAnUnknownCaptionSayOne) {
                "Exiting CSettingEnum::GetDisabledValue()"}));
 }
 
-TEST(SettingEnumTrace, EnableAndIsEnabled_TraceTheLookUpInside) {
+TEST(SettingEnumTraceTest, EnableAndIsEnabled_TraceTheLookUpInside) {
     CSettingEnum setting = WithCaption(L"*RSS");
     TraceFile trace;
     setting.Enable(false);
@@ -151,7 +151,7 @@ TEST(SettingEnumTrace, EnableAndIsEnabled_TraceTheLookUpInside) {
                      "Exiting CSettingEnum::GetEnabledValue()", "Exiting CSettingEnum::IsEnabled()"}));
 }
 
-TEST(SettingEnumTrace, Texts) {
+TEST(SettingEnumTraceTest, Texts) {
     const CSettingEnum setting = SpeedDuplex();
     TraceFile trace;
     setting.GetDescForCurrentValue();

@@ -13,7 +13,7 @@ struct Expected {
     const wchar_t* older;
     bool hasOlder;
 };
-constexpr Expected table[] = {
+constexpr Expected kTable[] = {
     {0, L"*SpeedDuplex", L"SpeedDuplex", true},          {1, L"*FlowControl", L"FlowControl", true},
     {2, L"*JumboPacket", L"MaxFrameSize", true},         {3, L"*RSS", L"RssMode", true},
     {4, L"*TransmitBuffers", L"NumTxDescriptors", true}, {5, L"*ReceiveBuffers", L"NumRxDescriptors", true},
@@ -21,7 +21,7 @@ constexpr Expected table[] = {
     {8, L"*LsoV2IPv6", L"SettingNameUnknown", false},    {9, L"*IPsecOffloadV2", L"IPSecEnabled", true},
 };
 
-TEST(AdvancedSettingNames, EnumeratorsHaveTheirNumbers) {
+TEST(AdvancedSettingNamesTest, EnumeratorsHaveTheirNumbers) {
     EXPECT_EQ(static_cast<LONG>(SettingName::SpeedDuplex), 0);
     EXPECT_EQ(static_cast<LONG>(SettingName::FlowControl), 1);
     EXPECT_EQ(static_cast<LONG>(SettingName::MaxFrameSize), 2);
@@ -34,44 +34,44 @@ TEST(AdvancedSettingNames, EnumeratorsHaveTheirNumbers) {
     EXPECT_EQ(static_cast<LONG>(SettingName::IPSecEnabled), 9);
 }
 
-TEST(AdvancedSettingNames, HasAVirtualDestructorAndOneFlag) {
+TEST(AdvancedSettingNamesTest, HasAVirtualDestructorAndOneFlag) {
     EXPECT_TRUE(std::has_virtual_destructor_v<CAdvancedSettingNames>);
     EXPECT_FALSE(CAdvancedSettingNames().m_bUseStandardKeywords);
     EXPECT_TRUE(CAdvancedSettingNames(true).m_bUseStandardKeywords);
 }
 
 // Every system that the tests run on is of the NT platform with major version 6 or higher.
-TEST(AdvancedSettingNames, GetSettingName_WithStandardKeywords_GivesTheStandardisedOne) {
+TEST(AdvancedSettingNamesTest, GetSettingName_WithStandardKeywords_GivesTheStandardisedOne) {
     const CAdvancedSettingNames names(true);
-    for (const Expected& rExpected : table) {
+    for (const Expected& rExpected : kTable) {
         EXPECT_EQ(names.GetSettingName(SettingName(rExpected.number)), rExpected.standard);
     }
 }
 
-TEST(AdvancedSettingNames, GetSettingName_WithoutStandardKeywords_GivesTheOlderOne) {
+TEST(AdvancedSettingNamesTest, GetSettingName_WithoutStandardKeywords_GivesTheOlderOne) {
     const CAdvancedSettingNames names(false);
-    for (const Expected& rExpected : table) {
+    for (const Expected& rExpected : kTable) {
         EXPECT_EQ(names.GetSettingName(SettingName(rExpected.number)), rExpected.older);
     }
 }
 
-TEST(AdvancedSettingNames, GetSettingName_FollowsTheFlagWhenItChanges) {
+TEST(AdvancedSettingNamesTest, GetSettingName_FollowsTheFlagWhenItChanges) {
     CAdvancedSettingNames names(true);
     names.m_bUseStandardKeywords = false;
     EXPECT_EQ(names.GetSettingName(SettingName::RssMode), L"RssMode");
 }
 
-TEST(AdvancedSettingNames, GetSettingName_OfANumberThatIsNoSetting_IsNone) {
+TEST(AdvancedSettingNamesTest, GetSettingName_OfANumberThatIsNoSetting_IsNone) {
     for (const LONG number : {10, -1, 2147483647, -2147483647 - 1}) {
         EXPECT_EQ(CAdvancedSettingNames(true).GetSettingName(SettingName(number)), L"None");
         EXPECT_EQ(CAdvancedSettingNames(false).GetSettingName(SettingName(number)), L"None");
     }
 }
 
-TEST(AdvancedSettingNames, IsSettingName_TakesEitherKeywordWhicheverIsUsed) {
+TEST(AdvancedSettingNamesTest, IsSettingName_TakesEitherKeywordWhicheverIsUsed) {
     for (const bool bStandard : {false, true}) {
         const CAdvancedSettingNames names(bStandard);
-        for (const Expected& rExpected : table) {
+        for (const Expected& rExpected : kTable) {
             const auto eName = static_cast<SettingName>(rExpected.number);
             EXPECT_TRUE(names.IsSettingName(eName, rExpected.standard));
             EXPECT_EQ(names.IsSettingName(eName, rExpected.older), rExpected.hasOlder);
@@ -79,7 +79,7 @@ TEST(AdvancedSettingNames, IsSettingName_TakesEitherKeywordWhicheverIsUsed) {
     }
 }
 
-TEST(AdvancedSettingNames, IsSettingName_ComparesExactly) {
+TEST(AdvancedSettingNamesTest, IsSettingName_ComparesExactly) {
     const CAdvancedSettingNames names(true);
     EXPECT_FALSE(names.IsSettingName(SettingName::RssMode, L"*rss"));
     EXPECT_FALSE(names.IsSettingName(SettingName::RssMode, L"rssmode"));
@@ -87,7 +87,7 @@ TEST(AdvancedSettingNames, IsSettingName_ComparesExactly) {
     EXPECT_FALSE(names.IsSettingName(SettingName::RssMode, L""));
 }
 
-TEST(AdvancedSettingNames, IsSettingName_OfANumberThatIsNoSetting_IsFalse) {
+TEST(AdvancedSettingNamesTest, IsSettingName_OfANumberThatIsNoSetting_IsFalse) {
     const CAdvancedSettingNames names(true);
     for (const LONG number : {10, -1}) {
         EXPECT_FALSE(names.IsSettingName(SettingName(number), L"None"));

@@ -24,7 +24,7 @@ std::size_t Slot(TFunction CSetting::*pFunction) {
     return (word - 1) / sizeof(void*);
 }
 
-TEST(Setting, StartsEmpty) {
+TEST(SettingTest, StartsEmpty) {
     const Bare setting;
     EXPECT_EQ(setting.m_wsCaption + setting.m_wsMiniHelp + setting.m_wsDescription + setting.m_wsPath +
                   setting.m_wsExposeLevel + setting.m_wsExtra,
@@ -34,7 +34,7 @@ TEST(Setting, StartsEmpty) {
     EXPECT_EQ(setting.m_lGroupId, 0);
 }
 
-TEST(Setting, TypesHaveTheirNumbers) {
+TEST(SettingTest, TypesHaveTheirNumbers) {
     EXPECT_EQ(CSettingInt().GetSettingType(), 0);
     EXPECT_EQ(CSettingEnum().GetSettingType(), 1);
     EXPECT_EQ(CSettingSlider().GetSettingType(), 2);
@@ -43,7 +43,7 @@ TEST(Setting, TypesHaveTheirNumbers) {
     EXPECT_EQ(CSettingMultiString().GetSettingType(), 6);
 }
 
-TEST(Setting, VirtualOperationsStandInOrderAfterTheDestructor) {
+TEST(SettingTest, VirtualOperationsStandInOrderAfterTheDestructor) {
     EXPECT_TRUE(std::is_abstract_v<CSetting>);
     EXPECT_TRUE(std::has_virtual_destructor_v<CSetting>);
     const std::size_t first = 2; // the destructor takes two slots: destroy, and destroy and free
@@ -60,7 +60,7 @@ TEST(Setting, VirtualOperationsStandInOrderAfterTheDestructor) {
     EXPECT_EQ(Slot(&CSetting::GetSettingType), first + 10);
 }
 
-TEST(Setting, TheBaseDoesNothing) {
+TEST(SettingTest, TheBaseDoesNothing) {
     Bare setting;
     Texts texts{L"kept"};
     LONG lNumber = 5;
@@ -80,7 +80,7 @@ TEST(Setting, TheBaseDoesNothing) {
     EXPECT_FALSE(setting.ClearValues());
 }
 
-TEST(Setting, GetExposeLevel_ReadsTheDecimalText) {
+TEST(SettingTest, GetExposeLevel_ReadsTheDecimalText) {
     CSettingString setting;
     EXPECT_EQ(setting.GetExposeLevel(), 0);
     setting.m_wsExposeLevel = L"3";
@@ -198,12 +198,12 @@ void Expect(const CSettingMultiString& r) {
 }
 
 template <class TSetting>
-struct SettingKind : testing::Test {};
+struct SettingKindTest : testing::Test {};
 using AllKinds = testing::Types<CSettingInt, CSettingEnum, CSettingSlider, CSettingString,
                                 CSettingMultiSelection, CSettingMultiString>;
-TYPED_TEST_SUITE(SettingKind, AllKinds);
+TYPED_TEST_SUITE(SettingKindTest, AllKinds);
 
-TYPED_TEST(SettingKind, CopyAssignmentAndCopy_TakeEveryFieldAndKeepTheKind) {
+TYPED_TEST(SettingKindTest, CopyAssignmentAndCopy_TakeEveryFieldAndKeepTheKind) {
     auto source = std::make_unique<TypeParam>();
     FillBase(*source);
     Fill(*source);
@@ -220,7 +220,7 @@ TYPED_TEST(SettingKind, CopyAssignmentAndCopy_TakeEveryFieldAndKeepTheKind) {
     }
 }
 
-TYPED_TEST(SettingKind, SetCurrentValue_FromNullOrAnotherKind_ChangesNothing) {
+TYPED_TEST(SettingKindTest, SetCurrentValue_FromNullOrAnotherKind_ChangesNothing) {
     TypeParam setting;
     Fill(setting);
     CSettingInt number;
@@ -239,7 +239,7 @@ TYPED_TEST(SettingKind, SetCurrentValue_FromNullOrAnotherKind_ChangesNothing) {
     Expect(setting);
 }
 
-TYPED_TEST(SettingKind, SetCurrentValue_FromItsOwnKind_TakesTheCurrentValueOnly) {
+TYPED_TEST(SettingKindTest, SetCurrentValue_FromItsOwnKind_TakesTheCurrentValueOnly) {
     TypeParam source;
     Fill(source);
     FillBase(source);
@@ -252,14 +252,14 @@ TYPED_TEST(SettingKind, SetCurrentValue_FromItsOwnKind_TakesTheCurrentValueOnly)
     EXPECT_EQ(target.GetCurrentValue(), source.GetCurrentValue());
 }
 
-TYPED_TEST(SettingKind, GetCurrentValue_IsTheCurrentValueAsText) {
+TYPED_TEST(SettingKindTest, GetCurrentValue_IsTheCurrentValueAsText) {
     TypeParam setting;
     Fill(setting);
     EXPECT_EQ(setting.GetCurrentValue(), setting.CurrentValueToSTRING());
     EXPECT_NE(setting.GetCurrentValue(), L"");
 }
 
-TYPED_TEST(SettingKind, GetCurrentVal_OfTheWrongType_IsFalseAndLeavesTheArgument) {
+TYPED_TEST(SettingKindTest, GetCurrentVal_OfTheWrongType_IsFalseAndLeavesTheArgument) {
     TypeParam setting;
     Fill(setting);
     Texts texts{L"kept"};
@@ -276,11 +276,11 @@ TYPED_TEST(SettingKind, GetCurrentVal_OfTheWrongType_IsFalseAndLeavesTheArgument
 
 // The four kinds with a number as their value.
 template <class TSetting>
-struct NumberKind : testing::Test {};
+struct NumberKindTest : testing::Test {};
 using NumberKinds = testing::Types<CSettingInt, CSettingEnum, CSettingSlider, CSettingMultiSelection>;
-TYPED_TEST_SUITE(NumberKind, NumberKinds);
+TYPED_TEST_SUITE(NumberKindTest, NumberKinds);
 
-TYPED_TEST(NumberKind, GetCurrentVal_GivesTheNumber) {
+TYPED_TEST(NumberKindTest, GetCurrentVal_GivesTheNumber) {
     TypeParam setting;
     setting.m_lCurrentValue = -5;
     LONG lNumber = 0;
@@ -289,7 +289,7 @@ TYPED_TEST(NumberKind, GetCurrentVal_GivesTheNumber) {
     EXPECT_EQ(setting.CurrentValueToSTRING(), L"-5");
 }
 
-TYPED_TEST(NumberKind, SetCurrentValue_FromText_ParsesDecimal) {
+TYPED_TEST(NumberKindTest, SetCurrentValue_FromText_ParsesDecimal) {
     TypeParam setting;
     setting.SetCurrentValue(std::wstring(L"65535"));
     EXPECT_EQ(setting.m_lCurrentValue, 65535);
@@ -301,7 +301,7 @@ TYPED_TEST(NumberKind, SetCurrentValue_FromText_ParsesDecimal) {
     EXPECT_EQ(setting.m_lCurrentValue, 2147483647);
 }
 
-TEST(SettingInt, SetCurrentValue_StoresANumber) {
+TEST(SettingIntTest, SetCurrentValue_StoresANumber) {
     CSettingInt setting;
     setting.SetCurrentValue(LONG{12});
     EXPECT_EQ(setting.m_lCurrentValue, 12);
@@ -310,7 +310,7 @@ TEST(SettingInt, SetCurrentValue_StoresANumber) {
     EXPECT_EQ(choice.m_lCurrentValue, -12);
 }
 
-TEST(SettingInt, ClearValues_KeepsTheNumbersAndReturnsFalse) {
+TEST(SettingIntTest, ClearValues_KeepsTheNumbersAndReturnsFalse) {
     CSettingInt setting;
     Fill(setting);
     EXPECT_FALSE(setting.ClearValues());
@@ -330,15 +330,15 @@ void TestClearValues() {
     ExpectBase(setting);
 }
 
-TEST(SettingEnum, ClearValues_EmptiesTheValuesAndKeepsTheRest) {
+TEST(SettingEnumTest, ClearValues_EmptiesTheValuesAndKeepsTheRest) {
     TestClearValues<CSettingEnum>();
 }
 
-TEST(SettingMultiSelection, ClearValues_EmptiesTheValuesAndKeepsTheRest) {
+TEST(SettingMultiSelectionTest, ClearValues_EmptiesTheValuesAndKeepsTheRest) {
     TestClearValues<CSettingMultiSelection>();
 }
 
-TEST(SettingSlider, ClearValues_EmptiesTheValuesAndKeepsTheRest) {
+TEST(SettingSliderTest, ClearValues_EmptiesTheValuesAndKeepsTheRest) {
     CSettingSlider setting;
     FillBase(setting);
     Fill(setting);
@@ -350,7 +350,7 @@ TEST(SettingSlider, ClearValues_EmptiesTheValuesAndKeepsTheRest) {
     ExpectBase(setting);
 }
 
-TEST(SettingString, ValueIsTheTextItself) {
+TEST(SettingStringTest, ValueIsTheTextItself) {
     CSettingString setting;
     setting.SetCurrentValue(std::wstring(L"fe80::1, up"));
     EXPECT_EQ(setting.m_wsCurrentValue, L"fe80::1, up");
@@ -362,7 +362,7 @@ TEST(SettingString, ValueIsTheTextItself) {
     EXPECT_EQ(setting.m_wsCurrentValue, L"fe80::1, up");
 }
 
-TEST(SettingString, ClearValues_EmptiesAllThreeTexts) {
+TEST(SettingStringTest, ClearValues_EmptiesAllThreeTexts) {
     CSettingString setting;
     FillBase(setting);
     Fill(setting);
@@ -371,7 +371,7 @@ TEST(SettingString, ClearValues_EmptiesAllThreeTexts) {
     ExpectBase(setting);
 }
 
-TEST(SettingMultiString, CurrentValueToSTRING_JoinsWithCommaOnly) {
+TEST(SettingMultiStringTest, CurrentValueToSTRING_JoinsWithCommaOnly) {
     CSettingMultiString setting;
     EXPECT_EQ(setting.CurrentValueToSTRING(), L"");
     setting.m_vecCurrentValues = {L"a"};
@@ -382,7 +382,7 @@ TEST(SettingMultiString, CurrentValueToSTRING_JoinsWithCommaOnly) {
     EXPECT_EQ(setting.CurrentValueToSTRING(), L",,");
 }
 
-TEST(SettingMultiString, SetCurrentValue_WithoutASeparator_LeavesTheListEmpty) {
+TEST(SettingMultiStringTest, SetCurrentValue_WithoutASeparator_LeavesTheListEmpty) {
     CSettingMultiString setting;
     setting.m_vecCurrentValues = {L"old", L"values"};
     setting.SetCurrentValue(std::wstring(L"a"));
@@ -392,7 +392,7 @@ TEST(SettingMultiString, SetCurrentValue_WithoutASeparator_LeavesTheListEmpty) {
     EXPECT_TRUE(setting.m_vecCurrentValues.empty());
 }
 
-TEST(SettingMultiString, SetCurrentValue_KeepsEveryPieceEmptyOnesIncluded) {
+TEST(SettingMultiStringTest, SetCurrentValue_KeepsEveryPieceEmptyOnesIncluded) {
     CSettingMultiString setting;
     setting.SetCurrentValue(std::wstring(L"a,b,"));
     EXPECT_EQ(setting.m_vecCurrentValues, (Texts{L"a", L"b", L""}));
@@ -404,14 +404,14 @@ TEST(SettingMultiString, SetCurrentValue_KeepsEveryPieceEmptyOnesIncluded) {
     EXPECT_EQ(setting.m_vecCurrentValues, (Texts{L"", L"", L" x"}));
 }
 
-TEST(SettingMultiString, SetCurrentValue_FromOneOfItsOwnTexts) {
+TEST(SettingMultiStringTest, SetCurrentValue_FromOneOfItsOwnTexts) {
     CSettingMultiString setting;
     setting.m_vecCurrentValues = {L"some longer text, in two pieces"};
     setting.SetCurrentValue(setting.m_vecCurrentValues[0]);
     EXPECT_EQ(setting.m_vecCurrentValues, (Texts{L"some longer text", L" in two pieces"}));
 }
 
-TEST(SettingMultiString, SetCurrentValue_FromAnother_TakesTheWholeList) {
+TEST(SettingMultiStringTest, SetCurrentValue_FromAnother_TakesTheWholeList) {
     CSettingMultiString source;
     source.m_vecCurrentValues = {L"single"};
     CSettingMultiString target;
@@ -422,7 +422,7 @@ TEST(SettingMultiString, SetCurrentValue_FromAnother_TakesTheWholeList) {
     EXPECT_EQ(texts, Texts{L"single"});
 }
 
-TEST(SettingMultiString, ClearValues_EmptiesListAndTexts) {
+TEST(SettingMultiStringTest, ClearValues_EmptiesListAndTexts) {
     CSettingMultiString setting;
     FillBase(setting);
     Fill(setting);
@@ -432,7 +432,7 @@ TEST(SettingMultiString, ClearValues_EmptiesListAndTexts) {
     ExpectBase(setting);
 }
 
-TEST(SettingSetCurrentValue, FromAClassOfTheCallersOwn_GoesThroughItsAccessor) {
+TEST(SettingSetCurrentValueTest, FromAClassOfTheCallersOwn_GoesThroughItsAccessor) {
     struct Pretender : CSetting {
         using CSetting::GetCurrentVal;
         bool GetCurrentVal(LONG& rlValue) const override {
@@ -458,7 +458,7 @@ CSetting* NewWithCaption(CSetting* pSetting, const wchar_t* caption) {
     return pSetting;
 }
 
-TEST(Settings, GetSettingByCaption_IgnoresCaseAndReturnsTheFirst) {
+TEST(SettingsTest, GetSettingByCaption_IgnoresCaseAndReturnsTheFirst) {
     CSettings settings;
     settings.m_vecItems = {NewWithCaption(new CSettingInt, L"*JumboPacket"), nullptr,
                            NewWithCaption(new CSettingEnum, L"*RSS"),
@@ -469,11 +469,11 @@ TEST(Settings, GetSettingByCaption_IgnoresCaseAndReturnsTheFirst) {
     EXPECT_EQ(settings.GetSettingByCaption(L""), nullptr);
 }
 
-TEST(Settings, GetSettingByCaption_InAnEmptyCollection_IsNull) {
+TEST(SettingsTest, GetSettingByCaption_InAnEmptyCollection_IsNull) {
     EXPECT_EQ(CSettings().GetSettingByCaption(L"*RSS"), nullptr);
 }
 
-TEST(Settings, Copies_KeepTheKindOfEverySetting) {
+TEST(SettingsTest, Copies_KeepTheKindOfEverySetting) {
     auto source = std::make_unique<CSettings>();
     source->m_vecItems = {new CSettingInt,    new CSettingEnum,           new CSettingSlider,
                           new CSettingString, new CSettingMultiSelection, new CSettingMultiString};
@@ -491,7 +491,7 @@ TEST(Settings, Copies_KeepTheKindOfEverySetting) {
     }
 }
 
-TEST(Settings, Copies_OfASettingThatCanNotBeCopied_HaveANullEntry) {
+TEST(SettingsTest, Copies_OfASettingThatCanNotBeCopied_HaveANullEntry) {
     CSettings settings;
     settings.m_vecItems = {new Bare, new CSettingInt};
     const std::unique_ptr<CSettings> pCopy(settings.Copy());

@@ -11,7 +11,7 @@ using quillet::ParseDecimal;
 
 namespace {
 
-TEST(ParseDecimal, ReadsSignedNumbers) {
+TEST(ParseDecimalTest, ReadsSignedNumbers) {
     EXPECT_EQ(ParseDecimal(L"0"), 0);
     EXPECT_EQ(ParseDecimal(L"9014"), 9014);
     EXPECT_EQ(ParseDecimal(L"-1"), -1);
@@ -19,14 +19,14 @@ TEST(ParseDecimal, ReadsSignedNumbers) {
     EXPECT_EQ(ParseDecimal(L"007"), 7);
 }
 
-TEST(ParseDecimal, SkipsLeadingWhiteSpaceAndIgnoresTheRest) {
+TEST(ParseDecimalTest, SkipsLeadingWhiteSpaceAndIgnoresTheRest) {
     EXPECT_EQ(ParseDecimal(L" \t\r\n\v\f42"), 42);
     EXPECT_EQ(ParseDecimal(L"42 frames"), 42);
     EXPECT_EQ(ParseDecimal(L"12.9"), 12);
     EXPECT_EQ(ParseDecimal(std::wstring(L"1\0002", 3)), 1);
 }
 
-TEST(ParseDecimal, TextThatIsNoNumberGivesZero) {
+TEST(ParseDecimalTest, TextThatIsNoNumberGivesZero) {
     EXPECT_EQ(ParseDecimal(L""), 0);
     EXPECT_EQ(ParseDecimal(L"   "), 0);
     EXPECT_EQ(ParseDecimal(L"abc"), 0);
@@ -36,25 +36,25 @@ TEST(ParseDecimal, TextThatIsNoNumberGivesZero) {
     EXPECT_EQ(ParseDecimal(L"0x10"), 0);
 }
 
-TEST(ParseDecimal, NumbersBeyondTheRangeGiveTheNearest) {
-    constexpr LONG lowest = std::numeric_limits<LONG>::min();
-    constexpr LONG highest = std::numeric_limits<LONG>::max();
-    EXPECT_EQ(ParseDecimal(L"2147483647"), highest);
-    EXPECT_EQ(ParseDecimal(L"2147483648"), highest);
-    EXPECT_EQ(ParseDecimal(L"4294967296"), highest);
-    EXPECT_EQ(ParseDecimal(L"-2147483648"), lowest);
-    EXPECT_EQ(ParseDecimal(L"-2147483649"), lowest);
-    EXPECT_EQ(ParseDecimal(std::wstring(100000, L'9')), highest);
-    EXPECT_EQ(ParseDecimal(L"-" + std::wstring(100000, L'9')), lowest);
+TEST(ParseDecimalTest, NumbersBeyondTheRangeGiveTheNearest) {
+    constexpr LONG kLowest = std::numeric_limits<LONG>::min();
+    constexpr LONG kHighest = std::numeric_limits<LONG>::max();
+    EXPECT_EQ(ParseDecimal(L"2147483647"), kHighest);
+    EXPECT_EQ(ParseDecimal(L"2147483648"), kHighest);
+    EXPECT_EQ(ParseDecimal(L"4294967296"), kHighest);
+    EXPECT_EQ(ParseDecimal(L"-2147483648"), kLowest);
+    EXPECT_EQ(ParseDecimal(L"-2147483649"), kLowest);
+    EXPECT_EQ(ParseDecimal(std::wstring(100000, L'9')), kHighest);
+    EXPECT_EQ(ParseDecimal(L"-" + std::wstring(100000, L'9')), kLowest);
 }
 
-TEST(FormatDecimal, CoversTheWholeRange) {
+TEST(FormatDecimalTest, CoversTheWholeRange) {
     EXPECT_EQ(FormatDecimal(0), L"0");
     EXPECT_EQ(FormatDecimal(std::numeric_limits<LONG>::max()), L"2147483647");
     EXPECT_EQ(FormatDecimal(std::numeric_limits<LONG>::min()), L"-2147483648");
 }
 
-TEST(EqualsIgnoringCase, FoldsAsciiLettersAndNothingElse) {
+TEST(EqualsIgnoringCaseTest, FoldsAsciiLettersAndNothingElse) {
     EXPECT_TRUE(EqualsIgnoringCase(L"*JumboPacket", L"*jUMBOpACKET"));
     EXPECT_TRUE(EqualsIgnoringCase(L"", L""));
     EXPECT_FALSE(EqualsIgnoringCase(L"*RSS", L"RSS"));

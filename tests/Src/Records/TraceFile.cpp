@@ -46,8 +46,8 @@ class LogFile {
 };
 
 const LogFile& Log() {
-    static const LogFile log;
-    return log;
+    static const LogFile kLog;
+    return kLog;
 }
 
 } // namespace

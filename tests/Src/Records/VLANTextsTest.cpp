@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST(VLANTexts, EveryStatusHasAWordAndOthersHaveNone) {
+TEST(VLANTextsTest, EveryStatusHasAWordAndOthersHaveNone) {
     EXPECT_EQ(CVLANTexts::Status(CVLAN::VlanStatusEnabled), L"enabled");
     EXPECT_EQ(CVLANTexts::Status(CVLAN::VlanStatusNotApplicable), L"not applicable");
     for (LONG status = 1; status <= 5; ++status) {
@@ -19,7 +19,7 @@ TEST(VLANTexts, EveryStatusHasAWordAndOthersHaveNone) {
     }
 }
 
-TEST(VLANTexts, EveryProblemIsASentenceOfItsOwn) {
+TEST(VLANTextsTest, EveryProblemIsASentenceOfItsOwn) {
     EXPECT_TRUE(CVLANTexts::Problems(0).empty());
     const std::vector<std::wstring> all = CVLANTexts::Problems(0x178);
     EXPECT_EQ(std::set<std::wstring>(all.begin(), all.end()).size(), 5u);
@@ -33,7 +33,7 @@ TEST(VLANTexts, EveryProblemIsASentenceOfItsOwn) {
         << "lowest bit first";
 }
 
-TEST(VLANTexts, AnUnknownBitIsSaidAllTheSame) {
+TEST(VLANTextsTest, AnUnknownBitIsSaidAllTheSame) {
     EXPECT_EQ(CVLANTexts::Problems(0x8000000000000001ull),
               (std::vector<std::wstring>{L"problem 0", L"problem 63"}));
 }

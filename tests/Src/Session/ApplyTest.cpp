@@ -10,16 +10,16 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Access = QuilletTestAccess;
 
-constexpr const char* CLASS = "GetObject Zorel_NetService -> 0x00000000";
-constexpr ULONGLONG BEFORE = 0xABCDEF;
+constexpr const char* kClass = "GetObject Zorel_NetService -> 0x00000000";
+constexpr ULONGLONG kBefore = 0xABCDEF;
 
 class ApplyTest : public ProviderTest {
   protected:
-    explicit ApplyTest(std::string_view mof = NET_SERVICE_MOF) : ProviderTest(mof) {}
+    explicit ApplyTest(std::string_view mof = kNetServiceMof) : ProviderTest(mof) {}
     void SetUp() override { Connect(); }
     static std::string ExecLine(const char* method, int clientSet, const char* result = "0x00000000",
                                 const char* note = "") {
-        return std::string("ExecMethod ") + NET_SERVICE + ", " + method + " -> " + result + note +
+        return std::string("ExecMethod ") + kNetService + ", " + method + " -> " + result + note +
                " {ClientSetId=" + std::to_string(clientSet) + "}";
     }
     /// The client set that a context handed out now carries.
@@ -47,7 +47,7 @@ TEST_F(ApplyTest, BeginApply_TakesTheProvidersHandle) {
     EXPECT_EQ(Code(quillet.BeginApply()), "0x00000000");
     EXPECT_THAT(Traced(),
                 ElementsAre("Enter CQuillet::BeginApply", "dwErrorCode: %l", "Exit CQuillet::BeginApply"));
-    EXPECT_THAT(Called(), ElementsAre(CLASS, ExecLine("BeginApply()", 0)));
+    EXPECT_THAT(Called(), ElementsAre(kClass, ExecLine("BeginApply()", 0)));
     EXPECT_NE(machine->OpenClientSet(), 0);
     EXPECT_EQ(Access::ClientSetId(quillet), machine->OpenClientSet());
     EXPECT_EQ(ClientSetOfContext(), machine->OpenClientSet());
@@ -59,7 +59,7 @@ TEST_F(ApplyTest, BeginApply_StepsAreInOrder) {
     EXPECT_THAT(
         Called(),
         ElementsAre("SetBlanket IWbemServices(AuthenticationLevel=3, ImpersonationLevel=3) -> 0x00000000",
-                    "SetContextValue ClientSetId(ClientSetId=0) -> 0x00000000", CLASS,
+                    "SetContextValue ClientSetId(ClientSetId=0) -> 0x00000000", kClass,
                     "GetMethod Zorel_NetService, BeginApply -> 0x00000000", "Get __PATH -> 0x00000000",
                     ExecLine("BeginApply()", 0), "Get ClientSetHandle -> 0x00000000",
                     "SetContextValue ClientSetId(ClientSetId=1) -> 0x00000000"))
@@ -73,7 +73,7 @@ TEST_F(ApplyTest, BeginApply_Twice_ReplacesTheHandle) {
     EXPECT_NE(Access::ClientSetId(quillet), first);
     EXPECT_EQ(ClientSetOfContext(), Access::ClientSetId(quillet));
     EXPECT_THAT(Called(),
-                ElementsAre(CLASS, ExecLine("BeginApply()", 0), CLASS, ExecLine("BeginApply()", 1)));
+                ElementsAre(kClass, ExecLine("BeginApply()", 0), kClass, ExecLine("BeginApply()", 1)));
 }
 
 TEST_F(ApplyTest, BeginApply_HandleOfAnotherType_LeavesTheSetAsItWas) {
@@ -145,7 +145,7 @@ TEST_F(ApplyTest, ApplyDone_ClosesTheSet) {
     EXPECT_FALSE(followup);
     EXPECT_THAT(Traced(),
                 ElementsAre("Enter CQuillet::ApplyDone", "dwErrorCode: %l", "Exit CQuillet::ApplyDone"));
-    EXPECT_THAT(Called(), ElementsAre(CLASS, ExecLine("Apply(ClientSetHandle=1)", 1)));
+    EXPECT_THAT(Called(), ElementsAre(kClass, ExecLine("Apply(ClientSetHandle=1)", 1)));
     EXPECT_EQ(machine->OpenClientSet(), 0);
     EXPECT_EQ(Access::ClientSetId(quillet), 0);
     EXPECT_EQ(ClientSetOfContext(), 0);
@@ -165,7 +165,7 @@ TEST_F(ApplyTest, ApplyDone_StepsAreInOrderAndTheHandleIsALong) {
         lines,
         ElementsAre(
             "SetBlanket IWbemServices(AuthenticationLevel=3, ImpersonationLevel=3) -> 0x00000000",
-            "SetContextValue ClientSetId(ClientSetId=9) -> 0x00000000", CLASS,
+            "SetContextValue ClientSetId(ClientSetId=9) -> 0x00000000", kClass,
             "GetMethod Zorel_NetService, Apply -> 0x00000000", "SpawnInstance __PARAMETERS -> 0x00000000",
             "Put ClientSetHandle(ClientSetHandle=9) -> 0x00000000", "Get __PATH -> 0x00000000",
             ExecLine("Apply(ClientSetHandle=9)", 9, "0x00000000", " (client set 9 is not open)"),
@@ -223,7 +223,7 @@ TEST_F(ApplyTest, ApplyDone_HandleCannotBePut_ReturnsThatCode) {
     EXPECT_FALSE(followup);
     EXPECT_THAT(Traced(), ElementsAre("Enter CQuillet::ApplyDone", "dwErrorCode: %l",
                                       "Put -> L_PARAM_NET_CLIENTSETHANDLE", "Exit CQuillet::ApplyDone"));
-    EXPECT_THAT(Called(), ElementsAre(CLASS));
+    EXPECT_THAT(Called(), ElementsAre(kClass));
 }
 
 TEST_F(ApplyTest, ApplyDone_FollowupCannotBeRead_KeepsTheSet) {
@@ -269,7 +269,7 @@ TEST_F(ApplyTest, ApplyDone_EachProviderCallFails_ReturnsItsCodeAndSendsNothingM
 TEST_F(ApplyTest, Transaction_OnAStrictMachine_IsAccepted) {
     MachineOptions options = Options();
     options.strict = true;
-    UseText(NET_SERVICE_MOF, options);
+    UseText(kNetServiceMof, options);
     ASSERT_EQ(Code(quillet.InitQuillet()), "0x00000000");
     EXPECT_EQ(Code(quillet.BeginApply()), "0x00000000");
     bool followup = true;
@@ -303,7 +303,7 @@ TEST_F(WarningsTest, GetWarnings_ReadsTheWholeMask) {
     EXPECT_EQ(warnings, 0xFFFFFFFFFFFFFFFFu);
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::GetWarnings", "dwErrorCode: %l",
                                       "pInstance->Get() passed", "Exit CQuillet::GetWarnings"));
-    EXPECT_THAT(Called(), ElementsAre(CLASS, ExecLine("GetKavlorWarnings()", 0)));
+    EXPECT_THAT(Called(), ElementsAre(kClass, ExecLine("GetKavlorWarnings()", 0)));
 }
 
 TEST_F(WarningsTest, GetWarnings_InsideATransaction_CarriesItsSet) {
@@ -311,15 +311,15 @@ TEST_F(WarningsTest, GetWarnings_InsideATransaction_CarriesItsSet) {
     Calls();
     ULONGLONG warnings = 0;
     EXPECT_EQ(Code(quillet.GetWarnings(warnings)), "0x00000000");
-    EXPECT_THAT(Called(), ElementsAre(CLASS, ExecLine("GetKavlorWarnings()", 1)));
+    EXPECT_THAT(Called(), ElementsAre(kClass, ExecLine("GetKavlorWarnings()", 1)));
 }
 
 TEST_F(WarningsTest, GetWarnings_ProviderRefuses_SucceedsWithoutTouchingTheMask) {
     machine->Internals().providers[L"Zorel_NetService"] = std::make_unique<RefusingService>();
-    ULONGLONG warnings = BEFORE;
+    ULONGLONG warnings = kBefore;
     RecordLocalCalls();
     EXPECT_EQ(Code(quillet.GetWarnings(warnings)), "0x00000000");
-    EXPECT_EQ(warnings, BEFORE);
+    EXPECT_EQ(warnings, kBefore);
     EXPECT_THAT(Traced(),
                 ElementsAre("Entering CQuillet::GetWarnings", "dwErrorCode: %l", "pInstance->Get() passed",
                             "GetWarnings() -> unable to retrieve warnings", "Exit CQuillet::GetWarnings"));
@@ -328,9 +328,9 @@ TEST_F(WarningsTest, GetWarnings_ProviderRefuses_SucceedsWithoutTouchingTheMask)
 
 TEST_F(WarningsTest, GetWarnings_ReturnValueCannotBeRead_ReturnsThatCode) {
     Fail(Operation::Get, WBEM_E_NOT_FOUND, L"ReturnValue");
-    ULONGLONG warnings = BEFORE;
+    ULONGLONG warnings = kBefore;
     EXPECT_EQ(Code(quillet.GetWarnings(warnings)), "0x80041002");
-    EXPECT_EQ(warnings, BEFORE);
+    EXPECT_EQ(warnings, kBefore);
     EXPECT_THAT(Traced(),
                 ElementsAre("Entering CQuillet::GetWarnings", "dwErrorCode: %l",
                             "GetWarnings() - GetPropertyAsLong -> pAdapter_OutParams, L_METHOD_RETURN",
@@ -339,9 +339,9 @@ TEST_F(WarningsTest, GetWarnings_ReturnValueCannotBeRead_ReturnsThatCode) {
 
 TEST_F(WarningsTest, GetWarnings_NoOutParameters_Fails) {
     Spoil(Operation::ExecMethod, Effect::NoOutParameters);
-    ULONGLONG warnings = BEFORE;
+    ULONGLONG warnings = kBefore;
     EXPECT_EQ(Code(quillet.GetWarnings(warnings)), "0x80004005");
-    EXPECT_EQ(warnings, BEFORE);
+    EXPECT_EQ(warnings, kBefore);
     EXPECT_THAT(Traced(),
                 ElementsAre("Entering CQuillet::GetWarnings", "dwErrorCode: %l",
                             "GetPropertyAsLong -> pInstance == NULL",
@@ -351,9 +351,9 @@ TEST_F(WarningsTest, GetWarnings_NoOutParameters_Fails) {
 
 TEST_F(WarningsTest, GetWarnings_MaskCannotBeRead_ReturnsThatCode) {
     Fail(Operation::Get, WBEM_E_NOT_FOUND, L"Warnings");
-    ULONGLONG warnings = BEFORE;
+    ULONGLONG warnings = kBefore;
     EXPECT_EQ(Code(quillet.GetWarnings(warnings)), "0x80041002");
-    EXPECT_EQ(warnings, BEFORE);
+    EXPECT_EQ(warnings, kBefore);
     EXPECT_THAT(
         Traced(),
         ElementsAre("Entering CQuillet::GetWarnings", "dwErrorCode: %l", "pInstance->Get() passed",
@@ -363,9 +363,9 @@ TEST_F(WarningsTest, GetWarnings_MaskCannotBeRead_ReturnsThatCode) {
 
 TEST_F(WarningsTest, GetWarnings_MaskIsNull_SucceedsWithoutTouchingIt) {
     Spoil(Operation::Get, Effect::NullValue, L"Warnings");
-    ULONGLONG warnings = BEFORE;
+    ULONGLONG warnings = kBefore;
     EXPECT_EQ(Code(quillet.GetWarnings(warnings)), "0x00000000");
-    EXPECT_EQ(warnings, BEFORE);
+    EXPECT_EQ(warnings, kBefore);
 }
 
 TEST_F(WarningsTest, GetWarnings_EachProviderCallFails_ReturnsItsCodeAndSendsNothingMore) {

@@ -8,7 +8,7 @@ namespace {
 
 class ImplicitApartmentTest : public ProviderTest {
   protected:
-    ImplicitApartmentTest() : ProviderTest(NET_SERVICE_MOF) {}
+    ImplicitApartmentTest() : ProviderTest(kNetServiceMof) {}
 };
 
 TEST_F(ImplicitApartmentTest, Operations_InAThreadWithoutCom_AreInTheApartmentOfTheOthers) {

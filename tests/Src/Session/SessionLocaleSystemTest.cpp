@@ -9,7 +9,7 @@
 
 namespace {
 
-using quillet::test::RegistryScope;
+using quillet::tests::RegistryScope;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
@@ -19,14 +19,14 @@ namespace platform = quillet::platform;
 class SessionLocaleSystemTest : public testing::Test {
   protected:
     SessionLocaleSystemTest() {
-        m_registry.SetString(REGISTRY_LUM2, L"LCID", L"411");
-        m_registry.RemoveValue(REGISTRY_ORBA, L"ForcedLanguage");
+        m_registry.SetString(kRegistryLum2, L"LCID", L"411");
+        m_registry.RemoveValue(kRegistryOrba, L"ForcedLanguage");
     }
     ~SessionLocaleSystemTest() override { platform::ResetHooks(); }
     std::vector<std::wstring> Traced() { return m_trace.NewTexts(); }
 
     RegistryScope m_registry;
-    quillet::test::TraceFile m_trace;
+    quillet::tests::TraceFile m_trace;
 };
 
 TEST_F(SessionLocaleSystemTest, ChooseConnectionLocale_SeveralLanguagesOnVersionFive_IsTheUsersLanguage) {
@@ -108,7 +108,7 @@ TEST_F(SessionLocaleSystemTest, ChooseConnectionLocale_NoLanguageAtAll_FallsBack
 
 TEST_F(SessionLocaleSystemTest, ChooseConnectionLocale_UnreadableForcedLanguage_IsTheUsersOnAnySystem) {
     const BYTE eight[8] = {};
-    m_registry.SetValue(REGISTRY_ORBA, L"ForcedLanguage", REG_BINARY, eight, sizeof eight);
+    m_registry.SetValue(kRegistryOrba, L"ForcedLanguage", REG_BINARY, eight, sizeof eight);
     platform::SetUiLanguages({L"0409"}, 0x0416);
     EXPECT_EQ(ChooseConnectionLocale(), L"MS_416");
     platform::SetUiLanguages({L"0409", L"0407"}, 0x0412);
@@ -119,9 +119,9 @@ TEST_F(SessionLocaleSystemTest, ChooseConnectionLocale_UnreadableForcedLanguage_
 /// What a connection on a system of one language is made with.
 class OneLanguageTest : public ProviderTest {
   protected:
-    OneLanguageTest() : ProviderTest(NET_SERVICE_MOF) {
-        m_registry.RemoveValue(REGISTRY_LUM2, L"LCID");
-        m_registry.RemoveValue(REGISTRY_ORBA, L"ForcedLanguage");
+    OneLanguageTest() : ProviderTest(kNetServiceMof) {
+        m_registry.RemoveValue(kRegistryLum2, L"LCID");
+        m_registry.RemoveValue(kRegistryOrba, L"ForcedLanguage");
     }
     ~OneLanguageTest() override { platform::ResetHooks(); }
     std::optional<std::wstring> Locale() {
@@ -139,7 +139,7 @@ class OneLanguageTest : public ProviderTest {
 };
 
 TEST_F(OneLanguageTest, InitQuillet_OneLanguageAndLcid_IsTheLocale) {
-    m_registry.SetString(REGISTRY_LUM2, L"LCID", L"409");
+    m_registry.SetString(kRegistryLum2, L"LCID", L"409");
     EXPECT_EQ(Locale(), L"MS_409");
     const std::vector<std::string> trace = Traced();
     EXPECT_THAT(trace, Contains("Not a MUI System"));
@@ -147,7 +147,7 @@ TEST_F(OneLanguageTest, InitQuillet_OneLanguageAndLcid_IsTheLocale) {
 }
 
 TEST_F(OneLanguageTest, InitQuillet_OneLanguageAndOddLcid_IsTakenAsStored) {
-    m_registry.SetString(REGISTRY_LUM2, L"LCID", L"00c0a %s");
+    m_registry.SetString(kRegistryLum2, L"LCID", L"00c0a %s");
     EXPECT_EQ(Locale(), L"MS_00c0a %s");
     EXPECT_THAT(Traced(), Contains("Locale: MS_00c0a %s"));
 }
@@ -158,12 +158,12 @@ TEST_F(OneLanguageTest, InitQuillet_OneLanguageAndNoLcid_HasNoLocale) {
 }
 
 TEST_F(OneLanguageTest, InitQuillet_LcidIsANumber_HasNoLocale) {
-    m_registry.SetDword(REGISTRY_LUM2, L"LCID", 0x409);
+    m_registry.SetDword(kRegistryLum2, L"LCID", 0x409);
     EXPECT_EQ(Locale(), std::nullopt);
 }
 
 TEST_F(OneLanguageTest, InitQuillet_LcidLongerThanItsBuffer_HasNoLocale) {
-    m_registry.SetString(REGISTRY_LUM2, L"LCID", std::wstring(260, L'4'));
+    m_registry.SetString(kRegistryLum2, L"LCID", std::wstring(260, L'4'));
     EXPECT_EQ(Locale(), std::nullopt);
 }
 

@@ -7,7 +7,7 @@
 
 namespace {
 
-using quillet::test::RegistryScope;
+using quillet::tests::RegistryScope;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
@@ -15,9 +15,9 @@ using testing::StartsWith;
 
 class SessionLocaleTest : public ProviderTest {
   protected:
-    SessionLocaleTest() : ProviderTest(NET_SERVICE_MOF) {
-        m_registry.RemoveValue(REGISTRY_LUM2, L"LCID");
-        m_registry.RemoveValue(REGISTRY_ORBA, L"ForcedLanguage");
+    SessionLocaleTest() : ProviderTest(kNetServiceMof) {
+        m_registry.RemoveValue(kRegistryLum2, L"LCID");
+        m_registry.RemoveValue(kRegistryOrba, L"ForcedLanguage");
     }
 
     /// The locale that a connection is made with; nothing when it has none.
@@ -52,7 +52,7 @@ void PrintTo(const Forced& forced, std::ostream* out) {
 class ForcedLanguageTest : public SessionLocaleTest, public testing::WithParamInterface<Forced> {};
 
 TEST_P(ForcedLanguageTest, InitQuillet_ForcedLanguage_IsTheLocale) {
-    m_registry.SetDword(REGISTRY_ORBA, L"ForcedLanguage", GetParam().language);
+    m_registry.SetDword(kRegistryOrba, L"ForcedLanguage", GetParam().language);
     EXPECT_EQ(Locale(), GetParam().locale);
     const std::vector<std::string> trace = Traced();
     EXPECT_THAT(trace, Contains("Locale: " + Narrow(GetParam().locale)));
@@ -71,26 +71,26 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(SessionLocaleTest, InitQuillet_ForcedLanguageInFourBytesOfAnotherType_IsTaken) {
     const BYTE german[] = {0x07, 0x04, 0, 0};
-    m_registry.SetValue(REGISTRY_ORBA, L"ForcedLanguage", REG_BINARY, german, sizeof german);
+    m_registry.SetValue(kRegistryOrba, L"ForcedLanguage", REG_BINARY, german, sizeof german);
     EXPECT_EQ(Locale(), L"MS_407");
 }
 
 TEST_F(SessionLocaleTest, InitQuillet_ForcedLanguageInTwoBytes_IsTaken) {
     const BYTE german[] = {0x07, 0x04};
-    m_registry.SetValue(REGISTRY_ORBA, L"ForcedLanguage", REG_BINARY, german, sizeof german);
+    m_registry.SetValue(kRegistryOrba, L"ForcedLanguage", REG_BINARY, german, sizeof german);
     EXPECT_EQ(Locale(), L"MS_407");
 }
 
 TEST_F(SessionLocaleTest, InitQuillet_ForcedLanguageLongerThanFourBytes_GivesTheUsersLanguage) {
-    m_registry.SetString(REGISTRY_ORBA, L"ForcedLanguage", L"1031");
+    m_registry.SetString(kRegistryOrba, L"ForcedLanguage", L"1031");
     wchar_t expected[16];
     swprintf_s(expected, 16, L"MS_%X", static_cast<unsigned>(ProviderLanguage(GetUserDefaultUILanguage())));
     EXPECT_EQ(Locale(), expected);
 }
 
 TEST_F(SessionLocaleTest, InitQuillet_ForcedLanguageAndLcid_TheForcedOneCounts) {
-    m_registry.SetString(REGISTRY_LUM2, L"LCID", L"411");
-    m_registry.SetDword(REGISTRY_ORBA, L"ForcedLanguage", 1031);
+    m_registry.SetString(kRegistryLum2, L"LCID", L"411");
+    m_registry.SetDword(kRegistryOrba, L"ForcedLanguage", 1031);
     EXPECT_EQ(Locale(), L"MS_407");
 }
 

@@ -12,7 +12,7 @@ using Access = QuilletTestAccess;
 
 class SessionPrivilegesTest : public ProviderTest {
   protected:
-    SessionPrivilegesTest() : ProviderTest(NET_SERVICE_MOF) {}
+    SessionPrivilegesTest() : ProviderTest(kNetServiceMof) {}
     ~SessionPrivilegesTest() override { platform::ResetHooks(); }
 };
 

@@ -10,20 +10,20 @@
 namespace {
 
 using ATL::CComPtr;
-using quillet::test::RegistryScope;
+using quillet::tests::RegistryScope;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Access = QuilletTestAccess;
 
-constexpr const char* NO_SERVICE = "GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))";
-constexpr const char* NO_CONTEXT = "GetContext -> ((0 == m_dwContext) || (m_pGIT == NULL))";
-constexpr const char* NO_NET_SERVICE = "GetNetService -> ((0 == m_dwNetService) || (m_pGIT == NULL))";
-constexpr const char* NOTHING_TO_REVOKE_CONTEXT =
+constexpr const char* kNoService = "GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))";
+constexpr const char* kNoContext = "GetContext -> ((0 == m_dwContext) || (m_pGIT == NULL))";
+constexpr const char* kNoNetService = "GetNetService -> ((0 == m_dwNetService) || (m_pGIT == NULL))";
+constexpr const char* kNothingToRevokeContext =
     "RevokeWbemContext -> ((0 == m_dwContext) || (m_pGIT == NULL))";
-constexpr const char* NOTHING_TO_REVOKE_NET_SERVICE =
+constexpr const char* kNothingToRevokeNetService =
     "RevokeNetService -> ((0 == m_dwNetService) || (m_pGIT == NULL))";
-constexpr const char* CONNECTED =
+constexpr const char* kConnected =
     R"(ConnectServer \\127.0.0.1\ROOT\MarloLUM2(User=null, Password=null, Locale=null, Authority=null))"
     " -> 0x00000000";
 
@@ -37,10 +37,10 @@ std::vector<std::string> WithoutLocale(std::vector<std::string> trace) {
 
 class SessionTest : public ProviderTest {
   protected:
-    SessionTest() : ProviderTest(NET_SERVICE_MOF) {
-        m_registry.RemoveValue(REGISTRY_PROVIDERS, L"Namespace");
-        m_registry.RemoveValue(REGISTRY_LUM2, L"LCID");
-        m_registry.RemoveValue(REGISTRY_ORBA, L"ForcedLanguage");
+    SessionTest() : ProviderTest(kNetServiceMof) {
+        m_registry.RemoveValue(kRegistryProviders, L"Namespace");
+        m_registry.RemoveValue(kRegistryLum2, L"LCID");
+        m_registry.RemoveValue(kRegistryOrba, L"ForcedLanguage");
     }
     ~SessionTest() override {
         // The table goes with this object, before the one that uses it.
@@ -162,7 +162,7 @@ TEST_F(SessionTest, UninitQuillet_OnOneOfTwoCopies_DisconnectsTheOther) {
 TEST_F(SessionTest, InitQuillet_NamespaceValueAbsent_ConnectsToTheProvidersOwn) {
     EXPECT_EQ(Code(quillet.InitQuillet()), "0x00000000");
     EXPECT_THAT(Called(),
-                ElementsAre(CONNECTED, "CreateInstanceEnum Zorel_NetService -> 0x00000000",
+                ElementsAre(kConnected, "CreateInstanceEnum Zorel_NetService -> 0x00000000",
                             "Next Zorel_NetService -> 0x00000000", "Next Zorel_NetService -> 0x00000001"));
     EXPECT_THAT(WithoutLocale(Traced()),
                 ElementsAre("Enter InitQuillet", "Enter CreateNetServices", "Exit CreateNetServices",
@@ -173,10 +173,10 @@ TEST_F(SessionTest, InitQuillet_NamespaceValueAbsent_ConnectsToTheProvidersOwn) 
 }
 
 TEST_F(SessionTest, InitQuillet_NamespaceValueCustom_ConnectsThere) {
-    m_registry.SetString(REGISTRY_PROVIDERS, L"Namespace", L"Custom");
+    m_registry.SetString(kRegistryProviders, L"Namespace", L"Custom");
     MachineOptions options = Options();
     options.namespaceName = L"ROOT\\Custom";
-    UseText(NET_SERVICE_MOF, options);
+    UseText(kNetServiceMof, options);
     EXPECT_EQ(Code(quillet.InitQuillet()), "0x00000000");
     EXPECT_THAT(Called(),
                 Contains(R"(ConnectServer \\127.0.0.1\ROOT\Custom(User=null, Password=null, Locale=null,)"
@@ -184,13 +184,13 @@ TEST_F(SessionTest, InitQuillet_NamespaceValueCustom_ConnectsThere) {
 }
 
 TEST_F(SessionTest, GetNamespace_ValueOfAnotherType_IsTheProvidersOwn) {
-    m_registry.SetDword(REGISTRY_PROVIDERS, L"Namespace", 5);
+    m_registry.SetDword(kRegistryProviders, L"Namespace", 5);
     EXPECT_EQ(Access::GetNamespace(quillet), L"\\ROOT\\MarloLUM2");
 }
 
 TEST_F(SessionTest, GetNamespace_LongAndNonAsciiValue_IsTakenWhole) {
     const std::wstring name = std::wstring(400, L'n') + L"\u00dc";
-    m_registry.SetString(REGISTRY_PROVIDERS, L"Namespace", name);
+    m_registry.SetString(kRegistryProviders, L"Namespace", name);
     EXPECT_EQ(Access::GetNamespace(quillet), L"\\ROOT\\" + name);
 }
 
@@ -206,10 +206,11 @@ TEST_F(SessionTest, InitQuillet_NamedMachine_IsPartOfThePath) {
 TEST_F(SessionTest, InitQuillet_SetsTheBlanketBeforeTheFirstCall) {
     RecordLocalCalls();
     EXPECT_EQ(Code(quillet.InitQuillet()), "0x00000000");
-    constexpr const char* BLANKET =
+    constexpr const char* kBlanket =
         "SetBlanket IWbemServices(AuthenticationLevel=3, ImpersonationLevel=3) -> 0x00000000";
     EXPECT_THAT(Called(),
-                ElementsAre(CONNECTED, BLANKET, BLANKET, "CreateInstanceEnum Zorel_NetService -> 0x00000000",
+                ElementsAre(kConnected, kBlanket, kBlanket,
+                            "CreateInstanceEnum Zorel_NetService -> 0x00000000",
                             "Next Zorel_NetService -> 0x00000000", "Next Zorel_NetService -> 0x00000001",
                             "CreateContext IWbemContext -> 0x00000000"));
 }
@@ -220,7 +221,7 @@ TEST_F(SessionTest, InitQuillet_NoNetServiceInstance_StillSucceeds) {
     EXPECT_EQ(Access::NetServiceCookie(quillet), 0u);
     Traced();
     EXPECT_FALSE(Access::GetNetService(quillet));
-    EXPECT_THAT(Traced(), ElementsAre(NO_NET_SERVICE));
+    EXPECT_THAT(Traced(), ElementsAre(kNoNetService));
     EXPECT_TRUE(Access::GetWbemService(quillet));
 }
 
@@ -229,7 +230,7 @@ TEST_F(SessionTest, InitQuillet_SeveralNetServiceInstances_KeepsTheLast) {
                instance of Zorel_NetService { Name = "Second"; };)");
     EXPECT_EQ(Code(quillet.InitQuillet()), "0x00000000");
     EXPECT_THAT(Called(),
-                ElementsAre(CONNECTED, "CreateInstanceEnum Zorel_NetService -> 0x00000000",
+                ElementsAre(kConnected, "CreateInstanceEnum Zorel_NetService -> 0x00000000",
                             "Next Zorel_NetService -> 0x00000000", "Next Zorel_NetService -> 0x00000000",
                             "Next Zorel_NetService -> 0x00000001"));
     const CComPtr<IWbemClassObject> netService = Access::GetNetService(quillet);
@@ -296,7 +297,7 @@ TEST_F(SessionTest, InitQuillet_ConnectionWithoutService_Fails) {
     Spoil(Operation::ConnectServer, Effect::NullObject);
     EXPECT_EQ(Code(quillet.InitQuillet()), "0x80041001");
     EXPECT_THAT(WithoutLocale(Traced()), ElementsAre("Enter InitQuillet", "Could not set proxy blanket."));
-    EXPECT_THAT(Called(), ElementsAre(CONNECTED));
+    EXPECT_THAT(Called(), ElementsAre(kConnected));
     ExpectDisconnected();
 }
 
@@ -304,7 +305,7 @@ TEST_F(SessionTest, InitQuillet_BlanketRefused_ReturnsThatCode) {
     Fail(Operation::SetBlanket, E_ACCESSDENIED);
     EXPECT_EQ(Code(quillet.InitQuillet()), "0x80070005");
     EXPECT_THAT(WithoutLocale(Traced()), ElementsAre("Enter InitQuillet", "Could not set proxy blanket."));
-    EXPECT_THAT(Called(), ElementsAre(CONNECTED));
+    EXPECT_THAT(Called(), ElementsAre(kConnected));
     ExpectDisconnected();
 }
 
@@ -315,7 +316,7 @@ TEST_F(SessionTest, InitQuillet_BlanketRefusedOnTheThreadsProxy_FindsNoService) 
                 ElementsAre("Enter InitQuillet", "Enter CreateNetServices", "Could not set proxy blanket.",
                             "pIWbemService == NULL", "Exit CreateNetServices",
                             "Unable to create net service"));
-    EXPECT_THAT(Called(), ElementsAre(CONNECTED));
+    EXPECT_THAT(Called(), ElementsAre(kConnected));
     ExpectDisconnected();
 }
 
@@ -324,10 +325,10 @@ TEST_F(SessionTest, InitQuillet_ServiceCannotBeRegistered_FindsNoService) {
     UseFakeTable();
     EXPECT_EQ(Code(quillet.InitQuillet()), "0x80041001");
     EXPECT_THAT(WithoutLocale(Traced()),
-                ElementsAre("Enter InitQuillet", "Enter CreateNetServices", NO_SERVICE,
-                            "pIWbemService == NULL", "Exit CreateNetServices", NO_SERVICE,
+                ElementsAre("Enter InitQuillet", "Enter CreateNetServices", kNoService,
+                            "pIWbemService == NULL", "Exit CreateNetServices", kNoService,
                             "Unable to create net service"));
-    EXPECT_THAT(Called(), ElementsAre(CONNECTED));
+    EXPECT_THAT(Called(), ElementsAre(kConnected));
     ASSERT_EQ(table.registeredAs.size(), 1u);
     EXPECT_TRUE(IsEqualGUID(table.registeredAs[0], IID_IWbemServices));
     ExpectDisconnected();
@@ -350,7 +351,7 @@ TEST_F(SessionTest, InitQuillet_NetServicesCannotBeListed_ReturnsThatCode) {
                 ElementsAre("Enter InitQuillet", "Enter CreateNetServices",
                             "pIWbemService->CreateInstanceEnum", "Exit CreateNetServices",
                             "Unable to create net service"));
-    EXPECT_THAT(Called(), ElementsAre(CONNECTED, "CreateInstanceEnum Zorel_NetService -> 0x80041010"));
+    EXPECT_THAT(Called(), ElementsAre(kConnected, "CreateInstanceEnum Zorel_NetService -> 0x80041010"));
     ExpectDisconnected();
 }
 
@@ -373,7 +374,7 @@ TEST_F(SessionTest, InitQuillet_NetServiceIsNull_ConnectsWithoutOne) {
     Spoil(Operation::Next, Effect::NullObject);
     EXPECT_EQ(Code(quillet.InitQuillet()), "0x00000000");
     EXPECT_EQ(Access::NetServiceCookie(quillet), 0u);
-    EXPECT_THAT(Called(), ElementsAre(CONNECTED, "CreateInstanceEnum Zorel_NetService -> 0x00000000",
+    EXPECT_THAT(Called(), ElementsAre(kConnected, "CreateInstanceEnum Zorel_NetService -> 0x00000000",
                                       "Next Zorel_NetService -> 0x00000000"));
 }
 
@@ -389,9 +390,8 @@ TEST_F(SessionTest, InitQuillet_ContextCannotBeCreatedAndNoNetService_TracesTheE
     UseText("");
     Fail(Operation::CreateContext, E_OUTOFMEMORY);
     EXPECT_EQ(Code(quillet.InitQuillet()), "0x8007000E");
-    EXPECT_THAT(WithoutLocale(Traced()),
-                ElementsAre("Enter InitQuillet", "Enter CreateNetServices", "Exit CreateNetServices",
-                            NOTHING_TO_REVOKE_NET_SERVICE));
+    EXPECT_THAT(WithoutLocale(Traced()), ElementsAre("Enter InitQuillet", "Enter CreateNetServices",
+                                                     "Exit CreateNetServices", kNothingToRevokeNetService));
     ExpectDisconnected();
 }
 
@@ -401,7 +401,7 @@ TEST_F(SessionTest, InitQuillet_ContextIsNull_ConnectsButOperationsFindNone) {
     EXPECT_EQ(Access::ContextCookie(quillet), 0u);
     Traced();
     EXPECT_EQ(Code(quillet.BeginApply()), "0x80041001");
-    EXPECT_THAT(Traced(), ElementsAre("Enter CQuillet::BeginApply", NO_CONTEXT,
+    EXPECT_THAT(Traced(), ElementsAre("Enter CQuillet::BeginApply", kNoContext,
                                       "((pIWbemService == NULL) || (pIWbemContext == NULL))",
                                       "Exit CQuillet::BeginApply"));
 }
@@ -446,7 +446,7 @@ TEST_F(SessionTest, Getters_NotConnected_TraceAndYieldNull) {
     EXPECT_FALSE(Access::GetWbemService(quillet));
     EXPECT_FALSE(Access::GetContext(quillet));
     EXPECT_FALSE(Access::GetNetService(quillet));
-    EXPECT_THAT(Traced(), ElementsAre(NO_SERVICE, NO_CONTEXT, NO_NET_SERVICE));
+    EXPECT_THAT(Traced(), ElementsAre(kNoService, kNoContext, kNoNetService));
 }
 
 TEST_F(SessionTest, Getters_TableRefuses_YieldNullWithoutALine) {
@@ -541,13 +541,13 @@ TEST_F(SessionTest, Revoke_NothingRegistered_TracesAndFails) {
     EXPECT_EQ(Code(Access::RevokeWbemService(quillet)), "0x80004005");
     EXPECT_EQ(Code(Access::RevokeWbemContext(quillet)), "0x80004005");
     EXPECT_EQ(Code(Access::RevokeNetService(quillet)), "0x80004005");
-    EXPECT_THAT(Traced(), ElementsAre(NO_SERVICE, NOTHING_TO_REVOKE_CONTEXT, NOTHING_TO_REVOKE_NET_SERVICE));
+    EXPECT_THAT(Traced(), ElementsAre(kNoService, kNothingToRevokeContext, kNothingToRevokeNetService));
 }
 
 TEST_F(SessionTest, Revoke_CookieWithoutTable_TracesAndFails) {
     Access::ContextCookie(quillet) = 6;
     EXPECT_EQ(Code(Access::RevokeWbemContext(quillet)), "0x80004005");
-    EXPECT_THAT(Traced(), ElementsAre(NOTHING_TO_REVOKE_CONTEXT));
+    EXPECT_THAT(Traced(), ElementsAre(kNothingToRevokeContext));
 }
 
 TEST_F(SessionTest, UninitQuillet_Connected_RevokesAllThree) {
@@ -575,8 +575,8 @@ TEST_F(SessionTest, UninitQuillet_RevokesNetServiceThenContextThenService) {
 
 TEST_F(SessionTest, UninitQuillet_NeverConnected_TracesThreeTextsAndSucceeds) {
     EXPECT_EQ(Code(quillet.UninitQuillet()), "0x00000000");
-    EXPECT_THAT(Traced(), ElementsAre("Enter UninitQuillet", NOTHING_TO_REVOKE_NET_SERVICE,
-                                      NOTHING_TO_REVOKE_CONTEXT, NO_SERVICE, "Exit UninitQuillet"));
+    EXPECT_THAT(Traced(), ElementsAre("Enter UninitQuillet", kNothingToRevokeNetService,
+                                      kNothingToRevokeContext, kNoService, "Exit UninitQuillet"));
 }
 
 TEST_F(SessionTest, Operations_AfterUninitQuillet_SendNothing) {
@@ -585,7 +585,7 @@ TEST_F(SessionTest, Operations_AfterUninitQuillet_SendNothing) {
     Traced();
     CAdapters adapters;
     EXPECT_EQ(Code(quillet.EnumerateAdapters(adapters)), "0x80041001");
-    EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::EnumerateAdapters", NO_SERVICE, NO_CONTEXT,
+    EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::EnumerateAdapters", kNoService, kNoContext,
                                       "((pIWbemService == NULL) || (pIWbemContext == NULL))",
                                       "Exiting CQuillet::EnumerateAdapters"));
     EXPECT_THAT(Called(), IsEmpty());

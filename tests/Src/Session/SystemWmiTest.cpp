@@ -16,7 +16,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using Access = QuilletTestAccess;
 
-constexpr const char* NO_SERVICE = "GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))";
+constexpr const char* kNoService = "GetWbemService -> ((0 == m_dwService) || (m_pGIT == NULL))";
 
 /// What one connection did.
 struct Attempt {
@@ -29,8 +29,8 @@ struct Attempt {
 class SystemWmiTest : public testing::Test {
   protected:
     static void SetUpTestSuite() {
-        quillet::test::TraceFile file;
-        quillet::test::RegistryScope registry;
+        quillet::tests::TraceFile file;
+        quillet::tests::RegistryScope registry;
         const auto traced = [&file] {
             std::vector<std::string> lines;
             for (const std::wstring& text : file.NewTexts()) {
@@ -38,9 +38,9 @@ class SystemWmiTest : public testing::Test {
             }
             return lines;
         };
-        registry.SetString(REGISTRY_PROVIDERS, L"Namespace", L"cimv2");
-        registry.SetDword(REGISTRY_ORBA, L"ForcedLanguage", 1033);
-        registry.RemoveValue(REGISTRY_LUM2, L"LCID");
+        registry.SetString(kRegistryProviders, L"Namespace", L"cimv2");
+        registry.SetDword(kRegistryOrba, L"ForcedLanguage", 1033);
+        registry.RemoveValue(kRegistryLum2, L"LCID");
         {
             CQuillet quillet(L"localhost");
             m_forced.result = quillet.InitQuillet();
@@ -53,15 +53,15 @@ class SystemWmiTest : public testing::Test {
             m_operation.trace = traced();
         }
         traced();
-        registry.RemoveValue(REGISTRY_ORBA, L"ForcedLanguage");
-        registry.SetString(REGISTRY_LUM2, L"LCID", L"407");
+        registry.RemoveValue(kRegistryOrba, L"ForcedLanguage");
+        registry.SetString(kRegistryLum2, L"LCID", L"407");
         {
             CQuillet quillet(L"localhost");
             m_unforced.result = quillet.InitQuillet();
             m_unforced.trace = traced();
         }
         traced();
-        registry.SetString(REGISTRY_PROVIDERS, L"Namespace", L"NoSuchNamespace");
+        registry.SetString(kRegistryProviders, L"Namespace", L"NoSuchNamespace");
         {
             CQuillet quillet(L"localhost");
             m_nowhere.result = quillet.InitQuillet();
@@ -81,8 +81,8 @@ TEST_F(SystemWmiTest, InitQuillet_ServiceCannotBeShared_GetsAsFarAsTheTable) {
     EXPECT_EQ(Code(m_forced.result), "0x80041001");
     // No line about locator, connection or blanket: these steps succeeded.
     EXPECT_THAT(m_forced.trace, ElementsAre("Enter InitQuillet", "Locale: MS_409", "Enter CreateNetServices",
-                                            NO_SERVICE, "pIWbemService == NULL", "Exit CreateNetServices",
-                                            NO_SERVICE, "Unable to create net service"));
+                                            kNoService, "pIWbemService == NULL", "Exit CreateNetServices",
+                                            kNoService, "Unable to create net service"));
     EXPECT_EQ(m_cookies, 0u);
     EXPECT_TRUE(m_hasTable) << "the table itself was made";
 }
@@ -108,7 +108,7 @@ TEST_F(SystemWmiTest, InitQuillet_NoSuchNamespace_IsTheSystemsCode) {
 
 TEST_F(SystemWmiTest, Operations_WithoutTheSharedService_FailClearly) {
     EXPECT_EQ(Code(m_operation.result), "0x80041001");
-    EXPECT_THAT(m_operation.trace, ElementsAre("Entering CQuillet::EnumerateAdapters", NO_SERVICE,
+    EXPECT_THAT(m_operation.trace, ElementsAre("Entering CQuillet::EnumerateAdapters", kNoService,
                                                "GetContext -> ((0 == m_dwContext) || (m_pGIT == NULL))",
                                                "((pIWbemService == NULL) || (pIWbemContext == NULL))",
                                                "Exiting CQuillet::EnumerateAdapters"));

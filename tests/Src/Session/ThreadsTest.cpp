@@ -10,7 +10,7 @@ using testing::Contains;
 using testing::IsEmpty;
 using Access = QuilletTestAccess;
 
-constexpr int CALLS = 1000;
+constexpr int kCalls = 1000;
 
 /// COM for one thread of a test.
 class Apartment {
@@ -40,14 +40,14 @@ class ThreadsTest : public ProviderTest {
     /// Runs an operation CALLS times in two multithreaded apartments and a single-threaded one.
     template <class Once>
     void InThreeThreads(Once once) {
-        constexpr DWORD models[] = {COINIT_MULTITHREADED, COINIT_MULTITHREADED, COINIT_APARTMENTTHREADED};
+        constexpr DWORD kModels[] = {COINIT_MULTITHREADED, COINIT_MULTITHREADED, COINIT_APARTMENTTHREADED};
         Tally tallies[3];
         std::vector<std::thread> threads;
         for (int index = 0; index < 3; ++index) {
-            threads.emplace_back([&once, model = models[index], &tally = tallies[index]] {
+            threads.emplace_back([&once, model = kModels[index], &tally = tallies[index]] {
                 const Apartment apartment(model);
                 tally.apartment = apartment.Result();
-                for (int call = 0; call < CALLS; ++call) {
+                for (int call = 0; call < kCalls; ++call) {
                     const HRESULT result = once();
                     if (result == S_OK) {
                         ++tally.good;
@@ -62,7 +62,7 @@ class ThreadsTest : public ProviderTest {
         }
         for (const Tally& tally : tallies) {
             EXPECT_EQ(Code(tally.apartment), "0x00000000");
-            EXPECT_EQ(tally.good, CALLS);
+            EXPECT_EQ(tally.good, kCalls);
             EXPECT_EQ(Code(tally.firstFailure), "0x00000000");
         }
     }
@@ -88,7 +88,7 @@ TEST_F(ThreadsTest, EnumerateAdapters_ThreeThreadsOnOneObject_EachSeesAllAdapter
             partial = partial && mode && mode->value == quillet::simulator::Value::Signed(1);
         }
     }
-    EXPECT_EQ(enumerations, 3u * CALLS);
+    EXPECT_EQ(enumerations, 3u * kCalls);
     EXPECT_TRUE(partial) << "one thread's context was switched by another";
 }
 
@@ -112,7 +112,7 @@ TEST_F(ThreadsTest, CopiesOfOneObject_EachInItsThread_ShareTheConnection) {
 }
 
 TEST_F(ThreadsTest, InitQuillet_AnObjectForEachThread_Connects) {
-    constexpr int connections = 20;
+    constexpr int kConnections = 20;
     std::atomic<int> good{0};
     std::vector<std::thread> threads;
     for (const DWORD model : {COINIT_MULTITHREADED, COINIT_APARTMENTTHREADED, COINIT_MULTITHREADED}) {
@@ -120,7 +120,7 @@ TEST_F(ThreadsTest, InitQuillet_AnObjectForEachThread_Connects) {
             const Apartment apartment(model);
             // Classes are registered for an apartment: each thread that connects registers its own.
             const quillet::simulator::Registration registration(machine);
-            for (int count = 0; count < connections; ++count) {
+            for (int count = 0; count < kConnections; ++count) {
                 CQuillet own;
                 CAdapters adapters;
                 if (own.InitQuillet() == S_OK && own.EnumerateAdapters(adapters) == S_OK &&
@@ -134,7 +134,7 @@ TEST_F(ThreadsTest, InitQuillet_AnObjectForEachThread_Connects) {
     for (std::thread& thread : threads) {
         thread.join();
     }
-    EXPECT_EQ(good, 3 * connections);
+    EXPECT_EQ(good, 3 * kConnections);
 }
 
 } // namespace

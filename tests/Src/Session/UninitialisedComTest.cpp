@@ -15,8 +15,8 @@ class WithoutCom {
     WithoutCom& operator=(const WithoutCom&) = delete;
 };
 
-TEST(UninitialisedCom, InitQuillet_ReturnsComsOwnCode) {
-    quillet::test::TraceFile trace;
+TEST(UninitialisedComTest, InitQuillet_ReturnsComsOwnCode) {
+    quillet::tests::TraceFile trace;
     const WithoutCom withoutCom;
     CQuillet quillet;
     EXPECT_EQ(Code(quillet.InitQuillet()), "0x800401F0");
@@ -25,7 +25,7 @@ TEST(UninitialisedCom, InitQuillet_ReturnsComsOwnCode) {
     EXPECT_EQ(Code(quillet.UninitQuillet()), "0x00000000");
 }
 
-TEST(UninitialisedCom, Operations_FailAsWithoutAConnection) {
+TEST(UninitialisedComTest, Operations_FailAsWithoutAConnection) {
     const WithoutCom withoutCom;
     CQuillet quillet;
     quillet.InitQuillet();
@@ -38,8 +38,8 @@ TEST(UninitialisedCom, Operations_FailAsWithoutAConnection) {
     EXPECT_EQ(Code(quillet.GetWarnings(warnings)), "0x80041001");
 }
 
-TEST(UninitialisedCom, Marshal_TableCannotBeCreated_TracesAndReturnsItsCode) {
-    quillet::test::TraceFile trace;
+TEST(UninitialisedComTest, Marshal_TableCannotBeCreated_TracesAndReturnsItsCode) {
+    quillet::tests::TraceFile trace;
     const WithoutCom withoutCom;
     CQuillet quillet;
     const HRESULT result = Access::MarshalWbemService(quillet, nullptr);

@@ -12,7 +12,7 @@ using Access = QuilletTestAccess;
 
 class UninitialisedThreadTest : public ProviderTest {
   protected:
-    UninitialisedThreadTest() : ProviderTest(NET_SERVICE_MOF) {}
+    UninitialisedThreadTest() : ProviderTest(kNetServiceMof) {}
     void SetUp() override { Connect(); }
     template <class Work>
     static void InAThreadWithoutCom(Work work) {
@@ -34,12 +34,12 @@ TEST_F(UninitialisedThreadTest, Operations_OnAConnectedObject_FailAndSendNothing
         EXPECT_EQ(Code(result), "0x80041001");
     }
     EXPECT_THAT(Called(), IsEmpty());
-    constexpr const char* MISSING = "((pIWbemService == NULL) || (pIWbemContext == NULL))";
-    EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::EnumerateAdapters", MISSING,
+    constexpr const char* kMissing = "((pIWbemService == NULL) || (pIWbemContext == NULL))";
+    EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::EnumerateAdapters", kMissing,
                                       "Exiting CQuillet::EnumerateAdapters", "Enter CQuillet::BeginApply",
-                                      MISSING, "Exit CQuillet::BeginApply", "Enter CQuillet::ApplyDone",
-                                      MISSING, "Exit CQuillet::ApplyDone", "Entering CQuillet::GetWarnings",
-                                      MISSING, "Exit CQuillet::GetWarnings"));
+                                      kMissing, "Exit CQuillet::BeginApply", "Enter CQuillet::ApplyDone",
+                                      kMissing, "Exit CQuillet::ApplyDone", "Entering CQuillet::GetWarnings",
+                                      kMissing, "Exit CQuillet::GetWarnings"));
     EXPECT_EQ(Code(quillet.BeginApply()), "0x00000000") << "the connection is as it was";
 }
 

@@ -9,7 +9,7 @@ using testing::IsEmpty;
 using testing::Not;
 
 // {A} and {C} have the profile for virtual machines, {B} another one, {N} has none at all.
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Name = "A"; OriginalDisplayName = "A"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{B}"; Name = "B"; OriginalDisplayName = "B"; };
@@ -25,11 +25,11 @@ constexpr const char* MACHINE = R"(
         Caption = "PerformanceProfile"; ParentId = "{C}"; ParentType = "NIC"; CurrentValue = 5; DefaultValue = 2;
         FollowupAction = 1; PossibleValues = {"6", "5", "2"};
         DescriptionMap = {"Low latency", "Virtual machines", "Standard"}; };)";
-constexpr const char* FAILED_TO_REFRESH =
+constexpr const char* kFailedToRefresh =
     "ChangeAllAdapterProfilesFromHyperV() - error calling GetAdapterSettingAsync()";
-constexpr const char* FOUND =
+constexpr const char* kFound =
     "ChangeAllAdapterProfilesFromHyperV - found hyper-v profie ... seting it to standard";
-constexpr auto STANDARD = static_cast<ePERFORMANCE_PROFILE>(2);
+constexpr auto kStandard = static_cast<ePERFORMANCE_PROFILE>(2);
 
 std::wstring Path(const wchar_t* id) {
     return LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID=")" + std::wstring(id) +
@@ -39,7 +39,7 @@ std::wstring Path(const wchar_t* id) {
 class PerformanceProfilesTest : public ProviderTest {
   protected:
     void SetUp() override {
-        UseText(MACHINE);
+        UseText(kMachine);
         Connect();
     }
     LONG CurrentOf(const wchar_t* id) const {
@@ -162,29 +162,29 @@ TEST_F(PerformanceProfilesTest, Custom_IsThatProfileBeingCurrent) {
 }
 
 TEST_F(PerformanceProfilesTest, LeaveHyperV_ChangesThoseThatHaveItInOneSet) {
-    EXPECT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(STANDARD)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(kStandard)), "0x00000000");
     EXPECT_EQ(CurrentOf(L"{A}"), 2);
     EXPECT_EQ(CurrentOf(L"{B}"), 2);
     EXPECT_EQ(CurrentOf(L"{C}"), 2);
     EXPECT_THAT(Changes(), ElementsAre("BeginApply", "Put", "Put", "Apply"));
     const std::vector<std::string> trace = Traced();
-    EXPECT_EQ(std::count(trace.begin(), trace.end(), FOUND), 2);
-    EXPECT_EQ(std::count(trace.begin(), trace.end(), FAILED_TO_REFRESH), 1) << "the adapter without profiles";
+    EXPECT_EQ(std::count(trace.begin(), trace.end(), kFound), 2);
+    EXPECT_EQ(std::count(trace.begin(), trace.end(), kFailedToRefresh), 1) << "the adapter without profiles";
     EXPECT_THAT(trace, Contains("CAdvSettingPage::ChangeAllAdapterProfilesFromHyperV() bReboot 1"));
 }
 
 TEST_F(PerformanceProfilesTest, LeaveHyperV_WithoutSuchAnAdapter_OpensNoSet) {
-    ASSERT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(STANDARD)), "0x00000000");
+    ASSERT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(kStandard)), "0x00000000");
     Changes();
     Traced();
-    EXPECT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(STANDARD)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(kStandard)), "0x00000000");
     EXPECT_THAT(Changes(), IsEmpty());
     EXPECT_THAT(Traced(), Not(Contains(testing::HasSubstr("bReboot"))));
 }
 
 TEST_F(PerformanceProfilesTest, LeaveHyperV_AdaptersUnlisted_ReturnsThatCode) {
     Fail(Operation::CreateInstanceEnum, WBEM_E_ACCESS_DENIED);
-    EXPECT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(STANDARD)), "0x80041003");
+    EXPECT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(kStandard)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("EnumerateAdapters failed"));
 }
 
@@ -194,7 +194,7 @@ TEST_F(PerformanceProfilesTest, LeaveHyperV_SetCannotBeOpened_WritesNothing) {
     rule.method = L"BeginApply";
     rule.code = static_cast<HRESULT>(WBEM_E_ACCESS_DENIED);
     Inject(rule);
-    EXPECT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(STANDARD)), "0x80041003");
+    EXPECT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(kStandard)), "0x80041003");
     EXPECT_THAT(Changes(), ElementsAre("BeginApply"));
     EXPECT_EQ(CurrentOf(L"{A}"), 5);
     EXPECT_THAT(Traced(), Contains(testing::AllOf(testing::StartsWith(R"(.\Src\Quillet ()"),
@@ -204,7 +204,7 @@ TEST_F(PerformanceProfilesTest, LeaveHyperV_SetCannotBeOpened_WritesNothing) {
 TEST_F(PerformanceProfilesTest, LeaveHyperV_OneWriteFails_GoesOnAndReturnsTheFirstFailure) {
     Fail(Operation::PutInstance, WBEM_E_ACCESS_DENIED, L"", 1);
     Fail(Operation::ExecMethod, WBEM_E_INVALID_PARAMETER, L"", 2);
-    EXPECT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(STANDARD)), "0x80041003");
+    EXPECT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(kStandard)), "0x80041003");
     EXPECT_THAT(Changes(), ElementsAre("BeginApply", "Put", "Put", "Apply"));
     EXPECT_EQ(CurrentOf(L"{A}"), 5);
     EXPECT_EQ(CurrentOf(L"{C}"), 2);
@@ -212,7 +212,7 @@ TEST_F(PerformanceProfilesTest, LeaveHyperV_OneWriteFails_GoesOnAndReturnsTheFir
 
 TEST_F(PerformanceProfilesTest, LeaveHyperV_SetCannotBeClosed_IsTheResult) {
     Fail(Operation::ExecMethod, WBEM_E_INVALID_PARAMETER, L"", 2);
-    EXPECT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(STANDARD)), "0x80041008");
+    EXPECT_EQ(Code(quillet.ChangeAllAdapterProfilesFromHyperV(kStandard)), "0x80041008");
     const std::vector<std::string> trace = Traced();
     EXPECT_THAT(trace, Contains(testing::AllOf(testing::StartsWith(R"(.\Src\Quillet ()"),
                                                testing::EndsWith("): ApplyDone() call FAILED"))));

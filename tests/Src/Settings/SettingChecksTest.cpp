@@ -10,12 +10,12 @@ using testing::Contains;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr unsigned POOL = 6;
+constexpr unsigned kPool = 6;
 
 // The pool that teams are made of. E1 and E2 have the setting enabled and the scalable networking pack, D has
 // it disabled, N does not have it, T is another maker's and tells nothing, X is another maker's with the
 // setting.
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter as $E1 {
         DeviceID = "{E1}"; SlotID = "1"; AdapterStatus = 1; Capabilities = {47, 61}; };
@@ -55,7 +55,7 @@ constexpr const char* MACHINE = R"(
     instance of Zorel_TeamedMemberAdapter { GroupComponent = $Mixed; PartComponent = $D; AdapterStatus = 1; };
     instance of Zorel_TeamedMemberAdapter { GroupComponent = $Mixed; PartComponent = $N; AdapterStatus = 1; };)";
 
-constexpr const wchar_t* NAMES[POOL] = {L"E1", L"E2", L"D", L"N", L"T", L"X"};
+constexpr const wchar_t* kNames[kPool] = {L"E1", L"E2", L"D", L"N", L"T", L"X"};
 
 std::wstring Path(const std::wstring& name) {
     return LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID="{)" + name + L"}\"";
@@ -86,28 +86,28 @@ void Fill(CTeamedAdapters& members, const Names& names) {
 }
 
 /// The lines of which each check of receive side scaling writes exactly one.
-constexpr const char* NOT_INSTALLED = "The Scalable Networking Pack is not installed!";
-constexpr const char* ONLY_REMOVING = "RSS_PrecheckOnTeamModify -> The user is only removing an adapter(s).";
-constexpr const char* ONE_ADAPTER =
+constexpr const char* kNotInstalled = "The Scalable Networking Pack is not installed!";
+constexpr const char* kOnlyRemoving = "RSS_PrecheckOnTeamModify -> The user is only removing an adapter(s).";
+constexpr const char* kOneAdapter =
     "RSS_PrecheckOnTeamModify -> The new Team only contains 1 adapter, returning success";
-constexpr const char* THIRD_PARTY =
+constexpr const char* kThirdParty =
     "CQuillet::RSS_PrecheckOnTeamModify() - adding a 3rd party NIC to RSS enabled Team.";
-constexpr const char* NON_RSS =
+constexpr const char* kNonRss =
     "CQuillet::RSS_PrecheckOnTeamModify() - adding non RSS device to RSS enabled Team.";
-constexpr const char* DISABLING = "The old team had RSS enabled and an adapter with RSS disabled was added, "
-                                  "disabling RSS on the whole team.";
-constexpr const char* MVT = "CQuillet::RSS_PrecheckOnTeamModify() - adding RSS enabled NIC to MVT Team.";
-constexpr const char* UNSUPPORTED =
+constexpr const char* kDisabling = "The old team had RSS enabled and an adapter with RSS disabled was added, "
+                                   "disabling RSS on the whole team.";
+constexpr const char* kMvt = "CQuillet::RSS_PrecheckOnTeamModify() - adding RSS enabled NIC to MVT Team.";
+constexpr const char* kUnsupported =
     "CQuillet::RSS_PrecheckOnTeamModify() - adding RSS enabled NIC to unsupported RSS Team.";
-constexpr const char* NOW_ENABLED =
+constexpr const char* kNowEnabled =
     "CQuillet::RSS_PrecheckOnTeamModify() - new Team now has RSS enabled, when it previously did not.";
-constexpr const char* NO_CHANGE =
+constexpr const char* kNoChange =
     "CQuillet::RSS_PrecheckOnTeamModify() - Team + adapter will not change after adding to team.";
 
 class SettingChecksTest : public ProviderTest {
   protected:
     void SetUp() override {
-        UseText(MACHINE);
+        UseText(kMachine);
         Connect();
     }
 
@@ -130,8 +130,8 @@ class SettingChecksTest : public ProviderTest {
         Traced();
         EXPECT_EQ(Code(quillet.RSS_PrecheckOnTeamModify(members, adapters, verdict.warnings)), "0x00000000");
         for (const std::string& line : Traced()) {
-            for (const char* known : {NOT_INSTALLED, ONLY_REMOVING, ONE_ADAPTER, THIRD_PARTY, NON_RSS,
-                                      DISABLING, MVT, UNSUPPORTED, NOW_ENABLED, NO_CHANGE}) {
+            for (const char* known : {kNotInstalled, kOnlyRemoving, kOneAdapter, kThirdParty, kNonRss,
+                                      kDisabling, kMvt, kUnsupported, kNowEnabled, kNoChange}) {
                 if (line == known) {
                     EXPECT_EQ(verdict.line, "") << "a second verdict";
                     verdict.line = line;
@@ -376,90 +376,90 @@ TEST_P(RssPrecheckTest, TheFirstCaseThatAppliesDecides) {
               (SettingChecksTest::Verdict{tested.warnings, tested.line}));
 }
 
-const RssCase RSS_CASES[] = {
-    {"PackNotInstalled", {L"E1", L"E2"}, {L"D", L"N"}, 0, NOT_INSTALLED},
-    {"PackNotInstalled_WinsOverThirdParty", {L"E1"}, {L"D", L"T"}, 0, NOT_INSTALLED},
-    {"PackNotInstalled_NothingWanted", {L"E1"}, {}, 0, NOT_INSTALLED},
-    {"NothingAdded", {L"E1", L"E2", L"N"}, {L"E1", L"E2"}, 0, ONLY_REMOVING},
-    {"NothingAdded_WinsOverOneAdapter", {L"E1", L"E2"}, {L"E2"}, 0, ONLY_REMOVING},
-    {"NothingAdded_SameMembers", {L"E1", L"E2"}, {L"E2", L"E1"}, 0, ONLY_REMOVING},
-    {"OneAdapter", {L"D", L"N"}, {L"E1"}, 0, ONE_ADAPTER},
-    {"OneAdapter_WinsOverMixedTeam", {L"T", L"N"}, {L"E1"}, 0, ONE_ADAPTER},
-    {"ThirdPartyAdded", {L"E1", L"E2"}, {L"E1", L"E2", L"T"}, 0x8, THIRD_PARTY},
+const RssCase kRssCases[] = {
+    {"PackNotInstalled", {L"E1", L"E2"}, {L"D", L"N"}, 0, kNotInstalled},
+    {"PackNotInstalled_WinsOverThirdParty", {L"E1"}, {L"D", L"T"}, 0, kNotInstalled},
+    {"PackNotInstalled_NothingWanted", {L"E1"}, {}, 0, kNotInstalled},
+    {"NothingAdded", {L"E1", L"E2", L"N"}, {L"E1", L"E2"}, 0, kOnlyRemoving},
+    {"NothingAdded_WinsOverOneAdapter", {L"E1", L"E2"}, {L"E2"}, 0, kOnlyRemoving},
+    {"NothingAdded_SameMembers", {L"E1", L"E2"}, {L"E2", L"E1"}, 0, kOnlyRemoving},
+    {"OneAdapter", {L"D", L"N"}, {L"E1"}, 0, kOneAdapter},
+    {"OneAdapter_WinsOverMixedTeam", {L"T", L"N"}, {L"E1"}, 0, kOneAdapter},
+    {"ThirdPartyAdded", {L"E1", L"E2"}, {L"E1", L"E2", L"T"}, 0x8, kThirdParty},
     {"ThirdPartyAdded_WinsOverIncapableAndDisabled",
      {L"E1", L"E2"},
      {L"E1", L"E2", L"N", L"D", L"T"},
      0x8,
-     THIRD_PARTY},
-    {"ThirdPartyAdded_WithTheSetting", {L"E1"}, {L"E1", L"X"}, 0x8, THIRD_PARTY},
-    {"ThirdPartyAdded_ToATeamWithoutRss", {L"D"}, {L"D", L"T", L"E1"}, 0, NO_CHANGE},
-    {"IncapableAdded", {L"E1"}, {L"E1", L"N"}, 0x4, NON_RSS},
-    {"IncapableAdded_WinsOverDisabled", {L"E1", L"E2"}, {L"E1", L"E2", L"D", L"N"}, 0x4, NON_RSS},
-    {"DisabledAdded", {L"E1", L"E2"}, {L"E1", L"E2", L"D"}, 0x2, DISABLING},
-    {"DisabledAdded_WinsOverEnabledIntoMixedTeam", {L"X"}, {L"X", L"D", L"E1"}, 0x2, DISABLING},
-    {"EnabledAddedToMixedTeam", {L"T", L"D"}, {L"T", L"D", L"E1"}, 0x20, MVT},
-    {"EnabledAddedToMixedTeam_WinsOverIncapableTeam", {L"T", L"N"}, {L"T", L"N", L"E1"}, 0x20, MVT},
-    {"EnabledAddedToMixedTeam_ThatHasItEnabled", {L"X"}, {L"X", L"E1"}, 0x20, MVT},
-    {"EnabledAddedToIncapableTeam", {L"N", L"D"}, {L"N", L"D", L"E1"}, 0x10, UNSUPPORTED},
-    {"EnabledAddedToIncapableTeam_WinsOverTeamGaining", {L"N"}, {L"E1", L"E2"}, 0x10, UNSUPPORTED},
-    {"TeamGainsRss", {L"E1", L"D"}, {L"E1", L"E2"}, 0x1, NOW_ENABLED},
-    {"TeamGainsRss_FromNoTeam", {}, {L"E1", L"E2"}, 0x1, NOW_ENABLED},
-    {"NoChange_WasAndStaysEnabled", {L"E1"}, {L"E1", L"E2"}, 0, NO_CHANGE},
-    {"NoChange_WasAndStaysDisabled", {L"D"}, {L"D", L"E1", L"E2"}, 0, NO_CHANGE},
-    {"NoChange_IncapableIntoTeamWithoutRss", {L"D", L"E1"}, {L"D", L"E1", L"N"}, 0, NO_CHANGE},
+     kThirdParty},
+    {"ThirdPartyAdded_WithTheSetting", {L"E1"}, {L"E1", L"X"}, 0x8, kThirdParty},
+    {"ThirdPartyAdded_ToATeamWithoutRss", {L"D"}, {L"D", L"T", L"E1"}, 0, kNoChange},
+    {"IncapableAdded", {L"E1"}, {L"E1", L"N"}, 0x4, kNonRss},
+    {"IncapableAdded_WinsOverDisabled", {L"E1", L"E2"}, {L"E1", L"E2", L"D", L"N"}, 0x4, kNonRss},
+    {"DisabledAdded", {L"E1", L"E2"}, {L"E1", L"E2", L"D"}, 0x2, kDisabling},
+    {"DisabledAdded_WinsOverEnabledIntoMixedTeam", {L"X"}, {L"X", L"D", L"E1"}, 0x2, kDisabling},
+    {"EnabledAddedToMixedTeam", {L"T", L"D"}, {L"T", L"D", L"E1"}, 0x20, kMvt},
+    {"EnabledAddedToMixedTeam_WinsOverIncapableTeam", {L"T", L"N"}, {L"T", L"N", L"E1"}, 0x20, kMvt},
+    {"EnabledAddedToMixedTeam_ThatHasItEnabled", {L"X"}, {L"X", L"E1"}, 0x20, kMvt},
+    {"EnabledAddedToIncapableTeam", {L"N", L"D"}, {L"N", L"D", L"E1"}, 0x10, kUnsupported},
+    {"EnabledAddedToIncapableTeam_WinsOverTeamGaining", {L"N"}, {L"E1", L"E2"}, 0x10, kUnsupported},
+    {"TeamGainsRss", {L"E1", L"D"}, {L"E1", L"E2"}, 0x1, kNowEnabled},
+    {"TeamGainsRss_FromNoTeam", {}, {L"E1", L"E2"}, 0x1, kNowEnabled},
+    {"NoChange_WasAndStaysEnabled", {L"E1"}, {L"E1", L"E2"}, 0, kNoChange},
+    {"NoChange_WasAndStaysDisabled", {L"D"}, {L"D", L"E1", L"E2"}, 0, kNoChange},
+    {"NoChange_IncapableIntoTeamWithoutRss", {L"D", L"E1"}, {L"D", L"E1", L"N"}, 0, kNoChange},
 };
 
-INSTANTIATE_TEST_SUITE_P(Cases, RssPrecheckTest, testing::ValuesIn(RSS_CASES),
+INSTANTIATE_TEST_SUITE_P(Cases, RssPrecheckTest, testing::ValuesIn(kRssCases),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_F(SettingChecksTest, RssPrecheck_EveryOldAndNewTeamOfThePool_AgreesWithTheTable) {
     // What the table says, from what is known of the pool; bits of a team are its members.
-    constexpr unsigned ENABLED = 0b100011, CARRIES = 0b100111, THIRD = 0b110000, PACK = 0b000011;
+    constexpr unsigned kEnabled = 0b100011, CARRIES = 0b100111, THIRD = 0b110000, PACK = 0b000011;
     const auto expected = [](unsigned before, unsigned after) -> Expected {
         const unsigned added = after & ~before;
-        const bool oldEnabled = before != 0 && (before & ~ENABLED) == 0;
+        const bool oldEnabled = before != 0 && (before & ~kEnabled) == 0;
         const bool oldCapable = (before & ~CARRIES) == 0;
         if ((after & PACK) == 0) {
-            return {0, NOT_INSTALLED};
+            return {0, kNotInstalled};
         }
         if (added == 0) {
-            return {0, ONLY_REMOVING};
+            return {0, kOnlyRemoving};
         }
         if ((after & (after - 1)) == 0) {
-            return {0, ONE_ADAPTER};
+            return {0, kOneAdapter};
         }
         if (oldEnabled && (added & THIRD)) {
-            return {0x8, THIRD_PARTY};
+            return {0x8, kThirdParty};
         }
         if (oldEnabled && (added & ~CARRIES)) {
-            return {0x4, NON_RSS};
+            return {0x4, kNonRss};
         }
-        if (oldEnabled && (added & CARRIES & ~ENABLED)) {
-            return {0x2, DISABLING};
+        if (oldEnabled && (added & CARRIES & ~kEnabled)) {
+            return {0x2, kDisabling};
         }
-        if ((added & ENABLED) && (before & THIRD)) {
-            return {0x20, MVT};
+        if ((added & kEnabled) && (before & THIRD)) {
+            return {0x20, kMvt};
         }
-        if ((added & ENABLED) && !oldCapable) {
-            return {0x10, UNSUPPORTED};
+        if ((added & kEnabled) && !oldCapable) {
+            return {0x10, kUnsupported};
         }
-        if ((after & ~ENABLED) == 0 && !oldEnabled) {
-            return {0x1, NOW_ENABLED};
+        if ((after & ~kEnabled) == 0 && !oldEnabled) {
+            return {0x1, kNowEnabled};
         }
-        return {0, NO_CHANGE};
+        return {0, kNoChange};
     };
     const auto names = [](unsigned members) {
         Names list;
-        for (unsigned i = 0; i < POOL; ++i) {
+        for (unsigned i = 0; i < kPool; ++i) {
             if (members & (1u << i)) {
-                list.emplace_back(NAMES[i]);
+                list.emplace_back(kNames[i]);
             }
         }
         return list;
     };
     std::set<std::string> met;
-    for (unsigned before = 0; before < 1u << POOL; ++before) {
-        for (unsigned after = 0; after < 1u << POOL; ++after) {
+    for (unsigned before = 0; before < 1u << kPool; ++before) {
+        for (unsigned after = 0; after < 1u << kPool; ++after) {
             const auto [warnings, line] = expected(before, after);
             const auto verdict = Precheck(names(before), names(after));
             ASSERT_EQ(verdict, (SettingChecksTest::Verdict{warnings, line})) << before << " -> " << after;
@@ -488,7 +488,7 @@ TEST_F(SettingChecksTest, RssPrecheck_OneAdapterBesideNullEntries_IsOne) {
     ULONGLONG warnings = 7;
     EXPECT_EQ(Code(quillet.RSS_PrecheckOnTeamModify(CTeamedAdapters(), wanted, warnings)), "0x00000000");
     EXPECT_EQ(warnings, 0u);
-    EXPECT_THAT(Traced(), Contains(ONE_ADAPTER));
+    EXPECT_THAT(Traced(), Contains(kOneAdapter));
 }
 
 TEST_F(SettingChecksTest, RssPrecheck_SettingsUnreadableOrNotConnected_Fails) {

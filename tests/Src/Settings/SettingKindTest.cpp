@@ -76,7 +76,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 class SettingQueryTest : public ProviderTest {
   protected:
-    SettingQueryTest() : ProviderTest(NET_SERVICE_MOF) {}
+    SettingQueryTest() : ProviderTest(kNetServiceMof) {}
     void SetUp() override { Connect(); }
     std::vector<std::string> Queries() {
         std::vector<std::string> texts;

@@ -7,11 +7,11 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 
-constexpr const char* MISSING = "GetSetting -> ((pIWbemSetting == NULL) || (pSetting == NULL))";
+constexpr const char* kMissing = "GetSetting -> ((pIWbemSetting == NULL) || (pSetting == NULL))";
 
 class SettingReadersTest : public ProviderTest {
   protected:
-    SettingReadersTest() : ProviderTest(NET_SERVICE_MOF) {}
+    SettingReadersTest() : ProviderTest(kNetServiceMof) {}
 };
 
 TEST_F(SettingReadersTest, EveryReader_WithoutAnInstance_FailsAndNamesIt) {
@@ -30,7 +30,7 @@ TEST_F(SettingReadersTest, EveryReader_WithoutAnInstance_FailsAndNamesIt) {
              [&] { return QuilletTestAccess::GetMultiSetting(nullptr, &several); },
              [&] { return QuilletTestAccess::GetMultiStringSetting(nullptr, &list); }}) {
         EXPECT_EQ(Code(read()), "0x80004005");
-        EXPECT_THAT(Traced(), ElementsAre(MISSING));
+        EXPECT_THAT(Traced(), ElementsAre(kMissing));
     }
 }
 
@@ -52,7 +52,7 @@ TEST_F(SettingReadersTest, EveryReader_WithoutATarget_FailsAndReadsNothing) {
              [&] { return QuilletTestAccess::GetMultiSetting(instance, nullptr); },
              [&] { return QuilletTestAccess::GetMultiStringSetting(instance, nullptr); }}) {
         EXPECT_EQ(Code(read()), "0x80004005");
-        EXPECT_THAT(Traced(), ElementsAre(MISSING));
+        EXPECT_THAT(Traced(), ElementsAre(kMissing));
     }
     EXPECT_THAT(Called(), testing::IsEmpty());
 }
@@ -61,7 +61,7 @@ TEST_F(SettingReadersTest, EveryReader_WithoutATarget_FailsAndReadsNothing) {
 class SettingReadOrderTest : public ProviderTest {
   protected:
     std::vector<std::string> ReadOf(const std::string& kind, const std::string& properties) {
-        UseText(std::string(NET_SERVICE_MOF) + "instance of Zorel_AdapterSetting" + kind +
+        UseText(std::string(kNetServiceMof) + "instance of Zorel_AdapterSetting" + kind +
                 " { Caption = \"C\"; ParentId = \"{A}\"; ParentType = \"NIC\"; " + properties + " };");
         Connect();
         RecordLocalCalls();

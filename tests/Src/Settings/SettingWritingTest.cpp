@@ -10,7 +10,7 @@ using testing::Not;
 using testing::StartsWith;
 
 // {A} and {B} are a team, {E} is alone; {A} has a setting of each kind.
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter as $A { DeviceID = "{A}"; SlotID = "1"; AdapterStatus = 1; };
     instance of Zorel_PhysicalEthernetAdapter as $B { DeviceID = "{B}"; SlotID = "1"; AdapterStatus = 1; };
@@ -66,7 +66,7 @@ std::wstring SettingPath(const wchar_t* kind, const wchar_t* caption) {
 class SettingWritingTest : public ProviderTest {
   protected:
     void SetUp() override {
-        UseText(MACHINE);
+        UseText(kMachine);
         Connect();
     }
 
@@ -95,9 +95,9 @@ class SettingWritingTest : public ProviderTest {
         EXPECT_EQ(machine->Store().FindInstance(path)->Number(L"CurrentValue"), number);
     }
 
-    const std::wstring VLAN = LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_VLAN.Name="{V}")";
-    const std::wstring A = AdapterPath(L"{A}");
-    const std::wstring E = AdapterPath(L"{E}");
+    const std::wstring kVlan = LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_VLAN.Name="{V}")";
+    const std::wstring kA = AdapterPath(L"{A}");
+    const std::wstring kE = AdapterPath(L"{E}");
     bool isTeamed = true;
     ULONGLONG warnings = 77;
 };
@@ -139,7 +139,7 @@ TEST_F(SettingWritingTest, SetSetting_ListOfTexts_IsWrittenAsArrayOfCurrentValue
     EXPECT_EQ(put.arguments[0].name, L"CurrentValues");
     EXPECT_EQ(put.arguments[0].vt, VT_ARRAY | VT_BSTR);
     CSettings read;
-    ASSERT_EQ(Code(quillet.GetAdapterSettings(A, read)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetAdapterSettings(kA, read)), "0x00000000");
     const auto* stored = dynamic_cast<const CSettingMultiString*>(read.GetSettingByCaption(L"WakePatterns"));
     ASSERT_NE(stored, nullptr);
     EXPECT_THAT(stored->m_vecCurrentValues, ElementsAre(L"aa", L"", L"b"));
@@ -255,7 +255,7 @@ TEST_F(SettingWritingTest, SetSetting_OfASettingThatNeedsARestart_IsReportedByIt
 }
 
 TEST_F(SettingWritingTest, Validate_AdapterWithoutATeam_SucceedsWithoutAskingTheProvider) {
-    EXPECT_EQ(Code(quillet.ValidateSetSetting(E, isTeamed, L"*JumboPacket", 9014, warnings)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateSetSetting(kE, isTeamed, L"*JumboPacket", 9014, warnings)), "0x00000000");
     EXPECT_FALSE(isTeamed);
     EXPECT_EQ(warnings, 0u);
     EXPECT_TRUE(machine->Calls().Of(Operation::ExecMethod).empty());
@@ -263,7 +263,7 @@ TEST_F(SettingWritingTest, Validate_AdapterWithoutATeam_SucceedsWithoutAskingThe
 
 TEST_F(SettingWritingTest, Validate_Member_AsksItsTeamWithTheParametersInOrder) {
     isTeamed = false;
-    EXPECT_EQ(Code(quillet.ValidateSetSetting(A, isTeamed, L"*JumboPacket", 9014, warnings)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateSetSetting(kA, isTeamed, L"*JumboPacket", 9014, warnings)), "0x00000000");
     EXPECT_TRUE(isTeamed);
     EXPECT_EQ(warnings, 0x30u) << "the other member cannot have the value, and has another one";
     const std::vector<JournalEntry> calls = machine->Calls().Of(Operation::ExecMethod);
@@ -273,7 +273,7 @@ TEST_F(SettingWritingTest, Validate_Member_AsksItsTeamWithTheParametersInOrder) 
     ASSERT_EQ(calls[0].arguments.size(), 3u);
     EXPECT_EQ(calls[0].arguments[0].name, L"Adapter");
     EXPECT_EQ(calls[0].arguments[0].vt, VT_BSTR);
-    EXPECT_EQ(calls[0].arguments[0].value, quillet::simulator::Value::Text(A));
+    EXPECT_EQ(calls[0].arguments[0].value, quillet::simulator::Value::Text(kA));
     EXPECT_EQ(calls[0].arguments[1].name, L"SettingName");
     EXPECT_EQ(calls[0].arguments[1].vt, VT_BSTR);
     EXPECT_EQ(calls[0].arguments[1].value, quillet::simulator::Value::Text(L"*JumboPacket"));
@@ -301,7 +301,7 @@ TEST_F(SettingWritingTest, Validate_Failures_AreNamed) {
     };
     for (const auto& step : steps) {
         Fail(step.operation, WBEM_E_ACCESS_DENIED, step.target, step.nth);
-        EXPECT_EQ(Code(quillet.ValidateSetSetting(A, isTeamed, L"*JumboPacket", 9014, warnings)),
+        EXPECT_EQ(Code(quillet.ValidateSetSetting(kA, isTeamed, L"*JumboPacket", 9014, warnings)),
                   "0x80041003")
             << step.line;
         EXPECT_EQ(warnings, 0u) << step.line;
@@ -309,7 +309,7 @@ TEST_F(SettingWritingTest, Validate_Failures_AreNamed) {
         machine->Rules().Clear();
     }
     FailEachProviderCall(
-        [&] { return quillet.ValidateSetSetting(A, isTeamed, L"*JumboPacket", 9014, warnings); });
+        [&] { return quillet.ValidateSetSetting(kA, isTeamed, L"*JumboPacket", 9014, warnings); });
 }
 
 TEST_F(SettingWritingTest, Validate_EmptyIdentifierOrNoConnection_Fails) {
@@ -318,15 +318,15 @@ TEST_F(SettingWritingTest, Validate_EmptyIdentifierOrNoConnection_Fails) {
     EXPECT_EQ(warnings, 0u);
     EXPECT_THAT(Traced(), Contains("EnumerateOtherPortOfAdapter() call FAILED"));
     quillet.UninitQuillet();
-    EXPECT_EQ(Code(quillet.ValidateSetSetting(A, isTeamed, L"*JumboPacket", 9014, warnings)), "0x80041001");
+    EXPECT_EQ(Code(quillet.ValidateSetSetting(kA, isTeamed, L"*JumboPacket", 9014, warnings)), "0x80041001");
 }
 
 TEST_F(SettingWritingTest, ValidateOnVlan_Path_IsAskedWithTheParametersInOrder) {
-    EXPECT_EQ(Code(quillet.ValidateSetSettingOnVlan(VLAN, L"*JumboPacket", 9014, warnings)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateSetSettingOnVlan(kVlan, L"*JumboPacket", 9014, warnings)), "0x00000000");
     EXPECT_EQ(warnings, 0x40u) << "larger than the team's";
     const std::vector<JournalEntry> calls = machine->Calls().Of(Operation::ExecMethod);
     ASSERT_EQ(calls.size(), 1u);
-    EXPECT_EQ(calls[0].target, VLAN);
+    EXPECT_EQ(calls[0].target, kVlan);
     EXPECT_EQ(calls[0].method, L"ValidateSetting");
     ASSERT_EQ(calls[0].arguments.size(), 2u);
     EXPECT_EQ(calls[0].arguments[0].name, L"SettingName");
@@ -335,13 +335,13 @@ TEST_F(SettingWritingTest, ValidateOnVlan_Path_IsAskedWithTheParametersInOrder) 
     EXPECT_EQ(calls[0].arguments[1].name, L"Value");
     EXPECT_EQ(calls[0].arguments[1].vt, VT_I4);
     EXPECT_EQ(calls[0].arguments[1].value, quillet::simulator::Value::Signed(9014));
-    EXPECT_EQ(Code(quillet.ValidateSetSettingOnVlan(VLAN, L"*JumboPacket", 4088, warnings)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateSetSettingOnVlan(kVlan, L"*JumboPacket", 4088, warnings)), "0x00000000");
     EXPECT_EQ(warnings, 0u);
 }
 
 TEST_F(SettingWritingTest, ValidateOnVlan_ObjectId_IsTheVlanOfThatIdOnThisComputer) {
     quillet.UninitQuillet();
-    UseText(MACHINE, {});
+    UseText(kMachine, {});
     Connect();
     EXPECT_EQ(Code(quillet.ValidateSetSettingOnVlan(L"{V}", L"*JumboPacket", 9014, warnings)), "0x00000000");
     EXPECT_EQ(warnings, 0x40u);
@@ -359,25 +359,25 @@ TEST_F(SettingWritingTest, ValidateOnVlan_EmptyId_IsRefusedInTheWordsForAnAdapte
 
 TEST_F(SettingWritingTest, ValidateOnVlan_NoOutParameters_IsNamed) {
     Spoil(Operation::ExecMethod, Effect::NoOutParameters);
-    EXPECT_EQ(Code(quillet.ValidateSetSettingOnVlan(VLAN, L"*JumboPacket", 1514, warnings)), "0x80041001");
+    EXPECT_EQ(Code(quillet.ValidateSetSettingOnVlan(kVlan, L"*JumboPacket", 1514, warnings)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("Outparam of method is NULL"));
 }
 
 TEST_F(SettingWritingTest, ValidateOnVlan_Failures_AreNamed) {
     FailEachProviderCall(
-        [&] { return quillet.ValidateSetSettingOnVlan(VLAN, L"*JumboPacket", 1514, warnings); });
+        [&] { return quillet.ValidateSetSettingOnVlan(kVlan, L"*JumboPacket", 1514, warnings); });
     Fail(Operation::ExecMethod, WBEM_E_FAILED);
-    quillet.ValidateSetSettingOnVlan(VLAN, L"*JumboPacket", 1514, warnings);
+    quillet.ValidateSetSettingOnVlan(kVlan, L"*JumboPacket", 1514, warnings);
     EXPECT_THAT(Traced(), Contains("ExecMethod -> wsVlanID, L_METHOD_VLAN_VALIDATESETTING"));
     machine->Rules().Clear();
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"ValResult");
-    EXPECT_EQ(Code(quillet.ValidateSetSettingOnVlan(VLAN, L"*JumboPacket", 1514, warnings)), "0x80041003");
+    EXPECT_EQ(Code(quillet.ValidateSetSettingOnVlan(kVlan, L"*JumboPacket", 1514, warnings)), "0x80041003");
     EXPECT_THAT(
         Traced(),
         Contains("GetPropertyAsUINT64 -> pWbemClassObject_OutParams, L_PARAM_VLAN_VALIDATESETTING_RESULT"));
     machine->Rules().Clear();
     quillet.UninitQuillet();
-    EXPECT_EQ(Code(quillet.ValidateSetSettingOnVlan(VLAN, L"*JumboPacket", 1514, warnings)), "0x80041001");
+    EXPECT_EQ(Code(quillet.ValidateSetSettingOnVlan(kVlan, L"*JumboPacket", 1514, warnings)), "0x80041001");
 }
 
 } // namespace

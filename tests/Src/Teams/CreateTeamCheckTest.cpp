@@ -19,7 +19,7 @@ class CreateTeamCheckTest : public TeamTest {
     }
     /// So many adapters that can do everything.
     CAdapters Alike(std::size_t count) {
-        std::string mof = MACHINE;
+        std::string mof = kMachine;
         CAdapters adapters;
         for (std::size_t i = 0; i < count; ++i) {
             const std::string id = "{N" + std::to_string(i) + "}";
@@ -35,7 +35,7 @@ class CreateTeamCheckTest : public TeamTest {
 };
 
 TEST_F(CreateTeamCheckTest, GoodTeam_HasNoProblems) {
-    EXPECT_EQ(Check(1, Adapters({A, B})), 0u);
+    EXPECT_EQ(Check(1, Adapters({kA, kB})), 0u);
     EXPECT_THAT(Steps(),
                 ElementsAre("Entering CQuillet::CreateTeamCheck", "Entering CQuillet::EnumerateTeams",
                             "Exiting CQuillet::EnumerateTeams", "calling GetAdapterCapabilities ",
@@ -50,8 +50,8 @@ TEST_F(CreateTeamCheckTest, GoodTeam_HasNoProblems) {
                             Narrow(call.target));
         }
     }
-    EXPECT_THAT(calls, ElementsAre("CreateInstanceEnum Zorel_TeamOfAdapters", "GetObject " + Narrow(A),
-                                   "GetObject " + Narrow(B)));
+    EXPECT_THAT(calls, ElementsAre("CreateInstanceEnum Zorel_TeamOfAdapters", "GetObject " + Narrow(kA),
+                                   "GetObject " + Narrow(kB)));
 }
 
 TEST_F(CreateTeamCheckTest, NineMembersOfMode5_AreTooManyForATeamAndForTheMode) {
@@ -74,28 +74,28 @@ TEST_F(CreateTeamCheckTest, Mode5_OneMemberIsNotFlagged) {
 }
 
 TEST_F(CreateTeamCheckTest, TenGigabitAndSlowMembers_StandAloneEvenWhenTheNameIsTaken) {
-    EXPECT_EQ(Check(1, Adapters({D, E}), 3, L"TEAM : One"), 0x8000u);
+    EXPECT_EQ(Check(1, Adapters({kD, kE}), 3, L"TEAM : One"), 0x8000u);
     EXPECT_THAT(Traced(),
                 testing::AllOf(Contains("TEN_GIG_TEAM_MISMATCH"), Contains("Team Name Not Unique")));
-    EXPECT_EQ(Check(1, Adapters({D, A}), 3, L"TEAM : One"), 0x80u) << "gigabit is not slow";
+    EXPECT_EQ(Check(1, Adapters({kD, kA}), 3, L"TEAM : One"), 0x80u) << "gigabit is not slow";
 }
 
 TEST_F(CreateTeamCheckTest, Mode2_MembersWithoutACommonSpeed_StandAlone) {
-    UseText(std::string(MACHINE) + R"(
+    UseText(std::string(kMachine) + R"(
         instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{F}"; Capabilities = {9, 37, 46, 47, 35}; };
         instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{G}"; Capabilities = {9, 37, 46, 47, 34}; };)");
     Connect();
     EXPECT_EQ(Check(2, Adapters({Adapter(L"{F}"), Adapter(L"{G}")}), 3, L"TEAM : One"), 0x4000u);
     EXPECT_THAT(Traced(), Contains("SLA FIBER MISMATCH"));
-    EXPECT_EQ(Check(2, Adapters({Adapter(L"{F}"), D})), 0u) << "10 gigabit is common";
-    EXPECT_EQ(Check(2, Adapters({Adapter(L"{G}"), D, A})), 0u);
+    EXPECT_EQ(Check(2, Adapters({Adapter(L"{F}"), kD})), 0u) << "10 gigabit is common";
+    EXPECT_EQ(Check(2, Adapters({Adapter(L"{G}"), kD, kA})), 0u);
     EXPECT_EQ(Check(2, Adapters({Adapter(L"{none}")})), 0x4000u) << "nobody has a speed";
 }
 
 TEST_F(CreateTeamCheckTest, Kind0_LooksAtNoMember) {
     Fail(Operation::GetObject, WBEM_E_FAILED);
-    EXPECT_EQ(Check(5, Adapters({E, D, A}), 0), 0u);
-    EXPECT_EQ(Check(5, Adapters({E, D, A}), 0, L"TEAM : One"), 0x80u);
+    EXPECT_EQ(Check(5, Adapters({kE, kD, kA}), 0), 0u);
+    EXPECT_EQ(Check(5, Adapters({kE, kD, kA}), 0, L"TEAM : One"), 0x80u);
     EXPECT_EQ(Check(5, CAdapters(), 0, L"TEAM : One"), 0x80u) << "an empty list still has a name";
     EXPECT_EQ(Check(5, CAdapters(), 0), 0u);
     EXPECT_EQ(Check(5, CAdapters(), 0, L"team : one"), 0u) << "case counts";
@@ -103,7 +103,7 @@ TEST_F(CreateTeamCheckTest, Kind0_LooksAtNoMember) {
 
 TEST_F(CreateTeamCheckTest, Kinds1And2_NeverLookAtTheName) {
     for (const int kind : {1, 2}) {
-        EXPECT_EQ(Check(1, Adapters({A, B}), kind, L"TEAM : One"), 0u);
+        EXPECT_EQ(Check(1, Adapters({kA, kB}), kind, L"TEAM : One"), 0u);
         EXPECT_EQ(machine->Calls().Of(Operation::CreateInstanceEnum).size(), 0u);
     }
 }
@@ -116,33 +116,33 @@ TEST_F(CreateTeamCheckTest, NoMembers_Is10AtOnceUnlessOnlyTheNameIsAsked) {
 }
 
 TEST_F(CreateTeamCheckTest, AnotherKind_ChecksNothing) {
-    EXPECT_EQ(Check(1, Adapters({E}), 4, L"TEAM : One"), 0u);
-    EXPECT_EQ(Check(1, Adapters({E}), -1, L"TEAM : One"), 0u);
+    EXPECT_EQ(Check(1, Adapters({kE}), 4, L"TEAM : One"), 0u);
+    EXPECT_EQ(Check(1, Adapters({kE}), -1, L"TEAM : One"), 0u);
     EXPECT_THAT(Called(), IsEmpty());
 }
 
 TEST_F(CreateTeamCheckTest, DesktopAdapter_LacksServerModeAndVlans) {
-    EXPECT_EQ(Check(0, Adapters({E})), 0x18u);
+    EXPECT_EQ(Check(0, Adapters({kE})), 0x18u);
     EXPECT_THAT(Traced(),
                 testing::AllOf(Contains("No Server adapters found"), Contains("VLAN Creation not possible")));
-    EXPECT_EQ(Check(4, Adapters({E, A})), 0x4u) << "VLANs are asked of supporters only";
+    EXPECT_EQ(Check(4, Adapters({kE, kA})), 0x4u) << "VLANs are asked of supporters only";
     EXPECT_THAT(Traced(), Contains("Team Modes Mismatch"));
-    EXPECT_EQ(Check(0, Adapters({E, A})), 0x8u) << "one server adapter is enough";
+    EXPECT_EQ(Check(0, Adapters({kE, kA})), 0x8u) << "one server adapter is enough";
 }
 
 TEST_F(CreateTeamCheckTest, MemberThatCannotBeRead_IsNotCountedAmongTheCapable) {
     Fail(Operation::GetObject, WBEM_E_ACCESS_DENIED, L"Zorel_PhysicalEthernetAdapter", 2);
-    EXPECT_EQ(Check(1, Adapters({A, E})), 0u) << "E would have added 0x8";
+    EXPECT_EQ(Check(1, Adapters({kA, kE})), 0u) << "E would have added 0x8";
     machine->Rules().Clear();
-    EXPECT_EQ(Check(1, Adapters({A, Adapter(L"{none}")})), 0u);
+    EXPECT_EQ(Check(1, Adapters({kA, Adapter(L"{none}")})), 0u);
     EXPECT_EQ(Check(1, Adapters({Adapter(L"{none}")})), 0x10u);
-    CAdapters withNull = Adapters({A});
+    CAdapters withNull = Adapters({kA});
     withNull.m_vecItems.push_back(nullptr);
     EXPECT_EQ(Check(1, withNull), 0u);
 }
 
 TEST_F(CreateTeamCheckTest, RecordsOfTheCaller_AreLeftAlone) {
-    CAdapters members = Adapters({A, E});
+    CAdapters members = Adapters({kA, kE});
     EXPECT_EQ(Check(1, members), 0x8u);
     EXPECT_EQ(Check(1, members), 0x8u) << "again";
     EXPECT_EQ(members.m_vecItems[0]->m_pAdapterCapabilities, nullptr);
@@ -150,9 +150,9 @@ TEST_F(CreateTeamCheckTest, RecordsOfTheCaller_AreLeftAlone) {
 
 TEST_F(CreateTeamCheckTest, NeverFails) {
     Fail(Operation::CreateInstanceEnum, WBEM_E_FAILED);
-    EXPECT_EQ(Check(1, Adapters({A}), 3, L"TEAM : One"), 0u) << "no team could be read";
+    EXPECT_EQ(Check(1, Adapters({kA}), 3, L"TEAM : One"), 0u) << "no team could be read";
     quillet.UninitQuillet();
-    EXPECT_EQ(Check(1, Adapters({A}), 3, L"TEAM : One"), 0x10u);
+    EXPECT_EQ(Check(1, Adapters({kA}), 3, L"TEAM : One"), 0x10u);
 }
 
 // --- the whole table ---
@@ -218,7 +218,7 @@ ULONGLONG Oracle(int mode, bool nameTaken, const Party& members, int kind) {
 
 class CreateTeamCheckTableTest : public TeamTest {
   protected:
-    static constexpr int MODES[] = {-1, 0, 1, 2, 3, 4, 5, 6, 7, 255};
+    static constexpr int kModes[] = {-1, 0, 1, 2, 3, 4, 5, 6, 7, 255};
 
     void SetUp() override {
         for (unsigned speeds = 0; speeds < 16; ++speeds) {
@@ -243,11 +243,11 @@ class CreateTeamCheckTableTest : public TeamTest {
         const std::string id = "{P" + std::to_string(m_profiles.size()) + "}";
         profile.id = Adapter(std::wstring(id.begin(), id.end()).c_str());
         if (profile.readable) {
-            constexpr unsigned modeCodes[] = {4, 5, 9, 8, 10, 12, 68, 36};
+            constexpr unsigned kModeCodes[] = {4, 5, 9, 8, 10, 12, 68, 36};
             std::vector<unsigned> codes{3, 50, 99};
             for (unsigned bit = 0; bit < 8; ++bit) {
                 if (profile.modes & (1u << bit)) {
-                    codes.push_back(modeCodes[bit]);
+                    codes.push_back(kModeCodes[bit]);
                 }
             }
             for (unsigned bit = 0; bit < 4; ++bit) {
@@ -297,7 +297,7 @@ class CreateTeamCheckTableTest : public TeamTest {
 
     std::vector<Profile> m_profiles;
     std::size_t m_structured = 0;
-    std::string m_mof = std::string(NET_SERVICE_MOF) + R"(
+    std::string m_mof = std::string(kNetServiceMof) + R"(
         instance of Zorel_TeamOfAdapters {
             Name = "{1}"; Caption = "Other"; TeamingMode = 0; MFOEnabled = FALSE; LinksecEnabled = FALSE; };
         instance of Zorel_TeamOfAdapters {
@@ -310,7 +310,7 @@ class CreateTeamCheckTableTest : public TeamTest {
 TEST_F(CreateTeamCheckTableTest, AgreesWithTheOracleInMoreThan100000Cases) {
     // One member of every kind there is, in every mode.
     for (std::size_t i = 0; i < m_structured; ++i) {
-        for (const int mode : MODES) {
+        for (const int mode : kModes) {
             for (const int kind : {0, 1, 2, 3}) {
                 Compare(mode, i % 2 == 0, {&m_profiles[i]}, kind);
             }
@@ -327,7 +327,7 @@ TEST_F(CreateTeamCheckTableTest, AgreesWithTheOracleInMoreThan100000Cases) {
     ASSERT_EQ(speeds.size(), 16u);
     for (const Profile* first : speeds) {
         for (const Profile* second : speeds) {
-            for (const int mode : MODES) {
+            for (const int mode : kModes) {
                 for (const int kind : {1, 2, 3}) {
                     Compare(mode, kind == 3, {first, second}, kind);
                 }
@@ -338,7 +338,7 @@ TEST_F(CreateTeamCheckTableTest, AgreesWithTheOracleInMoreThan100000Cases) {
     std::mt19937 random(7);
     const auto any = [&] { return &m_profiles[random() % m_profiles.size()]; };
     for (std::size_t count = 0; count <= 10; ++count) {
-        for (const int mode : MODES) {
+        for (const int mode : kModes) {
             for (const int kind : {0, 1, 2, 3}) {
                 for (const bool nameTaken : {false, true}) {
                     for (int i = 0; i < 96; ++i) {

@@ -11,7 +11,7 @@ using testing::Not;
 class TeamCreationTest : public TeamTest {
   protected:
     HRESULT Create(const wchar_t* name = L"Two") {
-        return quillet.CreateTeam(CTeam::TeamMode1, name, Adapters({D, C}), team,
+        return quillet.CreateTeam(CTeam::TeamMode1, name, Adapters({kD, kC}), team,
                                   static_cast<ePERFORMANCE_PROFILE>(5), true, false);
     }
     CTeam team;
@@ -24,7 +24,7 @@ TEST_F(TeamCreationTest, CreateTeam_PutsSixParametersInTheirOrderAndTypes) {
     EXPECT_EQ(Code(Create()), "0x00000000");
     EXPECT_THAT(Changes(),
                 ElementsAre("ExecMethod Zorel_TeamOfAdapters CreateTeam Adapters:VT_ARRAY|VT_BSTR=[" +
-                            Narrow(D) + ", " + Narrow(C) +
+                            Narrow(kD) + ", " + Narrow(kC) +
                             "] TeamingMode:VT_I4=1 TeamName:VT_BSTR=Two MFOEnable:VT_BOOL=true "
                             "LinksecEnabled:VT_BOOL=false TeamProfile:VT_I4=5 set=" +
                             std::to_string(set)));
@@ -137,23 +137,23 @@ TEST_F(RefusedInWordsTest, CreateTeam_VerdictWithoutPath_FailsBecauseThereIsNoPa
 class TeamValidationTest : public TeamTest {
   protected:
     /// What is asked about a team that is yet to be made.
-    static constexpr const wchar_t* CLASS = L"Zorel_TeamOfAdapters";
+    static constexpr const wchar_t* kClass = L"Zorel_TeamOfAdapters";
     DWORD word = 77;
     ULONGLONG mask = 77;
 };
 
 TEST_F(TeamValidationTest, Name_AsksTheClassOrTheTeam) {
-    EXPECT_EQ(Code(quillet.ValidateTeamName(L"Two", CLASS, word)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateTeamName(L"Two", kClass, word)), "0x00000000");
     EXPECT_EQ(word, 0u);
-    EXPECT_EQ(Code(quillet.ValidateTeamName(L"TEAM : One", CLASS, word)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateTeamName(L"TEAM : One", kClass, word)), "0x00000000");
     EXPECT_EQ(word, 0x80u) << "a new team of this name";
-    EXPECT_EQ(Code(quillet.ValidateTeamName(L"TEAM : One", T, word)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateTeamName(L"TEAM : One", kT, word)), "0x00000000");
     EXPECT_EQ(word, 0u) << "the team's own name";
     EXPECT_THAT(
         Changes(),
         ElementsAre("ExecMethod Zorel_TeamOfAdapters ValidateTeamName Caption:VT_BSTR=Two set=0",
                     "ExecMethod Zorel_TeamOfAdapters ValidateTeamName Caption:VT_BSTR=TEAM : One set=0",
-                    "ExecMethod " + Narrow(T) + " ValidateTeamName Caption:VT_BSTR=TEAM : One set=0"));
+                    "ExecMethod " + Narrow(kT) + " ValidateTeamName Caption:VT_BSTR=TEAM : One set=0"));
     EXPECT_EQ(Code(quillet.ValidateTeamName(L"", L"", word)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("(wsTeamName.empty())"));
 }
@@ -170,14 +170,14 @@ TEST_F(TeamValidationTest, NameAndMode_WithoutAnObject_AreRefusedBeforeAnythingI
 }
 
 TEST_F(TeamValidationTest, Mode_AsksTheClassOrTheTeam) {
-    EXPECT_EQ(Code(quillet.ValidateTeamMode(CTeam::TeamMode6, CLASS, word)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateTeamMode(CTeam::TeamMode6, kClass, word)), "0x00000000");
     EXPECT_EQ(word, 0u);
-    EXPECT_EQ(Code(quillet.ValidateTeamMode(CTeam::TeamModeUnknown, CLASS, word)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateTeamMode(CTeam::TeamModeUnknown, kClass, word)), "0x00000000");
     EXPECT_EQ(word, 0x400u);
-    EXPECT_EQ(Code(quillet.ValidateTeamMode(CTeam::TeamMode5, T, word)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateTeamMode(CTeam::TeamMode5, kT, word)), "0x00000000");
     EXPECT_EQ(word, 0u);
     EXPECT_THAT(Changes(),
-                Contains("ExecMethod " + Narrow(T) + " ValidateTeamMode TeamingMode:VT_I4=5 set=0"));
+                Contains("ExecMethod " + Narrow(kT) + " ValidateTeamMode TeamingMode:VT_I4=5 set=0"));
 }
 
 TEST_F(TeamValidationTest, NameAndMode_ARefusalOfTheMethod_IsReturnedUnderTheNamesLine) {
@@ -187,9 +187,9 @@ TEST_F(TeamValidationTest, NameAndMode_ARefusalOfTheMethod_IsReturnedUnderTheNam
     rule.verdict = 5;
     rule.repeat = true;
     Inject(rule);
-    EXPECT_EQ(quillet.ValidateTeamName(L"Two", CLASS, word), 5);
+    EXPECT_EQ(quillet.ValidateTeamName(L"Two", kClass, word), 5);
     EXPECT_THAT(Traced(), Contains("ValidateTeamName() -> Validate team name Method failed."));
-    EXPECT_EQ(quillet.ValidateTeamMode(CTeam::TeamMode1, CLASS, word), 5);
+    EXPECT_EQ(quillet.ValidateTeamMode(CTeam::TeamMode1, kClass, word), 5);
     EXPECT_THAT(Traced(), Contains("ValidateTeamName() -> Validate team name Method failed."));
     EXPECT_EQ(word, 0u);
 }
@@ -207,16 +207,16 @@ TEST_F(TeamValidationTest, NewMembers_NoneAreValidWithoutACall) {
 
 TEST_F(TeamValidationTest, NewMembers_ReadsTheWordAndThenTheVerdict) {
     RecordLocalCalls();
-    EXPECT_EQ(Code(quillet.ValidateNewTeamMembers(Adapters({C, A}), CTeam::TeamMode2, mask)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateNewTeamMembers(Adapters({kC, kA}), CTeam::TeamMode2, mask)), "0x00000000");
     EXPECT_EQ(mask, 0x20u) << "A is in a team";
     const std::vector<std::string> calls = Called();
     EXPECT_THAT(std::vector<std::string>(calls.end() - 2, calls.end()),
                 ElementsAre("Get ValResultNewTeam -> 0x00000000", "Get ReturnValue -> 0x00000000"));
-    EXPECT_EQ(Code(quillet.ValidateNewTeamMembers(Adapters({C, D}), CTeam::TeamMode2, mask)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateNewTeamMembers(Adapters({kC, kD}), CTeam::TeamMode2, mask)), "0x00000000");
     EXPECT_EQ(mask, 0u);
     EXPECT_THAT(Changes(), ElementsAre("ExecMethod Zorel_TeamOfAdapters ValidateNewTeamMembers "
                                        "NewAdapters:VT_ARRAY|VT_BSTR=[" +
-                                       Narrow(C) + ", " + Narrow(D) + "] NewTeamMode:VT_I4=2 set=0"));
+                                       Narrow(kC) + ", " + Narrow(kD) + "] NewTeamMode:VT_I4=2 set=0"));
 }
 
 TEST_F(TeamValidationTest, NewMembers_ARefusalOfTheMethod_IsReturned) {
@@ -225,12 +225,12 @@ TEST_F(TeamValidationTest, NewMembers_ARefusalOfTheMethod_IsReturned) {
     rule.effect = Effect::Verdict;
     rule.verdict = 5;
     Inject(rule);
-    EXPECT_EQ(quillet.ValidateNewTeamMembers(Adapters({C}), CTeam::TeamMode2, mask), 5);
+    EXPECT_EQ(quillet.ValidateNewTeamMembers(Adapters({kC}), CTeam::TeamMode2, mask), 5);
     EXPECT_THAT(Traced(), Contains("(0 != lValue) -> ValidateNewTeamMembers Method failure"));
 }
 
 TEST_F(TeamValidationTest, Settings_AsksTheAdaptersClassForTheJumboPacket) {
-    UseText(std::string(MACHINE) + R"(
+    UseText(std::string(kMachine) + R"(
         instance of Zorel_AdapterSettingEnum { Caption = "*JumboPacket"; ParentId = "{C}"; ParentType = "NIC";
             CurrentValue = 9014; };
         instance of Zorel_AdapterSettingEnum { Caption = "*JumboPacket"; ParentId = "{D}"; ParentType = "NIC";
@@ -238,40 +238,41 @@ TEST_F(TeamValidationTest, Settings_AsksTheAdaptersClassForTheJumboPacket) {
         instance of Zorel_AdapterSettingEnum { Caption = "*JumboPacket"; ParentId = "{B}"; ParentType = "NIC";
             CurrentValue = 1514; };)");
     Connect();
-    EXPECT_EQ(Code(quillet.ValidateSettingsOnNewTeam(Adapters({C, D}), mask)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateSettingsOnNewTeam(Adapters({kC, kD}), mask)), "0x00000000");
     EXPECT_EQ(mask, 0x800u) << "they differ";
     EXPECT_THAT(Changes(),
                 ElementsAre("ExecMethod Zorel_PhysicalEthernetAdapter ValidateSettingOnNewTeam "
                             "Adapters:VT_ARRAY|VT_BSTR=[" +
-                            Narrow(C) + ", " + Narrow(D) + "] SettingName:VT_BSTR=*JumboPacket set=0"));
-    EXPECT_EQ(Code(quillet.ValidateSettingsOnNewTeam(Adapters({D, B}), mask)), "0x00000000");
+                            Narrow(kC) + ", " + Narrow(kD) + "] SettingName:VT_BSTR=*JumboPacket set=0"));
+    EXPECT_EQ(Code(quillet.ValidateSettingsOnNewTeam(Adapters({kD, kB}), mask)), "0x00000000");
     EXPECT_EQ(mask, 0u);
-    EXPECT_EQ(Code(quillet.ValidateSettingsOnNewTeam(Adapters({D, E}), mask)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateSettingsOnNewTeam(Adapters({kD, kE}), mask)), "0x00000000");
     EXPECT_EQ(mask, 0x800u) << "E has no such setting";
     EXPECT_EQ(Code(quillet.ValidateSettingsOnNewTeam(Adapters({Adapter(L"{none}")}), mask)), "0x00000000");
     EXPECT_EQ(mask, 0x2u);
 }
 
 TEST_F(TeamValidationTest, AddAdapters_AsksTheTeam) {
-    EXPECT_EQ(Code(quillet.ValidateAddAdapters(T, Members({A, B}), Adapters({C}), mask)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateAddAdapters(kT, Members({kA, kB}), Adapters({kC}), mask)), "0x00000000");
     EXPECT_EQ(mask, 0u);
-    EXPECT_EQ(Code(quillet.ValidateAddAdapters(T, Members({A, B}), Adapters({E, A}), mask)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateAddAdapters(kT, Members({kA, kB}), Adapters({kE, kA}), mask)),
+              "0x00000000");
     EXPECT_EQ(mask, 0x4u + 0x20u) << "E does not support the team's mode, and A is a member";
     EXPECT_THAT(Changes(),
-                Contains("ExecMethod " + Narrow(T) + " ValidateAddAdapters Adapters:VT_ARRAY|VT_BSTR=[" +
-                         Narrow(C) + "] set=0"));
-    EXPECT_EQ(Code(quillet.ValidateAddAdapters(L"", CTeamedAdapters(), Adapters({C}), mask)), "0x80041001");
+                Contains("ExecMethod " + Narrow(kT) + " ValidateAddAdapters Adapters:VT_ARRAY|VT_BSTR=[" +
+                         Narrow(kC) + "] set=0"));
+    EXPECT_EQ(Code(quillet.ValidateAddAdapters(L"", CTeamedAdapters(), Adapters({kC}), mask)), "0x80041001");
     EXPECT_EQ(mask, 0u);
     EXPECT_THAT(Traced(), Contains("(wsTeamID.empty())"));
 }
 
 TEST_F(TeamValidationTest, Words_AreThe64BitsOfTheProvider) {
     Spoil(Operation::Get, Effect::NullValue, L"ValResult");
-    EXPECT_EQ(Code(quillet.ValidateAddAdapters(T, CTeamedAdapters(), Adapters({A}), mask)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ValidateAddAdapters(kT, CTeamedAdapters(), Adapters({kA}), mask)), "0x00000000");
     EXPECT_EQ(mask, 0u) << "a word that is not told";
     machine->Rules().Clear();
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"ValResult");
-    EXPECT_EQ(Code(quillet.ValidateAddAdapters(T, CTeamedAdapters(), Adapters({A}), mask)), "0x80041003");
+    EXPECT_EQ(Code(quillet.ValidateAddAdapters(kT, CTeamedAdapters(), Adapters({kA}), mask)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("GetPropertyAsUINT64 -> pAdapter_OutParams, L_PARAM_TEAM_VALRESULT"));
 }
 

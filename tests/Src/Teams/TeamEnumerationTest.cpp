@@ -27,7 +27,7 @@ TEST_F(TeamEnumerationTest, EnumerateTeams_ReadsSixPropertiesInTheirOrder) {
     EXPECT_EQ(Code(quillet.EnumerateTeams(teams)), "0x00000000");
     ASSERT_EQ(teams.m_vecItems.size(), 1u);
     const CTeam& found = *teams.m_vecItems[0];
-    EXPECT_EQ(found.m_wsTeamID, T);
+    EXPECT_EQ(found.m_wsTeamID, kT);
     EXPECT_EQ(found.m_wsName, L"{T}");
     EXPECT_EQ(found.m_wsCaption, L"TEAM : One");
     EXPECT_EQ(found.m_eTeamMode, CTeam::TeamMode4);
@@ -50,21 +50,21 @@ TEST_F(TeamEnumerationTest, EnumerateTeams_ReadsSixPropertiesInTheirOrder) {
 
 TEST_F(TeamEnumerationTest, EnumerateTeams_AppendsAndCarriesAnUnknownModeAs255) {
     teams.m_vecItems.push_back(new CTeam);
-    SetNumber(T, L"TeamingMode", -1);
+    SetNumber(kT, L"TeamingMode", -1);
     EXPECT_EQ(Code(quillet.EnumerateTeams(teams)), "0x00000000");
     ASSERT_EQ(teams.m_vecItems.size(), 2u);
     EXPECT_EQ(teams.m_vecItems[1]->m_eTeamMode, CTeam::TeamModeUnknown);
 }
 
 TEST_F(TeamEnumerationTest, EnumerateTeams_WithoutTeams_IsEmptyAndNoFailure) {
-    UseText(NET_SERVICE_MOF);
+    UseText(kNetServiceMof);
     Connect();
     EXPECT_EQ(Code(quillet.EnumerateTeams(teams)), "0x00000000");
     EXPECT_THAT(teams.m_vecItems, IsEmpty());
 }
 
 TEST_F(TeamEnumerationTest, EnumerateTeams_ReadFails_ReturnsTheAccessorsCodeAndKeepsTheTeamsBefore) {
-    UseText(std::string(MACHINE) + R"(instance of Zorel_TeamOfAdapters {
+    UseText(std::string(kMachine) + R"(instance of Zorel_TeamOfAdapters {
         Name = "{U}"; Caption = "Two"; TeamingMode = 0; MFOEnabled = TRUE; LinksecEnabled = FALSE; };)");
     Connect();
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"Caption", 2);
@@ -81,9 +81,9 @@ TEST_F(TeamEnumerationTest, EnumerateTeams_NullValue_IsNamedAndTheRecordIsNotApp
     EXPECT_THAT(Traced(), Contains("GetPropertyAsString -> pTeamInstance, L_ZOREL_PATH -> NULL"));
     machine->Rules().Clear();
     for (const wchar_t* property : {L"Caption", L"TeamingMode", L"MFOEnabled", L"LinksecEnabled"}) {
-        UseText(MACHINE);
+        UseText(kMachine);
         Connect();
-        SetNull(T, property);
+        SetNull(kT, property);
         EXPECT_EQ(Code(quillet.EnumerateTeams(teams)), "0x80041001") << Narrow(property);
         EXPECT_THAT(Traced(), Contains(testing::EndsWith(" -> NULL")));
     }
@@ -102,9 +102,9 @@ TEST_F(TeamEnumerationTest, EnumerateTeams_EnumerationFails_ReturnsItAsItIs) {
 }
 
 TEST_F(TeamEnumerationTest, GetTeamInfo_ReadsAddressAndUseByVirtualMachinesAsWell) {
-    Set(T, L"BoundToHyperV", quillet::simulator::Value::Bool(true));
-    EXPECT_EQ(Code(quillet.GetTeamInfo(T, team)), "0x00000000");
-    EXPECT_EQ(team.m_wsTeamID, T);
+    Set(kT, L"BoundToHyperV", quillet::simulator::Value::Bool(true));
+    EXPECT_EQ(Code(quillet.GetTeamInfo(kT, team)), "0x00000000");
+    EXPECT_EQ(team.m_wsTeamID, kT);
     EXPECT_EQ(team.m_wsCaption, L"TEAM : One");
     EXPECT_EQ(team.m_eTeamMode, CTeam::TeamMode4);
     EXPECT_TRUE(team.m_bLinkSecEnabled);
@@ -117,25 +117,25 @@ TEST_F(TeamEnumerationTest, GetTeamInfo_AnyFailure_Is80041001) {
     EXPECT_EQ(Code(quillet.GetTeamInfo(Team(L"{none}"), team)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("GetObject -> wsTeamID"));
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"TeamMacAddress");
-    EXPECT_EQ(Code(quillet.GetTeamInfo(T, team)), "0x80041001");
+    EXPECT_EQ(Code(quillet.GetTeamInfo(kT, team)), "0x80041001");
     EXPECT_THAT(Traced(),
                 Contains("GetPropertyAsString -> pTeamInstance, L_PROP_TEAMOFADAPTERS_TEAMMACADDRESS"));
     machine->Rules().Clear();
-    SetNull(T, L"BoundToHyperV");
-    EXPECT_EQ(Code(quillet.GetTeamInfo(T, team)), "0x80041001");
+    SetNull(kT, L"BoundToHyperV");
+    EXPECT_EQ(Code(quillet.GetTeamInfo(kT, team)), "0x80041001");
     EXPECT_THAT(Traced(),
                 Contains("GetPropertyAsBool -> pTeamInstance, L_PROP_TEAMOFADAPTERS_BOUNDTOHYPERV -> NULL"));
 }
 
 TEST_F(TeamEnumerationTest, GetTeamStatus_ReadsTheLogicalAdapterOfTheSameObjectId) {
     CTeam::TeamStatus status{};
-    EXPECT_EQ(Code(quillet.GetTeamStatus(T, status)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetTeamStatus(kT, status)), "0x00000000");
     EXPECT_EQ(status, CTeam::TeamStatusEnabled);
     EXPECT_THAT(Called(), ElementsAre(R"(GetObject Zorel_LogicalEthernetAdapter.DeviceID="{T}" -> 0x00000000)"
                                       " {ClientSetId=0}"));
     EXPECT_THAT(Traced(), Contains("Logical Ethernet Adapter Path"));
     SetNumber(Path(L"Zorel_LogicalEthernetAdapter", L"DeviceID", L"{T}"), L"StatusInfo", 77);
-    EXPECT_EQ(Code(quillet.GetTeamStatus(T, status)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetTeamStatus(kT, status)), "0x00000000");
     EXPECT_EQ(status, 77) << "a number that is not known is carried";
 }
 
@@ -143,10 +143,10 @@ TEST_F(TeamEnumerationTest, GetTeamStatus_Failures) {
     CTeam::TeamStatus status = CTeam::TeamStatusOther;
     EXPECT_EQ(Code(quillet.GetTeamStatus(Team(L"{none}"), status)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("GetObject -> bstrLogicalAdapterPath"));
-    EXPECT_EQ(Code(quillet.GetTeamStatus(A, status)), "0x80041001") << "not the path of a team";
+    EXPECT_EQ(Code(quillet.GetTeamStatus(kA, status)), "0x80041001") << "not the path of a team";
     EXPECT_THAT(Traced(), Contains("GetObjectIdFromTeamOfAdapPath -> wsTeamID"));
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"StatusInfo");
-    EXPECT_EQ(Code(quillet.GetTeamStatus(T, status)), "0x80041003");
+    EXPECT_EQ(Code(quillet.GetTeamStatus(kT, status)), "0x80041003");
     EXPECT_EQ(status, CTeam::TeamStatusOther);
 }
 
@@ -161,13 +161,13 @@ TEST_F(TeamEnumerationTest, GetTeamID_MakesTheFullPathOnThisComputer) {
 
 TEST_F(TeamEnumerationTest, VirtualAdapter_IsFoundByTheTeamItIsTheSameElementAs) {
     _bstr_t path;
-    EXPECT_EQ(Code(QuilletTestAccess::GetTeamsEthernetAdapterPath(quillet, T, path)), "0x00000000");
+    EXPECT_EQ(Code(QuilletTestAccess::GetTeamsEthernetAdapterPath(quillet, kT, path)), "0x00000000");
     EXPECT_NE(std::wstring(path).find(L"Zorel_NetworkVirtualAdapter.SystemElement="), std::wstring::npos)
         << Narrow(std::wstring(path));
     const std::vector<JournalEntry> queries = machine->Calls().Of(Operation::ExecQuery);
     ASSERT_EQ(queries.size(), 1u);
     EXPECT_EQ(queries[0].target,
-              L"SELECT * FROM Zorel_NetworkVirtualAdapter WHERE SameElement = '" + T + L"'");
+              L"SELECT * FROM Zorel_NetworkVirtualAdapter WHERE SameElement = '" + kT + L"'");
 }
 
 TEST_F(TeamEnumerationTest, VirtualAdapter_None_IsAFailureWithItsLine) {
@@ -210,28 +210,28 @@ TEST_F(TeamEnumerationTest, EachOperation_EmptyPath_Is80041001WithoutACall) {
 
 TEST_F(TeamEnumerationTest, EachOperation_NotConnected_ChecksThatFirst) {
     quillet.UninitQuillet();
-    constexpr const char* MISSING = "((pIWbemService == NULL) || (pIWbemContext == NULL))";
+    constexpr const char* kMissing = "((pIWbemService == NULL) || (pIWbemContext == NULL))";
     CTeam::TeamStatus status{};
     CTeamedAdapters members;
     bool primary = true;
     _bstr_t path;
     Traced();
     EXPECT_EQ(Code(quillet.EnumerateTeams(teams)), "0x80041001");
-    EXPECT_THAT(Traced(), Contains(MISSING));
-    for (const std::wstring& id : {T, std::wstring()}) {
+    EXPECT_THAT(Traced(), Contains(kMissing));
+    for (const std::wstring& id : {kT, std::wstring()}) {
         EXPECT_EQ(Code(quillet.GetTeamInfo(id, team)), "0x80041001");
-        EXPECT_THAT(Traced(), Contains(MISSING));
+        EXPECT_THAT(Traced(), Contains(kMissing));
         EXPECT_EQ(Code(quillet.GetTeamStatus(id, status)), "0x80041001");
-        EXPECT_THAT(Traced(), Contains(MISSING));
+        EXPECT_THAT(Traced(), Contains(kMissing));
         EXPECT_EQ(Code(quillet.GetMemberAdapters(id, members)), "0x80041001");
-        EXPECT_THAT(Traced(), Contains(MISSING));
+        EXPECT_THAT(Traced(), Contains(kMissing));
         EXPECT_EQ(Code(quillet.GetMemberAdaptersStatus(id, members)), "0x80041001");
-        EXPECT_THAT(Traced(), Contains(MISSING));
+        EXPECT_THAT(Traced(), Contains(kMissing));
         EXPECT_EQ(Code(quillet.IsPrimaryAdapter(id, primary)), "0x80041001");
-        EXPECT_THAT(Traced(), Contains(MISSING));
+        EXPECT_THAT(Traced(), Contains(kMissing));
         EXPECT_EQ(Code(QuilletTestAccess::GetTeamsEthernetAdapterPath(quillet, id, path)), "0x80041001");
         EXPECT_THAT(Traced(),
-                    testing::AllOf(Contains(MISSING), testing::Not(Contains("(wsTeamID.empty())"))));
+                    testing::AllOf(Contains(kMissing), testing::Not(Contains("(wsTeamID.empty())"))));
     }
 }
 
@@ -246,23 +246,23 @@ class TeamedPortsTest : public TeamTest {
 
 TEST_F(TeamedPortsTest, FirstTeamedPortOfTheAdapterDecides) {
     ports.m_vecItems.push_back(nullptr);
-    Add(B, true, L"other");
-    Add(A, false, L"not teamed");
-    Add(A, true, T);
-    Add(A, true, L"later");
-    EXPECT_TRUE(QuilletTestAccess::CheckIfAdapterIsTeamed(quillet, A, found, ports));
-    EXPECT_EQ(found, T);
+    Add(kB, true, L"other");
+    Add(kA, false, L"not teamed");
+    Add(kA, true, kT);
+    Add(kA, true, L"later");
+    EXPECT_TRUE(QuilletTestAccess::CheckIfAdapterIsTeamed(quillet, kA, found, ports));
+    EXPECT_EQ(found, kT);
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::CheckIfAdapterIsTeamed",
                                       "CQuillet::CheckIfAdapterIsTeamed - adapter is part of a team.",
                                       "Exiting CQuillet::CheckIfAdapterIsTeamed"));
 }
 
 TEST_F(TeamedPortsTest, NoTeamedPort_IsFalseAndLeavesTheTeam) {
-    Add(A, false, T);
-    Add(B, true, T);
-    EXPECT_FALSE(QuilletTestAccess::CheckIfAdapterIsTeamed(quillet, A, found, ports));
+    Add(kA, false, kT);
+    Add(kB, true, kT);
+    EXPECT_FALSE(QuilletTestAccess::CheckIfAdapterIsTeamed(quillet, kA, found, ports));
     EXPECT_EQ(found, L"kept");
-    EXPECT_FALSE(QuilletTestAccess::CheckIfAdapterIsTeamed(quillet, C, found, CAdapterPorts()));
+    EXPECT_FALSE(QuilletTestAccess::CheckIfAdapterIsTeamed(quillet, kC, found, CAdapterPorts()));
 }
 
 } // namespace

@@ -5,7 +5,7 @@
 using quillet::simulator::Scalar;
 using quillet::simulator::Value;
 
-const char* const TeamTest::MACHINE = R"(
+const char* const TeamTest::kMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter as $A {
         DeviceID = "{A}"; Caption = "Port A"; OriginalDisplayName = "Adapter A"; AdapterStatus = 1;

@@ -9,9 +9,9 @@
 /// megabit that supports few modes and no VLANs. The team T has the members A (primary) and B (secondary).
 class TeamTest : public ProviderTest {
   protected:
-    static const char* const MACHINE;
+    static const char* const kMachine;
 
-    TeamTest() : ProviderTest(MACHINE) {}
+    TeamTest() : ProviderTest(kMachine) {}
     void SetUp() override { Connect(); }
 
     static std::wstring Path(const wchar_t* className, const wchar_t* key, const wchar_t* id) {
@@ -64,10 +64,10 @@ class TeamTest : public ProviderTest {
     /// properties put as "name:VARIANT type=value", flags where there are any, and the client set.
     std::vector<std::string> Changes();
 
-    const std::wstring A = Adapter(L"{A}");
-    const std::wstring B = Adapter(L"{B}");
-    const std::wstring C = Adapter(L"{C}");
-    const std::wstring D = Adapter(L"{D}");
-    const std::wstring E = Adapter(L"{E}");
-    const std::wstring T = Team(L"{T}");
+    const std::wstring kA = Adapter(L"{A}");
+    const std::wstring kB = Adapter(L"{B}");
+    const std::wstring kC = Adapter(L"{C}");
+    const std::wstring kD = Adapter(L"{D}");
+    const std::wstring kE = Adapter(L"{E}");
+    const std::wstring kT = Team(L"{T}");
 };

@@ -22,23 +22,23 @@ class TeamMembersTest : public TeamTest {
 };
 
 TEST_F(TeamMembersTest, GetMemberAdapters_FillsEveryField) {
-    EXPECT_EQ(Code(quillet.GetMemberAdapters(T, members)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetMemberAdapters(kT, members)), "0x00000000");
     ASSERT_EQ(members.m_vecItems.size(), 2u);
     const CTeamedAdapter& first = *members.m_vecItems[0];
-    EXPECT_EQ(first.m_wsAdapterID, A) << "what the operations on adapters take";
+    EXPECT_EQ(first.m_wsAdapterID, kA) << "what the operations on adapters take";
     EXPECT_EQ(first.m_wsDisplayName, L"Adapter A");
     EXPECT_EQ(first.m_wsDeviceID, L"{A}");
     EXPECT_EQ(first.m_wsCaption, L"Port A");
-    EXPECT_EQ(first.m_wsTeamID, T);
+    EXPECT_EQ(first.m_wsTeamID, kT);
     EXPECT_EQ(first.m_wsTeamCaption, L"TEAM : One");
     EXPECT_EQ(first.m_lMemberRole, 1);
     EXPECT_EQ(first.m_lMemberStatus, CTeamedAdapter::MemberStatusActive);
-    EXPECT_EQ(members.m_vecItems[1]->m_wsAdapterID, B);
+    EXPECT_EQ(members.m_vecItems[1]->m_wsAdapterID, kB);
     EXPECT_EQ(members.m_vecItems[1]->m_lMemberRole, 2);
 }
 
 TEST_F(TeamMembersTest, GetMemberAdapters_AsksInThisOrder) {
-    EXPECT_EQ(Code(quillet.GetMemberAdapters(T, members)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetMemberAdapters(kT, members)), "0x00000000");
     std::vector<std::string> calls;
     for (const JournalEntry& call : Calls()) {
         if (call.operation == Operation::ExecQuery || call.operation == Operation::GetObject) {
@@ -48,13 +48,13 @@ TEST_F(TeamMembersTest, GetMemberAdapters_AsksInThisOrder) {
                 (partial && partial->value == quillet::simulator::Value::Signed(1) ? " partial" : ""));
         }
     }
-    const std::string team = Narrow(T);
+    const std::string team = Narrow(kT);
     EXPECT_THAT(calls, ElementsAre("ExecQuery ASSOCIATORS OF {" + team +
                                        "} WHERE ResultClass = Zorel_PhysicalEthernetAdapter partial",
                                    "GetObject " + team + " partial", "GetObject " + team + " partial",
                                    "ExecQuery REFERENCES OF {" + team +
                                        "} WHERE ResultClass = Zorel_TeamedMemberAdapter",
-                                   "GetObject " + Narrow(A), "GetObject " + Narrow(B)));
+                                   "GetObject " + Narrow(kA), "GetObject " + Narrow(kB)));
     EXPECT_THAT(Steps(), ElementsAre("Entering CQuillet::GetMemberAdapters", "Got UniqueId and team ID",
                                      "Got UniqueId and team ID", "Found adapter at index:0",
                                      "QRT Returned StatusActive", "Entering CQuillet::GetAdapterDynamicInfo",
@@ -65,20 +65,20 @@ TEST_F(TeamMembersTest, GetMemberAdapters_AsksInThisOrder) {
 }
 
 TEST_F(TeamMembersTest, GetMemberAdapters_SwitchesPartialDataOnAndOffAlsoWhenTheListFails) {
-    constexpr const char* on = "Setting for partial data!!";
-    constexpr const char* off = " Unset Partial Retrieval!!";
+    constexpr const char* kOn = "Setting for partial data!!";
+    constexpr const char* kOff = " Unset Partial Retrieval!!";
     const auto count = [](const std::vector<std::string>& lines, const char* text) {
         return std::count(lines.begin(), lines.end(), text);
     };
-    quillet.GetMemberAdapters(T, members);
+    quillet.GetMemberAdapters(kT, members);
     std::vector<std::string> lines = Traced();
-    EXPECT_EQ(count(lines, on), 1);
-    EXPECT_EQ(count(lines, off), 1);
+    EXPECT_EQ(count(lines, kOn), 1);
+    EXPECT_EQ(count(lines, kOff), 1);
     Fail(Operation::ExecQuery, WBEM_E_FAILED);
-    EXPECT_EQ(Code(quillet.GetMemberAdapters(T, members)), "0x80041001");
+    EXPECT_EQ(Code(quillet.GetMemberAdapters(kT, members)), "0x80041001");
     lines = Traced();
-    EXPECT_EQ(count(lines, on), 1);
-    EXPECT_EQ(count(lines, off), 1);
+    EXPECT_EQ(count(lines, kOn), 1);
+    EXPECT_EQ(count(lines, kOff), 1);
 }
 
 struct StatusCase {
@@ -91,15 +91,15 @@ class MemberStatusTest : public TeamMembersTest, public testing::WithParamInterf
 
 TEST_P(MemberStatusTest, IsReconciledWithTheAdapterWhenListedAndWhenRefreshed) {
     const auto [told, state, status] = GetParam();
-    ASSERT_EQ(Code(quillet.GetMemberAdapters(T, members)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetMemberAdapters(kT, members)), "0x00000000");
     SetMember(L"{A}", told, state);
     if (told < 0) {
         SetNull(Membership(L"{T}", L"{A}"), L"AdapterStatus");
     }
     CTeamedAdapters listed;
-    ASSERT_EQ(Code(quillet.GetMemberAdapters(T, listed)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetMemberAdapters(kT, listed)), "0x00000000");
     EXPECT_EQ(listed.m_vecItems[0]->m_lMemberStatus, status);
-    ASSERT_EQ(Code(quillet.GetMemberAdaptersStatus(T, members)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetMemberAdaptersStatus(kT, members)), "0x00000000");
     EXPECT_EQ(members.m_vecItems[0]->m_lMemberStatus, status);
     EXPECT_EQ(members.m_vecItems[1]->m_lMemberStatus, 1);
 }
@@ -117,17 +117,17 @@ INSTANTIATE_TEST_SUITE_P(States, MemberStatusTest,
 
 TEST_F(TeamMembersTest, Status_OfTheProvidersOwn_IsNotReconciledAndAsksNothing) {
     SetMember(L"{A}", 77, 0);
-    ASSERT_EQ(Code(quillet.GetMemberAdapters(T, members)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetMemberAdapters(kT, members)), "0x00000000");
     EXPECT_THAT(Traced(), Contains("Status is other than Active InActive  or UnKnown"));
     for (const JournalEntry& call : Calls()) {
-        EXPECT_FALSE(call.operation == Operation::GetObject && call.target == A);
+        EXPECT_FALSE(call.operation == Operation::GetObject && call.target == kA);
     }
 }
 
 TEST_F(TeamMembersTest, Status_EachWordHasItsLine) {
     SetMember(L"{A}", 0, 3);
     SetMember(L"{B}", 3, 3);
-    ASSERT_EQ(Code(quillet.GetMemberAdapters(T, members)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetMemberAdapters(kT, members)), "0x00000000");
     EXPECT_THAT(Traced(), testing::AllOf(Contains("QRT Returned StatusUnknown"),
                                          Contains("QRT Returned StatusInActive"),
                                          Not(Contains("QRT Returned StatusActive"))));
@@ -135,17 +135,17 @@ TEST_F(TeamMembersTest, Status_EachWordHasItsLine) {
 
 TEST_F(TeamMembersTest, Role_NullLeavesItAlone) {
     SetNull(Membership(L"{T}", L"{A}"), L"AdapterFunction");
-    ASSERT_EQ(Code(quillet.GetMemberAdapters(T, members)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetMemberAdapters(kT, members)), "0x00000000");
     EXPECT_EQ(members.m_vecItems[0]->m_lMemberRole, 0);
     members.m_vecItems[0]->m_lMemberRole = 9;
-    ASSERT_EQ(Code(quillet.GetMemberAdaptersStatus(T, members)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetMemberAdaptersStatus(kT, members)), "0x00000000");
     EXPECT_EQ(members.m_vecItems[0]->m_lMemberRole, 9);
 }
 
 TEST_F(TeamMembersTest, GetMemberAdapters_NamesThatAreMissing_DoNotHideTheMember) {
-    SetNull(A, L"OriginalDisplayName");
-    SetNull(A, L"Caption");
-    ASSERT_EQ(Code(quillet.GetMemberAdapters(T, members)), "0x00000000");
+    SetNull(kA, L"OriginalDisplayName");
+    SetNull(kA, L"Caption");
+    ASSERT_EQ(Code(quillet.GetMemberAdapters(kT, members)), "0x00000000");
     ASSERT_EQ(members.m_vecItems.size(), 2u);
     EXPECT_EQ(members.m_vecItems[0]->m_wsDisplayName, L"Not Available");
     EXPECT_EQ(members.m_vecItems[0]->m_wsCaption, L"");
@@ -154,9 +154,9 @@ TEST_F(TeamMembersTest, GetMemberAdapters_NamesThatAreMissing_DoNotHideTheMember
 }
 
 TEST_F(TeamMembersTest, GetMemberAdapters_AppendsAndLeavesEarlierRecordsAlone) {
-    members = Members({A});
+    members = Members({kA});
     members.m_vecItems[0]->m_lMemberRole = 5;
-    ASSERT_EQ(Code(quillet.GetMemberAdapters(T, members)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetMemberAdapters(kT, members)), "0x00000000");
     ASSERT_EQ(members.m_vecItems.size(), 3u);
     EXPECT_EQ(members.m_vecItems[0]->m_lMemberRole, 5);
     EXPECT_EQ(members.m_vecItems[1]->m_lMemberRole, 1);
@@ -169,52 +169,52 @@ TEST_F(TeamMembersTest, GetMemberAdapters_FindsTheMemberWhateverTheFormOfItsPath
           R"("zorel_physicalethernetadapter.deviceid='{a}'")",
           R"("\\\\testhost\\root\\marlolum2:Zorel_PhysicalEthernetAdapter.DeviceID=\"{A}\"")"}) {
         SCOPED_TRACE(part);
-        std::string text = MACHINE;
+        std::string text = kMachine;
         const std::string reference = "PartComponent = $A";
         text.replace(text.find(reference), reference.size(), std::string("PartComponent = ") + part);
         UseText(text);
         Connect();
         CTeamedAdapters found;
-        ASSERT_EQ(Code(quillet.GetMemberAdapters(T, found)), "0x00000000");
+        ASSERT_EQ(Code(quillet.GetMemberAdapters(kT, found)), "0x00000000");
         ASSERT_EQ(found.m_vecItems.size(), 2u);
-        EXPECT_EQ(found.m_vecItems[0]->m_wsAdapterID, A);
+        EXPECT_EQ(found.m_vecItems[0]->m_wsAdapterID, kA);
         EXPECT_EQ(found.m_vecItems[0]->m_lMemberRole, 1);
         EXPECT_EQ(found.m_vecItems[0]->m_lMemberStatus, CTeamedAdapter::MemberStatusActive);
     }
 }
 
 TEST_F(TeamMembersTest, GetMemberAdapters_AMemberWithoutAnAdapterInTheList_HasNoEffect) {
-    UseText(std::string(MACHINE) + R"(
+    UseText(std::string(kMachine) + R"(
         instance of Zorel_TeamedMemberAdapter {
             GroupComponent = "Zorel_TeamOfAdapters.Name=\"{T}\"";
             PartComponent = "Zorel_PhysicalEthernetAdapter.DeviceID=\"{gone}\""; AdapterFunction = 1; };)");
     Connect();
-    ASSERT_EQ(Code(quillet.GetMemberAdapters(T, members)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetMemberAdapters(kT, members)), "0x00000000");
     EXPECT_EQ(members.m_vecItems.size(), 2u);
     EXPECT_THAT(Traced(), Contains(testing::StartsWith("ERROR:  Unable to locate the device ID ")));
 }
 
 TEST_F(TeamMembersTest, GetMemberAdapters_Failures) {
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"DeviceID", 2);
-    EXPECT_EQ(Code(quillet.GetMemberAdapters(T, members)), "0x80041003");
+    EXPECT_EQ(Code(quillet.GetMemberAdapters(kT, members)), "0x80041003");
     EXPECT_EQ(members.m_vecItems.size(), 1u) << "the records before it stay";
     machine->Rules().Clear();
     Fail(Operation::GetObject, WBEM_E_ACCESS_DENIED, L"Zorel_TeamOfAdapters");
-    EXPECT_EQ(Code(quillet.GetMemberAdapters(T, members)), "0x80041001");
+    EXPECT_EQ(Code(quillet.GetMemberAdapters(kT, members)), "0x80041001");
     machine->Rules().Clear();
     Fail(Operation::ExecQuery, WBEM_E_ACCESS_DENIED, L"", 2);
-    EXPECT_EQ(Code(quillet.GetMemberAdapters(T, members)), "0x80041003");
+    EXPECT_EQ(Code(quillet.GetMemberAdapters(kT, members)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("ExecQuery -> BSTR_QUERY_REFERENCE"));
     machine->Rules().Clear();
     Fail(Operation::GetObject, WBEM_E_ACCESS_DENIED, L"Zorel_PhysicalEthernetAdapter");
-    EXPECT_EQ(Code(quillet.GetMemberAdapters(T, members)), "0x80041003");
+    EXPECT_EQ(Code(quillet.GetMemberAdapters(kT, members)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("GetAdapterDynamicInfo() call FAILED"));
 }
 
 TEST_F(TeamMembersTest, Status_FindsTheMemberWhateverTheFormOfItsPath) {
-    members = Members({LR"(zorel_physicalethernetadapter.deviceid="{b}")", Adapter(L"{none}"), A});
+    members = Members({LR"(zorel_physicalethernetadapter.deviceid="{b}")", Adapter(L"{none}"), kA});
     members.m_vecItems.push_back(nullptr);
-    ASSERT_EQ(Code(quillet.GetMemberAdaptersStatus(T, members)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetMemberAdaptersStatus(kT, members)), "0x00000000");
     EXPECT_EQ(members.m_vecItems[0]->m_lMemberRole, 2);
     EXPECT_EQ(members.m_vecItems[0]->m_lMemberStatus, 1);
     EXPECT_EQ(members.m_vecItems[1]->m_lMemberRole, 0);
@@ -223,41 +223,41 @@ TEST_F(TeamMembersTest, Status_FindsTheMemberWhateverTheFormOfItsPath) {
 }
 
 TEST_F(TeamMembersTest, Status_AStrangersAssociation_IsPassedOver) {
-    members = Members({B});
-    ASSERT_EQ(Code(quillet.GetMemberAdaptersStatus(T, members)), "0x00000000");
+    members = Members({kB});
+    ASSERT_EQ(Code(quillet.GetMemberAdaptersStatus(kT, members)), "0x00000000");
     EXPECT_EQ(members.m_vecItems[0]->m_lMemberRole, 2);
     EXPECT_THAT(Traced(), Contains("Adapter Not Found!!!"));
 }
 
 TEST_F(TeamMembersTest, Status_EmptyList_IsAFailure) {
-    EXPECT_EQ(Code(quillet.GetMemberAdaptersStatus(T, members)), "0x80041001");
+    EXPECT_EQ(Code(quillet.GetMemberAdaptersStatus(kT, members)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("rAdapters.size() <= 0"));
     EXPECT_THAT(Called(), IsEmpty());
 }
 
 TEST_F(TeamMembersTest, Primary_IsTheMemberOfFunction1) {
     bool primary = false;
-    EXPECT_EQ(Code(quillet.IsPrimaryAdapter(A, primary)), "0x00000000");
+    EXPECT_EQ(Code(quillet.IsPrimaryAdapter(kA, primary)), "0x00000000");
     EXPECT_TRUE(primary);
-    EXPECT_EQ(Code(quillet.IsPrimaryAdapter(B, primary)), "0x00000000");
+    EXPECT_EQ(Code(quillet.IsPrimaryAdapter(kB, primary)), "0x00000000");
     EXPECT_FALSE(primary);
     primary = true;
-    EXPECT_EQ(Code(quillet.IsPrimaryAdapter(C, primary)), "0x00000000") << "in no team";
+    EXPECT_EQ(Code(quillet.IsPrimaryAdapter(kC, primary)), "0x00000000") << "in no team";
     EXPECT_FALSE(primary);
     SetNull(Membership(L"{T}", L"{A}"), L"AdapterFunction");
-    EXPECT_EQ(Code(quillet.IsPrimaryAdapter(A, primary)), "0x00000000");
+    EXPECT_EQ(Code(quillet.IsPrimaryAdapter(kA, primary)), "0x00000000");
     EXPECT_FALSE(primary);
     const auto queries = machine->Calls().Of(Operation::ExecQuery);
     EXPECT_EQ(queries.front().target,
-              L"REFERENCES OF {" + A + L"} WHERE ResultClass = Zorel_TeamedMemberAdapter");
+              L"REFERENCES OF {" + kA + L"} WHERE ResultClass = Zorel_TeamedMemberAdapter");
 }
 
 TEST_F(TeamMembersTest, EnabledMembers_AreThoseWhoseStatusIs1) {
     int count = 7;
-    EXPECT_EQ(Code(quillet.GetNumberEnabledMembers(T, count)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetNumberEnabledMembers(kT, count)), "0x00000000");
     EXPECT_EQ(count, 2);
-    SetNumber(B, L"AdapterStatus", 5);
-    EXPECT_EQ(Code(quillet.GetNumberEnabledMembers(T, count)), "0x00000000");
+    SetNumber(kB, L"AdapterStatus", 5);
+    EXPECT_EQ(Code(quillet.GetNumberEnabledMembers(kT, count)), "0x00000000");
     EXPECT_EQ(count, 1);
 }
 
@@ -265,7 +265,7 @@ TEST_F(TeamMembersTest, EnabledMembers_OneThatCannotBeAsked_IsNotCountedAndEndsN
     // The adapters are fetched for their state, and then again for their status.
     Fail(Operation::GetObject, WBEM_E_FAILED, L"Zorel_PhysicalEthernetAdapter", 3);
     int count = 7;
-    EXPECT_EQ(Code(quillet.GetNumberEnabledMembers(T, count)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetNumberEnabledMembers(kT, count)), "0x00000000");
     EXPECT_EQ(count, 1);
     EXPECT_THAT(Traced(), Contains("GetAdapterStatus() call FAILED"));
 }
@@ -331,7 +331,7 @@ TEST_F(TeamMembersTest, Search_AssociationsInAnotherOrderAndAStrangerInBetween_A
         instance of Zorel_TeamedMemberAdapter { GroupComponent = $T; PartComponent = $A; AdapterFunction = 1; };
         instance of Zorel_TeamedMemberAdapter { GroupComponent = $T; PartComponent = $B; AdapterFunction = 2; };)");
     Connect();
-    ASSERT_EQ(Code(quillet.GetMemberAdapters(T, members)), "0x00000000");
+    ASSERT_EQ(Code(quillet.GetMemberAdapters(kT, members)), "0x00000000");
     ASSERT_EQ(members.m_vecItems.size(), 3u);
     for (const CTeamedAdapter* member : members.m_vecItems) {
         const LONG role = member->m_wsDeviceID == L"{A}" ? 1 : member->m_wsDeviceID == L"{B}" ? 2 : 3;

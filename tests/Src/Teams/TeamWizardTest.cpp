@@ -67,12 +67,12 @@ TEST_F(TeamWizardTest, Capability_TextIsThatOfTheCodeInTheProvidersList) {
 
 TEST_F(TeamWizardTest, AdapterModes_InTheOrderOfTheCapabilities) {
     CAdapter adapter;
-    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(A, adapter)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(kA, adapter)), "0x00000000");
     ASSERT_NE(adapter.m_pTeamModes, nullptr);
     EXPECT_THAT(ModesOf(*adapter.m_pTeamModes), ElementsAre(0, 1, 3, 2, 4, 5, 6));
     const auto fetches = machine->Calls().Of(Operation::GetObject);
     ASSERT_FALSE(fetches.empty());
-    EXPECT_EQ(fetches[0].target, A);
+    EXPECT_EQ(fetches[0].target, kA);
     ASSERT_NE(fetches[0].ContextValue(L"Zorel_PartialData"), nullptr);
     EXPECT_EQ(fetches[0].ContextValue(L"Zorel_PartialData")->value, quillet::simulator::Value::Signed(16));
     const std::vector<std::string> lines = Traced();
@@ -86,12 +86,12 @@ TEST_F(TeamWizardTest, AdapterModes_InTheOrderOfTheCapabilities) {
 
 TEST_F(TeamWizardTest, AdapterModes_ReadAgain_ReplaceThoseBefore) {
     CAdapter adapter;
-    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(A, adapter)), "0x00000000");
-    SetCapabilities(A, {12, 4});
-    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(A, adapter)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(kA, adapter)), "0x00000000");
+    SetCapabilities(kA, {12, 4});
+    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(kA, adapter)), "0x00000000");
     EXPECT_THAT(ModesOf(*adapter.m_pTeamModes), ElementsAre(5, 0));
-    SetCapabilities(A, {1, 2, 3, 99});
-    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(A, adapter)), "0x00000000");
+    SetCapabilities(kA, {1, 2, 3, 99});
+    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(kA, adapter)), "0x00000000");
     EXPECT_THAT(ModesOf(*adapter.m_pTeamModes), IsEmpty());
 }
 
@@ -99,41 +99,45 @@ TEST_F(TeamWizardTest, AdapterModes_Failures) {
     CAdapter adapter;
     EXPECT_EQ(Code(quillet.GetAdapterTeamModes(L"", adapter)), "0x80004005");
     EXPECT_THAT(Traced(), Contains("((wsAdapterID.empty()) "));
-    SetNull(A, L"Capabilities");
-    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(A, adapter)), "0x80041001");
+    SetNull(kA, L"Capabilities");
+    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(kA, adapter)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("vAdapterCapabilities.vt INVALID"));
     EXPECT_EQ(adapter.m_pTeamModes, nullptr);
     Spoil(Operation::Get, Effect::WrongType, L"Capabilities");
-    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(B, adapter)), "0x80041001");
+    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(kB, adapter)), "0x80041001");
     machine->Rules().Clear();
     Spoil(Operation::Get, Effect::UnreadableElement, L"Capabilities");
-    const HRESULT result = quillet.GetAdapterTeamModes(B, adapter);
+    const HRESULT result = quillet.GetAdapterTeamModes(kB, adapter);
     EXPECT_TRUE(SUCCEEDED(result) || result == static_cast<HRESULT>(WBEM_E_FAILED)) << Code(result);
 }
 
 TEST_F(TeamWizardTest, CompatibleModes_AreThoseThatAllOfferInTheOrderOfTheFirst) {
-    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(Adapters({A, D}), modes, true)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(Adapters({kA, kD}), modes, true)),
+              "0x00000000");
     EXPECT_THAT(ModesOf(modes), ElementsAre(0, 1, 3, 2, 4, 5, 6));
-    SetCapabilities(A, {68, 12, 4, 4, 9});
-    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(Adapters({A, D}), modes, true)), "0x00000000");
+    SetCapabilities(kA, {68, 12, 4, 4, 9});
+    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(Adapters({kA, kD}), modes, true)),
+              "0x00000000");
     EXPECT_THAT(ModesOf(modes), ElementsAre(6, 5, 0, 2)) << "each once, and what was there is replaced";
     EXPECT_EQ(modes.m_vecItems[2]->m_wsDescription, L"Fault tolerance team");
-    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(Adapters({A, E}), modes, true)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(Adapters({kA, kE}), modes, true)),
+              "0x00000000");
     EXPECT_THAT(ModesOf(modes), ElementsAre(5, 0));
 }
 
 TEST_F(TeamWizardTest, CompatibleModes_ThreeAdaptersAreNotOfferedMode5) {
-    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(Adapters({A}), modes, true)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(Adapters({kA}), modes, true)), "0x00000000");
     EXPECT_THAT(ModesOf(modes), Contains(5));
-    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(Adapters({A, B}), modes, true)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(Adapters({kA, kB}), modes, true)),
+              "0x00000000");
     EXPECT_THAT(ModesOf(modes), Contains(5));
-    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(Adapters({A, B, C}), modes, true)),
+    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(Adapters({kA, kB, kC}), modes, true)),
               "0x00000000");
     EXPECT_THAT(ModesOf(modes), ElementsAre(0, 1, 3, 2, 4, 6));
 }
 
 TEST_F(TeamWizardTest, CompatibleModes_WithoutRefreshing_UseWhatTheRecordsCarry) {
-    CAdapters adapters = Adapters({A, B});
+    CAdapters adapters = Adapters({kA, kB});
     adapters.m_vecItems[0]->m_pTeamModes = new CTeamWizTeamModes;
     adapters.m_vecItems[0]->m_pTeamModes->m_vecItems.push_back(new CTeamWizTeamMode);
     adapters.m_vecItems[0]->m_pTeamModes->m_vecItems[0]->m_lTeamMode = 4;
@@ -142,7 +146,7 @@ TEST_F(TeamWizardTest, CompatibleModes_WithoutRefreshing_UseWhatTheRecordsCarry)
     EXPECT_THAT(ModesOf(modes), ElementsAre(4));
     EXPECT_EQ(modes.m_vecItems[0]->m_wsDescription, L"mine");
     for (const JournalEntry& call : Calls()) {
-        EXPECT_NE(call.target, A) << "what the record carries is not read";
+        EXPECT_NE(call.target, kA) << "what the record carries is not read";
     }
     EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(adapters, modes, true)), "0x00000000");
     EXPECT_THAT(ModesOf(modes), ElementsAre(0, 1, 3, 2, 4, 5, 6));
@@ -152,7 +156,7 @@ TEST_F(TeamWizardTest, CompatibleModes_WithoutRefreshing_UseWhatTheRecordsCarry)
 }
 
 TEST_F(TeamWizardTest, CompatibleModes_NullEntries_AreNoAdapters) {
-    CAdapters adapters = Adapters({A, B});
+    CAdapters adapters = Adapters({kA, kB});
     EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(adapters, modes, true)), "0x00000000");
     const std::vector<LONG> without = ModesOf(modes);
     adapters.m_vecItems.insert(adapters.m_vecItems.begin() + 1, nullptr);
@@ -164,13 +168,14 @@ TEST_F(TeamWizardTest, CompatibleModes_NullEntries_AreNoAdapters) {
 TEST_F(TeamWizardTest, CompatibleModes_NoAdapters_IsAFailure) {
     EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(CAdapters(), modes, true)), "0x80004005");
     EXPECT_THAT(Called(), IsEmpty());
-    Fail(Operation::GetObject, WBEM_E_ACCESS_DENIED, B.c_str());
-    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(Adapters({A, B}), modes, true)), "0x80041003");
+    Fail(Operation::GetObject, WBEM_E_ACCESS_DENIED, kB.c_str());
+    EXPECT_EQ(Code(quillet.GetCompatibleTeamModesWithAdapters(Adapters({kA, kB}), modes, true)),
+              "0x80041003");
     EXPECT_THAT(modes.m_vecItems, IsEmpty());
 }
 
 TEST_F(TeamWizardTest, Teamable_FlagIsTrueExactlyForMembers) {
-    CAdapters adapters = Adapters({A, C, B});
+    CAdapters adapters = Adapters({kA, kC, kB});
     adapters.m_vecItems.push_back(nullptr);
     adapters.m_vecItems[1]->m_bTeamed = true;
     EXPECT_EQ(Code(quillet.GetTeamableAdapters(adapters)), "0x00000000");
@@ -185,12 +190,13 @@ TEST_F(TeamWizardTest, Teamable_FlagIsTrueExactlyForMembers) {
         }
     }
     const std::string end = "} WHERE ResultClass = Zorel_TeamedMemberAdapter";
-    EXPECT_THAT(queries, ElementsAre("REFERENCES OF {" + Narrow(A) + end, "REFERENCES OF {" + Narrow(C) + end,
-                                     "REFERENCES OF {" + Narrow(B) + end));
+    EXPECT_THAT(queries,
+                ElementsAre("REFERENCES OF {" + Narrow(kA) + end, "REFERENCES OF {" + Narrow(kC) + end,
+                            "REFERENCES OF {" + Narrow(kB) + end));
 }
 
 TEST_F(TeamWizardTest, Teamable_OneThatTheProviderDoesNotKnow_IsAPhantomAndTheOthersGoOn) {
-    CAdapters adapters = Adapters({Adapter(L"{none}"), A});
+    CAdapters adapters = Adapters({Adapter(L"{none}"), kA});
     adapters.m_vecItems[0]->m_bTeamed = true;
     EXPECT_EQ(Code(quillet.GetTeamableAdapters(adapters)), "0x00000000");
     EXPECT_FALSE(adapters.m_vecItems[0]->m_bTeamed);
@@ -200,10 +206,10 @@ TEST_F(TeamWizardTest, Teamable_OneThatTheProviderDoesNotKnow_IsAPhantomAndTheOt
 
 TEST_F(TeamWizardTest, Teamable_NotConnected_Fails) {
     quillet.UninitQuillet();
-    CAdapters adapters = Adapters({A});
+    CAdapters adapters = Adapters({kA});
     EXPECT_EQ(Code(quillet.GetTeamableAdapters(adapters)), "0x80041001");
     CAdapter adapter;
-    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(A, adapter)), "0x80041001");
+    EXPECT_EQ(Code(quillet.GetAdapterTeamModes(kA, adapter)), "0x80041001");
 }
 
 class BestModeTest : public TeamWizardTest {
@@ -216,7 +222,7 @@ class BestModeTest : public TeamWizardTest {
 
 TEST_F(BestModeTest, IsTheProvidersWithTheTextOfTheMode) {
     RecordLocalCalls();
-    EXPECT_EQ(Code(Ask(T)), "0x00000000");
+    EXPECT_EQ(Code(Ask(kT)), "0x00000000");
     EXPECT_EQ(mode.m_lTeamMode, 4);
     EXPECT_EQ(mode.m_wsDescription, L"IEEE 802.3ad Dynamic Link Aggregation");
     EXPECT_EQ(status, CTeam::TeamAutoDetectCompleted);
@@ -227,7 +233,7 @@ TEST_F(BestModeTest, IsTheProvidersWithTheTextOfTheMode) {
             reads.push_back(Narrow(call.target));
         }
         if (call.operation == Operation::ExecMethod) {
-            EXPECT_EQ(call.target, T);
+            EXPECT_EQ(call.target, kT);
             EXPECT_THAT(call.arguments, IsEmpty());
         }
     }
@@ -238,10 +244,10 @@ TEST_F(BestModeTest, IsTheProvidersWithTheTextOfTheMode) {
 
 TEST_F(BestModeTest, WithALinkDown_CoversLess) {
     ASSERT_EQ(Code(machine->SetHardwareStatus(L"{B}", 2)), "0x00000000");
-    EXPECT_EQ(Code(Ask(T)), "0x00000000");
+    EXPECT_EQ(Code(Ask(kT)), "0x00000000");
     EXPECT_EQ(coverage, 50u);
     ASSERT_EQ(Code(machine->SetHardwareStatus(L"{A}", 0)), "0x00000000");
-    EXPECT_EQ(Code(Ask(T)), "0x00000000");
+    EXPECT_EQ(Code(Ask(kT)), "0x00000000");
     EXPECT_EQ(status, CTeam::TeamAutoDetectFailed);
     EXPECT_EQ(coverage, 0u);
     EXPECT_THAT(Traced(), Contains("GetBestTeamMode -> ErrorMessageId 1001"));
@@ -249,7 +255,7 @@ TEST_F(BestModeTest, WithALinkDown_CoversLess) {
 
 TEST_F(BestModeTest, CoverageThatIsNotTold_IsThatOfAWholeSearch) {
     Spoil(Operation::Get, Effect::NullValue, L"PercentOfCoverage");
-    EXPECT_EQ(Code(Ask(T)), "0x00000000");
+    EXPECT_EQ(Code(Ask(kT)), "0x00000000");
     EXPECT_EQ(coverage, 100u);
 }
 
@@ -257,7 +263,7 @@ TEST_F(BestModeTest, Failures) {
     EXPECT_EQ(Code(Ask(L"")), "0x80041001");
     EXPECT_THAT(Traced(), Contains("(wsTeamID.empty())"));
     Spoil(Operation::ExecMethod, Effect::NoOutParameters);
-    EXPECT_EQ(Code(Ask(T)), "0x80041001");
+    EXPECT_EQ(Code(Ask(kT)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("Outparam of method is NULL"));
     machine->Rules().Clear();
     FaultRule rule;
@@ -265,23 +271,23 @@ TEST_F(BestModeTest, Failures) {
     rule.effect = Effect::Verdict;
     rule.verdict = 5;
     Inject(rule);
-    EXPECT_EQ(Ask(T), 5);
+    EXPECT_EQ(Ask(kT), 5);
     EXPECT_THAT(Traced(), Contains("(0 != lValue) -> GetBestTeamMode Method failure"));
     machine->Rules().Clear();
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"PercentOfCoverage");
     coverage = 7;
-    EXPECT_EQ(Code(Ask(T)), "0x80041003");
+    EXPECT_EQ(Code(Ask(kT)), "0x80041003");
     EXPECT_EQ(coverage, 7u);
     machine->Rules().Clear();
     Fail(Operation::ExecMethod, WBEM_E_ACCESS_DENIED);
-    EXPECT_EQ(Code(Ask(T)), "0x80041003");
+    EXPECT_EQ(Code(Ask(kT)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("ExecMethod -> bstrObjectPath, L_METHOD_TEAMOFADAPTERS_GETBESTTEAMMODE"));
 }
 
 class SwitchTestTest : public TeamWizardTest {
   protected:
     HRESULT Send(CTeam::SwitchCmd command) {
-        return quillet.TestSwitchConfiguration(T, command, status, causes, solutions, causeIds, solutionIds);
+        return quillet.TestSwitchConfiguration(kT, command, status, causes, solutions, causeIds, solutionIds);
     }
     CTeam::SwitchCmdStatus status{};
     std::vector<std::wstring> causes{L"old"};
@@ -309,7 +315,7 @@ TEST_F(SwitchTestTest, RunsThroughItsStates) {
     EXPECT_EQ(Code(Send(CTeam::SwitchCmdStop)), "0x00000000");
     EXPECT_EQ(status, CTeam::SwitchCmdStatusStopped);
     EXPECT_THAT(Changes(),
-                Contains("ExecMethod " + Narrow(T) + " TestSwitchConfiguration Cmd:VT_I4=2 set=0"));
+                Contains("ExecMethod " + Narrow(kT) + " TestSwitchConfiguration Cmd:VT_I4=2 set=0"));
 }
 
 TEST_F(SwitchTestTest, TellsCausesWithSolutionsInTheirOrder) {
@@ -343,9 +349,9 @@ TEST_F(SwitchTestTest, Failures) {
     EXPECT_THAT(Traced(), Contains("(wsTeamID.empty())"));
     EXPECT_THAT(causes, IsEmpty());
     EXPECT_EQ(Code(Send(static_cast<CTeam::SwitchCmd>(9))), "0x8004102F") << "the provider's own refusal";
-    SetNumber(T, L"TeamingMode", 1);
+    SetNumber(kT, L"TeamingMode", 1);
     EXPECT_EQ(Code(Send(CTeam::SwitchCmdStart)), "0x8004100C") << "nothing to test in this mode";
-    SetNumber(T, L"TeamingMode", 4);
+    SetNumber(kT, L"TeamingMode", 4);
     Spoil(Operation::Get, Effect::NullValue, L"strCause");
     EXPECT_EQ(Code(Send(CTeam::SwitchCmdStart)), "0x80004005");
     EXPECT_EQ(status, CTeam::SwitchCmdStatusRunning) << "what was read before stays";

@@ -10,13 +10,13 @@ namespace {
 
 using ATL::CComBSTR;
 
-TEST(SafeArrayOf, ArrayOf_OwnedArray_IsThatArray) {
+TEST(SafeArrayOfTest, ArrayOf_OwnedArray_IsThatArray) {
     const _variant_t value = NumberArray({1, 2});
     EXPECT_EQ(ArrayOf(value), V_ARRAY(&value));
     EXPECT_NE(ArrayOf(value), nullptr);
 }
 
-TEST(SafeArrayOf, ArrayOf_WhatIsNoOwnedArray_IsNull) {
+TEST(SafeArrayOfTest, ArrayOf_WhatIsNoOwnedArray_IsNull) {
     VARIANT value;
     VariantInit(&value);
     EXPECT_EQ(ArrayOf(value), nullptr);
@@ -30,7 +30,7 @@ TEST(SafeArrayOf, ArrayOf_WhatIsNoOwnedArray_IsNull) {
     EXPECT_EQ(ArrayOf(value), nullptr) << "what it refers to is never followed";
 }
 
-TEST(SafeArrayElement, ReadElement_EveryNumberType_IsConverted) {
+TEST(SafeArrayElementTest, ReadElement_EveryNumberType_IsConverted) {
     struct Case {
         VARTYPE type;
         LONGLONG stored;
@@ -54,7 +54,7 @@ TEST(SafeArrayElement, ReadElement_EveryNumberType_IsConverted) {
     }
 }
 
-TEST(SafeArrayElement, ReadElement_RealNumbers_AreRounded) {
+TEST(SafeArrayElementTest, ReadElement_RealNumbers_AreRounded) {
     OwnedArray array(SafeArrayCreateVector(VT_R8, 0, 2));
     LONG index = 0;
     double stored = 2.75;
@@ -69,7 +69,7 @@ TEST(SafeArrayElement, ReadElement_RealNumbers_AreRounded) {
     EXPECT_EQ(element, 3);
 }
 
-TEST(SafeArrayElement, ReadElement_Texts_AreCopiedOrReadAsNumbers) {
+TEST(SafeArrayElementTest, ReadElement_Texts_AreCopiedOrReadAsNumbers) {
     const _variant_t value = TextArray({L"12", std::wstring(L"a\0b", 3), L""});
     CComBSTR text;
     EXPECT_EQ(ReadElement(V_ARRAY(&value), 1, text), S_OK);
@@ -79,7 +79,7 @@ TEST(SafeArrayElement, ReadElement_Texts_AreCopiedOrReadAsNumbers) {
     EXPECT_EQ(number, 12);
 }
 
-TEST(SafeArrayElement, ReadElement_NullText_IsAnEmptyOne) {
+TEST(SafeArrayElementTest, ReadElement_NullText_IsAnEmptyOne) {
     OwnedArray array(SafeArrayCreateVector(VT_BSTR, 0, 1));
     CComBSTR text(L"before");
     EXPECT_TRUE(SUCCEEDED(ReadElement(array.Get(), 0, text)));
@@ -89,7 +89,7 @@ TEST(SafeArrayElement, ReadElement_NullText_IsAnEmptyOne) {
     EXPECT_EQ(number, 0);
 }
 
-TEST(SafeArrayElement, ReadElement_Variants_AreReadByTheirOwnType) {
+TEST(SafeArrayElementTest, ReadElement_Variants_AreReadByTheirOwnType) {
     const _variant_t value = MixedArray({_variant_t(LONG{7}), _variant_t(L"text"), _variant_t()});
     LONG number = 0;
     EXPECT_EQ(ReadElement(V_ARRAY(&value), 0, number), S_OK);
@@ -103,7 +103,7 @@ TEST(SafeArrayElement, ReadElement_Variants_AreReadByTheirOwnType) {
     EXPECT_EQ(number, 7);
 }
 
-TEST(SafeArrayElement, ReadElement_ObjectsAndDecimals_AreNoElements) {
+TEST(SafeArrayElementTest, ReadElement_ObjectsAndDecimals_AreNoElements) {
     for (const VARTYPE type : {VT_UNKNOWN, VT_DISPATCH, VT_DECIMAL, VT_CY, VT_DATE, VT_ERROR}) {
         SCOPED_TRACE(type);
         OwnedArray array(SafeArrayCreateVector(type, 0, 1));
@@ -116,7 +116,7 @@ TEST(SafeArrayElement, ReadElement_ObjectsAndDecimals_AreNoElements) {
     }
 }
 
-TEST(SafeArrayElement, ReadElement_OutsideTheBounds_IsABadIndex) {
+TEST(SafeArrayElementTest, ReadElement_OutsideTheBounds_IsABadIndex) {
     const _variant_t value = NumberArray({1, 2, 3}, 5);
     LONG number = 0;
     EXPECT_EQ(ReadElement(V_ARRAY(&value), 4, number), DISP_E_BADINDEX);
@@ -127,7 +127,7 @@ TEST(SafeArrayElement, ReadElement_OutsideTheBounds_IsABadIndex) {
     EXPECT_EQ(number, 1);
 }
 
-TEST(SafeArrayElement, ReadElement_TwoDimensions_IsABadIndex) {
+TEST(SafeArrayElementTest, ReadElement_TwoDimensions_IsABadIndex) {
     SAFEARRAYBOUND bounds[2] = {{2, 0}, {2, 0}};
     OwnedArray array(SafeArrayCreate(VT_I4, 2, bounds));
     ASSERT_NE(array.Get(), nullptr);
@@ -136,7 +136,7 @@ TEST(SafeArrayElement, ReadElement_TwoDimensions_IsABadIndex) {
     EXPECT_EQ(number, 5);
 }
 
-TEST(SafeArrayMake, MakeTextArray_HasOneElementPerTextFromZero) {
+TEST(SafeArrayMakeTest, MakeTextArray_HasOneElementPerTextFromZero) {
     _variant_t value;
     ASSERT_TRUE(MakeTextArray({L"first", L"", L"Z\u00fcrich", std::wstring(L"a\0b", 3)}, value));
     EXPECT_EQ(V_VT(&value), VT_ARRAY | VT_BSTR);
@@ -155,7 +155,7 @@ TEST(SafeArrayMake, MakeTextArray_HasOneElementPerTextFromZero) {
     EXPECT_EQ(text.Length(), 3u) << "a zero inside a text is part of it";
 }
 
-TEST(SafeArrayMake, MakeTextArray_NoTexts_IsAnEmptyArray) {
+TEST(SafeArrayMakeTest, MakeTextArray_NoTexts_IsAnEmptyArray) {
     _variant_t value(L"replaced");
     ASSERT_TRUE(MakeTextArray({}, value));
     LONG lower = -1;

@@ -74,9 +74,9 @@ std::function<VARIANT()> MakeArray(VARTYPE element) {
 }
 
 void AddNumbers(std::vector<VariantCase>& cases) {
-    constexpr LONG lowest = std::numeric_limits<LONG>::min();
-    constexpr LONG highest = std::numeric_limits<LONG>::max();
-    constexpr ULONGLONG everyBit = std::numeric_limits<ULONGLONG>::max();
+    constexpr LONG kLowest = std::numeric_limits<LONG>::min();
+    constexpr LONG kHighest = std::numeric_limits<LONG>::max();
+    constexpr ULONGLONG kEveryBit = std::numeric_limits<ULONGLONG>::max();
     const auto add = [&cases](const char* name, VARTYPE type, auto fill, std::optional<bool> asBool,
                               std::optional<LONG> asLong, std::optional<ULONGLONG> asUInt64) {
         cases.push_back({name, Make(type, fill), asBool, asLong, asUInt64, L""});
@@ -94,25 +94,25 @@ void AddNumbers(std::vector<VariantCase>& cases) {
     add(
         "I4_zero", VT_I4, [](VARIANT& v) { V_I4(&v) = 0; }, false, 0, 0);
     add(
-        "I4_lowest", VT_I4, [](VARIANT& v) { V_I4(&v) = lowest; }, true, lowest, 0x80000000u);
+        "I4_lowest", VT_I4, [](VARIANT& v) { V_I4(&v) = kLowest; }, true, kLowest, 0x80000000u);
     add(
-        "I4_highest", VT_I4, [](VARIANT& v) { V_I4(&v) = highest; }, true, highest, 0x7FFFFFFFu);
+        "I4_highest", VT_I4, [](VARIANT& v) { V_I4(&v) = kHighest; }, true, kHighest, 0x7FFFFFFFu);
     add(
         "UI4", VT_UI4, [](VARIANT& v) { V_UI4(&v) = 0xFFFFFFFFu; }, true, -1, 0xFFFFFFFFu);
     add(
         "INT", VT_INT, [](VARIANT& v) { V_INT(&v) = -7; }, true, -7, 0xFFFFFFF9u);
     add(
-        "UINT", VT_UINT, [](VARIANT& v) { V_UINT(&v) = 0x80000001u; }, true, lowest + 1, 0x80000001u);
+        "UINT", VT_UINT, [](VARIANT& v) { V_UINT(&v) = 0x80000001u; }, true, kLowest + 1, 0x80000001u);
     add(
         "BOOL_true", VT_BOOL, [](VARIANT& v) { V_BOOL(&v) = VARIANT_TRUE; }, true, -1, 0xFFFFFFFFu);
     add(
         "BOOL_false", VT_BOOL, [](VARIANT& v) { V_BOOL(&v) = VARIANT_FALSE; }, false, 0, 0);
     add(
-        "I8_small", VT_I8, [](VARIANT& v) { V_I8(&v) = -1; }, true, -1, everyBit);
+        "I8_small", VT_I8, [](VARIANT& v) { V_I8(&v) = -1; }, true, -1, kEveryBit);
     add(
         "I8_large", VT_I8, [](VARIANT& v) { V_I8(&v) = 5000000000; }, true, std::nullopt, 5000000000u);
     add(
-        "UI8_largest", VT_UI8, [](VARIANT& v) { V_UI8(&v) = everyBit; }, true, std::nullopt, everyBit);
+        "UI8_largest", VT_UI8, [](VARIANT& v) { V_UI8(&v) = kEveryBit; }, true, std::nullopt, kEveryBit);
     add(
         "R4", VT_R4, [](VARIANT& v) { V_R4(&v) = 2.25f; }, true, 2, 2);
     add(

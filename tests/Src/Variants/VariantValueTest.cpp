@@ -66,7 +66,7 @@ TEST_P(VariantValueTest, ReadVariant_AsText) {
 INSTANTIATE_TEST_SUITE_P(Types, VariantValueTest, testing::ValuesIn(AllVariantCases()),
                          [](const testing::TestParamInfo<VariantCase>& test) { return test.param.name; });
 
-TEST(VariantValue, HoldsNothing_EmptyAndNullOnly) {
+TEST(VariantFunctionsTest, HoldsNothing_EmptyAndNullOnly) {
     VARIANT value;
     VariantInit(&value);
     EXPECT_TRUE(HoldsNothing(value));
@@ -80,7 +80,7 @@ TEST(VariantValue, HoldsNothing_EmptyAndNullOnly) {
     EXPECT_FALSE(HoldsNothing(value));
 }
 
-TEST(VariantValue, ReadVariant_Infinity_StaysUnread) {
+TEST(VariantFunctionsTest, ReadVariant_Infinity_StaysUnread) {
     VARIANT value;
     VariantInit(&value);
     V_VT(&value) = VT_R8;
@@ -93,13 +93,13 @@ TEST(VariantValue, ReadVariant_Infinity_StaysUnread) {
     EXPECT_EQ(mask, 6u);
 }
 
-TEST(VariantValue, VariantOfLong_IsI4) {
+TEST(VariantFunctionsTest, VariantOfLong_IsI4) {
     const _variant_t value = VariantOfLong(-3);
     EXPECT_EQ(V_VT(&value), VT_I4);
     EXPECT_EQ(V_I4(&value), -3);
 }
 
-TEST(VariantValue, VariantOfBool_IsVariantBool) {
+TEST(VariantFunctionsTest, VariantOfBool_IsVariantBool) {
     const _variant_t yes = VariantOfBool(true);
     EXPECT_EQ(V_VT(&yes), VT_BOOL);
     EXPECT_EQ(V_BOOL(&yes), VARIANT_TRUE);
@@ -108,7 +108,7 @@ TEST(VariantValue, VariantOfBool_IsVariantBool) {
     EXPECT_EQ(V_BOOL(&no), VARIANT_FALSE);
 }
 
-TEST(VariantValue, VariantOfText_IsBstr) {
+TEST(VariantFunctionsTest, VariantOfText_IsBstr) {
     const _variant_t value = VariantOfText(L"Z\u00fcrich");
     EXPECT_EQ(V_VT(&value), VT_BSTR);
     EXPECT_STREQ(V_BSTR(&value), L"Z\u00fcrich");

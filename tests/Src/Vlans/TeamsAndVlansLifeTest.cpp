@@ -14,15 +14,15 @@
 
 namespace {
 
-constexpr unsigned STEPS = 10'000;
+constexpr unsigned kSteps = 10'000;
 /// One step in so many asks the library for all the VLANs of a parent, or all members of a team.
-constexpr unsigned ASKING = 4;
-constexpr std::size_t ADAPTERS = 10;
+constexpr unsigned kAsking = 4;
+constexpr std::size_t kAdapters = 10;
 /// Adapters from this one on cannot carry VLANs.
-constexpr std::size_t WITHOUT_VLANS = 9;
-constexpr std::size_t MOST_MEMBERS = 8;
-constexpr std::size_t MOST_VLANS = 64;
-constexpr std::size_t NOBODY = ADAPTERS; ///< stands for an adapter that does not exist
+constexpr std::size_t kWithoutVlans = 9;
+constexpr std::size_t kMostMembers = 8;
+constexpr std::size_t kMostVlans = 64;
+constexpr std::size_t kNobody = kAdapters; ///< stands for an adapter that does not exist
 
 std::wstring DeviceId(std::size_t adapter) {
     return L"{ADAPTER-" + std::to_wstring(adapter) + L"}";
@@ -30,16 +30,16 @@ std::wstring DeviceId(std::size_t adapter) {
 
 std::string MachineText() {
     std::string mof = R"(instance of Zorel_NetService { Name = "ZorelNetService"; };)";
-    for (std::size_t adapter = 0; adapter < ADAPTERS; ++adapter) {
+    for (std::size_t adapter = 0; adapter < kAdapters; ++adapter) {
         const std::string id = Narrow(DeviceId(adapter));
-        const std::string vlans = adapter < WITHOUT_VLANS ? "37, " : "";
+        const std::string vlans = adapter < kWithoutVlans ? "37, " : "";
         mof += "instance of Zorel_PhysicalEthernetAdapter { DeviceID = \"" + id + "\"; Caption = \"Port " +
                std::to_string(adapter) +
                "\"; OriginalDisplayName = \"Port\"; AdapterStatus = 1; HardwareStatus = 3; " +
                "Speed = 1000000000; FullDuplex = TRUE; PermanentAddress = \"02-00-5E-00-00-0" +
                std::to_string(adapter) + "\"; Capabilities = {3, 4, 5, 8, 9, 10, 12, 34, 36, " + vlans +
                "46, 47, 68}; };\n";
-        if (adapter < WITHOUT_VLANS) {
+        if (adapter < kWithoutVlans) {
             mof += "instance of Zorel_802dot1QVLANService { Name = \"" + id + "\"; };\n";
         }
     }
@@ -71,7 +71,7 @@ struct ModelParent {
 
     /// Whether a VLAN may have this number and name; `self` is the one that is changed, if any.
     bool MayHave(LONG number, const std::wstring& name, const ModelVlan* self) const {
-        if (number < 0 || number > 4094 || name.empty() || (!self && vlans.size() >= MOST_VLANS)) {
+        if (number < 0 || number > 4094 || name.empty() || (!self && vlans.size() >= kMostVlans)) {
             return false;
         }
         return std::none_of(vlans.begin(), vlans.end(), [&](const ModelVlan& other) {
@@ -112,7 +112,7 @@ struct ModelTeam : ModelParent {
 };
 
 struct Model {
-    std::array<ModelParent, ADAPTERS> adapters;
+    std::array<ModelParent, kAdapters> adapters;
     std::vector<ModelTeam> teams;
 
     ModelTeam* TeamOf(std::size_t adapter) {
@@ -131,7 +131,7 @@ struct Model {
     }
     template <class Visit>
     void ForEachParent(Visit visit) const {
-        for (std::size_t adapter = 0; adapter < ADAPTERS; ++adapter) {
+        for (std::size_t adapter = 0; adapter < kAdapters; ++adapter) {
             visit(DeviceId(adapter), adapters[adapter]);
         }
         for (const ModelTeam& team : teams) {
@@ -189,9 +189,9 @@ std::wstring VlanCaption(const ModelParent& parent, const ModelVlan& vlan) {
 class TeamsAndVlansLifeTest : public ProviderTest {
   public:
     TeamsAndVlansLifeTest() : ProviderTest(MachineText()) {
-        for (std::size_t adapter = 0; adapter < ADAPTERS; ++adapter) {
+        for (std::size_t adapter = 0; adapter < kAdapters; ++adapter) {
             m_model.adapters[adapter].caption = L"Port " + std::to_wstring(adapter);
-            m_model.adapters[adapter].carriesVlans = adapter < WITHOUT_VLANS;
+            m_model.adapters[adapter].carriesVlans = adapter < kWithoutVlans;
         }
     }
 
@@ -206,12 +206,12 @@ class TeamsAndVlansLifeTest : public ProviderTest {
     }
     /// Numbers of VLANs: mostly near each other, so that they meet, and sometimes at the ends and beyond.
     LONG AnyNumber() {
-        static constexpr LONG odd[] = {-1, 0, 1, 4093, 4094, 4095, 4096};
-        return Chance(8) ? odd[Below(std::size(odd))] : static_cast<LONG>(Below(140));
+        static constexpr LONG kOdd[] = {-1, 0, 1, 4093, 4094, 4095, 4096};
+        return Chance(8) ? kOdd[Below(std::size(kOdd))] : static_cast<LONG>(Below(140));
     }
     LONG AnyMode() { return Chance(90) ? static_cast<LONG>(Below(7)) : (Chance(50) ? 7 : -1); }
     static std::wstring PathOfAdapter(std::size_t adapter) {
-        return AdapterPath(adapter == NOBODY ? L"{NOBODY}" : DeviceId(adapter));
+        return AdapterPath(adapter == kNobody ? L"{NOBODY}" : DeviceId(adapter));
     }
     static CAdapters ListOf(const std::vector<std::size_t>& adapters) {
         CAdapters list;
@@ -223,8 +223,8 @@ class TeamsAndVlansLifeTest : public ProviderTest {
     }
     /// Some adapters, none twice. Those without a team come first when a change is to have a chance.
     std::vector<std::size_t> SomeAdapters(std::size_t most) {
-        std::vector<std::size_t> adapters(ADAPTERS);
-        for (std::size_t adapter = 0; adapter < ADAPTERS; ++adapter) {
+        std::vector<std::size_t> adapters(kAdapters);
+        for (std::size_t adapter = 0; adapter < kAdapters; ++adapter) {
             adapters[adapter] = adapter;
         }
         std::shuffle(adapters.begin(), adapters.end(), m_random);
@@ -232,10 +232,10 @@ class TeamsAndVlansLifeTest : public ProviderTest {
             std::stable_partition(adapters.begin(), adapters.end(),
                                   [this](std::size_t adapter) { return m_model.TeamOf(adapter) == nullptr; });
         }
-        adapters.resize(Below(std::min(most, ADAPTERS) + 1));
+        adapters.resize(Below(std::min(most, kAdapters) + 1));
         if (Chance(3)) {
             adapters.insert(adapters.begin() + static_cast<std::ptrdiff_t>(Below(adapters.size() + 1)),
-                            NOBODY);
+                            kNobody);
         }
         return adapters;
     }
@@ -256,13 +256,13 @@ class TeamsAndVlansLifeTest : public ProviderTest {
     // the machine must then be.
 
     void CreateTeam() {
-        const std::vector<std::size_t> members = SomeAdapters(Chance(90) ? 4 : ADAPTERS);
+        const std::vector<std::size_t> members = SomeAdapters(Chance(90) ? 4 : kAdapters);
         const std::wstring caption = Chance(3) ? L"" : AnyName(L"Team ", 12);
         const LONG mode = AnyMode();
         bool may = !caption.empty() && mode >= 0 && mode <= 6 && !members.empty() &&
-                   members.size() <= MOST_MEMBERS && !m_model.IsNameTaken(caption, nullptr);
+                   members.size() <= kMostMembers && !m_model.IsNameTaken(caption, nullptr);
         for (const std::size_t adapter : members) {
-            may = may && adapter != NOBODY && m_model.TeamOf(adapter) == nullptr;
+            may = may && adapter != kNobody && m_model.TeamOf(adapter) == nullptr;
         }
         CTeam made;
         Expect(may, quillet.CreateTeam(static_cast<CTeam::TeamMode>(mode), caption, ListOf(members), made,
@@ -344,8 +344,8 @@ class TeamsAndVlansLifeTest : public ProviderTest {
                 if (wasMember) {
                     continue;
                 }
-                if (adapter == NOBODY || m_model.TeamOf(adapter) != nullptr ||
-                    team->members.size() >= MOST_MEMBERS) {
+                if (adapter == kNobody || m_model.TeamOf(adapter) != nullptr ||
+                    team->members.size() >= kMostMembers) {
                     may = false; // what was changed until here stays
                     break;
                 }
@@ -357,9 +357,9 @@ class TeamsAndVlansLifeTest : public ProviderTest {
     }
 
     void SetPriority() {
-        const std::size_t adapter = Below(ADAPTERS + 1);
+        const std::size_t adapter = Below(kAdapters + 1);
         const auto role = static_cast<LONG>(Below(4));
-        ModelTeam* team = adapter == NOBODY ? nullptr : m_model.TeamOf(adapter);
+        ModelTeam* team = adapter == kNobody ? nullptr : m_model.TeamOf(adapter);
         const bool may = team != nullptr && role <= 2;
         Expect(may, quillet.SetTeamedAdapterPriority(PathOfAdapter(adapter), role));
         if (!may) {
@@ -382,7 +382,7 @@ class TeamsAndVlansLifeTest : public ProviderTest {
         const bool onTeam = !m_model.teams.empty() && Chance(45);
         std::wstring path;
         ModelTeam* team = onTeam ? AnyTeam(path) : nullptr;
-        const std::size_t adapter = Chance(60) ? 0 : Below(ADAPTERS);
+        const std::size_t adapter = Chance(60) ? 0 : Below(kAdapters);
         ModelParent* parent = onTeam ? team : &m_model.adapters[adapter];
         if (!onTeam) {
             path = PathOfAdapter(adapter);
@@ -396,7 +396,7 @@ class TeamsAndVlansLifeTest : public ProviderTest {
         // is not done each time.
         HRESULT supported = E_FAIL;
         ULONGLONG problems = 0;
-        if (m_step % ASKING == 0) {
+        if (m_step % kAsking == 0) {
             supported = quillet.ParentSupportingVLAN(path);
             EXPECT_EQ(SUCCEEDED(supported), carries) << Where();
             EXPECT_EQ(supported == CVLAN::ParentIsTeamMember, carries && isMember) << Where();
@@ -411,8 +411,8 @@ class TeamsAndVlansLifeTest : public ProviderTest {
         if (supported == S_OK && vlan.m_lVLANNumber != 0 && !vlan.m_wsVLANName.empty()) {
             EXPECT_EQ(problems == 0, SUCCEEDED(result)) << Where() << ": problems " << problems;
         }
-        m_refusedForCrowd += carries && !isMember && parent->vlans.size() == MOST_VLANS ? 1u : 0u;
-        if (m_step % ASKING == 1) {
+        m_refusedForCrowd += carries && !isMember && parent->vlans.size() == kMostVlans ? 1u : 0u;
+        if (m_step % kAsking == 1) {
             m_touchedParent = path;
             m_touchedIsTeam = onTeam;
         }
@@ -475,7 +475,7 @@ class TeamsAndVlansLifeTest : public ProviderTest {
     /// What the model says that there is.
     Sight Foreseen() const {
         Sight sight;
-        sight.services = WITHOUT_VLANS;
+        sight.services = kWithoutVlans;
         for (const ModelTeam& team : m_model.teams) {
             sight.teams.insert({team.path, team.caption, L"", team.mode});
             for (const ModelMember& member : team.members) {
@@ -550,7 +550,7 @@ class TeamsAndVlansLifeTest : public ProviderTest {
             SeeMembers(team->m_wsTeamID, seen);
             SeeVlans(team->m_wsTeamID, true, seen);
         }
-        for (std::size_t adapter = 0; adapter < ADAPTERS; ++adapter) {
+        for (std::size_t adapter = 0; adapter < kAdapters; ++adapter) {
             SeeVlans(PathOfAdapter(adapter), false, seen);
         }
         seen.settings = foreseen.settings;
@@ -585,7 +585,7 @@ class TeamsAndVlansLifeTest : public ProviderTest {
         const bool isThere =
             std::any_of(m_model.teams.begin(), m_model.teams.end(),
                         [this](const ModelTeam& team) { return team.path == m_touchedTeam; });
-        if (isThere && m_step % ASKING == 1) {
+        if (isThere && m_step % kAsking == 1) {
             Sight seen;
             SeeMembers(m_touchedTeam, seen);
             ASSERT_TRUE(seen.members == of(foreseen.members, 0, m_touchedTeam)) << Where() << "\nseen:\n"
@@ -637,7 +637,7 @@ TEST_F(TeamsAndVlansLifeTest, TenThousandChanges_AgreeWithTheModelAfterEach) {
     Sight foreseen = Foreseen();
     Sight held = Held();
     std::uint64_t looked = machine->Store().Generation();
-    for (m_step = 1; m_step <= STEPS && !HasFailure(); ++m_step) {
+    for (m_step = 1; m_step <= kSteps && !HasFailure(); ++m_step) {
         const auto& step = steps[choose(m_random)];
         m_what = step.what;
         m_isModelTouched = false;

@@ -9,7 +9,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Access = QuilletTestAccess;
 
-constexpr const char* CLASS = "GetObject Zorel_802dot1QVLANService -> 0x00000000";
+constexpr const char* kClass = "GetObject Zorel_802dot1QVLANService -> 0x00000000";
 
 class VlanChangesTest : public VlanTest {
   protected:
@@ -50,7 +50,7 @@ class VlanChangesTest : public VlanTest {
 
 TEST_F(VlanChangesTest, Add_ToAnAdapter_MakesTheVlanAndFillsTheRecord) {
     CVLAN vlan = Wanted(30, L"Lab");
-    EXPECT_EQ(Code(quillet.AddVLANToAdapter(A, vlan)), "0x00000000");
+    EXPECT_EQ(Code(quillet.AddVLANToAdapter(kA, vlan)), "0x00000000");
     EXPECT_EQ(vlan.m_lVLANNumber, 30);
     EXPECT_EQ(vlan.m_wsVLANName, L"Lab");
     EXPECT_EQ(vlan.m_wsParentID, L"{A}");
@@ -68,7 +68,7 @@ TEST_F(VlanChangesTest, Add_ToAnAdapter_MakesTheVlanAndFillsTheRecord) {
     EXPECT_THAT(
         Called(),
         ElementsAre("GetObject " + Service("{A}") + " -> 0x00000000 {ClientSetId=0}",
-                    std::string(CLASS) + " {ClientSetId=0}",
+                    std::string(kClass) + " {ClientSetId=0}",
                     "ExecMethod " + Full(Service("{A}")) +
                         ", CreateVLAN(VLANNumber=30, Name=\"Lab\") -> 0x00000000 (outside a client set) "
                         "{ClientSetId=0}",
@@ -78,7 +78,7 @@ TEST_F(VlanChangesTest, Add_ToAnAdapter_MakesTheVlanAndFillsTheRecord) {
 TEST_F(VlanChangesTest, Add_StepsAreInOrder) {
     RecordLocalCalls();
     CVLAN vlan = Wanted(30, L"Lab");
-    EXPECT_EQ(Code(Access::AddVLANToComponent(quillet, A, vlan)), "0x00000000");
+    EXPECT_EQ(Code(Access::AddVLANToComponent(quillet, kA, vlan)), "0x00000000");
     std::vector<std::string> steps;
     for (const JournalEntry& call : Calls()) {
         if (call.operation != Operation::SetBlanket && call.operation != Operation::SetContextValue) {
@@ -97,7 +97,7 @@ TEST_F(VlanChangesTest, Add_StepsAreInOrder) {
 
 TEST_F(VlanChangesTest, Add_InParametersHaveTheirTypes) {
     CVLAN vlan = Wanted(0, L"Untagged");
-    EXPECT_EQ(Code(quillet.AddVLANToAdapter(A, vlan)), "0x00000000") << "0 is the untagged VLAN";
+    EXPECT_EQ(Code(quillet.AddVLANToAdapter(kA, vlan)), "0x00000000") << "0 is the untagged VLAN";
     const std::vector<JournalEntry> calls = machine->Calls().Of(Operation::ExecMethod);
     ASSERT_EQ(calls.size(), 1u);
     EXPECT_EQ(calls[0].flags, 0);
@@ -108,7 +108,7 @@ TEST_F(VlanChangesTest, Add_InParametersHaveTheirTypes) {
 
 TEST_F(VlanChangesTest, Add_ToATeam_GoesThroughItsLogicalAdapter) {
     CVLAN vlan = Wanted(30, L"Lab");
-    EXPECT_EQ(Code(quillet.AddVLANToTeam(T, vlan)), "0x00000000");
+    EXPECT_EQ(Code(quillet.AddVLANToTeam(kT, vlan)), "0x00000000");
     EXPECT_EQ(vlan.m_wsParentID, L"{T}");
     EXPECT_EQ(vlan.m_wsCaption, L"Team - VLAN : Lab");
     EXPECT_THAT(NumbersOn(L"{T}"), ElementsAre(0, 12, 30));
@@ -126,7 +126,7 @@ TEST_F(VlanChangesTest, Add_BadArguments_FailBeforeAnyCall) {
         std::wstring component;
         CVLAN vlan;
     } const cases[] = {
-        {L"", good}, {A, Wanted(4096, L"Lab")}, {A, Wanted(30, L"")}, {A, Wanted(2147483647, L"Lab")}};
+        {L"", good}, {kA, Wanted(4096, L"Lab")}, {kA, Wanted(30, L"")}, {kA, Wanted(2147483647, L"Lab")}};
     for (const auto& each : cases) {
         CVLAN vlan = each.vlan;
         EXPECT_EQ(Code(quillet.AddVLANToAdapter(each.component, vlan)), "0x80041001");
@@ -141,28 +141,28 @@ TEST_F(VlanChangesTest, Add_BadArguments_FailBeforeAnyCall) {
     EXPECT_EQ(Code(quillet.AddVLANToTeam(L"", vlan)), "0x80041001");
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::AddVLANToTeam", "(wsTeamID.empty())",
                                       "Exiting CQuillet::AddVLANToTeam"));
-    EXPECT_EQ(Code(quillet.AddVLANToTeam(A, vlan)), "0x80041001") << "an adapter is no team";
+    EXPECT_EQ(Code(quillet.AddVLANToTeam(kA, vlan)), "0x80041001") << "an adapter is no team";
     EXPECT_THAT(Traced(), Contains("Auto Parser Failed"));
     vlan.m_wsVLANName.clear();
-    EXPECT_EQ(Code(quillet.AddVLANToTeam(T, vlan)), "0x80041001");
+    EXPECT_EQ(Code(quillet.AddVLANToTeam(kT, vlan)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("AddVLANToComponent -> wsTeamID"));
     EXPECT_THAT(Called(), IsEmpty());
 }
 
 TEST_F(VlanChangesTest, Add_TheLargestNumberThatIsLetThrough_IsTheProvidersToRefuse) {
     CVLAN vlan = Wanted(4095, L"Lab");
-    EXPECT_EQ(Code(quillet.AddVLANToAdapter(A, vlan)), "0x8004102B");
+    EXPECT_EQ(Code(quillet.AddVLANToAdapter(kA, vlan)), "0x8004102B");
     EXPECT_THAT(Traced(), Contains("ExecMethod -> bstrObjectPath, L_METHOD_VLAN_CREATE"));
     vlan.m_lVLANNumber = -1;
-    EXPECT_EQ(Code(quillet.AddVLANToAdapter(A, vlan)), "0x8004102B");
+    EXPECT_EQ(Code(quillet.AddVLANToAdapter(kA, vlan)), "0x8004102B");
     EXPECT_EQ(vlan.m_wsName, L"");
 }
 
 TEST_F(VlanChangesTest, Add_NoServiceOrOneOfAMember_IsRefused) {
     CVLAN vlan = Wanted(30, L"Lab");
-    EXPECT_EQ(Code(quillet.AddVLANToAdapter(N, vlan)), "0x80041002");
+    EXPECT_EQ(Code(quillet.AddVLANToAdapter(kN, vlan)), "0x80041002");
     EXPECT_THAT(Traced(), Contains("GetVLANService -> wsComponentID, pVLANService"));
-    EXPECT_EQ(Code(quillet.AddVLANToAdapter(M, vlan)), "0x80041016");
+    EXPECT_EQ(Code(quillet.AddVLANToAdapter(kM, vlan)), "0x80041016");
     EXPECT_THAT(Traced(), Contains("ExecMethod -> bstrObjectPath, L_METHOD_VLAN_CREATE"));
     EXPECT_EQ(Code(quillet.AddVLANToTeam(TeamPath(L"{U}"), vlan)), "0x80041002");
     EXPECT_THAT(Traced(), Contains("AddVLANToComponent -> wsTeamID"));
@@ -172,7 +172,7 @@ TEST_F(VlanChangesTest, Add_NoServiceOrOneOfAMember_IsRefused) {
 TEST_F(VlanChangesTest, Add_ServiceWithoutPath_IsNamed) {
     CVLAN vlan = Wanted(30, L"Lab");
     Spoil(Operation::Get, Effect::NullValue, L"__PATH");
-    EXPECT_EQ(Code(quillet.AddVLANToAdapter(A, vlan)), "0x80041001");
+    EXPECT_EQ(Code(quillet.AddVLANToAdapter(kA, vlan)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("GetPropertyAsString -> pVLANService, L_ZOREL_PATH -> NULL"));
     EXPECT_EQ(Called().size(), 1u);
 }
@@ -180,7 +180,7 @@ TEST_F(VlanChangesTest, Add_ServiceWithoutPath_IsNamed) {
 TEST_F(VlanChangesTest, Add_OddAnswers_AreNamedAndLeaveTheRecord) {
     CVLAN vlan = Wanted(30, L"Lab", L"kept");
     Spoil(Operation::ExecMethod, Effect::NoOutParameters);
-    EXPECT_EQ(Code(quillet.AddVLANToAdapter(A, vlan)), "0x80041001");
+    EXPECT_EQ(Code(quillet.AddVLANToAdapter(kA, vlan)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("(pIWbemClassObject_OutParams == NULL)"));
     machine->Rules().Clear();
     const std::pair<Effect, const char*> answers[] = {{Effect::NullValue, "0x80041001"},
@@ -190,23 +190,23 @@ TEST_F(VlanChangesTest, Add_OddAnswers_AreNamedAndLeaveTheRecord) {
         ++vlan.m_lVLANNumber;
         vlan.m_wsVLANName += L'x';
         Spoil(Operation::Get, effect, L"VLANPath");
-        EXPECT_EQ(Code(quillet.AddVLANToAdapter(A, vlan)), code);
+        EXPECT_EQ(Code(quillet.AddVLANToAdapter(kA, vlan)), code);
         EXPECT_THAT(Traced(), Contains("Empty VLAN Path"));
         machine->Rules().Clear();
     }
     vlan = Wanted(40, L"Other", L"kept");
     Spoil(Operation::GetObject, Effect::NullObject, L"Zorel_VLAN");
-    EXPECT_EQ(Code(quillet.AddVLANToAdapter(A, vlan)), "0x80041001");
+    EXPECT_EQ(Code(quillet.AddVLANToAdapter(kA, vlan)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("((WBEM_S_NO_ERROR != hRes) || (pCompInstance == NULL))"));
     machine->Rules().Clear();
     vlan = Wanted(41, L"Another", L"kept");
     Fail(Operation::GetObject, WBEM_E_ACCESS_DENIED, L"Zorel_VLAN");
-    EXPECT_EQ(Code(quillet.AddVLANToAdapter(A, vlan)), "0x80041003");
+    EXPECT_EQ(Code(quillet.AddVLANToAdapter(kA, vlan)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("((WBEM_S_NO_ERROR != hRes) || (pCompInstance == NULL))"));
     machine->Rules().Clear();
     vlan = Wanted(42, L"Last", L"kept");
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"StatusInfo");
-    EXPECT_EQ(Code(quillet.AddVLANToAdapter(A, vlan)), "0x80041003");
+    EXPECT_EQ(Code(quillet.AddVLANToAdapter(kA, vlan)), "0x80041003");
     EXPECT_EQ(vlan.m_wsName, L"kept") << "the other fields had been read";
     EXPECT_EQ(vlan.m_wsVLANID, L"");
     EXPECT_EQ(vlan.m_lVLANNumber, 42);
@@ -229,7 +229,7 @@ TEST_F(VlanChangesTest, Add_SignatureAndPutsFailing_AreNamed) {
         // The service's own fetch is the first call of that class.
         Fail(step.operation, WBEM_E_TYPE_MISMATCH, step.target,
              step.operation == Operation::GetObject ? 2 : 1);
-        EXPECT_EQ(Code(quillet.AddVLANToAdapter(A, vlan)), "0x80041005");
+        EXPECT_EQ(Code(quillet.AddVLANToAdapter(kA, vlan)), "0x80041005");
         EXPECT_THAT(Traced(), Contains(step.step));
         machine->Rules().Clear();
     }
@@ -239,26 +239,26 @@ TEST_F(VlanChangesTest, Add_SignatureAndPutsFailing_AreNamed) {
 // --- changing ---
 
 TEST_F(VlanChangesTest, Modify_WritesNameAndNumber) {
-    EXPECT_EQ(Code(quillet.ModifyVLANProperty(V1, Wanted(11, L"Phones"))), "0x00000000");
+    EXPECT_EQ(Code(quillet.ModifyVLANProperty(kV1, Wanted(11, L"Phones"))), "0x00000000");
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::ModifyVLANProperty", "dwErrorCode: %l",
                                       "Put Passed", "Exiting CQuillet::ModifyVLANProperty"));
-    EXPECT_THAT(Called(), ElementsAre("GetObject " + Narrow(V1) + " -> 0x00000000 {ClientSetId=0}",
-                                      "PutInstance " + Narrow(V1) +
+    EXPECT_THAT(Called(), ElementsAre("GetObject " + Narrow(kV1) + " -> 0x00000000 {ClientSetId=0}",
+                                      "PutInstance " + Narrow(kV1) +
                                           "(VLANName=\"Phones\", VLANNumber=11), flags 0x20010 -> 0x00000000 "
                                           "(outside a client set) {ClientSetId=0}",
                                       testing::StartsWith("GetCallStatus ")));
     CVLAN vlan;
-    EXPECT_EQ(Code(quillet.GetVLANInfo(V1, vlan)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetVLANInfo(kV1, vlan)), "0x00000000");
     EXPECT_EQ(vlan.m_wsVLANName, L"Phones");
     EXPECT_EQ(vlan.m_lVLANNumber, 11);
     EXPECT_EQ(vlan.m_wsCaption, L"Alpha - VLAN : Phones");
 }
 
 TEST_F(VlanChangesTest, Modify_WritesBothEvenWhenOnlyOneChanged) {
-    EXPECT_EQ(Code(quillet.ModifyVLANProperty(V1, Wanted(10, L"Phones"))), "0x00000000");
+    EXPECT_EQ(Code(quillet.ModifyVLANProperty(kV1, Wanted(10, L"Phones"))), "0x00000000");
     const std::vector<JournalEntry> writes = machine->Calls().Of(Operation::PutInstance);
     ASSERT_EQ(writes.size(), 1u);
-    EXPECT_EQ(writes[0].target, V1);
+    EXPECT_EQ(writes[0].target, kV1);
     EXPECT_EQ(writes[0].flags, 0x20010);
     ASSERT_EQ(writes[0].arguments.size(), 2u);
     ExpectPut(writes[0].arguments[0], L"VLANName", VT_BSTR, CIM_STRING, Value::Text(L"Phones"));
@@ -269,7 +269,7 @@ TEST_F(VlanChangesTest, Modify_IgnoresTheOtherFieldsOfTheRecord) {
     CVLAN vlan = Wanted(11, L"Phones", L"{V2}");
     vlan.m_wsVLANID = VlanPath(L"{V2}");
     vlan.m_wsParentID = L"{T}";
-    EXPECT_EQ(Code(quillet.ModifyVLANProperty(V1, vlan)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ModifyVLANProperty(kV1, vlan)), "0x00000000");
     EXPECT_THAT(NumbersOn(L"{A}"), ElementsAre(11, 20));
 }
 
@@ -279,16 +279,16 @@ TEST_F(VlanChangesTest, Modify_TheFinalStatusIsTheResult) {
     rule.effect = Effect::FailStatus;
     rule.code = static_cast<HRESULT>(WBEM_E_ACCESS_DENIED);
     Inject(rule);
-    EXPECT_EQ(Code(quillet.ModifyVLANProperty(V1, Wanted(11, L"Phones"))), "0x80041003");
+    EXPECT_EQ(Code(quillet.ModifyVLANProperty(kV1, Wanted(11, L"Phones"))), "0x80041003");
     EXPECT_THAT(Traced(),
                 ElementsAre("Entering CQuillet::ModifyVLANProperty", "dwErrorCode: %l", "Put Passed",
                             "pIWbemClassResult->GetCallStatus", "Exiting CQuillet::ModifyVLANProperty"));
     machine->Rules().Clear();
     Fail(Operation::GetCallStatus, WBEM_E_TRANSPORT_FAILURE);
-    EXPECT_EQ(Code(quillet.ModifyVLANProperty(V1, Wanted(11, L"Phones"))), "0x80041015");
+    EXPECT_EQ(Code(quillet.ModifyVLANProperty(kV1, Wanted(11, L"Phones"))), "0x80041015");
     EXPECT_THAT(Traced(), Contains("pIWbemClassResult->GetCallStatus"));
     machine->Rules().Clear();
-    EXPECT_EQ(Code(quillet.ModifyVLANProperty(V1, Wanted(20, L"Phones"))), "0x80041019")
+    EXPECT_EQ(Code(quillet.ModifyVLANProperty(kV1, Wanted(20, L"Phones"))), "0x80041019")
         << "the provider refuses a taken number at the end";
     EXPECT_THAT(Traced(), Contains("pIWbemClassResult->GetCallStatus"));
 }
@@ -307,7 +307,7 @@ TEST_F(VlanChangesTest, Modify_EachStepFailing_IsNamed) {
     for (const auto& step : steps) {
         SCOPED_TRACE(step.step);
         Fail(step.operation, WBEM_E_TYPE_MISMATCH, step.target);
-        EXPECT_EQ(Code(quillet.ModifyVLANProperty(V1, vlan)), "0x80041005");
+        EXPECT_EQ(Code(quillet.ModifyVLANProperty(kV1, vlan)), "0x80041005");
         const std::vector<std::string> trace = Traced();
         EXPECT_THAT(trace, Contains(step.step));
         EXPECT_EQ(std::count(trace.begin(), trace.end(), "Put Passed"),
@@ -315,20 +315,20 @@ TEST_F(VlanChangesTest, Modify_EachStepFailing_IsNamed) {
         machine->Rules().Clear();
     }
     Spoil(Operation::PutInstance, Effect::NullObject);
-    EXPECT_EQ(Code(quillet.ModifyVLANProperty(V1, vlan)), "0x80041001");
+    EXPECT_EQ(Code(quillet.ModifyVLANProperty(kV1, vlan)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("PutInstance -> pWbemCallResult -> NULL"));
 }
 
 // --- removing ---
 
 TEST_F(VlanChangesTest, Remove_DeletesTheInstance) {
-    EXPECT_EQ(Code(quillet.RemoveVLAN(V1)), "0x00000000");
+    EXPECT_EQ(Code(quillet.RemoveVLAN(kV1)), "0x00000000");
     EXPECT_THAT(NumbersOn(L"{A}"), ElementsAre(20));
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::RemoveVLAN", "dwErrorCode: %l",
                                       "Exiting CQuillet::RemoveVLAN"));
-    EXPECT_THAT(Called(), ElementsAre("DeleteInstance " + Narrow(V1) +
+    EXPECT_THAT(Called(), ElementsAre("DeleteInstance " + Narrow(kV1) +
                                       " -> 0x00000000 (outside a client set) {ClientSetId=0}"));
-    EXPECT_EQ(Code(quillet.RemoveVLAN(V1)), "0x80041002");
+    EXPECT_EQ(Code(quillet.RemoveVLAN(kV1)), "0x80041002");
     EXPECT_THAT(Traced(),
                 ElementsAre("Entering CQuillet::RemoveVLAN", "dwErrorCode: %l",
                             "pIWbemService -> DeleteInstance -> wsVLANID", "Exiting CQuillet::RemoveVLAN"));
@@ -342,7 +342,7 @@ TEST_F(VlanChangesTest, InsideAClientSet_EveryCallCarriesIt) {
     ASSERT_NE(set, 0);
     Calls();
     CVLAN vlan = Wanted(30, L"Lab");
-    EXPECT_EQ(Code(quillet.AddVLANToTeam(T, vlan)), "0x00000000");
+    EXPECT_EQ(Code(quillet.AddVLANToTeam(kT, vlan)), "0x00000000");
     EXPECT_EQ(Code(quillet.ModifyVLANProperty(vlan.m_wsVLANID, Wanted(31, L"Lab 2"))), "0x00000000");
     EXPECT_EQ(Code(quillet.RemoveVLAN(vlan.m_wsVLANID)), "0x00000000");
     unsigned changes = 0;
@@ -359,7 +359,7 @@ TEST_F(VlanChangesTest, InsideAClientSet_EveryCallCarriesIt) {
     EXPECT_EQ(Code(quillet.ApplyDone(followup)), "0x00000000");
     EXPECT_FALSE(followup);
     Calls();
-    EXPECT_EQ(Code(quillet.RemoveVLAN(V1)), "0x00000000");
+    EXPECT_EQ(Code(quillet.RemoveVLAN(kV1)), "0x00000000");
     const std::vector<JournalEntry> outside = Calls();
     ASSERT_EQ(outside.size(), 1u);
     EXPECT_EQ(ClientSetOf(outside[0]), 0);
@@ -367,7 +367,7 @@ TEST_F(VlanChangesTest, InsideAClientSet_EveryCallCarriesIt) {
 }
 
 TEST_F(VlanChangesTest, FollowUp_IsAskedForWhereTheMachineSaysSo) {
-    UseText(std::string(VLAN_MACHINE) +
+    UseText(std::string(kVlanMachine) +
             "instance of QuilletSimulator_FollowUp { ClassName = \"Zorel_VLAN\"; };");
     Connect();
     const auto within = [this](const std::function<HRESULT()>& change) {
@@ -378,17 +378,17 @@ TEST_F(VlanChangesTest, FollowUp_IsAskedForWhereTheMachineSaysSo) {
         return followup;
     };
     CVLAN vlan = Wanted(30, L"Lab");
-    EXPECT_TRUE(within([&] { return quillet.AddVLANToTeam(T, vlan); }));
+    EXPECT_TRUE(within([&] { return quillet.AddVLANToTeam(kT, vlan); }));
     EXPECT_TRUE(within([&] { return quillet.ModifyVLANProperty(vlan.m_wsVLANID, Wanted(31, L"Lab")); }));
     EXPECT_TRUE(within([&] { return quillet.RemoveVLAN(vlan.m_wsVLANID); }));
     EXPECT_FALSE(within([&] { return quillet.RemoveVLAN(vlan.m_wsVLANID); }))
         << "what is refused changes nothing";
-    EXPECT_FALSE(within([&] { return quillet.AddVLANToAdapter(M, vlan); }));
+    EXPECT_FALSE(within([&] { return quillet.AddVLANToAdapter(kM, vlan); }));
 }
 
 TEST_F(VlanChangesTest, ASavedMachine_HasTheNewVlans) {
     CVLAN vlan = Wanted(30, L"B\u00fcro \u6771\u4eac \"1\"");
-    EXPECT_EQ(Code(quillet.AddVLANToTeam(T, vlan)), "0x00000000");
+    EXPECT_EQ(Code(quillet.AddVLANToTeam(kT, vlan)), "0x00000000");
     const std::string saved = machine->Save();
     UseText(saved);
     Connect();
@@ -402,16 +402,16 @@ TEST_F(VlanChangesTest, ASavedMachine_HasTheNewVlans) {
 TEST_F(VlanChangesTest, OnAStrictMachine_ChangesNeedAClientSet) {
     MachineOptions strict = Options();
     strict.strict = true;
-    UseText(VLAN_MACHINE, strict);
+    UseText(kVlanMachine, strict);
     Connect();
     CVLAN vlan = Wanted(30, L"Lab");
-    EXPECT_EQ(Code(quillet.AddVLANToTeam(T, vlan)), "0x80041003");
-    EXPECT_EQ(Code(quillet.ModifyVLANProperty(V1, Wanted(31, L"Lab"))), "0x80041003");
-    EXPECT_EQ(Code(quillet.RemoveVLAN(V1)), "0x80041003");
+    EXPECT_EQ(Code(quillet.AddVLANToTeam(kT, vlan)), "0x80041003");
+    EXPECT_EQ(Code(quillet.ModifyVLANProperty(kV1, Wanted(31, L"Lab"))), "0x80041003");
+    EXPECT_EQ(Code(quillet.RemoveVLAN(kV1)), "0x80041003");
     EXPECT_EQ(Code(quillet.BeginApply()), "0x00000000");
-    EXPECT_EQ(Code(quillet.AddVLANToTeam(T, vlan)), "0x00000000");
-    EXPECT_EQ(Code(quillet.ModifyVLANProperty(V1, Wanted(31, L"Lab"))), "0x00000000");
-    EXPECT_EQ(Code(quillet.RemoveVLAN(V1)), "0x00000000");
+    EXPECT_EQ(Code(quillet.AddVLANToTeam(kT, vlan)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ModifyVLANProperty(kV1, Wanted(31, L"Lab"))), "0x00000000");
+    EXPECT_EQ(Code(quillet.RemoveVLAN(kV1)), "0x00000000");
 }
 
 TEST_F(VlanChangesTest, EachCallFailing_ReturnsItsCode) {
@@ -419,11 +419,11 @@ TEST_F(VlanChangesTest, EachCallFailing_ReturnsItsCode) {
     FailEachProviderCall([&] {
         ++number;
         CVLAN vlan = Wanted(number, std::to_wstring(number));
-        return quillet.AddVLANToTeam(T, vlan);
+        return quillet.AddVLANToTeam(kT, vlan);
     });
-    FailEachProviderCall([&] { return quillet.ModifyVLANProperty(V1, Wanted(++number, L"Lab")); });
+    FailEachProviderCall([&] { return quillet.ModifyVLANProperty(kV1, Wanted(++number, L"Lab")); });
     Fail(Operation::DeleteInstance, WBEM_E_ACCESS_DENIED);
-    EXPECT_EQ(Code(quillet.RemoveVLAN(V1)), "0x80041003");
+    EXPECT_EQ(Code(quillet.RemoveVLAN(kV1)), "0x80041003");
 }
 
 TEST_F(VlanChangesTest, EmptyIdentifier_IsRefusedWithoutACall) {
@@ -440,8 +440,8 @@ TEST_F(VlanChangesTest, WithoutConnection_Fails) {
     quillet.UninitQuillet();
     CVLAN vlan = Wanted(30, L"Lab");
     const std::function<HRESULT()> operations[] = {
-        [&] { return quillet.AddVLANToAdapter(A, vlan); }, [&] { return quillet.AddVLANToTeam(T, vlan); },
-        [&] { return quillet.ModifyVLANProperty(V1, vlan); }, [&] { return quillet.RemoveVLAN(V1); }};
+        [&] { return quillet.AddVLANToAdapter(kA, vlan); }, [&] { return quillet.AddVLANToTeam(kT, vlan); },
+        [&] { return quillet.ModifyVLANProperty(kV1, vlan); }, [&] { return quillet.RemoveVLAN(kV1); }};
     for (const auto& operation : operations) {
         Traced();
         EXPECT_EQ(Code(operation()), "0x80041001");

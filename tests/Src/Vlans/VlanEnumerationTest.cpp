@@ -12,8 +12,8 @@ using testing::IsEmpty;
 using testing::Not;
 using Access = QuilletTestAccess;
 
-constexpr const char* SET = " {ClientSetId=0}";
-constexpr const char* PARTIAL =
+constexpr const char* kSet = " {ClientSetId=0}";
+constexpr const char* kPartial =
     " {ClientSetId=0, GET_EXT_CLIENT_REQUEST=true, GET_EXTENSIONS=true, Zorel_PartialData=1}";
 
 class VlanEnumerationTest : public VlanTest {
@@ -45,7 +45,7 @@ class VlanEnumerationTest : public VlanTest {
 // --- lists ---
 
 TEST_F(VlanEnumerationTest, OfAdapter_FillsARecordForEachInOrder) {
-    EXPECT_EQ(Code(quillet.EnumerateVLANsOfAdapter(A, vlans)), "0x00000000");
+    EXPECT_EQ(Code(quillet.EnumerateVLANsOfAdapter(kA, vlans)), "0x00000000");
     ASSERT_EQ(vlans.m_vecItems.size(), 2u);
     const CVLAN& first = *vlans.m_vecItems[0];
     EXPECT_EQ(first.m_wsName, L"{V1}");
@@ -53,7 +53,7 @@ TEST_F(VlanEnumerationTest, OfAdapter_FillsARecordForEachInOrder) {
     EXPECT_EQ(first.m_wsParentID, L"{A}");
     EXPECT_EQ(first.m_wsVLANName, L"Voice");
     EXPECT_EQ(first.m_lVLANNumber, 10);
-    EXPECT_EQ(first.m_wsVLANID, V1);
+    EXPECT_EQ(first.m_wsVLANID, kV1);
     EXPECT_EQ(first.m_eStatus, CVLAN::VlanStatusEnabled);
     EXPECT_EQ(vlans.m_vecItems[1]->m_wsName, L"{V2}");
     EXPECT_EQ(vlans.m_vecItems[1]->m_eStatus, CVLAN::VlanStatusDisabled);
@@ -63,22 +63,22 @@ TEST_F(VlanEnumerationTest, OfAdapter_FillsARecordForEachInOrder) {
     lines.insert(lines.end(), one.begin(), one.end());
     lines.push_back("Exiting CQuillet::EnumerateVLANsOfComponent");
     EXPECT_EQ(Traced(), ListingTrace("EnumerateVLANsOfAdapter", lines));
-    EXPECT_THAT(Called(), ElementsAre("ExecQuery " + Query("{A}") + " -> 0x00000000" + PARTIAL,
+    EXPECT_THAT(Called(), ElementsAre("ExecQuery " + Query("{A}") + " -> 0x00000000" + kPartial,
                                       "Next " + Query("{A}") + " -> 0x00000000",
                                       "Next " + Query("{A}") + " -> 0x00000000",
                                       "Next " + Query("{A}") + " -> 0x00000001"));
 }
 
 TEST_F(VlanEnumerationTest, OfTeam_ListsTheUntaggedVlanAsWell) {
-    EXPECT_EQ(Code(quillet.EnumerateVLANsOfTeam(T, vlans)), "0x00000000");
+    EXPECT_EQ(Code(quillet.EnumerateVLANsOfTeam(kT, vlans)), "0x00000000");
     ASSERT_EQ(vlans.m_vecItems.size(), 2u);
     EXPECT_EQ(vlans.m_vecItems[0]->m_lVLANNumber, 0);
     EXPECT_EQ(vlans.m_vecItems[1]->m_wsVLANName, L"B\u00fcro");
-    EXPECT_THAT(Called(), Contains("ExecQuery " + Query("{T}") + " -> 0x00000000" + PARTIAL));
+    EXPECT_THAT(Called(), Contains("ExecQuery " + Query("{T}") + " -> 0x00000000" + kPartial));
 }
 
 TEST_F(VlanEnumerationTest, WithoutVlans_GivesAnEmptyListAndSuccess) {
-    EXPECT_EQ(Code(quillet.EnumerateVLANsOfAdapter(B, vlans)), "0x00000000");
+    EXPECT_EQ(Code(quillet.EnumerateVLANsOfAdapter(kB, vlans)), "0x00000000");
     EXPECT_THAT(vlans.m_vecItems, IsEmpty());
     EXPECT_EQ(Traced(),
               ListingTrace("EnumerateVLANsOfAdapter", {"Exiting CQuillet::EnumerateVLANsOfComponent"}));
@@ -93,7 +93,7 @@ TEST_F(VlanEnumerationTest, Lists_ReadEachPropertyInOrderAndSwitchPartialDataOff
         "SetContextValue GET_EXT_CLIENT_REQUEST(GET_EXT_CLIENT_REQUEST=true) -> 0x00000000",
         "SetContextValue GET_EXTENSIONS(GET_EXTENSIONS=true) -> 0x00000000",
         "SetContextValue Zorel_PartialData(Zorel_PartialData=1) -> 0x00000000",
-        "ExecQuery " + Query("{T}") + " -> 0x00000000" + PARTIAL,
+        "ExecQuery " + Query("{T}") + " -> 0x00000000" + kPartial,
         "SetContextValue GET_EXT_CLIENT_REQUEST(GET_EXT_CLIENT_REQUEST=false) -> 0x00000000",
         "SetContextValue GET_EXTENSIONS(GET_EXTENSIONS=false) -> 0x00000000",
         "SetContextValue GET_EXT_KEYS_ONLY(GET_EXT_KEYS_ONLY=false) -> 0x00000000",
@@ -110,14 +110,14 @@ TEST_F(VlanEnumerationTest, Lists_ReadEachPropertyInOrderAndSwitchPartialDataOff
 }
 
 TEST_F(VlanEnumerationTest, Lists_AppendBehindWhatIsThere) {
-    EXPECT_EQ(Code(quillet.EnumerateVLANsOfAdapter(A, vlans)), "0x00000000");
-    EXPECT_EQ(Code(quillet.EnumerateVLANsOfTeam(T, vlans)), "0x00000000");
+    EXPECT_EQ(Code(quillet.EnumerateVLANsOfAdapter(kA, vlans)), "0x00000000");
+    EXPECT_EQ(Code(quillet.EnumerateVLANsOfTeam(kT, vlans)), "0x00000000");
     EXPECT_EQ(vlans.m_vecItems.size(), 4u);
 }
 
 TEST_F(VlanEnumerationTest, Lists_OneThatCannotBeRead_EndsTheListAndKeepsThoseBefore) {
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"VLANName", 2);
-    EXPECT_EQ(Code(quillet.EnumerateVLANsOfAdapter(A, vlans)), "0x80041003");
+    EXPECT_EQ(Code(quillet.EnumerateVLANsOfAdapter(kA, vlans)), "0x80041003");
     ASSERT_EQ(vlans.m_vecItems.size(), 1u);
     EXPECT_EQ(vlans.m_vecItems[0]->m_wsVLANName, L"Voice");
     EXPECT_EQ(Traced(),
@@ -131,7 +131,7 @@ TEST_F(VlanEnumerationTest, Lists_OneThatCannotBeRead_EndsTheListAndKeepsThoseBe
 
 TEST_F(VlanEnumerationTest, Lists_PathNull_IsAFailure) {
     Spoil(Operation::Get, Effect::NullValue, L"__PATH");
-    EXPECT_EQ(Code(quillet.EnumerateVLANsOfTeam(T, vlans)), "0x80041001");
+    EXPECT_EQ(Code(quillet.EnumerateVLANsOfTeam(kT, vlans)), "0x80041001");
     EXPECT_THAT(vlans.m_vecItems, IsEmpty());
     EXPECT_EQ(Traced(),
               ListingTrace("EnumerateVLANsOfTeam",
@@ -142,7 +142,7 @@ TEST_F(VlanEnumerationTest, Lists_PathNull_IsAFailure) {
 
 TEST_F(VlanEnumerationTest, Lists_QueryRefused_SwitchesPartialDataOffAllTheSame) {
     Fail(Operation::ExecQuery, WBEM_E_INVALID_QUERY);
-    EXPECT_EQ(Code(quillet.EnumerateVLANsOfAdapter(A, vlans)), "0x80041017");
+    EXPECT_EQ(Code(quillet.EnumerateVLANsOfAdapter(kA, vlans)), "0x80041017");
     const std::vector<std::string> trace = Traced();
     EXPECT_THAT(trace, Contains(" Unset Partial Retrieval!!"));
     EXPECT_THAT(trace, Contains("ExecQuery -> L_CLASS_ZOREL_VLAN"));
@@ -151,13 +151,13 @@ TEST_F(VlanEnumerationTest, Lists_QueryRefused_SwitchesPartialDataOffAllTheSame)
 
 TEST_F(VlanEnumerationTest, Lists_QueryWithoutEnumerator_IsNamed) {
     Spoil(Operation::ExecQuery, Effect::NullObject);
-    EXPECT_EQ(Code(quillet.EnumerateVLANsOfAdapter(A, vlans)), "0x80041001");
+    EXPECT_EQ(Code(quillet.EnumerateVLANsOfAdapter(kA, vlans)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("ExecQuery -> L_CLASS_ZOREL_VLAN -> NULL"));
 }
 
 TEST_F(VlanEnumerationTest, Lists_BrokenOff_IsNotAShorterList) {
     Fail(Operation::Next, WBEM_E_TRANSPORT_FAILURE, L"", 2);
-    EXPECT_EQ(Code(quillet.EnumerateVLANsOfAdapter(A, vlans)), "0x80041015");
+    EXPECT_EQ(Code(quillet.EnumerateVLANsOfAdapter(kA, vlans)), "0x80041015");
     EXPECT_EQ(vlans.m_vecItems.size(), 1u);
     EXPECT_THAT(Traced(), Contains("pEnumVLANs -> Next"));
 }
@@ -168,11 +168,11 @@ TEST_F(VlanEnumerationTest, Lists_EmptyOrUnusableIdentifier_IsRefusedWithoutACal
                                       "(wsAdapterID.empty())", "Exiting CQuillet::EnumerateVLANsOfAdapter"));
     EXPECT_EQ(Code(quillet.EnumerateVLANsOfTeam(L"", vlans)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("(wsTeamID.empty())"));
-    for (const std::wstring& path : {std::wstring(L"{A}"), T, V1, std::wstring(5000, L'"')}) {
+    for (const std::wstring& path : {std::wstring(L"{A}"), kT, kV1, std::wstring(5000, L'"')}) {
         EXPECT_EQ(Code(quillet.EnumerateVLANsOfAdapter(path, vlans)), "0x80041001") << Narrow(path);
         EXPECT_THAT(Traced(), Contains("Auto Parser Failed"));
     }
-    EXPECT_EQ(Code(quillet.EnumerateVLANsOfTeam(A, vlans)), "0x80041001") << "an adapter is no team";
+    EXPECT_EQ(Code(quillet.EnumerateVLANsOfTeam(kA, vlans)), "0x80041001") << "an adapter is no team";
     EXPECT_THAT(Called(), IsEmpty());
     EXPECT_THAT(vlans.m_vecItems, IsEmpty());
 }
@@ -189,8 +189,8 @@ TEST_F(VlanEnumerationTest, Lists_IdentifierWithAQuote_CannotEndTheQuery) {
 // --- one VLAN ---
 
 TEST_F(VlanEnumerationTest, Info_ReadsEveryField) {
-    EXPECT_EQ(Code(quillet.GetVLANInfo(V1, vlan)), "0x00000000");
-    EXPECT_EQ(vlan.m_wsVLANID, V1);
+    EXPECT_EQ(Code(quillet.GetVLANInfo(kV1, vlan)), "0x00000000");
+    EXPECT_EQ(vlan.m_wsVLANID, kV1);
     EXPECT_EQ(vlan.m_wsName, L"{V1}");
     EXPECT_EQ(vlan.m_wsCaption, L"Alpha - VLAN : Voice");
     EXPECT_EQ(vlan.m_wsParentID, L"{A}");
@@ -200,7 +200,7 @@ TEST_F(VlanEnumerationTest, Info_ReadsEveryField) {
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::GetVLANInfo", "dwErrorCode: %l",
                                       "Entering CQuillet::GetVLANInfo", "pInstance->Get() passed",
                                       "Exiting CQuillet::GetVLANInfo", "Exiting CQuillet::GetVLANInfo"));
-    EXPECT_THAT(Called(), ElementsAre("GetObject " + Narrow(V1) + " -> 0x00000000" + SET));
+    EXPECT_THAT(Called(), ElementsAre("GetObject " + Narrow(kV1) + " -> 0x00000000" + kSet));
 }
 
 TEST_F(VlanEnumerationTest, Info_AnyPropertyUnreadableOrNull_IsNamedAndFails) {
@@ -219,24 +219,24 @@ TEST_F(VlanEnumerationTest, Info_AnyPropertyUnreadableOrNull_IsNamedAndFails) {
     for (const auto& read : reads) {
         SCOPED_TRACE(read.step);
         Fail(Operation::Get, WBEM_E_ACCESS_DENIED, read.property);
-        EXPECT_EQ(Code(quillet.GetVLANInfo(V1, vlan)), "0x80041003");
+        EXPECT_EQ(Code(quillet.GetVLANInfo(kV1, vlan)), "0x80041003");
         EXPECT_THAT(Traced(), Contains(read.step));
         machine->Rules().Clear();
         Spoil(Operation::Get, Effect::NullValue, read.property);
-        EXPECT_EQ(Code(quillet.GetVLANInfo(V1, vlan)), "0x80041001");
+        EXPECT_EQ(Code(quillet.GetVLANInfo(kV1, vlan)), "0x80041001");
         EXPECT_THAT(Traced(), Contains(std::string(read.step) + " -> NULL"));
         machine->Rules().Clear();
     }
 }
 
 TEST_F(VlanEnumerationTest, Info_StatusOfAnyNumber_IsCarried) {
-    UseText(std::string(NET_SERVICE_MOF) + R"(
+    UseText(std::string(kNetServiceMof) + R"(
         instance of Zorel_VLAN { Name = "{V1}"; Caption = "c"; ParentID = "{A}"; VLANName = "n"; VLANNumber = 4095;
             StatusInfo = 4711; };)");
     Connect();
     CVLAN::VlanStatus status{};
-    EXPECT_EQ(Code(quillet.GetVLANInfo(V1, vlan)), "0x00000000");
-    EXPECT_EQ(Code(quillet.GetVlanStatus(V1, status)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetVLANInfo(kV1, vlan)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetVlanStatus(kV1, status)), "0x00000000");
     EXPECT_EQ(vlan.m_eStatus, 4711);
     EXPECT_EQ(vlan.m_lVLANNumber, 4095);
     EXPECT_EQ(status, 4711);
@@ -258,7 +258,7 @@ TEST_F(VlanEnumerationTest, Info_EmptyAbsentOrNull_Fails) {
     EXPECT_EQ(Code(quillet.GetVLANInfo(VlanPath(L"{V9}"), vlan)), "0x80041002");
     EXPECT_THAT(Traced(), Contains("GetObject -> wsVLANID"));
     Spoil(Operation::GetObject, Effect::NullObject);
-    EXPECT_EQ(Code(quillet.GetVLANInfo(V1, vlan)), "0x80041001");
+    EXPECT_EQ(Code(quillet.GetVLANInfo(kV1, vlan)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("GetObject -> wsVLANID -> NULL"));
 }
 
@@ -270,7 +270,7 @@ TEST_F(VlanEnumerationTest, Status_IsThatOfTheVlan) {
                                       "Exiting CQuillet::GetVlanStatus"));
     RecordLocalCalls();
     Called();
-    EXPECT_EQ(Code(quillet.GetVlanStatus(V1, status)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetVlanStatus(kV1, status)), "0x00000000");
     const std::vector<std::string> calls = Called();
     EXPECT_EQ(calls.back(), "Get StatusInfo -> 0x00000000");
     EXPECT_EQ(std::count_if(calls.begin(), calls.end(),
@@ -285,11 +285,11 @@ TEST_F(VlanEnumerationTest, Status_Failures_AreNamedAndLeaveTheOutput) {
     EXPECT_EQ(Code(quillet.GetVlanStatus(VlanPath(L"{V9}"), status)), "0x80041002");
     EXPECT_THAT(Traced(), Contains("GetObject -> wsVlanID"));
     Spoil(Operation::Get, Effect::NullValue, L"StatusInfo");
-    EXPECT_EQ(Code(quillet.GetVlanStatus(V1, status)), "0x80041001");
+    EXPECT_EQ(Code(quillet.GetVlanStatus(kV1, status)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("GetPropertyAsInt -> pVLANInstance, L_PARAM_VLAN_STATUS -> NULL"));
     machine->Rules().Clear();
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"StatusInfo");
-    EXPECT_EQ(Code(quillet.GetVlanStatus(V1, status)), "0x80041003");
+    EXPECT_EQ(Code(quillet.GetVlanStatus(kV1, status)), "0x80041003");
     EXPECT_THAT(Traced(), Contains("GetPropertyAsInt -> pVLANInstance, L_PARAM_VLAN_STATUS"));
     EXPECT_EQ(status, CVLAN::VlanStatusOther);
 }
@@ -310,23 +310,23 @@ TEST_F(VlanEnumerationTest, Identifier_IsTheFullPathOnThisComputer) {
 
 TEST_F(VlanEnumerationTest, Service_IsFoundByTheComponentsObjectId) {
     CComPtr<IWbemClassObject> service;
-    EXPECT_EQ(Code(Access::GetVLANService(quillet, A, service)), "0x00000000");
+    EXPECT_EQ(Code(Access::GetVLANService(quillet, kA, service)), "0x00000000");
     ASSERT_TRUE(service);
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::GetVLANService", "dwErrorCode: %l",
                                       "VLAN Servie WMI ObjectID", "Exiting CQuillet::GetVLANService"));
     EXPECT_THAT(
         Called(),
-        ElementsAre(std::string(R"(GetObject Zorel_802dot1QVLANService.Name="{A}" -> 0x00000000)") + SET));
+        ElementsAre(std::string(R"(GetObject Zorel_802dot1QVLANService.Name="{A}" -> 0x00000000)") + kSet));
 }
 
 TEST_F(VlanEnumerationTest, Service_NoneEmptyOrUnusable_Fails) {
     CComPtr<IWbemClassObject> service;
-    EXPECT_EQ(Code(Access::GetVLANService(quillet, N, service)), "0x80041002");
+    EXPECT_EQ(Code(Access::GetVLANService(quillet, kN, service)), "0x80041002");
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::GetVLANService", "dwErrorCode: %l",
                                       "VLAN Servie WMI ObjectID", "GetObject -> bstrVLANServicePath",
                                       "(pVLANService == NULL)", "Exiting CQuillet::GetVLANService"));
     Spoil(Operation::GetObject, Effect::NullObject);
-    EXPECT_EQ(Code(Access::GetVLANService(quillet, A, service)), "0x80041001");
+    EXPECT_EQ(Code(Access::GetVLANService(quillet, kA, service)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("(pVLANService == NULL)"));
     Calls();
     EXPECT_EQ(Code(Access::GetVLANService(quillet, L"", service)), "0x80041001");
@@ -338,33 +338,33 @@ TEST_F(VlanEnumerationTest, Service_NoneEmptyOrUnusable_Fails) {
 }
 
 TEST_F(VlanEnumerationTest, Support_AdapterWithAService_MayCarryVlans) {
-    EXPECT_EQ(Code(quillet.ParentSupportingVLAN(A)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ParentSupportingVLAN(kA)), "0x00000000");
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::ParentSupportingVLAN", "dwErrorCode: %l",
                                       "Entering CQuillet::GetVLANService", "dwErrorCode: %l",
                                       "VLAN Servie WMI ObjectID", "Exiting CQuillet::GetVLANService",
                                       "Exiting CQuillet::ParentSupportingVLAN"));
     const std::string query =
-        "REFERENCES OF {" + Narrow(A) + "} WHERE ResultClass = Zorel_TeamedMemberAdapter";
+        "REFERENCES OF {" + Narrow(kA) + "} WHERE ResultClass = Zorel_TeamedMemberAdapter";
     EXPECT_THAT(
         Called(),
-        ElementsAre(std::string(R"(GetObject Zorel_802dot1QVLANService.Name="{A}" -> 0x00000000)") + SET,
-                    "ExecQuery " + query + " -> 0x00000000" + SET, "Next " + query + " -> 0x00000001"));
+        ElementsAre(std::string(R"(GetObject Zorel_802dot1QVLANService.Name="{A}" -> 0x00000000)") + kSet,
+                    "ExecQuery " + query + " -> 0x00000000" + kSet, "Next " + query + " -> 0x00000001"));
 }
 
 TEST_F(VlanEnumerationTest, Support_TeamMember_IsToldApartAlthoughItHasAService) {
-    EXPECT_EQ(Code(quillet.ParentSupportingVLAN(M)), "0x00001000");
-    EXPECT_EQ(quillet.ParentSupportingVLAN(M), CVLAN::ParentIsTeamMember);
+    EXPECT_EQ(Code(quillet.ParentSupportingVLAN(kM)), "0x00001000");
+    EXPECT_EQ(quillet.ParentSupportingVLAN(kM), CVLAN::ParentIsTeamMember);
     EXPECT_THAT(Traced(), Contains("Adapter is part of the Team, ParentSupportVLAN"));
 }
 
 TEST_F(VlanEnumerationTest, Support_AdapterWithoutService_YieldsTheProvidersCode) {
-    EXPECT_EQ(Code(quillet.ParentSupportingVLAN(N)), "0x80041002");
+    EXPECT_EQ(Code(quillet.ParentSupportingVLAN(kN)), "0x80041002");
     EXPECT_THAT(Traced(), Contains("(pVLANService == NULL)"));
     EXPECT_EQ(Called().size(), 1u) << "the membership is not asked for";
 }
 
 TEST_F(VlanEnumerationTest, Support_Team_IsAskedThroughItsLogicalAdapter) {
-    EXPECT_EQ(Code(quillet.ParentSupportingVLAN(T)), "0x00000000");
+    EXPECT_EQ(Code(quillet.ParentSupportingVLAN(kT)), "0x00000000");
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::ParentSupportingVLAN", "dwErrorCode: %l",
                                       "May be a team - ParentSupportingVLAN", "Logical Ethernet Adapter Path",
                                       "Entering CQuillet::GetVLANService", "dwErrorCode: %l",
@@ -372,7 +372,7 @@ TEST_F(VlanEnumerationTest, Support_Team_IsAskedThroughItsLogicalAdapter) {
                                       "Exiting CQuillet::ParentSupportingVLAN"));
     EXPECT_THAT(
         Called(),
-        ElementsAre(std::string(R"(GetObject Zorel_802dot1QVLANService.Name="{T}" -> 0x00000000)") + SET));
+        ElementsAre(std::string(R"(GetObject Zorel_802dot1QVLANService.Name="{T}" -> 0x00000000)") + kSet));
     EXPECT_EQ(Code(quillet.ParentSupportingVLAN(TeamPath(L"{U}"))), "0x80041002");
 }
 
@@ -392,11 +392,11 @@ TEST_F(VlanEnumerationTest, Support_IdentifierThatMerelyHoldsTheName_IsTakenForA
 
 TEST_F(VlanEnumerationTest, Support_MembershipCannotBeLookedUp_IsOneCode) {
     Fail(Operation::ExecQuery, WBEM_E_ACCESS_DENIED);
-    EXPECT_EQ(Code(quillet.ParentSupportingVLAN(A)), "0x80041001");
+    EXPECT_EQ(Code(quillet.ParentSupportingVLAN(kA)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("ExecQuery -> BSTR_QUERY_REFERENCE"));
     machine->Rules().Clear();
     Fail(Operation::Next, WBEM_E_ACCESS_DENIED);
-    EXPECT_EQ(Code(quillet.ParentSupportingVLAN(A)), "0x80041001");
+    EXPECT_EQ(Code(quillet.ParentSupportingVLAN(kA)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("pEnumTeamedMemberAdapters -> Next"));
 }
 
@@ -409,12 +409,12 @@ TEST_F(VlanEnumerationTest, Support_EmptyIdentifier_IsRefused) {
 
 TEST_F(VlanEnumerationTest, EachCallFailing_ReturnsItsCode) {
     CVLAN::VlanStatus status{};
-    FailEachProviderCall([&] { return quillet.EnumerateVLANsOfAdapter(A, vlans); });
-    FailEachProviderCall([&] { return quillet.EnumerateVLANsOfTeam(T, vlans); });
-    FailEachProviderCall([&] { return quillet.GetVLANInfo(V1, vlan); });
-    FailEachProviderCall([&] { return quillet.GetVlanStatus(V1, status); });
-    FailEachProviderCall([&] { return quillet.ParentSupportingVLAN(T); });
-    FailEachProviderCall([&] { return quillet.ParentSupportingVLAN(A); },
+    FailEachProviderCall([&] { return quillet.EnumerateVLANsOfAdapter(kA, vlans); });
+    FailEachProviderCall([&] { return quillet.EnumerateVLANsOfTeam(kT, vlans); });
+    FailEachProviderCall([&] { return quillet.GetVLANInfo(kV1, vlan); });
+    FailEachProviderCall([&] { return quillet.GetVlanStatus(kV1, status); });
+    FailEachProviderCall([&] { return quillet.ParentSupportingVLAN(kT); });
+    FailEachProviderCall([&] { return quillet.ParentSupportingVLAN(kA); },
                          [](const JournalEntry& failed, HRESULT code) {
                              return failed.operation == Operation::GetObject
                                         ? code

@@ -5,7 +5,7 @@
 
 /// An adapter {A} with two VLANs and one, {B}, with none; {M}, a member of the team {T} with two VLANs; and
 /// an adapter {N} that cannot carry any.
-inline constexpr const char* VLAN_MACHINE = R"(
+inline constexpr const char* kVlanMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Caption = "Alpha"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{B}"; Caption = "Beta"; };
@@ -53,13 +53,13 @@ inline CVLAN Wanted(LONG number, const std::wstring& vlanName, const std::wstrin
 /// A session with that machine.
 class VlanTest : public ProviderTest {
   protected:
-    VlanTest() : ProviderTest(VLAN_MACHINE) {}
+    VlanTest() : ProviderTest(kVlanMachine) {}
     void SetUp() override { Connect(); }
 
-    const std::wstring A = AdapterPath(L"{A}");
-    const std::wstring B = AdapterPath(L"{B}");
-    const std::wstring M = AdapterPath(L"{M}");
-    const std::wstring N = AdapterPath(L"{N}");
-    const std::wstring T = TeamPath(L"{T}");
-    const std::wstring V1 = VlanPath(L"{V1}");
+    const std::wstring kA = AdapterPath(L"{A}");
+    const std::wstring kB = AdapterPath(L"{B}");
+    const std::wstring kM = AdapterPath(L"{M}");
+    const std::wstring kN = AdapterPath(L"{N}");
+    const std::wstring kT = TeamPath(L"{T}");
+    const std::wstring kV1 = VlanPath(L"{V1}");
 };

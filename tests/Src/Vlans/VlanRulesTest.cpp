@@ -85,7 +85,7 @@ bool OutOfRange(LONG id) {
     return id < 1 || id > 4094;
 }
 
-const Rule RULES[] = {
+const Rule kRules[] = {
     {0x8, {Question::Untagged}, [](const Facts& f) { return f.count == 0 && f.first == 0; }},
     {0x10,
      {Question::Tagged, Question::Untagged, Question::Several},
@@ -105,7 +105,7 @@ const Rule RULES[] = {
 ULONGLONG Expected(const Question& question) {
     const Facts facts(question);
     ULONGLONG mask = 0;
-    for (const Rule& rule : RULES) {
+    for (const Rule& rule : kRules) {
         if (rule.kinds.count(question.kind) != 0 && rule.holds(facts)) {
             mask |= rule.bit;
         }
@@ -124,13 +124,13 @@ CVLANs ListOf(const std::vector<CVLAN>& records) {
 ULONGLONG Answer(const Question& question, const CVLANs& existing) {
     switch (question.kind) {
     case Question::Tagged:
-        return VlanRules::CheckTaggedID(question.wanted.front()) |
-               VlanRules::CheckTagged(existing, question.wanted.front(), question.isModify);
+        return vlan_rules::CheckTaggedID(question.wanted.front()) |
+               vlan_rules::CheckTagged(existing, question.wanted.front(), question.isModify);
     case Question::Untagged:
-        return VlanRules::CheckUntaggedID(question.wanted.front()) |
-               VlanRules::CheckUntagged(existing, question.wanted.front(), question.isModify);
+        return vlan_rules::CheckUntaggedID(question.wanted.front()) |
+               vlan_rules::CheckUntagged(existing, question.wanted.front(), question.isModify);
     case Question::Several:
-        return VlanRules::CheckSeveral(existing, ListOf(question.wanted), question.isTeam);
+        return vlan_rules::CheckSeveral(existing, ListOf(question.wanted), question.isTeam);
     }
     return 0;
 }
@@ -145,8 +145,8 @@ std::string InWords(const Question& question) {
     return text;
 }
 
-constexpr LONG LEAST = std::numeric_limits<LONG>::min();
-constexpr LONG MOST = std::numeric_limits<LONG>::max();
+constexpr LONG kLeast = std::numeric_limits<LONG>::min();
+constexpr LONG kMost = std::numeric_limits<LONG>::max();
 
 /// A parent's VLANs: numbers from `from` on, ends of the range among them, with the untagged one if asked
 /// for.
@@ -174,7 +174,7 @@ std::vector<std::vector<CVLAN>> Parents() {
 }
 
 /// At and around every bound, and in and beside what the parents have.
-const Numbers IDS{LEAST, -1, 0, 1, 2, 63, 64, 65, 66, 4030, 4092, 4093, 4094, 4095, 4096, MOST};
+const Numbers kIds{kLeast, -1, 0, 1, 2, 63, 64, 65, 66, 4030, 4092, 4093, 4094, 4095, 4096, kMost};
 
 /// Names: one of nobody's, an existing one as it is, in capitals, and nearly.
 std::vector<std::wstring> Names(const std::vector<CVLAN>& has) {
@@ -244,7 +244,7 @@ TEST(VlanRulesTest, EveryQuestion_IsAnsweredAsByTheTable) {
     std::map<ULONGLONG, std::uint64_t> answers;
     for (const std::vector<CVLAN>& has : Parents()) {
         const CVLANs existing = ListOf(has);
-        ForEachQuestion(has, IDS, [&](const Question& question) {
+        ForEachQuestion(has, kIds, [&](const Question& question) {
             ++asked;
             const ULONGLONG expected = Expected(question);
             const ULONGLONG answer = Answer(question, existing);
@@ -272,14 +272,14 @@ TEST(VlanRulesTest, EveryQuestion_IsAnsweredAsByTheTable) {
 /// The same table against the operations themselves, on machines that have those VLANs.
 class VlanCheckOperationsTest : public ProviderTest {
   protected:
-    VlanCheckOperationsTest() : ProviderTest(NET_SERVICE_MOF) {}
+    VlanCheckOperationsTest() : ProviderTest(kNetServiceMof) {}
 
     /// A machine whose adapter {P} or team {P} has these VLANs.
     void UseParent(const std::vector<CVLAN>& has) {
         if (QuilletTestAccess::ServiceCookie(quillet) != 0) {
             quillet.UninitQuillet();
         }
-        std::string mof = NET_SERVICE_MOF;
+        std::string mof = kNetServiceMof;
         for (const CVLAN& vlan : has) {
             mof += "instance of Zorel_VLAN { Name = \"" + Narrow(vlan.m_wsName) +
                    "\"; Caption = \"c\"; ParentID = \"{P}\"; StatusInfo = 3; VLANNumber = " +

@@ -3,7 +3,7 @@
 
 #include <LumString.h>
 
-namespace calls {
+namespace quillet::tests {
 
 namespace {
 
@@ -25,19 +25,19 @@ MachineSize TeamedPair(unsigned n) {
     return {.adapters = n + 2, .teams = 1};
 }
 
-const Operation OPERATIONS[] = {
+const Operation kOperations[] = {
     {"EnumerateAdapters", Adapters, OfMachine<&CQuillet::EnumerateAdapters>,
      // The four properties of an adapter come with it.
      [](unsigned n) { return Enumeration(n); }},
-    {"GetAdapterBasicInfo", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterBasicInfo>, ONE_OBJECT},
-    {"GetAdapterDynamicInfo", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterDynamicInfo>, ONE_OBJECT},
-    {"GetAdapterStatus", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterStatus>, ONE_OBJECT},
-    {"GetAdapterCapabilities", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterCapabilities>, ONE_OBJECT},
-    {"GetAdapterPCIInfo", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterPCIInfo>, ONE_OBJECT},
+    {"GetAdapterBasicInfo", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterBasicInfo>, kOneObject},
+    {"GetAdapterDynamicInfo", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterDynamicInfo>, kOneObject},
+    {"GetAdapterStatus", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterStatus>, kOneObject},
+    {"GetAdapterCapabilities", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterCapabilities>, kOneObject},
+    {"GetAdapterPCIInfo", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterPCIInfo>, kOneObject},
     {"EnumerateOtherPortOfAdapter", TeamedPair, OfAdapter<&CQuillet::EnumerateOtherPortOfAdapter>,
      // The adapter tells its slot, a query finds the two ports in it, and another for each its one
      // membership.
-     [](unsigned) { return OBJECT + Query(2) + 2 * Query(1); }},
+     [](unsigned) { return kObject + Query(2) + 2 * Query(1); }},
     {"EnumerateOtherPortOfAdapter_NotTeamed", OneAmongAdapters,
      [](CQuillet& q, unsigned n) {
          CAdapterPorts ports;
@@ -46,19 +46,19 @@ const Operation OPERATIONS[] = {
      },
      [](unsigned n) {
          const unsigned ports = n % 2 == 0 ? 1 : 2;
-         return OBJECT + Query(ports) + ports * Query(0);
+         return kObject + Query(ports) + ports * Query(0);
      }},
     {"IdentifyAdapter", OneAmongAdapters,
-     [](CQuillet& q, unsigned) { return q.IdentifyAdapter(AdapterId(1), 10); }, ONE_METHOD},
-    {"GetHbaPath", OneAmongAdapters, OfAdapter<&CQuillet::GetHbaPath>, ONE_METHOD},
+     [](CQuillet& q, unsigned) { return q.IdentifyAdapter(AdapterId(1), 10); }, kOneMethod},
+    {"GetHbaPath", OneAmongAdapters, OfAdapter<&CQuillet::GetHbaPath>, kOneMethod},
     {"GetNDIS_Version", OneAmongAdapters,
      [](CQuillet& q, unsigned) {
          int major = 0;
          int minor = 0;
          return q.GetNDIS_Version(AdapterId(1), major, minor);
      },
-     ONE_METHOD},
-    {"GetAdapterWarnings", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterWarnings>, ONE_METHOD},
+     kOneMethod},
+    {"GetAdapterWarnings", OneAmongAdapters, OfAdapter<&CQuillet::GetAdapterWarnings>, kOneMethod},
     {"GetAdapterSettings", SettingsOfEach,
      [](CQuillet& q, unsigned) {
          CSettings settings;
@@ -88,7 +88,7 @@ const Operation OPERATIONS[] = {
              LR"(Zorel_AdapterSettingInt.Caption="*Setting1",ParentId="{A1}",ParentType="NIC")", setting);
      },
      // Fetched, changed here, and written back as a whole.
-     [](unsigned) { return OBJECT + COMMIT; }},
+     [](unsigned) { return kObject + kCommit; }},
     {"GetAdapterSettingAsync", [](unsigned n) { return Profiles(n + 1); },
      [](CQuillet& q, unsigned) {
          CSettingEnum setting;
@@ -96,29 +96,29 @@ const Operation OPERATIONS[] = {
          return q.GetAdapterSettingAsync(CLumString(L"{A1}"), &setting);
      },
      // Asked for in one call, taken in another.
-     [](unsigned) { return OBJECT + Count{.results = 1}; }},
+     [](unsigned) { return kObject + Count{.results = 1}; }},
     {"GetAdapterProfiles", [](unsigned n) { return MachineSize{.adapters = 1, .profiles = n + 1}; },
      OfAdapter<&CQuillet::GetAdapterProfiles>,
      // All profiles are values of one setting.
-     [](unsigned) { return OBJECT + Count{.results = 1}; }},
+     [](unsigned) { return kObject + Count{.results = 1}; }},
     {"ChangeAllAdapterProfilesFromHyperV", Profiles,
      [](CQuillet& q, unsigned) { return q.ChangeAllAdapterProfilesFromHyperV(ePERFORMANCE_PROFILE(2)); },
      // No adapter has the profile that is to be left: the setting of each is read, and no transaction begun.
-     [](unsigned n) { return Enumeration(n) + n * (OBJECT + Count{.results = 1}); }},
+     [](unsigned n) { return Enumeration(n) + n * (kObject + Count{.results = 1}); }},
     {"ChangeAllAdapterProfilesFromHyperV_OfAll",
      [](unsigned n) { return MachineSize{.adapters = n, .profiles = 5, .currentProfile = 5}; },
      [](CQuillet& q, unsigned) { return q.ChangeAllAdapterProfilesFromHyperV(ePERFORMANCE_PROFILE(2)); },
      // Each setting is read and written, and one transaction, two methods, spans them all.
      [](unsigned n) {
-         return Enumeration(n) + n * (OBJECT + Count{.results = 1} + OBJECT + COMMIT) +
-                (n > 0 ? 2 : 0) * METHOD;
+         return Enumeration(n) + n * (kObject + Count{.results = 1} + kObject + kCommit) +
+                (n > 0 ? 2 : 0) * kMethod;
      }},
     {"GetCompatibleTeamProfilesWithAdapters", [](unsigned n) { return Profiles(n + 1); },
      [](CQuillet& q, unsigned n) {
          CPerformanceProfiles profiles;
          return q.GetCompatibleTeamProfilesWithAdapters(FirstAdapters(n + 1), profiles);
      },
-     [](unsigned n) { return (n + 1) * (OBJECT + Count{.results = 1}); }},
+     [](unsigned n) { return (n + 1) * (kObject + Count{.results = 1}); }},
     {"ValidateSetSetting_NotTeamed", OneAmongAdapters,
      [](CQuillet& q, unsigned n) {
          bool teamed = false;
@@ -128,7 +128,7 @@ const Operation OPERATIONS[] = {
      // As the ports of the slot; there is no team to ask.
      [](unsigned n) {
          const unsigned ports = n % 2 == 0 ? 1 : 2;
-         return OBJECT + Query(ports) + ports * Query(0);
+         return kObject + Query(ports) + ports * Query(0);
      }},
     {"ValidateSetSetting", TeamedPair,
      [](CQuillet& q, unsigned) {
@@ -136,17 +136,17 @@ const Operation OPERATIONS[] = {
          ULONGLONG warnings = 0;
          return q.ValidateSetSetting(FullPath(AdapterId(1)), teamed, L"*Setting1", 1, warnings);
      },
-     [](unsigned) { return OBJECT + Query(2) + 2 * Query(1) + METHOD; }},
-    {"BeginApply", Adapters, [](CQuillet& q, unsigned) { return q.BeginApply(); }, ONE_METHOD},
-    {"GetWarnings", Adapters, OfMachine<&CQuillet::GetWarnings>, ONE_METHOD},
+     [](unsigned) { return kObject + Query(2) + 2 * Query(1) + kMethod; }},
+    {"BeginApply", Adapters, [](CQuillet& q, unsigned) { return q.BeginApply(); }, kOneMethod},
+    {"GetWarnings", Adapters, OfMachine<&CQuillet::GetWarnings>, kOneMethod},
 };
 
 std::string Name(const testing::TestParamInfo<Operation>& info) {
     return info.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Adapters, CallCountsTest, testing::ValuesIn(OPERATIONS), Name);
+INSTANTIATE_TEST_SUITE_P(Adapters, CallCountsTest, testing::ValuesIn(kOperations), Name);
 
 } // namespace
 
-} // namespace calls
+} // namespace quillet::tests

@@ -3,12 +3,12 @@
 
 #include <ostream>
 
-namespace calls {
+namespace quillet::tests {
 
 namespace {
 
 /// Without anything, with one, some, and as many as a parent has VLANs at most.
-constexpr unsigned SIZES[] = {0, 1, 2, 7, 64};
+constexpr unsigned kSizes[] = {0, 1, 2, 7, 64};
 
 Count Counted(const std::vector<JournalEntry>& journal) {
     using quillet::simulator::Operation;
@@ -69,13 +69,13 @@ CTeamedAdapters FirstMembers(unsigned count) {
 
 TEST_P(CallCountsTest, OnMachinesOfAnySize_AreAsManyAsTheFormulaSays) {
     const Operation& operation = GetParam();
-    for (const unsigned n : SIZES) {
+    for (const unsigned n : kSizes) {
         SCOPED_TRACE(n);
-        UseText(quillet::test::MachineText(operation.machine(n)));
+        UseText(MachineText(operation.machine(n)));
         Connect();
         EXPECT_EQ(Code(operation.run(quillet, n)), "0x00000000");
         EXPECT_EQ(Counted(Calls()), operation.calls(n));
     }
 }
 
-} // namespace calls
+} // namespace quillet::tests

@@ -7,18 +7,7 @@
 
 #include <map>
 
-namespace calls {
-
-using quillet::test::AdapterId;
-using quillet::test::AdapterVlanId;
-using quillet::test::MachineSize;
-using quillet::test::OfAdapter;
-using quillet::test::OfAdapterVlan;
-using quillet::test::OfMachine;
-using quillet::test::OfTeam;
-using quillet::test::OfTeamVlan;
-using quillet::test::TeamId;
-using quillet::test::TeamVlanId;
+namespace quillet::tests {
 
 /// Numbers of provider calls, by kind.
 struct Count {
@@ -64,17 +53,17 @@ inline Count Enumeration(unsigned found) {
     return {.enumerations = 1, .nexts = found + 1};
 }
 /// A query of which only the first answer counts is not read to its end.
-inline constexpr Count FIRST_OF_QUERY{.queries = 1, .nexts = 1};
+inline constexpr Count kFirstOfQuery{.queries = 1, .nexts = 1};
 /// One object by its path.
-inline constexpr Count OBJECT{.objects = 1};
+inline constexpr Count kObject{.objects = 1};
 /// A method: the class object, for the signature, and the execution.
-inline constexpr Count METHOD{.objects = 1, .methods = 1};
+inline constexpr Count kMethod{.objects = 1, .methods = 1};
 /// An object that is in the client's hands goes back, and its final status is waited for.
-inline constexpr Count COMMIT{.puts = 1, .statuses = 1};
+inline constexpr Count kCommit{.puts = 1, .statuses = 1};
 
 // The two formulas that do not depend on the machine and that many have.
-constexpr auto ONE_OBJECT = [](unsigned) { return OBJECT; };
-constexpr auto ONE_METHOD = [](unsigned) { return METHOD; };
+constexpr auto kOneObject = [](unsigned) { return kObject; };
+constexpr auto kOneMethod = [](unsigned) { return kMethod; };
 
 /// One operation over a machine that is n times something.
 struct Operation {
@@ -89,7 +78,7 @@ void PrintTo(const Operation& operation, std::ostream* out);
 /// Runs each operation on machines of growing size and compares what the journal holds with the formula.
 class CallCountsTest : public ProviderTest, public testing::WithParamInterface<Operation> {
   protected:
-    CallCountsTest() : ProviderTest(NET_SERVICE_MOF) {}
+    CallCountsTest() : ProviderTest(kNetServiceMof) {}
 };
 
 // What the files have in common.
@@ -104,4 +93,4 @@ CAdapters FirstAdapters(unsigned count);
 /// The members of the first team, read from the machine beforehand: from the first adapter on.
 CTeamedAdapters FirstMembers(unsigned count);
 
-} // namespace calls
+} // namespace quillet::tests

@@ -1,7 +1,7 @@
 // Provider calls of the operations on diagnostics, boot agents and booting from iSCSI, and of connecting.
 #include "CallCounts.h"
 
-namespace calls {
+namespace quillet::tests {
 
 namespace {
 
@@ -18,33 +18,33 @@ MachineSize OneMoreBootAgent(unsigned n) {
     return BootAgents(n + 1);
 }
 
-constexpr const wchar_t* FIRST_TEST = LR"(Zorel_DiagTest.Name="Test 1 - Adapter 1")";
+constexpr const wchar_t* kFirstTest = LR"(Zorel_DiagTest.Name="Test 1 - Adapter 1")";
 
-const Operation OPERATIONS[] = {
+const Operation kOperations[] = {
     {"EnumerateDiagnostics", Tests, OfAdapter<&CQuillet::EnumerateDiagnostics, 2>,
      // The tests that are associated with the adapter, not those of its neighbours.
      [](unsigned n) { return Query(n); }},
     {"RunDiagnostics", OneMoreTest,
-     [](CQuillet& q, unsigned) { return q.RunDiagnostics(FIRST_TEST, AdapterId(1)); }, ONE_METHOD},
+     [](CQuillet& q, unsigned) { return q.RunDiagnostics(kFirstTest, AdapterId(1)); }, kOneMethod},
     {"RunDiagnostics_and_GetDiagnosticsResult", OneMoreTest,
      [](CQuillet& q, unsigned) {
          CDiagResult result;
-         const HRESULT started = q.RunDiagnostics(FIRST_TEST, AdapterId(1));
-         return FAILED(started) ? started : q.GetDiagnosticsResult(FIRST_TEST, result);
+         const HRESULT started = q.RunDiagnostics(kFirstTest, AdapterId(1));
+         return FAILED(started) ? started : q.GetDiagnosticsResult(kFirstTest, result);
      },
      // The test tells its name, by which its result is found; the class has the texts of the states.
-     [](unsigned) { return METHOD + OBJECT + FIRST_OF_QUERY + OBJECT; }},
+     [](unsigned) { return kMethod + kObject + kFirstOfQuery + kObject; }},
     {"RunDiagnostics_and_StopDiagnostics", OneMoreTest,
      [](CQuillet& q, unsigned) {
-         const HRESULT started = q.RunDiagnostics(FIRST_TEST, AdapterId(1));
-         return FAILED(started) ? started : q.StopDiagnostics(FIRST_TEST, AdapterId(1));
+         const HRESULT started = q.RunDiagnostics(kFirstTest, AdapterId(1));
+         return FAILED(started) ? started : q.StopDiagnostics(kFirstTest, AdapterId(1));
      },
      // The test tells its name; the results are looked through until it is found, and here it is the only
      // one.
-     [](unsigned) { return METHOD + OBJECT + Count{.enumerations = 1, .nexts = 1} + METHOD; }},
+     [](unsigned) { return kMethod + kObject + Count{.enumerations = 1, .nexts = 1} + kMethod; }},
     {"GetAdapterBootAgentInfo", OneMoreBootAgent, OfAdapter<&CQuillet::GetAdapterBootAgentInfo>,
      // An agent without an image has no image type that would need a text.
-     ONE_OBJECT},
+     kOneObject},
     {"EnumerateISCSIAdapters", BootAgents, OfMachine<&CQuillet::EnumerateISCSIAdapters>,
      [](unsigned n) { return Enumeration(n); }},
     {"SetiSCSIStatus", OneMoreBootAgent,
@@ -53,24 +53,24 @@ const Operation OPERATIONS[] = {
          return q.SetiSCSIStatus(L"Zorel_BootAgent_iSCSI_Adapters.Name=\"{A1}\"",
                                  static_cast<CISCSIAdapter::iSCSIStatus>(1), returnCode);
      },
-     ONE_METHOD},
+     kOneMethod},
     {"GetiSCSI_Info", OneMoreBootAgent, OfAdapter<&CQuillet::GetiSCSI_Info>,
      // Two methods.
-     [](unsigned) { return 2 * METHOD; }},
+     [](unsigned) { return 2 * kMethod; }},
 };
 
 std::string Name(const testing::TestParamInfo<Operation>& info) {
     return info.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Ports, CallCountsTest, testing::ValuesIn(OPERATIONS), Name);
+INSTANTIATE_TEST_SUITE_P(Ports, CallCountsTest, testing::ValuesIn(kOperations), Name);
 
 } // namespace
 
 TEST_F(ProviderTest, InitQuillet_OnMachinesOfAnySize_MakesFourCalls) {
     for (const unsigned n : {0u, 1u, 64u}) {
         SCOPED_TRACE(n);
-        UseText(quillet::test::MachineText({.adapters = n}));
+        UseText(MachineText({.adapters = n}));
         ASSERT_EQ(Code(quillet.InitQuillet()), "0x00000000");
         std::vector<std::string> operations;
         for (const JournalEntry& call : machine->Calls().ProviderCalls()) {
@@ -81,4 +81,4 @@ TEST_F(ProviderTest, InitQuillet_OnMachinesOfAnySize_MakesFourCalls) {
     }
 }
 
-} // namespace calls
+} // namespace quillet::tests

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-namespace calls {
+namespace quillet::tests {
 
 namespace {
 
@@ -32,23 +32,23 @@ MachineSize MembersAndTheirSettings(unsigned n) {
 }
 
 /// The teams, each with the properties that the enumeration brings.
-constexpr auto ALL_TEAMS = [](unsigned n) { return Enumeration(n); };
+constexpr auto kAllTeams = [](unsigned n) { return Enumeration(n); };
 
 /// The members as adapters and as memberships; the team is asked for its caption, and each adapter for its
 /// state, once for every member.
 Count MemberAdapters(unsigned members) {
-    return Query(members) + members * OBJECT + Query(members) + members * OBJECT;
+    return Query(members) + members * kObject + Query(members) + members * kObject;
 }
 
 /// The adapter's capabilities, and the text that the class gives to each of the seven that are team modes.
-constexpr Count TEAM_MODES{.objects = 1 + 7};
+constexpr Count kTeamModes{.objects = 1 + 7};
 
-const Operation OPERATIONS[] = {
-    {"EnumerateTeams", Teams, OfMachine<&CQuillet::EnumerateTeams>, ALL_TEAMS},
-    {"GetTeamInfo", OneAmongTeams, OfTeam<&CQuillet::GetTeamInfo>, ONE_OBJECT},
+const Operation kOperations[] = {
+    {"EnumerateTeams", Teams, OfMachine<&CQuillet::EnumerateTeams>, kAllTeams},
+    {"GetTeamInfo", OneAmongTeams, OfTeam<&CQuillet::GetTeamInfo>, kOneObject},
     {"GetTeamStatus", OneAmongTeams, OfTeam<&CQuillet::GetTeamStatus>,
      // The state is that of the team's logical adapter, whose path is made here.
-     ONE_OBJECT},
+     kOneObject},
     {"GetTeamSettings", OneAmongTeams, OfTeam<&CQuillet::GetTeamSettings>, [](unsigned) { return Query(0); }},
     {"GetMemberAdapters", Members, OfTeam<&CQuillet::GetMemberAdapters>, MemberAdapters},
     {"GetMemberAdaptersStatus", [](unsigned n) { return Members(n + 1); },
@@ -57,29 +57,29 @@ const Operation OPERATIONS[] = {
          return q.GetMemberAdaptersStatus(TeamId(1), members);
      },
      // One membership for each member, and the state of its adapter.
-     [](unsigned n) { return Query(n + 1) + (n + 1) * OBJECT; }},
+     [](unsigned n) { return Query(n + 1) + (n + 1) * kObject; }},
     {"IsPrimaryAdapter", OneAmongTeams, OfAdapter<&CQuillet::IsPrimaryAdapter>,
-     [](unsigned) { return FIRST_OF_QUERY; }},
+     [](unsigned) { return kFirstOfQuery; }},
     {"GetNumberEnabledMembers", Members, OfTeam<&CQuillet::GetNumberEnabledMembers>,
-     [](unsigned n) { return MemberAdapters(n) + n * OBJECT; }},
+     [](unsigned n) { return MemberAdapters(n) + n * kObject; }},
     {"CreateTeamCheck_OfTheName", Teams,
      [](CQuillet& q, unsigned) {
          return q.CreateTeamCheck(CTeam::TeamMode0, L"New", {}, 0) == 0 ? S_OK : E_UNEXPECTED;
      },
-     ALL_TEAMS},
+     kAllTeams},
     {"CreateTeamCheck_OfTheMembers", [](unsigned n) { return MachineSize{.adapters = n, .teams = n / 2}; },
      [](CQuillet& q, unsigned n) {
          q.CreateTeamCheck(CTeam::TeamMode0, L"New", FirstAdapters(n), 1);
          return S_OK;
      },
      // The capabilities of each; the teams are not looked at.
-     [](unsigned n) { return n * OBJECT; }},
+     [](unsigned n) { return n * kObject; }},
     {"CreateTeamCheck_OfBoth", [](unsigned n) { return Teams(n + 1); },
      [](CQuillet& q, unsigned n) {
          q.CreateTeamCheck(CTeam::TeamMode0, L"New", FirstAdapters(n + 1), 3);
          return S_OK;
      },
-     [](unsigned n) { return Enumeration(n + 1) + (n + 1) * OBJECT; }},
+     [](unsigned n) { return Enumeration(n + 1) + (n + 1) * kObject; }},
     {"CreateTeam", [](unsigned n) { return MachineSize{.adapters = n + 3}; },
      [](CQuillet& q, unsigned) {
          CTeam team;
@@ -87,35 +87,35 @@ const Operation OPERATIONS[] = {
                              false);
      },
      // The new team is read back for its name.
-     [](unsigned) { return METHOD + OBJECT; }},
+     [](unsigned) { return kMethod + kObject; }},
     {"ValidateTeamName", OneAmongTeams,
      [](CQuillet& q, unsigned) {
          DWORD validation = 0;
          return q.ValidateTeamName(L"New", L"Zorel_TeamOfAdapters", validation);
      },
-     ONE_METHOD},
+     kOneMethod},
     {"ValidateNewTeamMembers", Members,
      [](CQuillet& q, unsigned n) {
          ULONGLONG validation = 0;
          return q.ValidateNewTeamMembers(FirstAdapters(n), CTeam::TeamMode0, validation);
      },
      // All members go in one call; of none nothing is asked.
-     [](unsigned n) { return (n > 0 ? 1 : 0) * METHOD; }},
+     [](unsigned n) { return (n > 0 ? 1 : 0) * kMethod; }},
     {"ValidateSettingsOnNewTeam", Members,
      [](CQuillet& q, unsigned n) {
          ULONGLONG validation = 0;
          return q.ValidateSettingsOnNewTeam(FirstAdapters(n), validation);
      },
-     [](unsigned n) { return (n > 0 ? 1 : 0) * METHOD; }},
+     [](unsigned n) { return (n > 0 ? 1 : 0) * kMethod; }},
     {"ValidateAddAdapters", MembersAndOthers,
      [](CQuillet& q, unsigned n) {
          ULONGLONG validation = 0;
          return q.ValidateAddAdapters(TeamId(1), FirstMembers(n), FirstAdapters(2 * n), validation);
      },
-     ONE_METHOD},
+     kOneMethod},
     {"GetTeamNamePrefix", Teams, OfMachine<&CQuillet::GetTeamNamePrefix>,
      // The prefix is a qualifier of the class.
-     ONE_OBJECT},
+     kOneObject},
     {"ModifyMemberList_ToTheSameMembers", Members,
      [](CQuillet& q, unsigned n) { return q.ModifyMemberList(TeamId(1), FirstMembers(n), FirstAdapters(n)); },
      // Nobody leaves, nobody comes.
@@ -126,7 +126,7 @@ const Operation OPERATIONS[] = {
          return q.ModifyMemberList(TeamId(1), FirstMembers(1), FirstAdapters(1 + Newcomers(n)));
      },
      // Each newcomer is an instance of the class, which is fetched once, and is written by itself.
-     [](unsigned n) { return (n > 0 ? 1 : 0) * OBJECT + Newcomers(n) * COMMIT; }},
+     [](unsigned n) { return (n > 0 ? 1 : 0) * kObject + Newcomers(n) * kCommit; }},
     {"ModifyMemberList_ToTheFirstMember", Members,
      [](CQuillet& q, unsigned n) {
          return q.ModifyMemberList(TeamId(1), FirstMembers(n), FirstAdapters(n > 0 ? 1 : 0));
@@ -141,10 +141,10 @@ const Operation OPERATIONS[] = {
          return q.ModifyTeamInfo(TeamId(1), team);
      },
      // Mode and caption go back together.
-     [](unsigned) { return OBJECT + COMMIT; }},
+     [](unsigned) { return kObject + kCommit; }},
     {"SetTeamedAdapterPriority", OneAmongTeams,
      [](CQuillet& q, unsigned) { return q.SetTeamedAdapterPriority(AdapterId(2), 1); },
-     [](unsigned) { return FIRST_OF_QUERY + COMMIT; }},
+     [](unsigned) { return kFirstOfQuery + kCommit; }},
     {"RemoveTeam", [](unsigned n) { return Members(n + 1); },
      [](CQuillet& q, unsigned) { return q.RemoveTeam(TeamId(1)); },
      // What hangs on a team is the provider's business.
@@ -155,15 +155,15 @@ const Operation OPERATIONS[] = {
          return q.GetTeamableAdapters(adapters);
      },
      // Whether there is a first membership is all that counts.
-     [](unsigned n) { return (2 * n) * FIRST_OF_QUERY; }},
+     [](unsigned n) { return (2 * n) * kFirstOfQuery; }},
     {"GetAdapterTeamModes", OneAmongTeams, OfAdapter<&CQuillet::GetAdapterTeamModes>,
-     [](unsigned) { return TEAM_MODES; }},
+     [](unsigned) { return kTeamModes; }},
     {"GetCompatibleTeamModesWithAdapters", OneAmongTeams,
      [](CQuillet& q, unsigned n) {
          CTeamWizTeamModes modes;
          return q.GetCompatibleTeamModesWithAdapters(FirstAdapters(n + 1), modes, true);
      },
-     [](unsigned n) { return (n + 1) * TEAM_MODES; }},
+     [](unsigned n) { return (n + 1) * kTeamModes; }},
     {"JumboFramePrecheckSetSetting", MembersAndTheirSettings,
      [](CQuillet& q, unsigned n) {
          bool onAll = false;
@@ -175,7 +175,7 @@ const Operation OPERATIONS[] = {
      // they are enumerated once for all.
      [](unsigned n) {
          const unsigned ports = n % 2 == 0 ? 1 : 2;
-         return OBJECT + Query(ports) + ports * Query(1) + MemberAdapters(n + 1) + Enumeration(n + 1);
+         return kObject + Query(ports) + ports * Query(1) + MemberAdapters(n + 1) + Enumeration(n + 1);
      }},
     {"RSS_PrecheckOnTeamModify", [](unsigned n) { return MembersAndTheirSettings(n + 2); },
      [](CQuillet& q, unsigned n) {
@@ -185,15 +185,15 @@ const Operation OPERATIONS[] = {
      },
      // The first adapter has the networking pack already; then the capabilities of all members, old and new,
      // and the enumerated settings once for all.
-     [](unsigned n) { return OBJECT + (n + 3) * OBJECT + Enumeration(n + 3); }},
+     [](unsigned n) { return kObject + (n + 3) * kObject + Enumeration(n + 3); }},
 };
 
 std::string Name(const testing::TestParamInfo<Operation>& info) {
     return info.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Teams, CallCountsTest, testing::ValuesIn(OPERATIONS), Name);
+INSTANTIATE_TEST_SUITE_P(Teams, CallCountsTest, testing::ValuesIn(kOperations), Name);
 
 } // namespace
 
-} // namespace calls
+} // namespace quillet::tests

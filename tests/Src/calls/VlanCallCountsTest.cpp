@@ -1,7 +1,7 @@
 // Provider calls of the operations on VLANs.
 #include "CallCounts.h"
 
-namespace calls {
+namespace quillet::tests {
 
 namespace {
 
@@ -17,7 +17,7 @@ MachineSize OneLessVlan(unsigned n) {
     return Vlans(n > 0 ? n - 1 : 0);
 }
 
-constexpr unsigned PARENT = 3;
+constexpr unsigned kParent = 3;
 
 CVLAN NewVlan() {
     CVLAN vlan;
@@ -43,82 +43,82 @@ HRESULT Run(Check check) {
     return S_OK;
 }
 
-constexpr auto ALL_VLANS = [](unsigned n) { return Query(n); };
+constexpr auto kAllVlans = [](unsigned n) { return Query(n); };
 
 /// The parent's service, which makes VLANs, by its path; the method; and what it has made.
-constexpr Count ADDITION{.objects = 1 + 1 + 1, .methods = 1};
+constexpr Count kAddition{.objects = 1 + 1 + 1, .methods = 1};
 
-const Operation OPERATIONS[] = {
-    {"EnumerateVLANsOfAdapter", Vlans, OfAdapter<&CQuillet::EnumerateVLANsOfAdapter, PARENT>,
+const Operation kOperations[] = {
+    {"EnumerateVLANsOfAdapter", Vlans, OfAdapter<&CQuillet::EnumerateVLANsOfAdapter, kParent>,
      // The parent's object ID is in its path; a VLAN's properties come with it.
-     ALL_VLANS},
-    {"EnumerateVLANsOfTeam", Vlans, OfTeam<&CQuillet::EnumerateVLANsOfTeam>, ALL_VLANS},
+     kAllVlans},
+    {"EnumerateVLANsOfTeam", Vlans, OfTeam<&CQuillet::EnumerateVLANsOfTeam>, kAllVlans},
     {"GetVLANInfo", OneMoreVlan,
      [](CQuillet& q, unsigned) {
          CVLAN vlan;
-         return q.GetVLANInfo(AdapterVlanId(PARENT, 1), vlan);
+         return q.GetVLANInfo(AdapterVlanId(kParent, 1), vlan);
      },
-     ONE_OBJECT},
-    {"GetVlanStatus", OneMoreVlan, OfTeamVlan<&CQuillet::GetVlanStatus>, ONE_OBJECT},
+     kOneObject},
+    {"GetVlanStatus", OneMoreVlan, OfTeamVlan<&CQuillet::GetVlanStatus>, kOneObject},
     {"GetVlanSettings", [](unsigned n) { return MachineSize{.adapters = 1, .vlans = 2, .vlanSettings = n}; },
      OfAdapterVlan<&CQuillet::GetVlanSettings, 1>, [](unsigned n) { return Query(n); }},
     {"ParentSupportingVLAN_Adapter", Vlans,
-     [](CQuillet& q, unsigned) { return q.ParentSupportingVLAN(AdapterId(PARENT)); },
+     [](CQuillet& q, unsigned) { return q.ParentSupportingVLAN(AdapterId(kParent)); },
      // The service, and whether the adapter is a member of a team.
-     [](unsigned) { return OBJECT + FIRST_OF_QUERY; }},
+     [](unsigned) { return kObject + kFirstOfQuery; }},
     {"ParentSupportingVLAN_Team", Vlans,
-     [](CQuillet& q, unsigned) { return q.ParentSupportingVLAN(TeamId(1)); }, ONE_OBJECT},
+     [](CQuillet& q, unsigned) { return q.ParentSupportingVLAN(TeamId(1)); }, kOneObject},
     {"CreateVLANAdapterCheck", Vlans,
      [](CQuillet& q, unsigned) {
-         return Run([&] { q.CreateVLANAdapterCheck(AdapterId(PARENT), NewVlan()); });
+         return Run([&] { q.CreateVLANAdapterCheck(AdapterId(kParent), NewVlan()); });
      },
-     ALL_VLANS},
+     kAllVlans},
     {"CreateVLANTeamCheck", Vlans,
      [](CQuillet& q, unsigned) { return Run([&] { q.CreateVLANTeamCheck(TeamId(1), NewVlan()); }); },
-     ALL_VLANS},
+     kAllVlans},
     {"CreateUnTaggedVLANAdapterCheck", Vlans,
      [](CQuillet& q, unsigned) {
-         return Run([&] { q.CreateUnTaggedVLANAdapterCheck(AdapterId(PARENT), NewVlan()); });
+         return Run([&] { q.CreateUnTaggedVLANAdapterCheck(AdapterId(kParent), NewVlan()); });
      },
-     ALL_VLANS},
+     kAllVlans},
     {"CreateUnTaggedVLANTeamCheck", Vlans,
      [](CQuillet& q, unsigned) { return Run([&] { q.CreateUnTaggedVLANTeamCheck(TeamId(1), NewVlan()); }); },
-     ALL_VLANS},
+     kAllVlans},
     {"CreateMultipleVLANAdapterCheck", Vlans,
      [](CQuillet& q, unsigned) {
-         return Run([&] { q.CreateMultipleVLANAdapterCheck(AdapterId(PARENT), NewVlans()); });
+         return Run([&] { q.CreateMultipleVLANAdapterCheck(AdapterId(kParent), NewVlans()); });
      },
      // However many are new, those that are there are read once.
-     ALL_VLANS},
+     kAllVlans},
     {"CreateMultipleVLANTeamCheck", Vlans,
      [](CQuillet& q, unsigned) { return Run([&] { q.CreateMultipleVLANTeamCheck(TeamId(1), NewVlans()); }); },
-     ALL_VLANS},
+     kAllVlans},
     {"CheckForUntaggedVLANOnAdapter", Vlans,
      [](CQuillet& q, unsigned) {
-         return Run([&] { q.CheckForUntaggedVLANOnAdapter(AdapterId(PARENT), 0); });
+         return Run([&] { q.CheckForUntaggedVLANOnAdapter(AdapterId(kParent), 0); });
      },
-     ALL_VLANS},
+     kAllVlans},
     {"CheckForTaggedVLANOnTeam", Vlans,
      [](CQuillet& q, unsigned n) {
          return q.CheckForTaggedVLANOnTeam(TeamId(1)) == static_cast<int>(n) ? S_OK : E_UNEXPECTED;
      },
-     ALL_VLANS},
+     kAllVlans},
     {"AddVLANToAdapter", OneLessVlan,
      [](CQuillet& q, unsigned) {
          CVLAN vlan = NewVlan();
-         return q.AddVLANToAdapter(AdapterId(PARENT), vlan);
+         return q.AddVLANToAdapter(AdapterId(kParent), vlan);
      },
-     [](unsigned) { return ADDITION; }},
+     [](unsigned) { return kAddition; }},
     {"AddVLANToTeam", OneLessVlan,
      [](CQuillet& q, unsigned) {
          CVLAN vlan = NewVlan();
          return q.AddVLANToTeam(TeamId(1), vlan);
      },
-     [](unsigned) { return ADDITION; }},
+     [](unsigned) { return kAddition; }},
     {"ModifyVLANProperty", OneMoreVlan,
      [](CQuillet& q, unsigned) { return q.ModifyVLANProperty(TeamVlanId(1, 1), NewVlan()); },
      // Name and number go back together.
-     [](unsigned) { return OBJECT + COMMIT; }},
+     [](unsigned) { return kObject + kCommit; }},
     {"RemoveVLAN", OneMoreVlan, [](CQuillet& q, unsigned) { return q.RemoveVLAN(TeamVlanId(1, 1)); },
      [](unsigned) { return Count{.deletions = 1}; }},
 };
@@ -127,8 +127,8 @@ std::string Name(const testing::TestParamInfo<Operation>& info) {
     return info.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Vlans, CallCountsTest, testing::ValuesIn(OPERATIONS), Name);
+INSTANTIATE_TEST_SUITE_P(Vlans, CallCountsTest, testing::ValuesIn(kOperations), Name);
 
 } // namespace
 
-} // namespace calls
+} // namespace quillet::tests

@@ -11,7 +11,7 @@
 namespace {
 
 /// A code that neither COM nor the simulator would produce.
-constexpr HRESULT FAULT = static_cast<HRESULT>(0x8004A5F7);
+constexpr HRESULT kFault = static_cast<HRESULT>(0x8004A5F7);
 
 class AnomalyTest : public OperationsTest {
   protected:
@@ -83,7 +83,7 @@ class AnomalyTest : public OperationsTest {
             return static_cast<HRESULT>(WBEM_E_FAILED); // no service to be had
         }
         const auto& documented = GetParam().operation.documented;
-        return documented ? documented(call, FAULT) : FAULT;
+        return documented ? documented(call, kFault) : kFault;
     }
 
     bool Ignores(std::size_t index) const {
@@ -130,7 +130,7 @@ TEST_P(AnomalyTest, EachCallFails_ItsCodeComesBackItIsNamedAndNothingFollows) {
         const std::string title = "call " + std::to_string(index + 1) + ": " + Describe(call);
         SCOPED_TRACE(title);
         FaultRule rule = RuleFor(index);
-        rule.code = FAULT;
+        rule.code = kFault;
         Outputs outputs;
         const HRESULT result = RunWith(rule, outputs);
         const std::vector<JournalEntry> calls = Calls();
@@ -138,7 +138,7 @@ TEST_P(AnomalyTest, EachCallFails_ItsCodeComesBackItIsNamedAndNothingFollows) {
         const std::vector<std::string> lines = NewLines(traced);
         told += Paragraph(title, result, outputs, lines);
         ASSERT_GT(calls.size(), index) << "the fault was never met";
-        EXPECT_EQ(Code(calls[index].result), Code(FAULT));
+        EXPECT_EQ(Code(calls[index].result), Code(kFault));
         if (MayFailSilently(index)) {
             EXPECT_TRUE(SUCCEEDED(result) || GetParam().operation.differs) << Code(result);
             continue;
@@ -165,19 +165,19 @@ TEST_P(AnomalyTest, EachCallFails_ItsCodeComesBackItIsNamedAndNothingFollows) {
 }
 
 TEST_P(AnomalyTest, EachAnswerDamaged_EndsWithSuccessOrACodeAndALine) {
-    constexpr Effect effects[] = {Effect::Verdict,           Effect::NullObject, Effect::NoOutParameters,
-                                  Effect::NullValue,         Effect::Absent,     Effect::WrongType,
-                                  Effect::ShiftedArray,      Effect::EmptyArray, Effect::NullArray,
-                                  Effect::UnreadableElement, Effect::HugeString, Effect::EndOfData};
-    constexpr VARTYPE types[] = {VT_UNKNOWN, VT_DISPATCH,      VT_EMPTY,         VT_R8,   VT_DATE,
-                                 VT_BSTR,    VT_BYREF | VT_I4, VT_ARRAY | VT_I4, VT_ERROR};
+    constexpr Effect kEffects[] = {Effect::Verdict,           Effect::NullObject, Effect::NoOutParameters,
+                                   Effect::NullValue,         Effect::Absent,     Effect::WrongType,
+                                   Effect::ShiftedArray,      Effect::EmptyArray, Effect::NullArray,
+                                   Effect::UnreadableElement, Effect::HugeString, Effect::EndOfData};
+    constexpr VARTYPE kTypes[] = {VT_UNKNOWN, VT_DISPATCH,      VT_EMPTY,         VT_R8,   VT_DATE,
+                                  VT_BSTR,    VT_BYREF | VT_I4, VT_ARRAY | VT_I4, VT_ERROR};
     for (std::size_t index = 0; index < m_calls.size(); ++index) {
         const JournalEntry& call = m_calls[index];
-        for (const Effect effect : effects) {
+        for (const Effect effect : kEffects) {
             if (!quillet::simulator::Applies(effect, call.operation)) {
                 continue;
             }
-            for (const VARTYPE type : types) {
+            for (const VARTYPE type : kTypes) {
                 SCOPED_TRACE(Describe(call) + " " + Narrow(quillet::simulator::EffectName(effect)) +
                              " type " + std::to_string(type));
                 FaultRule rule = RuleFor(index);

@@ -16,7 +16,7 @@ std::vector<std::uint8_t> Image() {
 
 /// A package with one test and one package in it, so that every step is taken.
 const char* MachineText() {
-    static const std::string text = [] {
+    static const std::string kText = [] {
         std::string flash;
         for (const std::uint8_t byte : Image()) {
             flash += (flash.empty() ? "" : ",") + std::to_string(byte);
@@ -38,12 +38,12 @@ const char* MachineText() {
                flash + R"(}; };
             instance of Zorel_BootAgent_iSCSI_Adapters { Name = "{A}"; AdapterName = "First"; iSCSI_Status = 1; };)";
     }();
-    return text.c_str();
+    return kText.c_str();
 }
 
-constexpr const wchar_t* ADAPTER = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
-constexpr const wchar_t* TEST = LR"(Zorel_DiagTest.Name="All")";
-constexpr const wchar_t* AGENT = LR"(Zorel_BootAgent.Name="{A}")";
+constexpr const wchar_t* kAdapter = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+constexpr const wchar_t* kTest = LR"(Zorel_DiagTest.Name="All")";
+constexpr const wchar_t* kAgent = LR"(Zorel_BootAgent.Name="{A}")";
 
 CSettings Types() {
     CSettings types;
@@ -62,7 +62,7 @@ OperationCase OnImage(const char* name,
                 CSettings types = settings();
                 int code = 99;
                 const HRESULT result =
-                    (q.*operation)(AGENT, static_cast<LONG>(image.size()), image.data(), types, code);
+                    (q.*operation)(kAgent, static_cast<LONG>(image.size()), image.data(), types, code);
                 out("code", code)("settings", types.m_vecItems);
                 return result;
             }};
@@ -104,16 +104,16 @@ OperationArea BootOperations() {
             {"EnumerateDiagnostics",
              [](CQuillet& q, Outputs& out) {
                  CDiagTests tests;
-                 const HRESULT result = q.EnumerateDiagnostics(ADAPTER, tests);
+                 const HRESULT result = q.EnumerateDiagnostics(kAdapter, tests);
                  out("tests", tests.m_vecItems);
                  return result;
              }},
-            {"RunDiagnostics", [](CQuillet& q, Outputs&) { return q.RunDiagnostics(TEST, ADAPTER); }},
-            {"StopDiagnostics", [](CQuillet& q, Outputs&) { return q.StopDiagnostics(TEST, ADAPTER); }},
+            {"RunDiagnostics", [](CQuillet& q, Outputs&) { return q.RunDiagnostics(kTest, kAdapter); }},
+            {"StopDiagnostics", [](CQuillet& q, Outputs&) { return q.StopDiagnostics(kTest, kAdapter); }},
             {"GetDiagnosticsResult",
              [](CQuillet& q, Outputs& out) {
                  CDiagResult read;
-                 const HRESULT result = q.GetDiagnosticsResult(TEST, read);
+                 const HRESULT result = q.GetDiagnosticsResult(kTest, read);
                  out("id", read.m_lTestId)("name", read.m_wsDiagnosticName)("state", read.m_lTestState)(
                      "text", read.m_wsStateText)("members", read.m_vecPackageResults)(
                      "ids", read.m_vecTestResultIds)("attributes", read.m_vecTestResultAttributes);
@@ -129,7 +129,7 @@ OperationArea BootOperations() {
                  CDiagResult package;
                  package.m_sUniqueID = LR"(Zorel_DiagResult.Name="{1}")";
                  package.m_wsPackageName = L"All";
-                 const HRESULT result = q.GetDiagnosticsPackageResults(TEST, package);
+                 const HRESULT result = q.GetDiagnosticsPackageResults(kTest, package);
                  out("members", package.m_vecPackageResults);
                  return result;
              },
@@ -141,7 +141,7 @@ OperationArea BootOperations() {
             {"GetAdapterBootAgentInfo",
              [](CQuillet& q, Outputs& out) {
                  CBootAgent agent;
-                 const HRESULT result = q.GetAdapterBootAgentInfo(ADAPTER, agent);
+                 const HRESULT result = q.GetAdapterBootAgentInfo(kAdapter, agent);
                  out("version", agent.m_wsVersion)("type", agent.m_lFlashImageType)(
                      "text", agent.m_wsFlashImageType)("installed", agent.m_lInstalledFlashImageTypes);
                  return result;
@@ -150,7 +150,7 @@ OperationArea BootOperations() {
              [](CQuillet& q, Outputs& out) {
                  LONG size = -7;
                  unsigned char* data = nullptr;
-                 const HRESULT result = q.ReadBootAgentFlash(AGENT, size, &data);
+                 const HRESULT result = q.ReadBootAgentFlash(kAgent, size, &data);
                  out("size", size)("buffer", data != nullptr);
                  ::operator delete(data);
                  return result;
@@ -168,14 +168,14 @@ OperationArea BootOperations() {
             {"SetiSCSIStatus",
              [](CQuillet& q, Outputs& out) {
                  unsigned int code = 99;
-                 const HRESULT result = q.SetiSCSIStatus(AGENT, CISCSIAdapter::SecondaryPort, code);
+                 const HRESULT result = q.SetiSCSIStatus(kAgent, CISCSIAdapter::SecondaryPort, code);
                  out("code", code);
                  return result;
              }},
             {"GetiSCSI_Info",
              [](CQuillet& q, Outputs& out) {
                  CiSCSI info;
-                 const HRESULT result = q.GetiSCSI_Info(ADAPTER, info);
+                 const HRESULT result = q.GetiSCSI_Info(kAdapter, info);
                  out("status", info.m_lStatus)("system", info.m_bOSSupported);
                  return result;
              }},

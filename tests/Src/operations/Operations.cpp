@@ -2,7 +2,7 @@
 #include "Operations.h"
 
 const std::vector<PreparedOperation>& Operations() {
-    static const std::vector<PreparedOperation> all = [] {
+    static const std::vector<PreparedOperation> kAll = [] {
         std::vector<PreparedOperation> prepared;
         for (const OperationArea& area : {
                  LinkSecurityOperations(),
@@ -18,7 +18,7 @@ const std::vector<PreparedOperation>& Operations() {
         }
         return prepared;
     }();
-    return all;
+    return kAll;
 }
 
 void PrintTo(const PreparedOperation& prepared, std::ostream* out) {

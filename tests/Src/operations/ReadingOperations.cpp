@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; Warnings = 5; };
     instance of Zorel_PhysicalEthernetAdapter as $A {
         DeviceID = "{A}"; Name = "First"; OriginalDisplayName = "First adapter"; SlotID = "Slot 1";
@@ -45,13 +45,13 @@ constexpr const char* MACHINE = R"(
         ExposeLevel = 1; Writable = TRUE; Grouped = FALSE; CurrentValue = 1; DefaultValue = 1;
         PossibleValues = {"1"}; DescriptionMap = {"one"}; };)";
 
-constexpr const wchar_t* ADAPTER = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
-constexpr const wchar_t* TEAM = LR"(Zorel_TeamOfAdapters.Name="{T}")";
-constexpr const wchar_t* VLAN = LR"(Zorel_VLAN.Name="{V}")";
-constexpr const wchar_t* BOOT_AGENT = LR"(Zorel_BootAgent.Name="{A}")";
-constexpr ProviderName CAPABILITIES{L"L_PROP_ETHERNETADAPTER_CAPABILITIES", L"Capabilities"};
-constexpr ProviderName TEAMING_MODE{L"L_PROP_TEAMOFADAPTERS_TEAMINGMODE", L"TeamingMode"};
-constexpr ProviderName TEAM_CLASS{L"L_CLASS_ZOREL_TEAMOFADAPTERS", L"Zorel_TeamOfAdapters"};
+constexpr const wchar_t* kAdapter = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+constexpr const wchar_t* kTeam = LR"(Zorel_TeamOfAdapters.Name="{T}")";
+constexpr const wchar_t* kVlan = LR"(Zorel_VLAN.Name="{V}")";
+constexpr const wchar_t* kBootAgent = LR"(Zorel_BootAgent.Name="{A}")";
+constexpr ProviderName kCapabilities{L"L_PROP_ETHERNETADAPTER_CAPABILITIES", L"Capabilities"};
+constexpr ProviderName kTeamingMode{L"L_PROP_TEAMOFADAPTERS_TEAMINGMODE", L"TeamingMode"};
+constexpr ProviderName kTeamClass{L"L_CLASS_ZOREL_TEAMOFADAPTERS", L"Zorel_TeamOfAdapters"};
 
 /// An enumeration of adapters reports an adapter that cannot be read as one code, whatever the provider's.
 HRESULT AdapterUnreadable(const JournalEntry& failed, HRESULT code) {
@@ -72,7 +72,7 @@ OperationCase SettingsOf(const char* name, HRESULT (*read)(CQuillet&, CSettings&
 
 OperationArea ReadingOperations() {
     return {
-        MACHINE,
+        kMachine,
         false,
         {
             {"BeginApply", [](CQuillet& q, Outputs&) { return q.BeginApply(); }},
@@ -101,50 +101,50 @@ OperationArea ReadingOperations() {
             {"GetAdapterBasicInfo",
              [](CQuillet& q, Outputs& out) {
                  CAdapter a;
-                 const HRESULT result = q.GetAdapterBasicInfo(ADAPTER, a);
+                 const HRESULT result = q.GetAdapterBasicInfo(kAdapter, a);
                  out("name", a.m_wsName);
                  return result;
              }},
             {"GetAdapterDynamicInfo",
              [](CQuillet& q, Outputs& out) {
                  CAdapter a;
-                 const HRESULT result = q.GetAdapterDynamicInfo(ADAPTER, a);
+                 const HRESULT result = q.GetAdapterDynamicInfo(kAdapter, a);
                  out("record", a.m_pAdapterDynamicInfo != nullptr);
                  return result;
              }},
             {"GetAdapterStatus",
              [](CQuillet& q, Outputs& out) {
                  CAdapter a;
-                 const HRESULT result = q.GetAdapterStatus(ADAPTER, a);
+                 const HRESULT result = q.GetAdapterStatus(kAdapter, a);
                  out("record", a.m_pAdapterDynamicInfo != nullptr);
                  return result;
              }},
             {"GetAdapterCapabilities",
              [](CQuillet& q, Outputs& out) {
                  CAdapter a;
-                 const HRESULT result = q.GetAdapterCapabilities(ADAPTER, a);
+                 const HRESULT result = q.GetAdapterCapabilities(kAdapter, a);
                  out("record", a.m_pAdapterCapabilities != nullptr);
                  return result;
              }},
             {"GetAdapterPCIInfo",
              [](CQuillet& q, Outputs& out) {
                  CPCIInfo info;
-                 const HRESULT result = q.GetAdapterPCIInfo(ADAPTER, info);
+                 const HRESULT result = q.GetAdapterPCIInfo(kAdapter, info);
                  out("controller", info.m_wsControllerID);
                  return result;
              }},
             {"EnumerateOtherPortOfAdapter",
              [](CQuillet& q, Outputs& out) {
                  CAdapterPorts ports;
-                 const HRESULT result = q.EnumerateOtherPortOfAdapter(ADAPTER, ports);
+                 const HRESULT result = q.EnumerateOtherPortOfAdapter(kAdapter, ports);
                  out("ports", ports.m_vecItems);
                  return result;
              }},
-            {"IdentifyAdapter", [](CQuillet& q, Outputs&) { return q.IdentifyAdapter(ADAPTER, 1); }},
+            {"IdentifyAdapter", [](CQuillet& q, Outputs&) { return q.IdentifyAdapter(kAdapter, 1); }},
             {"GetHbaPath",
              [](CQuillet& q, Outputs& out) {
                  std::wstring path = L"before";
-                 const HRESULT result = q.GetHbaPath(ADAPTER, path);
+                 const HRESULT result = q.GetHbaPath(kAdapter, path);
                  out("path", path);
                  return result;
              }},
@@ -152,33 +152,33 @@ OperationArea ReadingOperations() {
              [](CQuillet& q, Outputs& out) {
                  int major = 77;
                  int minor = 77;
-                 const HRESULT result = q.GetNDIS_Version(ADAPTER, major, minor);
+                 const HRESULT result = q.GetNDIS_Version(kAdapter, major, minor);
                  out("major", major)("minor", minor);
                  return result;
              }},
             {"GetAdapterWarnings",
              [](CQuillet& q, Outputs& out) {
                  ULONGLONG warnings = 77;
-                 const HRESULT result = q.GetAdapterWarnings(ADAPTER, warnings);
+                 const HRESULT result = q.GetAdapterWarnings(kAdapter, warnings);
                  out("warnings", warnings);
                  return result;
              }},
             SettingsOf("GetAdapterSettings",
-                       [](CQuillet& q, CSettings& all) { return q.GetAdapterSettings(ADAPTER, all); }),
+                       [](CQuillet& q, CSettings& all) { return q.GetAdapterSettings(kAdapter, all); }),
             SettingsOf("GetAdapterVmqSettings",
                        [](CQuillet& q, CSettings& all) {
-                           return q.GetAdapterVmqSettings(CLumString(ADAPTER), all);
+                           return q.GetAdapterVmqSettings(CLumString(kAdapter), all);
                        }),
             SettingsOf("GetTeamSettings",
-                       [](CQuillet& q, CSettings& all) { return q.GetTeamSettings(TEAM, all); }),
+                       [](CQuillet& q, CSettings& all) { return q.GetTeamSettings(kTeam, all); }),
             SettingsOf("GetVlanSettings",
-                       [](CQuillet& q, CSettings& all) { return q.GetVlanSettings(VLAN, all); }),
+                       [](CQuillet& q, CSettings& all) { return q.GetVlanSettings(kVlan, all); }),
             SettingsOf("GetBootAgentSettings",
-                       [](CQuillet& q, CSettings& all) { return q.GetBootAgentSettings(BOOT_AGENT, all); }),
+                       [](CQuillet& q, CSettings& all) { return q.GetBootAgentSettings(kBootAgent, all); }),
             {"GetSpeedDuplexSetting",
              [](CQuillet& q, Outputs& out) {
                  CSettingEnum one;
-                 const HRESULT result = q.GetSpeedDuplexSetting(ADAPTER, one, true);
+                 const HRESULT result = q.GetSpeedDuplexSetting(kAdapter, one, true);
                  out("caption", one.m_wsCaption);
                  return result;
              }},
@@ -195,7 +195,7 @@ OperationArea ReadingOperations() {
                  CSettings all;
                  bool onAll = false;
                  const HRESULT result = QuilletTestAccess::GetSettingOnTeamOrAdapter(
-                     q, {ADAPTER}, all, onAll, SettingName::SpeedDuplex);
+                     q, {kAdapter}, all, onAll, SettingName::SpeedDuplex);
                  out("settings", all.m_vecItems)("onAll", onAll);
                  return result;
              }},
@@ -203,7 +203,7 @@ OperationArea ReadingOperations() {
              [](CQuillet& q, Outputs& out) {
                  std::wstring text = L"before";
                  const HRESULT result = QuilletTestAccess::GetDataFromValues(q, L_CLASS_ZOREL_ETHERNETADAPTER,
-                                                                             CAPABILITIES, 46, text);
+                                                                             kCapabilities, 46, text);
                  out("text", text);
                  return result;
              }},
@@ -211,7 +211,7 @@ OperationArea ReadingOperations() {
              [](CQuillet& q, Outputs& out) {
                  std::wstring text = L"before";
                  const HRESULT result =
-                     QuilletTestAccess::GetDataFromValueMap(q, TEAM_CLASS, TEAMING_MODE, 1, text);
+                     QuilletTestAccess::GetDataFromValueMap(q, kTeamClass, kTeamingMode, 1, text);
                  out("text", text);
                  return result;
              }},

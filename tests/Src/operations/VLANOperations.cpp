@@ -3,7 +3,7 @@
 
 namespace {
 
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Caption = "Alpha"; };
     instance of Zorel_TeamOfAdapters { Name = "{T}"; Caption = "Team"; };
@@ -14,9 +14,9 @@ constexpr const char* MACHINE = R"(
     instance of Zorel_VLAN { Name = "{W}"; Caption = "Team - VLAN : Voice"; ParentID = "{T}"; VLANName = "Voice";
         VLANNumber = 10; StatusInfo = 3; };)";
 
-constexpr const wchar_t* ADAPTER = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
-constexpr const wchar_t* TEAM = LR"(Zorel_TeamOfAdapters.Name="{T}")";
-constexpr const wchar_t* VLAN = LR"(Zorel_VLAN.Name="{V}")";
+constexpr const wchar_t* kAdapter = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+constexpr const wchar_t* kTeam = LR"(Zorel_TeamOfAdapters.Name="{T}")";
+constexpr const wchar_t* kVlan = LR"(Zorel_VLAN.Name="{V}")";
 
 /// A record whose number and name are taken on either parent.
 CVLAN Taken() {
@@ -74,24 +74,24 @@ HRESULT AsksNothing(const JournalEntry&, HRESULT) {
 
 OperationArea VLANOperations() {
     return {
-        MACHINE,
+        kMachine,
         true,
         {
             Listing("EnumerateVLANsOfAdapter",
-                    [](CQuillet& q, CVLANs& all) { return q.EnumerateVLANsOfAdapter(ADAPTER, all); }),
+                    [](CQuillet& q, CVLANs& all) { return q.EnumerateVLANsOfAdapter(kAdapter, all); }),
             Listing("EnumerateVLANsOfTeam",
-                    [](CQuillet& q, CVLANs& all) { return q.EnumerateVLANsOfTeam(TEAM, all); }),
+                    [](CQuillet& q, CVLANs& all) { return q.EnumerateVLANsOfTeam(kTeam, all); }),
             {"GetVLANInfo",
              [](CQuillet& q, Outputs& out) {
                  CVLAN vlan;
-                 const HRESULT result = q.GetVLANInfo(VLAN, vlan);
+                 const HRESULT result = q.GetVLANInfo(kVlan, vlan);
                  out("name", vlan.m_wsVLANName)("number", vlan.m_lVLANNumber)("status", vlan.m_eStatus);
                  return result;
              }},
             {"GetVlanStatus",
              [](CQuillet& q, Outputs& out) {
                  CVLAN::VlanStatus status{};
-                 const HRESULT result = q.GetVlanStatus(VLAN, status);
+                 const HRESULT result = q.GetVlanStatus(kVlan, status);
                  out("status", status);
                  return result;
              }},
@@ -104,66 +104,67 @@ OperationArea VLANOperations() {
                  return result;
              },
              AsksNothing},
-            {"ParentSupportingVLAN", [](CQuillet& q, Outputs&) { return q.ParentSupportingVLAN(ADAPTER); },
+            {"ParentSupportingVLAN", [](CQuillet& q, Outputs&) { return q.ParentSupportingVLAN(kAdapter); },
              MembershipUnknown},
-            {"ParentSupportingVLAN_Team", [](CQuillet& q, Outputs&) { return q.ParentSupportingVLAN(TEAM); }},
+            {"ParentSupportingVLAN_Team",
+             [](CQuillet& q, Outputs&) { return q.ParentSupportingVLAN(kTeam); }},
             Checking(
                 "CreateVLANAdapterCheck",
-                +[](CQuillet& q) { return q.CreateVLANAdapterCheck(ADAPTER, Taken()); }),
+                +[](CQuillet& q) { return q.CreateVLANAdapterCheck(kAdapter, Taken()); }),
             Checking(
-                "CreateVLANTeamCheck", +[](CQuillet& q) { return q.CreateVLANTeamCheck(TEAM, Taken()); }),
+                "CreateVLANTeamCheck", +[](CQuillet& q) { return q.CreateVLANTeamCheck(kTeam, Taken()); }),
             Checking(
                 "CreateUnTaggedVLANAdapterCheck",
-                +[](CQuillet& q) { return q.CreateUnTaggedVLANAdapterCheck(ADAPTER, Taken()); }),
+                +[](CQuillet& q) { return q.CreateUnTaggedVLANAdapterCheck(kAdapter, Taken()); }),
             Checking(
                 "CreateUnTaggedVLANTeamCheck",
-                +[](CQuillet& q) { return q.CreateUnTaggedVLANTeamCheck(TEAM, Taken()); }),
+                +[](CQuillet& q) { return q.CreateUnTaggedVLANTeamCheck(kTeam, Taken()); }),
             Checking(
                 "CreateMultipleVLANAdapterCheck",
                 +[](CQuillet& q) {
                     CVLANs wanted;
                     wanted.m_vecItems.push_back(new CVLAN(Taken()));
-                    return q.CreateMultipleVLANAdapterCheck(ADAPTER, wanted);
+                    return q.CreateMultipleVLANAdapterCheck(kAdapter, wanted);
                 }),
             Checking(
                 "CreateMultipleVLANTeamCheck",
                 +[](CQuillet& q) {
                     CVLANs wanted;
                     wanted.m_vecItems.push_back(new CVLAN(Taken()));
-                    return q.CreateMultipleVLANTeamCheck(TEAM, wanted);
+                    return q.CreateMultipleVLANTeamCheck(kTeam, wanted);
                 }),
             Checking(
                 "CheckForUniqueIDForUnTaggedVLAN",
-                +[](CQuillet& q) { return q.CheckForUniqueIDForUnTaggedVLAN(TEAM, true, Taken()); }),
+                +[](CQuillet& q) { return q.CheckForUniqueIDForUnTaggedVLAN(kTeam, true, Taken()); }),
             Checking(
                 "CheckForUniqueIDForMultipleVLANs",
                 +[](CQuillet& q) {
                     CVLANs wanted;
                     wanted.m_vecItems.push_back(new CVLAN(Taken()));
-                    return q.CheckForUniqueIDForMultipleVLANs(ADAPTER, false, wanted);
+                    return q.CheckForUniqueIDForMultipleVLANs(kAdapter, false, wanted);
                 }),
             Checking(
                 "CheckForUntaggedVLANOnAdapter",
-                +[](CQuillet& q) { return q.CheckForUntaggedVLANOnAdapter(ADAPTER, 10); }),
+                +[](CQuillet& q) { return q.CheckForUntaggedVLANOnAdapter(kAdapter, 10); }),
             Checking(
                 "CheckForUntaggedVLANOnTeam",
-                +[](CQuillet& q) { return q.CheckForUntaggedVLANOnTeam(TEAM, 10); }),
+                +[](CQuillet& q) { return q.CheckForUntaggedVLANOnTeam(kTeam, 10); }),
             Checking(
                 "CheckForTaggedVLANOnAdapter",
-                +[](CQuillet& q) { return q.CheckForTaggedVLANOnAdapter(ADAPTER); }),
+                +[](CQuillet& q) { return q.CheckForTaggedVLANOnAdapter(kAdapter); }),
             Checking(
-                "CheckForTaggedVLANOnTeam", +[](CQuillet& q) { return q.CheckForTaggedVLANOnTeam(TEAM); }),
+                "CheckForTaggedVLANOnTeam", +[](CQuillet& q) { return q.CheckForTaggedVLANOnTeam(kTeam); }),
             Adding("AddVLANToAdapter",
-                   [](CQuillet& q, CVLAN& vlan) { return q.AddVLANToAdapter(ADAPTER, vlan); }),
-            Adding("AddVLANToTeam", [](CQuillet& q, CVLAN& vlan) { return q.AddVLANToTeam(TEAM, vlan); }),
+                   [](CQuillet& q, CVLAN& vlan) { return q.AddVLANToAdapter(kAdapter, vlan); }),
+            Adding("AddVLANToTeam", [](CQuillet& q, CVLAN& vlan) { return q.AddVLANToTeam(kTeam, vlan); }),
             {"ModifyVLANProperty",
              [](CQuillet& q, Outputs&) {
                  CVLAN vlan;
                  vlan.m_lVLANNumber = 20;
                  vlan.m_wsVLANName = L"Data";
-                 return q.ModifyVLANProperty(VLAN, vlan);
+                 return q.ModifyVLANProperty(kVlan, vlan);
              }},
-            {"RemoveVLAN", [](CQuillet& q, Outputs&) { return q.RemoveVLAN(VLAN); }},
+            {"RemoveVLAN", [](CQuillet& q, Outputs&) { return q.RemoveVLAN(kVlan); }},
         },
     };
 }

@@ -4,7 +4,7 @@
 namespace {
 
 // {A} and {B} are a team with room for {C}; {A} and {C} have the profile for hosts of virtual machines.
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter as $A {
         DeviceID = "{A}"; Name = "First"; OriginalDisplayName = "First adapter"; Caption = "A"; SlotID = "Slot 1";
@@ -55,10 +55,11 @@ constexpr const char* MACHINE = R"(
         WakeOnDirectedPacket = 0; WakeOnPattern = 1; };)";
 
 // The whole path: a port is found by it among the ports of its board.
-constexpr const wchar_t* ADAPTER =
+constexpr const wchar_t* kAdapter =
     LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
-constexpr const wchar_t* VLAN = LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_VLAN.Name="{V}")";
-constexpr const wchar_t* OTHER = LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID="{B}")";
+constexpr const wchar_t* kVlan = LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_VLAN.Name="{V}")";
+constexpr const wchar_t* kOther =
+    LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID="{B}")";
 
 std::wstring SettingPath(const wchar_t* kind, const wchar_t* caption) {
     return L"Zorel_AdapterSetting" + std::wstring(kind) + L".Caption=\"" + caption +
@@ -102,7 +103,7 @@ OperationCase Writing(const char* name, const wchar_t* kind, const wchar_t* capt
 
 OperationArea WritingOperations() {
     return {
-        MACHINE,
+        kMachine,
         true,
         {
             Writing<CSettingEnum>("SetSetting_Number", L"Enum", L"*JumboPacket",
@@ -118,14 +119,14 @@ OperationArea WritingOperations() {
                  bool isTeamed = false;
                  ULONGLONG warnings = 77;
                  const HRESULT result =
-                     q.ValidateSetSetting(ADAPTER, isTeamed, L"*JumboPacket", 9000, warnings);
+                     q.ValidateSetSetting(kAdapter, isTeamed, L"*JumboPacket", 9000, warnings);
                  out("isTeamed", isTeamed)("warnings", warnings);
                  return result;
              }},
             {"ValidateSetSettingOnVlan",
              [](CQuillet& q, Outputs& out) {
                  ULONGLONG warnings = 77;
-                 const HRESULT result = q.ValidateSetSettingOnVlan(VLAN, L"*JumboPacket", 9000, warnings);
+                 const HRESULT result = q.ValidateSetSettingOnVlan(kVlan, L"*JumboPacket", 9000, warnings);
                  out("warnings", warnings);
                  return result;
              }},
@@ -133,7 +134,7 @@ OperationArea WritingOperations() {
              [](CQuillet& q, Outputs& out) {
                  bool onAll = false;
                  bool isTeamed = false;
-                 const HRESULT result = q.JumboFramePrecheckSetSetting(ADAPTER, onAll, isTeamed);
+                 const HRESULT result = q.JumboFramePrecheckSetSetting(kAdapter, onAll, isTeamed);
                  out("onAllMembers", onAll)("isTeamed", isTeamed);
                  return result;
              },
@@ -143,10 +144,10 @@ OperationArea WritingOperations() {
                  [](CQuillet& q, Outputs& out) {
                      CTeamedAdapters members;
                      members.m_vecItems.push_back(new CTeamedAdapter);
-                     members.m_vecItems.back()->m_wsAdapterID = ADAPTER;
+                     members.m_vecItems.back()->m_wsAdapterID = kAdapter;
                      CAdapters wanted;
-                     Add(wanted, ADAPTER);
-                     Add(wanted, OTHER);
+                     Add(wanted, kAdapter);
+                     Add(wanted, kOther);
                      ULONGLONG warnings = 77;
                      const HRESULT result = q.RSS_PrecheckOnTeamModify(members, wanted, warnings);
                      out("warnings", warnings);
@@ -158,7 +159,7 @@ OperationArea WritingOperations() {
             {"GetAdapterProfiles",
              [](CQuillet& q, Outputs& out) {
                  CPerformanceProfiles profiles;
-                 const HRESULT result = q.GetAdapterProfiles(ADAPTER, profiles);
+                 const HRESULT result = q.GetAdapterProfiles(kAdapter, profiles);
                  out("profiles", profiles.m_vecItems);
                  return result;
              },
@@ -174,7 +175,7 @@ OperationArea WritingOperations() {
             {"GetCompatibleTeamProfilesWithAdapters",
              [](CQuillet& q, Outputs& out) {
                  CAdapters adapters;
-                 Add(adapters, ADAPTER);
+                 Add(adapters, kAdapter);
                  CPerformanceProfiles profiles;
                  const HRESULT result = q.GetCompatibleTeamProfilesWithAdapters(adapters, profiles);
                  out("profiles", profiles.m_vecItems);
@@ -183,7 +184,7 @@ OperationArea WritingOperations() {
             {"GetAdapterPowerUsageOptions",
              [](CQuillet& q, Outputs& out) {
                  CAdapterPowerUsageInfo info;
-                 const HRESULT result = q.GetAdapterPowerUsageOptions(ADAPTER, info);
+                 const HRESULT result = q.GetAdapterPowerUsageOptions(kAdapter, info);
                  out("mode", info.m_eSavePower)("first", Hex(info.m_dwAutoPowerSaveModeEnabled))(
                      "last", Hex(info.m_dwSystemIdlePowerSaver));
                  return result;
@@ -194,12 +195,12 @@ OperationArea WritingOperations() {
                  info.m_dwAutoPowerSaveModeEnabled = info.m_dwReduceSpeedOnPowerDown =
                      info.m_dwSmartPowerDown = info.m_dwEnhancedASPMPowerSaver = info.m_dwACBSMode =
                          info.m_dwLinkSpeedBatterySaver = info.m_dwSystemIdlePowerSaver = 1;
-                 return q.SetAdapterPowerUsageOptions(ADAPTER, info);
+                 return q.SetAdapterPowerUsageOptions(kAdapter, info);
              }},
             {"GetAdapterWakeOnLanOptions",
              [](CQuillet& q, Outputs& out) {
                  CAdapterWakeOnLanInfo info;
-                 const HRESULT result = q.GetAdapterWakeOnLanOptions(ADAPTER, info);
+                 const HRESULT result = q.GetAdapterWakeOnLanOptions(kAdapter, info);
                  out("first", Hex(info.m_dwWakeFromPowerOff))("last", Hex(info.m_dwWakeOnPattern));
                  return result;
              }},
@@ -208,10 +209,10 @@ OperationArea WritingOperations() {
                  CAdapterWakeOnLanInfo info;
                  info.m_dwWakeFromPowerOff = info.m_dwWakeOnLink = info.m_dwWakeOnMagicPacket =
                      info.m_dwWakeOnDirectedPacket = info.m_dwWakeOnPattern = 1;
-                 return q.SetAdapterWakeOnLanOptions(ADAPTER, info);
+                 return q.SetAdapterWakeOnLanOptions(kAdapter, info);
              }},
             {"SetAdapterPowerManagementCapabilities",
-             [](CQuillet& q, Outputs&) { return q.SetAdapterPowerManagementCapabilities(ADAPTER); }},
+             [](CQuillet& q, Outputs&) { return q.SetAdapterPowerManagementCapabilities(kAdapter); }},
         },
     };
 }

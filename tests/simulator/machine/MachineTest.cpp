@@ -160,7 +160,7 @@ TEST(Machines, AFaultThatMeansNothingIsReported) {
 }
 
 TEST(Machines, AFaultInAnIncludedFileIsReportedThere) {
-    const quillet::test::TemporaryDirectory directory;
+    const quillet::tests::TemporaryDirectory directory;
     const auto folder = std::filesystem::path(directory.Path());
     std::ofstream(folder / "inner.mof", std::ios::binary)
         << "// A comment.\ninstance of QuilletSimulator_Fault { Id = 1; Effect = \"Explode\"; };\n";
@@ -198,7 +198,7 @@ TEST(Machines, TheirTextSaysHowTheyBehave) {
 }
 
 TEST(Machines, OneIsWrittenBackWhole) {
-    const quillet::test::TemporaryDirectory directory;
+    const quillet::tests::TemporaryDirectory directory;
     const auto original = Machine::BuiltIn(OnTestHost());
     const auto file = std::filesystem::path(directory.Path()) / "state.mof";
     std::ofstream(file, std::ios::binary) << original->Save();

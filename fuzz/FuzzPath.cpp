@@ -19,12 +19,12 @@ constexpr const char* kSchema = R"(
 )";
 
 const Repository& Sample() {
-    static const std::unique_ptr<Repository> repository = [] {
+    static const std::unique_ptr<Repository> kRepository = [] {
         auto made = std::make_unique<Repository>(L"HOST", L"ROOT\\Test");
         CompileMof(*made, kSchema, "schema");
         return made;
     }();
-    return *repository;
+    return *kRepository;
 }
 
 } // namespace

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <iterator>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 void RegisterHostLeakCounters() {
     RegisterLeakCounter("BSTRs", [] { return platform::Live().bstrs; });
@@ -20,4 +20,4 @@ void RegisterHostLeakCounters() {
     });
 }
 
-} // namespace quillet::test
+} // namespace quillet::tests
