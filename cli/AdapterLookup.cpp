@@ -2,7 +2,6 @@
 #include "AdapterLookup.h"
 
 #include "HostName.h"
-#include "Invocation.h"
 #include "ObjectPath.h"
 #include "Text.h"
 
@@ -42,7 +41,7 @@ bool IsPathOf(const ListedAdapter& adapter, const ObjectName& name) {
 
 std::vector<ListedAdapter> ReadAdapters(CQuillet& session) {
     CAdapters adapters;
-    Invocation::Check(session.EnumerateAdapters(adapters), "list the adapters");
+    ThrowIfRefused(session.EnumerateAdapters(adapters), "list the adapters");
     std::vector<ListedAdapter> listed;
     for (const CAdapter* adapter : adapters.m_vecItems) {
         if (adapter == nullptr) {

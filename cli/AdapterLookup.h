@@ -1,7 +1,7 @@
 // The machine's adapters, and finding the one that the command line names.
 #pragma once
 
-#include "Invocation.h"
+#include "Failure.h"
 #include "NameLookup.h"
 #include "Text.h"
 
@@ -79,8 +79,8 @@ template <class Record>
 Record ReadRecord(CQuillet& session, HRESULT (CQuillet::*read)(const std::wstring&, Record&),
                   const ListedAdapter& adapter, const char* what) {
     Record record;
-    Invocation::Check((session.*read)(ToWide(adapter.path), record),
-                      std::string("read ") + what + " of " + adapter.Called());
+    ThrowIfRefused((session.*read)(ToWide(adapter.path), record),
+                   std::string("read ") + what + " of " + adapter.Called());
     return record;
 }
 

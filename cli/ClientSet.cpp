@@ -13,7 +13,7 @@ namespace quilletctl {
 ClientSet::ClientSet(Invocation& run) : m_run(run) {
     CQuillet& session = run.Session();
     run.HoldInterrupts();
-    Invocation::Check(session.BeginApply(), "open a client set");
+    ThrowIfRefused(session.BeginApply(), "open a client set");
     if (!run.MayGoOn()) {
         run.NoteRestart(Close());
         throw Interruption();

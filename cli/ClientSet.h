@@ -72,7 +72,7 @@ template <class Change, class Compare>
 ExitStatus ChangeInSet(Invocation& run, const std::string& asked, const char* done, Change change,
                        Compare compare) {
     ClientSet set(run);
-    Invocation::Check(change(run.Session()), asked);
+    ThrowIfRefused(change(run.Session()), asked);
     const std::optional<bool> restartNeeded = set.Close();
     return AnswerChange(run, asked, done, restartNeeded,
                         Verification::By([&](Verification& taken) { compare(run.Session(), taken); }));

@@ -27,6 +27,9 @@ class Refusal : public std::runtime_error {
     HRESULT m_code;
 };
 
+/// Throws Refusal when an operation failed; `asked` completes "could not …".
+void ThrowIfRefused(HRESULT code, const std::string& asked);
+
 /// The call succeeded, and what was asked for was not done all the same.
 class NotTaken : public std::runtime_error {
   public:

@@ -24,12 +24,6 @@ CQuillet& Invocation::Session() {
     return m_connection->Quillet();
 }
 
-void Invocation::Check(HRESULT code, const std::string& asked) {
-    if (FAILED(code)) {
-        throw Refusal(asked, code);
-    }
-}
-
 void PrintJson(const Json& json, std::ostream& out) {
     constexpr int INDENT = 2;
     out << json.dump(INDENT, ' ', false, Json::error_handler_t::replace) << '\n';

@@ -4,11 +4,10 @@
 #include "Connection.h"
 #include "Failure.h"
 #include "Interrupt.h"
+#include "Json.h"
 #include "Options.h"
 #include "SimulatedMachine.h"
 #include "Terminal.h"
-
-#include <nlohmann/json_fwd.hpp>
 
 #include <optional>
 #include <ostream>
@@ -16,9 +15,6 @@
 #include <vector>
 
 namespace quilletctl {
-
-/// Keys stay in the order in which a command names them.
-using Json = nlohmann::ordered_json;
 
 /// Writes JSON as every command does.
 void PrintJson(const Json& json, std::ostream& out);
@@ -32,8 +28,6 @@ class Invocation {
     CQuillet& Session();
     /// Disconnects, where there is a connection; what Session() yielded is gone.
     void Disconnect() noexcept { m_connection.reset(); }
-    /// Throws Refusal when an operation failed; `asked` completes "could not …".
-    static void Check(HRESULT code, const std::string& asked);
 
     bool WantsJson() const noexcept { return m_options.json; }
     const Terminal& Screen() const noexcept { return m_terminal; }

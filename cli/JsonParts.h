@@ -1,6 +1,8 @@
 // Pieces that many answers are made of.
 #pragma once
 
+#include "Json.h"
+
 #include <windows.h>
 
 #include <nlohmann/json.hpp>
@@ -9,13 +11,13 @@
 
 namespace quilletctl {
 
-inline nlohmann::ordered_json TextOrNull(const std::string& text) {
-    return text.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(text);
+inline Json TextOrNull(const std::string& text) {
+    return text.empty() ? Json() : Json(text);
 }
 
 /// A number of the provider's and what it means.
-inline nlohmann::ordered_json Coded(LONG code, const std::string& text) {
-    return nlohmann::ordered_json{{"code", code}, {"text", text}};
+inline Json Coded(LONG code, const std::string& text) {
+    return Json{{"code", code}, {"text", text}};
 }
 
 } // namespace quilletctl

@@ -34,8 +34,8 @@ CAdapterLinksecSavedCredInfo ReadSaved(CQuillet& session, const ListedAdapter& a
 CAdapterManualPMKInfo ReadMasterKey(CQuillet& session, const ListedAdapter& adapter) {
     CAdapterManualPMKInfo info;
     bool randomMac = false;
-    Invocation::Check(session.GetAdapterManualPMKOptions(ToWide(adapter.path), info, randomMac),
-                      "read the pairwise master key of " + adapter.Called());
+    ThrowIfRefused(session.GetAdapterManualPMKOptions(ToWide(adapter.path), info, randomMac),
+                   "read the pairwise master key of " + adapter.Called());
     info.m_bRandMACAddress = randomMac;
     return info;
 }

@@ -2,7 +2,7 @@
 #include "SettingOwner.h"
 
 #include "AdapterLookup.h"
-#include "Invocation.h"
+#include "Failure.h"
 #include "ObjectPath.h"
 #include "TeamLookup.h"
 #include "Text.h"
@@ -144,14 +144,14 @@ void ReadSettings(CQuillet& session, const SettingOwner& owner, CSettings& setti
         result = session.GetBootAgentSettings(path, settings);
         break;
     }
-    Invocation::Check(result, "read the settings of " + owner.called);
+    ThrowIfRefused(result, "read the settings of " + owner.called);
 }
 
 void ReadVmqSettings(CQuillet& session, const SettingOwner& adapter, CSettings& settings) {
     // The selector of GetAdapterVmqSettings.
     constexpr DWORD QUEUES = 256;
-    Invocation::Check(session.GetAdapterSettings(ToWide(adapter.path), settings, QUEUES),
-                      "read the queue settings of " + adapter.called);
+    ThrowIfRefused(session.GetAdapterSettings(ToWide(adapter.path), settings, QUEUES),
+                   "read the queue settings of " + adapter.called);
 }
 
 const CSetting* LookForSetting(const CSettings& settings, const std::string& text) {

@@ -1,6 +1,7 @@
 // The six kinds of settings in words and in JSON.
 #include "SettingTexts.h"
 
+#include "Failure.h"
 #include "Text.h"
 
 #include <nlohmann/json.hpp>

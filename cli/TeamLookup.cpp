@@ -1,7 +1,7 @@
 // Listing teams, and finding one.
 #include "TeamLookup.h"
 
-#include "Invocation.h"
+#include "Failure.h"
 #include "ObjectPath.h"
 #include "Text.h"
 
@@ -9,7 +9,7 @@ namespace quilletctl {
 
 CTeams ReadTeams(CQuillet& session) {
     CTeams teams;
-    Invocation::Check(session.EnumerateTeams(teams), "list the teams");
+    ThrowIfRefused(session.EnumerateTeams(teams), "list the teams");
     return teams;
 }
 
@@ -36,7 +36,7 @@ std::optional<CTeam> TeamAtPath(CQuillet& session, const CTeams& teams, const st
     }
     // The provider may know the team in another form, and tells what there is to know of it.
     CTeam team;
-    Invocation::Check(session.GetTeamInfo(ToWide(path), team), "read the team " + path);
+    ThrowIfRefused(session.GetTeamInfo(ToWide(path), team), "read the team " + path);
     return team;
 }
 

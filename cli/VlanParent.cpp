@@ -2,7 +2,7 @@
 #include "VlanParent.h"
 
 #include "AdapterLookup.h"
-#include "Invocation.h"
+#include "Failure.h"
 #include "ObjectPath.h"
 #include "TeamLookup.h"
 #include "Text.h"
@@ -93,9 +93,9 @@ std::vector<VlanParent> FindVlanParents(CQuillet& session, const std::string& te
 CVLANs ReadVlans(CQuillet& session, const VlanParent& parent) {
     CVLANs vlans;
     const std::wstring path = ToWide(parent.path);
-    Invocation::Check(parent.isTeam ? session.EnumerateVLANsOfTeam(path, vlans)
-                                    : session.EnumerateVLANsOfAdapter(path, vlans),
-                      "list the VLANs of " + parent.name);
+    ThrowIfRefused(parent.isTeam ? session.EnumerateVLANsOfTeam(path, vlans)
+                                 : session.EnumerateVLANsOfAdapter(path, vlans),
+                   "list the VLANs of " + parent.name);
     return vlans;
 }
 

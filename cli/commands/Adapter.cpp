@@ -88,10 +88,10 @@ class ShowAdapter final : public AdapterCommand {
         const std::wstring path = ToWide(adapter.path);
         const std::string asked = "read the adapter " + adapter.Called();
         CAdapter known;
-        Invocation::Check(session.GetAdapterBasicInfo(path, known), asked);
-        Invocation::Check(session.GetAdapterDynamicInfo(path, known), asked);
+        ThrowIfRefused(session.GetAdapterBasicInfo(path, known), asked);
+        ThrowIfRefused(session.GetAdapterDynamicInfo(path, known), asked);
         CPCIInfo pci;
-        Invocation::Check(session.GetAdapterPCIInfo(path, pci), asked);
+        ThrowIfRefused(session.GetAdapterPCIInfo(path, pci), asked);
         Told<Ndis> ndis;
         ndis.result = session.GetNDIS_Version(path, ndis.value.major, ndis.value.minor);
         Told<std::wstring> hba;
@@ -185,8 +185,8 @@ class ShowAdapter final : public AdapterCommand {
 class ListCapabilities final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         CAdapter known;
-        Invocation::Check(run.Session().GetAdapterCapabilities(ToWide(adapter.path), known),
-                          "read the capabilities of " + adapter.Called());
+        ThrowIfRefused(run.Session().GetAdapterCapabilities(ToWide(adapter.path), known),
+                       "read the capabilities of " + adapter.Called());
         std::vector<LONG> codes;
         for (const CAdapterCapInfo::Flag& flag : CAdapterCapInfo::Flags()) {
             if (known.m_pAdapterCapabilities->*flag.m_pFlag) {
@@ -209,8 +209,8 @@ class ListPorts final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         CQuillet& session = run.Session();
         CAdapterPorts ports;
-        Invocation::Check(session.EnumerateOtherPortOfAdapter(ToWide(adapter.path), ports),
-                          "list the ports beside " + adapter.Called());
+        ThrowIfRefused(session.EnumerateOtherPortOfAdapter(ToWide(adapter.path), ports),
+                       "list the ports beside " + adapter.Called());
         if (run.WantsJson()) {
             Json list = Json::array();
             for (const CAdapterPort* port : ports.m_vecItems) {
@@ -265,8 +265,8 @@ class IdentifyAdapter final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         CQuillet& session = run.Session();
         run.HoldInterrupts();
-        Invocation::Check(session.IdentifyAdapter(ToWide(adapter.path), static_cast<LONG>(m_seconds)),
-                          "identify " + adapter.Called());
+        ThrowIfRefused(session.IdentifyAdapter(ToWide(adapter.path), static_cast<LONG>(m_seconds)),
+                       "identify " + adapter.Called());
         // Only who stands before the rack sees whether it does.
         Verification taken;
         taken.LeaveOpen();

@@ -36,7 +36,7 @@ Flash ReadFlash(CQuillet& session, const CBootAgent& agent) {
     unsigned char* data = nullptr;
     const HRESULT result = session.ReadBootAgentFlash(agent.m_wsBootAgentID, size, &data);
     Flash flash{std::unique_ptr<unsigned char, ReleaseBytes>(data), static_cast<std::size_t>(size)};
-    Invocation::Check(result, "read the flash memory");
+    ThrowIfRefused(result, "read the flash memory");
     return flash;
 }
 
@@ -57,9 +57,9 @@ ImageFile Inspect(CQuillet& session, const CBootAgent& agent, const std::string&
         throw UsageError(name + ": no image is as " + (file.bytes.empty() ? "short" : "long") +
                          " as this file");
     }
-    Invocation::Check(session.ReadBootAgentImageFile(agent.m_wsBootAgentID, file.Size(), file.bytes.data(),
-                                                     file.images, file.code),
-                      "look into " + name);
+    ThrowIfRefused(session.ReadBootAgentImageFile(agent.m_wsBootAgentID, file.Size(), file.bytes.data(),
+                                                  file.images, file.code),
+                   "look into " + name);
     return file;
 }
 
@@ -80,7 +80,7 @@ CSettings Choose(const ImageFile& file, const std::vector<std::string>& names) {
 
 int Verify(CQuillet& session, const CBootAgent& agent, ImageFile& file, CSettings& types) {
     int code = 0;
-    Invocation::Check(
+    ThrowIfRefused(
         session.VerifyImageType(agent.m_wsBootAgentID, file.Size(), file.bytes.data(), types, code),
         "check the image file");
     return code;
@@ -127,8 +127,8 @@ std::string VerdictText(int code) {
 class BootCommand : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) final {
         CBootAgent agent;
-        Invocation::Check(run.Session().GetAdapterBootAgentInfo(ToWide(adapter.path), agent),
-                          "read the boot agent of " + adapter.Called());
+        ThrowIfRefused(run.Session().GetAdapterBootAgentInfo(ToWide(adapter.path), agent),
+                       "read the boot agent of " + adapter.Called());
         return RunForAgent(adapter, agent, run);
     }
 

@@ -31,8 +31,8 @@ constexpr auto PATIENCE = std::chrono::seconds(2);
 
 CDiagTests ReadTests(CQuillet& session, const ListedAdapter& adapter) {
     CDiagTests tests;
-    Invocation::Check(session.EnumerateDiagnostics(ToWide(adapter.path), tests),
-                      "list the tests of " + adapter.Called());
+    ThrowIfRefused(session.EnumerateDiagnostics(ToWide(adapter.path), tests),
+                   "list the tests of " + adapter.Called());
     return tests;
 }
 
@@ -58,7 +58,7 @@ CDiagTest FindTest(CQuillet& session, const ListedAdapter& adapter, const std::s
 /// What is known of a test; nothing when it never ran.
 bool ReadResult(CQuillet& session, const CDiagTest& test, CDiagResult& result) {
     const HRESULT code = session.GetDiagnosticsResult(test.m_wsUniqueID, result);
-    Invocation::Check(code, "read the result of " + ToUtf8(test.m_wsName));
+    ThrowIfRefused(code, "read the result of " + ToUtf8(test.m_wsName));
     return code == S_OK && !result.m_sUniqueID.empty();
 }
 
@@ -174,8 +174,8 @@ class TestCommand : public AdapterCommand {
 
   protected:
     static void Stop(CQuillet& session, const ListedAdapter& adapter, const CDiagTest& test) {
-        Invocation::Check(session.StopDiagnostics(test.m_wsUniqueID, ToWide(adapter.path)),
-                          "stop " + ToUtf8(test.m_wsName));
+        ThrowIfRefused(session.StopDiagnostics(test.m_wsUniqueID, ToWide(adapter.path)),
+                       "stop " + ToUtf8(test.m_wsName));
     }
 
   private:
@@ -202,8 +202,8 @@ class RunTest final : public TestCommand {
         run.HoldInterrupts();
         CDiagResult before;
         ReadResult(session, test, before);
-        Invocation::Check(session.RunDiagnostics(test.m_wsUniqueID, ToWide(adapter.path)),
-                          "start " + ToUtf8(test.m_wsName));
+        ThrowIfRefused(session.RunDiagnostics(test.m_wsUniqueID, ToWide(adapter.path)),
+                       "start " + ToUtf8(test.m_wsName));
         CDiagResult result;
         if (!Follow(adapter, test, run, before, result)) {
             // The provider has no result of the test: it was not started.

@@ -50,7 +50,7 @@ std::string NameOf(const ListedAdapter* adapter, const CISCSIAdapter& port) {
 
 CISCSIAdapters ReadPorts(CQuillet& session) {
     CISCSIAdapters ports;
-    Invocation::Check(session.EnumerateISCSIAdapters(ports), "list the adapters that can boot from iSCSI");
+    ThrowIfRefused(session.EnumerateISCSIAdapters(ports), "list the adapters that can boot from iSCSI");
     return ports;
 }
 
@@ -96,7 +96,7 @@ class SetPlace final : public AdapterCommand {
         const std::string asked = "change the place of " + adapter.Called();
         ClientSet changes(run);
         unsigned int code = 0;
-        Invocation::Check(run.Session().SetiSCSIStatus(port->m_wsPath, place->status, code), asked);
+        ThrowIfRefused(run.Session().SetiSCSIStatus(port->m_wsPath, place->status, code), asked);
         const std::optional<bool> restartNeeded = changes.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
             const CISCSIAdapters after = ReadPorts(run.Session());
@@ -136,8 +136,8 @@ class SetPlace final : public AdapterCommand {
 class ShowPort final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         CiSCSI info;
-        Invocation::Check(run.Session().GetiSCSI_Info(ToWide(adapter.path), info),
-                          "read the iSCSI boot status of " + adapter.Called());
+        ThrowIfRefused(run.Session().GetiSCSI_Info(ToWide(adapter.path), info),
+                       "read the iSCSI boot status of " + adapter.Called());
         return AnswerSheet(run,
                            Json{{"status", PlaceAsJson(info.m_lStatus)},
                                 {"systemSupported", info.m_bOSSupported},

@@ -90,8 +90,8 @@ class ShowPac final : public PacCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         CAdapterPacFileInfo info;
         info.m_sPACFileName = ToWide(m_file);
-        Invocation::Check(run.Session().GetAdapterPacFileContents(ToWide(adapter.path), info),
-                          "read " + m_file + " of " + adapter.Called());
+        ThrowIfRefused(run.Session().GetAdapterPacFileContents(ToWide(adapter.path), info),
+                       "read " + m_file + " of " + adapter.Called());
         return AnswerSheet(run,
                            Json{{"path", adapter.path},
                                 {"file", m_file},

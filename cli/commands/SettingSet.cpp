@@ -93,7 +93,7 @@ class SetSetting final : public Command {
             if (target.outcome == Target::Outcome::Refused) {
                 throw Refusal(asked, target.code, ReasonOf(target));
             }
-            Invocation::Check(target.code, asked);
+            ThrowIfRefused(target.code, asked);
             target.taken.End(asked);
         }
         const bool leftAlone = !m_isOfSeveral && targets.front().outcome == Target::Outcome::ReadOnly;
@@ -163,16 +163,16 @@ class SetSetting final : public Command {
         ULONGLONG objections = 0;
         bool isTeamed = false;
         if (target.owner.kind == SettingOwner::Kind::Adapter) {
-            Invocation::Check(session.ValidateSetSetting(path, isTeamed, caption, value, objections), asked);
+            ThrowIfRefused(session.ValidateSetSetting(path, isTeamed, caption, value, objections), asked);
             if (isTeamed && CAdvancedSettingNames().IsSettingName(SettingName::MaxFrameSize, caption)) {
                 bool onAllMembers = true;
-                Invocation::Check(session.JumboFramePrecheckSetSetting(path, onAllMembers, isTeamed), asked);
+                ThrowIfRefused(session.JumboFramePrecheckSetSetting(path, onAllMembers, isTeamed), asked);
                 if (!onAllMembers) {
                     target.warnings.push_back("not every member of its team has a jumbo-frame setting");
                 }
             }
         } else if (target.owner.kind == SettingOwner::Kind::Vlan) {
-            Invocation::Check(session.ValidateSetSettingOnVlan(path, caption, value, objections), asked);
+            ThrowIfRefused(session.ValidateSetSettingOnVlan(path, caption, value, objections), asked);
         }
         // The meaning of these bits is the provider's own.
         for (const unsigned bit : SetBits(objections)) {

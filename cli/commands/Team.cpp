@@ -75,8 +75,8 @@ TeamState StateOf(CQuillet& session, const CTeam& team) {
 
 CTeamedAdapters MembersOf(CQuillet& session, const CTeam& team) {
     CTeamedAdapters members;
-    Invocation::Check(session.GetMemberAdapters(team.m_wsTeamID, members),
-                      "list the members of " + Called(team));
+    ThrowIfRefused(session.GetMemberAdapters(team.m_wsTeamID, members),
+                   "list the members of " + Called(team));
     return members;
 }
 
@@ -177,7 +177,7 @@ std::vector<Field> FieldsOf(const CTeam& team) {
 
 CTeam ReadTeam(CQuillet& session, const CTeam& team) {
     CTeam read;
-    Invocation::Check(session.GetTeamInfo(team.m_wsTeamID, read), "read the team " + Called(team));
+    ThrowIfRefused(session.GetTeamInfo(team.m_wsTeamID, read), "read the team " + Called(team));
     return read;
 }
 
@@ -242,13 +242,13 @@ class ShowTeam final : public TeamCommand {
     ExitStatus RunFor(const CTeam& found, Invocation& run) override {
         CQuillet& session = run.Session();
         CTeam team;
-        Invocation::Check(session.GetTeamInfo(found.m_wsTeamID, team), "read the team " + Called(found));
+        ThrowIfRefused(session.GetTeamInfo(found.m_wsTeamID, team), "read the team " + Called(found));
         const TeamState state = StateOf(session, team);
         const CTeamedAdapters members = MembersOf(session, team);
         const std::vector<ListedAdapter> adapters = ReadAdapters(session);
         int enabled = 0;
-        Invocation::Check(session.GetNumberEnabledMembers(team.m_wsTeamID, enabled),
-                          "count the members of " + Called(team));
+        ThrowIfRefused(session.GetNumberEnabledMembers(team.m_wsTeamID, enabled),
+                       "count the members of " + Called(team));
         if (run.WantsJson()) {
             Json list = Json::array();
             for (const CTeamedAdapter* member : members.m_vecItems) {
@@ -326,8 +326,8 @@ class ListModes final : public Command {
         const CAdapters adapters = m_adapters.empty() ? Free(session) : NamedAdapters(session, m_adapters);
         CTeamWizTeamModes modes;
         if (!adapters.m_vecItems.empty()) {
-            Invocation::Check(session.GetCompatibleTeamModesWithAdapters(adapters, modes, true),
-                              "find the modes of the adapters");
+            ThrowIfRefused(session.GetCompatibleTeamModesWithAdapters(adapters, modes, true),
+                           "find the modes of the adapters");
         }
         Json list = Json::array();
         Table table({{"MODE", Fit::Whole}, {"NAME", Fit::MayShorten}, {"DESCRIPTION", Fit::MayShorten}});
@@ -342,8 +342,8 @@ class ListModes final : public Command {
 
     static CAdapters Free(CQuillet& session) {
         CAdapters all;
-        Invocation::Check(session.EnumerateAdapters(all), "list the adapters");
-        Invocation::Check(session.GetTeamableAdapters(all), "find the adapters that are in no team");
+        ThrowIfRefused(session.EnumerateAdapters(all), "list the adapters");
+        ThrowIfRefused(session.GetTeamableAdapters(all), "find the adapters that are in no team");
         CAdapters free;
         for (const CAdapter* adapter : all.m_vecItems) {
             if (!adapter->m_bTeamed) {
@@ -441,7 +441,7 @@ class CreateTeam final : public Command {
         }
         std::wstring prefix;
         if (m_prefix) {
-            Invocation::Check(session.GetTeamNamePrefix(prefix), "read the prefix of team names");
+            ThrowIfRefused(session.GetTeamNamePrefix(prefix), "read the prefix of team names");
         }
         return prefix + ToWide(m_name);
     }
@@ -577,8 +577,8 @@ class AddMembers final : public ChangeMembers {
         // A member that is there already is no problem; the rest is for the provider to judge.
         ULONGLONG word = 0;
         if (!added.m_vecItems.empty()) {
-            Invocation::Check(session.ValidateAddAdapters(team.m_wsTeamID, current, added, word),
-                              "check the adapters");
+            ThrowIfRefused(session.ValidateAddAdapters(team.m_wsTeamID, current, added, word),
+                           "check the adapters");
         }
         problems.Add(word);
         return added;
@@ -586,8 +586,8 @@ class AddMembers final : public ChangeMembers {
     void Change(CQuillet& session, const CTeam& team, const CAdapter& adapter) const override {
         CAdapters added;
         Append(added, adapter.m_wsAdapterID);
-        Invocation::Check(session.ModifyMemberList(team.m_wsTeamID, CTeamedAdapters(), added),
-                          "add " + NameOf(adapter) + " to " + Called(team));
+        ThrowIfRefused(session.ModifyMemberList(team.m_wsTeamID, CTeamedAdapters(), added),
+                       "add " + NameOf(adapter) + " to " + Called(team));
     }
     CAdapters MembersAfter(const CTeamedAdapters& before, const CAdapters& changed) const override {
         CAdapters after = changed;
@@ -625,8 +625,8 @@ class RemoveMembers final : public ChangeMembers {
         CTeamedAdapters removed;
         removed.m_vecItems.push_back(new CTeamedAdapter);
         removed.m_vecItems.back()->m_wsAdapterID = adapter.m_wsAdapterID;
-        Invocation::Check(session.ModifyMemberList(team.m_wsTeamID, removed, CAdapters()),
-                          "take " + NameOf(adapter) + " out of " + Called(team));
+        ThrowIfRefused(session.ModifyMemberList(team.m_wsTeamID, removed, CAdapters()),
+                       "take " + NameOf(adapter) + " out of " + Called(team));
     }
     CAdapters MembersAfter(const CTeamedAdapters& before, const CAdapters& changed) const override {
         CAdapters after;
@@ -672,7 +672,7 @@ class ModifyTeam final : public TeamCommand {
         }
         const std::string asked = "change " + Called(team);
         ClientSet set(run);
-        Invocation::Check(session.ModifyTeamInfo(team.m_wsTeamID, changed), asked);
+        ThrowIfRefused(session.ModifyTeamInfo(team.m_wsTeamID, changed), asked);
         const std::optional<bool> restartNeeded = set.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
             const CTeam now = ReadTeam(session, team);
@@ -695,7 +695,7 @@ class DeleteTeam final : public TeamCommand {
         CQuillet& session = run.Session();
         const std::string asked = "delete " + Called(team);
         ClientSet set(run);
-        Invocation::Check(session.RemoveTeam(team.m_wsTeamID), asked);
+        ThrowIfRefused(session.RemoveTeam(team.m_wsTeamID), asked);
         const std::optional<bool> restartNeeded = set.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
             const CTeams teams = ReadTeams(session);
@@ -826,10 +826,9 @@ class TestSwitch final : public TeamCommand {
 
     static Result Send(CQuillet& session, const CTeam& team, CTeam::SwitchCmd command) {
         Result result;
-        Invocation::Check(session.TestSwitchConfiguration(team.m_wsTeamID, command, result.status,
-                                                          result.causes, result.solutions, result.causeIds,
-                                                          result.solutionIds),
-                          "test the switch of " + Called(team));
+        ThrowIfRefused(session.TestSwitchConfiguration(team.m_wsTeamID, command, result.status, result.causes,
+                                                       result.solutions, result.causeIds, result.solutionIds),
+                       "test the switch of " + Called(team));
         return result;
     }
 

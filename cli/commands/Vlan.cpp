@@ -107,7 +107,7 @@ void CheckParent(CQuillet& session, const VlanParent& parent, Findings& findings
     } else if (result == static_cast<HRESULT>(WBEM_E_NOT_FOUND)) {
         findings.sentences.push_back(parent.name + " cannot carry VLANs");
     } else {
-        Invocation::Check(result, "find out whether " + parent.name + " carries VLANs");
+        ThrowIfRefused(result, "find out whether " + parent.name + " carries VLANs");
     }
 }
 
@@ -216,9 +216,9 @@ class AddVlans final : public NewVlans {
 
     static void Add(CQuillet& session, const VlanParent& parent, CVLAN& vlan) {
         const std::wstring path = ToWide(parent.path);
-        Invocation::Check(parent.isTeam ? session.AddVLANToTeam(path, vlan)
-                                        : session.AddVLANToAdapter(path, vlan),
-                          "add " + Called(vlan) + " to " + parent.name);
+        ThrowIfRefused(parent.isTeam ? session.AddVLANToTeam(path, vlan)
+                                     : session.AddVLANToAdapter(path, vlan),
+                       "add " + Called(vlan) + " to " + parent.name);
     }
 
     /// Whether a VLAN that was refused was made all the same, and could only not be read. Then reads it.
@@ -332,13 +332,13 @@ class ModifyVlan final : public ExistingVlan {
         }
         const std::string asked = "change " + Called(vlan) + " of " + parent.name;
         ClientSet set(run);
-        Invocation::Check(session.ModifyVLANProperty(vlan.m_wsVLANID, changed), asked);
+        ThrowIfRefused(session.ModifyVLANProperty(vlan.m_wsVLANID, changed), asked);
         const std::optional<bool> restartNeeded = set.Close();
         // As it is now, for the provider may have taken it differently.
         CVLAN now = changed;
         const Verification taken = Verification::By([&](Verification& compare) {
             CVLAN read;
-            Invocation::Check(session.GetVLANInfo(vlan.m_wsVLANID, read), "read " + Called(changed));
+            ThrowIfRefused(session.GetVLANInfo(vlan.m_wsVLANID, read), "read " + Called(changed));
             now = read;
             CompareVlan(compare, changed, &now);
         });
@@ -371,7 +371,7 @@ class RemoveVlan final : public ExistingVlan {
         CQuillet& session = run.Session();
         const std::string asked = "remove " + Called(vlan) + " from " + parent.name;
         ClientSet set(run);
-        Invocation::Check(session.RemoveVLAN(vlan.m_wsVLANID), asked);
+        ThrowIfRefused(session.RemoveVLAN(vlan.m_wsVLANID), asked);
         const std::optional<bool> restartNeeded = set.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
             const CVLANs vlans = ReadVlans(session, parent);

@@ -14,10 +14,10 @@ ULONGLONG ReadWarnings(CQuillet& session) {
     constexpr const char* ASKED = "read the warnings";
     constexpr ULONGLONG ALL = ~0ULL;
     ULONGLONG warnings = ALL;
-    Invocation::Check(session.GetWarnings(warnings), ASKED);
+    ThrowIfRefused(session.GetWarnings(warnings), ASKED);
     if (warnings == ALL) {
         warnings = 0;
-        Invocation::Check(session.GetWarnings(warnings), ASKED);
+        ThrowIfRefused(session.GetWarnings(warnings), ASKED);
         if (warnings == 0) {
             throw NotTaken(ASKED, "the provider does not tell them");
         }
