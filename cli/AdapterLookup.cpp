@@ -3,7 +3,7 @@
 
 #include "HostName.h"
 #include "ObjectPath.h"
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <algorithm>
 

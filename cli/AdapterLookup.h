@@ -3,7 +3,7 @@
 
 #include "Failure.h"
 #include "NameLookup.h"
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <quillet/Quillet.h>
 

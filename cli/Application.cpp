@@ -3,8 +3,8 @@
 
 #include "ClientSet.h"
 #include "Commands.h"
-#include "ResultCodes.h"
-#include "Text.h"
+#include "texts/ResultCodes.h"
+#include "texts/Text.h"
 
 #include <comutil.h>
 

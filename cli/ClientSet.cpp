@@ -1,8 +1,8 @@
 // Opening and closing a client set.
 #include "ClientSet.h"
 
-#include "ResultCodes.h"
-#include "Text.h"
+#include "texts/ResultCodes.h"
+#include "texts/Text.h"
 
 #include <comutil.h>
 

@@ -1,7 +1,7 @@
 // Help texts.
 #include "CommandDescription.h"
 
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <algorithm>
 #include <cctype>

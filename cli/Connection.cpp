@@ -2,7 +2,7 @@
 #include "Connection.h"
 
 #include "Failure.h"
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <utility>
 

@@ -3,7 +3,7 @@
 #include "Console.h"
 
 #include "OutputBuffer.h"
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <windows.h>
 #include <shellapi.h>

@@ -1,7 +1,7 @@
 // The texts of refusals.
 #include "Failure.h"
 
-#include "ResultCodes.h"
+#include "texts/ResultCodes.h"
 
 namespace quilletctl {
 

@@ -1,7 +1,7 @@
 // Connecting on demand, answering, and what follows a command.
 #include "Invocation.h"
 
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 

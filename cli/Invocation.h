@@ -4,10 +4,10 @@
 #include "Connection.h"
 #include "Failure.h"
 #include "Interrupt.h"
-#include "Json.h"
 #include "Options.h"
 #include "SimulatedMachine.h"
 #include "Terminal.h"
+#include "texts/Json.h"
 
 #include <optional>
 #include <ostream>

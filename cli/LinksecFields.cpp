@@ -1,7 +1,7 @@
 // What the records of link security hold.
 #include "LinksecFields.h"
 
-#include "Text.h"
+#include "texts/Text.h"
 
 namespace quilletctl {
 

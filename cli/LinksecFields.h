@@ -4,7 +4,7 @@
 
 #include "AdapterLookup.h"
 #include "Command.h"
-#include "Field.h"
+#include "texts/Field.h"
 
 namespace quilletctl {
 

@@ -2,7 +2,7 @@
 #include "NameLookup.h"
 
 #include "Failure.h"
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // Taking an object path apart, and making one.
 #include "ObjectPath.h"
 
-#include "Text.h"
+#include "texts/Text.h"
 
 namespace quilletctl {
 

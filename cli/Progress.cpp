@@ -1,7 +1,7 @@
 // Drawing the bar.
 #include "Progress.h"
 
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <chrono>
 

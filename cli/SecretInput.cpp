@@ -1,7 +1,7 @@
 // Reading secrets without leaving copies of them behind.
 #include "SecretInput.h"
 
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <windows.h>
 

@@ -1,7 +1,7 @@
 // Secrets on Windows.
 #include "SecretInput.h"
 
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <windows.h>
 

@@ -2,7 +2,7 @@
 #include "SettingTexts.h"
 
 #include "Failure.h"
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 

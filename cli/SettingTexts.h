@@ -1,7 +1,7 @@
 // Settings as people and programs read them, whatever their kind.
 #pragma once
 
-#include "Json.h"
+#include "texts/Json.h"
 
 #include <quillet/Setting.h>
 

@@ -4,7 +4,7 @@
 #include "Failure.h"
 #include "HostName.h"
 #include "SettingTexts.h"
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <charconv>
 #include <optional>

@@ -1,7 +1,7 @@
 // Labels and values, aligned.
 #include "Sheet.h"
 
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // Aligned columns.
 #include "Table.h"
 
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <algorithm>
 #include <string_view>

@@ -3,7 +3,7 @@
 
 #include "Failure.h"
 #include "ObjectPath.h"
-#include "Text.h"
+#include "texts/Text.h"
 
 namespace quilletctl {
 

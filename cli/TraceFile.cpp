@@ -1,7 +1,7 @@
 // Finding and reading the trace file.
 #include "TraceFile.h"
 
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <windows.h>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Failure.h"
-#include "Field.h"
+#include "texts/Field.h"
 
 #include <optional>
 #include <string>

@@ -5,7 +5,7 @@
 #include "Failure.h"
 #include "ObjectPath.h"
 #include "TeamLookup.h"
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <optional>
 

@@ -1,9 +1,9 @@
 // VLANs in words, in JSON, and held against what was asked for.
 #include "VlanTexts.h"
 
-#include "JsonParts.h"
 #include "ObjectPath.h"
-#include "Text.h"
+#include "texts/JsonParts.h"
+#include "texts/Text.h"
 
 #include <quillet/VLANTexts.h>
 

@@ -1,14 +1,14 @@
 // quilletctl adapter: the machine's network adapters.
-#include "Answers.h"
 #include "AdapterCommand.h"
 #include "AdapterTexts.h"
-#include "BitMask.h"
+#include "Answers.h"
 #include "Commands.h"
-#include "JsonParts.h"
 #include "ObjectPath.h"
-#include "ResultCodes.h"
 #include "TeamLookup.h"
-#include "Text.h"
+#include "texts/BitMask.h"
+#include "texts/JsonParts.h"
+#include "texts/ResultCodes.h"
+#include "texts/Text.h"
 #include "Verification.h"
 
 #include <nlohmann/json.hpp>

@@ -1,13 +1,13 @@
 // quilletctl boot: the boot agent of an adapter and its flash memory.
-#include "Answers.h"
 #include "AdapterCommand.h"
+#include "Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "Files.h"
-#include "JsonParts.h"
 #include "Progress.h"
-#include "ResultCodes.h"
-#include "Text.h"
+#include "texts/JsonParts.h"
+#include "texts/ResultCodes.h"
+#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 

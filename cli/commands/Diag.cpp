@@ -1,11 +1,11 @@
 // quilletctl diag: the diagnostic tests of an adapter.
-#include "Answers.h"
 #include "AdapterCommand.h"
+#include "Answers.h"
 #include "Commands.h"
-#include "JsonParts.h"
 #include "ObjectPath.h"
 #include "Progress.h"
-#include "Text.h"
+#include "texts/JsonParts.h"
+#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 

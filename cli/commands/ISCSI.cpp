@@ -1,11 +1,11 @@
 // quilletctl iscsi: booting from an iSCSI target.
-#include "Answers.h"
 #include "AdapterCommand.h"
+#include "Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
-#include "JsonParts.h"
 #include "ObjectPath.h"
-#include "Text.h"
+#include "texts/JsonParts.h"
+#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 

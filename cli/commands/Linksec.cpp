@@ -1,12 +1,12 @@
 // quilletctl linksec: link security of an adapter. Secrets are asked for, never shown, and never on the
 // command line.
-#include "Answers.h"
 #include "AdapterCommand.h"
+#include "Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "LinksecFields.h"
 #include "SecretInput.h"
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 

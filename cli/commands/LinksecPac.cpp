@@ -1,11 +1,11 @@
 // quilletctl linksec import-pac, pac-show and pac-delete: the PAC files of an adapter.
-#include "Answers.h"
 #include "AdapterCommand.h"
+#include "Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "LinksecFields.h"
 #include "SecretInput.h"
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,9 +1,9 @@
 // quilletctl power and quilletctl wol: the power-saving and wake-on-LAN options of an adapter.
-#include "Answers.h"
 #include "AdapterCommand.h"
+#include "Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 

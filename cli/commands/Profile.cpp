@@ -1,8 +1,8 @@
 // quilletctl profile: the performance profiles of adapters.
-#include "Answers.h"
 #include "AdapterLookup.h"
+#include "Answers.h"
 #include "Commands.h"
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 

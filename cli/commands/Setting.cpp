@@ -1,10 +1,10 @@
 // quilletctl setting: the advanced settings of adapters, teams, VLANs and boot agents.
 #include "Answers.h"
 #include "Commands.h"
-#include "JsonParts.h"
 #include "SettingOwner.h"
 #include "SettingTexts.h"
-#include "Text.h"
+#include "texts/JsonParts.h"
+#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 

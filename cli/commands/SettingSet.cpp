@@ -1,13 +1,13 @@
 // quilletctl setting set: one setting of one owner, or of all adapters at once.
 #include "AdapterLookup.h"
-#include "BitMask.h"
 #include "ClientSet.h"
 #include "Commands.h"
-#include "ResultCodes.h"
 #include "SettingOwner.h"
 #include "SettingTexts.h"
 #include "SettingValue.h"
-#include "Text.h"
+#include "texts/BitMask.h"
+#include "texts/ResultCodes.h"
+#include "texts/Text.h"
 #include "Verification.h"
 
 #include <nlohmann/json.hpp>

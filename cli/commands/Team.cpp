@@ -1,14 +1,14 @@
 // quilletctl team: teams of adapters and their members.
-#include "Answers.h"
 #include "AdapterLookup.h"
-#include "BitMask.h"
+#include "Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
-#include "JsonParts.h"
 #include "ObjectPath.h"
-#include "ResultCodes.h"
 #include "TeamLookup.h"
-#include "Text.h"
+#include "texts/BitMask.h"
+#include "texts/JsonParts.h"
+#include "texts/ResultCodes.h"
+#include "texts/Text.h"
 #include "Verification.h"
 
 #include <nlohmann/json.hpp>

@@ -1,6 +1,6 @@
 // quilletctl trace: where the library writes its trace, and what a connection leaves there.
 #include "Commands.h"
-#include "Text.h"
+#include "texts/Text.h"
 #include "TraceFile.h"
 
 #include <nlohmann/json.hpp>

@@ -1,6 +1,6 @@
 // quilletctl warnings: what the provider wants the machine's keeper to know.
-#include "BitMask.h"
 #include "Commands.h"
+#include "texts/BitMask.h"
 
 #include <nlohmann/json.hpp>
 

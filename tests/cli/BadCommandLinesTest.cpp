@@ -1,7 +1,7 @@
 // Command lines that cannot be carried out, each with what is said about it and how it ends.
 #include "RunCommandLine.h"
 
-#include <Text.h>
+#include <texts/Text.h>
 
 #include <nlohmann/json.hpp>
 

@@ -2,7 +2,7 @@
 #include "RunCommandLine.h"
 
 #include <Interrupt.h>
-#include <Text.h>
+#include <texts/Text.h>
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 // Result codes and bit masks as people read them.
-#include <BitMask.h>
-#include <ResultCodes.h>
+#include <texts/BitMask.h>
+#include <texts/ResultCodes.h>
 
 #include <gtest/gtest.h>
 

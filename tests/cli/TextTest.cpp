@@ -1,5 +1,5 @@
 // UTF-8, column widths, and texts that are safe to print.
-#include <Text.h>
+#include <texts/Text.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // UTF-8 and column widths.
-#include "Text.h"
+#include "texts/Text.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
 // Values for programs and in sentences.
-#include "Field.h"
+#include "texts/Field.h"
 
 namespace quilletctl {
 

@@ -1,7 +1,7 @@
 // Pieces that many answers are made of.
 #pragma once
 
-#include "Json.h"
+#include "texts/Json.h"
 
 #include <windows.h>
 

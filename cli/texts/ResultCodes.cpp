@@ -1,5 +1,5 @@
 // The names of WMI's result codes, and of those of COM's that reach a WMI client.
-#include "ResultCodes.h"
+#include "texts/ResultCodes.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // One value of an answer, by its names.
 #pragma once
 
-#include "Json.h"
+#include "texts/Json.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,5 +1,5 @@
 // Bit masks.
-#include "BitMask.h"
+#include "texts/BitMask.h"
 
 #include <array>
 #include <cstdio>
