@@ -1,7 +1,7 @@
 // The machine's adapters, and finding the one that the command line names.
 #pragma once
 
-#include "Failure.h"
+#include "ending/Failure.h"
 #include "NameLookup.h"
 #include "texts/Text.h"
 

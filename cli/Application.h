@@ -1,7 +1,7 @@
 // quilletctl without its process: arguments in, text and exit status out.
 #pragma once
 
-#include "Failure.h"
+#include "ending/Failure.h"
 #include "Terminal.h"
 
 #include <string>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "CommandDescription.h"
-#include "Failure.h"
+#include "ending/Failure.h"
 #include "Invocation.h"
 #include "Options.h"
 

@@ -1,7 +1,7 @@
 // Connecting and disconnecting.
 #include "Connection.h"
 
-#include "Failure.h"
+#include "ending/Failure.h"
 #include "texts/Text.h"
 
 #include <utility>

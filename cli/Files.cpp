@@ -1,7 +1,7 @@
 // Reading and replacing files.
 #include "Files.h"
 
-#include "Failure.h"
+#include "ending/Failure.h"
 #include "HostFiles.h"
 
 #include <array>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "Connection.h"
-#include "Failure.h"
-#include "Interrupt.h"
+#include "ending/Failure.h"
+#include "ending/Interrupt.h"
 #include "Options.h"
 #include "SimulatedMachine.h"
 #include "Terminal.h"

@@ -1,7 +1,7 @@
 // Comparing names with what was typed.
 #include "NameLookup.h"
 
-#include "Failure.h"
+#include "ending/Failure.h"
 #include "texts/Text.h"
 
 #include <algorithm>

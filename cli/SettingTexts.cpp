@@ -1,7 +1,7 @@
 // The six kinds of settings in words and in JSON.
 #include "SettingTexts.h"
 
-#include "Failure.h"
+#include "ending/Failure.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>

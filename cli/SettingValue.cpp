@@ -1,7 +1,7 @@
 // Values of settings from texts.
 #include "SettingValue.h"
 
-#include "Failure.h"
+#include "ending/Failure.h"
 #include "HostName.h"
 #include "SettingTexts.h"
 #include "texts/Text.h"

@@ -2,7 +2,7 @@
 #include "SimulatedMachine.h"
 
 #include "Console.h"
-#include "Failure.h"
+#include "ending/Failure.h"
 #include "Files.h"
 #include "HostFiles.h"
 

@@ -1,7 +1,7 @@
 // Listing teams, and finding one.
 #include "TeamLookup.h"
 
-#include "Failure.h"
+#include "ending/Failure.h"
 #include "ObjectPath.h"
 #include "texts/Text.h"
 

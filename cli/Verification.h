@@ -1,7 +1,7 @@
 // Whether a change took: what was asked for, held against what the machine tells afterwards.
 #pragma once
 
-#include "Failure.h"
+#include "ending/Failure.h"
 #include "texts/Field.h"
 
 #include <optional>

@@ -2,7 +2,7 @@
 #include "VlanParent.h"
 
 #include "AdapterLookup.h"
-#include "Failure.h"
+#include "ending/Failure.h"
 #include "ObjectPath.h"
 #include "TeamLookup.h"
 #include "texts/Text.h"

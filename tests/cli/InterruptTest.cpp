@@ -1,7 +1,7 @@
 // Ctrl-C, and the program on a pseudo-terminal: what only a POSIX host can be told from within a test.
 #include "RunningProgram.h"
 
-#include <Interrupt.h>
+#include <ending/Interrupt.h>
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 // Ctrl-C on Windows, in a console that the program shares with the test.
 #include "RunCommandLine.h"
 
-#include <Interrupt.h>
+#include <ending/Interrupt.h>
 #include <texts/Text.h>
 
 #include <gmock/gmock.h>

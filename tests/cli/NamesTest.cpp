@@ -1,7 +1,7 @@
 // Names on the command line: what is printed of a thing is what it can be called, by every command alike.
 #include "RunCommandLine.h"
 
-#include <Failure.h>
+#include <ending/Failure.h>
 #include <NameLookup.h>
 
 #include <gmock/gmock.h>

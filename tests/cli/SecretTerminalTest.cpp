@@ -2,7 +2,7 @@
 #include "LinksecMachine.h"
 #include "RunCommandLine.h"
 
-#include <Failure.h>
+#include <ending/Failure.h>
 #include <SecretTerminal.h>
 
 #include <gtest/gtest.h>

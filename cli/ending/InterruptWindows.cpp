@@ -1,7 +1,7 @@
 // Requests to end on Windows: a console control handler, which runs on a thread of its own.
-#include "Interrupt.h"
+#include "ending/Interrupt.h"
 
-#include "Failure.h"
+#include "ending/Failure.h"
 
 #include <windows.h>
 

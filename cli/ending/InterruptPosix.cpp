@@ -1,7 +1,7 @@
 // Requests to end on a POSIX host: signals.
-#include "Interrupt.h"
+#include "ending/Interrupt.h"
 
-#include "Failure.h"
+#include "ending/Failure.h"
 
 #include <poll.h>
 #include <unistd.h>

@@ -1,5 +1,5 @@
 // The texts of refusals.
-#include "Failure.h"
+#include "ending/Failure.h"
 
 #include "texts/ResultCodes.h"
 
