@@ -2,8 +2,8 @@
 #pragma once
 
 #include "Invocation.h"
-#include "Sheet.h"
-#include "Table.h"
+#include "terminal/Sheet.h"
+#include "terminal/Table.h"
 
 #include <nlohmann/json.hpp>
 

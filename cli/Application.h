@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ending/Failure.h"
-#include "Terminal.h"
+#include "terminal/Terminal.h"
 
 #include <string>
 #include <vector>

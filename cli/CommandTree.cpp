@@ -1,8 +1,8 @@
 // The command line: global options, nouns and verbs.
 #include "Command.h"
-#include "Console.h"
 #include "HostName.h"
 #include "SimulatedMachine.h"
+#include "terminal/Console.h"
 
 #include <CLI/CLI.hpp>
 

@@ -6,7 +6,7 @@
 #include "ending/Interrupt.h"
 #include "Options.h"
 #include "SimulatedMachine.h"
-#include "Terminal.h"
+#include "terminal/Terminal.h"
 #include "texts/Json.h"
 
 #include <optional>

@@ -1,10 +1,10 @@
 // Loading and saving the simulated machine.
 #include "SimulatedMachine.h"
 
-#include "Console.h"
 #include "ending/Failure.h"
 #include "Files.h"
 #include "HostFiles.h"
+#include "terminal/Console.h"
 
 #include <system_error>
 

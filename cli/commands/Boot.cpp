@@ -4,7 +4,7 @@
 #include "ClientSet.h"
 #include "Commands.h"
 #include "Files.h"
-#include "Progress.h"
+#include "terminal/Progress.h"
 #include "texts/JsonParts.h"
 #include "texts/ResultCodes.h"
 #include "texts/Text.h"

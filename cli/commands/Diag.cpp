@@ -3,7 +3,7 @@
 #include "Answers.h"
 #include "Commands.h"
 #include "ObjectPath.h"
-#include "Progress.h"
+#include "terminal/Progress.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
 

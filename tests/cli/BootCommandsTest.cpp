@@ -3,7 +3,7 @@
 
 #include <quillet-simulator/FlashImage.h>
 
-#include <Progress.h>
+#include <terminal/Progress.h>
 
 #include <nlohmann/json.hpp>
 

@@ -2,7 +2,7 @@
 #include "Environment.h"
 #include "RunCommandLine.h"
 
-#include <Console.h>
+#include <terminal/Console.h>
 
 #include <nlohmann/json.hpp>
 

@@ -1,5 +1,5 @@
 // What becomes of output that cannot be written.
-#include <OutputBuffer.h>
+#include <terminal/OutputBuffer.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The simulated machine that lives in a file from one command to the next.
 #include "RunCommandLine.h"
 
-#include <Console.h>
+#include <terminal/Console.h>
 
 #include <nlohmann/json.hpp>
 

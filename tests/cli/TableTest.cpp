@@ -1,5 +1,5 @@
 // Aligned columns.
-#include <Table.h>
+#include <terminal/Table.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Long work as a person watches it: a bar that moves on a terminal, plain lines elsewhere.
 #pragma once
 
-#include "Terminal.h"
+#include "terminal/Terminal.h"
 
 #include <condition_variable>
 #include <mutex>

@@ -2,7 +2,7 @@
 // implementation file per host.
 #pragma once
 
-#include "Terminal.h"
+#include "terminal/Terminal.h"
 
 #include <memory>
 #include <string>

@@ -1,5 +1,5 @@
 // Labels and values, aligned.
-#include "Sheet.h"
+#include "terminal/Sheet.h"
 
 #include "texts/Text.h"
 

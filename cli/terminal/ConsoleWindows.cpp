@@ -1,8 +1,8 @@
 // The console of Windows: wide arguments and a wide screen outside, UTF-8 inside. What is redirected is
 // written byte for byte, without the run-time library's carriage returns.
-#include "Console.h"
+#include "terminal/Console.h"
 
-#include "OutputBuffer.h"
+#include "terminal/OutputBuffer.h"
 #include "texts/Text.h"
 
 #include <windows.h>

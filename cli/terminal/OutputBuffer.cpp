@@ -1,5 +1,5 @@
 // Collecting and handing on.
-#include "OutputBuffer.h"
+#include "terminal/OutputBuffer.h"
 
 #include <utility>
 

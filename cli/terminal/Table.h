@@ -1,7 +1,7 @@
 // Aligned columns for people.
 #pragma once
 
-#include "Terminal.h"
+#include "terminal/Terminal.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 // The console of a POSIX host, where texts are UTF-8 already.
-#include "Console.h"
+#include "terminal/Console.h"
 
-#include "OutputBuffer.h"
+#include "terminal/OutputBuffer.h"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -1,5 +1,5 @@
 // Drawing the bar.
-#include "Progress.h"
+#include "terminal/Progress.h"
 
 #include "texts/Text.h"
 

@@ -1,7 +1,7 @@
 // What is known of one thing, for people: a line for each of its properties.
 #pragma once
 
-#include "Terminal.h"
+#include "terminal/Terminal.h"
 
 #include <string>
 #include <utility>
