@@ -2,8 +2,8 @@
 #include "SimulatedMachine.h"
 
 #include "ending/Failure.h"
-#include "Files.h"
-#include "HostFiles.h"
+#include "files/Files.h"
+#include "files/HostFiles.h"
 #include "terminal/Console.h"
 
 #include <system_error>

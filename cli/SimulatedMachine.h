@@ -1,7 +1,7 @@
 // The machine that the simulator plays for one command, and the file it may live in between commands.
 #pragma once
 
-#include "FileLock.h"
+#include "files/FileLock.h"
 #include "Options.h"
 
 #include <quillet-simulator/Machine.h>

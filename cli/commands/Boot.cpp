@@ -3,7 +3,7 @@
 #include "Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
-#include "Files.h"
+#include "files/Files.h"
 #include "terminal/Progress.h"
 #include "texts/JsonParts.h"
 #include "texts/ResultCodes.h"

@@ -1,8 +1,8 @@
 // Reading and replacing files.
-#include "Files.h"
+#include "files/Files.h"
 
 #include "ending/Failure.h"
-#include "HostFiles.h"
+#include "files/HostFiles.h"
 
 #include <array>
 #include <fstream>

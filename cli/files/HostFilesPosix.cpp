@@ -1,5 +1,5 @@
 // Files on a POSIX host.
-#include "HostFiles.h"
+#include "files/HostFiles.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

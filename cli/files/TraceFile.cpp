@@ -1,5 +1,5 @@
 // Finding and reading the trace file.
-#include "TraceFile.h"
+#include "files/TraceFile.h"
 
 #include "texts/Text.h"
 

@@ -1,6 +1,6 @@
 // A lock on a POSIX host: that of the file itself, or of its folder as long as there is no file. The system
 // gives it up with the process that has it.
-#include "FileLock.h"
+#include "files/FileLock.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

@@ -1,6 +1,6 @@
 // A lock on Windows: a mutex that is called like the file. One on the file itself would be in the way of its
 // readers, and of the file that takes its place.
-#include "FileLock.h"
+#include "files/FileLock.h"
 
 #include <windows.h>
 

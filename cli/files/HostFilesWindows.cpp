@@ -1,5 +1,5 @@
 // Files on Windows.
-#include "HostFiles.h"
+#include "files/HostFiles.h"
 
 #include <windows.h>
 
