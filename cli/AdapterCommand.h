@@ -1,8 +1,8 @@
 // The shape of a command about one adapter.
 #pragma once
 
-#include "AdapterLookup.h"
 #include "Command.h"
+#include "names/AdapterLookup.h"
 
 #include <string>
 

@@ -1,6 +1,6 @@
 // The command line: global options, nouns and verbs.
 #include "Command.h"
-#include "HostName.h"
+#include "names/HostName.h"
 #include "SimulatedMachine.h"
 #include "terminal/Console.h"
 

@@ -2,8 +2,8 @@
 // name. Secrets are masked.
 #pragma once
 
-#include "AdapterLookup.h"
 #include "Command.h"
+#include "names/AdapterLookup.h"
 #include "texts/Field.h"
 
 namespace quilletctl {

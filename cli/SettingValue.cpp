@@ -2,7 +2,7 @@
 #include "SettingValue.h"
 
 #include "ending/Failure.h"
-#include "HostName.h"
+#include "names/HostName.h"
 #include "SettingTexts.h"
 #include "texts/Text.h"
 

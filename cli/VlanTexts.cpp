@@ -1,7 +1,7 @@
 // VLANs in words, in JSON, and held against what was asked for.
 #include "VlanTexts.h"
 
-#include "ObjectPath.h"
+#include "names/ObjectPath.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
 

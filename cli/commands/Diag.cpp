@@ -2,7 +2,7 @@
 #include "AdapterCommand.h"
 #include "Answers.h"
 #include "Commands.h"
-#include "ObjectPath.h"
+#include "names/ObjectPath.h"
 #include "terminal/Progress.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"

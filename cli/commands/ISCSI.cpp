@@ -3,7 +3,7 @@
 #include "Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
-#include "ObjectPath.h"
+#include "names/ObjectPath.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
 

@@ -1,7 +1,7 @@
 // quilletctl profile: the performance profiles of adapters.
-#include "AdapterLookup.h"
 #include "Answers.h"
 #include "Commands.h"
+#include "names/AdapterLookup.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>

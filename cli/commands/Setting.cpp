@@ -1,7 +1,7 @@
 // quilletctl setting: the advanced settings of adapters, teams, VLANs and boot agents.
 #include "Answers.h"
 #include "Commands.h"
-#include "SettingOwner.h"
+#include "names/SettingOwner.h"
 #include "SettingTexts.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"

@@ -1,8 +1,8 @@
 // quilletctl setting set: one setting of one owner, or of all adapters at once.
-#include "AdapterLookup.h"
 #include "ClientSet.h"
 #include "Commands.h"
-#include "SettingOwner.h"
+#include "names/AdapterLookup.h"
+#include "names/SettingOwner.h"
 #include "SettingTexts.h"
 #include "SettingValue.h"
 #include "texts/BitMask.h"

@@ -1,10 +1,10 @@
 // quilletctl team: teams of adapters and their members.
-#include "AdapterLookup.h"
 #include "Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
-#include "ObjectPath.h"
-#include "TeamLookup.h"
+#include "names/AdapterLookup.h"
+#include "names/ObjectPath.h"
+#include "names/TeamLookup.h"
 #include "texts/BitMask.h"
 #include "texts/JsonParts.h"
 #include "texts/ResultCodes.h"

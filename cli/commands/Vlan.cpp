@@ -2,12 +2,12 @@
 #include "Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
-#include "ObjectPath.h"
+#include "names/ObjectPath.h"
+#include "names/VlanParent.h"
 #include "texts/BitMask.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
 #include "Verification.h"
-#include "VlanParent.h"
 #include "VlanTexts.h"
 
 #include <quillet/VLANTexts.h>

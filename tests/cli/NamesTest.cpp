@@ -2,7 +2,7 @@
 #include "RunCommandLine.h"
 
 #include <ending/Failure.h>
-#include <NameLookup.h>
+#include <names/NameLookup.h>
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

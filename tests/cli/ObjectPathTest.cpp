@@ -1,5 +1,5 @@
 // Object paths as texts: class and key out of one, and one out of both.
-#include <ObjectPath.h>
+#include <names/ObjectPath.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The machine's teams, and finding the one that the command line names.
 #pragma once
 
-#include "NameLookup.h"
+#include "names/NameLookup.h"
 
 #include <quillet/Quillet.h>
 

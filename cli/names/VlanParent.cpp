@@ -1,10 +1,10 @@
 // Listing what can carry VLANs, and finding one.
-#include "VlanParent.h"
+#include "names/VlanParent.h"
 
-#include "AdapterLookup.h"
 #include "ending/Failure.h"
-#include "ObjectPath.h"
-#include "TeamLookup.h"
+#include "names/AdapterLookup.h"
+#include "names/ObjectPath.h"
+#include "names/TeamLookup.h"
 #include "texts/Text.h"
 
 #include <optional>

@@ -1,5 +1,5 @@
 // Looking at names and addresses.
-#include "HostName.h"
+#include "names/HostName.h"
 
 #include <algorithm>
 #include <charconv>

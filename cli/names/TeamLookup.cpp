@@ -1,8 +1,8 @@
 // Listing teams, and finding one.
-#include "TeamLookup.h"
+#include "names/TeamLookup.h"
 
 #include "ending/Failure.h"
-#include "ObjectPath.h"
+#include "names/ObjectPath.h"
 #include "texts/Text.h"
 
 namespace quilletctl {

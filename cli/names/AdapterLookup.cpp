@@ -1,8 +1,8 @@
 // Listing adapters, and finding one.
-#include "AdapterLookup.h"
+#include "names/AdapterLookup.h"
 
-#include "HostName.h"
-#include "ObjectPath.h"
+#include "names/HostName.h"
+#include "names/ObjectPath.h"
 #include "texts/Text.h"
 
 #include <algorithm>

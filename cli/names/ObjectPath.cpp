@@ -1,5 +1,5 @@
 // Taking an object path apart, and making one.
-#include "ObjectPath.h"
+#include "names/ObjectPath.h"
 
 #include "texts/Text.h"
 

@@ -1,5 +1,5 @@
 // Comparing names with what was typed.
-#include "NameLookup.h"
+#include "names/NameLookup.h"
 
 #include "ending/Failure.h"
 #include "texts/Text.h"

@@ -1,7 +1,7 @@
 // What VLANs sit on: an adapter or a team, and finding the one that the command line names.
 #pragma once
 
-#include "NameLookup.h"
+#include "names/NameLookup.h"
 
 #include <quillet/Quillet.h>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ending/Failure.h"
-#include "NameLookup.h"
+#include "names/NameLookup.h"
 #include "texts/Text.h"
 
 #include <quillet/Quillet.h>

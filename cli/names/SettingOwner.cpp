@@ -1,12 +1,12 @@
 // Finding the owner of settings, and reading them.
-#include "SettingOwner.h"
+#include "names/SettingOwner.h"
 
-#include "AdapterLookup.h"
 #include "ending/Failure.h"
-#include "ObjectPath.h"
-#include "TeamLookup.h"
+#include "names/AdapterLookup.h"
+#include "names/ObjectPath.h"
+#include "names/TeamLookup.h"
+#include "names/VlanParent.h"
 #include "texts/Text.h"
-#include "VlanParent.h"
 
 #include <algorithm>
 #include <optional>
