@@ -1,7 +1,7 @@
 // The shape of a command about one adapter.
 #pragma once
 
-#include "Command.h"
+#include "app/Command.h"
 #include "names/AdapterLookup.h"
 
 #include <string>

@@ -1,7 +1,7 @@
 // The bracket around the changes of one command.
 #pragma once
 
-#include "Invocation.h"
+#include "app/Invocation.h"
 #include "Verification.h"
 
 #include <quillet/Quillet.h>

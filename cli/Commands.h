@@ -1,7 +1,7 @@
 // Every command of quilletctl: one function per noun, in the file of that noun.
 #pragma once
 
-#include "Command.h"
+#include "app/Command.h"
 
 namespace quilletctl {
 

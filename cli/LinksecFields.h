@@ -2,7 +2,7 @@
 // name. Secrets are masked.
 #pragma once
 
-#include "Command.h"
+#include "app/Command.h"
 #include "names/AdapterLookup.h"
 #include "texts/Field.h"
 

@@ -2,7 +2,7 @@
 // typed. Never the command line, which every user of a machine can read.
 #pragma once
 
-#include "Command.h"
+#include "app/Command.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,7 @@
 // quilletctl adapter: the machine's network adapters.
 #include "AdapterCommand.h"
 #include "AdapterTexts.h"
-#include "Answers.h"
+#include "app/Answers.h"
 #include "Commands.h"
 #include "names/ObjectPath.h"
 #include "names/TeamLookup.h"

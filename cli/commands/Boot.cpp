@@ -1,6 +1,6 @@
 // quilletctl boot: the boot agent of an adapter and its flash memory.
 #include "AdapterCommand.h"
-#include "Answers.h"
+#include "app/Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "files/Files.h"

@@ -1,6 +1,6 @@
 // quilletctl diag: the diagnostic tests of an adapter.
 #include "AdapterCommand.h"
-#include "Answers.h"
+#include "app/Answers.h"
 #include "Commands.h"
 #include "names/ObjectPath.h"
 #include "terminal/Progress.h"

@@ -1,6 +1,6 @@
 // quilletctl iscsi: booting from an iSCSI target.
 #include "AdapterCommand.h"
-#include "Answers.h"
+#include "app/Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "names/ObjectPath.h"

@@ -1,7 +1,7 @@
 // quilletctl linksec: link security of an adapter. Secrets are asked for, never shown, and never on the
 // command line.
 #include "AdapterCommand.h"
-#include "Answers.h"
+#include "app/Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "LinksecFields.h"

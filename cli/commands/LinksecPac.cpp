@@ -1,6 +1,6 @@
 // quilletctl linksec import-pac, pac-show and pac-delete: the PAC files of an adapter.
 #include "AdapterCommand.h"
-#include "Answers.h"
+#include "app/Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "LinksecFields.h"

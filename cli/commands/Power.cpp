@@ -1,6 +1,6 @@
 // quilletctl power and quilletctl wol: the power-saving and wake-on-LAN options of an adapter.
 #include "AdapterCommand.h"
-#include "Answers.h"
+#include "app/Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "texts/Text.h"

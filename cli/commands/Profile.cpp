@@ -1,5 +1,5 @@
 // quilletctl profile: the performance profiles of adapters.
-#include "Answers.h"
+#include "app/Answers.h"
 #include "Commands.h"
 #include "names/AdapterLookup.h"
 #include "texts/Text.h"

@@ -1,5 +1,5 @@
 // quilletctl setting: the advanced settings of adapters, teams, VLANs and boot agents.
-#include "Answers.h"
+#include "app/Answers.h"
 #include "Commands.h"
 #include "names/SettingOwner.h"
 #include "SettingTexts.h"

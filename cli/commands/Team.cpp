@@ -1,5 +1,5 @@
 // quilletctl team: teams of adapters and their members.
-#include "Answers.h"
+#include "app/Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "names/AdapterLookup.h"

@@ -1,5 +1,5 @@
 // quilletctl vlan: the VLANs of adapters and teams.
-#include "Answers.h"
+#include "app/Answers.h"
 #include "ClientSet.h"
 #include "Commands.h"
 #include "names/ObjectPath.h"

@@ -1,4 +1,4 @@
-#include "Answers.h"
+#include "app/Answers.h"
 
 namespace quilletctl {
 

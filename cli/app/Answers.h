@@ -1,7 +1,7 @@
 // How a command answers that only tells something: for programs as JSON, for people as a table or a sheet.
 #pragma once
 
-#include "Invocation.h"
+#include "app/Invocation.h"
 #include "terminal/Sheet.h"
 #include "terminal/Table.h"
 

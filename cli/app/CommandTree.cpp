@@ -1,7 +1,7 @@
 // The command line: global options, nouns and verbs.
-#include "Command.h"
+#include "app/Command.h"
+#include "app/SimulatedMachine.h"
 #include "names/HostName.h"
-#include "SimulatedMachine.h"
 #include "terminal/Console.h"
 
 #include <CLI/CLI.hpp>

@@ -1,5 +1,5 @@
 // Connecting and disconnecting.
-#include "Connection.h"
+#include "app/Connection.h"
 
 #include "ending/Failure.h"
 #include "texts/Text.h"

@@ -1,5 +1,5 @@
 // Loading and saving the simulated machine.
-#include "SimulatedMachine.h"
+#include "app/SimulatedMachine.h"
 
 #include "ending/Failure.h"
 #include "files/Files.h"

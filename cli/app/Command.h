@@ -2,10 +2,10 @@
 // file per noun in commands/ adds them to the tree, and Commands.cpp lists those files.
 #pragma once
 
-#include "CommandDescription.h"
+#include "app/CommandDescription.h"
+#include "app/Invocation.h"
+#include "app/Options.h"
 #include "ending/Failure.h"
-#include "Invocation.h"
-#include "Options.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,5 +1,5 @@
 // Help texts.
-#include "CommandDescription.h"
+#include "app/CommandDescription.h"
 
 #include "texts/Text.h"
 

@@ -1,5 +1,5 @@
 // Connecting on demand, answering, and what follows a command.
-#include "Invocation.h"
+#include "app/Invocation.h"
 
 #include "texts/Text.h"
 

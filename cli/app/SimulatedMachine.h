@@ -1,8 +1,8 @@
 // The machine that the simulator plays for one command, and the file it may live in between commands.
 #pragma once
 
+#include "app/Options.h"
 #include "files/FileLock.h"
-#include "Options.h"
 
 #include <quillet-simulator/Machine.h>
 

@@ -1,11 +1,11 @@
 // One run of a command: its options, the provider that it talks to, and where it writes.
 #pragma once
 
-#include "Connection.h"
+#include "app/Connection.h"
+#include "app/Options.h"
+#include "app/SimulatedMachine.h"
 #include "ending/Failure.h"
 #include "ending/Interrupt.h"
-#include "Options.h"
-#include "SimulatedMachine.h"
 #include "terminal/Terminal.h"
 #include "texts/Json.h"
 
