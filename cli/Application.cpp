@@ -1,7 +1,7 @@
 // From a command line to its outcome.
 #include "Application.h"
 
-#include "ClientSet.h"
+#include "changes/ClientSet.h"
 #include "Commands.h"
 #include "texts/ResultCodes.h"
 #include "texts/Text.h"

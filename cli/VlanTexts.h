@@ -1,8 +1,8 @@
 // VLANs as people and programs read them, and whether they are as they were asked for.
 #pragma once
 
+#include "changes/Verification.h"
 #include "names/VlanParent.h"
-#include "Verification.h"
 
 #include <string>
 

@@ -2,6 +2,7 @@
 #include "AdapterCommand.h"
 #include "AdapterTexts.h"
 #include "app/Answers.h"
+#include "changes/Verification.h"
 #include "Commands.h"
 #include "names/ObjectPath.h"
 #include "names/TeamLookup.h"
@@ -9,7 +10,6 @@
 #include "texts/JsonParts.h"
 #include "texts/ResultCodes.h"
 #include "texts/Text.h"
-#include "Verification.h"
 
 #include <nlohmann/json.hpp>
 

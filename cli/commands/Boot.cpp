@@ -1,7 +1,7 @@
 // quilletctl boot: the boot agent of an adapter and its flash memory.
 #include "AdapterCommand.h"
 #include "app/Answers.h"
-#include "ClientSet.h"
+#include "changes/ClientSet.h"
 #include "Commands.h"
 #include "files/Files.h"
 #include "terminal/Progress.h"

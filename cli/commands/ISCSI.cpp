@@ -1,7 +1,7 @@
 // quilletctl iscsi: booting from an iSCSI target.
 #include "AdapterCommand.h"
 #include "app/Answers.h"
-#include "ClientSet.h"
+#include "changes/ClientSet.h"
 #include "Commands.h"
 #include "names/ObjectPath.h"
 #include "texts/JsonParts.h"

@@ -2,7 +2,7 @@
 // command line.
 #include "AdapterCommand.h"
 #include "app/Answers.h"
-#include "ClientSet.h"
+#include "changes/ClientSet.h"
 #include "Commands.h"
 #include "LinksecFields.h"
 #include "SecretInput.h"

@@ -1,7 +1,7 @@
 // quilletctl linksec import-pac, pac-show and pac-delete: the PAC files of an adapter.
 #include "AdapterCommand.h"
 #include "app/Answers.h"
-#include "ClientSet.h"
+#include "changes/ClientSet.h"
 #include "Commands.h"
 #include "LinksecFields.h"
 #include "SecretInput.h"

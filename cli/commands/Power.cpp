@@ -1,7 +1,7 @@
 // quilletctl power and quilletctl wol: the power-saving and wake-on-LAN options of an adapter.
 #include "AdapterCommand.h"
 #include "app/Answers.h"
-#include "ClientSet.h"
+#include "changes/ClientSet.h"
 #include "Commands.h"
 #include "texts/Text.h"
 

@@ -1,5 +1,6 @@
 // quilletctl setting set: one setting of one owner, or of all adapters at once.
-#include "ClientSet.h"
+#include "changes/ClientSet.h"
+#include "changes/Verification.h"
 #include "Commands.h"
 #include "names/AdapterLookup.h"
 #include "names/SettingOwner.h"
@@ -8,7 +9,6 @@
 #include "texts/BitMask.h"
 #include "texts/ResultCodes.h"
 #include "texts/Text.h"
-#include "Verification.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,6 +1,7 @@
 // quilletctl team: teams of adapters and their members.
 #include "app/Answers.h"
-#include "ClientSet.h"
+#include "changes/ClientSet.h"
+#include "changes/Verification.h"
 #include "Commands.h"
 #include "names/AdapterLookup.h"
 #include "names/ObjectPath.h"
@@ -9,7 +10,6 @@
 #include "texts/JsonParts.h"
 #include "texts/ResultCodes.h"
 #include "texts/Text.h"
-#include "Verification.h"
 
 #include <nlohmann/json.hpp>
 

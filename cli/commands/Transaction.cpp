@@ -1,5 +1,5 @@
 // quilletctl transaction: the bracket around changes, tried without one.
-#include "ClientSet.h"
+#include "changes/ClientSet.h"
 #include "Commands.h"
 
 #include <nlohmann/json.hpp>

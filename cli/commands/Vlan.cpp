@@ -1,13 +1,13 @@
 // quilletctl vlan: the VLANs of adapters and teams.
 #include "app/Answers.h"
-#include "ClientSet.h"
+#include "changes/ClientSet.h"
+#include "changes/Verification.h"
 #include "Commands.h"
 #include "names/ObjectPath.h"
 #include "names/VlanParent.h"
 #include "texts/BitMask.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
-#include "Verification.h"
 #include "VlanTexts.h"
 
 #include <quillet/VLANTexts.h>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/Invocation.h"
-#include "Verification.h"
+#include "changes/Verification.h"
 
 #include <quillet/Quillet.h>
 

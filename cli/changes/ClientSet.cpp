@@ -1,5 +1,5 @@
 // Opening and closing a client set.
-#include "ClientSet.h"
+#include "changes/ClientSet.h"
 
 #include "texts/ResultCodes.h"
 #include "texts/Text.h"

@@ -1,5 +1,5 @@
 // Comparing, and telling what did not take.
-#include "Verification.h"
+#include "changes/Verification.h"
 
 #include <algorithm>
 
