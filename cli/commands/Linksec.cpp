@@ -5,7 +5,7 @@
 #include "changes/ClientSet.h"
 #include "Commands.h"
 #include "LinksecFields.h"
-#include "SecretInput.h"
+#include "secrets/SecretInput.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>

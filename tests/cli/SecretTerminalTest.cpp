@@ -3,7 +3,7 @@
 #include "RunCommandLine.h"
 
 #include <ending/Failure.h>
-#include <SecretTerminal.h>
+#include <secrets/SecretTerminal.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Secrets on Windows.
-#include "SecretInput.h"
+#include "secrets/SecretInput.h"
 
 #include "texts/Text.h"
 

@@ -1,5 +1,5 @@
 // Reading secrets without leaving copies of them behind.
-#include "SecretInput.h"
+#include "secrets/SecretInput.h"
 
 #include "texts/Text.h"
 

@@ -1,6 +1,6 @@
 // Secrets on a POSIX host.
-#include "SecretInput.h"
-#include "SecretTerminal.h"
+#include "secrets/SecretInput.h"
+#include "secrets/SecretTerminal.h"
 
 #include <fcntl.h>
 #include <termios.h>
