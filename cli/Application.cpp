@@ -2,7 +2,7 @@
 #include "Application.h"
 
 #include "changes/ClientSet.h"
-#include "Commands.h"
+#include "commands/Commands.h"
 #include "texts/ResultCodes.h"
 #include "texts/Text.h"
 

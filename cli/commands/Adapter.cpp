@@ -1,9 +1,9 @@
 // quilletctl adapter: the machine's network adapters.
-#include "AdapterCommand.h"
 #include "AdapterTexts.h"
 #include "app/Answers.h"
 #include "changes/Verification.h"
-#include "Commands.h"
+#include "commands/AdapterCommand.h"
+#include "commands/Commands.h"
 #include "names/ObjectPath.h"
 #include "names/TeamLookup.h"
 #include "texts/BitMask.h"

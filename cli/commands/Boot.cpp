@@ -1,8 +1,8 @@
 // quilletctl boot: the boot agent of an adapter and its flash memory.
-#include "AdapterCommand.h"
 #include "app/Answers.h"
 #include "changes/ClientSet.h"
-#include "Commands.h"
+#include "commands/AdapterCommand.h"
+#include "commands/Commands.h"
 #include "files/Files.h"
 #include "terminal/Progress.h"
 #include "texts/JsonParts.h"

@@ -1,7 +1,7 @@
 // quilletctl diag: the diagnostic tests of an adapter.
-#include "AdapterCommand.h"
 #include "app/Answers.h"
-#include "Commands.h"
+#include "commands/AdapterCommand.h"
+#include "commands/Commands.h"
 #include "names/ObjectPath.h"
 #include "terminal/Progress.h"
 #include "texts/JsonParts.h"

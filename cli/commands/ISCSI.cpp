@@ -1,8 +1,8 @@
 // quilletctl iscsi: booting from an iSCSI target.
-#include "AdapterCommand.h"
 #include "app/Answers.h"
 #include "changes/ClientSet.h"
-#include "Commands.h"
+#include "commands/AdapterCommand.h"
+#include "commands/Commands.h"
 #include "names/ObjectPath.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"

@@ -1,9 +1,9 @@
 // quilletctl linksec: link security of an adapter. Secrets are asked for, never shown, and never on the
 // command line.
-#include "AdapterCommand.h"
 #include "app/Answers.h"
 #include "changes/ClientSet.h"
-#include "Commands.h"
+#include "commands/AdapterCommand.h"
+#include "commands/Commands.h"
 #include "LinksecFields.h"
 #include "secrets/SecretInput.h"
 #include "texts/Text.h"

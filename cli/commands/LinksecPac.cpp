@@ -1,8 +1,8 @@
 // quilletctl linksec import-pac, pac-show and pac-delete: the PAC files of an adapter.
-#include "AdapterCommand.h"
 #include "app/Answers.h"
 #include "changes/ClientSet.h"
-#include "Commands.h"
+#include "commands/AdapterCommand.h"
+#include "commands/Commands.h"
 #include "LinksecFields.h"
 #include "secrets/SecretInput.h"
 #include "texts/Text.h"

@@ -1,8 +1,8 @@
 // quilletctl power and quilletctl wol: the power-saving and wake-on-LAN options of an adapter.
-#include "AdapterCommand.h"
 #include "app/Answers.h"
 #include "changes/ClientSet.h"
-#include "Commands.h"
+#include "commands/AdapterCommand.h"
+#include "commands/Commands.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>

@@ -1,6 +1,6 @@
 // quilletctl profile: the performance profiles of adapters.
 #include "app/Answers.h"
-#include "Commands.h"
+#include "commands/Commands.h"
 #include "names/AdapterLookup.h"
 #include "texts/Text.h"
 

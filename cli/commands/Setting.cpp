@@ -1,6 +1,6 @@
 // quilletctl setting: the advanced settings of adapters, teams, VLANs and boot agents.
 #include "app/Answers.h"
-#include "Commands.h"
+#include "commands/Commands.h"
 #include "names/SettingOwner.h"
 #include "SettingTexts.h"
 #include "texts/JsonParts.h"

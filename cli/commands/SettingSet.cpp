@@ -1,7 +1,7 @@
 // quilletctl setting set: one setting of one owner, or of all adapters at once.
 #include "changes/ClientSet.h"
 #include "changes/Verification.h"
-#include "Commands.h"
+#include "commands/Commands.h"
 #include "names/AdapterLookup.h"
 #include "names/SettingOwner.h"
 #include "SettingTexts.h"

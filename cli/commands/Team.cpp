@@ -2,7 +2,7 @@
 #include "app/Answers.h"
 #include "changes/ClientSet.h"
 #include "changes/Verification.h"
-#include "Commands.h"
+#include "commands/Commands.h"
 #include "names/AdapterLookup.h"
 #include "names/ObjectPath.h"
 #include "names/TeamLookup.h"

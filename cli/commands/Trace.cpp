@@ -1,5 +1,5 @@
 // quilletctl trace: where the library writes its trace, and what a connection leaves there.
-#include "Commands.h"
+#include "commands/Commands.h"
 #include "files/TraceFile.h"
 #include "texts/Text.h"
 

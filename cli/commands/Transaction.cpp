@@ -1,6 +1,6 @@
 // quilletctl transaction: the bracket around changes, tried without one.
 #include "changes/ClientSet.h"
-#include "Commands.h"
+#include "commands/Commands.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,5 +1,5 @@
 // quilletctl warnings: what the provider wants the machine's keeper to know.
-#include "Commands.h"
+#include "commands/Commands.h"
 #include "texts/BitMask.h"
 
 #include <nlohmann/json.hpp>

@@ -1,5 +1,5 @@
 // The list of the commands.
-#include "Commands.h"
+#include "commands/Commands.h"
 
 namespace quilletctl {
 
