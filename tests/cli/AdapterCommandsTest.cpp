@@ -1,7 +1,7 @@
 // The commands about one adapter: what they show, and how the adapter is named.
 #include "RunCommandLine.h"
 
-#include <AdapterTexts.h>
+#include <commands/adapter/AdapterTexts.h>
 
 #include <nlohmann/json.hpp>
 

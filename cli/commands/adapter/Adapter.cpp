@@ -1,7 +1,7 @@
 // quilletctl adapter: the machine's network adapters.
-#include "AdapterTexts.h"
 #include "app/Answers.h"
 #include "changes/Verification.h"
+#include "commands/adapter/AdapterTexts.h"
 #include "commands/AdapterCommand.h"
 #include "commands/Commands.h"
 #include "names/ObjectPath.h"

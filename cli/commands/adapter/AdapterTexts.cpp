@@ -1,5 +1,5 @@
 // The words. A number that has none is shown as it is, for a later provider may know more of them.
-#include "AdapterTexts.h"
+#include "commands/adapter/AdapterTexts.h"
 
 namespace quilletctl {
 
