@@ -4,7 +4,7 @@
 #include "changes/ClientSet.h"
 #include "commands/AdapterCommand.h"
 #include "commands/Commands.h"
-#include "LinksecFields.h"
+#include "commands/linksec/LinksecFields.h"
 #include "secrets/SecretInput.h"
 #include "texts/Text.h"
 

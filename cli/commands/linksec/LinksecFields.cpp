@@ -1,5 +1,5 @@
 // What the records of link security hold.
-#include "LinksecFields.h"
+#include "commands/linksec/LinksecFields.h"
 
 #include "texts/Text.h"
 
