@@ -1,5 +1,5 @@
 // The six kinds of settings in words and in JSON.
-#include "SettingTexts.h"
+#include "commands/setting/SettingTexts.h"
 
 #include "ending/Failure.h"
 #include "texts/Text.h"

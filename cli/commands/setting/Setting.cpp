@@ -1,8 +1,8 @@
 // quilletctl setting: the advanced settings of adapters, teams, VLANs and boot agents.
 #include "app/Answers.h"
 #include "commands/Commands.h"
+#include "commands/setting/SettingTexts.h"
 #include "names/SettingOwner.h"
-#include "SettingTexts.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
 

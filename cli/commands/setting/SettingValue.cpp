@@ -1,9 +1,9 @@
 // Values of settings from texts.
-#include "SettingValue.h"
+#include "commands/setting/SettingValue.h"
 
+#include "commands/setting/SettingTexts.h"
 #include "ending/Failure.h"
 #include "names/HostName.h"
-#include "SettingTexts.h"
 #include "texts/Text.h"
 
 #include <charconv>
