@@ -1,5 +1,5 @@
 // VLANs in words, in JSON, and held against what was asked for.
-#include "VlanTexts.h"
+#include "commands/vlan/VlanTexts.h"
 
 #include "names/ObjectPath.h"
 #include "texts/JsonParts.h"

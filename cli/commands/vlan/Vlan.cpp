@@ -3,12 +3,12 @@
 #include "changes/ClientSet.h"
 #include "changes/Verification.h"
 #include "commands/Commands.h"
+#include "commands/vlan/VlanTexts.h"
 #include "names/ObjectPath.h"
 #include "names/VlanParent.h"
 #include "texts/BitMask.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
-#include "VlanTexts.h"
 
 #include <quillet/VLANTexts.h>
 
