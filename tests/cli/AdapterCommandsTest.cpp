@@ -1,5 +1,5 @@
 // The commands about one adapter: what they show, and how the adapter is named.
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <commands/adapter/AdapterTexts.h>
 

@@ -1,5 +1,5 @@
 // Command lines that cannot be carried out, each with what is said about it and how it ends.
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <texts/Text.h>
 

@@ -1,5 +1,5 @@
 // The commands about diagnostics, boot agents and iSCSI boot against simulated machines.
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <quillet-simulator/FlashImage.h>
 

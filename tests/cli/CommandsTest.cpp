@@ -1,6 +1,6 @@
 // The commands against simulated machines.
-#include "Environment.h"
-#include "RunCommandLine.h"
+#include "support/Environment.h"
+#include "support/RunCommandLine.h"
 
 #include <terminal/Console.h>
 

@@ -1,5 +1,5 @@
 // Ctrl-C, and the program on a pseudo-terminal: what only a POSIX host can be told from within a test.
-#include "RunningProgram.h"
+#include "support/RunningProgram.h"
 
 #include <ending/Interrupt.h>
 

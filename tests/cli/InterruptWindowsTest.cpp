@@ -1,5 +1,5 @@
 // Ctrl-C on Windows, in a console that the program shares with the test.
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <ending/Interrupt.h>
 #include <texts/Text.h>

@@ -1,6 +1,6 @@
 // Signals to the program while it changes something: where it stops, what it tells, and what the machine is
 // then.
-#include "RunningProgram.h"
+#include "support/RunningProgram.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,7 +1,7 @@
 // quilletctl linksec: what it shows and changes, where its secrets come from, and that they go nowhere.
-#include "Descriptor.h"
-#include "LinksecMachine.h"
-#include "RunCommandLine.h"
+#include "support/Descriptor.h"
+#include "support/LinksecMachine.h"
+#include "support/RunCommandLine.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,8 +1,8 @@
 // What quilletctl itself gives back to the heap while it handles secrets.
-#include "Descriptor.h"
+#include "support/Descriptor.h"
 #include "FreedBlocks.h"
-#include "LinksecMachine.h"
-#include "RunCommandLine.h"
+#include "support/LinksecMachine.h"
+#include "support/RunCommandLine.h"
 
 namespace {
 

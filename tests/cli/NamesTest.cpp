@@ -1,5 +1,5 @@
 // Names on the command line: what is printed of a thing is what it can be called, by every command alike.
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <ending/Failure.h>
 #include <names/NameLookup.h>

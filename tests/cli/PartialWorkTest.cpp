@@ -1,6 +1,6 @@
 // Commands that make several changes, or one of which a part is done: what is there afterwards, what is not,
 // and whether a restart is needed.
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,5 +1,5 @@
 // What asks before it deletes or overwrites, and what an answer does.
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <nlohmann/json.hpp>
 

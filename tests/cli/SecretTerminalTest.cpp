@@ -1,6 +1,6 @@
 // The prompt for a secret on a terminal of its own.
-#include "LinksecMachine.h"
-#include "RunCommandLine.h"
+#include "support/LinksecMachine.h"
+#include "support/RunCommandLine.h"
 
 #include <ending/Failure.h>
 #include <secrets/SecretTerminal.h>

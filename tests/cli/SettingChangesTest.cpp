@@ -1,5 +1,5 @@
 // Changing settings, profiles, power and wake-on-LAN from the command line.
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,5 +1,5 @@
 // The commands that read settings, of every kind and every owner.
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,5 +1,5 @@
 // The state file's rights, owner and links, as a POSIX host has them.
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

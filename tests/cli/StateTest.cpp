@@ -1,5 +1,5 @@
 // The simulated machine that lives in a file from one command to the next.
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <terminal/Console.h>
 

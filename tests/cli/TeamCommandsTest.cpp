@@ -1,5 +1,5 @@
 // The commands about teams, against machines that keep what was done to them.
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <nlohmann/json.hpp>
 

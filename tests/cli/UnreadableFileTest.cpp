@@ -1,6 +1,6 @@
 // A file that opens and then cannot be read, as on a broken disk. Only a POSIX host has one that always does
 // so.
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <gmock/gmock.h>
 

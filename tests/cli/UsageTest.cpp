@@ -1,5 +1,5 @@
 // The command line itself: help, versions, and what is refused before anything is contacted.
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <algorithm>
 

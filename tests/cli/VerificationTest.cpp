@@ -1,7 +1,7 @@
 // Changes that the provider accepts and does not make, or makes in part: what the tool says then.
-#include "Descriptor.h"
-#include "LinksecMachine.h"
-#include "RunCommandLine.h"
+#include "support/Descriptor.h"
+#include "support/LinksecMachine.h"
+#include "support/RunCommandLine.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,5 +1,5 @@
 // The commands about VLANs, on the shipped machine: its team carries the VLANs 0, 12 and 340.
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,5 +1,5 @@
 // Environment variables on a POSIX host.
-#include "Environment.h"
+#include "support/Environment.h"
 
 #include <stdlib.h>
 

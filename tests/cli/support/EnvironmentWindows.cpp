@@ -1,5 +1,5 @@
 // Environment variables on Windows, where the C library keeps its own copy.
-#include "Environment.h"
+#include "support/Environment.h"
 
 #include <stdlib.h>
 

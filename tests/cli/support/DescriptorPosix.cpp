@@ -1,4 +1,4 @@
-#include "Descriptor.h"
+#include "support/Descriptor.h"
 
 #include <unistd.h>
 

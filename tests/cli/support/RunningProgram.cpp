@@ -1,5 +1,5 @@
 // Starting the program, on pipes or on a pseudo-terminal.
-#include "RunningProgram.h"
+#include "support/RunningProgram.h"
 
 #include <csignal>
 #include <fcntl.h>

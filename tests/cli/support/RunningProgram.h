@@ -1,7 +1,7 @@
 // The program itself in a process of its own, which a test sends signals to. For POSIX hosts.
 #pragma once
 
-#include "RunCommandLine.h"
+#include "support/RunCommandLine.h"
 
 #include <chrono>
 #include <string>
