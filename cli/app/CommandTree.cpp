@@ -1,5 +1,5 @@
 // The command line: global options, nouns and verbs.
-#include "app/Command.h"
+#include "app/CommandTree.h"
 #include "app/SimulatedMachine.h"
 #include "names/HostName.h"
 #include "terminal/Console.h"

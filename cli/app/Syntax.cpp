@@ -1,6 +1,6 @@
 // Declaring what a command takes: to the parser of the command line, and in the command's description. Values
 // that do not fit are not repeated in messages: what was typed in a wrong place may be a secret.
-#include "app/Command.h"
+#include "app/Syntax.h"
 
 #include <CLI/CLI.hpp>
 

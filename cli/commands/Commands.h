@@ -1,7 +1,7 @@
 // Every command of quilletctl: one function per noun, in the file of that noun.
 #pragma once
 
-#include "app/Command.h"
+#include "app/CommandTree.h"
 
 namespace quilletctl {
 

@@ -1,6 +1,7 @@
 // Reading secrets without leaving copies of them behind.
 #include "secrets/SecretInput.h"
 
+#include "ending/Failure.h"
 #include "texts/Text.h"
 
 #include <windows.h>

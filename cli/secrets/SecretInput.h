@@ -2,7 +2,7 @@
 // typed. Never the command line, which every user of a machine can read.
 #pragma once
 
-#include "app/Command.h"
+#include "app/Syntax.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,5 +1,6 @@
 // Secrets on a POSIX host.
 #include "secrets/SecretInput.h"
+#include "ending/Failure.h"
 #include "secrets/SecretTerminal.h"
 
 #include <fcntl.h>

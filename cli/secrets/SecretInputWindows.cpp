@@ -1,6 +1,7 @@
 // Secrets on Windows.
 #include "secrets/SecretInput.h"
 
+#include "ending/Failure.h"
 #include "texts/Text.h"
 
 #include <windows.h>

@@ -2,7 +2,7 @@
 // name. Secrets are masked.
 #pragma once
 
-#include "app/Command.h"
+#include "app/Syntax.h"
 #include "names/AdapterLookup.h"
 #include "texts/Field.h"
 
