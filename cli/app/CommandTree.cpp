@@ -1,5 +1,7 @@
 // The command line: global options, nouns and verbs.
 #include "app/CommandTree.h"
+
+#include "app/ParsedLine.h"
 #include "app/SimulatedMachine.h"
 #include "names/HostName.h"
 #include "terminal/Console.h"
@@ -7,7 +9,6 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <map>
 #include <utility>
 
 namespace quilletctl {
@@ -34,32 +35,6 @@ void Configure(CLI::App& app) {
 const char* NameOf(CommandTree::Group group) {
     return group == CommandTree::Group::Management ? "Nouns" : "Diagnostics and help";
 }
-
-std::string Joined(const std::vector<std::string>& words, const char* separator = " ") {
-    std::string text;
-    for (const std::string& word : words) {
-        text += (text.empty() ? "" : separator) + word;
-    }
-    return text;
-}
-
-/// The nouns, or the verbs of one noun.
-std::string NamesWithin(const CLI::App& app) {
-    std::vector<std::string> names;
-    for (const CLI::App* each : app.get_subcommands([](const CLI::App*) { return true; })) {
-        names.push_back(each->get_name());
-    }
-    return Joined(names, ", ");
-}
-
-/// The name of the option that a word of the line is, without its value; empty when it is none.
-std::string OptionIn(const std::string& word) {
-    return word.starts_with("--") ? word.substr(0, word.find('=')) : std::string();
-}
-
-constexpr const char* NOT_REPEATED =
-    " takes no such word or option; it is not repeated here, for it may be a secret: secrets are typed at a "
-    "prompt or read with --secret-fd, never given on the command line";
 
 } // namespace
 
@@ -170,108 +145,25 @@ std::vector<std::string> CommandTree::WithSimulateApart(const std::vector<std::s
     return line;
 }
 
-std::vector<std::string> CommandTree::ChosenWords() const {
-    std::vector<std::string> words;
-    for (const CLI::App* app = m_app.get(); !app->get_subcommands().empty();) {
-        app = app->get_subcommands().front();
-        words.push_back(app->get_name());
-    }
-    return words;
-}
-
-const CommandDescription* CommandTree::ChosenCommand() const {
-    const std::string name = Joined(ChosenWords());
-    const auto found = std::find_if(m_description.commands.begin(), m_description.commands.end(),
-                                    [&](const CommandDescription& each) { return each.name == name; });
-    return found == m_description.commands.end() ? nullptr : &*found;
-}
-
-const OptionDescription* CommandTree::FindOption(const std::string& name) const {
-    const CommandDescription* command = ChosenCommand();
-    if (const OptionDescription* own = command == nullptr ? nullptr : command->Option(name)) {
-        return own;
-    }
-    const auto found = std::find_if(m_description.options.begin(), m_description.options.end(),
-                                    [&](const OptionDescription& each) { return each.name == name; });
-    return found == m_description.options.end() ? nullptr : &*found;
-}
-
-std::string CommandTree::SuperfluousText() const {
-    const std::vector<std::string> chosen = ChosenWords();
-    const std::string name = Joined(chosen);
-    const CommandDescription* command = ChosenCommand();
-    if (command != nullptr && command->takesSecrets) {
-        return name + NOT_REPEATED;
-    }
-    const std::vector<std::string> words = m_app->remaining(true);
-    const std::string word = words.empty() ? std::string() : words.front();
-    if (word.starts_with('-') && word.size() > 1) {
-        return (name.empty() ? "there is" : name + " has") + " no option " + word.substr(0, word.find('=')) +
-               "; see quilletctl help" + (name.empty() ? "" : ' ' + name);
-    }
-    if (command != nullptr) {
-        return name + " takes no further word: \"" + word + '"';
-    }
-    return chosen.empty()
-               ? "there is no command \"" + word + "\", only " + NamesWithin(*m_app)
-               : name + " has no verb \"" + word + "\", only " + NamesWithin(*m_app->get_subcommand(name));
-}
-
-std::string CommandTree::MistakeText(const std::vector<std::string>& line,
-                                     const std::string& parserText) const {
-    const CommandDescription* command = ChosenCommand();
-    const auto end = std::find(line.begin(), line.end(), "--");
-    // Options of the line in their order: the parser's own texts may repeat values, and speak its language.
-    std::map<std::string, int> given;
-    for (auto word = line.begin(); word != end; ++word) {
-        const std::string name = OptionIn(*word);
-        const OptionDescription* option = name.empty() ? nullptr : FindOption(name);
-        if (option != nullptr && option->value.empty() && name.size() < word->size()) {
-            return name + ": takes no value";
-        }
-        if (option != nullptr && !option->value.empty() && !option->isRepeatable && ++given[name] > 1) {
-            return name + ": given more than once";
-        }
-    }
-    const std::string subject = parserText.substr(0, parserText.find(": "));
-    if (const OptionDescription* option = FindOption(subject)) {
-        return subject + ": " + ValueText(*option) + " is needed";
-    }
-    const auto isSubject = [&](const ArgumentDescription& each) { return each.name == subject; };
-    if (command != nullptr && parserText.size() > subject.size() + 2) {
-        const auto argument = std::find_if(command->arguments.begin(), command->arguments.end(), isSubject);
-        if (argument != command->arguments.end() && !argument->words.empty()) {
-            return ShownName(*argument) + ": " + ListOf(argument->words) + " is needed";
-        }
-    }
-    if (command == nullptr) {
-        return "not understood";
-    }
-    const bool areTooMany = parserText.find("At Most") != std::string::npos;
-    return (areTooMany ? "too many words; usage: " : "words are missing; usage: ") + UsageOf(*command);
-}
-
 Command& CommandTree::Parse(const std::vector<std::string>& arguments) {
     const std::vector<std::string> line = WithSimulateApart(arguments);
+    const ParsedLine parsed(*m_app, m_description, line);
     try {
         m_app->parse(std::vector<std::string>(line.rbegin(), line.rend()));
     } catch (const CLI::CallForHelp&) {
-        throw TextRequest{HelpText(m_description, ChosenWords()).value_or("")};
+        throw TextRequest{HelpText(m_description, parsed.Chosen()).value_or("")};
     } catch (const CLI::CallForVersion& version) {
         throw TextRequest{std::string(version.what()) + "\n"};
     } catch (const CLI::ExtrasError&) {
-        throw UsageError(SuperfluousText());
+        throw UsageError(parsed.SuperfluousText());
     } catch (const CLI::ParseError& mistake) {
-        throw UsageError(MistakeText(line, mistake.what()));
+        throw UsageError(parsed.MistakeText(mistake.what()));
     }
     CheckGlobalOptions();
 
-    const CommandDescription* command = ChosenCommand();
+    const CommandDescription* command = parsed.Command();
     if (command == nullptr) {
-        const std::vector<std::string> chosen = ChosenWords();
-        throw UsageError(chosen.empty() ? "a command is needed: " + NamesWithin(*m_app)
-                                        : chosen.front() + " needs a verb: " +
-                                              NamesWithin(*m_app->get_subcommand(chosen.front())));
+        throw UsageError(parsed.UnfinishedText());
     }
     return *m_leaves[static_cast<std::size_t>(command - m_description.commands.data())].command;
 }

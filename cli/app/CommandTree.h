@@ -72,14 +72,6 @@ class CommandTree {
     /// The line with each "--simulate" that has no file moved to its end, where it cannot take the name of a
     /// command for one.
     std::vector<std::string> WithSimulateApart(const std::vector<std::string>& arguments) const;
-    /// Noun and verb that the line has chosen so far.
-    std::vector<std::string> ChosenWords() const;
-    const CommandDescription* ChosenCommand() const;
-    const OptionDescription* FindOption(const std::string& name) const;
-    /// What is wrong with a line that the parser refused, in words. The first is for lines with words too
-    /// many, the second for all others.
-    std::string SuperfluousText() const;
-    std::string MistakeText(const std::vector<std::string>& line, const std::string& parserText) const;
     void CheckGlobalOptions();
 
     GlobalOptions m_options;
