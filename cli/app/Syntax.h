@@ -17,6 +17,9 @@ class App;
 
 namespace quilletctl {
 
+/// The words of a choice that is a switch.
+inline const std::vector<std::string> kOnOff{"on", "off"};
+
 /// The variables must live as long as the command; they hold the default until the command line is read.
 class Syntax {
   public:

@@ -10,15 +10,11 @@ void AddBootCommands(CommandTree& tree);
 void AddDiagCommands(CommandTree& tree);
 void AddISCSICommands(CommandTree& tree);
 void AddSettingCommands(CommandTree& tree);
-/// The verb that changes, beside those that read.
-void AddSettingSet(CommandTree::Noun& setting);
 void AddProfileCommands(CommandTree& tree);
 /// "power" and "wol".
 void AddPowerCommands(CommandTree& tree);
 void AddTeamCommands(CommandTree& tree);
 void AddLinksecCommands(CommandTree& tree);
-/// The verbs about PAC files.
-void AddLinksecPac(CommandTree::Noun& linksec);
 void AddVlanCommands(CommandTree& tree);
 void AddWarningsCommand(CommandTree& tree);
 void AddTraceCommand(CommandTree& tree);

@@ -48,7 +48,6 @@ constexpr std::array WAKE_OPTIONS{
     Option<Wake>{"--pattern", "Wake on packet pattern", "pattern", &Wake::m_dwWakeOnPattern},
 };
 
-const std::vector<std::string> SWITCH{"on", "off"};
 const std::vector<std::string> MODES{"0", "1", "2"};
 
 Power ReadPower(CQuillet& session, const ListedAdapter& adapter) {
@@ -112,7 +111,7 @@ class Switches {
 
     void Declare(Syntax& syntax) {
         for (std::size_t i = 0; i < Size; ++i) {
-            syntax.Choice(m_options[i].word, m_words[i], SWITCH, m_options[i].label);
+            syntax.Choice(m_options[i].word, m_words[i], kOnOff, m_options[i].label);
         }
     }
     bool IsAnyGiven() const {

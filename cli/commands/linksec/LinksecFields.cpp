@@ -14,10 +14,6 @@ Field Masked(const char* key, const char* label, const std::wstring& secret) {
 
 } // namespace
 
-void DeclareReload(Syntax& syntax, bool& reload) {
-    syntax.Flag("--reload", reload, "Reload the driver, so that the change takes effect at once");
-}
-
 CAdapterManualAuthInfo ReadKeys(CQuillet& session, const ListedAdapter& adapter) {
     return ReadRecord(session, &CQuillet::GetAdapterLinksecManualAuthOptions, adapter, "the keys");
 }
@@ -79,6 +75,16 @@ std::vector<Field> FieldsOf(const CAdapterLinksecSavedCredInfo& saved) {
 std::vector<Field> FieldsOf(const CAdapterManualPMKInfo& key) {
     return {Masked("key", "Pairwise master key", key.m_sManualPMKKey),
             {"randomMac", "Random MAC address", key.m_bRandMACAddress}};
+}
+
+void AddTo(Sheet& sheet, const std::vector<Field>& fields) {
+    for (const Field& field : fields) {
+        const Json& value = field.value;
+        sheet.Add(field.label, value.is_null()      ? std::string()
+                               : value.is_boolean() ? YesOrNo(value.get<bool>())
+                               : value.is_string()  ? value.get<std::string>()
+                                                    : TextOf(value));
+    }
 }
 
 } // namespace quilletctl

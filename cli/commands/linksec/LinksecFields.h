@@ -2,8 +2,8 @@
 // name. Secrets are masked.
 #pragma once
 
-#include "app/Syntax.h"
 #include "names/AdapterLookup.h"
+#include "terminal/Sheet.h"
 #include "texts/Field.h"
 
 namespace quilletctl {
@@ -20,7 +20,7 @@ std::vector<Field> FieldsOf(const CAdapterAuthTypeInfo& authentication);
 std::vector<Field> FieldsOf(const CAdapterLinksecSavedCredInfo& saved);
 std::vector<Field> FieldsOf(const CAdapterManualPMKInfo& key);
 
-/// "--reload".
-void DeclareReload(Syntax& syntax, bool& reload);
+/// A line for each value.
+void AddTo(Sheet& sheet, const std::vector<Field>& fields);
 
 } // namespace quilletctl

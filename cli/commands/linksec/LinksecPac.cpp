@@ -2,8 +2,8 @@
 #include "app/Answers.h"
 #include "changes/ClientSet.h"
 #include "commands/AdapterCommand.h"
-#include "commands/Commands.h"
-#include "commands/linksec/LinksecFields.h"
+#include "commands/linksec/LinksecOptions.h"
+#include "commands/linksec/LinksecVerbs.h"
 #include "secrets/SecretInput.h"
 #include "texts/Text.h"
 

@@ -2,6 +2,7 @@
 #include "app/Answers.h"
 #include "commands/Commands.h"
 #include "commands/setting/SettingTexts.h"
+#include "commands/setting/SettingVerbs.h"
 #include "names/SettingOwner.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
@@ -107,8 +108,7 @@ class GetSetting final : public SettingCommand {
 } // namespace
 
 void AddSettingCommands(CommandTree& tree) {
-    CommandTree::Noun setting =
-        tree.AddNoun("setting", "The advanced settings of adapters, teams, VLANs and boot agents");
+    auto setting = tree.AddNoun("setting", "The advanced settings of adapters, teams, VLANs and boot agents");
     setting
         .Query("list", "List the settings of an owner with current, default and possible values",
                std::make_unique<ListSettings>())

@@ -1,9 +1,9 @@
 // quilletctl setting set: one setting of one owner, or of all adapters at once.
 #include "changes/ClientSet.h"
 #include "changes/Verification.h"
-#include "commands/Commands.h"
 #include "commands/setting/SettingTexts.h"
 #include "commands/setting/SettingValue.h"
+#include "commands/setting/SettingVerbs.h"
 #include "names/AdapterLookup.h"
 #include "names/SettingOwner.h"
 #include "texts/BitMask.h"
