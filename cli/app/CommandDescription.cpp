@@ -12,8 +12,8 @@ namespace quilletctl {
 
 namespace {
 
-constexpr std::size_t WIDTH = 80;
-constexpr std::size_t COLUMN = 28;
+constexpr std::size_t kWidth = 80;
+constexpr std::size_t kColumn = 28;
 
 using Lines = std::vector<std::pair<std::string, std::string>>;
 
@@ -30,7 +30,7 @@ std::string Wrapped(const std::string& text, std::size_t column) {
     std::size_t at = column;
     for (std::string word; words >> word;) {
         const std::size_t width = DisplayWidth(word);
-        if (at > column && at + 1 + width > WIDTH) {
+        if (at > column && at + 1 + width > kWidth) {
             wrapped += '\n' + std::string(column, ' ');
             at = column;
         } else if (at > column) {
@@ -52,9 +52,9 @@ std::string Section(const std::string& title, const Lines& lines) {
     for (const auto& [name, meaning] : lines) {
         const std::string head = "  " + name;
         text += head;
-        text += head.size() + 1 >= COLUMN ? '\n' + std::string(COLUMN, ' ')
-                                          : std::string(COLUMN - head.size(), ' ');
-        text += Wrapped(meaning, COLUMN) + '\n';
+        text += head.size() + 1 >= kColumn ? '\n' + std::string(kColumn, ' ')
+                                           : std::string(kColumn - head.size(), ' ');
+        text += Wrapped(meaning, kColumn) + '\n';
     }
     return text;
 }

@@ -25,8 +25,8 @@ CQuillet& Invocation::Session() {
 }
 
 void PrintJson(const Json& json, std::ostream& out) {
-    constexpr int INDENT = 2;
-    out << json.dump(INDENT, ' ', false, Json::error_handler_t::replace) << '\n';
+    constexpr int kIndent = 2;
+    out << json.dump(kIndent, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
 void Invocation::Print(const Json& json) {

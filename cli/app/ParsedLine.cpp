@@ -32,7 +32,7 @@ std::string OptionIn(const std::string& word) {
     return word.starts_with("--") ? word.substr(0, word.find('=')) : std::string();
 }
 
-constexpr const char* NOT_REPEATED =
+constexpr const char* kNotRepeated =
     " takes no such word or option; it is not repeated here, for it may be a secret: secrets are typed at a "
     "prompt or read with --secret-fd, never given on the command line";
 
@@ -69,7 +69,7 @@ std::string ParsedLine::SuperfluousText() const {
     const std::string name = Joined(chosen);
     const CommandDescription* command = Command();
     if (command != nullptr && command->takesSecrets) {
-        return name + NOT_REPEATED;
+        return name + kNotRepeated;
     }
     const std::vector<std::string> words = m_app.remaining(true);
     const std::string word = words.empty() ? std::string() : words.front();

@@ -21,14 +21,14 @@ struct Place {
     const char* word;
 };
 
-constexpr std::array PLACES{Place{CISCSIAdapter::NotBootPort, "off"},
-                            Place{CISCSIAdapter::PrimaryPort, "primary"},
-                            Place{CISCSIAdapter::SecondaryPort, "secondary"}};
+constexpr std::array kPlaces{Place{CISCSIAdapter::NotBootPort, "off"},
+                             Place{CISCSIAdapter::PrimaryPort, "primary"},
+                             Place{CISCSIAdapter::SecondaryPort, "secondary"}};
 
 std::string PlaceText(LONG status) {
-    const auto* found = std::find_if(PLACES.begin(), PLACES.end(),
+    const auto* found = std::find_if(kPlaces.begin(), kPlaces.end(),
                                      [status](const Place& place) { return place.status == status; });
-    return found != PLACES.end() ? found->word : "place " + std::to_string(status);
+    return found != kPlaces.end() ? found->word : "place " + std::to_string(status);
 }
 
 Json PlaceAsJson(LONG status) {
@@ -77,8 +77,8 @@ class SetPlace final : public AdapterCommand {
     void Declare(Syntax& syntax) override {
         AdapterCommand::Declare(syntax);
         std::vector<std::string> words;
-        words.reserve(std::size(PLACES));
-        for (const Place& place : PLACES) {
+        words.reserve(std::size(kPlaces));
+        for (const Place& place : kPlaces) {
             words.emplace_back(place.word);
         }
         syntax.Argument("place", m_place, "Its place", words);
@@ -86,7 +86,7 @@ class SetPlace final : public AdapterCommand {
 
   private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        const auto* place = std::find_if(PLACES.begin(), PLACES.end(),
+        const auto* place = std::find_if(kPlaces.begin(), kPlaces.end(),
                                          [this](const Place& each) { return m_place == each.word; });
         const CISCSIAdapters ports = ReadPorts(run.Session());
         const CISCSIAdapter* port = PortOf(adapter, ports);

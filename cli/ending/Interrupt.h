@@ -26,6 +26,6 @@ class Interrupt {
 };
 
 /// What is told where a request ends the process at once.
-inline constexpr const char NOTHING_CHANGED[] = "quilletctl: interrupted; nothing was changed\n";
+inline constexpr const char kNothingChanged[] = "quilletctl: interrupted; nothing was changed\n";
 
 } // namespace quilletctl

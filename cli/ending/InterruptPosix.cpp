@@ -17,11 +17,11 @@ namespace quilletctl {
 
 namespace {
 
-constexpr std::array SIGNALS{SIGINT, SIGTERM, SIGHUP};
+constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
 
-std::atomic<bool> held{false};
-std::atomic<bool> requested{false};
-std::atomic<const char*> noticeWhileHeld{nullptr};
+std::atomic<bool> g_held{false};
+std::atomic<bool> g_requested{false};
+std::atomic<const char*> g_noticeWhileHeld{nullptr};
 
 void Tell(const char* text) {
     // A reader that takes nothing must not keep the process.
@@ -34,12 +34,12 @@ void Tell(const char* text) {
 /// Calls nothing but what a handler of a signal may.
 void Remember(int) {
     const int error = errno;
-    if (!held) {
-        Tell(NOTHING_CHANGED);
+    if (!g_held) {
+        Tell(kNothingChanged);
         _exit(static_cast<int>(ExitStatus::Interrupted));
     }
-    requested = true;
-    if (const char* notice = noticeWhileHeld) {
+    g_requested = true;
+    if (const char* notice = g_noticeWhileHeld) {
         Tell(notice);
     }
     errno = error;
@@ -48,38 +48,38 @@ void Remember(int) {
 } // namespace
 
 struct Interrupt::Before {
-    std::array<struct sigaction, SIGNALS.size()> actions;
+    std::array<struct sigaction, kSignals.size()> actions;
 };
 
 Interrupt::Interrupt() : m_before(std::make_unique<Before>()) {
-    held = false;
-    requested = false;
+    g_held = false;
+    g_requested = false;
     struct sigaction action = {};
     action.sa_handler = Remember;
     sigemptyset(&action.sa_mask);
     // Reads and writes go on where they were.
     action.sa_flags = SA_RESTART;
-    for (std::size_t i = 0; i < SIGNALS.size(); ++i) {
-        sigaction(SIGNALS[i], &action, &m_before->actions[i]);
-        if (SIGNALS[i] == SIGHUP && m_before->actions[i].sa_handler == SIG_IGN) {
+    for (std::size_t i = 0; i < kSignals.size(); ++i) {
+        sigaction(kSignals[i], &action, &m_before->actions[i]);
+        if (kSignals[i] == SIGHUP && m_before->actions[i].sa_handler == SIG_IGN) {
             sigaction(SIGHUP, &m_before->actions[i], nullptr); // started to outlive its terminal
         }
     }
 }
 
 Interrupt::~Interrupt() {
-    for (std::size_t i = 0; i < SIGNALS.size(); ++i) {
-        sigaction(SIGNALS[i], &m_before->actions[i], nullptr);
+    for (std::size_t i = 0; i < kSignals.size(); ++i) {
+        sigaction(kSignals[i], &m_before->actions[i], nullptr);
     }
 }
 
 void Interrupt::Hold(const char* notice) noexcept {
-    noticeWhileHeld = notice;
-    held = true;
+    g_noticeWhileHeld = notice;
+    g_held = true;
 }
 
 bool Interrupt::Requested() const noexcept {
-    return requested;
+    return g_requested;
 }
 
 } // namespace quilletctl

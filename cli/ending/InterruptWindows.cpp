@@ -12,10 +12,10 @@ namespace quilletctl {
 
 namespace {
 
-std::atomic<bool> lives{false};
-std::atomic<bool> held{false};
-std::atomic<bool> requested{false};
-std::atomic<const char*> noticeWhileHeld{nullptr};
+std::atomic<bool> g_lives{false};
+std::atomic<bool> g_held{false};
+std::atomic<bool> g_requested{false};
+std::atomic<const char*> g_noticeWhileHeld{nullptr};
 
 void Tell(const char* text) {
     DWORD written = 0;
@@ -23,19 +23,19 @@ void Tell(const char* text) {
 }
 
 BOOL WINAPI Remember(DWORD control) {
-    if (!held) {
-        Tell(NOTHING_CHANGED);
+    if (!g_held) {
+        Tell(kNothingChanged);
         ExitProcess(static_cast<UINT>(ExitStatus::Interrupted));
     }
-    requested = true;
-    if (const char* notice = noticeWhileHeld) {
+    g_requested = true;
+    if (const char* notice = g_noticeWhileHeld) {
         Tell(notice);
     }
     if (control != CTRL_C_EVENT && control != CTRL_BREAK_EVENT) {
         // The console closes, or the session ends: the system ends the process when this returns.
-        constexpr DWORD A_WHILE = 10;
-        while (lives) {
-            Sleep(A_WHILE);
+        constexpr DWORD kAWhile = 10;
+        while (g_lives) {
+            Sleep(kAWhile);
         }
     }
     return TRUE;
@@ -46,24 +46,24 @@ BOOL WINAPI Remember(DWORD control) {
 struct Interrupt::Before {};
 
 Interrupt::Interrupt() {
-    held = false;
-    requested = false;
-    lives = true;
+    g_held = false;
+    g_requested = false;
+    g_lives = true;
     SetConsoleCtrlHandler(Remember, TRUE);
 }
 
 Interrupt::~Interrupt() {
     SetConsoleCtrlHandler(Remember, FALSE);
-    lives = false;
+    g_lives = false;
 }
 
 void Interrupt::Hold(const char* notice) noexcept {
-    noticeWhileHeld = notice;
-    held = true;
+    g_noticeWhileHeld = notice;
+    g_held = true;
 }
 
 bool Interrupt::Requested() const noexcept {
-    return requested;
+    return g_requested;
 }
 
 } // namespace quilletctl

@@ -18,10 +18,10 @@ std::error_code LastError() {
 
 std::filesystem::path FollowLinks(const std::filesystem::path& file) {
     // As many as the system itself follows; whoever opens the end of a longer chain is told.
-    constexpr int MOST = 40;
+    constexpr int kMost = 40;
     std::filesystem::path path = file;
     std::error_code error;
-    for (int i = 0; i < MOST && std::filesystem::is_symlink(path, error); ++i) {
+    for (int i = 0; i < kMost && std::filesystem::is_symlink(path, error); ++i) {
         const std::filesystem::path next = std::filesystem::read_symlink(path, error);
         if (error) {
             break;
@@ -41,8 +41,8 @@ std::error_code TakeOverRights(const std::filesystem::path& from, const std::fil
     if (isForeign && chown(to.c_str(), wanted.st_uid, wanted.st_gid) != 0) {
         return LastError();
     }
-    constexpr mode_t RIGHTS = 07777;
-    return chmod(to.c_str(), wanted.st_mode & RIGHTS) == 0 ? std::error_code() : LastError();
+    constexpr mode_t kRights = 07777;
+    return chmod(to.c_str(), wanted.st_mode & kRights) == 0 ? std::error_code() : LastError();
 }
 
 std::error_code MoveOver(const std::filesystem::path& from, const std::filesystem::path& to) {

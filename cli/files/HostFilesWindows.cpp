@@ -17,15 +17,15 @@ std::error_code LastError() {
 /// Tries something until nobody else is in the way: whoever reads or replaces a file does it in no time.
 template <class Attempt>
 std::error_code UnlessInUse(Attempt attempt) {
-    constexpr int TRIES = 100;
-    constexpr DWORD PAUSE = 20;
+    constexpr int kTries = 100;
+    constexpr DWORD kPause = 20;
     for (int i = 0; !attempt(); ++i) {
         const std::error_code error = LastError();
         const bool isInUse = error.value() == ERROR_SHARING_VIOLATION || error.value() == ERROR_ACCESS_DENIED;
-        if (!isInUse || i == TRIES) {
+        if (!isInUse || i == kTries) {
             return error;
         }
-        Sleep(PAUSE);
+        Sleep(kPause);
     }
     return {};
 }
@@ -33,9 +33,9 @@ std::error_code UnlessInUse(Attempt attempt) {
 } // namespace
 
 std::filesystem::path FollowLinks(const std::filesystem::path& file) {
-    constexpr DWORD SHARED = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const HANDLE handle =
-        CreateFileW(file.c_str(), 0, SHARED, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+        CreateFileW(file.c_str(), 0, kShared, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
         return file; // not there yet, or whoever opens it will be told
     }
@@ -47,12 +47,13 @@ std::filesystem::path FollowLinks(const std::filesystem::path& file) {
 
 std::error_code TakeOverRights(const std::filesystem::path& from, const std::filesystem::path& to) {
     // The owner stays whoever writes: an administrator's files belong to all administrators anyway.
-    constexpr SECURITY_INFORMATION RIGHTS = DACL_SECURITY_INFORMATION;
+    constexpr SECURITY_INFORMATION kRights = DACL_SECURITY_INFORMATION;
     DWORD size = 0;
-    GetFileSecurityW(from.c_str(), RIGHTS, nullptr, 0, &size);
+    GetFileSecurityW(from.c_str(), kRights, nullptr, 0, &size);
     std::vector<BYTE> descriptor(size);
-    const bool isDone = size != 0 && GetFileSecurityW(from.c_str(), RIGHTS, descriptor.data(), size, &size) &&
-                        SetFileSecurityW(to.c_str(), RIGHTS, descriptor.data());
+    const bool isDone = size != 0 &&
+                        GetFileSecurityW(from.c_str(), kRights, descriptor.data(), size, &size) &&
+                        SetFileSecurityW(to.c_str(), kRights, descriptor.data());
     return isDone ? std::error_code() : LastError();
 }
 

@@ -16,13 +16,13 @@ namespace quilletctl {
 
 namespace {
 
-constexpr const wchar_t* SETTINGS_KEY = L"SOFTWARE\\MARLO\\NETWORK_SERVICES\\LUM2";
-constexpr const wchar_t* TRACE_FILE_NAME = L"\\Gui_Quillet.txt";
+constexpr const wchar_t* kSettingsKey = L"SOFTWARE\\MARLO\\NETWORK_SERVICES\\LUM2";
+constexpr const wchar_t* kTraceFileName = L"\\Gui_Quillet.txt";
 
 /// "InstalledDir" of the machine's registry; empty where the key has no such value, nothing without the key.
 std::optional<std::wstring> InstalledDirectory() {
     HKEY key = nullptr;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, SETTINGS_KEY, 0, KEY_READ, &key) != ERROR_SUCCESS) {
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kSettingsKey, 0, KEY_READ, &key) != ERROR_SUCCESS) {
         return std::nullopt;
     }
     std::array<wchar_t, 512> text{};
@@ -87,7 +87,7 @@ std::optional<TraceFile> ReadTraceFile(std::size_t lineCount) {
     }
     directories.push_back(TemporaryDirectory());
     for (const std::wstring& directory : directories) {
-        if (std::optional<TraceFile> trace = Read(HostPath(directory + TRACE_FILE_NAME), lineCount)) {
+        if (std::optional<TraceFile> trace = Read(HostPath(directory + kTraceFileName), lineCount)) {
             return trace;
         }
     }

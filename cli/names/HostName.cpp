@@ -8,8 +8,8 @@ namespace quilletctl {
 
 namespace {
 
-constexpr std::string_view DIGITS = "0123456789";
-constexpr std::string_view HEX_DIGITS = "0123456789abcdefABCDEF";
+constexpr std::string_view kDigits = "0123456789";
+constexpr std::string_view kHexDigits = "0123456789abcdefABCDEF";
 
 bool IsMadeOf(std::string_view text, std::string_view characters) {
     return text.find_first_not_of(characters) == std::string_view::npos;
@@ -24,7 +24,7 @@ bool IsIPv4Address(std::string_view text) {
         isLast = dot == std::string_view::npos;
         const std::string_view piece = text.substr(0, dot);
         unsigned number = 0;
-        if (piece.empty() || piece.size() > 3 || !IsMadeOf(piece, DIGITS) ||
+        if (piece.empty() || piece.size() > 3 || !IsMadeOf(piece, kDigits) ||
             std::from_chars(piece.data(), piece.data() + piece.size(), number).ec != std::errc() ||
             number > 255) {
             return false;
@@ -35,7 +35,7 @@ bool IsIPv4Address(std::string_view text) {
 }
 
 bool IsMacAddress(std::string_view text) {
-    return text.size() == 12 && IsMadeOf(text, HEX_DIGITS);
+    return text.size() == 12 && IsMadeOf(text, kHexDigits);
 }
 
 bool IsHostName(std::string_view text) {

@@ -10,7 +10,7 @@ namespace quilletctl {
 
 namespace {
 
-constexpr char32_t ELLIPSIS = 0x2026;
+constexpr char32_t kEllipsis = 0x2026;
 
 /// An identifier is often typed without its braces.
 std::string_view WithoutBraces(std::string_view id) {
@@ -60,7 +60,7 @@ bool IsNamed(std::string_view name, std::string_view text, Match match) {
         return SameIgnoringCase(name.substr(0, text.size()), text);
     case Match::Shortened:
         return text.find("…") != std::string_view::npos &&
-               Fits(Folded(name), Folded(text), ELLIPSIS, ELLIPSIS);
+               Fits(Folded(name), Folded(text), kEllipsis, kEllipsis);
     case Match::Pattern:
         return Fits(Folded(name), Folded(text), U'*', U'?');
     }

@@ -6,15 +6,15 @@
 namespace quilletctl {
 
 ObjectName NameInPath(std::string_view path) {
-    constexpr auto NONE = std::string_view::npos;
+    constexpr auto kNone = std::string_view::npos;
     // The server's name may have dots and the namespace colons, so the class is found from its first key.
     const auto equals = path.find('=');
-    const auto dot = equals == NONE ? NONE : path.rfind('.', equals);
-    if (dot == NONE || dot == 0 || equals + 1 >= path.size()) {
+    const auto dot = equals == kNone ? kNone : path.rfind('.', equals);
+    if (dot == kNone || dot == 0 || equals + 1 >= path.size()) {
         return {};
     }
     const auto before = path.find_last_of(":\\/", dot);
-    const auto start = before == NONE ? 0 : before + 1;
+    const auto start = before == kNone ? 0 : before + 1;
     const char quote = path[equals + 1];
     if (start == dot || (quote != '"' && quote != '\'')) {
         return {};

@@ -22,7 +22,7 @@ struct OwnerClass {
     const char* key;
 };
 
-constexpr OwnerClass CLASSES[] = {
+constexpr OwnerClass kClasses[] = {
     {SettingOwner::Kind::Adapter, "Zorel_PhysicalEthernetAdapter", "DeviceID"},
     {SettingOwner::Kind::Team, "Zorel_TeamOfAdapters", "Name"},
     {SettingOwner::Kind::Vlan, "Zorel_VLAN", "Name"},
@@ -30,7 +30,7 @@ constexpr OwnerClass CLASSES[] = {
 };
 
 const OwnerClass& ClassOf(SettingOwner::Kind kind) {
-    return CLASSES[static_cast<std::size_t>(kind)];
+    return kClasses[static_cast<std::size_t>(kind)];
 }
 
 SettingOwner::Kind KindByWord(const std::string& word) {
@@ -45,9 +45,9 @@ std::string ObjectIdFrom(std::string_view text) {
     if (text.size() > 2 && text.front() == '{' && text.back() == '}') {
         text = text.substr(1, text.size() - 2);
     }
-    constexpr std::string_view SHAPE = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
+    constexpr std::string_view kShape = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
     const bool isGuid =
-        std::equal(text.begin(), text.end(), SHAPE.begin(), SHAPE.end(), [](char letter, char mark) {
+        std::equal(text.begin(), text.end(), kShape.begin(), kShape.end(), [](char letter, char mark) {
             return mark == 'x'
                        ? std::string_view("0123456789abcdefABCDEF").find(letter) != std::string_view::npos
                        : letter == mark;
@@ -56,7 +56,7 @@ std::string ObjectIdFrom(std::string_view text) {
 }
 
 SettingOwner OwnerAt(const std::string& path, const ObjectName& name, const std::string& kind) {
-    for (const OwnerClass& each : CLASSES) {
+    for (const OwnerClass& each : kClasses) {
         if (SameIgnoringCase(each.name, name.className)) {
             if (!kind.empty() && KindByWord(kind) != each.kind) {
                 throw UsageError(
@@ -89,8 +89,8 @@ SettingOwner VlanCalled(CQuillet& session, const std::string& text) {
 } // namespace
 
 const std::vector<std::string>& OwnerKindWords() {
-    static const std::vector<std::string> words{"adapter", "team", "vlan", "boot-agent"};
-    return words;
+    static const std::vector<std::string> kWords{"adapter", "team", "vlan", "boot-agent"};
+    return kWords;
 }
 
 const std::string& WordFor(SettingOwner::Kind kind) {
@@ -149,8 +149,8 @@ void ReadSettings(CQuillet& session, const SettingOwner& owner, CSettings& setti
 
 void ReadVmqSettings(CQuillet& session, const SettingOwner& adapter, CSettings& settings) {
     // The selector of GetAdapterVmqSettings.
-    constexpr DWORD QUEUES = 256;
-    ThrowIfRefused(session.GetAdapterSettings(ToWide(adapter.path), settings, QUEUES),
+    constexpr DWORD kQueues = 256;
+    ThrowIfRefused(session.GetAdapterSettings(ToWide(adapter.path), settings, kQueues),
                    "read the queue settings of " + adapter.called);
 }
 

@@ -23,8 +23,8 @@ SecretLine::~SecretLine() {
 }
 
 void SecretLine::Append(char byte) {
-    if (m_length == LONGEST_SECRET) {
-        throw UsageError("a secret has at most " + std::to_string(LONGEST_SECRET) + " bytes");
+    if (m_length == kLongestSecret) {
+        throw UsageError("a secret has at most " + std::to_string(kLongestSecret) + " bytes");
     }
     m_bytes[m_length++] = byte;
 }

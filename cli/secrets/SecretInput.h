@@ -12,7 +12,7 @@
 namespace quilletctl {
 
 /// The longest secret, in bytes of UTF-8.
-inline constexpr std::size_t LONGEST_SECRET = 4096;
+inline constexpr std::size_t kLongestSecret = 4096;
 
 /// A line on its way in. It moves nowhere, and is overwritten when it goes.
 class SecretLine {
@@ -31,7 +31,7 @@ class SecretLine {
     void MoveTo(std::wstring& secret) const;
 
   private:
-    char m_bytes[LONGEST_SECRET]{};
+    char m_bytes[kLongestSecret]{};
     std::size_t m_length = 0;
 };
 

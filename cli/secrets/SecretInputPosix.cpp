@@ -17,24 +17,24 @@ namespace quilletctl {
 
 namespace {
 
-constexpr std::array ENDING{SIGINT, SIGTERM, SIGHUP};
+constexpr std::array kEnding{SIGINT, SIGTERM, SIGHUP};
 
 // What a handler needs, for there is one terminal and one prompt at a time.
-int silentTerminal = -1;
-termios modeBefore{};
-std::array<struct sigaction, ENDING.size()> actionsBefore{};
+int g_silentTerminal = -1;
+termios g_modeBefore{};
+std::array<struct sigaction, kEnding.size()> actionsBefore{};
 
 void Restore() {
-    tcsetattr(silentTerminal, TCSAFLUSH, &modeBefore);
-    for (std::size_t i = 0; i < ENDING.size(); ++i) {
-        sigaction(ENDING[i], &actionsBefore[i], nullptr);
+    tcsetattr(g_silentTerminal, TCSAFLUSH, &g_modeBefore);
+    for (std::size_t i = 0; i < kEnding.size(); ++i) {
+        sigaction(kEnding[i], &actionsBefore[i], nullptr);
     }
 }
 
 /// Gives the terminal back, and lets the signal do what it did before. Calls nothing but what a handler may.
 void EndPrompt(int signal) {
     Restore();
-    static_cast<void>(!write(silentTerminal, "\n", 1));
+    static_cast<void>(!write(g_silentTerminal, "\n", 1));
     raise(signal);
 }
 
@@ -48,25 +48,25 @@ class Silence {
         sigaddset(&later, SIGQUIT);
         sigaddset(&later, SIGTSTP);
         pthread_sigmask(SIG_BLOCK, &later, &m_signals);
-        if (tcgetattr(terminal, &modeBefore) != 0) {
+        if (tcgetattr(terminal, &g_modeBefore) != 0) {
             return;
         }
-        silentTerminal = terminal;
+        g_silentTerminal = terminal;
         struct sigaction action = {};
         action.sa_handler = EndPrompt;
         sigemptyset(&action.sa_mask);
-        for (const int signal : ENDING) {
+        for (const int signal : kEnding) {
             sigaddset(&action.sa_mask, signal);
         }
-        for (std::size_t i = 0; i < ENDING.size(); ++i) {
-            sigaction(ENDING[i], nullptr, &actionsBefore[i]);
+        for (std::size_t i = 0; i < kEnding.size(); ++i) {
+            sigaction(kEnding[i], nullptr, &actionsBefore[i]);
         }
-        for (std::size_t i = 0; i < ENDING.size(); ++i) {
+        for (std::size_t i = 0; i < kEnding.size(); ++i) {
             if (actionsBefore[i].sa_handler != SIG_IGN) {
-                sigaction(ENDING[i], &action, nullptr);
+                sigaction(kEnding[i], &action, nullptr);
             }
         }
-        termios silent = modeBefore;
+        termios silent = g_modeBefore;
         silent.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHOE | ECHOK | ECHONL);
         m_isSilent = tcsetattr(terminal, TCSAFLUSH, &silent) == 0;
         if (!m_isSilent) {

@@ -36,12 +36,12 @@ class Handle {
 };
 
 // What the handler needs, for there is one console and one prompt at a time.
-HANDLE silentConsole = nullptr;
-DWORD modeBefore = 0;
+HANDLE g_silentConsole = nullptr;
+DWORD g_modeBefore = 0;
 
 /// Gives the console back, and leaves the rest to the handler that was there before.
 BOOL WINAPI EndPrompt(DWORD) {
-    SetConsoleMode(silentConsole, modeBefore);
+    SetConsoleMode(g_silentConsole, g_modeBefore);
     return FALSE;
 }
 
@@ -49,12 +49,12 @@ BOOL WINAPI EndPrompt(DWORD) {
 class Silence {
   public:
     explicit Silence(HANDLE console) {
-        if (!GetConsoleMode(console, &modeBefore)) {
+        if (!GetConsoleMode(console, &g_modeBefore)) {
             return;
         }
-        silentConsole = console;
+        g_silentConsole = console;
         SetConsoleCtrlHandler(EndPrompt, TRUE);
-        m_isSilent = SetConsoleMode(console, (modeBefore & ~static_cast<DWORD>(ENABLE_ECHO_INPUT)) |
+        m_isSilent = SetConsoleMode(console, (g_modeBefore & ~static_cast<DWORD>(ENABLE_ECHO_INPUT)) |
                                                  ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT);
         if (!m_isSilent) {
             SetConsoleCtrlHandler(EndPrompt, FALSE);
@@ -62,7 +62,7 @@ class Silence {
     }
     ~Silence() {
         if (m_isSilent) {
-            SetConsoleMode(silentConsole, modeBefore);
+            SetConsoleMode(g_silentConsole, g_modeBefore);
             SetConsoleCtrlHandler(EndPrompt, FALSE);
         }
     }
@@ -105,12 +105,12 @@ bool AskTerminal(const std::string& prompt, std::wstring& secret) {
     bool isTooLong = false; // it is read to its end: the rest of a secret is no input for whoever asks next
     SecureZeroMemory(secret.data(), secret.size() * sizeof(wchar_t));
     secret.clear();
-    secret.reserve(LONGEST_SECRET);
+    secret.reserve(kLongestSecret);
     wchar_t character = L'\0';
     DWORD count = 0;
     while (!isLine && ReadConsoleW(input.Get(), &character, 1, &count, nullptr) && count == 1) {
         isLine = character == L'\n';
-        if (!isLine && character != L'\r' && secret.size() == LONGEST_SECRET) {
+        if (!isLine && character != L'\r' && secret.size() == kLongestSecret) {
             isTooLong = true;
         } else if (!isLine && character != L'\r') {
             secret.push_back(character);
@@ -121,15 +121,15 @@ bool AskTerminal(const std::string& prompt, std::wstring& secret) {
     Write(output.Get(), L"\r\n");
     if (isInterrupted) {
         // Ctrl-C: its handler, on another thread, ends the process.
-        constexpr DWORD LONG_ENOUGH = 2000;
-        Sleep(LONG_ENOUGH);
+        constexpr DWORD kLongEnough = 2000;
+        Sleep(kLongEnough);
         throw Interruption();
     }
     if (!isLine) {
         throw UsageError("cancelled");
     }
     if (isTooLong) {
-        throw UsageError("a secret has at most " + std::to_string(LONGEST_SECRET) + " characters");
+        throw UsageError("a secret has at most " + std::to_string(kLongestSecret) + " characters");
     }
     return true;
 }

@@ -45,9 +45,9 @@ class StandardHandle {
     Written WriteScreen(const std::wstring& whole) const {
         std::wstring_view text = whole;
         // An older console takes no more than 64 KB at once.
-        constexpr std::size_t MOST = 8192;
+        constexpr std::size_t kMost = 8192;
         while (!text.empty()) {
-            const auto count = static_cast<DWORD>(std::min(MOST, text.size()));
+            const auto count = static_cast<DWORD>(std::min(kMost, text.size()));
             DWORD written = 0;
             if (!WriteConsoleW(m_handle, text.data(), count, &written, nullptr) || written == 0) {
                 return Written::Failed;

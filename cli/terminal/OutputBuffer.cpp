@@ -18,9 +18,9 @@ OutputBuffer::int_type OutputBuffer::overflow(int_type character) {
 }
 
 std::streamsize OutputBuffer::xsputn(const char* bytes, std::streamsize count) {
-    constexpr std::size_t MOST = 1U << 16;
+    constexpr std::size_t kMost = 1U << 16;
     m_pending.append(bytes, static_cast<std::size_t>(count));
-    return m_pending.size() >= MOST && sync() != 0 ? 0 : count;
+    return m_pending.size() >= kMost && sync() != 0 ? 0 : count;
 }
 
 int OutputBuffer::sync() {

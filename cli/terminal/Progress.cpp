@@ -9,18 +9,18 @@ namespace quilletctl {
 
 namespace {
 
-constexpr std::size_t BAR = 20;
-constexpr std::size_t BLOCK = 4;
-constexpr auto FRAME = std::chrono::milliseconds(100);
+constexpr std::size_t kBar = 20;
+constexpr std::size_t kBlock = 4;
+constexpr auto kFrame = std::chrono::milliseconds(100);
 
 } // namespace
 
 std::string BarPicture(std::size_t frame) {
     // There and back again.
-    constexpr std::size_t WAY = BAR - BLOCK;
-    const std::size_t step = frame % (2 * WAY);
-    const std::size_t at = step <= WAY ? step : 2 * WAY - step;
-    return "[" + std::string(at, ' ') + std::string(BLOCK, '#') + std::string(WAY - at, ' ') + "]";
+    constexpr std::size_t kWay = kBar - kBlock;
+    const std::size_t step = frame % (2 * kWay);
+    const std::size_t at = step <= kWay ? step : 2 * kWay - step;
+    return "[" + std::string(at, ' ') + std::string(kBlock, '#') + std::string(kWay - at, ' ') + "]";
 }
 
 Progress::~Progress() {
@@ -51,7 +51,7 @@ ProgressWhileBusy::ProgressWhileBusy(const Terminal& terminal, std::string text)
     if (terminal.outIsTerminal) {
         m_thread = std::thread([this] {
             std::unique_lock lock(m_mutex);
-            while (!m_changed.wait_for(lock, FRAME, [this] { return m_done; })) {
+            while (!m_changed.wait_for(lock, kFrame, [this] { return m_done; })) {
                 m_progress.Show(m_text);
             }
         });

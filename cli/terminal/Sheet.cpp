@@ -13,13 +13,13 @@ Sheet& Sheet::Add(const std::string& label, const std::string& value) {
 }
 
 void Sheet::Print(const Terminal& terminal) const {
-    constexpr std::size_t GAP = 2;
+    constexpr std::size_t kGap = 2;
     std::size_t width = 0;
     for (const auto& [label, value] : m_lines) {
         width = std::max(width, DisplayWidth(label));
     }
     for (const auto& [label, value] : m_lines) {
-        terminal.out << label << std::string(width - DisplayWidth(label) + GAP, ' ') << value << '\n';
+        terminal.out << label << std::string(width - DisplayWidth(label) + kGap, ' ') << value << '\n';
     }
 }
 

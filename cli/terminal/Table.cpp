@@ -11,9 +11,9 @@ namespace quilletctl {
 
 namespace {
 
-constexpr std::size_t GAP = 2;
+constexpr std::size_t kGap = 2;
 /// Below this a shortened text says nothing any more.
-constexpr std::size_t NARROWEST = 8;
+constexpr std::size_t kNarrowest = 8;
 
 void PrintRow(std::ostream& out, const std::vector<std::string>& cells,
               const std::vector<std::size_t>& widths) {
@@ -25,7 +25,7 @@ void PrintRow(std::ostream& out, const std::vector<std::string>& cells,
             out << std::string(blanks, ' ') << cell;
             blanks = 0;
         }
-        blanks += widths[i] - DisplayWidth(cell) + GAP;
+        blanks += widths[i] - DisplayWidth(cell) + kGap;
     }
 }
 
@@ -63,7 +63,7 @@ std::size_t Table::WidthOf(std::size_t column) const {
 std::size_t Table::TotalWidth() const {
     std::size_t total = 0;
     for (std::size_t i = 0; i < m_columns.size(); ++i) {
-        total += WidthOf(i) + (i == 0 ? 0 : GAP);
+        total += WidthOf(i) + (i == 0 ? 0 : kGap);
     }
     return total;
 }
@@ -103,9 +103,9 @@ void Table::RemoveCommonBeginnings(std::size_t width) {
         }
         const std::size_t common = CommonBeginning(cells);
         // Fewer would not be worth the mark.
-        constexpr std::size_t LEAST = 4;
+        constexpr std::size_t kLeast = 4;
         for (auto& row : m_rows) {
-            if (common >= LEAST) {
+            if (common >= kLeast) {
                 row[i].replace(0, common, "…");
             }
         }
@@ -121,7 +121,7 @@ std::vector<std::size_t> Table::WidthsWithin(std::size_t width) const {
     for (std::size_t total = TotalWidth(); total > width; --total) {
         std::size_t* widest = nullptr;
         for (std::size_t i = 0; i < widths.size(); ++i) {
-            if (m_columns[i].fit == Fit::MayShorten && widths[i] > NARROWEST &&
+            if (m_columns[i].fit == Fit::MayShorten && widths[i] > kNarrowest &&
                 (widest == nullptr || widths[i] > *widest)) {
                 widest = &widths[i];
             }

@@ -17,7 +17,7 @@ struct ResultName {
 };
 
 /// In order of the codes.
-constexpr std::array RESULT_NAMES{
+constexpr std::array kResultNames{
     ResultName{0x80004001, "E_NOTIMPL", "this is not implemented"},
     ResultName{0x80004002, "E_NOINTERFACE"},
     ResultName{0x80004003, "E_POINTER"},
@@ -170,15 +170,15 @@ constexpr std::array RESULT_NAMES{
     ResultName{0x80080005, "CO_E_SERVER_EXEC_FAILURE", "the provider cannot be started"},
 };
 
-static_assert(std::is_sorted(RESULT_NAMES.begin(), RESULT_NAMES.end(),
+static_assert(std::is_sorted(kResultNames.begin(), kResultNames.end(),
                              [](const ResultName& a, const ResultName& b) { return a.code < b.code; }));
 
 const ResultName* Find(HRESULT code) {
     const auto number = static_cast<std::uint32_t>(code);
     const auto* found =
-        std::lower_bound(RESULT_NAMES.begin(), RESULT_NAMES.end(), number,
+        std::lower_bound(kResultNames.begin(), kResultNames.end(), number,
                          [](const ResultName& each, std::uint32_t wanted) { return each.code < wanted; });
-    return found != RESULT_NAMES.end() && found->code == number ? found : nullptr;
+    return found != kResultNames.end() && found->code == number ? found : nullptr;
 }
 
 } // namespace

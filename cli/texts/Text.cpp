@@ -10,7 +10,7 @@ namespace quilletctl {
 
 namespace {
 
-constexpr char32_t REPLACEMENT = 0xFFFD;
+constexpr char32_t kReplacement = 0xFFFD;
 
 struct Range {
     char32_t first;
@@ -18,7 +18,7 @@ struct Range {
 };
 
 /// Characters that take no column of their own, in order.
-constexpr std::array ZERO_WIDTH{
+constexpr std::array kZeroWidth{
     Range{0x0300, 0x036F},   Range{0x0483, 0x0489}, Range{0x0591, 0x05BD},   Range{0x05BF, 0x05BF},
     Range{0x05C1, 0x05C2},   Range{0x05C4, 0x05C5}, Range{0x05C7, 0x05C7},   Range{0x0610, 0x061A},
     Range{0x064B, 0x065F},   Range{0x0670, 0x0670}, Range{0x06D6, 0x06DC},   Range{0x06DF, 0x06E4},
@@ -33,7 +33,7 @@ constexpr std::array ZERO_WIDTH{
 };
 
 /// Characters that take two columns, in order.
-constexpr std::array DOUBLE_WIDTH{
+constexpr std::array kDoubleWidth{
     Range{0x1100, 0x115F},   Range{0x231A, 0x231B},   Range{0x2329, 0x232A},   Range{0x23E9, 0x23EC},
     Range{0x2614, 0x2615},   Range{0x26A1, 0x26A1},   Range{0x2705, 0x2705},   Range{0x274C, 0x274C},
     Range{0x2E80, 0x303E},   Range{0x3041, 0x3247},   Range{0x3250, 0x4DBF},   Range{0x4E00, 0xA4CF},
@@ -105,18 +105,18 @@ char32_t NextCharacter(std::string_view utf8, std::size_t& position) noexcept {
     }
     const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
     if (lead < 0xC2 || lead > 0xF4 || utf8.size() - start < length) {
-        return REPLACEMENT;
+        return kReplacement;
     }
     char32_t character = lead & (0xFFU >> (length + 1));
     for (std::size_t at = start + 1; at < start + length; ++at) {
         if ((byte(at) & 0xC0) != 0x80) {
-            return REPLACEMENT;
+            return kReplacement;
         }
         character = (character << 6) | (byte(at) & 0x3F);
     }
-    constexpr std::array<char32_t, 5> smallest{0, 0, 0x80, 0x800, 0x10000};
-    if (character < smallest[length] || !IsCharacter(character)) {
-        return REPLACEMENT;
+    constexpr std::array<char32_t, 5> kSmallest{0, 0, 0x80, 0x800, 0x10000};
+    if (character < kSmallest[length] || !IsCharacter(character)) {
+        return kReplacement;
     }
     position = start + length;
     return character;
@@ -140,7 +140,7 @@ std::size_t WidthOf(char32_t character) {
     if (character < 0x300) {
         return 1;
     }
-    return Contains(ZERO_WIDTH, character) ? 0 : Contains(DOUBLE_WIDTH, character) ? 2 : 1;
+    return Contains(kZeroWidth, character) ? 0 : Contains(kDoubleWidth, character) ? 2 : 1;
 }
 
 bool Steers(char32_t character) {
@@ -156,7 +156,7 @@ std::string ToUtf8(std::wstring_view text) {
     utf8.reserve(text.size());
     for (std::size_t i = 0; i < text.size();) {
         const char32_t character = NextCharacter(text, i);
-        AppendUtf8(utf8, IsCharacter(character) ? character : REPLACEMENT);
+        AppendUtf8(utf8, IsCharacter(character) ? character : kReplacement);
     }
     return utf8;
 }
@@ -165,7 +165,7 @@ bool IsUtf8(std::string_view text) noexcept {
     for (std::size_t position = 0; position < text.size();) {
         const std::size_t start = position;
         // The character itself takes three bytes.
-        if (NextCharacter(text, position) == REPLACEMENT && position == start + 1) {
+        if (NextCharacter(text, position) == kReplacement && position == start + 1) {
             return false;
         }
     }
@@ -223,7 +223,7 @@ std::string Printable(std::string_view utf8) {
     std::string printable;
     printable.reserve(utf8.size());
     for (const char32_t character : Characters(utf8)) {
-        AppendUtf8(printable, Steers(character) ? REPLACEMENT : character);
+        AppendUtf8(printable, Steers(character) ? kReplacement : character);
     }
     return printable;
 }

@@ -23,7 +23,7 @@ std::string Find(const Word (&words)[N], LONG number) {
 } // namespace
 
 std::string SpeedText(CAdapterDynamicInfo::LinkSpeed speed) {
-    static constexpr Word words[] = {
+    static constexpr Word kWords[] = {
         {CAdapterDynamicInfo::LinkSpeedNone, "no link"},
         {CAdapterDynamicInfo::LinkSpeed1Mb, "1 Mbit/s"},
         {CAdapterDynamicInfo::LinkSpeed10Mb, "10 Mbit/s"},
@@ -32,20 +32,20 @@ std::string SpeedText(CAdapterDynamicInfo::LinkSpeed speed) {
         {CAdapterDynamicInfo::LinkSpeed10Gb, "10 Gbit/s"},
         {CAdapterDynamicInfo::LinkSpeedOther, "unknown"},
     };
-    return Find(words, speed);
+    return Find(kWords, speed);
 }
 
 std::string DuplexText(CAdapterDynamicInfo::DuplexMode mode) {
-    static constexpr Word words[] = {
+    static constexpr Word kWords[] = {
         {CAdapterDynamicInfo::DuplexUnknown, "unknown"},
         {CAdapterDynamicInfo::DuplexHalf, "half duplex"},
         {CAdapterDynamicInfo::DuplexFull, "full duplex"},
     };
-    return Find(words, mode);
+    return Find(kWords, mode);
 }
 
 std::string LinkSecText(CAdapterDynamicInfo::LinkSecStatus status) {
-    static constexpr Word words[] = {
+    static constexpr Word kWords[] = {
         {0, "unknown"},
         {1, "not supported"},
         {2, "disabled"},
@@ -57,11 +57,11 @@ std::string LinkSecText(CAdapterDynamicInfo::LinkSecStatus status) {
         {8, "secured with encryption"},
         {9, "key agreement failed"},
     };
-    return Find(words, status);
+    return Find(kWords, status);
 }
 
 std::string AdapterStatusText(LONG status) {
-    static constexpr Word words[] = {{1, "enabled"}, {2, "driver problem"}, {4, "hardware missing"}};
+    static constexpr Word kWords[] = {{1, "enabled"}, {2, "driver problem"}, {4, "hardware missing"}};
     std::string text;
     const auto add = [&text](const std::string& condition) {
         text += (text.empty() ? "" : ", ") + condition;
@@ -69,22 +69,22 @@ std::string AdapterStatusText(LONG status) {
     for (unsigned bit = 0; bit < 32; ++bit) {
         const ULONG mask = ULONG{1} << bit;
         if ((static_cast<ULONG>(status) & mask) != 0) {
-            add(mask <= 4 ? Find(words, static_cast<LONG>(mask)) : "condition " + std::to_string(bit));
+            add(mask <= 4 ? Find(kWords, static_cast<LONG>(mask)) : "condition " + std::to_string(bit));
         }
     }
     return text.empty() ? "nothing reported" : text;
 }
 
 std::string StatusInfoText(LONG status) {
-    static constexpr Word words[] = {
+    static constexpr Word kWords[] = {
         {1, "other"}, {2, "unknown"}, {3, "enabled"}, {4, "disabled"}, {5, "not applicable"},
     };
-    return Find(words, status);
+    return Find(kWords, status);
 }
 
 std::string AvailabilityText(LONG availability) {
     // The codes of the CIM schema.
-    static constexpr Word words[] = {
+    static constexpr Word kWords[] = {
         {1, "other"},
         {2, "unknown"},
         {3, "running, full power"},
@@ -107,21 +107,21 @@ std::string AvailabilityText(LONG availability) {
         {20, "not configured"},
         {21, "quiesced"},
     };
-    return Find(words, availability);
+    return Find(kWords, availability);
 }
 
 std::string HardwareStatusText(LONG status) {
-    static constexpr Word words[] = {
+    static constexpr Word kWords[] = {
         {0, "hardware missing"},
         {1, "driver not loaded"},
         {2, "cable removed"},
         {3, "link present"},
     };
-    return Find(words, status);
+    return Find(kWords, status);
 }
 
 std::string CapabilityText(LONG code) {
-    static constexpr Word words[] = {
+    static constexpr Word kWords[] = {
         {3, "Teaming"},
         {4, "Fault tolerance team"},
         {5, "Adaptive load balancing team"},
@@ -157,7 +157,7 @@ std::string CapabilityText(LONG code) {
         {66, "Data centre bridging"},
         {68, "Virtual machine load balancing team"},
     };
-    return Find(words, code);
+    return Find(kWords, code);
 }
 
 } // namespace quilletctl

@@ -24,8 +24,8 @@ std::string MemberStatusText(LONG status) {
 }
 
 const std::vector<std::string>& TeamModeNumbers() {
-    static const std::vector<std::string> numbers{"0", "1", "2", "3", "4", "5", "6"};
-    return numbers;
+    static const std::vector<std::string> kNumbers{"0", "1", "2", "3", "4", "5", "6"};
+    return kNumbers;
 }
 
 CTeam::TeamMode TeamModeFrom(const std::string& word) {

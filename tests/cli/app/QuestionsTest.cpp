@@ -10,8 +10,8 @@ namespace {
 using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
 
-constexpr const char* TEAM = "TEAM : Zürich";
-constexpr const char* MEMBER = "Zorel Quad Port Gigabit Server Adapter #2";
+constexpr const char* kTeam = "TEAM : Zürich";
+constexpr const char* kMember = "Zorel Quad Port Gigabit Server Adapter #2";
 
 struct Question {
     std::vector<std::string> command;
@@ -22,7 +22,7 @@ void PrintTo(const Question& question, std::ostream* out) {
     *out << question.asked;
 }
 
-class Questions : public CommandLine, public testing::WithParamInterface<Question> {
+class QuestionsTest : public CommandLine, public testing::WithParamInterface<Question> {
   protected:
     Outcome Run(std::vector<std::string> more = {}, Screen screen = {}) {
         std::vector<std::string> line = GetParam().command;
@@ -33,7 +33,7 @@ class Questions : public CommandLine, public testing::WithParamInterface<Questio
     }
 };
 
-TEST_P(Questions, NobodyToAsk_IsBadUsageAndChangesNothing) {
+TEST_P(QuestionsTest, NobodyToAsk_IsBadUsageAndChangesNothing) {
     const std::string message = "nobody can be asked \"" + GetParam().asked + "\"; add --yes to agree";
     const Outcome outcome = Run();
     EXPECT_EQ(outcome.status, 2);
@@ -45,7 +45,7 @@ TEST_P(Questions, NobodyToAsk_IsBadUsageAndChangesNothing) {
     EXPECT_EQ(Json::parse(json.out).at("error").at("message"), message);
 }
 
-TEST_P(Questions, No_ChangesNothing) {
+TEST_P(QuestionsTest, No_ChangesNothing) {
     for (const char* answer : {"n\n", "\n", "maybe\n"}) {
         const Outcome outcome = Run({}, {.isTerminal = true, .answers = answer});
         EXPECT_EQ(outcome.status, 0);
@@ -55,14 +55,14 @@ TEST_P(Questions, No_ChangesNothing) {
     }
 }
 
-TEST_P(Questions, Yes_ChangesIt) {
+TEST_P(QuestionsTest, Yes_ChangesIt) {
     const Outcome outcome = Run({}, {.isTerminal = true, .answers = "y\n"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.err, GetParam().asked + " [y/N] ");
     EXPECT_THAT(outcome.out, HasSubstr("BeginApply"));
 }
 
-TEST_P(Questions, YesOnTheCommandLine_AsksNothing) {
+TEST_P(QuestionsTest, YesOnTheCommandLine_AsksNothing) {
     const Outcome outcome = Run({"--yes", "--json"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_TRUE(Json::parse(outcome.out).contains("restartNeeded"));
@@ -70,22 +70,22 @@ TEST_P(Questions, YesOnTheCommandLine_AsksNothing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Commands, Questions,
-    testing::Values(Question{{"team", "delete", TEAM}, "Delete the team TEAM : Zürich and its VLANs?"},
-                    Question{{"team", "remove", TEAM, MEMBER}, "Take 1 adapter out of TEAM : Zürich?"},
-                    Question{{"vlan", "remove", TEAM, "340"},
+    Commands, QuestionsTest,
+    testing::Values(Question{{"team", "delete", kTeam}, "Delete the team TEAM : Zürich and its VLANs?"},
+                    Question{{"team", "remove", kTeam, kMember}, "Take 1 adapter out of TEAM : Zürich?"},
+                    Question{{"vlan", "remove", kTeam, "340"},
                              "Remove VLAN 340 \"VoIP\" from TEAM : Zürich?"}));
 
-TEST(Names, AWordBehindTheVerb_IsNoCommand) {
+TEST(NamesTest, AWordBehindTheVerb_IsNoCommand) {
     EXPECT_EQ(RunCommandLine({"--simulate", "team", "show", "trace"}).err,
               "quilletctl: no team is called \"trace\"; see quilletctl team list\n");
     EXPECT_EQ(RunCommandLine({"vlan", "list", "vlan", "--simulate"}).err,
               "quilletctl: no adapter is called \"vlan\"; see quilletctl adapter list\n");
 }
 
-class VlanOwners : public CommandLine {};
+class VlanOwnersTest : public CommandLine {};
 
-TEST_F(VlanOwners, AVlanGoesByItsName) {
+TEST_F(VlanOwnersTest, AVlanGoesByItsName) {
     const std::vector<std::string> get{
         "--simulate", TestMachine("golden.mof"), "setting", "get", "voip", "*JumboPacket", "--of", "vlan",
         "--json"};
@@ -94,7 +94,7 @@ TEST_F(VlanOwners, AVlanGoesByItsName) {
     EXPECT_EQ(Json::parse(outcome.out).at("owner").at("objectId"), "{709617B6-441D-542D-A0CC-BC23D94665A0}");
 }
 
-TEST_F(VlanOwners, ANameThatTwoVlansHave_IsRefusedWithTheirObjectIds) {
+TEST_F(VlanOwnersTest, ANameThatTwoVlansHave_IsRefusedWithTheirObjectIds) {
     const std::string state = Utf8(InFolder("lab.mof"));
     ASSERT_EQ(RunCommandLine({"--simulate", TestMachine("golden.mof"), "--state", state, "vlan", "add",
                               "Zorel Gigabit Desktop Adapter", "7", "VoIP"})
@@ -106,7 +106,7 @@ TEST_F(VlanOwners, ANameThatTwoVlansHave_IsRefusedWithTheirObjectIds) {
     EXPECT_THAT(outcome.err, HasSubstr("{709617B6-441D-542D-A0CC-BC23D94665A0}"));
 }
 
-TEST(Help, HelpIsWhatTheOptionPrints) {
+TEST(HelpTest, HelpIsWhatTheOptionPrints) {
     const std::vector<std::vector<std::string>> asked{{}, {"vlan"}, {"vlan", "add"}, {"trace"}};
     for (std::vector<std::string> words : asked) {
         std::vector<std::string> help{"help"};
@@ -122,7 +122,7 @@ TEST(Help, HelpIsWhatTheOptionPrints) {
     }
 }
 
-TEST(Help, OfACommand_NamesEachWordAndOption) {
+TEST(HelpTest, OfACommand_NamesEachWordAndOption) {
     const Outcome outcome = RunCommandLine({"help", "vlan", "add"});
     EXPECT_EQ(outcome.out, "Add VLANs, unless something stands in the way\n"
                            "\n"
@@ -141,7 +141,7 @@ TEST(Help, OfACommand_NamesEachWordAndOption) {
                            "quilletctl help lists the options that every command takes.\n");
 }
 
-TEST(Help, EveryCommandHasOne) {
+TEST(HelpTest, EveryCommandHasOne) {
     const Json tree = Json::parse(RunCommandLine({"help", "--json"}).out);
     EXPECT_GE(tree.at("commands").size(), 50u);
     for (const Json& command : tree.at("commands")) {

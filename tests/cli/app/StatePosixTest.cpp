@@ -8,11 +8,11 @@
 
 namespace {
 
-constexpr const char* BUILTIN = QUILLET_SOURCE_DIR "/simulator/machines/builtin.mof";
+constexpr const char* kBuiltin = QUILLET_SOURCE_DIR "/simulator/machines/builtin.mof";
 
-class StateOnPosix : public CommandLine {
+class StateOnPosixTest : public CommandLine {
   protected:
-    StateOnPosix() { WriteFile(m_file, ReadFile(BUILTIN)); }
+    StateOnPosixTest() { WriteFile(m_file, ReadFile(kBuiltin)); }
 
     Outcome Change(const std::filesystem::path& file) const {
         return RunCommandLine({"--state", Utf8(file), "vlan", "add", "TEAM : Zürich", "100", "Labor"});
@@ -27,17 +27,17 @@ class StateOnPosix : public CommandLine {
     const std::filesystem::path m_file = InFolder("lab.mof");
 };
 
-TEST_F(StateOnPosix, KeepsItsMode) {
+TEST_F(StateOnPosixTest, KeepsItsMode) {
     for (const mode_t mode : {0640U, 0604U, 0777U}) {
         ASSERT_EQ(chmod(m_file.c_str(), mode), 0);
-        WriteFile(m_file, ReadFile(BUILTIN));
+        WriteFile(m_file, ReadFile(kBuiltin));
         EXPECT_EQ(Change(m_file).status, 0);
         EXPECT_TRUE(IsChanged());
         EXPECT_EQ(Status(m_file).st_mode & 07777U, mode);
     }
 }
 
-TEST_F(StateOnPosix, KeepsItsOwnerAndGroup) {
+TEST_F(StateOnPosixTest, KeepsItsOwnerAndGroup) {
     if (geteuid() != 0) {
         GTEST_SKIP() << "only root can give a file away";
     }
@@ -48,7 +48,7 @@ TEST_F(StateOnPosix, KeepsItsOwnerAndGroup) {
     EXPECT_EQ(Status(m_file).st_gid, 34u);
 }
 
-TEST_F(StateOnPosix, IsFoundThroughLinksWhichStay) {
+TEST_F(StateOnPosixTest, IsFoundThroughLinksWhichStay) {
     const std::filesystem::path folder = InFolder("folder");
     std::filesystem::create_directory(folder);
     const std::filesystem::path first = folder / "first.mof";
@@ -62,7 +62,7 @@ TEST_F(StateOnPosix, IsFoundThroughLinksWhichStay) {
     EXPECT_FALSE(std::filesystem::is_symlink(m_file));
 }
 
-TEST_F(StateOnPosix, IsMadeWhereALinkToNothingLeads) {
+TEST_F(StateOnPosixTest, IsMadeWhereALinkToNothingLeads) {
     const std::filesystem::path link = InFolder("link.mof");
     std::filesystem::remove(m_file);
     std::filesystem::create_symlink("lab.mof", link);
@@ -71,7 +71,7 @@ TEST_F(StateOnPosix, IsMadeWhereALinkToNothingLeads) {
     EXPECT_TRUE(std::filesystem::is_symlink(link));
 }
 
-TEST_F(StateOnPosix, ALinkToItselfIsAnError) {
+TEST_F(StateOnPosixTest, ALinkToItselfIsAnError) {
     const std::filesystem::path link = InFolder("link.mof");
     std::filesystem::create_symlink("link.mof", link);
     const Outcome outcome = Change(link);
@@ -80,7 +80,7 @@ TEST_F(StateOnPosix, ALinkToItselfIsAnError) {
 }
 
 // Whatever rights the tests have: nobody makes files there.
-TEST_F(StateOnPosix, InAFolderThatTakesNoFile_NothingIsDone) {
+TEST_F(StateOnPosixTest, InAFolderThatTakesNoFile_NothingIsDone) {
     const Outcome outcome = RunCommandLine({"--state", "/proc/lab.mof", "transaction", "try", "--journal"});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.out, "\nCalls to the provider: 0\n");
@@ -88,7 +88,7 @@ TEST_F(StateOnPosix, InAFolderThatTakesNoFile_NothingIsDone) {
               "quilletctl: /proc/lab.mof: cannot be written: no file can be made in its folder\n");
 }
 
-TEST_F(StateOnPosix, ThatMayNotBeWritten_NothingIsDone) {
+TEST_F(StateOnPosixTest, ThatMayNotBeWritten_NothingIsDone) {
     if (geteuid() == 0) {
         GTEST_SKIP() << "root may write everything";
     }
@@ -101,7 +101,7 @@ TEST_F(StateOnPosix, ThatMayNotBeWritten_NothingIsDone) {
 }
 
 // The lock is the file's own: one that somebody else holds lets readers pass.
-TEST_F(StateOnPosix, IsReadWhileACommandChangesIt) {
+TEST_F(StateOnPosixTest, IsReadWhileACommandChangesIt) {
     const int descriptor = open(m_file.c_str(), O_RDWR | O_CLOEXEC);
     ASSERT_GE(descriptor, 0);
     ASSERT_EQ(flock(descriptor, LOCK_EX), 0);
@@ -111,7 +111,7 @@ TEST_F(StateOnPosix, IsReadWhileACommandChangesIt) {
 }
 
 // A device or a folder is no place for a file that is replaced as a whole.
-TEST_F(StateOnPosix, AFileOfACommandIsReplacedTheSameWay) {
+TEST_F(StateOnPosixTest, AFileOfACommandIsReplacedTheSameWay) {
     const std::string adapter = "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}";
     const std::filesystem::path image = InFolder("flash.img");
     const std::filesystem::path link = InFolder("link.img");

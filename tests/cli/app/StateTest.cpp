@@ -7,10 +7,10 @@
 
 namespace {
 
-constexpr const char* BUILTIN = QUILLET_SOURCE_DIR "/simulator/machines/builtin.mof";
-constexpr const char* TEAM = "TEAM : Zürich";
+constexpr const char* kBuiltin = QUILLET_SOURCE_DIR "/simulator/machines/builtin.mof";
+constexpr const char* kTeam = "TEAM : Zürich";
 
-class State : public CommandLine {
+class StateTest : public CommandLine {
   protected:
     /// Makes the file of a machine of tests/cli/machines, by a command that changes nothing in it.
     std::filesystem::path Make(const std::string& machine = "golden.mof") const {
@@ -21,7 +21,7 @@ class State : public CommandLine {
         return file;
     }
     static Outcome AddVlan(const std::filesystem::path& file) {
-        return RunCommandLine({"--state", Utf8(file), "vlan", "add", TEAM, "100", "Labor"});
+        return RunCommandLine({"--state", Utf8(file), "vlan", "add", kTeam, "100", "Labor"});
     }
     std::size_t FilesInFolder() const {
         const std::filesystem::directory_iterator entries(Folder());
@@ -29,7 +29,7 @@ class State : public CommandLine {
     }
 };
 
-TEST_F(State, IsMadeFromTheMachineFileByTheFirstCommandThatMayChangeIt) {
+TEST_F(StateTest, IsMadeFromTheMachineFileByTheFirstCommandThatMayChangeIt) {
     const std::string golden = ReadFile(QUILLET_SOURCE_DIR "/tests/cli/golden/adapter-list.json");
     const std::filesystem::path file = Make();
     const std::string saved = ReadFile(file);
@@ -40,7 +40,7 @@ TEST_F(State, IsMadeFromTheMachineFileByTheFirstCommandThatMayChangeIt) {
     EXPECT_EQ(FilesInFolder(), 1u) << "neither a temporary file nor a lock is left";
 }
 
-TEST_F(State, ACommandThatOnlyReadsMakesNoFile) {
+TEST_F(StateTest, ACommandThatOnlyReadsMakesNoFile) {
     const std::string state = Utf8(InFolder("lab.mof"));
     const Outcome outcome = RunCommandLine(
         {"--state", state, "--simulate", TestMachine("golden.mof"), "adapter", "list", "--json"});
@@ -49,9 +49,9 @@ TEST_F(State, ACommandThatOnlyReadsMakesNoFile) {
     EXPECT_EQ(FilesInFolder(), 0u);
 }
 
-TEST_F(State, ACommandThatOnlyReadsLeavesTheFileAsItIs) {
+TEST_F(StateTest, ACommandThatOnlyReadsLeavesTheFileAsItIs) {
     const std::filesystem::path file = InFolder("lab.mof");
-    const std::string byHand = "  // mine\n" + ReadFile(BUILTIN);
+    const std::string byHand = "  // mine\n" + ReadFile(kBuiltin);
     WriteFile(file, byHand);
     const auto before = std::filesystem::last_write_time(file) - std::chrono::hours(1);
     std::filesystem::last_write_time(file, before);
@@ -68,13 +68,13 @@ TEST_F(State, ACommandThatOnlyReadsLeavesTheFileAsItIs) {
                                                            {"power", "show", adapter},
                                                            {"wol", "show", adapter},
                                                            {"team", "list"},
-                                                           {"team", "show", TEAM},
+                                                           {"team", "show", kTeam},
                                                            {"team", "modes"},
                                                            {"linksec", "show", secure},
                                                            {"linksec", "pmk", secure},
                                                            {"linksec", "stats", secure},
                                                            {"vlan", "list"},
-                                                           {"vlan", "check", TEAM, "100", "Labor"},
+                                                           {"vlan", "check", kTeam, "100", "Labor"},
                                                            {"diag", "list", adapter},
                                                            {"boot", "show", adapter},
                                                            {"boot", "read", adapter, image},
@@ -90,15 +90,15 @@ TEST_F(State, ACommandThatOnlyReadsLeavesTheFileAsItIs) {
     }
 }
 
-TEST_F(State, AChangeThatFindsNothingToChangeLeavesTheFileAsItIs) {
+TEST_F(StateTest, AChangeThatFindsNothingToChangeLeavesTheFileAsItIs) {
     const std::filesystem::path file = InFolder("lab.mof");
-    const std::string byHand = ReadFile(BUILTIN);
+    const std::string byHand = ReadFile(kBuiltin);
     WriteFile(file, byHand);
-    EXPECT_EQ(RunCommandLine({"--state", Utf8(file), "vlan", "add", TEAM, "5000", "Labor"}).status, 3);
+    EXPECT_EQ(RunCommandLine({"--state", Utf8(file), "vlan", "add", kTeam, "5000", "Labor"}).status, 3);
     EXPECT_EQ(ReadFile(file), byHand);
 }
 
-TEST_F(State, TakesPrecedenceOverTheMachineFile) {
+TEST_F(StateTest, TakesPrecedenceOverTheMachineFile) {
     const std::string state = Utf8(Make("names.mof"));
     const Outcome outcome = RunCommandLine(
         {"--state", state, "--simulate", TestMachine("golden.mof"), "adapter", "list", "--json"});
@@ -106,7 +106,7 @@ TEST_F(State, TakesPrecedenceOverTheMachineFile) {
     EXPECT_EQ(nlohmann::json::parse(outcome.out).at("adapters").size(), 3u);
 }
 
-TEST_F(State, WhatIsChangedInTheFileIsSeenAndKept) {
+TEST_F(StateTest, WhatIsChangedInTheFileIsSeenAndKept) {
     const std::filesystem::path file = Make();
     std::string text = ReadFile(file);
     const std::string before = "Server Adapter (東京)";
@@ -120,20 +120,20 @@ TEST_F(State, WhatIsChangedInTheFileIsSeenAndKept) {
     EXPECT_NE(ReadFile(file).find("Labor"), std::string::npos);
 }
 
-TEST_F(State, KeepsTheCommentsAtItsHead) {
+TEST_F(StateTest, KeepsTheCommentsAtItsHead) {
     const std::filesystem::path file = InFolder("lab.mof");
     const std::string head = "// The lab of Zürich.\r\n/* Do not\n   touch. */\n\n";
-    const std::string machine = ReadFile(BUILTIN);
+    const std::string machine = ReadFile(kBuiltin);
     WriteFile(file, "\xEF\xBB\xBF" + head + machine.substr(machine.find("instance of")));
     for (const char* id : {"100", "101"}) {
         const Outcome outcome =
-            RunCommandLine({"--state", Utf8(file), "vlan", "add", TEAM, id, std::string("Labor ") + id});
+            RunCommandLine({"--state", Utf8(file), "vlan", "add", kTeam, id, std::string("Labor ") + id});
         ASSERT_EQ(outcome.status, 0) << outcome.err << outcome.out;
         EXPECT_TRUE(ReadFile(file).starts_with(head + "instance of ")) << ReadFile(file).substr(0, 100);
     }
 }
 
-TEST_F(State, AnEmptyFileIsAnErrorWithItsName) {
+TEST_F(StateTest, AnEmptyFileIsAnErrorWithItsName) {
     const std::filesystem::path file = InFolder("lab.mof");
     for (const std::string text : {"", " \n\n", "// nothing here\n"}) {
         WriteFile(file, text);
@@ -148,7 +148,7 @@ TEST_F(State, AnEmptyFileIsAnErrorWithItsName) {
     }
 }
 
-TEST_F(State, MayHaveANameInAnyScript) {
+TEST_F(StateTest, MayHaveANameInAnyScript) {
     const std::filesystem::path file = InFolder("Prüfstand 東京.mof");
     const Outcome outcome = RunCommandLine({"--state", Utf8(file), "transaction", "try"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
@@ -156,7 +156,7 @@ TEST_F(State, MayHaveANameInAnyScript) {
     EXPECT_EQ(AddVlan(file).status, 0);
 }
 
-TEST_F(State, IsSavedAlsoAfterARefusal) {
+TEST_F(StateTest, IsSavedAlsoAfterARefusal) {
     const std::string machine = MachineFile("instance of QuilletSimulator_Fault { Id = 1; Operation = "
                                             "\"ExecMethod\"; Code = 0x80041001; };\n");
     const std::filesystem::path file = InFolder("lab.mof");
@@ -164,7 +164,7 @@ TEST_F(State, IsSavedAlsoAfterARefusal) {
     EXPECT_TRUE(std::filesystem::exists(file));
 }
 
-TEST_F(State, ABrokenFileIsNamedWithItsPositionAndLeftAlone) {
+TEST_F(StateTest, ABrokenFileIsNamedWithItsPositionAndLeftAlone) {
     const std::filesystem::path file = InFolder("lab.mof");
     const std::string broken = "instance of Zorel_NetService {\n    Nonsense = 1;\n};\n";
     WriteFile(file, broken);
@@ -177,7 +177,7 @@ TEST_F(State, ABrokenFileIsNamedWithItsPositionAndLeftAlone) {
     }
 }
 
-TEST_F(State, WhereItCannotBeWrittenNothingIsDone) {
+TEST_F(StateTest, WhereItCannotBeWrittenNothingIsDone) {
     const std::filesystem::path file = InFolder("no-such-folder") / "lab.mof";
     const Outcome outcome = RunCommandLine({"--state", Utf8(file), "transaction", "try", "--journal"});
     EXPECT_EQ(outcome.status, 2);
@@ -187,7 +187,7 @@ TEST_F(State, WhereItCannotBeWrittenNothingIsDone) {
     EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1);
 }
 
-TEST_F(State, BelongsToItsOwnerAlone) {
+TEST_F(StateTest, BelongsToItsOwnerAlone) {
     if (quilletctl::HostHasWmi()) {
         GTEST_SKIP() << "the folder's access list decides on this host";
     }

@@ -18,9 +18,9 @@ void PrintTo(const BadLine& line, std::ostream* out) {
     *out << "-> " << line.mentions;
 }
 
-class BadUsage : public testing::TestWithParam<BadLine> {};
+class BadUsageTest : public testing::TestWithParam<BadLine> {};
 
-TEST_P(BadUsage, IsOneLineOnTheErrorStreamAndStatusTwo) {
+TEST_P(BadUsageTest, IsOneLineOnTheErrorStreamAndStatusTwo) {
     const Outcome outcome = RunCommandLine(GetParam().arguments);
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.out, "");
@@ -31,7 +31,7 @@ TEST_P(BadUsage, IsOneLineOnTheErrorStreamAndStatusTwo) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Lines, BadUsage,
+    Lines, BadUsageTest,
     testing::Values(
         BadLine{{}, "a command is needed: adapter, "}, BadLine{{"adapter"}, "adapter needs a verb: list"},
         BadLine{{"adaptor", "list"}, "adaptor"}, BadLine{{"adapter", "lost"}, "lost"},
@@ -47,7 +47,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{{"--simulate", "no-such.mof", "warnings"}, "no-such.mof: no such file"},
         BadLine{{"--simulate", ".", "warnings"}, ".: not a file"}));
 
-TEST(Usage, Help_GoesToTheOutputAndListsEveryCommand) {
+TEST(UsageTest, Help_GoesToTheOutputAndListsEveryCommand) {
     const Outcome outcome = RunCommandLine({"--help"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
@@ -58,7 +58,7 @@ TEST(Usage, Help_GoesToTheOutputAndListsEveryCommand) {
     }
 }
 
-TEST(Usage, Help_OfANounListsItsVerbs) {
+TEST(UsageTest, Help_OfANounListsItsVerbs) {
     const Outcome outcome = RunCommandLine({"transaction", "--help"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_NE(outcome.out.find("try"), std::string::npos);
@@ -66,7 +66,7 @@ TEST(Usage, Help_OfANounListsItsVerbs) {
     EXPECT_EQ(outcome.out.find("adapter"), std::string::npos);
 }
 
-TEST(Usage, Version_NeedsNoMachine) {
+TEST(UsageTest, Version_NeedsNoMachine) {
     EXPECT_EQ(RunCommandLine({"version"}).out, "quilletctl " QUILLET_VERSION "\n");
     EXPECT_EQ(RunCommandLine({"--version"}).out, "quilletctl " QUILLET_VERSION "\n");
     EXPECT_EQ(RunCommandLine({"version", "--json"}).out, "{\n  \"version\": \"" QUILLET_VERSION "\"\n}\n");

@@ -11,9 +11,9 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char* FIRST = "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}";
+constexpr const char* kFirst = "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}";
 
-class OneAdapter : public CommandLine {
+class OneAdapterTest : public CommandLine {
   protected:
     /// Runs a command on the shipped machine under its fixed name.
     static Outcome Run(std::vector<std::string> arguments) {
@@ -31,16 +31,16 @@ class OneAdapter : public CommandLine {
     }
 };
 
-class NamedAdapter : public OneAdapter, public testing::WithParamInterface<const char*> {};
+class NamedAdapterTest : public OneAdapterTest, public testing::WithParamInterface<const char*> {};
 
-TEST_P(NamedAdapter, IsFound) {
+TEST_P(NamedAdapterTest, IsFound) {
     const Json shown = RunJson({"adapter", "show", GetParam()});
     ASSERT_TRUE(shown.is_object());
-    EXPECT_EQ(shown.at("objectId"), FIRST);
+    EXPECT_EQ(shown.at("objectId"), kFirst);
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Names, NamedAdapter,
+    Names, NamedAdapterTest,
     testing::Values("{64D1BF82-B507-5E42-AED2-547CA8AAC36A}", "{64d1bf82-b507-5e42-aed2-547ca8aac36a}",
                     "64D1BF82-B507-5E42-AED2-547CA8AAC36A", "Zorel 10G Dual Port Server Adapter",
                     "ZOREL 10g dual port server adapter",
@@ -48,20 +48,20 @@ INSTANTIATE_TEST_SUITE_P(
                     "DeviceID=\"{64D1BF82-B507-5E42-AED2-547CA8AAC36A}\"",
                     "Zorel_PhysicalEthernetAdapter.DeviceID='{64D1BF82-B507-5E42-AED2-547CA8AAC36A}'"));
 
-TEST_F(OneAdapter, UnknownName_IsBadUsage) {
+TEST_F(OneAdapterTest, UnknownName_IsBadUsage) {
     const Outcome outcome = Run({"adapter", "show", "nobody"});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err, "quilletctl: no adapter is called \"nobody\"; see quilletctl adapter list\n");
 }
 
-TEST_F(OneAdapter, PathThatTheProviderDoesNotKnow_IsRefusedByIt) {
+TEST_F(OneAdapterTest, PathThatTheProviderDoesNotKnow_IsRefusedByIt) {
     const Outcome outcome = Run({"adapter", "show", "Zorel_PhysicalEthernetAdapter.DeviceID=\"{0}\""});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.err.find("0x80041002 WBEM_E_NOT_FOUND"), std::string::npos) << outcome.err;
 }
 
-TEST_F(OneAdapter, NameOfSeveral_IsBadUsageAndTellsTheirIds) {
+TEST_F(OneAdapterTest, NameOfSeveral_IsBadUsageAndTellsTheirIds) {
     const std::string machine = MachineFile(R"(
         instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Name = "twin"; OriginalDisplayName = "model"; };
         instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{B}"; Name = "Twin"; OriginalDisplayName = "model"; };)");
@@ -70,21 +70,21 @@ TEST_F(OneAdapter, NameOfSeveral_IsBadUsageAndTellsTheirIds) {
     EXPECT_EQ(outcome.err, "quilletctl: several adapters are called \"twin\": {A}, {B}\n");
 }
 
-TEST_F(OneAdapter, NameIsMissing_IsBadUsage) {
+TEST_F(OneAdapterTest, NameIsMissing_IsBadUsage) {
     for (const char* verb : {"show", "capabilities", "ports", "identify"}) {
         EXPECT_EQ(Run({"adapter", verb}).status, 2) << verb;
         EXPECT_EQ(Run({"adapter", verb, ""}).status, 2) << verb;
     }
 }
 
-TEST_F(OneAdapter, Show_MatchesTheGoldenFiles) {
-    EXPECT_EQ(Run({"adapter", "show", FIRST, "--json"}).out, Golden("adapter-show.json"));
+TEST_F(OneAdapterTest, Show_MatchesTheGoldenFiles) {
+    EXPECT_EQ(Run({"adapter", "show", kFirst, "--json"}).out, Golden("adapter-show.json"));
     EXPECT_EQ(Run({"adapter", "show", "Zorel Gigabit Server Adapter (東京)"}).out,
               Golden("adapter-show.txt"));
 }
 
-TEST_F(OneAdapter, Show_TellsNumbersAndTheirMeanings) {
-    const Json shown = RunJson({"adapter", "show", FIRST});
+TEST_F(OneAdapterTest, Show_TellsNumbersAndTheirMeanings) {
+    const Json shown = RunJson({"adapter", "show", kFirst});
     EXPECT_EQ(shown.at("speed"), (Json{{"code", 5}, {"text", "10 Gbit/s"}}));
     EXPECT_EQ(shown.at("duplex"), (Json{{"code", 2}, {"text", "full duplex"}}));
     EXPECT_EQ(shown.at("hardwareStatus"), (Json{{"code", 3}, {"text", "link present"}}));
@@ -98,7 +98,7 @@ TEST_F(OneAdapter, Show_TellsNumbersAndTheirMeanings) {
     EXPECT_EQ(missing.at("speed"), (Json{{"code", 0}, {"text", "no link"}}));
 }
 
-TEST_F(OneAdapter, Show_MethodRefused_DoesNotHideTheRest) {
+TEST_F(OneAdapterTest, Show_MethodRefused_DoesNotHideTheRest) {
     const std::string machine = MachineFile(
         R"(instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Name = "one"; OriginalDisplayName = "model";
                            Capabilities = {46}; NetworkAddresses = {"02-00-5E-00-00-01"}; };
@@ -115,9 +115,9 @@ TEST_F(OneAdapter, Show_MethodRefused_DoesNotHideTheRest) {
     EXPECT_EQ(Json::parse(json.out).at("warnings"), "0x0000000000000000");
 }
 
-TEST_F(OneAdapter, Capabilities_MatchTheGoldenFileAndHaveAWordEach) {
-    EXPECT_EQ(Run({"adapter", "capabilities", FIRST, "--json"}).out, Golden("adapter-capabilities.json"));
-    const Outcome text = Run({"adapter", "capabilities", FIRST});
+TEST_F(OneAdapterTest, Capabilities_MatchTheGoldenFileAndHaveAWordEach) {
+    EXPECT_EQ(Run({"adapter", "capabilities", kFirst, "--json"}).out, Golden("adapter-capabilities.json"));
+    const Outcome text = Run({"adapter", "capabilities", kFirst});
     EXPECT_TRUE(text.out.starts_with("CODE  CAPABILITY\n3     Teaming\n4     Fault tolerance team\n"))
         << text.out;
     std::set<std::string> words;
@@ -128,7 +128,7 @@ TEST_F(OneAdapter, Capabilities_MatchTheGoldenFileAndHaveAWordEach) {
     }
 }
 
-TEST_F(OneAdapter, Capabilities_NoArray_IsTheLibrarysCode) {
+TEST_F(OneAdapterTest, Capabilities_NoArray_IsTheLibrarysCode) {
     const std::string machine = MachineFile(
         R"(instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Name = "one"; OriginalDisplayName = "model"; };)");
     const Outcome outcome = RunCommandLine({"--simulate", machine, "adapter", "capabilities", "one"});
@@ -136,32 +136,32 @@ TEST_F(OneAdapter, Capabilities_NoArray_IsTheLibrarysCode) {
     EXPECT_EQ(outcome.err, "quilletctl: could not read the capabilities of one: 0x80041001 WBEM_E_FAILED\n");
 }
 
-TEST_F(OneAdapter, Ports_ListTheTeamedPortsOfTheBoard) {
+TEST_F(OneAdapterTest, Ports_ListTheTeamedPortsOfTheBoard) {
     const std::string port = "Zorel Quad Port Gigabit Server Adapter #2";
     EXPECT_EQ(Run({"adapter", "ports", port, "--json"}).out, Golden("adapter-ports.json"));
     const Outcome text = Run({"adapter", "ports", port});
     EXPECT_EQ(text.status, 0) << text.err;
     EXPECT_EQ(std::count(text.out.begin(), text.out.end(), '\n'), 3) << text.out;
-    EXPECT_EQ(Run({"adapter", "ports", FIRST}).out, "no port of this board is in a team\n");
-    EXPECT_EQ(RunJson({"adapter", "ports", FIRST}).at("ports"), Json::array());
+    EXPECT_EQ(Run({"adapter", "ports", kFirst}).out, "no port of this board is in a team\n");
+    EXPECT_EQ(RunJson({"adapter", "ports", kFirst}).at("ports"), Json::array());
 }
 
-TEST_F(OneAdapter, Identify_AsksForSoManySeconds) {
+TEST_F(OneAdapterTest, Identify_AsksForSoManySeconds) {
     EXPECT_EQ(
-        Run({"adapter", "identify", FIRST}).out,
+        Run({"adapter", "identify", kFirst}).out,
         "Zorel 10G Dual Port Server Adapter was asked to blink for 10 seconds; it does not tell whether "
         "it does\n");
-    EXPECT_EQ(Run({"adapter", "identify", FIRST, "--seconds", "5", "--json"}).out,
+    EXPECT_EQ(Run({"adapter", "identify", kFirst, "--seconds", "5", "--json"}).out,
               Golden("adapter-identify.json"));
-    const Outcome outcome = Run({"adapter", "identify", FIRST, "--seconds", "1", "--journal"});
+    const Outcome outcome = Run({"adapter", "identify", kFirst, "--seconds", "1", "--journal"});
     EXPECT_TRUE(
         outcome.out.starts_with("Zorel 10G Dual Port Server Adapter was asked to blink for 1 second; "));
     EXPECT_NE(outcome.out.find(", IdentifyAdapter(nSeconds=1) -> 0x00000000\n"), std::string::npos)
         << outcome.out;
-    EXPECT_EQ(Run({"adapter", "identify", FIRST, "--seconds", "0"}).status, 2);
+    EXPECT_EQ(Run({"adapter", "identify", kFirst, "--seconds", "0"}).status, 2);
 }
 
-TEST(AdapterTexts, NumbersWithoutAWordAreShownAsTheyAre) {
+TEST(AdapterTextsTest, NumbersWithoutAWordAreShownAsTheyAre) {
     using namespace quilletctl;
     EXPECT_EQ(HardwareStatusText(9), "code 9");
     EXPECT_EQ(StatusInfoText(-1), "code -1");
@@ -170,7 +170,7 @@ TEST(AdapterTexts, NumbersWithoutAWordAreShownAsTheyAre) {
     EXPECT_EQ(SpeedText(static_cast<CAdapterDynamicInfo::LinkSpeed>(7)), "code 7");
 }
 
-TEST(AdapterTexts, AdapterStatusTellsEachOfItsBits) {
+TEST(AdapterTextsTest, AdapterStatusTellsEachOfItsBits) {
     using quilletctl::AdapterStatusText;
     EXPECT_EQ(AdapterStatusText(0), "nothing reported");
     EXPECT_EQ(AdapterStatusText(5), "enabled, hardware missing");

@@ -19,7 +19,7 @@ using quillet::simulator::WriteFlashImage;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_PhysicalEthernetAdapter as $A {
         DeviceID = "{A}"; Name = "Left port"; OriginalDisplayName = "Left port"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{B}"; Name = "Right port"; OriginalDisplayName = "R"; };
@@ -46,12 +46,12 @@ std::string Image() {
     return {bytes.begin(), bytes.end()};
 }
 
-class BootCommands : public CommandLine {
+class BootCommandsTest : public CommandLine {
   protected:
     /// Runs a command against the machine, which lives on in its file.
     Outcome Run(std::vector<std::string> arguments, Screen screen = {}) {
         if (m_state.empty()) {
-            m_machine = MachineFile(MACHINE);
+            m_machine = MachineFile(kMachine);
             m_state = Utf8(InFolder("lab.mof"));
         }
         arguments.insert(arguments.end(), {"--simulate", m_machine, "--state", m_state});
@@ -73,7 +73,7 @@ class BootCommands : public CommandLine {
     std::string m_state;
 };
 
-TEST_F(BootCommands, DiagList_ShowsTheTestsOfTheAdapter) {
+TEST_F(BootCommandsTest, DiagList_ShowsTheTestsOfTheAdapter) {
     EXPECT_EQ(Run({"diag", "list", "Left port"}).out, "ID  TEST                    GROUP\n"
                                                       "4   Link test - Left port   2\n"
                                                       "5   Cable test - Left port  2\n"
@@ -88,7 +88,7 @@ TEST_F(BootCommands, DiagList_ShowsTheTestsOfTheAdapter) {
     EXPECT_THAT(json.at("tests")[0].at("path").get<std::string>(), HasSubstr("Zorel_DiagTest.Name="));
 }
 
-TEST_F(BootCommands, DiagRun_IntoAFile_PrintsPlainLines) {
+TEST_F(BootCommandsTest, DiagRun_IntoAFile_PrintsPlainLines) {
     const Outcome outcome = Run({"diag", "run", "Left port", "Link", "--interval", "10"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.out, "In Progress\n"
@@ -100,7 +100,7 @@ TEST_F(BootCommands, DiagRun_IntoAFile_PrintsPlainLines) {
                            "Messages:  -\n");
 }
 
-TEST_F(BootCommands, DiagRun_OnATerminal_MovesABarAndWipesIt) {
+TEST_F(BootCommandsTest, DiagRun_OnATerminal_MovesABarAndWipesIt) {
     const Outcome outcome = Run({"diag", "run", "Left port", "4", "--interval", "400"}, {true, 60});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     std::set<std::string> pictures;
@@ -116,7 +116,7 @@ TEST_F(BootCommands, DiagRun_OnATerminal_MovesABarAndWipesIt) {
     EXPECT_THAT(outcome.out, HasSubstr("\rTest:      Link test - Left port\n")) << "behind the wiped bar";
 }
 
-TEST_F(BootCommands, DiagRun_FailedTest_IsAFinding) {
+TEST_F(BootCommandsTest, DiagRun_FailedTest_IsAFinding) {
     const Outcome outcome = Run({"diag", "run", "Left port", "cable test", "--interval", "10", "--json"});
     EXPECT_EQ(outcome.status, 3) << outcome.err;
     const Json json = Json::parse(outcome.out);
@@ -133,7 +133,7 @@ TEST_F(BootCommands, DiagRun_FailedTest_IsAFinding) {
     EXPECT_TRUE(json.at("members").empty());
 }
 
-TEST_F(BootCommands, DiagRun_Package_ShowsItsMembers) {
+TEST_F(BootCommandsTest, DiagRun_Package_ShowsItsMembers) {
     const Outcome outcome = Run({"diag", "run", "Left port", "all", "--interval", "10"});
     EXPECT_EQ(outcome.status, 3) << outcome.err;
     EXPECT_THAT(outcome.out, HasSubstr("State:     Failed\n"));
@@ -144,7 +144,7 @@ TEST_F(BootCommands, DiagRun_Package_ShowsItsMembers) {
     EXPECT_EQ(json.at("members")[1].at("resultCode"), 4);
 }
 
-TEST_F(BootCommands, DiagRun_UnknownOrAmbiguousTest_IsBadUsage) {
+TEST_F(BootCommandsTest, DiagRun_UnknownOrAmbiguousTest_IsBadUsage) {
     EXPECT_EQ(Run({"diag", "run", "Left port", "nothing"}).status, 2);
     EXPECT_EQ(Run({"diag", "run", "Right port", "4"}).status, 2);
     EXPECT_EQ(Run({"diag", "run", "nobody", "4"}).status, 2);
@@ -152,7 +152,7 @@ TEST_F(BootCommands, DiagRun_UnknownOrAmbiguousTest_IsBadUsage) {
     EXPECT_EQ(Run({"diag", "run", "Left port", "4", "--interval", "1"}).status, 2);
 }
 
-TEST_F(BootCommands, DiagStop_OfATestThatRanBefore_TellsItsState) {
+TEST_F(BootCommandsTest, DiagStop_OfATestThatRanBefore_TellsItsState) {
     Run({"diag", "run", "Left port", "4", "--interval", "10"});
     const Outcome outcome = Run({"diag", "stop", "Left port", "4", "--journal"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
@@ -161,7 +161,7 @@ TEST_F(BootCommands, DiagStop_OfATestThatRanBefore_TellsItsState) {
     EXPECT_EQ(Run({"diag", "stop", "Left port", "5"}).status, 1) << "it never ran";
 }
 
-TEST_F(BootCommands, BootShow_TellsWhatIsThere) {
+TEST_F(BootCommandsTest, BootShow_TellsWhatIsThere) {
     const Outcome outcome = Run({"boot", "show", "Left port"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_THAT(outcome.out, HasSubstr("Version:           1.2.3\n"));
@@ -175,7 +175,7 @@ TEST_F(BootCommands, BootShow_TellsWhatIsThere) {
     EXPECT_EQ(json.at("installedImageTypes"), 1);
 }
 
-TEST_F(BootCommands, BootRead_WritesTheBytesAndAsksBeforeItOverwrites) {
+TEST_F(BootCommandsTest, BootRead_WritesTheBytesAndAsksBeforeItOverwrites) {
     const std::string file = Utf8(InFolder("flash.bin"));
     const Outcome outcome = Run({"boot", "read", "Left port", file});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
@@ -193,7 +193,7 @@ TEST_F(BootCommands, BootRead_WritesTheBytesAndAsksBeforeItOverwrites) {
     EXPECT_FALSE(std::filesystem::exists(InFolder("none.bin")));
 }
 
-TEST_F(BootCommands, BootInspect_ListsTheImages) {
+TEST_F(BootCommandsTest, BootInspect_ListsTheImages) {
     const std::string file = File("new.img", Image());
     EXPECT_EQ(Run({"boot", "inspect", "Left port", file}).out, "TYPE   VERSION  GROUP  LEVEL\n"
                                                                "PXE    1.4.0    0      1\n"
@@ -209,7 +209,7 @@ TEST_F(BootCommands, BootInspect_ListsTheImages) {
     EXPECT_EQ(Run({"boot", "inspect", "Left port", Utf8(InFolder("missing.img"))}).status, 2);
 }
 
-TEST_F(BootCommands, BootVerify_IsAFindingWhereTheFileIsWrong) {
+TEST_F(BootCommandsTest, BootVerify_IsAFindingWhereTheFileIsWrong) {
     const std::string file = File("new.img", Image());
     EXPECT_EQ(Run({"boot", "verify", "Left port", file}).out, "the image file is right\n");
     EXPECT_EQ(Run({"boot", "verify", "Left port", file, "--type", "iSCSI", "--type", "PXE"}).status, 0);
@@ -223,7 +223,7 @@ TEST_F(BootCommands, BootVerify_IsAFindingWhereTheFileIsWrong) {
     EXPECT_EQ(Json::parse(wrong.out).at("code"), 3);
 }
 
-TEST_F(BootCommands, BootWrite_ChecksAsksWritesAndCompares) {
+TEST_F(BootCommandsTest, BootWrite_ChecksAsksWritesAndCompares) {
     const std::string file = File("new.img", Image());
     EXPECT_EQ(Run({"boot", "write", "Left port", file}).status, 2) << "nobody can be asked";
     const Outcome refused = Run({"boot", "write", "Left port", file}, {.answers = "\n"});
@@ -250,7 +250,7 @@ TEST_F(BootCommands, BootWrite_ChecksAsksWritesAndCompares) {
     EXPECT_EQ(Json::parse(Run({"boot", "show", "Left port", "--json"}).out).at("version"), "1.4.0");
 }
 
-TEST_F(BootCommands, BootWrite_Json) {
+TEST_F(BootCommandsTest, BootWrite_Json) {
     const Outcome outcome =
         Run({"boot", "write", "Left port", File("new.img", Image()), "--type", "PXE", "--yes", "--json"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
@@ -261,7 +261,7 @@ TEST_F(BootCommands, BootWrite_Json) {
     EXPECT_EQ(json.at("restartNeeded"), true);
 }
 
-TEST_F(BootCommands, BootWrite_WrongFile_IsNeverWrittenNorAskedFor) {
+TEST_F(BootCommandsTest, BootWrite_WrongFile_IsNeverWrittenNorAskedFor) {
     std::string damaged = Image();
     damaged.back() = static_cast<char>(damaged.back() ^ 1);
     const Outcome outcome =
@@ -274,9 +274,9 @@ TEST_F(BootCommands, BootWrite_WrongFile_IsNeverWrittenNorAskedFor) {
     EXPECT_EQ(Flash(), "\x01\x02\x03");
 }
 
-TEST_F(BootCommands, BootWrite_PowerCut_IsARefusalAndTheClientSetIsClosed) {
+TEST_F(BootCommandsTest, BootWrite_PowerCut_IsARefusalAndTheClientSetIsClosed) {
     const std::string machine =
-        MachineFile(std::string(MACHINE) +
+        MachineFile(std::string(kMachine) +
                     "instance of QuilletSimulator_Fault { Id = 1; Operation = \"ExecMethod\"; "
                     "MethodName = \"ProgramFlashEx\"; Effect = \"PowerCut\"; Code = 0x80041015; };");
     const Outcome outcome = RunCommandLine({"--simulate", machine, "boot", "write", "Left port",
@@ -296,10 +296,10 @@ TEST_F(BootCommands, BootWrite_PowerCut_IsARefusalAndTheClientSetIsClosed) {
     EXPECT_EQ(json.at("restartNeeded"), false);
 }
 
-TEST_F(BootCommands, BootWrite_MemoryThatCannotBeReadBack_IsNotKnown) {
+TEST_F(BootCommandsTest, BootWrite_MemoryThatCannotBeReadBack_IsNotKnown) {
     const std::string machine = MachineFile(
-        std::string(MACHINE) + "instance of QuilletSimulator_Fault { Id = 1; Operation = "
-                               "\"ExecMethod\"; MethodName = \"ReadFlash\"; Code = 0x80041003; };");
+        std::string(kMachine) + "instance of QuilletSimulator_Fault { Id = 1; Operation = "
+                                "\"ExecMethod\"; MethodName = \"ReadFlash\"; Code = 0x80041003; };");
     const std::vector<std::string> command{
         "--simulate", machine, "boot", "write", "Left port", File("new.img", Image()), "--yes"};
     const Outcome outcome = RunCommandLine(command);
@@ -314,17 +314,17 @@ TEST_F(BootCommands, BootWrite_MemoryThatCannotBeReadBack_IsNotKnown) {
     EXPECT_TRUE(Json::parse(RunCommandLine(json).out).at("written").is_null());
 }
 
-TEST_F(BootCommands, BootWrite_MemoryThatHoldsSomethingElse_IsAFinding) {
+TEST_F(BootCommandsTest, BootWrite_MemoryThatHoldsSomethingElse_IsAFinding) {
     const std::string machine = MachineFile(
-        std::string(MACHINE) + "instance of QuilletSimulator_Fault { Id = 1; Operation = \"Get\"; "
-                               "Target = \"FlashData\"; Effect = \"EmptyArray\"; };");
+        std::string(kMachine) + "instance of QuilletSimulator_Fault { Id = 1; Operation = \"Get\"; "
+                                "Target = \"FlashData\"; Effect = \"EmptyArray\"; };");
     const Outcome outcome = RunCommandLine(
         {"--simulate", machine, "boot", "write", "Left port", File("new.img", Image()), "--yes"});
     EXPECT_EQ(outcome.status, 3) << outcome.err;
     EXPECT_THAT(outcome.out, HasSubstr("the flash memory does not hold what was written"));
 }
 
-TEST_F(BootCommands, Iscsi_ListShowSet) {
+TEST_F(BootCommandsTest, Iscsi_ListShowSet) {
     EXPECT_EQ(Run({"iscsi", "list"}).out, "ADAPTER    PLACE  BOOT AGENT ID\n"
                                           "Left port  off    {A}\n");
     const Outcome set = Run({"iscsi", "set", "Left port", "primary"});
@@ -346,7 +346,7 @@ TEST_F(BootCommands, Iscsi_ListShowSet) {
               "no adapter can boot from iSCSI\n");
 }
 
-TEST(Bar, MovesThereAndBack) {
+TEST(BarTest, MovesThereAndBack) {
     EXPECT_EQ(quilletctl::BarPicture(0), "[####                ]");
     EXPECT_EQ(quilletctl::BarPicture(1), "[ ####               ]");
     EXPECT_EQ(quilletctl::BarPicture(16), "[                ####]");
@@ -354,7 +354,7 @@ TEST(Bar, MovesThereAndBack) {
     EXPECT_EQ(quilletctl::BarPicture(32), quilletctl::BarPicture(0));
 }
 
-TEST(Bar, KeepsMovingWhileACallDoesNotReturn) {
+TEST(BarTest, KeepsMovingWhileACallDoesNotReturn) {
     std::ostringstream out;
     const quilletctl::Terminal terminal{.out = out, .err = out, .outIsTerminal = true, .width = 30};
     {

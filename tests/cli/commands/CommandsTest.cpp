@@ -12,12 +12,12 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-class Adapters : public CommandLine {};
-class Warnings : public CommandLine {};
-class Transactions : public CommandLine {};
-class Refusals : public CommandLine {};
-class Journals : public CommandLine {};
-class Colours : public CommandLine {};
+class AdaptersTest : public CommandLine {};
+class WarningsTest : public CommandLine {};
+class TransactionsTest : public CommandLine {};
+class RefusalsTest : public CommandLine {};
+class JournalsTest : public CommandLine {};
+class ColoursTest : public CommandLine {};
 
 std::vector<std::string> Keys(const Json& object) {
     std::vector<std::string> keys;
@@ -27,7 +27,7 @@ std::vector<std::string> Keys(const Json& object) {
     return keys;
 }
 
-TEST_F(Adapters, List_JsonIsByteForByteTheGoldenFile) {
+TEST_F(AdaptersTest, List_JsonIsByteForByteTheGoldenFile) {
     const Outcome outcome =
         RunCommandLine({"--simulate", TestMachine("golden.mof"), "adapter", "list", "--json"});
     EXPECT_EQ(outcome.status, 0);
@@ -35,7 +35,7 @@ TEST_F(Adapters, List_JsonIsByteForByteTheGoldenFile) {
     EXPECT_EQ(outcome.out, ReadFile(QUILLET_SOURCE_DIR "/tests/cli/golden/adapter-list.json"));
 }
 
-TEST_F(Adapters, List_JsonHasItsKeysInOrderAndReadsBack) {
+TEST_F(AdaptersTest, List_JsonHasItsKeysInOrderAndReadsBack) {
     const Outcome outcome =
         RunCommandLine({"adapter", "list", "--json", "--simulate", TestMachine("names.mof")});
     ASSERT_EQ(outcome.status, 0) << outcome.err;
@@ -54,7 +54,7 @@ TEST_F(Adapters, List_JsonHasItsKeysInOrderAndReadsBack) {
     EXPECT_NE(outcome.out.find("東京"), std::string::npos) << "characters are not escaped";
 }
 
-TEST_F(Adapters, List_TextIsAlignedAndCannotSteerTheTerminal) {
+TEST_F(AdaptersTest, List_TextIsAlignedAndCannotSteerTheTerminal) {
     const Outcome outcome = RunCommandLine({"--simulate", TestMachine("names.mof"), "adapter", "list"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.out,
@@ -65,7 +65,7 @@ TEST_F(Adapters, List_TextIsAlignedAndCannotSteerTheTerminal) {
               "b\xEF\xBF\xBD[31m  two\xEF\xBF\xBDlines     {00000000-0000-0000-0000-000000000003}\n");
 }
 
-TEST_F(Adapters, List_FitsANarrowTerminalWithoutCuttingIdentifiers) {
+TEST_F(AdaptersTest, List_FitsANarrowTerminalWithoutCuttingIdentifiers) {
     const Outcome outcome = RunCommandLine(
         {"--simulate", TestMachine("golden.mof"), "adapter", "list", "--no-color"}, {true, 72});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
@@ -81,7 +81,7 @@ TEST_F(Adapters, List_FitsANarrowTerminalWithoutCuttingIdentifiers) {
     EXPECT_GT(adapters, 5u);
 }
 
-TEST_F(Adapters, List_OfAMachineWithoutAdapters) {
+TEST_F(AdaptersTest, List_OfAMachineWithoutAdapters) {
     const std::string machine = MachineFile("");
     EXPECT_EQ(RunCommandLine({"--simulate", machine, "adapter", "list"}).out, "no adapters\n");
     const Outcome json = RunCommandLine({"--simulate", machine, "adapter", "list", "--json"});
@@ -89,7 +89,7 @@ TEST_F(Adapters, List_OfAMachineWithoutAdapters) {
     EXPECT_EQ(Json::parse(json.out), (Json{{"adapters", Json::array()}}));
 }
 
-TEST_F(Adapters, List_OptionsMayStandAnywhereAndTheFileMayBeLeftOut) {
+TEST_F(AdaptersTest, List_OptionsMayStandAnywhereAndTheFileMayBeLeftOut) {
     const Outcome before = RunCommandLine({"--simulate", "--json", "adapter", "list"});
     ASSERT_EQ(before.status, 0) << before.err;
     EXPECT_GT(Json::parse(before.out).at("adapters").size(), 5u) << "the built-in machine";
@@ -98,7 +98,7 @@ TEST_F(Adapters, List_OptionsMayStandAnywhereAndTheFileMayBeLeftOut) {
     EXPECT_EQ(RunCommandLine({"--simulate", "--yes", "adapter", "list", "--json"}).out, before.out);
 }
 
-TEST_F(Adapters, List_OnAMachineByName) {
+TEST_F(AdaptersTest, List_OnAMachineByName) {
     EXPECT_EQ(RunCommandLine({"--simulate", "--machine", "lab-7", "adapter", "list"}).status, 0);
     EXPECT_EQ(RunCommandLine({"--simulate", "--machine", "\\\\lab-7", "--journal", "adapter", "list"})
                   .out.find("\\\\\\\\lab-7"),
@@ -107,7 +107,7 @@ TEST_F(Adapters, List_OnAMachineByName) {
 }
 
 /// Only a host without WMI has a simulated machine answer that nobody asked for.
-class WithoutWmi : public CommandLine {
+class WithoutWmiTest : public CommandLine {
   protected:
     void SetUp() override {
         if (quilletctl::HostHasWmi()) {
@@ -116,7 +116,7 @@ class WithoutWmi : public CommandLine {
     }
 };
 
-TEST_F(WithoutWmi, OneLineOnTheErrorStreamSaysThatASimulatedMachineAnswers) {
+TEST_F(WithoutWmiTest, OneLineOnTheErrorStreamSaysThatASimulatedMachineAnswers) {
     const std::string line =
         "quilletctl: this host has no WMI, so a simulated machine answers; with --simulate it "
         "does so without this line\n";
@@ -137,7 +137,7 @@ TEST_F(WithoutWmi, OneLineOnTheErrorStreamSaysThatASimulatedMachineAnswers) {
     EXPECT_EQ(RunCommandLine({"help", "team", "list"}).err, "");
 }
 
-TEST_F(WithoutWmi, AnotherMachineIsAnErrorThatSaysWhatToDo) {
+TEST_F(WithoutWmiTest, AnotherMachineIsAnErrorThatSaysWhatToDo) {
     const std::string message =
         "--machine: this host has no WMI, and so no way to another machine; run quilletctl on "
         "Windows, or add --simulate";
@@ -154,7 +154,7 @@ TEST_F(WithoutWmi, AnotherMachineIsAnErrorThatSaysWhatToDo) {
         0);
 }
 
-TEST_F(Warnings, NoneIsSaidInWords) {
+TEST_F(WarningsTest, NoneIsSaidInWords) {
     const Outcome outcome = RunCommandLine({"--simulate", "warnings"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.out, "no pending warnings\n");
@@ -162,7 +162,7 @@ TEST_F(Warnings, NoneIsSaidInWords) {
               "{\n  \"mask\": \"0x0000000000000000\",\n  \"bits\": []\n}\n");
 }
 
-TEST_F(Warnings, EachIsALine) {
+TEST_F(WarningsTest, EachIsALine) {
     std::string mof = ReadFile(QUILLET_SOURCE_DIR "/simulator/machines/empty.mof");
     const std::string caption = "Version = ";
     ASSERT_NE(mof.find(caption), std::string::npos);
@@ -178,7 +178,7 @@ TEST_F(Warnings, EachIsALine) {
     EXPECT_EQ(json.at("bits"), (Json{0, 2, 63}));
 }
 
-TEST_F(Transactions, Try_SaysWhetherARestartIsNeeded) {
+TEST_F(TransactionsTest, Try_SaysWhetherARestartIsNeeded) {
     const Outcome outcome = RunCommandLine({"--simulate", "transaction", "try"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.out, "opened a client set and closed it again: no restart is needed\n");
@@ -192,9 +192,9 @@ struct Refused {
     const char* message;
 };
 
-class ProviderRefuses : public CommandLine, public testing::WithParamInterface<Refused> {};
+class ProviderRefusesTest : public CommandLine, public testing::WithParamInterface<Refused> {};
 
-TEST_P(ProviderRefuses, IsOneLineWithCodeAndNameAndStatusOne) {
+TEST_P(ProviderRefusesTest, IsOneLineWithCodeAndNameAndStatusOne) {
     const std::string machine = MachineFile("instance of QuilletSimulator_Fault { Id = 1; " +
                                             std::string(GetParam().fault) + " };\n");
     std::vector<std::string> arguments = GetParam().command;
@@ -222,7 +222,7 @@ TEST_P(ProviderRefuses, IsOneLineWithCodeAndNameAndStatusOne) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Steps, ProviderRefuses,
+    Steps, ProviderRefusesTest,
     testing::Values(
         Refused{"Operation = \"ConnectServer\"; Code = 0x80041003;",
                 {"adapter", "list"},
@@ -245,7 +245,7 @@ INSTANTIATE_TEST_SUITE_P(
                 {"transaction", "try"},
                 "close the client set: 0x80041FFF"}));
 
-TEST_F(Refusals, ABrokenMachineFileIsNamedWithItsPosition) {
+TEST_F(RefusalsTest, ABrokenMachineFileIsNamedWithItsPosition) {
     const std::string machine = Utf8(InFolder("broken.mof"));
     WriteFile(InFolder("broken.mof"), "// a comment\ninstance of Zorel_NetService {\n    Name = ;\n};\n");
     const Outcome outcome = RunCommandLine({"--simulate", machine, "adapter", "list"});
@@ -255,12 +255,12 @@ TEST_F(Refusals, ABrokenMachineFileIsNamedWithItsPosition) {
     EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1);
 }
 
-TEST_F(Refusals, AnErrorIsRedOnATerminal) {
+TEST_F(RefusalsTest, AnErrorIsRedOnATerminal) {
     const Outcome outcome = RunCommandLine({"nonsense"}, {true, 80});
     EXPECT_TRUE(outcome.err.starts_with("\x1b[1;31mquilletctl:\x1b[0m ")) << outcome.err;
 }
 
-TEST_F(Journals, FollowTheAnswerOnTheOutput) {
+TEST_F(JournalsTest, FollowTheAnswerOnTheOutput) {
     const Outcome outcome = RunCommandLine({"--simulate", "transaction", "try", "--journal"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
@@ -275,7 +275,7 @@ TEST_F(Journals, FollowTheAnswerOnTheOutput) {
     EXPECT_NE(outcome.out.find(", BeginApply() -> 0x00000000\n"), std::string::npos) << outcome.out;
 }
 
-TEST_F(Journals, GoToTheErrorStreamBesideJson) {
+TEST_F(JournalsTest, GoToTheErrorStreamBesideJson) {
     const Outcome outcome = RunCommandLine({"--simulate", "adapter", "list", "--json", "--journal"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(Json::parse(outcome.out).size(), 1u);
@@ -283,7 +283,7 @@ TEST_F(Journals, GoToTheErrorStreamBesideJson) {
     EXPECT_NE(outcome.err.find("  CreateInstanceEnum Zorel_PhysicalEthernetAdapter"), std::string::npos);
 }
 
-TEST_F(Journals, ArePrintedWhenTheProviderRefuses) {
+TEST_F(JournalsTest, ArePrintedWhenTheProviderRefuses) {
     const std::string machine = MachineFile("instance of QuilletSimulator_Fault { Id = 1; Operation = "
                                             "\"ExecMethod\"; Code = 0x80041001; };\n");
     const Outcome outcome = RunCommandLine({"--simulate", machine, "transaction", "try", "--journal"});
@@ -292,7 +292,7 @@ TEST_F(Journals, ArePrintedWhenTheProviderRefuses) {
     EXPECT_EQ(outcome.out.find("opened a client set"), std::string::npos);
 }
 
-TEST_F(Journals, AreOnlyKeptBySimulatedMachines) {
+TEST_F(JournalsTest, AreOnlyKeptBySimulatedMachines) {
     const Outcome outcome = RunCommandLine({"warnings", "--journal"});
     if (quilletctl::HostHasWmi()) {
         EXPECT_EQ(outcome.status, 2);
@@ -305,7 +305,7 @@ TEST_F(Journals, AreOnlyKeptBySimulatedMachines) {
     }
 }
 
-TEST_F(Colours, TitlesAreBoldOnATerminalUnlessUnwanted) {
+TEST_F(ColoursTest, TitlesAreBoldOnATerminalUnlessUnwanted) {
     SetEnvironment("NO_COLOR", "");
     const std::vector<std::string> list{"--simulate", TestMachine("names.mof"), "adapter", "list"};
     const std::string plain = RunCommandLine(list).out;

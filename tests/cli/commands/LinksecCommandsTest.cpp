@@ -9,11 +9,11 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-class Linksec : public CommandLine {
+class LinksecTest : public CommandLine {
   protected:
-    Linksec() : m_state(Utf8(InFolder("lab.mof"))) {
+    LinksecTest() : m_state(Utf8(InFolder("lab.mof"))) {
         WriteFile(InFolder("lab.mof"),
-                  ReadFile(QUILLET_SOURCE_DIR "/simulator/machines/empty.mof") + LINKSEC_MACHINE);
+                  ReadFile(QUILLET_SOURCE_DIR "/simulator/machines/empty.mof") + kLinksecMachine);
     }
     /// Runs a verb on the machine, which keeps what is changed. Nothing that it writes may be a secret.
     Outcome Run(std::vector<std::string> arguments) {
@@ -44,7 +44,7 @@ class Linksec : public CommandLine {
     std::string m_state;
 };
 
-TEST_F(Linksec, Show_TellsEverythingButTheSecrets) {
+TEST_F(LinksecTest, Show_TellsEverythingButTheSecrets) {
     const Outcome outcome = Run({"show", "A"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     for (const char* line :
@@ -73,14 +73,14 @@ TEST_F(Linksec, Show_TellsEverythingButTheSecrets) {
                                                  {"machineCredentials", true}}));
 }
 
-TEST_F(Linksec, Show_OfAnAdapterWithoutIt_IsRefused) {
+TEST_F(LinksecTest, Show_OfAnAdapterWithoutIt_IsRefused) {
     const Outcome outcome = Run({"show", "B"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "quilletctl: could not read the authentication of B: this is not supported: "
                            "0x8004100C WBEM_E_NOT_SUPPORTED\n");
 }
 
-TEST_F(Linksec, SetKeys_ReadsTwoLinesAndKeepsWhatIsNotNamed) {
+TEST_F(LinksecTest, SetKeys_ReadsTwoLinesAndKeepsWhatIsNotNamed) {
     const Outcome outcome =
         RunWith("CANARY-new-tx\nCANARY-new-rx\n", {"set-keys", "A", "--tx-sci", "new", "--rx-number2", "-9",
                                                    "--encryption", "off", "--reload", "--journal"});
@@ -95,7 +95,7 @@ TEST_F(Linksec, SetKeys_ReadsTwoLinesAndKeepsWhatIsNotNamed) {
     EXPECT_TRUE(Has("strRXSAKey = \"CANARY-new-rx\""));
 }
 
-TEST_F(Linksec, SetKeys_ReadsOnlyTheKeysThatAreNew) {
+TEST_F(LinksecTest, SetKeys_ReadsOnlyTheKeysThatAreNew) {
     const Outcome incoming =
         RunWith("CANARY-new-rx\r\n", {"set-keys", "A", "--keys", "rx", "--include-sci", "off"});
     EXPECT_EQ(incoming.status, 0) << incoming.err;
@@ -112,14 +112,14 @@ TEST_F(Linksec, SetKeys_ReadsOnlyTheKeysThatAreNew) {
     EXPECT_TRUE(Has("strTXSAKey = \"CANARY-new-tx\""));
 }
 
-TEST_F(Linksec, SetKeys_MissingLine_IsBadUsageAndChangesNothing) {
+TEST_F(LinksecTest, SetKeys_MissingLine_IsBadUsageAndChangesNothing) {
     const Outcome outcome = RunWith("CANARY-only-one", {"set-keys", "A"});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_NE(outcome.err.find("no line is left"), std::string::npos) << outcome.err;
     EXPECT_TRUE(Has("strTXSAKey = \"CANARY-outgoing-CANARY\""));
 }
 
-TEST_F(Linksec, SetAuth_SendsThePasswordOnlyWhenOneIsGiven) {
+TEST_F(LinksecTest, SetAuth_SendsThePasswordOnlyWhenOneIsGiven) {
     EXPECT_EQ(RunJson({"set-auth",
                        "A",
                        "--outer",
@@ -161,13 +161,13 @@ TEST_F(Linksec, SetAuth_SendsThePasswordOnlyWhenOneIsGiven) {
     EXPECT_TRUE(Has("LinksecCredPassword = \"CANARY-neues-Paßwort-東京\""));
 }
 
-TEST_F(Linksec, SetAuth_OuterMethodOutOfRange_IsBadUsage) {
+TEST_F(LinksecTest, SetAuth_OuterMethodOutOfRange_IsBadUsage) {
     EXPECT_EQ(Run({"set-auth", "A", "--outer", "5"}).status, 2);
     EXPECT_EQ(Run({"set-auth", "A", "--outer", "0"}).status, 2);
     EXPECT_TRUE(Has("OuterEAPType = 2"));
 }
 
-TEST_F(Linksec, ImportPac_RightAndWrongPasswords) {
+TEST_F(LinksecTest, ImportPac_RightAndWrongPasswords) {
     const Outcome wrong = RunWith("CANARY-wrong\n", {"import-pac", "A", "C:\\pac\\new.pac"});
     EXPECT_EQ(wrong.status, 1);
     EXPECT_EQ(wrong.err, "quilletctl: could not import C:\\pac\\new.pac into A: access is denied: 0x80041003 "
@@ -180,7 +180,7 @@ TEST_F(Linksec, ImportPac_RightAndWrongPasswords) {
     EXPECT_EQ(RunWith("CANARY\n", {"import-pac", "A", "none.pac"}).status, 1);
 }
 
-TEST_F(Linksec, Pac_IsShownAndDeleted) {
+TEST_F(LinksecTest, Pac_IsShownAndDeleted) {
     EXPECT_EQ(RunJson({"pac-show", "A", "old.pac"}), (Json{{"path", RunJson({"show", "A"}).at("path")},
                                                            {"file", "old.pac"},
                                                            {"type", 2},
@@ -201,7 +201,7 @@ TEST_F(Linksec, Pac_IsShownAndDeleted) {
     EXPECT_EQ(Run({"pac-delete", "A", "old.pac", "--yes"}).status, 1);
 }
 
-TEST_F(Linksec, Pmk_TellsWhetherThereIsOneAndSetsIt) {
+TEST_F(LinksecTest, Pmk_TellsWhetherThereIsOneAndSetsIt) {
     EXPECT_EQ(RunJson({"pmk", "A"}).at("key"), "***");
     EXPECT_NE(Run({"pmk", "A"}).out.find("***"), std::string::npos);
     EXPECT_EQ(RunWith("CANARY-new-master\n", {"pmk", "A", "--reload"}).out,
@@ -216,12 +216,12 @@ TEST_F(Linksec, Pmk_TellsWhetherThereIsOneAndSetsIt) {
     EXPECT_EQ(Run({"pmk", "A", "--remove", "--set"}).status, 2);
 }
 
-TEST_F(Linksec, Stats_AreShownLineByLine) {
+TEST_F(LinksecTest, Stats_AreShownLineByLine) {
     EXPECT_EQ(Run({"stats", "A"}).out, "InPktsOK 7\nOutPktsOK 8\n");
     EXPECT_EQ(RunJson({"stats", "A"}).at("log"), "InPktsOK 7\nOutPktsOK 8");
 }
 
-TEST_F(Linksec, Changes_AreMadeInAClientSetThatIsAlwaysClosed) {
+TEST_F(LinksecTest, Changes_AreMadeInAClientSetThatIsAlwaysClosed) {
     const Outcome outcome = RunWith("CANARY-wrong\n", {"import-pac", "A", "new.pac", "--journal"});
     EXPECT_EQ(outcome.status, 1);
     const auto begin = outcome.out.find(", BeginApply()");
@@ -232,7 +232,7 @@ TEST_F(Linksec, Changes_AreMadeInAClientSetThatIsAlwaysClosed) {
     EXPECT_NE(apply, std::string::npos) << outcome.out;
 }
 
-TEST_F(Linksec, Secrets_AreNeverOnTheCommandLineAndNeverShown) {
+TEST_F(LinksecTest, Secrets_AreNeverOnTheCommandLineAndNeverShown) {
     EXPECT_EQ(Run({"show", "A", "--show-secrets"}).status, 2);
     EXPECT_EQ(Run({"set-auth", "A", "--password", "typed"}).status, 2);
     EXPECT_EQ(Run({"pmk", "A", "--set", "typed"}).status, 2);
@@ -250,13 +250,13 @@ TEST_F(Linksec, Secrets_AreNeverOnTheCommandLineAndNeverShown) {
     EXPECT_TRUE(Has("strManualPMKey = \"CANARY-master-CANARY\""));
 }
 
-TEST_F(Linksec, Secrets_OnlyTheirLinesAreTakenFromTheDescriptor) {
+TEST_F(LinksecTest, Secrets_OnlyTheirLinesAreTakenFromTheDescriptor) {
     Descriptor descriptor("CANARY-key\nfor somebody else\n");
     EXPECT_EQ(Run({"pmk", "A", "--secret-fd", descriptor.Number()}).status, 0);
     EXPECT_EQ(descriptor.Rest(), "for somebody else\n");
 }
 
-TEST_F(Linksec, Secrets_ThatAreEmptyAreAMistakeBeforeAnythingIsSent) {
+TEST_F(LinksecTest, Secrets_ThatAreEmptyAreAMistakeBeforeAnythingIsSent) {
     const std::vector<std::string> verbs[] = {{"set-keys", "A"},
                                               {"set-keys", "A", "--keys", "rx"},
                                               {"set-auth", "A"},
@@ -276,7 +276,7 @@ TEST_F(Linksec, Secrets_ThatAreEmptyAreAMistakeBeforeAnythingIsSent) {
     EXPECT_TRUE(Has("strManualPMKey = \"CANARY-master-CANARY\""));
 }
 
-TEST_F(Linksec, Secrets_ThatAreNoTextAreAMistakeBeforeAnythingIsSent) {
+TEST_F(LinksecTest, Secrets_ThatAreNoTextAreAMistakeBeforeAnythingIsSent) {
     const char* const lines[] = {
         "CANARY\xC0\xAF",         // a slash, too long
         "CANARY\xE0\x80\xAF",     // the same, longer
@@ -299,7 +299,7 @@ TEST_F(Linksec, Secrets_ThatAreNoTextAreAMistakeBeforeAnythingIsSent) {
     EXPECT_EQ(RunWith("CANARY\xEF\xBF\xBD\xF4\x8F\xBF\xBF\n", {"pmk", "A"}).status, 0);
 }
 
-TEST_F(Linksec, ImportPac_OfAFileWithoutPassword_AsksForNone) {
+TEST_F(LinksecTest, ImportPac_OfAFileWithoutPassword_AsksForNone) {
     const Outcome outcome = Run({"import-pac", "A", "/pac/old.pac", "--no-password", "--journal"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_NE(outcome.out.find("ImportManualPAC(PACPath=\"/pac/old.pac\", "), std::string::npos)
@@ -307,7 +307,7 @@ TEST_F(Linksec, ImportPac_OfAFileWithoutPassword_AsksForNone) {
     EXPECT_EQ(RunWith("CANARY\n", {"import-pac", "A", "old.pac", "--no-password"}).status, 2);
 }
 
-TEST_F(Linksec, Secrets_HaveAnEnd) {
+TEST_F(LinksecTest, Secrets_HaveAnEnd) {
     const Outcome longest = RunWith(std::string(4096, 'k') + "\n", {"pmk", "A"});
     EXPECT_EQ(longest.status, 0) << longest.err;
     EXPECT_TRUE(Has(std::string(4096, 'k')));

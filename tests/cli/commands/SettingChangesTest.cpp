@@ -9,12 +9,12 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-class SettingSet : public CommandLine {};
-class Profiles : public CommandLine {};
-class PowerOptions : public CommandLine {};
+class SettingSetTest : public CommandLine {};
+class ProfilesTest : public CommandLine {};
+class PowerOptionsTest : public CommandLine {};
 
 // A team of two, one of which cannot have large frames; a VLAN on the team; settings of every kind on {A}.
-constexpr const char* LAB = R"(
+constexpr const char* kLab = R"(
     instance of Zorel_PhysicalEthernetAdapter as $A {
         DeviceID = "{A}"; Name = "First"; OriginalDisplayName = "First"; SlotID = "1"; AdapterStatus = 1; };
     instance of Zorel_PhysicalEthernetAdapter as $B {
@@ -71,7 +71,7 @@ std::string Current(const std::string& state, const std::string& owner, const st
     return read.status == 0 ? Json::parse(read.out).at("setting").at("current").dump() : std::string();
 }
 
-TEST_F(SettingSet, AllAdaptersOfTheBuiltInMachine_ChangeInOneClientSet) {
+TEST_F(SettingSetTest, AllAdaptersOfTheBuiltInMachine_ChangeInOneClientSet) {
     const Outcome outcome = RunCommandLine(
         {"--simulate", "setting", "set", "--all-adapters", "*JumboPacket", "9014", "--journal"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
@@ -105,7 +105,7 @@ TEST_F(SettingSet, AllAdaptersOfTheBuiltInMachine_ChangeInOneClientSet) {
     }
 }
 
-TEST_F(SettingSet, AllAdapters_AsJson) {
+TEST_F(SettingSetTest, AllAdapters_AsJson) {
     const Outcome outcome = RunCommandLine(
         {"--simulate", "setting", "set", "--all-adapters", "*JumboPacket", "9014 bytes", "--json"});
     ASSERT_EQ(outcome.status, 0) << outcome.err;
@@ -123,9 +123,9 @@ TEST_F(SettingSet, AllAdapters_AsJson) {
     EXPECT_EQ(json.at("targets").at(2).at("warnings").size(), 1u);
 }
 
-TEST_F(SettingSet, AValueMayBeGivenByNumberOrByItsText) {
+TEST_F(SettingSetTest, AValueMayBeGivenByNumberOrByItsText) {
     const std::string state = Utf8(InFolder("state.mof"));
-    const std::string machine = MachineFile(LAB);
+    const std::string machine = MachineFile(kLab);
     const struct {
         const char* setting;
         const char* value;
@@ -148,18 +148,18 @@ TEST_F(SettingSet, AValueMayBeGivenByNumberOrByItsText) {
     }
 }
 
-TEST_F(SettingSet, ARestartIsToldWhereItIsNeeded) {
+TEST_F(SettingSetTest, ARestartIsToldWhereItIsNeeded) {
     const Outcome outcome =
-        RunCommandLine({"--simulate", MachineFile(LAB), "setting", "set", "First", "*VMQ", "1"});
+        RunCommandLine({"--simulate", MachineFile(kLab), "setting", "set", "First", "*VMQ", "1"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.out, "warning: First: its team objects, provider reason 3\n"
                            "First: set to Enabled (1)\n"
                            "a restart is needed\n");
 }
 
-TEST_F(SettingSet, ARefusalTellsCodeNameAndWhatWasAsked) {
+TEST_F(SettingSetTest, ARefusalTellsCodeNameAndWhatWasAsked) {
     const Outcome outcome = RunCommandLine(
-        {"--simulate", MachineFile(LAB), "setting", "set", "First", "*TransmitBuffers", "81", "--journal"});
+        {"--simulate", MachineFile(kLab), "setting", "set", "First", "*TransmitBuffers", "81", "--journal"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err,
               "quilletctl: could not set *TransmitBuffers of First to 81: the value is out of range (80 to "
@@ -171,9 +171,9 @@ TEST_F(SettingSet, ARefusalTellsCodeNameAndWhatWasAsked) {
     EXPECT_EQ(Count(outcome.out, ", Apply(ClientSetHandle=1)"), 1u) << "the set is closed all the same";
 }
 
-TEST_F(SettingSet, WarningsComeBeforeTheChange) {
+TEST_F(SettingSetTest, WarningsComeBeforeTheChange) {
     const Outcome adapter =
-        RunCommandLine({"--simulate", MachineFile(LAB), "setting", "set", "First", "*JumboPacket", "9014"});
+        RunCommandLine({"--simulate", MachineFile(kLab), "setting", "set", "First", "*JumboPacket", "9014"});
     EXPECT_EQ(adapter.status, 0) << adapter.err;
     EXPECT_EQ(adapter.out, "warning: First: not every member of its team has a jumbo-frame setting\n"
                            "warning: First: its team objects, provider reason 3\n"
@@ -181,14 +181,14 @@ TEST_F(SettingSet, WarningsComeBeforeTheChange) {
                            "no restart is needed\n");
     const std::string vlan = "{00000000-0000-0000-0000-0000000000F1}";
     const Outcome onVlan = RunCommandLine(
-        {"--simulate", MachineFile(LAB), "setting", "set", "--of", "vlan", vlan, "*JumboPacket", "9014"});
+        {"--simulate", MachineFile(kLab), "setting", "set", "--of", "vlan", vlan, "*JumboPacket", "9014"});
     EXPECT_EQ(onVlan.status, 0) << onVlan.err;
     EXPECT_EQ(onVlan.out, "warning: " + vlan + ": the VLAN objects, provider reason 6\n" + vlan +
                               ": set to 9014 Bytes (9014)\nno restart is needed\n");
 }
 
-TEST_F(SettingSet, WhatCannotBeMeantIsBadUsage) {
-    const std::string machine = MachineFile(LAB);
+TEST_F(SettingSetTest, WhatCannotBeMeantIsBadUsage) {
+    const std::string machine = MachineFile(kLab);
     const auto status = [&](std::vector<std::string> words) {
         std::vector<std::string> line{"--simulate", machine, "setting", "set"};
         line.insert(line.end(), words.begin(), words.end());
@@ -205,16 +205,16 @@ TEST_F(SettingSet, WhatCannotBeMeantIsBadUsage) {
     EXPECT_EQ(status({"Nobody", "*JumboPacket", "9014"}), 2) << "no such adapter";
 }
 
-TEST_F(SettingSet, AReadOnlySettingOfOneOwnerIsAFinding) {
+TEST_F(SettingSetTest, AReadOnlySettingOfOneOwnerIsAFinding) {
     const Outcome outcome = RunCommandLine(
-        {"--simulate", MachineFile(LAB), "setting", "set", "First", "DriverDate", "2012", "--journal"});
+        {"--simulate", MachineFile(kLab), "setting", "set", "First", "DriverDate", "2012", "--journal"});
     EXPECT_EQ(outcome.status, 3);
     EXPECT_EQ(outcome.out.find("First: DriverDate is read only, left alone\nno restart is needed\n"), 0u);
     EXPECT_EQ(Count(outcome.out, "BeginApply"), 0u) << "nothing to change: no client set";
 }
 
-TEST_F(Profiles, AreListedForAllAdaptersOrForOne) {
-    const std::string machine = MachineFile(LAB);
+TEST_F(ProfilesTest, AreListedForAllAdaptersOrForOne) {
+    const std::string machine = MachineFile(kLab);
     const Outcome all = RunCommandLine({"--simulate", machine, "profile", "list"});
     EXPECT_EQ(all.status, 0) << all.err;
     EXPECT_EQ(all.out, "ADAPTER  PROFILE  DESCRIPTION     CURRENT\n"
@@ -230,8 +230,8 @@ TEST_F(Profiles, AreListedForAllAdaptersOrForOne) {
                                {"profile": 5, "description": "Virtualization", "current": true}])")));
 }
 
-TEST_F(PowerOptions, AreShownWithWhatIsNotAvailable) {
-    const std::string machine = MachineFile(LAB);
+TEST_F(PowerOptionsTest, AreShownWithWhatIsNotAvailable) {
+    const std::string machine = MachineFile(kLab);
     const Outcome power = RunCommandLine({"--simulate", machine, "power", "show", "First", "--json"});
     ASSERT_EQ(power.status, 0) << power.err;
     const Json json = Json::parse(power.out);
@@ -244,9 +244,9 @@ TEST_F(PowerOptions, AreShownWithWhatIsNotAvailable) {
     EXPECT_EQ(Count(wake.out, "\n"), 5u);
 }
 
-TEST_F(PowerOptions, ChangeOnlyWhereTheyAreNamed) {
+TEST_F(PowerOptionsTest, ChangeOnlyWhereTheyAreNamed) {
     const std::string state = Utf8(InFolder("state.mof"));
-    const Outcome set = RunCommandLine({"--simulate", MachineFile(LAB), "--state", state, "power", "set",
+    const Outcome set = RunCommandLine({"--simulate", MachineFile(kLab), "--state", state, "power", "set",
                                         "First", "--smart-power-down", "off", "--journal"});
     EXPECT_EQ(set.status, 0) << set.err;
     EXPECT_EQ(set.out.find("power options set; no restart is needed\n"), 0u) << set.out;
@@ -263,8 +263,8 @@ TEST_F(PowerOptions, ChangeOnlyWhereTheyAreNamed) {
     EXPECT_EQ(RunCommandLine({"--state", state, "power", "reapply", "First"}).status, 0);
 }
 
-TEST_F(PowerOptions, ThatAreNotAvailableOrNotNamedAreBadUsage) {
-    const std::string machine = MachineFile(LAB);
+TEST_F(PowerOptionsTest, ThatAreNotAvailableOrNotNamedAreBadUsage) {
+    const std::string machine = MachineFile(kLab);
     const Outcome lacking =
         RunCommandLine({"--simulate", machine, "power", "set", "First", "--aspm", "on", "--journal"});
     EXPECT_EQ(lacking.status, 2);
@@ -277,8 +277,8 @@ TEST_F(PowerOptions, ThatAreNotAvailableOrNotNamedAreBadUsage) {
     EXPECT_EQ(RunCommandLine({"--simulate", machine, "power", "set", "First", "--mode", "3"}).status, 2);
 }
 
-TEST_F(PowerOptions, ARefusalIsNamed) {
-    const Outcome outcome = RunCommandLine({"--simulate", MachineFile(LAB), "power", "reapply", "Second"});
+TEST_F(PowerOptionsTest, ARefusalIsNamed) {
+    const Outcome outcome = RunCommandLine({"--simulate", MachineFile(kLab), "power", "reapply", "Second"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "quilletctl: could not apply the power-management capabilities of Second again: "
                            "this is not supported: 0x8004100C WBEM_E_NOT_SUPPORTED\n");

@@ -9,11 +9,11 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char* ADAPTER = "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}";
-constexpr const char* TEAM = "{233D64CB-B845-581B-A807-C628FFE690C9}";
-constexpr const char* VLAN = "{063ED469-BA26-5EFF-991F-22031C2B1C4A}";
+constexpr const char* kAdapter = "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}";
+constexpr const char* kTeam = "{233D64CB-B845-581B-A807-C628FFE690C9}";
+constexpr const char* kVlan = "{063ED469-BA26-5EFF-991F-22031C2B1C4A}";
 
-class Settings : public CommandLine {
+class SettingsTest : public CommandLine {
   protected:
     static Outcome Run(std::vector<std::string> arguments) {
         arguments.insert(arguments.end(), {"--simulate", TestMachine("golden.mof")});
@@ -52,20 +52,20 @@ class Settings : public CommandLine {
     }
 };
 
-const std::set<std::string> SIX{"int", "enum", "slider", "string", "multiSelection", "multiString"};
+const std::set<std::string> kSix{"int", "enum", "slider", "string", "multiSelection", "multiString"};
 
-TEST_F(Settings, List_OfAnAdapter_ShowsAllSixKindsAsInTheGoldenFiles) {
-    const Outcome json = Run({"setting", "list", ADAPTER, "--json"});
+TEST_F(SettingsTest, List_OfAnAdapter_ShowsAllSixKindsAsInTheGoldenFiles) {
+    const Outcome json = Run({"setting", "list", kAdapter, "--json"});
     EXPECT_EQ(json.out, Golden("setting-list-adapter.json"));
-    EXPECT_EQ(Kinds(Json::parse(json.out)), SIX);
-    EXPECT_EQ(Run({"setting", "list", ADAPTER}).out, Golden("setting-list-adapter.txt"));
+    EXPECT_EQ(Kinds(Json::parse(json.out)), kSix);
+    EXPECT_EQ(Run({"setting", "list", kAdapter}).out, Golden("setting-list-adapter.txt"));
 }
 
-TEST_F(Settings, List_OfTeamsVlansAndBootAgents_ShowsAllSixKinds) {
+TEST_F(SettingsTest, List_OfTeamsVlansAndBootAgents_ShowsAllSixKinds) {
     for (const auto& [kind, owner] :
-         {std::pair{"team", TEAM}, std::pair{"vlan", VLAN}, std::pair{"boot-agent", ADAPTER}}) {
+         {std::pair{"team", kTeam}, std::pair{"vlan", kVlan}, std::pair{"boot-agent", kAdapter}}) {
         const Json answer = RunJson({"setting", "list", owner, "--of", kind});
-        EXPECT_EQ(Kinds(answer), SIX) << kind;
+        EXPECT_EQ(Kinds(answer), kSix) << kind;
         EXPECT_EQ(answer.at("owner").at("kind"), kind);
         EXPECT_EQ(answer.at("owner").at("objectId"), owner);
         EXPECT_EQ(Run({"setting", "list", owner, "--of", kind}).out,
@@ -73,25 +73,25 @@ TEST_F(Settings, List_OfTeamsVlansAndBootAgents_ShowsAllSixKinds) {
     }
 }
 
-TEST_F(Settings, List_ATeamGoesByItsNameToo) {
+TEST_F(SettingsTest, List_ATeamGoesByItsNameToo) {
     const Outcome outcome = Run({"setting", "list", "team : Zürich", "--of", "team"});
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.out, Golden("setting-list-team.txt"));
 }
 
-TEST_F(Settings, List_APathSaysItselfWhatItIsAPathOf) {
-    const std::string team = std::string("Zorel_TeamOfAdapters.Name=\"") + TEAM + '"';
+TEST_F(SettingsTest, List_APathSaysItselfWhatItIsAPathOf) {
+    const std::string team = std::string("Zorel_TeamOfAdapters.Name=\"") + kTeam + '"';
     EXPECT_EQ(RunJson({"setting", "list", team}).at("owner").at("kind"), "team");
     EXPECT_EQ(Run({"setting", "list", team}).out, Golden("setting-list-team.txt"));
-    const std::string agent = std::string("Zorel_BootAgent.Name=\"") + ADAPTER + '"';
+    const std::string agent = std::string("Zorel_BootAgent.Name=\"") + kAdapter + '"';
     EXPECT_EQ(Run({"setting", "list", agent}).out, Golden("setting-list-boot-agent.txt"));
-    const std::string adapter = std::string("Zorel_PhysicalEthernetAdapter.DeviceID=\"") + ADAPTER + '"';
+    const std::string adapter = std::string("Zorel_PhysicalEthernetAdapter.DeviceID=\"") + kAdapter + '"';
     EXPECT_EQ(Run({"setting", "list", adapter, "--of", "boot-agent"}).out,
               Golden("setting-list-boot-agent.txt"));
 }
 
-TEST_F(Settings, List_OwnersThatAreNone_AreBadUsage) {
-    const std::string team = std::string("Zorel_TeamOfAdapters.Name=\"") + TEAM + '"';
+TEST_F(SettingsTest, List_OwnersThatAreNone_AreBadUsage) {
+    const std::string team = std::string("Zorel_TeamOfAdapters.Name=\"") + kTeam + '"';
     for (const std::vector<std::string>& owner : {std::vector<std::string>{"nobody"},
                                                   {""},
                                                   {"nobody", "--of", "team"},
@@ -99,7 +99,7 @@ TEST_F(Settings, List_OwnersThatAreNone_AreBadUsage) {
                                                   {"nobody", "--of", "boot-agent"},
                                                   {team, "--of", "vlan"},
                                                   {"Zorel_DiagTest.Name=\"x\""},
-                                                  {ADAPTER, "--of", "nonsense"}}) {
+                                                  {kAdapter, "--of", "nonsense"}}) {
         std::vector<std::string> command{"setting", "list"};
         command.insert(command.end(), owner.begin(), owner.end());
         const Outcome outcome = Run(command);
@@ -109,21 +109,21 @@ TEST_F(Settings, List_OwnersThatAreNone_AreBadUsage) {
     }
 }
 
-TEST_F(Settings, List_Vmq_AsksForThatSubsetAndShowsOnlyIt) {
-    const Json answer = RunJson({"setting", "list", ADAPTER, "--vmq"});
+TEST_F(SettingsTest, List_Vmq_AsksForThatSubsetAndShowsOnlyIt) {
+    const Json answer = RunJson({"setting", "list", kAdapter, "--vmq"});
     std::set<std::string> captions;
     for (const Json& setting : answer.at("settings")) {
         captions.insert(setting.at("caption").get<std::string>());
     }
     EXPECT_EQ(captions, (std::set<std::string>{"*VMQ", "*MaxVmqQueues"}));
-    const Outcome journal = Run({"setting", "list", ADAPTER, "--vmq", "--journal"});
+    const Outcome journal = Run({"setting", "list", kAdapter, "--vmq", "--journal"});
     EXPECT_NE(journal.out.find("{GET_EXT_CLIENT_REQUEST=true, GET_EXTENSIONS=true, Zorel_PartialData=256}"),
               std::string::npos)
         << journal.out;
-    EXPECT_EQ(Run({"setting", "list", TEAM, "--of", "team", "--vmq"}).status, 2);
+    EXPECT_EQ(Run({"setting", "list", kTeam, "--of", "team", "--vmq"}).status, 2);
 }
 
-TEST_F(Settings, List_OfAnOwnerWithoutSettings_SaysSo) {
+TEST_F(SettingsTest, List_OfAnOwnerWithoutSettings_SaysSo) {
     const std::string machine = MachineFile(
         R"(instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Name = "one"; OriginalDisplayName = "model"; };)");
     EXPECT_EQ(RunCommandLine({"--simulate", machine, "setting", "list", "one"}).out, "no settings\n");
@@ -132,7 +132,7 @@ TEST_F(Settings, List_OfAnOwnerWithoutSettings_SaysSo) {
     EXPECT_EQ(json.at("settings"), Json::array());
 }
 
-TEST_F(Settings, List_ValuesWithoutTextsAndTextsThatSteer_AreShownSafely) {
+TEST_F(SettingsTest, List_ValuesWithoutTextsAndTextsThatSteer_AreShownSafely) {
     const std::string machine = Odd();
     const Outcome text = RunCommandLine({"--simulate", machine, "setting", "list", "one"});
     EXPECT_EQ(text.status, 0) << text.err;
@@ -155,7 +155,7 @@ TEST_F(Settings, List_ValuesWithoutTextsAndTextsThatSteer_AreShownSafely) {
     EXPECT_EQ(json.at("settings").at(3).at("maxLength"), 1);
 }
 
-TEST_F(Settings, List_Refused_IsTheProvidersCode) {
+TEST_F(SettingsTest, List_Refused_IsTheProvidersCode) {
     const std::string machine = MachineFile(
         R"(instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Name = "one"; OriginalDisplayName = "model"; };
                        instance of QuilletSimulator_Fault { Id = 1; Operation = "ExecQuery";
@@ -166,9 +166,9 @@ TEST_F(Settings, List_Refused_IsTheProvidersCode) {
                            "the query: 0x80041017 WBEM_E_INVALID_QUERY\n");
 }
 
-TEST_F(Settings, Get_ShowsOneSettingByItsCaption) {
-    EXPECT_EQ(Run({"setting", "get", ADAPTER, "*FlowControl", "--json"}).out, Golden("setting-get.json"));
-    const Outcome text = Run({"setting", "get", ADAPTER, "*flowcontrol"});
+TEST_F(SettingsTest, Get_ShowsOneSettingByItsCaption) {
+    EXPECT_EQ(Run({"setting", "get", kAdapter, "*FlowControl", "--json"}).out, Golden("setting-get.json"));
+    const Outcome text = Run({"setting", "get", kAdapter, "*flowcontrol"});
     EXPECT_EQ(text.status, 0) << text.err;
     EXPECT_TRUE(text.out.starts_with("Setting:          *FlowControl\n"
                                      "Name:             Flow Control\n"
@@ -185,12 +185,12 @@ TEST_F(Settings, Get_ShowsOneSettingByItsCaption) {
         << text.out;
 }
 
-TEST_F(Settings, Get_UnknownCaption_IsBadUsage) {
-    const Outcome outcome = Run({"setting", "get", ADAPTER, "*Nothing"});
+TEST_F(SettingsTest, Get_UnknownCaption_IsBadUsage) {
+    const Outcome outcome = Run({"setting", "get", kAdapter, "*Nothing"});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.err, "quilletctl: Zorel 10G Dual Port Server Adapter has no setting \"*Nothing\"; see "
                            "quilletctl setting list\n");
-    EXPECT_EQ(Run({"setting", "get", ADAPTER}).status, 2);
+    EXPECT_EQ(Run({"setting", "get", kAdapter}).status, 2);
 }
 
 } // namespace

@@ -13,17 +13,17 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_PhysicalEthernetAdapter as $A {
         DeviceID = "{A}"; Name = "Port"; OriginalDisplayName = "Port"; };
     instance of Zorel_DiagTest as $L { Name = "Link test"; TestId = 4; };
     instance of Zorel_DiagTestForAdapter { Antecedent = $L; Dependent = $A; };
     instance of QuilletSimulator_DiagnosticTest { Name = "Link test"; Milliseconds = )";
 
-class OnPosix : public CommandLine {
+class OnPosixTest : public CommandLine {
   protected:
     std::string Machine(const std::string& milliseconds) const {
-        return MachineFile(MACHINE + milliseconds + "; };");
+        return MachineFile(kMachine + milliseconds + "; };");
     }
 
     static std::set<std::string> Bars(const std::string& output) {
@@ -35,7 +35,7 @@ class OnPosix : public CommandLine {
     }
 };
 
-TEST_F(OnPosix, CtrlC_IsRememberedWhileAnInterruptIsHeld) {
+TEST_F(OnPosixTest, CtrlC_IsRememberedWhileAnInterruptIsHeld) {
     const auto before = std::signal(SIGINT, SIG_IGN);
     {
         quilletctl::Interrupt interrupt;
@@ -49,7 +49,7 @@ TEST_F(OnPosix, CtrlC_IsRememberedWhileAnInterruptIsHeld) {
     EXPECT_FALSE(another.Requested());
 }
 
-TEST_F(OnPosix, CtrlC_StopsTheTestInTheProviderFirst) {
+TEST_F(OnPosixTest, CtrlC_StopsTheTestInTheProviderFirst) {
     RunningProgram program(Folder(), {"--simulate", Machine("600000"), "diag", "run", "Port", "4",
                                       "--interval", "50", "--journal"});
     program.WaitForTrace("Exiting CQuillet::GetDiagnosticsResult");
@@ -61,7 +61,7 @@ TEST_F(OnPosix, CtrlC_StopsTheTestInTheProviderFirst) {
     EXPECT_THAT(outcome.out, HasSubstr("DiscontinueTest("));
 }
 
-TEST_F(OnPosix, APseudoTerminal_ShowsAMovingBar) {
+TEST_F(OnPosixTest, APseudoTerminal_ShowsAMovingBar) {
     RunningProgram program(Folder(),
                            {"--simulate", Machine("700"), "diag", "run", "Port", "4", "--interval", "200"},
                            RunningProgram::Ends::Terminal);
@@ -74,7 +74,7 @@ TEST_F(OnPosix, APseudoTerminal_ShowsAMovingBar) {
     std::printf("on a terminal: %zu pictures of the bar, %zu bytes\n", Bars(output).size(), output.size());
 }
 
-TEST_F(OnPosix, APseudoTerminal_CtrlCTyped_StopsTheTest) {
+TEST_F(OnPosixTest, APseudoTerminal_CtrlCTyped_StopsTheTest) {
     RunningProgram program(Folder(),
                            {"--simulate", Machine("600000"), "diag", "run", "Port", "4", "--interval", "100"},
                            RunningProgram::Ends::Terminal);
@@ -86,7 +86,7 @@ TEST_F(OnPosix, APseudoTerminal_CtrlCTyped_StopsTheTest) {
     EXPECT_THAT(outcome.out, HasSubstr("State:     Stopped\r\n"));
 }
 
-TEST_F(OnPosix, AFile_GetsPlainLines) {
+TEST_F(OnPosixTest, AFile_GetsPlainLines) {
     const std::string file = Utf8(InFolder("out.txt"));
     const std::string command = std::string(QUILLETCTL_PROGRAM) + " --simulate '" + Machine("300") +
                                 "' diag run Port 4 --interval 50 > '" + file + "' 2>&1";

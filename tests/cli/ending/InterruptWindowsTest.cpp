@@ -12,14 +12,14 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr DWORD PATIENCE = 30000;
+constexpr DWORD kPatience = 30000;
 
 BOOL WINAPI Ignore(DWORD) {
     return TRUE;
 }
 
 /// A console of the test's own. What interrupts the program does not interrupt the test.
-class InAConsole : public CommandLine {
+class InAConsoleTest : public CommandLine {
   protected:
     static void SetUpTestSuite() {
         FreeConsole();
@@ -61,17 +61,17 @@ class InAConsole : public CommandLine {
     }
     template <class Condition>
     static void WaitFor(Condition condition) {
-        constexpr DWORD A_MOMENT = 10;
-        for (DWORD waited = 0; !condition(); waited += A_MOMENT) {
-            ASSERT_LT(waited, PATIENCE);
-            Sleep(A_MOMENT);
+        constexpr DWORD kAMoment = 10;
+        for (DWORD waited = 0; !condition(); waited += kAMoment) {
+            ASSERT_LT(waited, kPatience);
+            Sleep(kAMoment);
         }
     }
     void WaitForOutput(const std::string& text) const {
         WaitFor([&] { return ReadFile(Output()).find(text) != std::string::npos; });
     }
     Outcome Finish() {
-        EXPECT_EQ(WaitForSingleObject(m_process, PATIENCE), DWORD{WAIT_OBJECT_0});
+        EXPECT_EQ(WaitForSingleObject(m_process, kPatience), DWORD{WAIT_OBJECT_0});
         DWORD status = 0;
         EXPECT_TRUE(GetExitCodeProcess(m_process, &status));
         CloseHandle(m_process);
@@ -87,7 +87,7 @@ class InAConsole : public CommandLine {
     HANDLE m_process = nullptr;
 };
 
-TEST_F(InAConsole, CtrlC_IsRememberedWhileAnInterruptIsHeld) {
+TEST_F(InAConsoleTest, CtrlC_IsRememberedWhileAnInterruptIsHeld) {
     quilletctl::Interrupt interrupt;
     interrupt.Hold(nullptr);
     EXPECT_FALSE(interrupt.Requested());
@@ -95,7 +95,7 @@ TEST_F(InAConsole, CtrlC_IsRememberedWhileAnInterruptIsHeld) {
     WaitFor([&] { return interrupt.Requested(); });
 }
 
-TEST_F(InAConsole, AQuestion_EndsAtOnce) {
+TEST_F(InAConsoleTest, AQuestion_EndsAtOnce) {
     const std::string state = Utf8(InFolder("lab.mof"));
     Start("--simulate --state \"" + state + "\" team delete {233D64CB-B845-581B-A807-C628FFE690C9}");
     WaitForOutput("[y/N] ");
@@ -106,7 +106,7 @@ TEST_F(InAConsole, AQuestion_EndsAtOnce) {
     EXPECT_FALSE(std::filesystem::exists(InFolder("lab.mof")));
 }
 
-TEST_F(InAConsole, APromptForASecret_EndsAtOnceAndTheConsoleEchoesAgain) {
+TEST_F(InAConsoleTest, APromptForASecret_EndsAtOnceAndTheConsoleEchoesAgain) {
     WriteFile(InFolder("secure.mof"), ReadFile(QUILLET_SOURCE_DIR "/simulator/machines/builtin.mof") +
                                           "instance of Zorel_LinkSecConfiguration { DeviceID = "
                                           "\"{B8A405BF-61B9-5217-AADA-670F163E6DF1}\"; };\n");
@@ -121,8 +121,8 @@ TEST_F(InAConsole, APromptForASecret_EndsAtOnceAndTheConsoleEchoesAgain) {
     EXPECT_TRUE(Echoes());
 }
 
-TEST_F(InAConsole, TheFlashMemory_IsWrittenToItsEnd) {
-    constexpr const char* adapter = "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}";
+TEST_F(InAConsoleTest, TheFlashMemory_IsWrittenToItsEnd) {
+    constexpr const char* kAdapter = "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}";
     WriteFile(InFolder("slow.mof"),
               ReadFile(QUILLET_SOURCE_DIR "/simulator/machines/builtin.mof") +
                   "instance of QuilletSimulator_Fault { Id = 1; Operation = \"ExecMethod\"; "
@@ -131,9 +131,9 @@ TEST_F(InAConsole, TheFlashMemory_IsWrittenToItsEnd) {
     // What is there already is an image that may be written.
     const std::string image = Utf8(InFolder("image.bin"));
     const std::string state = Utf8(InFolder("lab.mof"));
-    ASSERT_EQ(RunCommandLine({"--simulate", "boot", "read", adapter, image}).status, 0);
+    ASSERT_EQ(RunCommandLine({"--simulate", "boot", "read", kAdapter, image}).status, 0);
     Start("--simulate \"" + Utf8(InFolder("slow.mof")) + "\" --state \"" + state + "\" boot write " +
-          adapter + " \"" + image + "\" --yes");
+          kAdapter + " \"" + image + "\" --yes");
     WaitForOutput("cannot be interrupted.");
     PressCtrlC();
     const Outcome outcome = Finish();

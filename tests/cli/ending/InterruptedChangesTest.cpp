@@ -14,13 +14,13 @@ using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr const char* TEAM = "TEAM : Zürich";
-constexpr const char* FREE = "Zorel Gigabit Desktop Adapter";
-constexpr const char* STOPPED = "quilletctl: interrupted before everything was done\n";
-constexpr const char* ALL_DONE = "quilletctl: interrupted, but everything was done\n";
-constexpr const char* NOTHING = "quilletctl: interrupted; nothing was changed\n";
+constexpr const char* kTeam = "TEAM : Zürich";
+constexpr const char* kFree = "Zorel Gigabit Desktop Adapter";
+constexpr const char* kStopped = "quilletctl: interrupted before everything was done\n";
+constexpr const char* kAllDone = "quilletctl: interrupted, but everything was done\n";
+constexpr const char* kNothing = "quilletctl: interrupted; nothing was changed\n";
 
-class Interrupted : public CommandLine {
+class InterruptedTest : public CommandLine {
   protected:
     /// A command on the shipped machine, strict, where calls as the fault says take a while.
     std::vector<std::string> Slow(std::vector<std::string> command, const std::string& calls,
@@ -64,17 +64,17 @@ class Interrupted : public CommandLine {
     }
 };
 
-class ManyVlans : public Interrupted, public testing::WithParamInterface<int> {};
+class ManyVlansTest : public InterruptedTest, public testing::WithParamInterface<int> {};
 
-TEST_P(ManyVlans, StopBetweenTwo) {
-    RunningProgram program(Folder(), Slow({"vlan", "add", FREE, "7", "Lab", "--through", "12"},
+TEST_P(ManyVlansTest, StopBetweenTwo) {
+    RunningProgram program(Folder(), Slow({"vlan", "add", kFree, "7", "Lab", "--through", "12"},
                                           "Operation = \"ExecMethod\"; MethodName = \"CreateVLAN\";"));
     program.WaitForTrace("Entering CQuillet::AddVLANToComponent", 2);
     program.Signal(GetParam());
     program.Signal(GetParam()); // impatience changes nothing
     const Outcome outcome = program.Finish();
     EXPECT_EQ(outcome.status, 130);
-    EXPECT_EQ(outcome.err, STOPPED);
+    EXPECT_EQ(outcome.err, kStopped);
     EXPECT_EQ(Answer(outcome.out), "added VLAN 7 \"Lab 7\" to Zorel Gigabit Desktop Adapter\n"
                                    "added VLAN 8 \"Lab 8\" to Zorel Gigabit Desktop Adapter\n"
                                    "not added: VLAN 9 \"Lab 9\"\n"
@@ -82,12 +82,12 @@ TEST_P(ManyVlans, StopBetweenTwo) {
                                    "not added: VLAN 11 \"Lab 11\"\n"
                                    "not added: VLAN 12 \"Lab 12\"\n"
                                    "no restart is needed\n");
-    EXPECT_EQ(VlansOf(FREE), (std::vector<int>{7, 8})) << "the file holds what was told";
+    EXPECT_EQ(VlansOf(kFree), (std::vector<int>{7, 8})) << "the file holds what was told";
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, ManyVlans, testing::Values(SIGINT, SIGTERM, SIGHUP));
+INSTANTIATE_TEST_SUITE_P(Signals, ManyVlansTest, testing::Values(SIGINT, SIGTERM, SIGHUP));
 
-TEST_F(Interrupted, SettingOfAllAdapters_StopsBetweenTwo) {
+TEST_F(InterruptedTest, SettingOfAllAdapters_StopsBetweenTwo) {
     RunningProgram program(Folder(),
                            Slow({"setting", "set", "--all-adapters", "*JumboPacket", "9014", "--json"},
                                 "Operation = \"PutInstance\";"));
@@ -95,7 +95,7 @@ TEST_F(Interrupted, SettingOfAllAdapters_StopsBetweenTwo) {
     program.Signal(SIGTERM);
     const Outcome outcome = program.Finish();
     EXPECT_EQ(outcome.status, 130);
-    EXPECT_THAT(outcome.err, testing::EndsWith(STOPPED));
+    EXPECT_THAT(outcome.err, testing::EndsWith(kStopped));
     const Json answer = Json::parse(outcome.out, nullptr, false);
     std::size_t changed = 0;
     std::size_t notTried = 0;
@@ -113,36 +113,36 @@ TEST_F(Interrupted, SettingOfAllAdapters_StopsBetweenTwo) {
     EXPECT_EQ(answer.at("restartNeeded"), false);
 }
 
-TEST_F(Interrupted, TeamMembers_StopBetweenTwo) {
-    RunningProgram program(Folder(), Slow({"team", "remove", TEAM, "Zorel Quad Port Gigabit Server Adapter",
+TEST_F(InterruptedTest, TeamMembers_StopBetweenTwo) {
+    RunningProgram program(Folder(), Slow({"team", "remove", kTeam, "Zorel Quad Port Gigabit Server Adapter",
                                            "Zorel Quad Port Gigabit Server Adapter #2", "--yes"},
                                           "Operation = \"DeleteInstance\";"));
     program.WaitForTrace("Entering CQuillet::ModifyMemberList");
     program.Signal(SIGINT);
     const Outcome outcome = program.Finish();
     EXPECT_EQ(outcome.status, 130);
-    EXPECT_EQ(outcome.err, STOPPED);
+    EXPECT_EQ(outcome.err, kStopped);
     EXPECT_EQ(Answer(outcome.out), "not taken out: Zorel Quad Port Gigabit Server Adapter #2\n"
                                    "TEAM : Zürich has 1 member: no restart is needed\n");
-    EXPECT_EQ(Ask({"team", "show", TEAM}).at("members").size(), 1u);
+    EXPECT_EQ(Ask({"team", "show", kTeam}).at("members").size(), 1u);
 }
 
-TEST_F(Interrupted, AChangeThatIsUnderWay_IsFinished) {
-    RunningProgram program(Folder(), Slow({"vlan", "add", FREE, "7", "Lab"},
+TEST_F(InterruptedTest, AChangeThatIsUnderWay_IsFinished) {
+    RunningProgram program(Folder(), Slow({"vlan", "add", kFree, "7", "Lab"},
                                           "Operation = \"ExecMethod\"; MethodName = \"CreateVLAN\";"));
     program.WaitForTrace("Entering CQuillet::AddVLANToComponent");
     program.Signal(SIGTERM);
     const Outcome outcome = program.Finish();
     EXPECT_EQ(outcome.status, 130);
-    EXPECT_EQ(outcome.err, ALL_DONE);
+    EXPECT_EQ(outcome.err, kAllDone);
     EXPECT_EQ(Answer(outcome.out),
               "added VLAN 7 \"Lab\" to Zorel Gigabit Desktop Adapter\nno restart is needed\n");
-    EXPECT_EQ(VlansOf(FREE), std::vector<int>{7});
+    EXPECT_EQ(VlansOf(kFree), std::vector<int>{7});
 }
 
-TEST_F(Interrupted, BeforeTheFirstChange_NothingIsChangedAndTheSetIsClosed) {
+TEST_F(InterruptedTest, BeforeTheFirstChange_NothingIsChangedAndTheSetIsClosed) {
     const std::string begin = "Operation = \"ExecMethod\"; MethodName = \"BeginApply\";";
-    RunningProgram program(Folder(), Slow({"power", "set", FREE, "--mode", "1", "--json"}, begin));
+    RunningProgram program(Folder(), Slow({"power", "set", kFree, "--mode", "1", "--json"}, begin));
     program.WaitForTrace("Enter CQuillet::BeginApply");
     program.Signal(SIGINT);
     const Outcome outcome = program.Finish();
@@ -153,41 +153,41 @@ TEST_F(Interrupted, BeforeTheFirstChange_NothingIsChangedAndTheSetIsClosed) {
                                    {"code", nullptr},
                                    {"name", nullptr},
                                    {"restartNeeded", false}}}}));
-    EXPECT_THAT(outcome.err, testing::StartsWith(NOTHING));
+    EXPECT_THAT(outcome.err, testing::StartsWith(kNothing));
     EXPECT_THAT(Answer(outcome.err + "\n"), Not(HasSubstr("SetPowerUsage")));
 }
 
-TEST_F(Interrupted, WhileItOnlyReads_ItEndsAtOnce) {
-    constexpr unsigned AN_HOUR = 3600000;
+TEST_F(InterruptedTest, WhileItOnlyReads_ItEndsAtOnce) {
+    constexpr unsigned kAnHour = 3600000;
     for (const int signal : {SIGINT, SIGTERM}) {
-        RunningProgram program(Folder(), Slow({"vlan", "add", FREE, "7", "Lab"},
+        RunningProgram program(Folder(), Slow({"vlan", "add", kFree, "7", "Lab"},
                                               "Operation = \"CreateInstanceEnum\"; Target = "
                                               "\"Zorel_TeamOfAdapters\";",
-                                              AN_HOUR));
+                                              kAnHour));
         program.WaitForTrace("Entering CQuillet::EnumerateTeams");
         program.Signal(signal);
         const Outcome outcome = program.Finish();
         EXPECT_EQ(outcome.status, 130);
         EXPECT_EQ(outcome.out, "");
-        EXPECT_EQ(outcome.err, NOTHING);
+        EXPECT_EQ(outcome.err, kNothing);
         EXPECT_FALSE(std::filesystem::exists(InFolder("lab.mof")));
         std::filesystem::remove(InFolder("Gui_Quillet.txt"));
     }
 }
 
-TEST_F(Interrupted, AHangUpThatIsIgnored_StaysIgnored) {
+TEST_F(InterruptedTest, AHangUpThatIsIgnored_StaysIgnored) {
     const auto before = std::signal(SIGHUP, SIG_IGN); // as nohup does
-    RunningProgram program(Folder(), Slow({"vlan", "add", FREE, "7", "Lab", "--through", "8"},
+    RunningProgram program(Folder(), Slow({"vlan", "add", kFree, "7", "Lab", "--through", "8"},
                                           "Operation = \"ExecMethod\"; MethodName = \"CreateVLAN\";"));
     std::signal(SIGHUP, before);
     program.WaitForTrace("Entering CQuillet::AddVLANToComponent");
     program.Signal(SIGHUP);
     EXPECT_EQ(program.Finish().status, 0);
-    EXPECT_EQ(VlansOf(FREE), (std::vector<int>{7, 8}));
+    EXPECT_EQ(VlansOf(kFree), (std::vector<int>{7, 8}));
 }
 
-TEST_F(Interrupted, AQuestion_EndsAtOnce) {
-    RunningProgram program(Folder(), {"--simulate", "--state", State(), "team", "delete", TEAM},
+TEST_F(InterruptedTest, AQuestion_EndsAtOnce) {
+    RunningProgram program(Folder(), {"--simulate", "--state", State(), "team", "delete", kTeam},
                            RunningProgram::Ends::Terminal);
     program.WaitForScreen("[y/N] ");
     program.Type("\x03");
@@ -197,7 +197,7 @@ TEST_F(Interrupted, AQuestion_EndsAtOnce) {
     EXPECT_FALSE(std::filesystem::exists(InFolder("lab.mof")));
 }
 
-TEST_F(Interrupted, APromptForASecret_EndsAtOnceAndTheTerminalEchoesAgain) {
+TEST_F(InterruptedTest, APromptForASecret_EndsAtOnceAndTheTerminalEchoesAgain) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         WriteFile(InFolder("secure.mof"), ReadFile(QUILLET_SOURCE_DIR "/simulator/machines/builtin.mof") +
                                               "instance of Zorel_LinkSecConfiguration { DeviceID = "
@@ -223,7 +223,7 @@ TEST_F(Interrupted, APromptForASecret_EndsAtOnceAndTheTerminalEchoesAgain) {
     }
 }
 
-TEST_F(Interrupted, TheFlashMemory_IsWrittenToItsEnd) {
+TEST_F(InterruptedTest, TheFlashMemory_IsWrittenToItsEnd) {
     ASSERT_EQ(std::system((QUILLET_SOURCE_DIR "/scripts/make-flash-image '" + Utf8(InFolder("new.img")) +
                            "' PXE:1.4.0 > /dev/null")
                               .c_str()),
@@ -239,14 +239,14 @@ TEST_F(Interrupted, TheFlashMemory_IsWrittenToItsEnd) {
     EXPECT_EQ(outcome.err, "About to program the flash memory of " + std::string(adapter) +
                                ". Cut off half-way it may hold nothing that works, so this cannot be "
                                "interrupted.\n" +
-                               ALL_DONE);
+                               kAllDone);
     EXPECT_THAT(Answer(outcome.out), HasSubstr("the flash memory holds the image, byte for byte; "));
     const std::string copy = Utf8(InFolder("copy.img"));
     ASSERT_EQ(RunCommandLine({"--state", State(), "boot", "read", adapter, copy}).status, 0);
     EXPECT_EQ(ReadFile(InFolder("copy.img")), ReadFile(InFolder("new.img")));
 }
 
-TEST_F(Interrupted, ATestOfTheSwitch_IsStopped) {
+TEST_F(InterruptedTest, ATestOfTheSwitch_IsStopped) {
     WriteFile(InFolder("switch.mof"),
               "instance of Zorel_NetService { Name = \"ZorelNetService\"; };\n"
               "instance of Zorel_PhysicalEthernetAdapter as $A { DeviceID = \"{A}\"; Caption = \"A\"; "
@@ -261,7 +261,7 @@ TEST_F(Interrupted, ATestOfTheSwitch_IsStopped) {
     program.Signal(SIGINT);
     const Outcome outcome = program.Finish();
     EXPECT_EQ(outcome.status, 130);
-    EXPECT_EQ(outcome.err, STOPPED);
+    EXPECT_EQ(outcome.err, kStopped);
     EXPECT_THAT(outcome.out, testing::StartsWith("the test of the switch: "));
 }
 

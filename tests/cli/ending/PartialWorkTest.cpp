@@ -11,14 +11,14 @@ namespace {
 using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
 
-constexpr const char* TEAM = "TEAM : Zürich";
-constexpr const char* FREE = "Zorel Gigabit Desktop Adapter";
-constexpr const char* MEMBER = "Zorel Quad Port Gigabit Server Adapter";
-constexpr const char* OTHER_MEMBER = "Zorel Quad Port Gigabit Server Adapter #2";
-constexpr const char* FIRST = "Zorel 10G Dual Port Server Adapter";
-constexpr const char* SECOND = "Zorel 10G Dual Port Server Adapter #2";
+constexpr const char* kTeam = "TEAM : Zürich";
+constexpr const char* kFree = "Zorel Gigabit Desktop Adapter";
+constexpr const char* kMember = "Zorel Quad Port Gigabit Server Adapter";
+constexpr const char* kOtherMember = "Zorel Quad Port Gigabit Server Adapter #2";
+constexpr const char* kFirst = "Zorel 10G Dual Port Server Adapter";
+constexpr const char* kSecond = "Zorel 10G Dual Port Server Adapter #2";
 
-class PartialWork : public CommandLine {
+class PartialWorkTest : public CommandLine {
   protected:
     /// Runs a command on the shipped machine with faults, and keeps what it left.
     Outcome Run(std::vector<std::string> command, const std::string& faults) {
@@ -41,12 +41,12 @@ class PartialWork : public CommandLine {
     }
 };
 
-const std::string SECOND_VLAN = "Operation = \"ExecMethod\"; MethodName = \"CreateVLAN\"; Nth = 2;";
-const std::string APPLY = "Operation = \"ExecMethod\"; MethodName = \"Apply\";";
+const std::string kSecondVlan = "Operation = \"ExecMethod\"; MethodName = \"CreateVLAN\"; Nth = 2;";
+const std::string kApply = "Operation = \"ExecMethod\"; MethodName = \"Apply\";";
 
-TEST_F(PartialWork, VlanAdd_StopsAtTheFirstRefusal_AndTellsWhatIsThereAndWhatIsNot) {
+TEST_F(PartialWorkTest, VlanAdd_StopsAtTheFirstRefusal_AndTellsWhatIsThereAndWhatIsNot) {
     const Outcome outcome =
-        Run({"vlan", "add", FREE, "7", "Lab", "--through", "9"}, Fault(SECOND_VLAN) + Restart("Zorel_VLAN"));
+        Run({"vlan", "add", kFree, "7", "Lab", "--through", "9"}, Fault(kSecondVlan) + Restart("Zorel_VLAN"));
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "added VLAN 7 \"Lab 7\" to Zorel Gigabit Desktop Adapter\n"
                            "not added: VLAN 8 \"Lab 8\"\n"
@@ -56,9 +56,9 @@ TEST_F(PartialWork, VlanAdd_StopsAtTheFirstRefusal_AndTellsWhatIsThereAndWhatIsN
                            "access is denied: 0x80041003 WBEM_E_ACCESS_DENIED\n");
 }
 
-TEST_F(PartialWork, VlanAdd_Json) {
-    const Json json = RunJson({"vlan", "add", FREE, "7", "Lab", "--through", "9"},
-                              Fault(SECOND_VLAN) + Restart("Zorel_VLAN"));
+TEST_F(PartialWorkTest, VlanAdd_Json) {
+    const Json json = RunJson({"vlan", "add", kFree, "7", "Lab", "--through", "9"},
+                              Fault(kSecondVlan) + Restart("Zorel_VLAN"));
     ASSERT_EQ(json.at("vlans").size(), 1u);
     EXPECT_EQ(json.at("vlans").at(0).at("number"), 7);
     EXPECT_EQ(json.at("notAdded"),
@@ -67,32 +67,32 @@ TEST_F(PartialWork, VlanAdd_Json) {
     EXPECT_EQ(json.at("restartNeeded"), true);
 }
 
-TEST_F(PartialWork, VlanAdd_AVlanThatWasMadeButCannotBeRead_IsThere) {
+TEST_F(PartialWorkTest, VlanAdd_AVlanThatWasMadeButCannotBeRead_IsThere) {
     const Outcome outcome =
-        Run({"vlan", "add", FREE, "7", "Lab"}, Fault("Operation = \"GetObject\"; Target = \"Zorel_VLAN\";"));
+        Run({"vlan", "add", kFree, "7", "Lab"}, Fault("Operation = \"GetObject\"; Target = \"Zorel_VLAN\";"));
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "added VLAN 7 \"Lab\" to Zorel Gigabit Desktop Adapter\nno restart is needed\n");
     EXPECT_THAT(outcome.err, HasSubstr("could not add VLAN 7"));
 }
 
-TEST_F(PartialWork, VlanAdd_TheVlanBehindTheOneThatCannotBeRead_WasNotTried) {
-    const Json json = RunJson({"vlan", "add", FREE, "7", "Lab", "--through", "8"},
+TEST_F(PartialWorkTest, VlanAdd_TheVlanBehindTheOneThatCannotBeRead_WasNotTried) {
+    const Json json = RunJson({"vlan", "add", kFree, "7", "Lab", "--through", "8"},
                               Fault("Operation = \"GetObject\"; Target = \"Zorel_VLAN\";"));
     ASSERT_EQ(json.at("vlans").size(), 1u);
     EXPECT_EQ(json.at("vlans").at(0).at("number"), 7);
     EXPECT_EQ(json.at("notAdded"), Json::array({{{"number", 8}, {"name", "Lab 8"}, {"code", nullptr}}}));
 }
 
-TEST_F(PartialWork, VlanAdd_TheOnlyOneRefused_IsAnError) {
-    const Json error = RunJson({"vlan", "add", FREE, "7", "Lab"},
+TEST_F(PartialWorkTest, VlanAdd_TheOnlyOneRefused_IsAnError) {
+    const Json error = RunJson({"vlan", "add", kFree, "7", "Lab"},
                                Fault("Operation = \"ExecMethod\"; MethodName = \"CreateVLAN\";"))
                            .at("error");
     EXPECT_EQ(error.at("name"), "WBEM_E_ACCESS_DENIED");
     EXPECT_EQ(error.at("restartNeeded"), false);
 }
 
-TEST_F(PartialWork, VlanModify_ThatCannotBeReadBack_WasSent) {
-    const Outcome outcome = Run({"vlan", "modify", TEAM, "12", "--name", "Kontor"},
+TEST_F(PartialWorkTest, VlanModify_ThatCannotBeReadBack_WasSent) {
+    const Outcome outcome = Run({"vlan", "modify", kTeam, "12", "--name", "Kontor"},
                                 Fault("Operation = \"GetObject\"; Target = \"Zorel_VLAN\"; Nth = 2;"));
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "sent, but whether it took could not be read\nno restart is needed\n");
@@ -101,22 +101,22 @@ TEST_F(PartialWork, VlanModify_ThatCannotBeReadBack_WasSent) {
         "quilletctl: could not read VLAN 12 \"Kontor\": access is denied: 0x80041003 WBEM_E_ACCESS_DENIED\n");
 }
 
-TEST_F(PartialWork, TeamAdd_TellsWhoWasAdded) {
+TEST_F(PartialWorkTest, TeamAdd_TellsWhoWasAdded) {
     const std::string fault = Fault("Operation = \"PutInstance\"; Nth = 2;");
-    const Outcome outcome = Run({"team", "add", TEAM, FIRST, SECOND}, fault);
+    const Outcome outcome = Run({"team", "add", kTeam, kFirst, kSecond}, fault);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "not added: Zorel 10G Dual Port Server Adapter #2\n"
                            "TEAM : Zürich has 3 members: no restart is needed\n");
     EXPECT_EQ(outcome.err, "quilletctl: could not add Zorel 10G Dual Port Server Adapter #2 to TEAM : "
                            "Zürich: access is denied: 0x80041003 WBEM_E_ACCESS_DENIED\n");
-    const Json json = RunJson({"team", "add", TEAM, FIRST, SECOND}, fault);
+    const Json json = RunJson({"team", "add", kTeam, kFirst, kSecond}, fault);
     EXPECT_EQ(json.at("done").size(), 1u);
     ASSERT_EQ(json.at("notDone").size(), 1u);
     EXPECT_EQ(json.at("notDone").at(0).at("code"), "0x80041003 WBEM_E_ACCESS_DENIED");
 }
 
-TEST_F(PartialWork, TeamRemove_TellsWhoIsStillThere) {
-    const Outcome outcome = Run({"team", "remove", TEAM, MEMBER, OTHER_MEMBER, MEMBER, "--yes"},
+TEST_F(PartialWorkTest, TeamRemove_TellsWhoIsStillThere) {
+    const Outcome outcome = Run({"team", "remove", kTeam, kMember, kOtherMember, kMember, "--yes"},
                                 Fault("Operation = \"DeleteInstance\"; Nth = 2;"));
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "not taken out: Zorel Quad Port Gigabit Server Adapter #2\n"
@@ -125,43 +125,43 @@ TEST_F(PartialWork, TeamRemove_TellsWhoIsStillThere) {
                 HasSubstr("could not take Zorel Quad Port Gigabit Server Adapter #2 out of TEAM"));
 }
 
-TEST_F(PartialWork, TeamCreate_ATeamThatWasMadeButCannotBeRead_IsTold) {
+TEST_F(PartialWorkTest, TeamCreate_ATeamThatWasMadeButCannotBeRead_IsTold) {
     const Outcome outcome =
-        Run({"team", "create", "Fast", FIRST, SECOND, "--force", "--journal"},
+        Run({"team", "create", "Fast", kFirst, kSecond, "--force", "--journal"},
             Fault("Operation = \"GetObject\"; Target = \"Zorel_TeamOfAdapters\"; Nth = 2;"));
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.out, testing::StartsWith("created the team Fast: no restart is needed\n"));
     EXPECT_THAT(outcome.err, HasSubstr("could not create the team Fast: access is denied: 0x80041003"));
 }
 
-TEST_F(PartialWork, TeamPrimary_ThatCannotBeReadBack_WasSent) {
+TEST_F(PartialWorkTest, TeamPrimary_ThatCannotBeReadBack_WasSent) {
     const std::string fault = Fault("Operation = \"ExecQuery\"; Nth = 2;");
-    const Outcome outcome = Run({"team", "primary", OTHER_MEMBER}, fault);
+    const Outcome outcome = Run({"team", "primary", kOtherMember}, fault);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out,
               "Zorel Quad Port Gigabit Server Adapter #2: sent, but whether it took could not be "
               "read: no restart is needed\n");
     EXPECT_THAT(outcome.err, HasSubstr("could not list the members of TEAM : Zürich: access is denied"));
-    EXPECT_TRUE(RunJson({"team", "primary", OTHER_MEMBER}, fault).at("primary").is_null());
+    EXPECT_TRUE(RunJson({"team", "primary", kOtherMember}, fault).at("primary").is_null());
 }
 
-TEST_F(PartialWork, ASetThatCannotBeClosed_LeavesTheRestartUnknown) {
-    const std::vector<std::string> command{"setting", "set", FIRST, "*JumboPacket", "4088"};
-    const Outcome outcome = Run(command, Fault(APPLY));
+TEST_F(PartialWorkTest, ASetThatCannotBeClosed_LeavesTheRestartUnknown) {
+    const std::vector<std::string> command{"setting", "set", kFirst, "*JumboPacket", "4088"};
+    const Outcome outcome = Run(command, Fault(kApply));
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "Zorel 10G Dual Port Server Adapter: set to 4088 Bytes (4088)\n"
                            "whether a restart is needed is not known\n");
     EXPECT_EQ(
         outcome.err,
         "quilletctl: could not close the client set: access is denied: 0x80041003 WBEM_E_ACCESS_DENIED\n");
-    const Json json = RunJson(command, Fault(APPLY));
+    const Json json = RunJson(command, Fault(kApply));
     EXPECT_EQ(json.at("targets").at(0).at("outcome"), "changed");
     EXPECT_TRUE(json.at("restartNeeded").is_null());
 }
 
-TEST_F(PartialWork, AnErrorInPlaceOfAnAnswer_TellsOfTheRestart) {
+TEST_F(PartialWorkTest, AnErrorInPlaceOfAnAnswer_TellsOfTheRestart) {
     // The VLAN is made; neither it nor the list of VLANs can be read then.
-    const std::vector<std::string> command{"vlan", "add", FREE, "7", "Lab"};
+    const std::vector<std::string> command{"vlan", "add", kFree, "7", "Lab"};
     const std::string faults = Fault("Operation = \"GetObject\"; Target = \"Zorel_VLAN\";") +
                                "instance of QuilletSimulator_Fault { Id = 2; Code = 0x80041010; Operation = "
                                "\"ExecQuery\"; Target = \"Zorel_VLAN\"; Nth = 2; };\n" +
@@ -176,11 +176,11 @@ TEST_F(PartialWork, AnErrorInPlaceOfAnAnswer_TellsOfTheRestart) {
     EXPECT_EQ(RunJson(command, faults).at("error").at("restartNeeded"), true);
 }
 
-TEST_F(PartialWork, RefusedAndNotClosed_AreTwoLines) {
+TEST_F(PartialWorkTest, RefusedAndNotClosed_AreTwoLines) {
     const Outcome outcome =
-        Run({"team", "delete", TEAM, "--yes"},
+        Run({"team", "delete", kTeam, "--yes"},
             Fault("Operation = \"DeleteInstance\";") +
-                "instance of QuilletSimulator_Fault { Id = 2; Code = 0x80041010; " + APPLY + " };\n");
+                "instance of QuilletSimulator_Fault { Id = 2; Code = 0x80041010; " + kApply + " };\n");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(
         outcome.err,

@@ -6,9 +6,9 @@
 
 namespace {
 
-class UnreadableFile : public CommandLine {};
+class UnreadableFileTest : public CommandLine {};
 
-TEST_F(UnreadableFile, IsBadUsageAndNamed) {
+TEST_F(UnreadableFileTest, IsBadUsageAndNamed) {
     const std::string machine = MachineFile(R"(
         instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Name = "Port"; OriginalDisplayName = "Port"; };
         instance of Zorel_BootAgent { Name = "{A}"; };)");

@@ -8,7 +8,7 @@ namespace {
 using quilletctl::IsObjectPath;
 using quilletctl::NameInPath;
 
-TEST(ObjectPath, FullAndRelativePathsNameTheSame) {
+TEST(ObjectPathTest, FullAndRelativePathsNameTheSame) {
     for (const char* path : {R"(\\HOST\ROOT\MarloLUM2:Zorel_VLAN.Name="{1}")", R"(Zorel_VLAN.Name="{1}")",
                              R"(//host.lab.example/root/MarloLUM2:Zorel_VLAN.Name='{1}')"}) {
         EXPECT_EQ(NameInPath(path).className, "Zorel_VLAN") << path;
@@ -16,15 +16,15 @@ TEST(ObjectPath, FullAndRelativePathsNameTheSame) {
     }
 }
 
-TEST(ObjectPath, QuotesAndBackslashesInAKeyAreUnescaped) {
+TEST(ObjectPathTest, QuotesAndBackslashesInAKeyAreUnescaped) {
     EXPECT_EQ(NameInPath(R"(C.K="a\"b\\c")").key, R"(a"b\c)");
 }
 
-TEST(ObjectPath, OfSeveralKeysTheFirstIsTold) {
+TEST(ObjectPathTest, OfSeveralKeysTheFirstIsTold) {
     EXPECT_EQ(NameInPath("C.Caption='*RSS',ParentId='{1}'").key, "*RSS");
 }
 
-TEST(ObjectPath, NamesAreNoPaths) {
+TEST(ObjectPathTest, NamesAreNoPaths) {
     for (const char* text : {"", "=", ".=", "Zorel 10G", "a.b", "a=b", ".K=\"x\"", "C.K=", "C.K=5",
                              "C.K=\"never closed", "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}", ":.K=\"x\""}) {
         EXPECT_FALSE(IsObjectPath(text)) << text;
@@ -32,7 +32,7 @@ TEST(ObjectPath, NamesAreNoPaths) {
     }
 }
 
-TEST(ObjectPath, AMadePathReadsBack) {
+TEST(ObjectPathTest, AMadePathReadsBack) {
     const std::string path = quilletctl::PathOf("Zorel_VLAN", "Name", R"(a"b\c)");
     EXPECT_EQ(path, R"(Zorel_VLAN.Name="a\"b\\c")");
     EXPECT_EQ(NameInPath(path).className, "Zorel_VLAN");

@@ -19,10 +19,10 @@ void PrintTo(const Line& line, std::ostream* out) {
     *out << line.name;
 }
 
-class LinksecFrees : public CommandLine, public testing::WithParamInterface<Line> {};
+class LinksecFreesTest : public CommandLine, public testing::WithParamInterface<Line> {};
 
-TEST_P(LinksecFrees, NoSecrets) {
-    const std::string machine = MachineFile(LINKSEC_MACHINE);
+TEST_P(LinksecFreesTest, NoSecrets) {
+    const std::string machine = MachineFile(kLinksecMachine);
     std::vector<std::string> arguments{"--simulate", machine, "linksec"};
     arguments.insert(arguments.end(), GetParam().arguments.begin(), GetParam().arguments.end());
     const Descriptor descriptor(GetParam().secrets);
@@ -39,7 +39,7 @@ TEST_P(LinksecFrees, NoSecrets) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Linksec, LinksecFrees,
+    Linksec, LinksecFreesTest,
     testing::Values(
         Line{"Show", {"show", "A"}, "", 0}, Line{"ShowJson", {"show", "A", "--json", "--journal"}, "", 0},
         Line{"SetKeys",

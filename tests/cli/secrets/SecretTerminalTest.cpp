@@ -24,15 +24,15 @@
 namespace {
 
 /// A terminal, and the side of it where a person would sit.
-class Person : public testing::Test {
+class PersonTest : public testing::Test {
   protected:
-    Person() : m_person(posix_openpt(O_RDWR | O_NOCTTY)) {
+    PersonTest() : m_person(posix_openpt(O_RDWR | O_NOCTTY)) {
         if (m_person < 0 || grantpt(m_person) != 0 || unlockpt(m_person) != 0) {
             throw std::runtime_error("no terminal can be made");
         }
         m_terminal = open(ptsname(m_person), O_RDWR | O_NOCTTY);
     }
-    ~Person() override {
+    ~PersonTest() override {
         close(m_terminal);
         close(m_person);
     }
@@ -66,7 +66,7 @@ class Person : public testing::Test {
     int m_terminal = -1;
 };
 
-TEST_F(Person, IsAskedAndSeesNothingOfTheSecret) {
+TEST_F(PersonTest, IsAskedAndSeesNothingOfTheSecret) {
     ASSERT_TRUE(Echoes());
     std::wstring secret = L"before";
     bool isRead = false;
@@ -81,7 +81,7 @@ TEST_F(Person, IsAskedAndSeesNothingOfTheSecret) {
     EXPECT_TRUE(Echoes()) << "the terminal is as it was";
 }
 
-TEST_F(Person, MayGiveNothing) {
+TEST_F(PersonTest, MayGiveNothing) {
     std::wstring secret = L"before";
     bool isRead = false;
     std::thread asking([&] { isRead = quilletctl::AskOnTerminal(Terminal(), "Password: ", secret); });
@@ -92,7 +92,7 @@ TEST_F(Person, MayGiveNothing) {
     EXPECT_EQ(secret, L"");
 }
 
-TEST_F(Person, EndsTheInput) {
+TEST_F(PersonTest, EndsTheInput) {
     std::wstring secret = L"before";
     bool isRead = true;
     std::thread asking([&] { isRead = quilletctl::AskOnTerminal(Terminal(), "Password: ", secret); });
@@ -103,7 +103,7 @@ TEST_F(Person, EndsTheInput) {
     EXPECT_TRUE(Echoes());
 }
 
-TEST_F(Person, TypesBytesThatAreNoText) {
+TEST_F(PersonTest, TypesBytesThatAreNoText) {
     std::wstring secret = L"before";
     std::string message;
     std::thread asking([&] {
@@ -150,9 +150,9 @@ std::pair<int, std::string> AtItsPrompt(const std::vector<std::string>& argument
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, seen};
 }
 
-class Prompt : public CommandLine {
+class PromptTest : public CommandLine {
   protected:
-    Prompt() : m_machine(MachineFile(LINKSEC_MACHINE)) {}
+    PromptTest() : m_machine(MachineFile(kLinksecMachine)) {}
     std::pair<int, std::string> Run(std::vector<std::string> arguments, const std::string& typed) const {
         arguments.insert(arguments.begin(), {"--simulate", m_machine, "linksec"});
         return AtItsPrompt(arguments, typed);
@@ -162,20 +162,20 @@ class Prompt : public CommandLine {
     std::string m_machine;
 };
 
-TEST_F(Prompt, NothingTypedIsNoSecret) {
+TEST_F(PromptTest, NothingTypedIsNoSecret) {
     const auto [status, seen] = Run({"pmk", "A", "--set"}, "\n");
     EXPECT_EQ(status, 2);
     EXPECT_NE(seen.find("nothing was typed for \"Pairwise master key\""), std::string::npos) << seen;
 }
 
-TEST_F(Prompt, NothingTypedKeepsAKeyThatMayStay) {
+TEST_F(PromptTest, NothingTypedKeepsAKeyThatMayStay) {
     const auto [status, seen] = Run({"set-keys", "A", "--keys", "rx", "--reload"}, "\n");
     EXPECT_EQ(status, 0) << seen;
     EXPECT_NE(seen.find("Key for incoming frames (empty: as it is): "), std::string::npos) << seen;
     EXPECT_NE(seen.find("keys set; no restart is needed"), std::string::npos) << seen;
 }
 
-TEST(NoPerson, APipeIsNoTerminal) {
+TEST(NoPersonTest, APipeIsNoTerminal) {
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
     std::wstring secret = L"before";

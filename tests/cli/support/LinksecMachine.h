@@ -1,7 +1,7 @@
 // An adapter with link security; each of its secrets has the word CANARY at both ends.
 #pragma once
 
-inline constexpr const char* LINKSEC_MACHINE = R"(
+inline constexpr const char* kLinksecMachine = R"(
     instance of Zorel_PhysicalEthernetAdapter {
         DeviceID = "{A}"; Name = "A"; OriginalDisplayName = "Adapter A"; AdapterStatus = 1; };
     instance of Zorel_PhysicalEthernetAdapter {

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr auto PATIENCE = std::chrono::seconds(30);
+constexpr auto kPatience = std::chrono::seconds(30);
 
 std::size_t Count(const std::string& text, const std::string& part) {
     std::size_t count = 0;
@@ -104,7 +104,7 @@ RunningProgram::~RunningProgram() {
 }
 
 void RunningProgram::WaitForTrace(const std::string& text, std::size_t count) const {
-    const auto end = std::chrono::steady_clock::now() + PATIENCE;
+    const auto end = std::chrono::steady_clock::now() + kPatience;
     while (Count(ReadFile(m_folder / "Gui_Quillet.txt"), text) < count) {
         ASSERT_LT(std::chrono::steady_clock::now(), end) << "never traced: " << text;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -114,8 +114,8 @@ void RunningProgram::WaitForTrace(const std::string& text, std::size_t count) co
 void RunningProgram::WaitForScreen(const std::string& text) {
     pollfd screen{m_out, POLLIN, 0};
     while (m_outcome.out.find(text) == std::string::npos) {
-        constexpr int MILLISECONDS = 30000;
-        ASSERT_EQ(poll(&screen, 1, MILLISECONDS), 1) << "never seen: " << text << "\n" << m_outcome.out;
+        constexpr int kMilliseconds = 30000;
+        ASSERT_EQ(poll(&screen, 1, kMilliseconds), 1) << "never seen: " << text << "\n" << m_outcome.out;
         ASSERT_TRUE(ReadSome(m_out, m_outcome.out)) << "never seen: " << text << "\n" << m_outcome.out;
     }
 }

@@ -21,7 +21,7 @@ struct Pipe {
     std::ostream stream{&buffer};
 };
 
-TEST(OutputBuffer, HandsOnWhatWasCollected) {
+TEST(OutputBufferTest, HandsOnWhatWasCollected) {
     Pipe pipe;
     pipe.stream << "one" << 1 << '\n';
     EXPECT_TRUE(pipe.received.empty());
@@ -31,14 +31,14 @@ TEST(OutputBuffer, HandsOnWhatWasCollected) {
     EXPECT_TRUE(pipe.stream.good());
 }
 
-TEST(OutputBuffer, ALongAnswerIsNotKeptWhole) {
+TEST(OutputBufferTest, ALongAnswerIsNotKeptWhole) {
     Pipe pipe;
     pipe.stream << std::string(100000, 'x');
     ASSERT_EQ(pipe.received.size(), 1u);
     EXPECT_EQ(pipe.received.front().size(), 100000u);
 }
 
-TEST(OutputBuffer, WhatIsLeftIsHandedOnInTheEnd) {
+TEST(OutputBufferTest, WhatIsLeftIsHandedOnInTheEnd) {
     std::string received;
     {
         OutputBuffer buffer([&](std::string_view bytes) {
@@ -50,7 +50,7 @@ TEST(OutputBuffer, WhatIsLeftIsHandedOnInTheEnd) {
     EXPECT_EQ(received, "last");
 }
 
-TEST(OutputBuffer, AReaderWhoLeftHasSeenEnough) {
+TEST(OutputBufferTest, AReaderWhoLeftHasSeenEnough) {
     Pipe pipe;
     pipe.answer = Written::ReaderLeft;
     pipe.stream << "first" << std::flush << "second" << std::flush;
@@ -59,7 +59,7 @@ TEST(OutputBuffer, AReaderWhoLeftHasSeenEnough) {
         << "nothing is written to a closed pipe again";
 }
 
-TEST(OutputBuffer, WhatCannotBeWrittenFailsTheStream) {
+TEST(OutputBufferTest, WhatCannotBeWrittenFailsTheStream) {
     Pipe pipe;
     pipe.answer = Written::Failed;
     pipe.stream << "first";

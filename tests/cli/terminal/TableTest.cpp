@@ -16,7 +16,7 @@ std::string Printed(const Table& table, bool isTerminal = false, std::size_t wid
     return out.str();
 }
 
-TEST(Table, Print_AlignsByColumnsOfTheScreen) {
+TEST(TableTest, Print_AlignsByColumnsOfTheScreen) {
     Table table({{"NAME"}, {"ID"}});
     table.AddRow({"東京", "1"});
     table.AddRow({"Gerät", "2"});
@@ -27,7 +27,7 @@ TEST(Table, Print_AlignsByColumnsOfTheScreen) {
                               "e\xCC\x81      3\n");
 }
 
-TEST(Table, Print_NoLineEndsWithBlanks) {
+TEST(TableTest, Print_NoLineEndsWithBlanks) {
     Table table({{"A"}, {"LONG TITLE"}});
     table.AddRow({"x", ""});
     table.AddRow({"", "y"});
@@ -38,7 +38,7 @@ TEST(Table, Print_NoLineEndsWithBlanks) {
                               "short  z\n");
 }
 
-TEST(Table, Print_InANarrowTerminalTheWidestTextGivesWay) {
+TEST(TableTest, Print_InANarrowTerminalTheWidestTextGivesWay) {
     Table table({{"NAME", Fit::MayShorten}, {"TEXT", Fit::MayShorten}, {"ID", Fit::Whole}});
     table.AddRow({"0123456789abcdef", "0123456789", "{0123456789}"});
     EXPECT_EQ(Printed(table, true, 36), "NAME        TEXT        ID\n"
@@ -51,7 +51,7 @@ TEST(Table, Print_InANarrowTerminalTheWidestTextGivesWay) {
         << "a file is as wide as it likes";
 }
 
-TEST(Table, Print_InANarrowTerminalAColumnThatRepeatsAnotherGoesFirst) {
+TEST(TableTest, Print_InANarrowTerminalAColumnThatRepeatsAnotherGoesFirst) {
     Table table({{"NAME", Fit::MayShorten}, {"MODEL", Fit::MayShorten, "NAME"}, {"ID"}});
     table.AddRow({"Server Adapter", "Server Adapter", "{1}"});
     table.AddRow({"Server Adapter #2", "Server Adapter", "{2}"});
@@ -69,7 +69,7 @@ TEST(Table, Print_InANarrowTerminalAColumnThatRepeatsAnotherGoesFirst) {
         << "it says something of one row";
 }
 
-TEST(Table, Print_InANarrowTerminalIdentifiersLoseWhatAllBeginWith) {
+TEST(TableTest, Print_InANarrowTerminalIdentifiersLoseWhatAllBeginWith) {
     Table table({{"NAME", Fit::MayShorten}, {"ID"}});
     table.AddRow({"the left port", "{0000-0000-000A}"});
     table.AddRow({"the right port", "{0000-0000-001B}"});
@@ -88,13 +88,13 @@ TEST(Table, Print_InANarrowTerminalIdentifiersLoseWhatAllBeginWith) {
         << "what is the same everywhere tells nothing apart";
 }
 
-TEST(Table, Print_TitlesAreBoldWhereColoursAreWanted) {
+TEST(TableTest, Print_TitlesAreBoldWhereColoursAreWanted) {
     Table table({{"A"}});
     table.AddRow({"x"});
     EXPECT_EQ(Printed(table, true, 80, true), "\x1b[1mA\x1b[0m\nx\n");
 }
 
-TEST(Table, AddRow_CellsCannotBreakTheTable) {
+TEST(TableTest, AddRow_CellsCannotBreakTheTable) {
     Table table({{"A"}, {"B"}});
     table.AddRow({"a\nb", "c\x1B[2J"});
     table.AddRow({"only one"});

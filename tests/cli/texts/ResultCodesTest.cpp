@@ -14,7 +14,7 @@ std::string Described(std::uint32_t code) {
     return DescribeResult(static_cast<HRESULT>(code));
 }
 
-TEST(ResultCodes, DescribeResult_NamesWmiAndComCodes) {
+TEST(ResultCodesTest, DescribeResult_NamesWmiAndComCodes) {
     EXPECT_EQ(Described(0x80041001), "0x80041001 WBEM_E_FAILED");
     EXPECT_EQ(Described(0x80041002), "0x80041002 WBEM_E_NOT_FOUND");
     EXPECT_EQ(Described(0x80041003), "0x80041003 WBEM_E_ACCESS_DENIED");
@@ -29,13 +29,13 @@ TEST(ResultCodes, DescribeResult_NamesWmiAndComCodes) {
     EXPECT_EQ(Described(0x800706BA), "0x800706BA RPC_S_SERVER_UNAVAILABLE");
 }
 
-TEST(ResultCodes, DescribeResult_ACodeWithoutANameStandsAlone) {
+TEST(ResultCodesTest, DescribeResult_ACodeWithoutANameStandsAlone) {
     EXPECT_EQ(Described(0x80041FFF), "0x80041FFF");
     EXPECT_EQ(Described(0xFFFFFFFF), "0xFFFFFFFF");
     EXPECT_EQ(Described(0), "0x00000000");
 }
 
-TEST(ResultCodes, ExplainResult_SaysItInWordsFirst) {
+TEST(ResultCodesTest, ExplainResult_SaysItInWordsFirst) {
     const auto explained = [](std::uint32_t code, const std::string& reason = {}) {
         return ExplainResult(static_cast<HRESULT>(code), reason);
     };
@@ -48,12 +48,12 @@ TEST(ResultCodes, ExplainResult_SaysItInWordsFirst) {
     EXPECT_EQ(explained(5), "a code of the provider's own: 0x00000005");
 }
 
-TEST(BitMask, SetBits_FromTheLowest) {
+TEST(BitMaskTest, SetBits_FromTheLowest) {
     EXPECT_EQ(SetBits(0), std::vector<unsigned>());
     EXPECT_EQ(SetBits(0x8000000000000005ULL), (std::vector<unsigned>{0, 2, 63}));
 }
 
-TEST(BitMask, HexMask_KeepsAll64Bits) {
+TEST(BitMaskTest, HexMask_KeepsAll64Bits) {
     EXPECT_EQ(HexMask(0), "0x0000000000000000");
     EXPECT_EQ(HexMask(0x8000000100000005ULL), "0x8000000100000005");
 }

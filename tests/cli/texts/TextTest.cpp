@@ -7,35 +7,35 @@ using namespace quilletctl;
 
 namespace {
 
-TEST(Text, ToUtf8_EncodesEveryLength) {
+TEST(TextTest, ToUtf8_EncodesEveryLength) {
     EXPECT_EQ(ToUtf8(L"aé東"), "a\xC3\xA9\xE6\x9D\xB1");
     EXPECT_EQ(ToUtf8(L"\U0001F310"), "\xF0\x9F\x8C\x90");
     EXPECT_EQ(ToUtf8(L""), "");
 }
 
-TEST(Text, ToUtf8_JoinsSurrogatePairs) {
+TEST(TextTest, ToUtf8_JoinsSurrogatePairs) {
     const wchar_t pair[] = {static_cast<wchar_t>(0xD83C), static_cast<wchar_t>(0xDF10), 0};
     EXPECT_EQ(ToUtf8(pair), "\xF0\x9F\x8C\x90");
 }
 
-TEST(Text, ToUtf8_LoneSurrogatesBecomeTheReplacementCharacter) {
+TEST(TextTest, ToUtf8_LoneSurrogatesBecomeTheReplacementCharacter) {
     const wchar_t high[] = {static_cast<wchar_t>(0xD83C), L'x', 0};
     EXPECT_EQ(ToUtf8(high), "\xEF\xBF\xBDx");
     const wchar_t low[] = {L'x', static_cast<wchar_t>(0xDF10), 0};
     EXPECT_EQ(ToUtf8(low), "x\xEF\xBF\xBD");
 }
 
-TEST(Text, ToUtf8_KeepsEmbeddedZeros) {
+TEST(TextTest, ToUtf8_KeepsEmbeddedZeros) {
     EXPECT_EQ(ToUtf8(std::wstring_view(L"a\0b", 3)), std::string("a\0b", 3));
 }
 
-TEST(Text, ToWide_IsTheInverse) {
+TEST(TextTest, ToWide_IsTheInverse) {
     for (const std::wstring text : {L"", L"plain", L"Gerät 東京", L"\U0001F310!"}) {
         EXPECT_EQ(ToWide(ToUtf8(text)), text);
     }
 }
 
-TEST(Text, IsUtf8_TellsWhatIsMalformedFromTheCharacterThatStandsForIt) {
+TEST(TextTest, IsUtf8_TellsWhatIsMalformedFromTheCharacterThatStandsForIt) {
     for (const char* text : {"", "a", "\xC2\x80", "\xE0\xA0\x80", "\xEF\xBF\xBD", "\xED\x9F\xBF",
                              "\xEE\x80\x80", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
         EXPECT_TRUE(IsUtf8(text)) << text;
@@ -49,7 +49,7 @@ TEST(Text, IsUtf8_TellsWhatIsMalformedFromTheCharacterThatStandsForIt) {
     EXPECT_TRUE(IsUtf8(std::string_view("a\0b", 3)));
 }
 
-TEST(Text, IsWellFormed_KnowsPairsOfSurrogates) {
+TEST(TextTest, IsWellFormed_KnowsPairsOfSurrogates) {
     EXPECT_TRUE(IsWellFormed(L""));
     EXPECT_TRUE(IsWellFormed(L"Gerät 東京 \U0001F310"));
     const wchar_t high[] = {L'x', static_cast<wchar_t>(0xD83C), L'x', 0};
@@ -59,7 +59,7 @@ TEST(Text, IsWellFormed_KnowsPairsOfSurrogates) {
     EXPECT_FALSE(IsWellFormed(low));
 }
 
-TEST(Text, Characters_MalformedBytesAreReplacedOneByOne) {
+TEST(TextTest, Characters_MalformedBytesAreReplacedOneByOne) {
     EXPECT_EQ(Characters("\x80z"), U"\xFFFDz");
     EXPECT_EQ(Characters("\xC3"), U"\xFFFD");
     EXPECT_EQ(Characters("\xE6\x9D"), U"\xFFFD\xFFFD");
@@ -69,7 +69,7 @@ TEST(Text, Characters_MalformedBytesAreReplacedOneByOne) {
     EXPECT_EQ(Characters("\xFF"), U"\xFFFD");
 }
 
-TEST(Text, DisplayWidth_CountsColumns) {
+TEST(TextTest, DisplayWidth_CountsColumns) {
     EXPECT_EQ(DisplayWidth("abc"), 3u);
     EXPECT_EQ(DisplayWidth("Gerät"), 5u);
     EXPECT_EQ(DisplayWidth("東京"), 4u);
@@ -84,7 +84,7 @@ TEST(Text, DisplayWidth_CountsColumns) {
     EXPECT_EQ(DisplayWidth(""), 0u);
 }
 
-TEST(Text, Shortened_CutsAtColumnsAndMarksTheCut) {
+TEST(TextTest, Shortened_CutsAtColumnsAndMarksTheCut) {
     EXPECT_EQ(Shortened("abcdef", 6), "abcdef");
     EXPECT_EQ(Shortened("abcdef", 5), "ab…ef") << "what tells names apart is often their end";
     EXPECT_EQ(Shortened("abcdef", 4), "ab…f");
@@ -95,7 +95,7 @@ TEST(Text, Shortened_CutsAtColumnsAndMarksTheCut) {
     EXPECT_EQ(Shortened("ab東\xCC\x81", 3), "a…") << "and goes with it";
 }
 
-TEST(Text, Printable_ReplacesWhatSteersATerminal) {
+TEST(TextTest, Printable_ReplacesWhatSteersATerminal) {
     EXPECT_EQ(Printable("a\x1B[31mb"), "a\xEF\xBF\xBD[31mb");
     EXPECT_EQ(Printable("a\nb\r\tc"), "a\xEF\xBF\xBD"
                                       "b\xEF\xBF\xBD\xEF\xBF\xBD"
