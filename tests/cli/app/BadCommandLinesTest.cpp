@@ -7,6 +7,7 @@
 
 namespace {
 
+using namespace quillet::tests;
 using Json = nlohmann::ordered_json;
 
 /// Names in angle brackets are files of the test's folder.

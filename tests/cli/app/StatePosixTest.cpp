@@ -8,6 +8,8 @@
 
 namespace {
 
+using namespace quillet::tests;
+
 constexpr const char* kBuiltin = QUILLET_SOURCE_DIR "/simulator/machines/builtin.mof";
 
 class StateOnPosixTest : public CommandLine {

@@ -7,6 +7,8 @@
 
 namespace {
 
+using namespace quillet::tests;
+
 constexpr const char* kBuiltin = QUILLET_SOURCE_DIR "/simulator/machines/builtin.mof";
 constexpr const char* kTeam = "TEAM : Zürich";
 

@@ -5,6 +5,8 @@
 
 namespace {
 
+using namespace quillet::tests;
+
 struct BadLine {
     std::vector<std::string> arguments;
     std::string mentions;

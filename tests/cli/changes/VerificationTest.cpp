@@ -9,6 +9,7 @@
 
 namespace {
 
+using namespace quillet::tests;
 using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
 using testing::Not;

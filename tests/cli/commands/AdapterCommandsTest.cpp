@@ -9,6 +9,7 @@
 
 namespace {
 
+using namespace quillet::tests;
 using Json = nlohmann::ordered_json;
 
 constexpr const char* kFirst = "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}";

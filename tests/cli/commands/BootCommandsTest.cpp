@@ -14,6 +14,7 @@
 
 namespace {
 
+using namespace quillet::tests;
 using Json = nlohmann::ordered_json;
 using quillet::simulator::WriteFlashImage;
 using testing::HasSubstr;

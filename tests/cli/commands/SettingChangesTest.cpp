@@ -7,6 +7,7 @@
 
 namespace {
 
+using namespace quillet::tests;
 using Json = nlohmann::ordered_json;
 
 class SettingSetTest : public CommandLine {};

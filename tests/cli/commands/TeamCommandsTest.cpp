@@ -5,6 +5,7 @@
 
 namespace {
 
+using namespace quillet::tests;
 using Json = nlohmann::ordered_json;
 
 constexpr const char* kTeamId = "{233D64CB-B845-581B-A807-C628FFE690C9}";

@@ -5,6 +5,7 @@
 
 namespace {
 
+using namespace quillet::tests;
 using Json = nlohmann::ordered_json;
 
 constexpr const char* kTeam = "TEAM : Zürich";

@@ -10,6 +10,7 @@
 
 namespace {
 
+using namespace quillet::tests;
 using testing::HasSubstr;
 using testing::Not;
 

@@ -10,6 +10,7 @@
 
 namespace {
 
+using namespace quillet::tests;
 using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
 using testing::Not;

@@ -8,6 +8,7 @@
 
 namespace {
 
+using namespace quillet::tests;
 using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
 

@@ -6,6 +6,8 @@
 
 namespace {
 
+using namespace quillet::tests;
+
 class UnreadableFileTest : public CommandLine {};
 
 TEST_F(UnreadableFileTest, IsBadUsageAndNamed) {

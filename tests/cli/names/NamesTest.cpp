@@ -12,6 +12,7 @@ using testing::HasSubstr;
 
 namespace {
 
+using namespace quillet::tests;
 using Json = nlohmann::ordered_json;
 using namespace quilletctl;
 

@@ -6,6 +6,7 @@
 
 namespace {
 
+using namespace quillet::tests;
 using quillet::test::FreedBlocks;
 
 struct Line {

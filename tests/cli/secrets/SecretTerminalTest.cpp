@@ -23,6 +23,8 @@
 
 namespace {
 
+using namespace quillet::tests;
+
 /// A terminal, and the side of it where a person would sit.
 class PersonTest : public testing::Test {
   protected:

@@ -3,6 +3,8 @@
 
 #include <string>
 
+namespace quillet::tests {
+
 class Descriptor {
   public:
     /// Reads as this text, and then as ended.
@@ -19,3 +21,5 @@ class Descriptor {
   private:
     int m_descriptor = -1;
 };
+
+} // namespace quillet::tests

@@ -4,6 +4,8 @@
 
 #include <stdexcept>
 
+namespace quillet::tests {
+
 Descriptor::Descriptor(const std::string& text) {
     int ends[2];
     if (pipe(ends) != 0 || write(ends[1], text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
@@ -24,3 +26,5 @@ std::string Descriptor::Rest() {
     }
     return rest;
 }
+
+} // namespace quillet::tests

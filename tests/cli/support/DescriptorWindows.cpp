@@ -5,6 +5,8 @@
 
 #include <stdexcept>
 
+namespace quillet::tests {
+
 Descriptor::Descriptor(const std::string& text) {
     int ends[2];
     if (_pipe(ends, 1 << 16, _O_BINARY) != 0 ||
@@ -26,3 +28,5 @@ std::string Descriptor::Rest() {
     }
     return rest;
 }
+
+} // namespace quillet::tests

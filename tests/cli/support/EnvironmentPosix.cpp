@@ -3,6 +3,8 @@
 
 #include <stdlib.h>
 
+namespace quillet::tests {
+
 void SetEnvironment(const char* name, const char* value) {
     if (*value == '\0') {
         unsetenv(name);
@@ -10,3 +12,5 @@ void SetEnvironment(const char* name, const char* value) {
         setenv(name, value, 1);
     }
 }
+
+} // namespace quillet::tests

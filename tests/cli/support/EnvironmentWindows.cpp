@@ -3,6 +3,10 @@
 
 #include <stdlib.h>
 
+namespace quillet::tests {
+
 void SetEnvironment(const char* name, const char* value) {
     _putenv_s(name, value);
 }
+
+} // namespace quillet::tests

@@ -1,6 +1,8 @@
 // An adapter with link security; each of its secrets has the word CANARY at both ends.
 #pragma once
 
+namespace quillet::tests {
+
 inline constexpr const char* kLinksecMachine = R"(
     instance of Zorel_PhysicalEthernetAdapter {
         DeviceID = "{A}"; Name = "A"; OriginalDisplayName = "Adapter A"; AdapterStatus = 1; };
@@ -19,3 +21,5 @@ inline constexpr const char* kLinksecMachine = R"(
         DeviceID = "{A}"; FileName = "old.pac"; PACFileType = 2; strPACFileInfo = "info"; strPACFileAid = "aid";
         strPACFileAidInfo = "aid info"; strPACFileIid = "iid"; PACFileExpiryTime = 86400; };
     instance of Zorel_PACFile { DeviceID = ""; FileName = "new.pac"; PACFilePassword = "CANARY-file-CANARY"; };)";
+
+} // namespace quillet::tests

@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+namespace quillet::tests {
+
 struct Outcome {
     int status = -1;
     std::string out;
@@ -92,3 +94,5 @@ class CommandLine : public testing::Test {
   private:
     std::filesystem::path m_folder;
 };
+
+} // namespace quillet::tests

@@ -11,6 +11,8 @@
 #include <thread>
 #include <unistd.h>
 
+namespace quillet::tests {
+
 namespace {
 
 constexpr auto kPatience = std::chrono::seconds(30);
@@ -154,3 +156,5 @@ Outcome RunningProgram::Finish() {
     }
     return m_outcome;
 }
+
+} // namespace quillet::tests

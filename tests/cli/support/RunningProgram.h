@@ -8,6 +8,8 @@
 #include <sys/types.h>
 #include <vector>
 
+namespace quillet::tests {
+
 class RunningProgram {
   public:
     /// Where the program reads and writes: pipes, or a terminal of its own, 70 columns wide.
@@ -40,3 +42,5 @@ class RunningProgram {
     int m_err = -1;
     Outcome m_outcome;
 };
+
+} // namespace quillet::tests
