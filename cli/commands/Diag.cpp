@@ -2,7 +2,6 @@
 #include "app/Answers.h"
 #include "commands/AdapterCommand.h"
 #include "commands/Commands.h"
-#include "names/ObjectPath.h"
 #include "terminal/Progress.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"

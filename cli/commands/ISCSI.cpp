@@ -3,7 +3,6 @@
 #include "changes/ClientSet.h"
 #include "commands/AdapterCommand.h"
 #include "commands/Commands.h"
-#include "names/ObjectPath.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
 

@@ -7,8 +7,6 @@
 #include "secrets/SecretInput.h"
 #include "texts/Text.h"
 
-#include <nlohmann/json.hpp>
-
 #include <map>
 #include <memory>
 #include <optional>

@@ -6,6 +6,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <vector>
+
 namespace quilletctl {
 
 void ThrowUnlessAnswered(HRESULT result, const std::string& asked) {
