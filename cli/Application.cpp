@@ -1,10 +1,10 @@
 // From a command line to its outcome.
 #include "Application.h"
 
-#include "ClientSet.h"
-#include "Commands.h"
-#include "ResultCodes.h"
-#include "Text.h"
+#include "changes/ClientSet.h"
+#include "commands/Commands.h"
+#include "texts/ResultCodes.h"
+#include "texts/Text.h"
 
 #include <comutil.h>
 

@@ -1,8 +1,8 @@
 // quilletctl without its process: arguments in, text and exit status out.
 #pragma once
 
-#include "Failure.h"
-#include "Terminal.h"
+#include "ending/Failure.h"
+#include "terminal/Terminal.h"
 
 #include <string>
 #include <vector>

@@ -1,6 +1,6 @@
 // quilletctl: manages the network adapters of a machine from the command line.
 #include "Application.h"
-#include "Console.h"
+#include "terminal/Console.h"
 
 int main(int argumentCount, char** arguments) {
     quilletctl::Console console(argumentCount, arguments);

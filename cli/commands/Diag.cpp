@@ -1,11 +1,10 @@
 // quilletctl diag: the diagnostic tests of an adapter.
-#include "Answers.h"
-#include "AdapterCommand.h"
-#include "Commands.h"
-#include "JsonParts.h"
-#include "ObjectPath.h"
-#include "Progress.h"
-#include "Text.h"
+#include "app/Answers.h"
+#include "commands/AdapterCommand.h"
+#include "commands/Commands.h"
+#include "terminal/Progress.h"
+#include "texts/JsonParts.h"
+#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 
@@ -20,19 +19,19 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 /// Values of "TestState".
-constexpr LONG FAILED_STATE = 3;
-constexpr LONG IN_PROGRESS = 4;
-constexpr LONG STOPPED = 5;
+constexpr LONG kFailedState = 3;
+constexpr LONG kInProgress = 4;
+constexpr LONG kStopped = 5;
 
 /// How often the bar moves.
-constexpr auto FRAME = std::chrono::milliseconds(100);
+constexpr auto kFrame = std::chrono::milliseconds(100);
 /// How long a test may take to begin, and to stop.
-constexpr auto PATIENCE = std::chrono::seconds(2);
+constexpr auto kPatience = std::chrono::seconds(2);
 
 CDiagTests ReadTests(CQuillet& session, const ListedAdapter& adapter) {
     CDiagTests tests;
-    Invocation::Check(session.EnumerateDiagnostics(ToWide(adapter.path), tests),
-                      "list the tests of " + adapter.Called());
+    ThrowIfRefused(session.EnumerateDiagnostics(ToWide(adapter.path), tests),
+                   "list the tests of " + adapter.Called());
     return tests;
 }
 
@@ -58,13 +57,13 @@ CDiagTest FindTest(CQuillet& session, const ListedAdapter& adapter, const std::s
 /// What is known of a test; nothing when it never ran.
 bool ReadResult(CQuillet& session, const CDiagTest& test, CDiagResult& result) {
     const HRESULT code = session.GetDiagnosticsResult(test.m_wsUniqueID, result);
-    Invocation::Check(code, "read the result of " + ToUtf8(test.m_wsName));
+    ThrowIfRefused(code, "read the result of " + ToUtf8(test.m_wsName));
     return code == S_OK && !result.m_sUniqueID.empty();
 }
 
 bool Passed(const CDiagResult& result) {
-    return result.m_lResultCode == 0 && result.m_lTestState != FAILED_STATE &&
-           result.m_lTestState != STOPPED && result.m_lTestState != IN_PROGRESS;
+    return result.m_lResultCode == 0 && result.m_lTestState != kFailedState &&
+           result.m_lTestState != kStopped && result.m_lTestState != kInProgress;
 }
 
 bool IsTheSame(const CDiagResult& left, const CDiagResult& right) {
@@ -174,8 +173,8 @@ class TestCommand : public AdapterCommand {
 
   protected:
     static void Stop(CQuillet& session, const ListedAdapter& adapter, const CDiagTest& test) {
-        Invocation::Check(session.StopDiagnostics(test.m_wsUniqueID, ToWide(adapter.path)),
-                          "stop " + ToUtf8(test.m_wsName));
+        ThrowIfRefused(session.StopDiagnostics(test.m_wsUniqueID, ToWide(adapter.path)),
+                       "stop " + ToUtf8(test.m_wsName));
     }
 
   private:
@@ -202,8 +201,8 @@ class RunTest final : public TestCommand {
         run.HoldInterrupts();
         CDiagResult before;
         ReadResult(session, test, before);
-        Invocation::Check(session.RunDiagnostics(test.m_wsUniqueID, ToWide(adapter.path)),
-                          "start " + ToUtf8(test.m_wsName));
+        ThrowIfRefused(session.RunDiagnostics(test.m_wsUniqueID, ToWide(adapter.path)),
+                       "start " + ToUtf8(test.m_wsName));
         CDiagResult result;
         if (!Follow(adapter, test, run, before, result)) {
             // The provider has no result of the test: it was not started.
@@ -228,17 +227,17 @@ class RunTest final : public TestCommand {
             if (!ReadResult(session, test, result)) {
                 return false;
             }
-            isSeen = isSeen || result.m_lTestState == IN_PROGRESS || !IsTheSame(before, result);
-            if (result.m_lTestState != IN_PROGRESS && isSeen) {
+            isSeen = isSeen || result.m_lTestState == kInProgress || !IsTheSame(before, result);
+            if (result.m_lTestState != kInProgress && isSeen) {
                 return true;
             }
-            if (!isSeen && Clock::now() - start > PATIENCE) {
+            if (!isSeen && Clock::now() - start > kPatience) {
                 throw NotTaken("run " + ToUtf8(test.m_wsName), "its result is the one from before");
             }
             // Until it is seen to run it is looked at closely, so that not all of the run falls between two
             // looks.
             const std::chrono::milliseconds interval(m_interval);
-            const auto next = Clock::now() + (isSeen ? interval : std::min(interval, FRAME));
+            const auto next = Clock::now() + (isSeen ? interval : std::min(interval, kFrame));
             do {
                 if (!stopping && !run.MayGoOn()) {
                     stopping = true;
@@ -246,7 +245,7 @@ class RunTest final : public TestCommand {
                     break;
                 }
                 Show(progress, run, result, Clock::now() - start);
-                std::this_thread::sleep_for(std::min<Clock::duration>(FRAME, next - Clock::now()));
+                std::this_thread::sleep_for(std::min<Clock::duration>(kFrame, next - Clock::now()));
             } while (Clock::now() < next);
         }
     }
@@ -273,10 +272,10 @@ class StopTest final : public TestCommand {
         Stop(run.Session(), adapter, test);
         CDiagResult result;
         // A test may need a moment to come to its end.
-        const auto until = Clock::now() + PATIENCE;
-        while (ReadResult(run.Session(), test, result) && result.m_lTestState == IN_PROGRESS &&
+        const auto until = Clock::now() + kPatience;
+        while (ReadResult(run.Session(), test, result) && result.m_lTestState == kInProgress &&
                Clock::now() < until) {
-            std::this_thread::sleep_for(FRAME);
+            std::this_thread::sleep_for(kFrame);
         }
         if (run.WantsJson()) {
             run.Print(AsJson(test, result));
@@ -284,7 +283,7 @@ class StopTest final : public TestCommand {
             run.Out() << Printable(ToUtf8(test.m_wsName)) << ": " << Printable(ToUtf8(result.m_wsStateText))
                       << '\n';
         }
-        if (result.m_lTestState == IN_PROGRESS) {
+        if (result.m_lTestState == kInProgress) {
             throw NotTaken("stop " + ToUtf8(test.m_wsName), "it still runs");
         }
         return ExitStatus::Done;

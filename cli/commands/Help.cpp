@@ -1,5 +1,5 @@
 // quilletctl help: what can stand on a command line, for people and, with --json, for programs.
-#include "Commands.h"
+#include "commands/Commands.h"
 
 #include <nlohmann/json.hpp>
 

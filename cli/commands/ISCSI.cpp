@@ -1,11 +1,10 @@
 // quilletctl iscsi: booting from an iSCSI target.
-#include "Answers.h"
-#include "AdapterCommand.h"
-#include "ClientSet.h"
-#include "Commands.h"
-#include "JsonParts.h"
-#include "ObjectPath.h"
-#include "Text.h"
+#include "app/Answers.h"
+#include "changes/ClientSet.h"
+#include "commands/AdapterCommand.h"
+#include "commands/Commands.h"
+#include "texts/JsonParts.h"
+#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 
@@ -21,14 +20,14 @@ struct Place {
     const char* word;
 };
 
-constexpr std::array PLACES{Place{CISCSIAdapter::NotBootPort, "off"},
-                            Place{CISCSIAdapter::PrimaryPort, "primary"},
-                            Place{CISCSIAdapter::SecondaryPort, "secondary"}};
+constexpr std::array kPlaces{Place{CISCSIAdapter::NotBootPort, "off"},
+                             Place{CISCSIAdapter::PrimaryPort, "primary"},
+                             Place{CISCSIAdapter::SecondaryPort, "secondary"}};
 
 std::string PlaceText(LONG status) {
-    const auto* found = std::find_if(PLACES.begin(), PLACES.end(),
+    const auto* found = std::find_if(kPlaces.begin(), kPlaces.end(),
                                      [status](const Place& place) { return place.status == status; });
-    return found != PLACES.end() ? found->word : "place " + std::to_string(status);
+    return found != kPlaces.end() ? found->word : "place " + std::to_string(status);
 }
 
 Json PlaceAsJson(LONG status) {
@@ -50,7 +49,7 @@ std::string NameOf(const ListedAdapter* adapter, const CISCSIAdapter& port) {
 
 CISCSIAdapters ReadPorts(CQuillet& session) {
     CISCSIAdapters ports;
-    Invocation::Check(session.EnumerateISCSIAdapters(ports), "list the adapters that can boot from iSCSI");
+    ThrowIfRefused(session.EnumerateISCSIAdapters(ports), "list the adapters that can boot from iSCSI");
     return ports;
 }
 
@@ -77,8 +76,8 @@ class SetPlace final : public AdapterCommand {
     void Declare(Syntax& syntax) override {
         AdapterCommand::Declare(syntax);
         std::vector<std::string> words;
-        words.reserve(std::size(PLACES));
-        for (const Place& place : PLACES) {
+        words.reserve(std::size(kPlaces));
+        for (const Place& place : kPlaces) {
             words.emplace_back(place.word);
         }
         syntax.Argument("place", m_place, "Its place", words);
@@ -86,7 +85,7 @@ class SetPlace final : public AdapterCommand {
 
   private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        const auto* place = std::find_if(PLACES.begin(), PLACES.end(),
+        const auto* place = std::find_if(kPlaces.begin(), kPlaces.end(),
                                          [this](const Place& each) { return m_place == each.word; });
         const CISCSIAdapters ports = ReadPorts(run.Session());
         const CISCSIAdapter* port = PortOf(adapter, ports);
@@ -96,7 +95,7 @@ class SetPlace final : public AdapterCommand {
         const std::string asked = "change the place of " + adapter.Called();
         ClientSet changes(run);
         unsigned int code = 0;
-        Invocation::Check(run.Session().SetiSCSIStatus(port->m_wsPath, place->status, code), asked);
+        ThrowIfRefused(run.Session().SetiSCSIStatus(port->m_wsPath, place->status, code), asked);
         const std::optional<bool> restartNeeded = changes.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
             const CISCSIAdapters after = ReadPorts(run.Session());
@@ -136,8 +135,8 @@ class SetPlace final : public AdapterCommand {
 class ShowPort final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         CiSCSI info;
-        Invocation::Check(run.Session().GetiSCSI_Info(ToWide(adapter.path), info),
-                          "read the iSCSI boot status of " + adapter.Called());
+        ThrowIfRefused(run.Session().GetiSCSI_Info(ToWide(adapter.path), info),
+                       "read the iSCSI boot status of " + adapter.Called());
         return AnswerSheet(run,
                            Json{{"status", PlaceAsJson(info.m_lStatus)},
                                 {"systemSupported", info.m_bOSSupported},

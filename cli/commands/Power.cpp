@@ -1,9 +1,9 @@
 // quilletctl power and quilletctl wol: the power-saving and wake-on-LAN options of an adapter.
-#include "Answers.h"
-#include "AdapterCommand.h"
-#include "ClientSet.h"
-#include "Commands.h"
-#include "Text.h"
+#include "app/Answers.h"
+#include "changes/ClientSet.h"
+#include "commands/AdapterCommand.h"
+#include "commands/Commands.h"
+#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 
@@ -23,7 +23,7 @@ struct Option {
 };
 
 using Power = CAdapterPowerUsageInfo;
-constexpr std::array POWER_OPTIONS{
+constexpr std::array kPowerOptions{
     Option<Power>{"--auto-power-save", "Automatic power saving", "autoPowerSave",
                   &Power::m_dwAutoPowerSaveModeEnabled},
     Option<Power>{"--reduce-speed", "Reduce speed on power-down", "reduceSpeed",
@@ -39,7 +39,7 @@ constexpr std::array POWER_OPTIONS{
                   &Power::m_dwSystemIdlePowerSaver},
 };
 using Wake = CAdapterWakeOnLanInfo;
-constexpr std::array WAKE_OPTIONS{
+constexpr std::array kWakeOptions{
     Option<Wake>{"--power-off", "Wake from power off", "powerOff", &Wake::m_dwWakeFromPowerOff},
     Option<Wake>{"--link", "Wake on link", "link", &Wake::m_dwWakeOnLink},
     Option<Wake>{"--magic-packet", "Wake on magic packet", "magicPacket", &Wake::m_dwWakeOnMagicPacket},
@@ -48,8 +48,7 @@ constexpr std::array WAKE_OPTIONS{
     Option<Wake>{"--pattern", "Wake on packet pattern", "pattern", &Wake::m_dwWakeOnPattern},
 };
 
-const std::vector<std::string> SWITCH{"on", "off"};
-const std::vector<std::string> MODES{"0", "1", "2"};
+const std::vector<std::string> kModes{"0", "1", "2"};
 
 Power ReadPower(CQuillet& session, const ListedAdapter& adapter) {
     return ReadRecord(session, &CQuillet::GetAdapterPowerUsageOptions, adapter, "the power options");
@@ -72,11 +71,11 @@ std::vector<Field> FieldsOf(const std::array<Option<Record>, Size>& options, con
 }
 
 std::vector<Field> Fields(const Wake& info) {
-    return FieldsOf(WAKE_OPTIONS, info);
+    return FieldsOf(kWakeOptions, info);
 }
 
 std::vector<Field> Fields(const Power& info) {
-    std::vector<Field> fields = FieldsOf(POWER_OPTIONS, info);
+    std::vector<Field> fields = FieldsOf(kPowerOptions, info);
     fields.insert(fields.begin(), {"mode", "Power-saving mode", static_cast<DWORD>(info.m_eSavePower)});
     return fields;
 }
@@ -112,7 +111,7 @@ class Switches {
 
     void Declare(Syntax& syntax) {
         for (std::size_t i = 0; i < Size; ++i) {
-            syntax.Choice(m_options[i].word, m_words[i], SWITCH, m_options[i].label);
+            syntax.Choice(m_options[i].word, m_words[i], kOnOff, m_options[i].label);
         }
     }
     bool IsAnyGiven() const {
@@ -147,7 +146,7 @@ class SetPower final : public AdapterCommand {
   public:
     void Declare(Syntax& syntax) override {
         AdapterCommand::Declare(syntax);
-        syntax.Choice("--mode", m_mode, MODES, "Power-saving mode");
+        syntax.Choice("--mode", m_mode, kModes, "Power-saving mode");
         m_switches.Declare(syntax);
     }
 
@@ -172,7 +171,7 @@ class SetPower final : public AdapterCommand {
     }
 
     std::string m_mode;
-    Switches<Power, POWER_OPTIONS.size()> m_switches{POWER_OPTIONS};
+    Switches<Power, kPowerOptions.size()> m_switches{kPowerOptions};
 };
 
 class SetWake final : public AdapterCommand {
@@ -198,7 +197,7 @@ class SetWake final : public AdapterCommand {
             });
     }
 
-    Switches<Wake, WAKE_OPTIONS.size()> m_switches{WAKE_OPTIONS};
+    Switches<Wake, kWakeOptions.size()> m_switches{kWakeOptions};
 };
 
 class ReapplyPower final : public AdapterCommand {

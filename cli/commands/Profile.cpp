@@ -1,8 +1,8 @@
 // quilletctl profile: the performance profiles of adapters.
-#include "Answers.h"
-#include "AdapterLookup.h"
-#include "Commands.h"
-#include "Text.h"
+#include "app/Answers.h"
+#include "commands/Commands.h"
+#include "names/AdapterLookup.h"
+#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 
@@ -32,7 +32,7 @@ class ListProfiles final : public Command {
             const HRESULT result = session.GetAdapterProfiles(ToWide(adapter.path), profiles);
             // The library does not tell an adapter without profiles from one whose profiles it cannot read.
             if (result != static_cast<HRESULT>(WBEM_E_FAILED)) {
-                Invocation::Check(result, "read the profiles of " + adapter.Called());
+                ThrowIfRefused(result, "read the profiles of " + adapter.Called());
             }
             if (profiles.m_vecItems.empty()) {
                 table.AddRow({adapter.Called(), "-", "no profiles", ""});

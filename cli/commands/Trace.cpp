@@ -1,7 +1,7 @@
 // quilletctl trace: where the library writes its trace, and what a connection leaves there.
-#include "Commands.h"
-#include "Text.h"
-#include "TraceFile.h"
+#include "commands/Commands.h"
+#include "files/TraceFile.h"
+#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,6 +1,6 @@
 // quilletctl transaction: the bracket around changes, tried without one.
-#include "ClientSet.h"
-#include "Commands.h"
+#include "changes/ClientSet.h"
+#include "commands/Commands.h"
 
 #include <nlohmann/json.hpp>
 

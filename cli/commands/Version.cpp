@@ -1,5 +1,5 @@
 // quilletctl version.
-#include "Commands.h"
+#include "commands/Commands.h"
 
 #include <nlohmann/json.hpp>
 

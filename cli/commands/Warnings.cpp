@@ -1,6 +1,6 @@
 // quilletctl warnings: what the provider wants the machine's keeper to know.
-#include "BitMask.h"
-#include "Commands.h"
+#include "commands/Commands.h"
+#include "texts/BitMask.h"
 
 #include <nlohmann/json.hpp>
 
@@ -11,15 +11,15 @@ namespace {
 /// A provider that refuses, or has no answer, leaves the mask as it was, and no failure is returned. A mask
 /// that is once all ones and once all zeros when it comes back was not written. Throws Refusal and NotTaken.
 ULONGLONG ReadWarnings(CQuillet& session) {
-    constexpr const char* ASKED = "read the warnings";
-    constexpr ULONGLONG ALL = ~0ULL;
-    ULONGLONG warnings = ALL;
-    Invocation::Check(session.GetWarnings(warnings), ASKED);
-    if (warnings == ALL) {
+    constexpr const char* kAsked = "read the warnings";
+    constexpr ULONGLONG kAll = ~0ULL;
+    ULONGLONG warnings = kAll;
+    ThrowIfRefused(session.GetWarnings(warnings), kAsked);
+    if (warnings == kAll) {
         warnings = 0;
-        Invocation::Check(session.GetWarnings(warnings), ASKED);
+        ThrowIfRefused(session.GetWarnings(warnings), kAsked);
         if (warnings == 0) {
-            throw NotTaken(ASKED, "the provider does not tell them");
+            throw NotTaken(kAsked, "the provider does not tell them");
         }
     }
     return warnings;

@@ -1,0 +1,200 @@
+// The command line: global options, nouns and verbs.
+#include "app/CommandTree.h"
+
+#include "app/ParsedLine.h"
+#include "app/SimulatedMachine.h"
+#include "names/HostName.h"
+#include "terminal/Console.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <utility>
+
+namespace quilletctl {
+
+namespace {
+
+class FunctionCommand final : public Command {
+  public:
+    explicit FunctionCommand(CommandFunction function) noexcept : m_function(function) {}
+    ExitStatus Run(Invocation& run) override { return m_function(run); }
+
+  private:
+    CommandFunction m_function;
+};
+
+void Configure(CLI::App& app) {
+    // One syntax on every host; "/S" is a file name here.
+    app.allow_windows_style_options(false);
+    // A global option may stand anywhere on the line.
+    app.fallthrough();
+    app.set_help_flag("-h,--help");
+}
+
+const char* NameOf(CommandTree::Group group) {
+    return group == CommandTree::Group::Management ? "Nouns" : "Diagnostics and help";
+}
+
+} // namespace
+
+CommandTree::CommandTree() : m_app(std::make_unique<CLI::App>("", "quilletctl")) {
+    Configure(*m_app);
+    // One noun; a word after it that is another noun's name is a name like any other.
+    m_app->require_subcommand(0, 1);
+    CommandDescription everywhere;
+    Syntax syntax(*m_app, everywhere);
+    syntax.Text("--machine", m_machine, "HOST",
+                "The machine to manage, by name or address (default: this one)");
+    syntax.OptionalText("--simulate", m_options.simulate, m_options.machineFile, "FILE",
+                        "Talk to a simulated machine: that of a MOF file, or the built-in one");
+    syntax.Text("--state", m_state, "FILE",
+                "Keep the simulated machine in a file from one command to the next");
+    syntax.Flag("--json", m_options.json, "Answer as JSON");
+    syntax.Flag("--journal", m_options.journal, "Print the calls that the simulated provider received");
+    syntax.Flag("--yes", m_options.yes, "Answer yes to every question");
+    syntax.Flag("--no-color", m_options.noColour, "Print without colours (as with NO_COLOR set)");
+    m_description.options = std::move(everywhere.options);
+    for (const char* name : {"--help", "--version"}) {
+        OptionDescription option;
+        option.name = name;
+        option.description =
+            option.name == "--help" ? "Print what the command takes (also -h)" : "Print the version";
+        m_description.options.push_back(std::move(option));
+    }
+    m_app->set_version_flag("--version", "quilletctl " QUILLETCTL_VERSION);
+}
+
+CommandTree::~CommandTree() = default;
+
+CLI::App& CommandTree::Subcommand(CLI::App& parent, const std::string& name) {
+    CLI::App& app = *parent.add_subcommand(name);
+    m_names.insert(name);
+    Configure(app);
+    return app;
+}
+
+CLI::App& CommandTree::AddNounApp(const std::string& name, const std::string& description, Group group) {
+    CLI::App& app = Subcommand(*m_app, name);
+    app.require_subcommand(0, 1);
+    m_description.nouns.push_back({name, description, NameOf(group)});
+    return app;
+}
+
+void CommandTree::Attach(CLI::App& app, const std::string& name, const std::string& description,
+                         std::unique_ptr<Command> command) {
+    CommandDescription described;
+    described.name = name;
+    described.description = description;
+    Syntax syntax(app, described);
+    command->Declare(syntax);
+    m_description.commands.push_back(std::move(described));
+    m_leaves.push_back({&app, std::move(command)});
+}
+
+CommandTree::Noun CommandTree::AddNoun(const std::string& name, const std::string& description, Group group) {
+    return {*this, AddNounApp(name, description, group), name};
+}
+
+void CommandTree::AddCommand(const std::string& name, const std::string& description, Group group,
+                             CommandFunction function) {
+    AddCommand(name, description, group, std::make_unique<FunctionCommand>(function));
+}
+
+void CommandTree::AddCommand(const std::string& name, const std::string& description, Group group,
+                             std::unique_ptr<Command> command) {
+    command->MarkAsQuery();
+    Attach(AddNounApp(name, description, group), name, description, std::move(command));
+}
+
+CommandTree::Noun& CommandTree::Noun::Verb(const std::string& name, const std::string& description,
+                                           CommandFunction function) {
+    return Verb(name, description, std::make_unique<FunctionCommand>(function));
+}
+
+CommandTree::Noun& CommandTree::Noun::Verb(const std::string& name, const std::string& description,
+                                           std::unique_ptr<Command> command) {
+    m_tree.Attach(m_tree.Subcommand(m_app, name), m_name + ' ' + name, description, std::move(command));
+    return *this;
+}
+
+CommandTree::Noun& CommandTree::Noun::Query(const std::string& name, const std::string& description,
+                                            CommandFunction function) {
+    return Query(name, description, std::make_unique<FunctionCommand>(function));
+}
+
+CommandTree::Noun& CommandTree::Noun::Query(const std::string& name, const std::string& description,
+                                            std::unique_ptr<Command> command) {
+    command->MarkAsQuery();
+    return Verb(name, description, std::move(command));
+}
+
+std::vector<std::string> CommandTree::WithSimulateApart(const std::vector<std::string>& arguments) const {
+    std::vector<std::string> line;
+    bool isMoved = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] == "--simulate" && i + 1 < arguments.size() && m_names.count(arguments[i + 1]) > 0) {
+            isMoved = true;
+        } else {
+            line.push_back(arguments[i]);
+        }
+    }
+    if (isMoved) {
+        line.insert(std::find(line.begin(), line.end(), "--"), "--simulate");
+    }
+    return line;
+}
+
+Command& CommandTree::Parse(const std::vector<std::string>& arguments) {
+    const std::vector<std::string> line = WithSimulateApart(arguments);
+    const ParsedLine parsed(*m_app, m_description, line);
+    try {
+        m_app->parse(std::vector<std::string>(line.rbegin(), line.rend()));
+    } catch (const CLI::CallForHelp&) {
+        throw TextRequest{HelpText(m_description, parsed.Chosen()).value_or("")};
+    } catch (const CLI::CallForVersion& version) {
+        throw TextRequest{std::string(version.what()) + "\n"};
+    } catch (const CLI::ExtrasError&) {
+        throw UsageError(parsed.SuperfluousText());
+    } catch (const CLI::ParseError& mistake) {
+        throw UsageError(parsed.MistakeText(mistake.what()));
+    }
+    CheckGlobalOptions();
+
+    const CommandDescription* command = parsed.Command();
+    if (command == nullptr) {
+        throw UsageError(parsed.UnfinishedText());
+    }
+    return *m_leaves[static_cast<std::size_t>(command - m_description.commands.data())].command;
+}
+
+void CommandTree::CheckGlobalOptions() {
+    if (m_machine) {
+        // Names are often pasted with the backslashes of a network path.
+        m_options.machine =
+            m_machine->substr(std::min(m_machine->size(), m_machine->find_first_not_of('\\')));
+        if (m_options.machine.empty()) {
+            throw UsageError("--machine: a name or an address is needed");
+        }
+        if (!IsHostName(m_options.machine)) {
+            throw UsageError("--machine: \"" + m_options.machine +
+                             "\" is no name and no address of a machine");
+        }
+    }
+    if (m_state) {
+        m_options.stateFile = *m_state;
+        if (m_options.stateFile.empty()) {
+            throw UsageError("--state: the name of a file is needed");
+        }
+    }
+    if (!m_options.machine.empty() && !AsksForSimulator(m_options) && !HostHasWmi()) {
+        throw UsageError(
+            "--machine: this host has no WMI, and so no way to another machine; run quilletctl on "
+            "Windows, or add --simulate");
+    }
+    if (m_options.journal && !UsesSimulator(m_options)) {
+        throw UsageError("--journal: only a simulated machine keeps a journal; add --simulate");
+    }
+}
+
+} // namespace quilletctl

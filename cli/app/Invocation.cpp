@@ -1,0 +1,115 @@
+// Connecting on demand, answering, and what follows a command.
+#include "app/Invocation.h"
+
+#include "texts/Text.h"
+
+#include <nlohmann/json.hpp>
+
+namespace quilletctl {
+
+Invocation::Invocation(const GlobalOptions& options, Terminal& terminal, bool mayChange)
+    : m_options(options), m_terminal(terminal), m_mayChange(mayChange) {}
+
+CQuillet& Invocation::Session() {
+    if (!m_connection) {
+        if (!m_machine && UsesSimulator(m_options)) {
+            if (!AsksForSimulator(m_options)) {
+                m_terminal.err << "quilletctl: this host has no WMI, so a simulated machine answers; with "
+                                  "--simulate it does so without this line\n";
+            }
+            m_machine.emplace(m_options, m_mayChange);
+        }
+        m_connection.emplace(m_options.machine, m_machine ? m_machine->Machine() : nullptr);
+    }
+    return m_connection->Quillet();
+}
+
+void PrintJson(const Json& json, std::ostream& out) {
+    constexpr int kIndent = 2;
+    out << json.dump(kIndent, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+void Invocation::Print(const Json& json) {
+    m_hasAnswered = true;
+    PrintJson(json, m_terminal.out);
+}
+
+bool Invocation::Confirm(const std::string& question) {
+    if (m_options.yes) {
+        return true;
+    }
+    // A program that reads JSON is no person, whoever sits before the terminal.
+    if (m_terminal.in == nullptr || WantsJson()) {
+        throw UsageError("nobody can be asked \"" + question + "\"; add --yes to agree");
+    }
+    m_terminal.out.flush();
+    m_terminal.err << Printable(question) << " [y/N] " << std::flush;
+    std::string answer;
+    std::getline(*m_terminal.in, answer);
+    return answer == "y" || answer == "Y" || answer == "yes";
+}
+
+bool Invocation::ConfirmChange(const std::string& question) {
+    const bool agreed = Confirm(question);
+    if (!agreed) {
+        m_terminal.out << "nothing was changed\n";
+    }
+    return agreed;
+}
+
+void Invocation::HoldInterrupts() noexcept {
+    m_interrupt.Hold(m_terminal.errIsTerminal
+                         ? "\nquilletctl: interrupted; what is begun is brought to an end\n"
+                         : nullptr);
+}
+
+bool Invocation::MayGoOn() noexcept {
+    m_hasStopped = m_hasStopped || IsInterrupted();
+    return !m_hasStopped;
+}
+
+void Invocation::Finish() {
+    // Neither a session nor a file is left half-way.
+    HoldInterrupts();
+    Disconnect();
+    // The journal first: it is most wanted when things went wrong.
+    if (m_options.journal) {
+        PrintJournal();
+    }
+    if (m_machine) {
+        m_machine->Save();
+    }
+}
+
+namespace {
+
+/// What the context of a call asks of the provider: a client set, or only a part of the data. Values that ask
+/// for nothing are left out; most calls have no others.
+std::string AskedInContext(const quillet::simulator::JournalEntry& call) {
+    std::string asked;
+    for (const quillet::simulator::NamedValue& value : call.context) {
+        const quillet::simulator::Scalar* scalar = value.value.AsScalar();
+        const bool* flag = scalar == nullptr ? nullptr : std::get_if<bool>(scalar);
+        const std::int64_t* number = scalar == nullptr ? nullptr : std::get_if<std::int64_t>(scalar);
+        if ((flag != nullptr && *flag) || (number != nullptr && *number != 0 && *number != -1)) {
+            asked += (asked.empty() ? " {" : ", ") + ToUtf8(value.name) + '=' +
+                     (flag != nullptr ? std::string("true") : std::to_string(*number));
+        }
+    }
+    return asked.empty() ? asked : asked + '}';
+}
+
+} // namespace
+
+void Invocation::PrintJournal() {
+    // What a program parses stays clean.
+    std::ostream& stream = WantsJson() ? m_terminal.err : m_terminal.out;
+    const auto calls = m_machine ? m_machine->Machine()->Calls().ProviderCalls()
+                                 : std::vector<quillet::simulator::JournalEntry>();
+    stream << (WantsJson() ? "" : "\n") << "Calls to the provider: " << calls.size() << '\n';
+    for (const auto& call : calls) {
+        stream << "  " << Printable(ToUtf8(call.Line()) + AskedInContext(call)) << '\n';
+    }
+}
+
+} // namespace quilletctl

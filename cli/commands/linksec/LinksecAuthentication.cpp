@@ -1,0 +1,112 @@
+// quilletctl linksec set-auth: how an adapter authenticates.
+#include "changes/ClientSet.h"
+#include "commands/AdapterCommand.h"
+#include "commands/linksec/LinksecFields.h"
+#include "commands/linksec/LinksecOptions.h"
+#include "commands/linksec/LinksecVerbs.h"
+#include "secrets/SecretInput.h"
+#include "texts/Text.h"
+
+#include <map>
+#include <memory>
+#include <optional>
+
+namespace quilletctl {
+
+namespace {
+
+class SetAuthentication final : public AdapterCommand {
+  public:
+    void Declare(Syntax& syntax) override {
+        AdapterCommand::Declare(syntax);
+        syntax.Number("--outer", m_outer, 1, 4, "Outer EAP method");
+        syntax.Number("--inner", m_inner, kLeast, kGreatest,
+                      "Inner EAP method, 1 to 3; 0: leave it as it is");
+        syntax.Text("--user", m_user, "NAME", "User name");
+        syntax.Flag("--password", m_askPassword, "Ask for a new password (as with --secret-fd)");
+        syntax.Number("--changed-credentials", m_changed, kLeast, kGreatest,
+                      "Which kind of credentials changed, the provider's number");
+        syntax.Choice("--machine-credentials", m_machine, kOnOff, "Use the machine's credentials");
+        syntax.Number("--windows-credentials", m_windows, kLeast, kGreatest,
+                      "Not 0: use the credentials of the user who is logged on");
+        syntax.Choice("--auto-pac", m_autoPac, kOnOff, "Obtain the PAC automatically");
+        syntax.Text("--pac-authority", m_authority, "TEXT", "File or authority of the PAC");
+        syntax.Number("--key-type", m_keyType, kLeast, kGreatest, "Kind of keys, the provider's number");
+        syntax.Choice("--random-mac", m_randomMac, kOnOff, "Use a random MAC address");
+        DeclareReload(syntax, m_reload);
+        m_secrets.Declare(syntax);
+    }
+
+  private:
+    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+        CAdapterAuthTypeInfo info = ReadAuthentication(run.Session(), adapter);
+        // A password that is not sent stays; there is no need to send it around.
+        info.Clear();
+        if (m_askPassword || m_secrets.IsNamed()) {
+            m_secrets.Read("Password", info.m_sPassword);
+        }
+        TakeCode(m_outer, info.m_eOuterEAP);
+        TakeCode(m_inner, info.m_InnerEAP);
+        TakeCode(m_keyType, info.m_eKeySecType);
+        Take(m_user, info.m_sUserName);
+        Take(m_changed, info.m_nTypeOfCredsChanged);
+        Take(m_machine, info.m_bMachineCred);
+        Take(m_windows, info.m_bUseWindowsCreds);
+        Take(m_autoPac, info.m_bUseAutoPAC);
+        Take(m_authority, info.m_sPACAuthority);
+        Take(m_randomMac, info.m_bRandMACAddress);
+        return ChangeInSet(
+            run, "set the authentication of " + adapter.Called(), "authentication set",
+            [&](CQuillet& session) {
+                return session.SetAdapterLinksecStrictPreferredOptions(ToWide(adapter.path), info, m_reload);
+            },
+            [&](CQuillet& session, Verification& taken) {
+                const CAdapterAuthTypeInfo now = ReadAuthentication(session, adapter);
+                const std::vector<Field> wanted = Named(FieldsOf(info));
+                taken.Compare(wanted, FieldsOf(now));
+                if (!info.m_sPassword.empty()) {
+                    taken.CompareSecret(FieldsOf(info), "password", info.m_sPassword, now.m_sPassword);
+                }
+            });
+    }
+
+    /// Those of the values that the command line names. What goes with an outer method only is not sent with
+    /// the others, and is among them all the same: whoever names it wants it set.
+    std::vector<Field> Named(std::vector<Field> fields) const {
+        const std::map<std::string, bool> named{{"outerEap", m_outer.has_value()},
+                                                {"innerEap", m_inner.value_or(0) != 0},
+                                                {"userName", m_user.has_value()},
+                                                {"machineCredentials", !m_machine.empty()},
+                                                {"windowsCredentials", m_windows.has_value()},
+                                                {"autoPac", !m_autoPac.empty()},
+                                                {"pacAuthority", m_authority.has_value()},
+                                                {"keyType", m_keyType.has_value()},
+                                                {"randomMac", !m_randomMac.empty()}};
+        std::erase_if(fields, [&named](const Field& field) {
+            const auto found = named.find(field.key);
+            return found == named.end() || !found->second;
+        });
+        return fields;
+    }
+
+    template <class Code>
+    static void TakeCode(const std::optional<LONG>& given, Code& member) {
+        member = static_cast<Code>(given.value_or(member));
+    }
+
+    std::optional<LONG> m_outer, m_inner, m_changed, m_windows, m_keyType;
+    std::optional<std::string> m_user, m_authority;
+    std::string m_machine, m_autoPac, m_randomMac;
+    bool m_askPassword = false;
+    bool m_reload = false;
+    SecretInput m_secrets;
+};
+
+} // namespace
+
+void AddLinksecAuthentication(CommandTree::Noun& linksec) {
+    linksec.Verb("set-auth", "Change how the adapter authenticates; what is not named stays",
+                 std::make_unique<SetAuthentication>());
+}
+
+} // namespace quilletctl

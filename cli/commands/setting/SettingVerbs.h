@@ -1,0 +1,11 @@
+// The verbs of "setting" that have files of their own.
+#pragma once
+
+#include "app/CommandTree.h"
+
+namespace quilletctl {
+
+/// "set".
+void AddSettingSet(CommandTree::Noun& setting);
+
+} // namespace quilletctl

@@ -1,0 +1,37 @@
+// What stands in the way of a change to VLANs.
+#pragma once
+
+#include "app/Invocation.h"
+#include "names/VlanParent.h"
+#include "texts/Json.h"
+
+#include <quillet/Quillet.h>
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace quilletctl {
+
+/// A VLAN ID as it was typed; whether it is in range is for the checks to say. Throws UsageError.
+LONG VlanNumberIn(const std::string& text);
+
+/// What was found, each as a sentence.
+struct VlanFindings {
+    ULONGLONG mask = 0;
+    std::vector<std::string> sentences;
+
+    void Add(ULONGLONG problems);
+    Json AsJson() const;
+    void Print(std::ostream& out) const;
+};
+
+/// Whether the parent takes VLANs at all. Throws Refusal.
+void CheckParent(CQuillet& session, const VlanParent& parent, VlanFindings& findings);
+/// Checks one VLAN, tagged or not, beside those of its parent.
+ULONGLONG CheckVlan(CQuillet& session, const VlanParent& parent, const CVLAN& vlan);
+
+/// The end of a command that changes nothing because of what it found.
+ExitStatus EndUnchanged(Invocation& run, const VlanParent& parent, const VlanFindings& findings);
+
+} // namespace quilletctl

@@ -1,0 +1,140 @@
+// quilletctl vlan modify, remove: a VLAN that is there.
+#include "app/Command.h"
+#include "changes/ClientSet.h"
+#include "changes/Verification.h"
+#include "commands/vlan/VlanChecks.h"
+#include "commands/vlan/VlanTexts.h"
+#include "commands/vlan/VlanVerbs.h"
+#include "names/VlanParent.h"
+#include "texts/Text.h"
+
+#include <nlohmann/json.hpp>
+
+#include <memory>
+#include <optional>
+
+namespace quilletctl {
+
+namespace {
+
+/// A command about a VLAN that is there, by its parent and its ID.
+class ExistingVlan : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Argument("parent", m_parent, "An adapter or a team: its name, object ID or object path");
+        syntax.Argument("vlan", m_vlan,
+                        "The VLAN: its ID (0 for the untagged one), name, caption, object ID or object path");
+    }
+    ExitStatus Run(Invocation& run) final {
+        CQuillet& session = run.Session();
+        const VlanParent parent = FindVlanParent(session, m_parent);
+        return RunFor(parent, FindVlan(session, parent, m_vlan), run);
+    }
+
+  private:
+    virtual ExitStatus RunFor(const VlanParent& parent, const CVLAN& vlan, Invocation& run) = 0;
+
+    std::string m_parent;
+    std::string m_vlan;
+};
+
+class ModifyVlan final : public ExistingVlan {
+  public:
+    void Declare(Syntax& syntax) override {
+        ExistingVlan::Declare(syntax);
+        syntax.Text("--name", m_name, "NAME", "Its new name");
+        syntax.Text("--id", m_newId, "ID", "Its new VLAN ID");
+    }
+
+  private:
+    ExitStatus RunFor(const VlanParent& parent, const CVLAN& vlan, Invocation& run) override {
+        if (!m_name && !m_newId) {
+            throw UsageError("a new name or a new ID is needed: --name, --id");
+        }
+        CVLAN changed = vlan;
+        changed.m_wsVLANName = m_name ? ToWide(*m_name) : vlan.m_wsVLANName;
+        changed.m_lVLANNumber = m_newId ? VlanNumberIn(*m_newId) : vlan.m_lVLANNumber;
+        CQuillet& session = run.Session();
+        VlanFindings findings;
+        // The untagged VLAN under a new name is in nobody's way: it would only meet itself.
+        if (changed.m_lVLANNumber != 0 || vlan.m_lVLANNumber != 0) {
+            session.SetVlanIsModify(true);
+            findings.Add(CheckVlan(session, parent, changed));
+            session.SetVlanIsModify(false);
+        }
+        if (!findings.sentences.empty()) {
+            return EndUnchanged(run, parent, findings);
+        }
+        const std::string asked = "change " + Called(vlan) + " of " + parent.name;
+        ClientSet set(run);
+        ThrowIfRefused(session.ModifyVLANProperty(vlan.m_wsVLANID, changed), asked);
+        const std::optional<bool> restartNeeded = set.Close();
+        // As it is now, for the provider may have taken it differently.
+        CVLAN now = changed;
+        const Verification taken = Verification::By([&](Verification& compare) {
+            CVLAN read;
+            ThrowIfRefused(session.GetVLANInfo(vlan.m_wsVLANID, read), "read " + Called(changed));
+            now = read;
+            CompareVlan(compare, changed, &now);
+        });
+        if (run.WantsJson()) {
+            Json answer{{"parent", AsJson(parent)},
+                        {"problems", findings.AsJson()},
+                        {"vlan", AsJson(now)},
+                        {"restartNeeded", RestartJson(restartNeeded)}};
+            taken.AddTo(answer);
+            run.Print(answer);
+        } else {
+            run.Out() << Printable(taken.Text("changed " + Called(vlan) + " of " + parent.name + " to " +
+                                              Called(now)))
+                      << '\n'
+                      << RestartText(restartNeeded) << '\n';
+        }
+        taken.End(asked);
+        return ExitStatus::Done;
+    }
+
+    std::optional<std::string> m_name;
+    std::optional<std::string> m_newId;
+};
+
+class RemoveVlan final : public ExistingVlan {
+    ExitStatus RunFor(const VlanParent& parent, const CVLAN& vlan, Invocation& run) override {
+        if (!run.ConfirmChange("Remove " + Called(vlan) + " from " + parent.name + "?")) {
+            return ExitStatus::Done;
+        }
+        CQuillet& session = run.Session();
+        const std::string asked = "remove " + Called(vlan) + " from " + parent.name;
+        ClientSet set(run);
+        ThrowIfRefused(session.RemoveVLAN(vlan.m_wsVLANID), asked);
+        const std::optional<bool> restartNeeded = set.Close();
+        const Verification taken = Verification::By([&](Verification& compare) {
+            const CVLANs vlans = ReadVlans(session, parent);
+            if (const CVLAN* now = VlanAt(vlan.m_wsVLANID, vlans)) {
+                compare.Add("number", Json(), now->m_lVLANNumber, Called(*now) + " is still there");
+            }
+        });
+        if (run.WantsJson()) {
+            Json answer{{"parent", AsJson(parent)},
+                        {"vlan", AsJson(vlan)},
+                        {"restartNeeded", RestartJson(restartNeeded)}};
+            taken.AddTo(answer);
+            run.Print(answer);
+        } else {
+            run.Out() << Printable(taken.Text("removed " + Called(vlan) + " from " + parent.name)) << '\n'
+                      << RestartText(restartNeeded) << '\n';
+        }
+        taken.End(asked);
+        return ExitStatus::Done;
+    }
+};
+
+} // namespace
+
+void AddVlanModification(CommandTree::Noun& vlan) {
+    vlan.Verb("modify", "Change the name or the ID of a VLAN, unless something stands in the way",
+              std::make_unique<ModifyVlan>())
+        .Verb("remove", "Remove a VLAN", std::make_unique<RemoveVlan>());
+}
+
+} // namespace quilletctl

@@ -1,0 +1,87 @@
+// The machine's adapters, and finding the one that the command line names.
+#pragma once
+
+#include "ending/Failure.h"
+#include "names/NameLookup.h"
+#include "texts/Text.h"
+
+#include <quillet/Quillet.h>
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quilletctl {
+
+/// An adapter by all the names it goes by (UTF-8).
+struct ListedAdapter {
+    std::string path;
+    std::string objectId; ///< empty when the path holds none
+    std::string name;
+    std::string displayName;
+    std::string deviceId;
+
+    /// What messages call it: its name, or what there is of one.
+    const std::string& Called() const { return name.empty() ? path : name; }
+};
+
+/// All adapters, in the provider's order. Throws Refusal.
+std::vector<ListedAdapter> ReadAdapters(CQuillet& session);
+
+/// The adapter as a thing with names.
+Named NamesOf(const ListedAdapter& adapter);
+
+/// Finds adapters by their names: object path (also of the boot agent), object ID, device ID, name, or
+/// display name where only one adapter has it. Where that names none: slot and port ("Slot 2:1", "2:1"), MAC
+/// address, and the caption of a member of a team; these are read then, and once for all that are
+/// looked for.
+class AdapterFinder {
+  public:
+    /// Throws Refusal.
+    explicit AdapterFinder(CQuillet& session);
+
+    const std::vector<ListedAdapter>& Adapters() const noexcept { return m_adapters; }
+    /// The adapter that a text names. A path that is not among the machine's adapters is taken as it is, for
+    /// the provider may know it in another form. Throws UsageError where nothing, or more than one adapter,
+    /// is named.
+    ListedAdapter One(const std::string& text);
+    /// The adapters that a pattern names; where it has no `*` or `?`, or is a name itself, as One(). Throws
+    /// UsageError where it names none.
+    std::vector<ListedAdapter> Several(const std::string& text);
+
+  private:
+    std::optional<std::size_t> Find(const std::string& text);
+    void ReadPlaces();
+    void ReadCaptions();
+    [[noreturn]] void ThrowUnknown(const std::string& text) const;
+
+    CQuillet& m_session;
+    std::vector<ListedAdapter> m_adapters;
+    std::vector<Named> m_names;
+    std::vector<Named> m_places;   ///< empty until they are needed
+    std::vector<Named> m_captions; ///< likewise
+    std::size_t m_placeless = 0;   ///< adapters that do not tell their places
+};
+
+/// AdapterFinder::One().
+ListedAdapter FindAdapter(CQuillet& session, const std::string& text);
+/// Which adapters a pattern may choose.
+using AdapterChoice = std::function<bool(const ListedAdapter& adapter)>;
+/// AdapterFinder::Several() of each text; an adapter that is named again counts once.
+/// @param offered what a pattern chooses among; all adapters where it would find none there
+std::vector<ListedAdapter> FindAdapters(CQuillet& session, const std::vector<std::string>& texts,
+                                        const AdapterChoice& offered = {});
+
+/// What an operation of the library reads of an adapter. Throws Refusal.
+/// @param what completes "could not read … of the adapter"
+template <class Record>
+Record ReadRecord(CQuillet& session, HRESULT (CQuillet::*read)(const std::wstring&, Record&),
+                  const ListedAdapter& adapter, const char* what) {
+    Record record;
+    ThrowIfRefused((session.*read)(ToWide(adapter.path), record),
+                   std::string("read ") + what + " of " + adapter.Called());
+    return record;
+}
+
+} // namespace quilletctl

@@ -1,0 +1,176 @@
+// Finding the owner of settings, and reading them.
+#include "names/SettingOwner.h"
+
+#include "ending/Failure.h"
+#include "names/AdapterLookup.h"
+#include "names/ObjectPath.h"
+#include "names/TeamLookup.h"
+#include "names/VlanParent.h"
+#include "texts/Text.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+
+namespace quilletctl {
+
+namespace {
+
+struct OwnerClass {
+    SettingOwner::Kind kind;
+    const char* name;
+    const char* key;
+};
+
+constexpr OwnerClass kClasses[] = {
+    {SettingOwner::Kind::Adapter, "Zorel_PhysicalEthernetAdapter", "DeviceID"},
+    {SettingOwner::Kind::Team, "Zorel_TeamOfAdapters", "Name"},
+    {SettingOwner::Kind::Vlan, "Zorel_VLAN", "Name"},
+    {SettingOwner::Kind::BootAgent, "Zorel_BootAgent", "Name"},
+};
+
+const OwnerClass& ClassOf(SettingOwner::Kind kind) {
+    return kClasses[static_cast<std::size_t>(kind)];
+}
+
+SettingOwner::Kind KindByWord(const std::string& word) {
+    const auto& words = OwnerKindWords();
+    const auto found = std::find(words.begin(), words.end(), word);
+    return found == words.end() ? SettingOwner::Kind::Adapter
+                                : static_cast<SettingOwner::Kind>(found - words.begin());
+}
+
+/// A GUID text in braces; empty when the text is none. The braces may be left out.
+std::string ObjectIdFrom(std::string_view text) {
+    if (text.size() > 2 && text.front() == '{' && text.back() == '}') {
+        text = text.substr(1, text.size() - 2);
+    }
+    constexpr std::string_view kShape = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
+    const bool isGuid =
+        std::equal(text.begin(), text.end(), kShape.begin(), kShape.end(), [](char letter, char mark) {
+            return mark == 'x'
+                       ? std::string_view("0123456789abcdefABCDEF").find(letter) != std::string_view::npos
+                       : letter == mark;
+        });
+    return isGuid ? '{' + std::string(text) + '}' : std::string();
+}
+
+SettingOwner OwnerAt(const std::string& path, const ObjectName& name, const std::string& kind) {
+    for (const OwnerClass& each : kClasses) {
+        if (SameIgnoringCase(each.name, name.className)) {
+            if (!kind.empty() && KindByWord(kind) != each.kind) {
+                throw UsageError(
+                    std::string("the path is not that of a ").append(kind).append(": ").append(path));
+            }
+            return {each.kind, path, name.key, path};
+        }
+    }
+    throw UsageError("a " + name.className + " has no settings: " + path);
+}
+
+/// The VLAN that a text names, of whatever parent. Throws UsageError where there is none, or more than one.
+SettingOwner VlanCalled(CQuillet& session, const std::string& text) {
+    std::vector<SettingOwner> owners;
+    std::vector<Named> names;
+    for (const VlanParent& parent : ReadVlanParents(session)) {
+        const CVLANs vlans = ReadVlans(session, parent);
+        for (const CVLAN* vlan : vlans.m_vecItems) {
+            names.push_back(NamesOf(*vlan, parent));
+            owners.push_back({SettingOwner::Kind::Vlan, ToUtf8(vlan->m_wsVLANID), ToUtf8(vlan->m_wsName),
+                              Called(*vlan) + " of " + parent.name});
+        }
+    }
+    if (const std::optional<std::size_t> found = FindOneNamed(names, text, "VLANs")) {
+        return owners[*found];
+    }
+    throw UsageError("no VLAN is called \"" + text + "\"; see quilletctl vlan list");
+}
+
+} // namespace
+
+const std::vector<std::string>& OwnerKindWords() {
+    static const std::vector<std::string> kWords{"adapter", "team", "vlan", "boot-agent"};
+    return kWords;
+}
+
+const std::string& WordFor(SettingOwner::Kind kind) {
+    return OwnerKindWords()[static_cast<std::size_t>(kind)];
+}
+
+SettingOwner FindSettingOwner(CQuillet& session, const std::string& text, const std::string& kind) {
+    const ObjectName name = NameInPath(text);
+    const SettingOwner::Kind wanted = KindByWord(kind);
+    const bool isOfAdapter = wanted == SettingOwner::Kind::Adapter || wanted == SettingOwner::Kind::BootAgent;
+    // The path of an adapter stands for its boot agent as well.
+    const bool isAdapterPath = SameIgnoringCase(name.className, ClassOf(SettingOwner::Kind::Adapter).name);
+    if (!name.className.empty() && !(isOfAdapter && isAdapterPath)) {
+        return OwnerAt(text, name, kind);
+    }
+    if (isOfAdapter) {
+        const ListedAdapter adapter = FindAdapter(session, text);
+        if (wanted == SettingOwner::Kind::Adapter) {
+            return {wanted, adapter.path, adapter.objectId, adapter.Called()};
+        }
+        const OwnerClass& agent = ClassOf(wanted);
+        return {wanted, PathOf(agent.name, agent.key, adapter.objectId), adapter.objectId,
+                "the boot agent of " + adapter.Called()};
+    }
+    if (wanted == SettingOwner::Kind::Team) {
+        const CTeam team = FindTeam(session, text);
+        const std::string path = ToUtf8(team.m_wsTeamID);
+        return {wanted, path, NameInPath(path).key, Called(team)};
+    }
+    const std::string objectId = ObjectIdFrom(text);
+    if (objectId.empty()) {
+        return VlanCalled(session, text);
+    }
+    return {wanted, PathOf(ClassOf(wanted).name, ClassOf(wanted).key, objectId), objectId, objectId};
+}
+
+void ReadSettings(CQuillet& session, const SettingOwner& owner, CSettings& settings) {
+    const std::wstring path = ToWide(owner.path);
+    HRESULT result = S_OK;
+    switch (owner.kind) {
+    case SettingOwner::Kind::Adapter:
+        result = session.GetAdapterSettings(path, settings);
+        break;
+    case SettingOwner::Kind::Team:
+        result = session.GetTeamSettings(path, settings);
+        break;
+    case SettingOwner::Kind::Vlan:
+        result = session.GetVlanSettings(path, settings);
+        break;
+    case SettingOwner::Kind::BootAgent:
+        result = session.GetBootAgentSettings(path, settings);
+        break;
+    }
+    ThrowIfRefused(result, "read the settings of " + owner.called);
+}
+
+void ReadVmqSettings(CQuillet& session, const SettingOwner& adapter, CSettings& settings) {
+    // The selector of GetAdapterVmqSettings.
+    constexpr DWORD kQueues = 256;
+    ThrowIfRefused(session.GetAdapterSettings(ToWide(adapter.path), settings, kQueues),
+                   "read the queue settings of " + adapter.called);
+}
+
+const CSetting* LookForSetting(const CSettings& settings, const std::string& text) {
+    std::vector<Named> names;
+    for (const CSetting* setting : settings.m_vecItems) {
+        const std::string caption = ToUtf8(setting->m_wsCaption);
+        const std::string path = ToUtf8(setting->m_wsPath);
+        names.push_back({path, caption, {path, caption, ToUtf8(setting->m_wsDescription)}});
+    }
+    const std::optional<std::size_t> found = FindOneNamed(names, text, "settings");
+    return found ? settings.m_vecItems[*found] : nullptr;
+}
+
+const CSetting& FindSetting(const CSettings& settings, const std::string& text, const SettingOwner& owner) {
+    const CSetting* setting = LookForSetting(settings, text);
+    if (setting == nullptr) {
+        throw UsageError(owner.called + " has no setting \"" + text + "\"; see quilletctl setting list");
+    }
+    return *setting;
+}
+
+} // namespace quilletctl

@@ -1,0 +1,34 @@
+// Values for programs and in sentences.
+#include "texts/Field.h"
+
+namespace quilletctl {
+
+Json AsJson(const std::vector<Field>& fields) {
+    Json json = Json::object();
+    for (const Field& field : fields) {
+        const std::size_t dot = field.key.find('.');
+        Json& object = dot == std::string::npos ? json : json[field.key.substr(0, dot)];
+        object[dot == std::string::npos ? field.key : field.key.substr(dot + 1)] = field.value;
+    }
+    return json;
+}
+
+std::string TextOf(const Json& value) {
+    if (value.is_null()) {
+        return "not available";
+    }
+    if (value.is_boolean()) {
+        return value.get<bool>() ? "on" : "off";
+    }
+    if (value.is_array()) {
+        std::string list;
+        for (const Json& each : value) {
+            list += (list.empty() ? "" : ", ") + TextOf(each);
+        }
+        return list;
+    }
+    // A text for people has none of JSON's escapes.
+    return value.is_string() ? '"' + value.get<std::string>() + '"' : value.dump();
+}
+
+} // namespace quilletctl

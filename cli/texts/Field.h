@@ -1,0 +1,27 @@
+// One value of an answer, by its names.
+#pragma once
+
+#include "texts/Json.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+namespace quilletctl {
+
+/// A value by the key that it has in answers for programs, and by what people call it. A null value is one
+/// that there is not, or that nobody asked for.
+struct Field {
+    std::string key; ///< "outgoing.key" is the key of an object within the answer
+    std::string label;
+    Json value;
+    bool isSecret = false; ///< the value only tells whether there is one
+};
+
+/// The values as an object.
+Json AsJson(const std::vector<Field>& fields);
+/// A value as sentences have it: `on`, `7`, `1, 2`, `"text"`, `not available`.
+std::string TextOf(const Json& value);
+
+} // namespace quilletctl

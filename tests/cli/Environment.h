@@ -1,5 +1,0 @@
-// Environment variables of this process.
-#pragma once
-
-/// Sets a variable; an empty value removes it.
-void SetEnvironment(const char* name, const char* value);

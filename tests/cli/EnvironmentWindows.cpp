@@ -1,8 +1,0 @@
-// Environment variables on Windows, where the C library keeps its own copy.
-#include "Environment.h"
-
-#include <stdlib.h>
-
-void SetEnvironment(const char* name, const char* value) {
-    _putenv_s(name, value);
-}
