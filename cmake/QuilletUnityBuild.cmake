@@ -1,0 +1,19 @@
+# A unity build compiles many sources as one, so that what they include is read once. These sources stay by themselves:
+# a name in their unnamed namespace is also one in another source's. Whoever makes one more adds the source here;
+# "scripts/test demo" tells.
+set(alone
+  SafeArray TeamMembers TeamWizard VLANTexts
+  MofCompiler MofQualifiers MofWriter NetworkBootProvider RepositoryState VlanModel WqlParser
+  Diag Help Power Setting Vlan)
+foreach(target IN ITEMS quillet_platform quillet_records quillet_objects quillet_simulator_language quillet_simulator
+                        quilletctl_core)
+  get_target_property(folder ${target} SOURCE_DIR)
+  get_target_property(sources ${target} SOURCES)
+  foreach(source IN LISTS sources)
+    cmake_path(GET source STEM name)
+    if(name IN_LIST alone)
+      cmake_path(ABSOLUTE_PATH source BASE_DIRECTORY ${folder})
+      set_source_files_properties(${source} TARGET_DIRECTORY ${target} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+    endif()
+  endforeach()
+endforeach()
