@@ -3,7 +3,7 @@
 
 #include "LumDebug.h"
 
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 #include <cstdio>
 #include <filesystem>

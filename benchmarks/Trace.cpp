@@ -3,7 +3,7 @@
 
 #include "LumDebug.h"
 
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/spdlog.h>

@@ -2,7 +2,7 @@
 // package of Google Benchmark for mingw-w64, so this program keeps time itself. It prints JSON: for each
 // enumeration the nanoseconds of every repetition.
 #include <quillet-simulator/Machine.h>
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 #include <atlbase.h>
 

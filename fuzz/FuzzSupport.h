@@ -1,7 +1,7 @@
 // What the harnesses share: inputs as text, and a check that no build switches off.
 #pragma once
 
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 #include <cstdint>
 #include <cstdio>

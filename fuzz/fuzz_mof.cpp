@@ -1,7 +1,7 @@
 // MOF: what compiles is written back as text that compiles to the same.
 #include "FuzzSupport.h"
 
-#include <quillet-simulator/Mof.h>
+#include <quillet-wmi/Mof.h>
 
 #include <algorithm>
 

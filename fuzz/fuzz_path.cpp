@@ -1,7 +1,7 @@
 // Object paths: what parses is written as text that parses to the same.
 #include "FuzzSupport.h"
 
-#include <quillet-simulator/Mof.h>
+#include <quillet-wmi/Mof.h>
 
 using namespace quillet::simulator;
 using namespace quillet::simulator::fuzz;

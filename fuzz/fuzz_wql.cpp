@@ -1,7 +1,7 @@
 // WQL: a query has one answer, whether indexes serve it or not.
 #include "FuzzSupport.h"
 
-#include <quillet-simulator/Mof.h>
+#include <quillet-wmi/Mof.h>
 
 using namespace quillet::simulator;
 using namespace quillet::simulator::fuzz;

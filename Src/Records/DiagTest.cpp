@@ -1,7 +1,7 @@
 // Diagnostic tests and their results.
 #include <quillet/DiagTest.h>
 
-#include "SwapMembers.h"
+#include "Records/SwapMembers.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,8 +1,8 @@
 // Link-security records: copies, and the overwriting of secrets.
 #include <quillet/LinkSecurity.h>
 
-#include "SecretText.h"
-#include "SwapMembers.h"
+#include "Records/SecretText.h"
+#include "Records/SwapMembers.h"
 
 using quillet::OverwriteText;
 

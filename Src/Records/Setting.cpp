@@ -1,7 +1,7 @@
 // Settings: the common part, the values of the kinds, and the look-up by caption.
 #include <quillet/Setting.h>
 
-#include "Text.h"
+#include "Records/Text.h"
 
 #include <utility>
 

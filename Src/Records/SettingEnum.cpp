@@ -2,7 +2,7 @@
 #include <quillet/Setting.h>
 
 #include "LumDebug.h"
-#include "Text.h"
+#include "Records/Text.h"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,7 @@
 
 #include <quillet/Team.h>
 
-#include "TextTable.h"
+#include "Records/TextTable.h"
 
 using quillet::TextOf;
 

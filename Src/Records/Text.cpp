@@ -1,5 +1,5 @@
 // Texts of settings: numbers in decimal, and comparison without regard to case.
-#include "Text.h"
+#include "Records/Text.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -3,7 +3,7 @@
 
 #include <quillet/VLAN.h>
 
-#include "TextTable.h"
+#include "Records/TextTable.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Which adapters blink so that a person finds them, and until when.
 #pragma once
 
-#include <quillet-simulator/Model.h>
+#include <quillet-wmi/Model.h>
 
 #include <chrono>
 #include <mutex>

@@ -1,7 +1,7 @@
 // The count of live objects, and marshalling that copies on each retrieval.
 #include "ComObject.h"
 
-#include "ReadMostlyMutex.h"
+#include <quillet-wmi/ReadMostlyMutex.h>
 
 #include <array>
 #include <new>

@@ -1,8 +1,8 @@
 // Fault rules: which call they hit, and counting.
 #include <quillet-simulator/Faults.h>
 
-#include <quillet-simulator/ObjectPath.h>
-#include <quillet-simulator/Wql.h>
+#include <quillet-wmi/ObjectPath.h>
+#include <quillet-wmi/Wql.h>
 
 #include <algorithm>
 #include <array>

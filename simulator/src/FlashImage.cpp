@@ -1,7 +1,7 @@
 // Reading and writing containers of boot images.
 #include <quillet-simulator/FlashImage.h>
 
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // The journal of calls, and one entry as a line for people.
 #include <quillet-simulator/Journal.h>
 
-#include "ReadMostlyMutex.h"
+#include <quillet-wmi/ReadMostlyMutex.h>
 
 #include <algorithm>
 #include <array>

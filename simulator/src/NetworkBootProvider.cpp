@@ -3,7 +3,7 @@
 #include "MachineState.h"
 
 #include <quillet-simulator/FlashImage.h>
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 #include <algorithm>
 #include <array>

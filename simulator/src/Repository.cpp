@@ -3,7 +3,7 @@
 
 #include "RepositoryState.h"
 
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 #include <mutex>
 

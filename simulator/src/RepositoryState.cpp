@@ -1,9 +1,9 @@
 // Canonical paths, indexes and queries of the repository.
 #include "RepositoryState.h"
 
-#include "ClassMerge.h"
+#include "model/ClassMerge.h"
 
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 #include <algorithm>
 

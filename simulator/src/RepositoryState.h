@@ -1,8 +1,8 @@
 // The inside of the repository: classes, extents and indexes. The caller holds the lock.
 #pragma once
 
-#include "ReadMostlyMutex.h"
-#include "WqlMatch.h"
+#include <quillet-wmi/ReadMostlyMutex.h>
+#include "language/WqlMatch.h"
 
 #include <quillet-simulator/Repository.h>
 

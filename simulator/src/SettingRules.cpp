@@ -2,7 +2,7 @@
 // repeat one pattern, and a machine file may add classes of its own.
 #include "SettingRules.h"
 
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // Which teams have their switch tested, and since when.
 #pragma once
 
-#include <quillet-simulator/Model.h>
+#include <quillet-wmi/Model.h>
 
 #include <chrono>
 

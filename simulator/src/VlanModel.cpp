@@ -3,8 +3,8 @@
 
 #include "StoreQueries.h"
 
-#include <quillet-simulator/Mof.h>
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Mof.h>
+#include <quillet-wmi/Text.h>
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // Every string allocation of each operation fails in turn: what escapes is an exception or a failure code,
 // and nothing is left.
 #include "AllocationFailures.h"
-#include "ProviderNames.h"
+#include "Provider/ProviderNames.h"
 #include "ProviderTest.h"
 
 namespace {

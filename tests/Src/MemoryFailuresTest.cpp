@@ -1,6 +1,6 @@
 // Records that cannot be allocated. The operations ask for their records without exceptions, and this program
 // makes such an allocation fail.
-#include "BootMachine.h"
+#include "Boot/BootMachine.h"
 
 #include <cstdlib>
 #include <new>

@@ -1,7 +1,7 @@
 // A client of the shared library: it connects, lists adapters, and finds its trace in the file that the
 // library opened when it was loaded.
 #include <quillet-simulator/Machine.h>
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 #include <quillet/Quillet.h>
 
 #include <gtest/gtest.h>

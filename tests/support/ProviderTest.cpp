@@ -3,7 +3,7 @@
 
 #include "LeakCheck.h"
 
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Text.h>
 
 #include <algorithm>
 #include <cstdio>

@@ -1,7 +1,7 @@
 // The journal: every call that a client makes, in order, as a test or a person wants to read it.
 #pragma once
 
-#include <quillet-simulator/Model.h>
+#include <quillet-wmi/Model.h>
 
 #include <atomic>
 #include <functional>

@@ -3,7 +3,7 @@
 
 #include <quillet-simulator/Faults.h>
 #include <quillet-simulator/Journal.h>
-#include <quillet-simulator/Mof.h>
+#include <quillet-wmi/Mof.h>
 
 #include <chrono>
 

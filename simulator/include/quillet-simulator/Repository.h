@@ -2,9 +2,9 @@
 // a change replaces it.
 #pragma once
 
-#include <quillet-simulator/Model.h>
-#include <quillet-simulator/ObjectPath.h>
-#include <quillet-simulator/Wql.h>
+#include <quillet-wmi/Model.h>
+#include <quillet-wmi/ObjectPath.h>
+#include <quillet-wmi/Wql.h>
 
 #include <functional>
 

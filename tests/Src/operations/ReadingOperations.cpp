@@ -1,7 +1,7 @@
 // Session, adapters and the reading of settings: all that only reads.
 #include "Operations.h"
 
-#include "ProviderNames.h"
+#include "Provider/ProviderNames.h"
 
 #include <LumString.h>
 

@@ -1,8 +1,8 @@
 // A small schema and shorthands for the tests of the language layer.
 #pragma once
 
-#include <quillet-simulator/Mof.h>
-#include <quillet-simulator/Text.h>
+#include <quillet-wmi/Mof.h>
+#include <quillet-wmi/Text.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

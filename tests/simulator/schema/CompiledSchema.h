@@ -1,7 +1,7 @@
 // Compiles the schema and machines of the tree for the tests, and reads instances without ceremony.
 #pragma once
 
-#include <quillet-simulator/Mof.h>
+#include <quillet-wmi/Mof.h>
 
 #include <filesystem>
 #include <memory>
