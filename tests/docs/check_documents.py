@@ -99,10 +99,11 @@ class Checker:
         elif language == "mof" and not directive:
             (session.folder / "machine.mof").write_text(block.text, encoding="utf-8")
             self.check_machine(block, session, "machine.mof")
-        elif language == "console" and directive in ("", documents.ON_A_REAL_MACHINE):
-            commands = shell_session.console_commands(block)
-            simulated = [shell_session.Command(block.line, SIMULATED, [])] if directive else []
-            self.run(session, simulated + commands)
+        elif language == "console" and directive == documents.ON_A_REAL_MACHINE:
+            simulated = shell_session.Command(block.line, SIMULATED, [])
+            self.run(session, [simulated, *shell_session.console_commands(block)])
+        elif language == "console" and directive in ("", documents.ON_A_TERMINAL):
+            self.run(session, shell_session.console_commands(block), terminal=bool(directive))
         elif language == "sh" and directive == documents.AFTER_INSTALLING and block.document.name == "README.md":
             pass  # a part of the test of the package
         elif language == "sh" and not directive:
@@ -114,8 +115,8 @@ class Checker:
             return
         self.count(language)
 
-    def run(self, session, commands):
-        for index, (status, lines) in enumerate(session.run(commands)):
+    def run(self, session, commands, terminal=False):
+        for index, (status, lines) in enumerate(session.run(commands, terminal)):
             command = commands[index]
             self.count("command")
             place = f"{self.document.name}:{command.line}"

@@ -126,6 +126,12 @@ class CheckerTest(unittest.TestCase):
         program.write_text("#!/bin/sh\nexit 1\n", encoding="utf-8")
         self.assert_wrong(block, "ended with 1")
 
+    def test_output_on_a_terminal(self):
+        block = "```console\n$ test -t 1 && stty size <&1; quilletctl x\n24 80\nsaid: x\n```\n"
+        self.assert_right("<!-- test: on a terminal -->\n" + block)
+        self.assert_wrong(block, "-24 80")
+        self.assert_wrong("<!-- test: on a terminal -->\n```console\n$ quilletctl x\nsaid: y\n```\n", "+said: x")
+
     def test_commands_that_run_elsewhere_are_held_against_what_they_name(self):
         (self.root / "CMakePresets.json").write_text('{"configurePresets": [{"name": "dev"}]}', encoding="utf-8")
         (self.root / "CMakeLists.txt").write_text("add_executable(tool a.cpp)\n", encoding="utf-8")

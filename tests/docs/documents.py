@@ -16,6 +16,8 @@ FILE = re.compile(r"(file|append) ([\w.-]+)$")
 AFTER_INSTALLING = "after installing"
 # Commands that show a real machine. They are tried on the simulated one.
 ON_A_REAL_MACHINE = "on a real machine"
+# Commands whose output is that for a terminal of 80 columns.
+ON_A_TERMINAL = "on a terminal"
 # Ways of compiling C++ that is no complete program; see Frame.h.
 FRAGMENTS = ("in-function", "connected", "gtest")
 

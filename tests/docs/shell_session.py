@@ -1,9 +1,13 @@
 """Runs the commands of a document in one folder, as its reader would, and compares what they print."""
 import dataclasses
+import fcntl
 import os
 import pathlib
+import pty
 import re
+import struct
 import subprocess
+import termios
 import uuid
 
 
@@ -68,16 +72,35 @@ class ShellSession:
         for name in ("scripts", "examples"):
             (self.folder / name).symlink_to(root / name)
 
-    def run(self, commands):
+    def run(self, commands, terminal=False):
         """Yields for each command its status and the lines that it printed."""
         mark = uuid.uuid4().hex
         script = "status=0\n" + "".join(
             f"(exit $status)\n{command.text}\nstatus=$?; printf '\\n{mark} %d\\n' $status\n" for command in commands)
-        done = subprocess.run(["bash", "-c", script], cwd=self.folder, env=self.environment, stdin=subprocess.DEVNULL,
-                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=300, check=False)
-        parts = re.split(rf"\n{mark} (\d+)\n", done.stdout.decode("utf-8", "replace"))
+        output = self._on_a_terminal(script) if terminal else self._into_a_pipe(script)
+        parts = re.split(rf"\n{mark} (\d+)\n", output.decode("utf-8", "replace"))
         for index, _ in enumerate(commands):
             if 2 * index + 1 >= len(parts):
                 yield None, [*parts[-1].splitlines(), "(the shell has ended)"]
                 return
             yield int(parts[2 * index + 1]), parts[2 * index].splitlines()
+
+    def _into_a_pipe(self, script):
+        return subprocess.run(["bash", "-c", script], cwd=self.folder, env=self.environment, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=300, check=False).stdout
+
+    def _on_a_terminal(self, script):
+        """What a terminal of 80 columns without colours shows. Nobody is there to answer a question."""
+        screen, terminal = pty.openpty()
+        fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 80, 0, 0))
+        with subprocess.Popen(["bash", "-c", script], cwd=self.folder, env=self.environment | {"NO_COLOR": "1"},
+                              stdin=subprocess.DEVNULL, stdout=terminal, stderr=terminal):
+            os.close(terminal)
+            output = b""
+            try:
+                while part := os.read(screen, 65536):
+                    output += part
+            except OSError:  # how Linux says that nobody has the terminal open any more
+                pass
+        os.close(screen)
+        return output.replace(b"\r\n", b"\n")
