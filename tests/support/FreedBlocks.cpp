@@ -1,5 +1,6 @@
 // Replaces operator new and delete, and watches SysFreeString. Who frees a block is read off the stack: the
-// simulator never calls the library, so a function of the simulator's on it means that the simulator frees.
+// simulator and the COM objects in front of it never call the library, so a function of theirs on it means
+// that the simulator frees.
 #include "FreedBlocks.h"
 
 #include <quillet-platform/TestHooks.h>
@@ -86,7 +87,8 @@ std::vector<Function> ReadFunctions() {
             function.begin = base + symbol.st_value;
             function.end = function.begin + symbol.st_size;
             function.name = image.c_str() + names.sh_offset + symbol.st_name;
-            function.ofSimulator = function.name.find("7quillet9simulator") != std::string::npos;
+            function.ofSimulator = function.name.find("7quillet9simulator") != std::string::npos ||
+                                   function.name.find("7quillet3wmi") != std::string::npos;
             functions.push_back(std::move(function));
         }
     }

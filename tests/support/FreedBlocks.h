@@ -19,8 +19,10 @@ class FreedBlocks {
     struct Finding {
         std::size_t bytes = 0;
         bool isBstr = false;
-        bool bySimulator = false; ///< a function of the simulator stood on the stack above the watcher
-        std::string where;        ///< the functions that freed it, innermost first
+        /// A function of the simulator, or of the COM objects in front of it, stood on the stack above the
+        /// watcher.
+        bool bySimulator = false;
+        std::string where; ///< the functions that freed it, innermost first
     };
 
     /// @param sought what to look for, as wide or as narrow characters; in ASCII. One watcher at a time.
