@@ -21,6 +21,22 @@ endif()
 # Everything that ThreadSanitizer needs, and no more.
 add_custom_target(threaded_tests)
 
+# The tests that sanitizers would only slow down: documents, packages, what an optimiser makes of the records, programs
+# that are run as their users run them. They are there in builds without sanitizers only.
+add_custom_target(plain_tests)
+if(CMAKE_CXX_FLAGS MATCHES "sanitize")
+  set(QUILLET_SANITIZED ON)
+endif()
+
+# quillet_plain_tests(test... [TARGETS target...]) marks tests as such, and says what they need.
+function(quillet_plain_tests)
+  cmake_parse_arguments(arg "" "" "TARGETS" ${ARGN})
+  set_tests_properties(${arg_UNPARSED_ARGUMENTS} PROPERTIES LABELS plain)
+  if(arg_TARGETS)
+    add_dependencies(plain_tests ${arg_TARGETS})
+  endif()
+endfunction()
+
 # GoogleTest's headers are most of what the compiler reads of a test; they are read once for all programs.
 # Something to be compiled is needed for that, with the very options of a test.
 file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/TestHeaders.cpp CONTENT "int main() {}\n" @ONLY)
@@ -33,7 +49,8 @@ else()
 endif()
 target_compile_options(quillet_test_headers PRIVATE ${QUILLET_UNOPTIMISED})
 target_link_libraries(quillet_test_headers PRIVATE GTest::gmock GTest::gtest Quillet::platform Quillet::warnings)
-target_precompile_headers(quillet_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+target_precompile_headers(quillet_test_headers PRIVATE
+  <windows.h> <wbemidl.h> <comdef.h> <atlbase.h> <filesystem> <functional> <map> <variant> <gmock/gmock.h> <gtest/gtest.h>)
 
 function(quillet_add_test name)
   cmake_parse_arguments(arg "THREADED" "" "SOURCES;LIBRARIES" ${ARGN})
