@@ -3,10 +3,10 @@
 
 #include "com/Blanket.h"
 #include "com/CallResult.h"
-#include "com/ClassObject.h"
 #include "com/ComObject.h"
 #include "com/Context.h"
 #include "com/Enumerator.h"
+#include "objects/ClassObject.h"
 
 #include <quillet-wmi/Variant.h>
 

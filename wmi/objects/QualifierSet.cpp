@@ -1,5 +1,5 @@
 // IWbemQualifierSet.
-#include "com/QualifierSet.h"
+#include "objects/QualifierSet.h"
 
 #include <quillet-wmi/Variant.h>
 
