@@ -21,10 +21,6 @@ using Declaration = wmi::QualifierDeclaration;
 constexpr CIMTYPE kArray = CIM_FLAG_ARRAY;
 constexpr std::size_t kMaximumIncludeDepth = 16;
 
-std::wstring Quoted(std::wstring_view name) {
-    return L"'" + std::wstring(name) + L"'";
-}
-
 std::filesystem::path PathOf(const std::string& utf8) {
     return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
 }
