@@ -4,7 +4,7 @@
 #include "com/ComObject.h"
 #include "com/Context.h"
 #include "com/Services.h"
-#include "com/Session.h"
+#include "connection/Session.h"
 
 #include <quillet-wmi/Variant.h>
 

@@ -1,7 +1,7 @@
 // IWbemContext.
 #include "com/Context.h"
 
-#include "com/Session.h"
+#include "connection/Session.h"
 
 #include <quillet-wmi/Variant.h>
 

@@ -1,8 +1,8 @@
 // IEnumWbemClassObject.
 #include "com/Enumerator.h"
 
-#include "com/ClassObject.h"
 #include "com/ComObject.h"
+#include "objects/ClassObject.h"
 
 #include <algorithm>
 #include <mutex>

@@ -1,7 +1,7 @@
 // IEnumWbemClassObject: the answer to an enumeration or a query, taken from a stream.
 #pragma once
 
-#include "com/Session.h"
+#include "connection/Session.h"
 
 namespace quillet::wmi {
 

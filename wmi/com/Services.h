@@ -1,7 +1,7 @@
 // IWbemServices: a client's proxy of a connection.
 #pragma once
 
-#include "com/Session.h"
+#include "connection/Session.h"
 
 namespace quillet::wmi {
 

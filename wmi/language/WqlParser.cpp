@@ -1,211 +1,12 @@
-// From the text of a query to its tree.
+// From the words of a query to its tree.
 #include <quillet-wmi/Wql.h>
 
 #include <quillet-wmi/ObjectPath.h>
-#include <quillet-wmi/Text.h>
+#include "language/WqlLexer.h"
 
 namespace quillet::wmi {
 
 namespace {
-
-struct Token {
-    enum class Kind { End, Word, Text, Number, Symbol };
-    Kind kind = Kind::End;
-    std::size_t position = 0;
-    std::wstring_view source; ///< as written; without the quotes for a text
-    std::wstring text;        ///< of a text, escapes read
-    Scalar number;
-};
-
-/// Thrown inside this file only; ParseWql turns it into its result.
-struct Failure {
-    std::size_t position;
-    std::wstring message;
-};
-
-constexpr bool IsBlank(wchar_t c) noexcept {
-    return c == L' ' || (c >= L'\t' && c <= L'\r');
-}
-constexpr bool IsDigit(wchar_t c) noexcept {
-    return c >= L'0' && c <= L'9';
-}
-
-class Lexer {
-  public:
-    explicit Lexer(std::wstring_view text) : m_text(text) {}
-
-    Token Next() {
-        SkipBlanks();
-        Token token;
-        token.position = m_position;
-        if (m_position == m_text.size()) {
-            return token;
-        }
-        const wchar_t c = m_text[m_position];
-        if (c == L'"' || c == L'\'') {
-            Quoted(token);
-        } else if (IsDigit(c) || ((c == L'-' || c == L'+' || c == L'.') && IsDigit(Peek(1)))) {
-            Number(token);
-        } else if (IsIdentifierStart(c)) {
-            token.kind = Token::Kind::Word;
-            while (m_position < m_text.size() && IsIdentifierCharacter(m_text[m_position])) {
-                ++m_position;
-            }
-        } else {
-            token.kind = Token::Kind::Symbol;
-            Symbol();
-        }
-        if (token.kind != Token::Kind::Text) {
-            token.source = m_text.substr(token.position, m_position - token.position);
-        }
-        return token;
-    }
-
-    /// The text in braces that comes next, without the braces; quotes inside protect braces.
-    std::wstring_view Braces() {
-        SkipBlanks();
-        const std::size_t start = m_position;
-        if (m_position == m_text.size() || m_text[m_position] != L'{') {
-            throw Failure{m_position, L"an object path in braces was expected"};
-        }
-        wchar_t quote = L'\0';
-        for (++m_position; m_position < m_text.size(); ++m_position) {
-            const wchar_t c = m_text[m_position];
-            if (quote != L'\0') {
-                if (c == L'\\') {
-                    ++m_position;
-                } else if (c == quote) {
-                    quote = L'\0';
-                }
-            } else if (c == L'"' || c == L'\'') {
-                quote = c;
-            } else if (c == L'}') {
-                ++m_position;
-                return Trimmed(m_text.substr(start + 1, m_position - start - 2));
-            }
-        }
-        throw Failure{start, L"the braces are not closed"};
-    }
-
-  private:
-    wchar_t Peek(std::size_t ahead) const noexcept {
-        return m_position + ahead < m_text.size() ? m_text[m_position + ahead] : L'\0';
-    }
-    void SkipBlanks() noexcept {
-        while (m_position < m_text.size() && IsBlank(m_text[m_position])) {
-            ++m_position;
-        }
-    }
-    static std::wstring_view Trimmed(std::wstring_view text) noexcept {
-        while (!text.empty() && IsBlank(text.front())) {
-            text.remove_prefix(1);
-        }
-        while (!text.empty() && IsBlank(text.back())) {
-            text.remove_suffix(1);
-        }
-        return text;
-    }
-
-    void Quoted(Token& token) {
-        token.kind = Token::Kind::Text;
-        const wchar_t quote = m_text[m_position++];
-        const std::size_t start = m_position;
-        for (; m_position < m_text.size(); ++m_position) {
-            const wchar_t c = m_text[m_position];
-            if (c == quote) {
-                token.source = m_text.substr(start, m_position - start);
-                ++m_position;
-                return;
-            }
-            // A backslash that escapes nothing stands for itself.
-            const wchar_t next = Peek(1);
-            if (c == L'\\' && (next == L'\\' || next == L'"' || next == L'\'')) {
-                ++m_position;
-                token.text.push_back(next);
-            } else {
-                token.text.push_back(c);
-            }
-        }
-        throw Failure{token.position, L"the text in quotes does not end"};
-    }
-
-    void Number(Token& token) {
-        token.kind = Token::Kind::Number;
-        const std::size_t start = m_position;
-        if (m_text[m_position] == L'-' || m_text[m_position] == L'+') {
-            ++m_position;
-        }
-        const std::size_t digits = m_position;
-        bool real = false;
-        while (m_position < m_text.size()) {
-            const wchar_t c = m_text[m_position];
-            const bool exponentSign = (c == L'-' || c == L'+') && real &&
-                                      (m_text[m_position - 1] == L'e' || m_text[m_position - 1] == L'E');
-            if (c == L'.' || c == L'e' || c == L'E') {
-                real = true;
-            } else if (!IsDigit(c) && !exponentSign) {
-                break;
-            }
-            ++m_position;
-        }
-        if (m_position < m_text.size() && IsIdentifierCharacter(m_text[m_position])) {
-            throw Failure{m_position, L"this is no number"};
-        }
-        const std::wstring_view magnitude = m_text.substr(digits, m_position - digits);
-        const bool negative = m_text[start] == L'-';
-        if (real) {
-            const std::optional<double> number = ParseReal(magnitude);
-            if (!number) {
-                throw Failure{start, L"this is no number"};
-            }
-            token.number = negative ? -*number : *number;
-            return;
-        }
-        const std::optional<TextNumber> number = ParseDecimal(magnitude);
-        constexpr std::uint64_t kSmallest = std::uint64_t{1} << 63;
-        if (!number || (negative && number->magnitude > kSmallest)) {
-            throw Failure{start, L"the number does not fit 64 bits"};
-        }
-        if (negative) {
-            token.number = static_cast<std::int64_t>(0 - number->magnitude);
-        } else if (number->magnitude < kSmallest) {
-            token.number = static_cast<std::int64_t>(number->magnitude);
-        } else {
-            token.number = number->magnitude;
-        }
-    }
-
-    void Symbol() {
-        const wchar_t c = m_text[m_position];
-        const wchar_t next = Peek(1);
-        switch (c) {
-        case L'<':
-            m_position += next == L'=' || next == L'>' ? 2 : 1;
-            return;
-        case L'>':
-            m_position += next == L'=' ? 2 : 1;
-            return;
-        case L'!':
-            if (next != L'=') {
-                throw Failure{m_position, L"'!' is only known in '!='"};
-            }
-            m_position += 2;
-            return;
-        case L'=':
-        case L'(':
-        case L')':
-        case L',':
-        case L'*':
-            ++m_position;
-            return;
-        default:
-            throw Failure{m_position, L"this character has no place in a query"};
-        }
-    }
-
-    std::wstring_view m_text;
-    std::size_t m_position = 0;
-};
 
 class Parser {
   public:
@@ -225,7 +26,7 @@ class Parser {
         } else {
             Expected(L"SELECT, ASSOCIATORS OF or REFERENCES OF was expected");
         }
-        if (m_token.kind != Token::Kind::End) {
+        if (m_token.kind != WqlToken::Kind::End) {
             Expected(L"the end of the query was expected");
         }
         return query;
@@ -237,10 +38,10 @@ class Parser {
 
     void Advance() { m_token = m_lexer.Next(); }
     [[noreturn]] void Expected(std::wstring message) const {
-        throw Failure{m_token.position, std::move(message)};
+        throw WqlFailure{m_token.position, std::move(message)};
     }
     bool IsWord(std::wstring_view word) const noexcept {
-        return m_token.kind == Token::Kind::Word && SameName(m_token.source, word);
+        return m_token.kind == WqlToken::Kind::Word && SameName(m_token.source, word);
     }
     bool AcceptWord(std::wstring_view word) {
         if (!IsWord(word)) {
@@ -250,14 +51,14 @@ class Parser {
         return true;
     }
     bool AcceptSymbol(std::wstring_view symbol) {
-        if (m_token.kind != Token::Kind::Symbol || m_token.source != symbol) {
+        if (m_token.kind != WqlToken::Kind::Symbol || m_token.source != symbol) {
             return false;
         }
         Advance();
         return true;
     }
     std::wstring Name(const wchar_t* message) {
-        if (m_token.kind != Token::Kind::Word) {
+        if (m_token.kind != WqlToken::Kind::Word) {
             Expected(message);
         }
         std::wstring name(m_token.source);
@@ -325,20 +126,20 @@ class Parser {
     }
 
     bool AtLiteral() const noexcept {
-        return m_token.kind == Token::Kind::Text || m_token.kind == Token::Kind::Number || IsWord(L"TRUE") ||
-               IsWord(L"FALSE") || IsWord(L"NULL");
+        return m_token.kind == WqlToken::Kind::Text || m_token.kind == WqlToken::Kind::Number ||
+               IsWord(L"TRUE") || IsWord(L"FALSE") || IsWord(L"NULL");
     }
 
     void Literal(Condition& condition) {
         if (!AtLiteral()) {
             Expected(L"a text, a number, TRUE, FALSE or NULL was expected");
         }
-        if (m_token.kind == Token::Kind::Text) {
+        if (m_token.kind == WqlToken::Kind::Text) {
             if (m_token.source.substr(0, 2) == L"\\\\" && ObjectPath::Parse(m_token.source)) {
                 condition.pathAsWritten = m_token.source;
             }
             condition.literal = std::move(m_token.text);
-        } else if (m_token.kind == Token::Kind::Number) {
+        } else if (m_token.kind == WqlToken::Kind::Number) {
             condition.literal = m_token.number;
         } else if (!IsWord(L"NULL")) {
             condition.literal = IsWord(L"TRUE");
@@ -399,7 +200,7 @@ class Parser {
             Advance();
         }
         if (AcceptWord(L"LIKE")) {
-            if (m_token.kind != Token::Kind::Text) {
+            if (m_token.kind != WqlToken::Kind::Text) {
                 Expected(L"a pattern in quotes was expected");
             }
             condition.kind = Condition::Kind::Like;
@@ -419,7 +220,7 @@ class Parser {
 
     static void CheckNull(const Condition& condition, std::size_t position) {
         if (!condition.literal && condition.op != Operator::Equal && condition.op != Operator::NotEqual) {
-            throw Failure{position, L"NULL is only compared with '=' and '<>'"};
+            throw WqlFailure{position, L"NULL is only compared with '=' and '<>'"};
         }
     }
 
@@ -443,10 +244,10 @@ class Parser {
         if (!AcceptWord(L"WHERE")) {
             return;
         }
-        if (m_token.kind == Token::Kind::End) {
+        if (m_token.kind == WqlToken::Kind::End) {
             Expected(L"a condition was expected");
         }
-        while (m_token.kind != Token::Kind::End) {
+        while (m_token.kind != WqlToken::Kind::End) {
             AssociationCondition(query);
         }
     }
@@ -497,8 +298,8 @@ class Parser {
         Expected(L"this condition is not known here");
     }
 
-    Lexer m_lexer;
-    Token m_token;
+    WqlLexer m_lexer;
+    WqlToken m_token;
 };
 
 } // namespace
@@ -506,7 +307,7 @@ class Parser {
 std::optional<WqlQuery> ParseWql(std::wstring_view text, WqlError* error) {
     try {
         return Parser(text).Run();
-    } catch (Failure& failure) {
+    } catch (WqlFailure& failure) {
         if (error != nullptr) {
             *error = {failure.position, std::move(failure.message)};
         }

@@ -1,6 +1,8 @@
 // Inheritance of properties, methods and qualifiers.
 #include <quillet-wmi/ClassMerge.h>
 
+#include <quillet-wmi/Text.h>
+
 #include <algorithm>
 #include <set>
 
@@ -11,10 +13,6 @@ namespace {
 constexpr LONG kToSubclass = WBEM_FLAVOR_FLAG_PROPAGATE_TO_DERIVED_CLASS;
 constexpr LONG kNotOverridable = WBEM_FLAVOR_NOT_OVERRIDABLE;
 constexpr LONG kPropagated = WBEM_FLAVOR_ORIGIN_PROPAGATED;
-
-std::wstring Quoted(std::wstring_view name) {
-    return L"'" + std::wstring(name) + L"'";
-}
 
 /// What propagates comes first, as the superclass has it; what stands here replaces it or follows.
 bool MergeQualifiers(Qualifiers& own, const Qualifiers& inherited, std::wstring_view element,

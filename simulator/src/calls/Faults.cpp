@@ -17,7 +17,7 @@ struct NamedEffect {
     const wchar_t* name;
 };
 
-constexpr std::array Effects{
+constexpr std::array kEffects{
     NamedEffect{Effect::Fail, L"Fail"},
     NamedEffect{Effect::FailStatus, L"FailStatus"},
     NamedEffect{Effect::NullObject, L"NullObject"},
@@ -68,15 +68,15 @@ std::wstring ClassOfTarget(std::wstring_view target) {
 } // namespace
 
 const wchar_t* EffectName(Effect effect) noexcept {
-    const auto* found = std::find_if(Effects.begin(), Effects.end(),
+    const auto* found = std::find_if(kEffects.begin(), kEffects.end(),
                                      [effect](const auto& named) { return named.effect == effect; });
-    return found != Effects.end() ? found->name : L"";
+    return found != kEffects.end() ? found->name : L"";
 }
 
 std::optional<Effect> EffectByName(std::wstring_view name) noexcept {
-    const auto* found = std::find_if(Effects.begin(), Effects.end(),
+    const auto* found = std::find_if(kEffects.begin(), kEffects.end(),
                                      [name](const auto& named) { return SameName(named.name, name); });
-    return found != Effects.end() ? std::optional<Effect>(found->effect) : std::nullopt;
+    return found != kEffects.end() ? std::optional<Effect>(found->effect) : std::nullopt;
 }
 
 bool Applies(Effect effect, Operation operation) noexcept {

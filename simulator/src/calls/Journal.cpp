@@ -11,14 +11,14 @@ namespace quillet::simulator {
 
 namespace {
 
-constexpr std::size_t LongestText = 120;
-constexpr std::size_t LongestArray = 8;
+constexpr std::size_t kLongestText = 120;
+constexpr std::size_t kLongestArray = 8;
 
 std::wstring Hexadecimal(std::uint32_t number, int digits) {
-    static constexpr wchar_t Digits[] = L"0123456789ABCDEF";
+    static constexpr wchar_t kDigits[] = L"0123456789ABCDEF";
     std::wstring text = L"0x";
     for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4) {
-        text += Digits[(number >> shift) & 0xF];
+        text += kDigits[(number >> shift) & 0xF];
     }
     return text;
 }
@@ -36,8 +36,8 @@ void AppendText(std::wstring& line, const std::wstring& text) {
         return;
     }
     line += L'"';
-    AppendOneLine(line, std::wstring_view(text).substr(0, LongestText));
-    if (text.size() > LongestText) {
+    AppendOneLine(line, std::wstring_view(text).substr(0, kLongestText));
+    if (text.size() > kLongestText) {
         line += L"\u2026";
     }
     line += L'"';
@@ -63,7 +63,7 @@ void AppendValue(std::wstring& line, const Value& value) {
     if (value.IsArray()) {
         const auto* array = value.AsArray();
         line += L'{';
-        for (std::size_t index = 0; index < value.Size() && index < LongestArray; ++index) {
+        for (std::size_t index = 0; index < value.Size() && index < kLongestArray; ++index) {
             line += index == 0 ? L"" : L", ";
             if (array != nullptr) {
                 AppendScalar(line, (*array)[index]);
@@ -71,7 +71,7 @@ void AppendValue(std::wstring& line, const Value& value) {
                 line += std::to_wstring((*value.AsBytes())[index]);
             }
         }
-        if (value.Size() > LongestArray) {
+        if (value.Size() > kLongestArray) {
             line += L", \u2026 " + std::to_wstring(value.Size()) + L" elements";
         }
         line += L'}';
@@ -134,7 +134,7 @@ struct alignas(64) Journal::Part {
 /// Threads write into parts of their own, and share no more than the number that puts their calls into one
 /// order.
 struct Journal::Parts {
-    std::array<Part, OwnPart::Count> all;
+    std::array<Part, OwnPart::kCount> all;
     alignas(64) std::atomic<std::uint64_t> next{0};
 
     /// While they are held no thread has a number without having written its call.

@@ -7,17 +7,17 @@ namespace quillet::simulator {
 namespace {
 
 // Values of "TestState".
-constexpr std::int64_t Unknown = 0;
-constexpr std::int64_t Passed = 2;
-constexpr std::int64_t Failed = 3;
-constexpr std::int64_t InProgress = 4;
-constexpr std::int64_t Stopped = 5;
+constexpr std::int64_t kUnknown = 0;
+constexpr std::int64_t kPassed = 2;
+constexpr std::int64_t kFailed = 3;
+constexpr std::int64_t kInProgress = 4;
+constexpr std::int64_t kStopped = 5;
 
-constexpr const wchar_t* TestClass = L"Zorel_DiagTest";
-constexpr const wchar_t* ResultClass = L"Zorel_DiagResult";
-constexpr const wchar_t* BehaviourClass = L"QuilletSimulator_DiagnosticTest";
+constexpr const wchar_t* kTestClass = L"Zorel_DiagTest";
+constexpr const wchar_t* kResultClass = L"Zorel_DiagResult";
+constexpr const wchar_t* kBehaviourClass = L"QuilletSimulator_DiagnosticTest";
 
-constexpr std::int64_t UsualMilliseconds = 2000;
+constexpr std::int64_t kUsualMilliseconds = 2000;
 
 InstancePtr FindByName(const Repository& store, const wchar_t* className, const std::wstring& name) {
     ObjectPath path{{}, {}, className, {}, false};
@@ -27,7 +27,7 @@ InstancePtr FindByName(const Repository& store, const wchar_t* className, const 
 
 /// An identifier that a test's result always gets, so that machines that do the same are the same.
 std::wstring ResultId(const std::wstring& test) {
-    static constexpr wchar_t Digits[] = L"0123456789ABCDEF";
+    static constexpr wchar_t kDigits[] = L"0123456789ABCDEF";
     std::wstring id = L"{";
     std::uint64_t hash = 0xCBF29CE484222325u;
     for (int half = 0; half < 2; ++half) {
@@ -39,7 +39,7 @@ std::wstring ResultId(const std::wstring& test) {
             if (length == 9 || length == 14 || length == 19 || length == 24) {
                 id += L'-';
             }
-            id += Digits[(hash >> shift) & 0xF];
+            id += kDigits[(hash >> shift) & 0xF];
         }
     }
     return id + L'}';
@@ -47,12 +47,12 @@ std::wstring ResultId(const std::wstring& test) {
 
 /// The first result of a test; where there is none, a new one.
 Instance ResultOf(const Repository& store, const std::wstring& test) {
-    for (const auto& result : store.Instances(ResultClass)) {
+    for (const auto& result : store.Instances(kResultClass)) {
         if (result->Text(L"DiagnosticName") == test) {
             return *result;
         }
     }
-    Instance result(store.FindClass(ResultClass));
+    Instance result(store.FindClass(kResultClass));
     result.Set(L"Name", Value::Text(ResultId(test)));
     result.Set(L"DiagnosticName", Value::Text(test));
     return result;
@@ -62,7 +62,7 @@ Instance ResultOf(const Repository& store, const std::wstring& test) {
 /// test that is no package.
 std::optional<std::vector<std::wstring>> MembersOf(const Repository& store, const std::wstring& test) {
     std::vector<std::wstring> names;
-    if (const auto behaviour = FindByName(store, BehaviourClass, test)) {
+    if (const auto behaviour = FindByName(store, kBehaviourClass, test)) {
         const Value* members = behaviour->Find(L"Members");
         if (members == nullptr || members->IsNull()) {
             return std::nullopt;
@@ -77,7 +77,7 @@ std::optional<std::vector<std::wstring>> MembersOf(const Repository& store, cons
     if (ResultOf(store, test).Number(L"IsPackage") == 0) {
         return std::nullopt;
     }
-    for (const auto& result : store.Instances(ResultClass)) {
+    for (const auto& result : store.Instances(kResultClass)) {
         if (result->Text(L"PackageName") == test) {
             names.push_back(result->Text(L"DiagnosticName"));
         }
@@ -88,11 +88,11 @@ std::optional<std::vector<std::wstring>> MembersOf(const Repository& store, cons
 /// How the test is going to end: as its behaviour says or, without one, as it ended the last time. Null when
 /// there is no telling.
 InstancePtr OutcomeOf(const Repository& store, const std::wstring& test, const Instance& earlier) {
-    if (auto behaviour = FindByName(store, BehaviourClass, test)) {
+    if (auto behaviour = FindByName(store, kBehaviourClass, test)) {
         return behaviour;
     }
     const auto state = earlier.Number(L"TestState");
-    return state == Passed || state == Failed ? std::make_shared<Instance>(earlier) : nullptr;
+    return state == kPassed || state == kFailed ? std::make_shared<Instance>(earlier) : nullptr;
 }
 
 /// A property of the outcome, where there is one with a value.
@@ -107,10 +107,10 @@ void SetState(Instance& result, std::int64_t state) {
 
 /// How many of a package's results tell of something else than a test that has passed.
 std::int64_t NotPassed(const Repository& store, const std::wstring& package) {
-    const auto results = store.Instances(ResultClass);
+    const auto results = store.Instances(kResultClass);
     return std::count_if(results.begin(), results.end(), [&](const InstancePtr& result) {
         return result->Text(L"PackageName") == package && result->Text(L"DiagnosticName") != package &&
-               result->Number(L"TestState") != Passed;
+               result->Number(L"TestState") != kPassed;
     });
 }
 
@@ -130,14 +130,14 @@ DiagnosticRuns::Time DiagnosticRuns::Plan(const Repository& store, const std::ws
         run.package = package.empty() ? test : package;
         for (const std::wstring& name : *members) {
             // A test runs once, also in a package that names it twice, or itself.
-            if (taken.count(name) == 0 && FindByName(store, TestClass, name) != nullptr) {
+            if (taken.count(name) == 0 && FindByName(store, kTestClass, name) != nullptr) {
                 run.end = Plan(store, name, test, run.end, planned, taken);
             }
         }
     } else {
-        const auto behaviour = FindByName(store, BehaviourClass, test);
-        run.end += Time(behaviour != nullptr ? behaviour->Number(L"Milliseconds", UsualMilliseconds)
-                                             : UsualMilliseconds);
+        const auto behaviour = FindByName(store, kBehaviourClass, test);
+        run.end += Time(behaviour != nullptr ? behaviour->Number(L"Milliseconds", kUsualMilliseconds)
+                                             : kUsualMilliseconds);
     }
     planned.push_back(run);
     return run.end;
@@ -158,26 +158,26 @@ void DiagnosticRuns::Begin(Repository& store, Run& run) {
     result.Set(L"ResultCode", Value::Signed(0));
     result.Set(L"TestResultIds", Value(Value::Array{}));
     result.Set(L"TestResultsAttr", Value(Value::Array{}));
-    SetState(result, Unknown);
+    SetState(result, kUnknown);
     store.PutInstance(std::move(result));
 }
 
 void DiagnosticRuns::End(Repository& store, const Run& run) {
     const auto& outcome = run.outcome;
-    std::int64_t state = outcome != nullptr ? outcome->Number(L"TestState", Passed) : Passed;
+    std::int64_t state = outcome != nullptr ? outcome->Number(L"TestState", kPassed) : kPassed;
     std::int64_t code = outcome != nullptr ? outcome->Number(L"ResultCode") : 0;
     Value text = Of(outcome, L"Result", Value());
     if (run.isPackage) {
         const std::int64_t others = NotPassed(store, run.test);
         // What was said about a package holds as long as its tests bear it out.
-        if ((others == 0) != (state == Passed)) {
-            state = others == 0 ? Passed : Failed;
+        if ((others == 0) != (state == kPassed)) {
+            state = others == 0 ? kPassed : kFailed;
             code = others;
             text = Value();
         }
     }
     if (text.IsNull()) {
-        text = Value::Text(state == Passed ? L"The test passed." : L"The test failed.");
+        text = Value::Text(state == kPassed ? L"The test passed." : L"The test failed.");
     }
     Instance result = ResultOf(store, run.test);
     SetState(result, state);
@@ -225,7 +225,7 @@ DiagnosticRuns::Verdict DiagnosticRuns::Stop(Repository& store, const std::wstri
             continue;
         }
         Instance result = ResultOf(store, run->test);
-        SetState(result, Stopped);
+        SetState(result, kStopped);
         result.Set(L"Result", Value::Text(L"The test was stopped."));
         store.PutInstance(std::move(result));
         run = m_runs.erase(run);
@@ -250,7 +250,7 @@ void DiagnosticRuns::Advance(Repository& store, Time now) {
         }
         if (!run->begun && now >= run->start) {
             Instance result = ResultOf(store, run->test);
-            SetState(result, InProgress);
+            SetState(result, kInProgress);
             store.PutInstance(std::move(result));
             run->begun = true;
         }

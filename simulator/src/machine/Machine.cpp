@@ -25,7 +25,7 @@ InstancePtr Description(const Repository& store) {
     return found.empty() ? nullptr : found.front();
 }
 
-constexpr const wchar_t* FaultClass = L"QuilletSimulator_Fault";
+constexpr const wchar_t* kFaultClass = L"QuilletSimulator_Fault";
 
 /// Throws std::invalid_argument for a name that the schema lets pass but that names nothing.
 FaultRule ReadFault(const Instance& fault) {
@@ -56,7 +56,7 @@ FaultRule ReadFault(const Instance& fault) {
 
 /// Rejects a fault that the schema lets pass but the simulator cannot use, as an InstanceCheck.
 void CheckFault(const Instance& instance) {
-    if (!SameName(instance.definition->name, FaultClass)) {
+    if (!SameName(instance.definition->name, kFaultClass)) {
         return;
     }
     try {
@@ -70,7 +70,7 @@ void CheckFault(const Instance& instance) {
 /// A store with the provider's schema and, if one is named, a machine that ships with the simulator.
 /// Compiling them takes far longer than copying the result, so each is compiled once in a process.
 std::shared_ptr<const Repository> Prototype(const MachineOptions& options, const EmbeddedText* machine) {
-    constexpr std::size_t Kept = 8;
+    constexpr std::size_t kKept = 8;
     static std::mutex lock;
     static std::map<std::tuple<std::wstring, std::wstring, const EmbeddedText*>,
                     std::shared_ptr<const Repository>>
@@ -87,7 +87,7 @@ std::shared_ptr<const Repository> Prototype(const MachineOptions& options, const
     if (machine != nullptr) {
         CompileMof(*store, machine->text, machine->fileName);
     }
-    if (compiled.size() >= Kept) {
+    if (compiled.size() >= kKept) {
         compiled.clear();
     }
     compiled.emplace(key, store);
@@ -145,7 +145,7 @@ void Machine::State::Configure() {
     for (const auto& followUp : store.Instances(L"QuilletSimulator_FollowUp")) {
         followUps[followUp->Text(L"ClassName")] = static_cast<LONG>(followUp->Number(L"Action"));
     }
-    for (const auto& fault : store.Instances(FaultClass)) {
+    for (const auto& fault : store.Instances(kFaultClass)) {
         faults.Add(ReadFault(*fault));
     }
 }

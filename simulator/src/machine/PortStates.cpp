@@ -25,14 +25,14 @@ constexpr PortState kPortStates[] = {
 
 /// The speed of a new link: the fastest that the port can do.
 std::uint64_t LinkSpeed(const Instance& adapter) {
-    constexpr std::uint64_t megabit = 1'000'000;
+    constexpr std::uint64_t kMegabit = 1'000'000;
     if (HasCapability(adapter, 35)) {
-        return 10'000 * megabit;
+        return 10'000 * kMegabit;
     }
     if (HasCapability(adapter, 34)) {
-        return 1'000 * megabit;
+        return 1'000 * kMegabit;
     }
-    return HasCapability(adapter, 33) ? 100 * megabit : 10 * megabit;
+    return HasCapability(adapter, 33) ? 100 * kMegabit : 10 * kMegabit;
 }
 
 } // namespace

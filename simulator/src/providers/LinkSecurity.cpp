@@ -6,7 +6,7 @@ namespace quillet::simulator {
 namespace {
 
 /// The follow-up action of a change that the driver has not taken over yet.
-constexpr LONG Restart = 1;
+constexpr LONG kRestart = 1;
 
 std::wstring PortOf(const MethodCall& call) {
     return call.instance->Text(L"DeviceID");
@@ -67,7 +67,7 @@ HRESULT Change(MethodCall& call, Adjust adjust) {
         return stored;
     }
     if (call.in.Number(L"bDriverReload") == 0) {
-        call.request.RequireFollowup(Restart);
+        call.request.RequireFollowup(kRestart);
     }
     return Done(call);
 }
@@ -160,7 +160,7 @@ HRESULT ImportPacFile(MethodCall& call) {
         return stored;
     }
     if (call.in.Number(L"bReload") == 0) {
-        call.request.RequireFollowup(Restart);
+        call.request.RequireFollowup(kRestart);
     }
     return Done(call);
 }

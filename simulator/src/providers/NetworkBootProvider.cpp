@@ -12,11 +12,11 @@ namespace quillet::simulator {
 
 namespace {
 
-constexpr const wchar_t* AgentClass = L"Zorel_BootAgent";
-constexpr const wchar_t* ListClass = L"Zorel_BootAgent_iSCSI_Adapters";
+constexpr const wchar_t* kAgentClass = L"Zorel_BootAgent";
+constexpr const wchar_t* kListClass = L"Zorel_BootAgent_iSCSI_Adapters";
 
 /// The follow-up of a change that counts from the next start on.
-constexpr LONG Restart = 1;
+constexpr LONG kRestart = 1;
 
 /// Values of "iSCSI_Status".
 enum Place { Disabled = 0, Primary = 1, Secondary = 2 };
@@ -25,7 +25,7 @@ enum Place { Disabled = 0, Primary = 1, Secondary = 2 };
 enum class PlaceCode { Done = 0, NoSuchPlace = 1, NotInTheList = 2 };
 
 /// The bits of "InstalledFlashImageTypes".
-constexpr std::array<const wchar_t*, 3> KnownTypes{L"PXE", L"EFI", L"iSCSI"};
+constexpr std::array<const wchar_t*, 3> kKnownTypes{L"PXE", L"EFI", L"iSCSI"};
 
 FlashBytes BytesOf(const Instance& parameters, const wchar_t* name) {
     const Value* value = parameters.Find(name);
@@ -111,9 +111,10 @@ Value NumberOrNull(std::optional<std::int64_t> number) {
 /// What a boot agent says of itself after these images were written.
 void Describe(Instance& agent, const std::vector<BootImage>& images) {
     std::uint64_t mask = 0;
-    for (std::size_t bit = 0; bit < KnownTypes.size(); ++bit) {
-        const bool there = std::any_of(images.begin(), images.end(),
-                                       [&](const BootImage& image) { return image.type == KnownTypes[bit]; });
+    for (std::size_t bit = 0; bit < kKnownTypes.size(); ++bit) {
+        const bool there = std::any_of(images.begin(), images.end(), [&](const BootImage& image) {
+            return image.type == kKnownTypes[bit];
+        });
         mask |= there ? std::uint64_t{1} << bit : 0;
     }
     agent.Set(L"Version", Value::Text(images.front().version));
@@ -127,13 +128,13 @@ class NetworkBootProvider final : public ClassProvider {
   public:
     HRESULT ExecMethod(MethodCall& call) override {
         using Handler = HRESULT (*)(MethodCall&);
-        static const std::map<std::wstring, Handler, NameLess> handlers = {
+        static const std::map<std::wstring, Handler, NameLess> kHandlers = {
             {L"ReadFlash", ReadFlash},         {L"ProgramFlashEx", ProgramFlash},
             {L"ReadImageFile", ReadImageFile}, {L"VerifyImageType", VerifyImageType},
             {L"SetiSCSI_Status", SetPlace},
         };
-        const auto handler = handlers.find(call.method.name);
-        if (handler == handlers.end()) {
+        const auto handler = kHandlers.find(call.method.name);
+        if (handler == kHandlers.end()) {
             return ClassProvider::ExecMethod(call);
         }
         return call.instance != nullptr ? handler->second(call) : HRESULT(WBEM_E_INVALID_METHOD_PARAMETERS);
@@ -141,12 +142,12 @@ class NetworkBootProvider final : public ClassProvider {
 
     std::chrono::milliseconds Duration(const MethodCall& call) const override {
         // Erasing takes its time whatever the size; then 8 KiB are written in a millisecond.
-        constexpr std::size_t BytesPerMillisecond = 8192;
+        constexpr std::size_t kBytesPerMillisecond = 8192;
         if (call.instance == nullptr || !SameName(call.method.name, L"ProgramFlashEx")) {
             return {};
         }
         return std::chrono::milliseconds(500 +
-                                         BytesOf(call.in, L"NewFlashData").size() / BytesPerMillisecond);
+                                         BytesOf(call.in, L"NewFlashData").size() / kBytesPerMillisecond);
     }
 
   private:
@@ -181,7 +182,7 @@ class NetworkBootProvider final : public ClassProvider {
             FAILED(stored)) {
             return stored;
         }
-        call.request.RequireFollowup(Restart);
+        call.request.RequireFollowup(kRestart);
         return Finish(call, FlashCode::Good);
     }
 
@@ -220,7 +221,7 @@ class NetworkBootProvider final : public ClassProvider {
     }
 
     static void Put(Repository& store, const std::wstring& port, std::int64_t place) {
-        for (const wchar_t* className : {AgentClass, ListClass}) {
+        for (const wchar_t* className : {kAgentClass, kListClass}) {
             if (const auto found = OfPort(store, className, port)) {
                 Instance changed = *found;
                 changed.Set(L"iSCSI_Status", Value::Signed(place));
@@ -241,7 +242,7 @@ class NetworkBootProvider final : public ClassProvider {
         }
         auto& store = call.request.Target().Store();
         const std::wstring port = call.instance->Text(L"Name");
-        const auto entry = OfPort(store, ListClass, port);
+        const auto entry = OfPort(store, kListClass, port);
         const auto place = call.in.Number(L"iSCSI_State", -1);
         if (place < Disabled || place > Secondary) {
             return Answer(call, PlaceCode::NoSuchPlace);
@@ -252,14 +253,14 @@ class NetworkBootProvider final : public ClassProvider {
         // There is one primary port: the earlier one takes the place that this one leaves.
         const auto earlier = entry->Number(L"iSCSI_Status");
         if (place == Primary) {
-            for (const auto& other : store.Instances(ListClass)) {
+            for (const auto& other : store.Instances(kListClass)) {
                 if (other->Number(L"iSCSI_Status") == Primary && other->Text(L"Name") != port) {
                     Put(store, other->Text(L"Name"), earlier);
                 }
             }
         }
         Put(store, port, place);
-        call.request.RequireFollowup(Restart);
+        call.request.RequireFollowup(kRestart);
         return Answer(call, PlaceCode::Done);
     }
 };

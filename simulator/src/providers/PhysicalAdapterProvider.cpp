@@ -13,7 +13,7 @@ class PhysicalAdapterProvider final : public ClassProvider {
   public:
     HRESULT ExecMethod(MethodCall& call) override {
         using Handler = HRESULT (*)(MethodCall&);
-        static const std::map<std::wstring, Handler, NameLess> handlers = {
+        static const std::map<std::wstring, Handler, NameLess> kHandlers = {
             {L"IdentifyAdapter", Identify},
             {L"GetHbaPath",
              [](MethodCall& made) {
@@ -50,8 +50,8 @@ class PhysicalAdapterProvider final : public ClassProvider {
         if (SameName(call.method.name, L"ValidateSettingOnNewTeam")) {
             return ValidateSettingOnNewTeam(call);
         }
-        const auto handler = handlers.find(call.method.name);
-        if (handler == handlers.end()) {
+        const auto handler = kHandlers.find(call.method.name);
+        if (handler == kHandlers.end()) {
             return ClassProvider::ExecMethod(call);
         }
         // Each of them is about one adapter; the class has no light to blink.

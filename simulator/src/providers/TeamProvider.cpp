@@ -47,23 +47,23 @@ class TeamProvider final : public ClassProvider {
   public:
     HRESULT ExecMethod(MethodCall& call) override {
         using Handler = HRESULT (*)(MethodCall&);
-        static const std::map<std::wstring, Handler, NameLess> ofTheClass = {
+        static const std::map<std::wstring, Handler, NameLess> kOfTheClass = {
             {L"CreateTeam", CreateTeam},
             {L"ValidateTeamName", ValidateTeamName},
             {L"ValidateTeamMode", ValidateTeamMode},
             {L"ValidateNewTeamMembers", ValidateNewTeamMembers},
         };
-        static const std::map<std::wstring, Handler, NameLess> ofATeam = {
+        static const std::map<std::wstring, Handler, NameLess> kOfATeam = {
             {L"ValidateAddAdapters", ValidateAddAdapters},
             {L"GetBestTeamMode", GetBestTeamMode},
             {L"TestSwitchConfiguration", TestSwitchConfiguration},
             {L"ValidateSetting", ValidateSettingOnTeam},
         };
-        if (const auto handler = ofTheClass.find(call.method.name); handler != ofTheClass.end()) {
+        if (const auto handler = kOfTheClass.find(call.method.name); handler != kOfTheClass.end()) {
             return handler->second(call);
         }
-        const auto handler = ofATeam.find(call.method.name);
-        if (handler == ofATeam.end()) {
+        const auto handler = kOfATeam.find(call.method.name);
+        if (handler == kOfATeam.end()) {
             return ClassProvider::ExecMethod(call);
         }
         return call.instance != nullptr ? handler->second(call) : HRESULT(WBEM_E_INVALID_METHOD_PARAMETERS);
@@ -184,14 +184,14 @@ class TeamProvider final : public ClassProvider {
         const auto same = MakeInstance(store, L"Zorel_NetworkVirtualAdapter",
                                        {{L"SystemElement", Value::Text(store.FullPath(logical))},
                                         {L"SameElement", Value::Text(store.FullPath(made))}});
-        constexpr auto create = WriteMode::CreateOnly;
-        HRESULT result = store.PutInstance(made, create);
+        constexpr auto kCreate = WriteMode::CreateOnly;
+        HRESULT result = store.PutInstance(made, kCreate);
         if (FAILED(result)) {
             return result;
         }
         team = store.FindInstance(store.RelativePath(made));
         for (const Instance* part : {&logical, &same}) {
-            if (FAILED(result = store.PutInstance(*part, create))) {
+            if (FAILED(result = store.PutInstance(*part, kCreate))) {
                 return result;
             }
         }
@@ -206,7 +206,7 @@ class TeamProvider final : public ClassProvider {
             const auto service = MakeInstance(
                 store, L"Zorel_802dot1QVLANService",
                 {{L"Name", Value::Text(id)}, {L"Caption", Value::Text(VlanServiceCaption(caption))}});
-            if (FAILED(result = store.PutInstance(service, create))) {
+            if (FAILED(result = store.PutInstance(service, kCreate))) {
                 return result;
             }
         }

@@ -14,10 +14,6 @@ namespace {
 using Shared = std::shared_lock<ReadMostlyMutex>;
 using Unique = std::unique_lock<ReadMostlyMutex>;
 
-constexpr HRESULT Code(WBEMSTATUS status) noexcept {
-    return static_cast<HRESULT>(status);
-}
-
 } // namespace
 
 Repository::Repository(std::wstring serverName, std::wstring namespaceName)

@@ -12,6 +12,10 @@
 
 namespace quillet::simulator {
 
+constexpr HRESULT Code(WBEMSTATUS status) noexcept {
+    return static_cast<HRESULT>(status);
+}
+
 /// Where the instances with a certain value of a property are, by their creation numbers.
 using PropertyIndex = std::unordered_map<std::wstring, std::set<std::uint64_t>>;
 

@@ -7,26 +7,26 @@ namespace {
 
 /// 64 bits that depend on every character of a text (FNV-1a), and on where the calculation starts.
 std::uint64_t Hash(std::wstring_view text, std::uint64_t start) noexcept {
-    constexpr std::uint64_t Prime = 0x100000001B3;
+    constexpr std::uint64_t kPrime = 0x100000001B3;
     std::uint64_t hash = start;
     for (const wchar_t character : text) {
         // Two bytes of each character, which is what it has on every host.
         for (const unsigned shift : {0u, 8u}) {
-            hash = (hash ^ ((static_cast<std::uint32_t>(character) >> shift) & 0xFF)) * Prime;
+            hash = (hash ^ ((static_cast<std::uint32_t>(character) >> shift) & 0xFF)) * kPrime;
         }
     }
     return hash;
 }
 
 std::wstring GuidText(std::uint64_t high, std::uint64_t low) {
-    constexpr std::wstring_view Digits = L"0123456789ABCDEF";
+    constexpr std::wstring_view kDigits = L"0123456789ABCDEF";
     std::wstring text = L"{";
     for (unsigned position = 0; position < 32; ++position) {
         if (position == 8 || position == 12 || position == 16 || position == 20) {
             text += L'-';
         }
         const std::uint64_t half = position < 16 ? high : low;
-        text += Digits[(half >> (60 - 4 * (position % 16))) & 0xF];
+        text += kDigits[(half >> (60 - 4 * (position % 16))) & 0xF];
     }
     return text + L'}';
 }

@@ -10,7 +10,7 @@ namespace quillet::simulator {
 
 namespace {
 
-constexpr const wchar_t* VALUES[] = {L"CurrentValue", L"CurrentValues"};
+constexpr const wchar_t* kValues[] = {L"CurrentValue", L"CurrentValues"};
 
 bool HasValue(const Instance& instance, std::wstring_view property) {
     const Value* value = instance.Find(property);
@@ -95,7 +95,7 @@ HRESULT TakeOver(Instance& stored, const Instance& written) {
             return HRESULT(WBEM_E_READ_ONLY);
         }
     }
-    for (const auto* name : VALUES) {
+    for (const auto* name : kValues) {
         if (stored.definition->FindProperty(name) == nullptr) {
             continue;
         }

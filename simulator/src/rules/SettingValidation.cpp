@@ -10,10 +10,10 @@ namespace {
 /// What speaks against the value on its own.
 std::uint64_t Objections(const InstancePtr& setting, std::int64_t value) {
     if (setting == nullptr) {
-        return ObjectionNoSuchSetting;
+        return kObjectionNoSuchSetting;
     }
-    return (setting->Number(L"Writable") == 0 ? ObjectionReadOnly : 0) |
-           (MayTake(*setting, value) ? 0 : ObjectionValue);
+    return (setting->Number(L"Writable") == 0 ? kObjectionReadOnly : 0) |
+           (MayTake(*setting, value) ? 0 : kObjectionValue);
 }
 
 void Answer(MethodCall& call, std::uint64_t objections) {
@@ -41,10 +41,10 @@ HRESULT ValidateSettingOnTeam(MethodCall& call) {
             isMember = true;
             objections |= Objections(setting, value);
         } else if (setting == nullptr) {
-            objections |= ObjectionMemberLacks;
+            objections |= kObjectionMemberLacks;
         } else {
-            objections |= (MayTake(*setting, value) ? 0 : ObjectionMemberValue) |
-                          (setting->Number(L"CurrentValue", value) == value ? 0 : ObjectionMemberDiffers);
+            objections |= (MayTake(*setting, value) ? 0 : kObjectionMemberValue) |
+                          (setting->Number(L"CurrentValue", value) == value ? 0 : kObjectionMemberDiffers);
         }
     }
     if (!isMember) {
@@ -68,7 +68,7 @@ HRESULT ValidateSettingOnVlan(MethodCall& call) {
         for (const auto* owners : {L"Zorel_TeamSetting", L"Zorel_AdapterSetting"}) {
             const auto parent = FindSetting(store, owners, call.instance->Text(L"ParentID"), caption);
             if (parent != nullptr && value > parent->Number(L"CurrentValue")) {
-                objections |= ObjectionParentTooSmall;
+                objections |= kObjectionParentTooSmall;
             }
         }
     }

@@ -117,8 +117,8 @@ bool HasCapability(const Instance& adapter, std::int64_t code) {
 }
 
 bool SupportsMode(const Instance& adapter, std::int64_t mode) {
-    static constexpr std::int64_t codes[] = {4, 5, 9, 8, 10, 12, 68};
-    return mode >= 0 && mode <= kLastTeamMode && HasCapability(adapter, codes[mode]);
+    static constexpr std::int64_t kCodes[] = {4, 5, 9, 8, 10, 12, 68};
+    return mode >= 0 && mode <= kLastTeamMode && HasCapability(adapter, kCodes[mode]);
 }
 
 HRESULT AddMember(Repository& store, const Instance& team, const Instance& adapter,

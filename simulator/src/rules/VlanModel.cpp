@@ -12,9 +12,9 @@ namespace quillet::simulator {
 
 namespace {
 
-constexpr std::int64_t LastNumber = 4094;
-constexpr std::size_t MostVlans = 64;
-constexpr std::int64_t Enabled = 3;
+constexpr std::int64_t kLastNumber = 4094;
+constexpr std::size_t kMostVlans = 64;
+constexpr std::int64_t kEnabled = 3;
 
 /// The settings of a new VLAN, as the shipped machines have them. The untagged VLAN has no priority: its
 /// frames carry none to set.
@@ -73,14 +73,14 @@ std::vector<InstancePtr> VlansOf(const Repository& store, const std::wstring& pa
 
 HRESULT MayHaveVlan(const Repository& store, const std::wstring& parentId, std::int64_t number,
                     const std::wstring& name, const std::wstring& self) {
-    if (number < 0 || number > LastNumber) {
+    if (number < 0 || number > kLastNumber) {
         return HRESULT(WBEM_E_VALUE_OUT_OF_RANGE);
     }
     if (name.empty()) {
         return HRESULT(WBEM_E_INVALID_PARAMETER);
     }
     const auto siblings = VlansOf(store, parentId);
-    if (self.empty() && siblings.size() >= MostVlans) {
+    if (self.empty() && siblings.size() >= kMostVlans) {
         return HRESULT(WBEM_E_QUOTA_VIOLATION);
     }
     const bool isTaken = std::any_of(siblings.begin(), siblings.end(), [&](const InstancePtr& other) {
@@ -111,7 +111,7 @@ HRESULT AddVlan(Repository& store, const std::wstring& parentId, std::int64_t nu
     vlan.Set(L"ParentID", Value::Text(parentId));
     vlan.Set(L"VLANName", Value::Text(name));
     vlan.Set(L"VLANNumber", Value::Signed(number));
-    vlan.Set(L"StatusInfo", Value::Signed(Enabled));
+    vlan.Set(L"StatusInfo", Value::Signed(kEnabled));
     if (const HRESULT put = store.PutInstance(vlan, WriteMode::CreateOnly); FAILED(put)) {
         return put;
     }

@@ -16,6 +16,11 @@ std::wstring Folded(std::wstring_view text);
 /// Three-way comparison of two texts without regard to case.
 int CompareFolded(std::wstring_view left, std::wstring_view right) noexcept;
 
+/// A name as messages show it.
+inline std::wstring Quoted(std::wstring_view name) {
+    return L"'" + std::wstring(name) + L"'";
+}
+
 /// Appends a Unicode character; on hosts with 16-bit characters those above U+FFFF become two.
 void AppendCharacter(std::wstring& text, char32_t character);
 /// On hosts with 32-bit characters, joins surrogate pairs (from two \x escapes, say) into the characters

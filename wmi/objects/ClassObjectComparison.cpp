@@ -1,5 +1,5 @@
 // Whether two objects say the same.
-#include "com/ClassObject.h"
+#include "objects/ClassObject.h"
 
 #include <algorithm>
 

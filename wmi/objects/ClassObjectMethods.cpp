@@ -1,7 +1,7 @@
 // The methods of a class, as IWbemClassObject tells them.
-#include "com/ClassObject.h"
+#include "objects/ClassObject.h"
 
-#include "com/QualifierSet.h"
+#include "objects/QualifierSet.h"
 
 #include <quillet-wmi/Variant.h>
 

@@ -1,5 +1,5 @@
 // IWbemQualifierSet.
-#include "com/QualifierSet.h"
+#include "objects/QualifierSet.h"
 
 #include <quillet-wmi/Variant.h>
 
@@ -10,8 +10,8 @@ namespace quillet::wmi {
 
 namespace {
 
-constexpr LONG PassesOnToInstances = WBEM_FLAVOR_FLAG_PROPAGATE_TO_INSTANCE;
-constexpr LONG OriginMask = WBEM_FLAVOR_MASK_ORIGIN;
+constexpr LONG kPassesOnToInstances = WBEM_FLAVOR_FLAG_PROPAGATE_TO_INSTANCE;
+constexpr LONG kOriginMask = WBEM_FLAVOR_MASK_ORIGIN;
 
 class QualifierSet final : public ComObject<IWbemQualifierSet, IID_IWbemQualifierSet> {
   public:
@@ -120,7 +120,7 @@ class QualifierSet final : public ComObject<IWbemQualifierSet, IID_IWbemQualifie
         return flags == 0 || flags == WBEM_FLAG_LOCAL_ONLY || flags == WBEM_FLAG_PROPAGATED_ONLY;
     }
     static bool Passes(const Qualifier& qualifier, LONG origin) {
-        const bool propagated = (qualifier.flavor & OriginMask) == WBEM_FLAVOR_ORIGIN_PROPAGATED;
+        const bool propagated = (qualifier.flavor & kOriginMask) == WBEM_FLAVOR_ORIGIN_PROPAGATED;
         return origin == 0 || propagated == (origin == WBEM_FLAG_PROPAGATED_ONLY);
     }
 
@@ -139,7 +139,7 @@ std::vector<Qualifier> VisibleQualifiers(const Qualifiers& qualifiers, LCID loca
     std::vector<Qualifier> visible;
     for (const auto& qualifier : qualifiers.All()) {
         // WMI passes these two on to instances whatever their declaration says.
-        const bool passesOn = (qualifier.flavor & PassesOnToInstances) != 0 ||
+        const bool passesOn = (qualifier.flavor & kPassesOnToInstances) != 0 ||
                               SameName(qualifier.name, L"key") || SameName(qualifier.name, L"CIMTYPE");
         if ((qualifier.amended && !view.amended) || (view.onInstance && !passesOn)) {
             continue;
@@ -150,7 +150,7 @@ std::vector<Qualifier> VisibleQualifiers(const Qualifiers& qualifiers, LCID loca
         }
         seen.localized.clear();
         if (view.onInstance) {
-            seen.flavor = (seen.flavor & ~OriginMask) | WBEM_FLAVOR_ORIGIN_PROPAGATED;
+            seen.flavor = (seen.flavor & ~kOriginMask) | WBEM_FLAVOR_ORIGIN_PROPAGATED;
         }
         if (qualifier.amended) {
             seen.flavor |= WBEM_FLAVOR_AMENDED;

@@ -1,5 +1,5 @@
 // The names of what an object has, its system properties among them, and going through them one by one.
-#include "com/ClassObject.h"
+#include "objects/ClassObject.h"
 
 #include <quillet-wmi/Variant.h>
 

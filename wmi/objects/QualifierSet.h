@@ -2,7 +2,7 @@
 #pragma once
 
 #include "com/ComObject.h"
-#include "com/Session.h"
+#include "connection/Session.h"
 
 namespace quillet::wmi {
 

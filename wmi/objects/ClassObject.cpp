@@ -1,7 +1,7 @@
 // IWbemClassObject.
-#include "com/ClassObject.h"
+#include "objects/ClassObject.h"
 
-#include "com/QualifierSet.h"
+#include "objects/QualifierSet.h"
 
 #include <quillet-wmi/Mof.h>
 #include <quillet-wmi/ObjectPath.h>

@@ -1,5 +1,5 @@
 // One client's connection.
-#include "com/Session.h"
+#include "connection/Session.h"
 
 #include <quillet-wmi/Variant.h>
 
