@@ -16,7 +16,7 @@ namespace {
 struct alignas(64) LivePart {
     std::atomic<long> count{0};
 };
-std::array<LivePart, OwnPart::Count> g_live;
+std::array<LivePart, OwnPart::kCount> g_live;
 
 /// Stands for an object in a marshalled stream; whoever queries it gets a copy of that object.
 class RetrievalSource final : public IUnknown {

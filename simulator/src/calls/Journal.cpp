@@ -134,7 +134,7 @@ struct alignas(64) Journal::Part {
 /// Threads write into parts of their own, and share no more than the number that puts their calls into one
 /// order.
 struct Journal::Parts {
-    std::array<Part, OwnPart::Count> all;
+    std::array<Part, OwnPart::kCount> all;
     alignas(64) std::atomic<std::uint64_t> next{0};
 
     /// While they are held no thread has a number without having written its call.

@@ -11,12 +11,12 @@ namespace quillet::wmi {
 /// Which part of something that is divided among the threads is the calling thread's. Two threads may have
 /// the same.
 struct OwnPart {
-    static constexpr std::size_t Count = 16; ///< how many parts there are
-    /// The part of the calling thread, below Count.
+    static constexpr std::size_t kCount = 16; ///< how many parts there are
+    /// The part of the calling thread, below kCount.
     static std::size_t Index() noexcept {
         static std::atomic<std::size_t> threads{0};
-        thread_local const std::size_t own = threads.fetch_add(1, std::memory_order_relaxed) % Count;
-        return own;
+        thread_local const std::size_t kOwn = threads.fetch_add(1, std::memory_order_relaxed) % kCount;
+        return kOwn;
     }
 };
 
@@ -50,7 +50,7 @@ class ReadMostlyMutex {
     struct alignas(64) Part {
         std::shared_mutex mutex;
     };
-    std::array<Part, OwnPart::Count> m_parts;
+    std::array<Part, OwnPart::kCount> m_parts;
 };
 
 } // namespace quillet::wmi
