@@ -11,7 +11,8 @@ namespace quillet::wmi {
 /// Which part of something that is divided among the threads is the calling thread's. Two threads may have
 /// the same.
 struct OwnPart {
-    static constexpr std::size_t kCount = 16;
+    static constexpr std::size_t kCount = 16; ///< how many parts there are
+    /// The part of the calling thread, below kCount.
     static std::size_t Index() noexcept {
         static std::atomic<std::size_t> threads{0};
         thread_local const std::size_t kOwn = threads.fetch_add(1, std::memory_order_relaxed) % kCount;
@@ -28,17 +29,21 @@ class ReadMostlyMutex {
     ReadMostlyMutex(const ReadMostlyMutex&) = delete;
     ReadMostlyMutex& operator=(const ReadMostlyMutex&) = delete;
 
+    /// Waits until nobody reads or writes, and keeps others out.
     void lock() {
         for (Part& part : m_parts) {
             part.mutex.lock();
         }
     }
+    /// Ends what lock() began.
     void unlock() {
         for (Part& part : m_parts) {
             part.mutex.unlock();
         }
     }
+    /// Waits until nobody writes, and keeps writers out.
     void lock_shared() { m_parts[OwnPart::Index()].mutex.lock_shared(); }
+    /// Ends what lock_shared() began.
     void unlock_shared() { m_parts[OwnPart::Index()].mutex.unlock_shared(); }
 
   private:
