@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     Repository again(L"HOST", L"ROOT\\Test");
-    for (const Repository::QualifierDeclaration& declaration : repository.QualifierDeclarations()) {
+    for (const QualifierDeclaration& declaration : repository.QualifierDeclarations()) {
         Require(again.DeclareQualifier(declaration) == 0,
                 "a qualifier can be declared in another repository");
     }

@@ -1,6 +1,7 @@
 // What the harnesses share: inputs as text, and a check that no build switches off.
 #pragma once
 
+#include <quillet-simulator/Repository.h>
 #include <quillet-wmi/Text.h>
 
 #include <cstdint>

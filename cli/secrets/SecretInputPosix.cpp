@@ -22,12 +22,12 @@ constexpr std::array kEnding{SIGINT, SIGTERM, SIGHUP};
 // What a handler needs, for there is one terminal and one prompt at a time.
 int g_silentTerminal = -1;
 termios g_modeBefore{};
-std::array<struct sigaction, kEnding.size()> actionsBefore{};
+std::array<struct sigaction, kEnding.size()> g_actionsBefore{};
 
 void Restore() {
     tcsetattr(g_silentTerminal, TCSAFLUSH, &g_modeBefore);
     for (std::size_t i = 0; i < kEnding.size(); ++i) {
-        sigaction(kEnding[i], &actionsBefore[i], nullptr);
+        sigaction(kEnding[i], &g_actionsBefore[i], nullptr);
     }
 }
 
@@ -59,10 +59,10 @@ class Silence {
             sigaddset(&action.sa_mask, signal);
         }
         for (std::size_t i = 0; i < kEnding.size(); ++i) {
-            sigaction(kEnding[i], nullptr, &actionsBefore[i]);
+            sigaction(kEnding[i], nullptr, &g_actionsBefore[i]);
         }
         for (std::size_t i = 0; i < kEnding.size(); ++i) {
-            if (actionsBefore[i].sa_handler != SIG_IGN) {
+            if (g_actionsBefore[i].sa_handler != SIG_IGN) {
                 sigaction(kEnding[i], &action, nullptr);
             }
         }
