@@ -21,3 +21,9 @@ foreach(target IN ITEMS quillet_platform quillet_records quillet_objects quillet
     endif()
   endforeach()
 endforeach()
+# Every start of the program compiles the schema, and unoptimised that takes half a second.
+if(CMAKE_CXX_FLAGS MATCHES "-O0")
+  foreach(target IN ITEMS quillet_wmi quillet_simulator)
+    target_compile_options(${target} PRIVATE -O1)
+  endforeach()
+endif()
