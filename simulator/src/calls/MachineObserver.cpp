@@ -71,8 +71,10 @@ void MachineObserver::After(const ObservedCall& call, HRESULT result, std::vecto
     entry.operation = call.operation;
     entry.target = call.target;
     entry.method = call.method;
-    entry.arguments = call.definition != nullptr ? ForJournal(*call.definition, std::move(arguments))
-                                                 : std::move(arguments);
+    if (call.definition != nullptr) {
+        arguments = ForJournal(*call.definition, std::move(arguments));
+    }
+    entry.arguments = std::move(arguments);
     if (call.context != nullptr) {
         entry.flags = call.context->flags;
         entry.hasContext = call.context->hasContext;
