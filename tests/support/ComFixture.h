@@ -39,7 +39,7 @@ class ComTest : public testing::Test {
   protected:
     /// The classes and instances of every test, after the provider's own schema.
     static const char* const MOF;
-    static constexpr const wchar_t* ALL = L"Test_All.Name=\"one\"";
+    static constexpr const wchar_t* kAll = L"Test_All.Name=\"one\"";
 
     ComTest();
     ~ComTest() override;

@@ -8,8 +8,8 @@ using ATL::CComPtr;
 
 namespace {
 
-constexpr LONG Forever = static_cast<LONG>(WBEM_INFINITE);
-constexpr const wchar_t* NET_SERVICE = L"Zorel_NetService.Name=\"ZorelNetService\"";
+constexpr LONG kForever = static_cast<LONG>(WBEM_INFINITE);
+constexpr const wchar_t* kNetService = L"Zorel_NetService.Name=\"ZorelNetService\"";
 
 class Fault : public ComTest {
   protected:
@@ -31,7 +31,7 @@ class Fault : public ComTest {
         return Get(one, name);
     }
 
-    CComPtr<IWbemClassObject> one = Object(ALL);
+    CComPtr<IWbemClassObject> one = Object(kAll);
 
   private:
     FaultRule m_rule;
@@ -42,9 +42,9 @@ TEST_F(Fault, HitsTheNthCallOnly) {
     rule.nth = 2;
     rule.code = HRESULT(WBEM_E_ACCESS_DENIED);
     Arm(rule);
-    EXPECT_EQ(Code(GetStatus(ALL)), "0x00000000");
-    EXPECT_EQ(Code(GetStatus(ALL)), "0x80041003");
-    EXPECT_EQ(Code(GetStatus(ALL)), "0x00000000");
+    EXPECT_EQ(Code(GetStatus(kAll)), "0x00000000");
+    EXPECT_EQ(Code(GetStatus(kAll)), "0x80041003");
+    EXPECT_EQ(Code(GetStatus(kAll)), "0x00000000");
     EXPECT_EQ(machine->Rules().Hits(), 1u);
 }
 
@@ -53,19 +53,19 @@ TEST_F(Fault, HitsEveryLaterCallWhenItRepeats) {
     rule.nth = 2;
     rule.repeat = true;
     Arm(rule);
-    EXPECT_EQ(Code(GetStatus(ALL)), "0x00000000");
-    EXPECT_EQ(Code(GetStatus(ALL)), "0x80041001");
-    EXPECT_EQ(Code(GetStatus(ALL)), "0x80041001");
+    EXPECT_EQ(Code(GetStatus(kAll)), "0x00000000");
+    EXPECT_EQ(Code(GetStatus(kAll)), "0x80041001");
+    EXPECT_EQ(Code(GetStatus(kAll)), "0x80041001");
     machine->Rules().Clear();
-    EXPECT_EQ(Code(GetStatus(ALL)), "0x00000000");
+    EXPECT_EQ(Code(GetStatus(kAll)), "0x00000000");
 }
 
 TEST_F(Fault, LooksOnlyAtCallsOnItsTarget) {
     Arm(Operation::GetObject, Effect::Fail, L"test_all");
     EXPECT_EQ(Code(GetStatus(L"Test_Lone=1")), "0x00000000");
-    EXPECT_EQ(Code(GetStatus(ALL)), "0x80041001");
+    EXPECT_EQ(Code(GetStatus(kAll)), "0x80041001");
     Arm(Operation::GetObject, Effect::Fail, L"Test_All.Name=\"two\"");
-    EXPECT_EQ(Code(GetStatus(ALL)), "0x00000000");
+    EXPECT_EQ(Code(GetStatus(kAll)), "0x00000000");
     EXPECT_EQ(Code(GetStatus(L"Test_All.Name=\"two\"")), "0x80041001");
     Arm(Operation::ExecQuery, Effect::Fail, L"Test_Lone");
     EXPECT_EQ(Code(Query(L"SELECT * FROM Test_All")), "0x00000000");
@@ -79,7 +79,7 @@ TEST_F(Fault, ACallOnWhatIsNoPathMeetsNoRuleForAClass) {
     Arm(Operation::GetObject, Effect::Fail, L"Test_All");
     EXPECT_EQ(Code(GetStatus(L"...")), "0x8004103A");
     EXPECT_EQ(machine->Rules().Hits(), 0u);
-    EXPECT_EQ(Code(GetStatus(ALL)), "0x80041001");
+    EXPECT_EQ(Code(GetStatus(kAll)), "0x80041001");
 }
 
 TEST_F(Fault, LooksOnlyAtCallsOfItsMethod) {
@@ -87,7 +87,7 @@ TEST_F(Fault, LooksOnlyAtCallsOfItsMethod) {
     rule.method = L"BeginApply";
     Arm(rule);
     const auto run = [this](const wchar_t* method) {
-        return Code(services->ExecMethod(_bstr_t(NET_SERVICE).GetBSTR(), _bstr_t(method).GetBSTR(), 0,
+        return Code(services->ExecMethod(_bstr_t(kNetService).GetBSTR(), _bstr_t(method).GetBSTR(), 0,
                                          nullptr, nullptr, nullptr, nullptr));
     };
     EXPECT_EQ(run(L"GetKavlorWarnings"), "0x00000000");
@@ -109,7 +109,7 @@ TEST_F(Fault, AnyProviderCallCanBeHit) {
     Arm(rule);
     EXPECT_EQ(V_VT(&static_cast<const VARIANT&>(Get(one, L"S8"))), VT_I2);
     EXPECT_EQ(Code(Query(L"SELECT * FROM Test_All")), "0x00000000");
-    EXPECT_EQ(Code(GetStatus(ALL)), "0x80041001");
+    EXPECT_EQ(Code(GetStatus(kAll)), "0x80041001");
 }
 
 TEST_F(Fault, EveryProviderCallCanFail) {
@@ -145,9 +145,9 @@ TEST_F(Fault, EveryProviderCallCanFail) {
           [&] { return services->ExecMethod(name, name, 0, nullptr, nullptr, nullptr, nullptr); });
     fails(Operation::PutInstance, [&] { return services->PutInstance(one, 0, nullptr, nullptr); });
     fails(Operation::DeleteInstance, [&] { return services->DeleteInstance(name, 0, nullptr, nullptr); });
-    fails(Operation::Next, [&] { return answer->Next(Forever, 1, &object, &returned); });
-    fails(Operation::GetCallStatus, [&] { return result->GetCallStatus(Forever, &status); });
-    fails(Operation::GetResultObject, [&] { return result->GetResultObject(Forever, &object); });
+    fails(Operation::Next, [&] { return answer->Next(kForever, 1, &object, &returned); });
+    fails(Operation::GetCallStatus, [&] { return result->GetCallStatus(kForever, &status); });
+    fails(Operation::GetResultObject, [&] { return result->GetResultObject(kForever, &object); });
     fails(Operation::Unsupported, [&] { return services->DeleteClass(name, 0, nullptr, nullptr); });
     EXPECT_EQ(other.p, nullptr);
     EXPECT_EQ(none.p, nullptr);
@@ -220,11 +220,11 @@ TEST_F(Fault, ObjectsHandedOutCanBeNull) {
     EXPECT_EQ(Code(services->ExecQuery(_bstr_t(L"WQL").GetBSTR(),
                                        _bstr_t(L"SELECT * FROM Test_All").GetBSTR(), 0, nullptr, &answer)),
               "0x00000000");
-    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(NET_SERVICE).GetBSTR(), _bstr_t(L"BeginApply").GetBSTR(), 0,
+    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(kNetService).GetBSTR(), _bstr_t(L"BeginApply").GetBSTR(), 0,
                                         nullptr, nullptr, &object, nullptr)),
               "0x00000000");
     EXPECT_EQ(Code(services->PutInstance(one, 0x20010, nullptr, &result)), "0x00000000");
-    EXPECT_EQ(Code(walk->Next(Forever, 1, &object, &returned)), "0x00000000");
+    EXPECT_EQ(Code(walk->Next(kForever, 1, &object, &returned)), "0x00000000");
     EXPECT_EQ(returned, 1u);
     EXPECT_EQ(Code(definition->GetMethod(L"Run", 0, &object, &second)), "0x00000000");
     EXPECT_EQ(Code(definition->SpawnInstance(0, &object)), "0x00000000");
@@ -241,7 +241,7 @@ TEST_F(Fault, ObjectsHandedOutCanBeNull) {
 TEST_F(Fault, OutParametersCanBeMissing) {
     Arm(Operation::ExecMethod, Effect::NoOutParameters);
     CComPtr<IWbemClassObject> out;
-    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(NET_SERVICE).GetBSTR(), _bstr_t(L"BeginApply").GetBSTR(), 0,
+    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(kNetService).GetBSTR(), _bstr_t(L"BeginApply").GetBSTR(), 0,
                                         nullptr, nullptr, &out, nullptr)),
               "0x00000000");
     EXPECT_EQ(out.p, nullptr);
@@ -253,7 +253,7 @@ TEST_F(Fault, AMethodCanBeRefusedByItsVerdict) {
     rule.verdict = 17;
     Arm(rule);
     CComPtr<IWbemClassObject> out;
-    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(NET_SERVICE).GetBSTR(), _bstr_t(L"BeginApply").GetBSTR(), 0,
+    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(kNetService).GetBSTR(), _bstr_t(L"BeginApply").GetBSTR(), 0,
                                         nullptr, nullptr, &out, nullptr)),
               "0x00000000");
     ASSERT_NE(out.p, nullptr);
@@ -271,11 +271,11 @@ TEST_F(Fault, AnEnumerationCanEndEarly) {
     Arm(rule);
     ULONG returned = 0;
     CComPtr<IWbemClassObject> object;
-    EXPECT_EQ(Code(answer->Next(Forever, 1, &object, &returned)), "0x00000000");
+    EXPECT_EQ(Code(answer->Next(kForever, 1, &object, &returned)), "0x00000000");
     object.Release();
-    EXPECT_EQ(Code(answer->Next(Forever, 1, &object, &returned)), "0x00000001");
+    EXPECT_EQ(Code(answer->Next(kForever, 1, &object, &returned)), "0x00000001");
     EXPECT_EQ(returned, 0u);
-    EXPECT_EQ(Code(answer->Next(Forever, 1, &object, &returned)), "0x00000001");
+    EXPECT_EQ(Code(answer->Next(kForever, 1, &object, &returned)), "0x00000001");
 }
 
 TEST_F(Fault, AStatusCanFailLater) {
@@ -287,15 +287,15 @@ TEST_F(Fault, AStatusCanFailLater) {
     CComPtr<IWbemCallResult> result;
     LONG status = 0;
     ASSERT_EQ(Code(services->PutInstance(one, 0x20010, nullptr, &result)), "0x00000000");
-    ASSERT_EQ(result->GetCallStatus(Forever, &status), S_OK);
+    ASSERT_EQ(result->GetCallStatus(kForever, &status), S_OK);
     EXPECT_EQ(Code(status), "0x80041004");
-    EXPECT_EQ(machine->Store().FindInstance(ALL)->Text(L"Caption"), L"First");
+    EXPECT_EQ(machine->Store().FindInstance(kAll)->Text(L"Caption"), L"First");
     EXPECT_EQ(Code(services->PutInstance(one, 0, nullptr, nullptr)), "0x80041004");
     machine->Rules().Clear();
     Arm(Operation::GetCallStatus, Effect::FailStatus);
     result.Release();
     ASSERT_EQ(Code(services->PutInstance(one, 0x20010, nullptr, &result)), "0x00000000");
-    ASSERT_EQ(result->GetCallStatus(Forever, &status), S_OK);
+    ASSERT_EQ(result->GetCallStatus(kForever, &status), S_OK);
     EXPECT_EQ(Code(status), "0x80041001");
 }
 
@@ -306,7 +306,7 @@ TEST_F(Fault, ARemovalCanFailLater) {
                                             nullptr, &result)),
               "0x00000000");
     LONG status = 0;
-    ASSERT_EQ(result->GetCallStatus(Forever, &status), S_OK);
+    ASSERT_EQ(result->GetCallStatus(kForever, &status), S_OK);
     EXPECT_EQ(Code(status), "0x80041001");
     EXPECT_EQ(Code(GetStatus(L"Test_Lone=1")), "0x00000000") << "it was removed all the same";
 }
@@ -438,7 +438,7 @@ TEST_F(Fault, ADelayTakesRealAndSimulatedTime) {
     rule.milliseconds = 30;
     Arm(rule);
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(Code(GetStatus(ALL)), "0x00000000");
+    EXPECT_EQ(Code(GetStatus(kAll)), "0x00000000");
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(30));
     EXPECT_EQ(machine->Now(), std::chrono::milliseconds(30));
 }
@@ -458,7 +458,7 @@ TEST_F(Fault, ADelayComesOnTopOfAnotherFault) {
     auto& failing = Rule(Operation::GetObject, Effect::Fail);
     failing.milliseconds = 7;
     Arm(failing);
-    EXPECT_EQ(Code(GetStatus(ALL)), "0x80041001");
+    EXPECT_EQ(Code(GetStatus(kAll)), "0x80041001");
     EXPECT_EQ(machine->Now(), std::chrono::milliseconds(12));
     EXPECT_EQ(machine->Rules().Hits(), 1u);
 }

@@ -9,7 +9,7 @@ namespace {
 class Recorded : public ComTest {};
 
 TEST_F(Recorded, ProviderCallsInTheirOrder) {
-    const auto one = Object(ALL);
+    const auto one = Object(kAll);
     EXPECT_EQ(Code(Query(L"SELECT * FROM Test_Lone", nullptr)), "0x00000000");
     std::vector<std::wstring> names;
     EXPECT_EQ(Code(Query(L"SELECT * FROM Test_Lone", &names)), "0x00000000");
@@ -42,7 +42,7 @@ TEST_F(Recorded, ParametersInTheOrderOfThePuts) {
     ASSERT_EQ(Put(in, L"Names", TextArray({L"a", L"b"})), S_OK);
     ASSERT_EQ(Put(in, L"Data", ByteArray({1, 2, 3, 4, 5, 6, 7, 8, 9, 10})), S_OK);
     ASSERT_EQ(Put(in, L"Count", I4(5)), S_OK);
-    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(ALL).GetBSTR(), _bstr_t(L"Run").GetBSTR(), 0, nullptr, in,
+    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(kAll).GetBSTR(), _bstr_t(L"Run").GetBSTR(), 0, nullptr, in,
                                         nullptr, nullptr)),
               "0x8004100C");
     const auto call = machine->Calls().All().back();
@@ -60,13 +60,13 @@ TEST_F(Recorded, SecretsNowhere) {
     machine->Calls().RecordLocal(true);
     const auto in = InParameters(L"Test_All", L"Run");
     ASSERT_EQ(Put(in, L"Password", L"open sesame"), S_OK);
-    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(ALL).GetBSTR(), _bstr_t(L"Run").GetBSTR(), 0, nullptr, in,
+    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(kAll).GetBSTR(), _bstr_t(L"Run").GetBSTR(), 0, nullptr, in,
                                         nullptr, nullptr)),
               "0x8004100C");
-    const auto one = Object(ALL);
+    const auto one = Object(kAll);
     ASSERT_EQ(Put(one, L"Password", L"open sesame"), S_OK);
     ASSERT_EQ(services->PutInstance(one, 0, nullptr, nullptr), S_OK);
-    EXPECT_EQ(Get(Object(ALL), L"Password"), _variant_t(L"open sesame"));
+    EXPECT_EQ(Get(Object(kAll), L"Password"), _variant_t(L"open sesame"));
     int masked = 0;
     for (const auto& call : machine->Calls().All()) {
         EXPECT_THAT(Narrow(call.Line()), testing::Not(testing::HasSubstr("sesame")));
@@ -81,7 +81,7 @@ TEST_F(Recorded, SecretsNowhere) {
 }
 
 TEST_F(Recorded, LocalCallsOnlyWhenAskedFor) {
-    const auto one = Object(ALL);
+    const auto one = Object(kAll);
     Get(one, L"Name");
     EXPECT_EQ(machine->Calls().Size(), 1u);
     machine->Calls().RecordLocal(true);
@@ -109,7 +109,7 @@ TEST_F(Recorded, LocalCallsOnlyWhenAskedFor) {
 }
 
 TEST_F(Recorded, PutsOnlyUntilTheyArrived) {
-    const auto one = Object(ALL);
+    const auto one = Object(kAll);
     ASSERT_EQ(Put(one, L"Caption", L"a"), S_OK);
     ASSERT_EQ(services->PutInstance(one, 0, nullptr, nullptr), S_OK);
     ASSERT_EQ(Put(one, L"U8", I4(1)), S_OK);
@@ -134,7 +134,7 @@ TEST_F(Recorded, ALineIsALine) {
 
 TEST_F(Recorded, RealsAndMissingElementsAreShown) {
     machine->Calls().RecordLocal(true);
-    const auto one = Object(ALL);
+    const auto one = Object(kAll);
     ASSERT_EQ(Put(one, L"R64", 0.125), S_OK);
     EXPECT_EQ(Narrow(machine->Calls().All().back().Line()), "Put R64(R64=0.125000) -> 0x00000000");
     JournalEntry entry;

@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_BootAgent { Name = "{A}"; FlashImage = {1, 2, 255}; };
     instance of Zorel_BootAgent { Name = "{B}"; };
@@ -20,7 +20,7 @@ constexpr const char* MACHINE = R"(
     instance of Zorel_BootAgent_iSCSI_Adapters { Name = "{B}"; iSCSI_Status = 2; };
     instance of Zorel_BootAgent_iSCSI_Adapters { Name = "{C}"; iSCSI_Status = 0; };)";
 
-constexpr const wchar_t* AGENT = LR"(Zorel_BootAgent.Name="{A}")";
+constexpr const wchar_t* kAgent = LR"(Zorel_BootAgent.Name="{A}")";
 
 Value::Array Names(std::initializer_list<const wchar_t*> names) {
     Value::Array array;
@@ -32,7 +32,7 @@ Value::Array Names(std::initializer_list<const wchar_t*> names) {
 
 class NetworkBootTest : public MethodCalls {
   protected:
-    void SetUp() override { Use(MACHINE); }
+    void SetUp() override { Use(kMachine); }
 
     static std::vector<std::uint8_t> Image(std::size_t size = 100) {
         return WriteFlashImage(
@@ -40,7 +40,7 @@ class NetworkBootTest : public MethodCalls {
     }
     std::int64_t Program(const std::vector<std::uint8_t>& image, Value types) {
         const auto out =
-            Call(AGENT, L"ProgramFlashEx", {{L"NewFlashData", Value(image)}, {L"ImageType", types}});
+            Call(kAgent, L"ProgramFlashEx", {{L"NewFlashData", Value(image)}, {L"ImageType", types}});
         return out != nullptr ? out->Number(L"FlashRetCode", -1) : -1;
     }
     std::int64_t Place(const wchar_t* port, const wchar_t* className = L"Zorel_BootAgent_iSCSI_Adapters") {
@@ -54,9 +54,9 @@ class NetworkBootTest : public MethodCalls {
 };
 
 TEST_F(NetworkBootTest, Flash_IsReadAsItIs) {
-    const auto out = Call(AGENT, L"ReadFlash", {});
+    const auto out = Call(kAgent, L"ReadFlash", {});
     EXPECT_EQ(*out->Find(L"FlashData"), Value(Value::Bytes{1, 2, 255}));
-    EXPECT_EQ(out->Find(L"FlashData")->AsBytes(), Find(AGENT)->Find(L"FlashImage")->AsBytes())
+    EXPECT_EQ(out->Find(L"FlashData")->AsBytes(), Find(kAgent)->Find(L"FlashImage")->AsBytes())
         << "the bytes are shared, not copied";
 }
 
@@ -71,7 +71,7 @@ TEST_F(NetworkBootTest, Programming_TakesSimulatedTimeByTheImagesSize) {
 
 TEST_F(NetworkBootTest, Programming_ChangesTheWholeDescription) {
     EXPECT_EQ(Program(Image(), Value(Names({L"PXE"}))), 0);
-    auto agent = Find(AGENT);
+    auto agent = Find(kAgent);
     EXPECT_EQ(*agent->Find(L"FlashImage"), Value(Image()));
     EXPECT_EQ(agent->Text(L"Version"), L"1.4.0");
     EXPECT_EQ(agent->Number(L"VersionNumber"), 0x10400);
@@ -79,13 +79,13 @@ TEST_F(NetworkBootTest, Programming_ChangesTheWholeDescription) {
     EXPECT_EQ(agent->Number(L"InstalledFlashImageTypes"), 1);
     EXPECT_EQ(agent->Number(L"UpdateAvailable", -1), 0);
     EXPECT_EQ(Program(Image(), Value(Names({L"EFI"}))), 0);
-    agent = Find(AGENT);
+    agent = Find(kAgent);
     EXPECT_EQ(agent->Text(L"Version"), L"2.0");
     EXPECT_TRUE(agent->Find(L"VersionNumber")->IsNull()) << "not three numbers";
     EXPECT_EQ(agent->Number(L"FlashImageType"), 2);
     EXPECT_EQ(Program(Image(), Value(Names({}))), 0) << "no name stands for all images";
-    EXPECT_EQ(Find(AGENT)->Number(L"InstalledFlashImageTypes"), 3);
-    EXPECT_TRUE(Find(AGENT)->Find(L"FlashImageType")->IsNull()) << "there is no code for these two";
+    EXPECT_EQ(Find(kAgent)->Number(L"InstalledFlashImageTypes"), 3);
+    EXPECT_TRUE(Find(kAgent)->Find(L"FlashImageType")->IsNull()) << "there is no code for these two";
 }
 
 TEST_F(NetworkBootTest, Programming_TellsWhichTypesAreInstalled) {
@@ -95,8 +95,8 @@ TEST_F(NetworkBootTest, Programming_TellsWhichTypesAreInstalled) {
             images.push_back({type, L"1.0", 0, 1, {9}});
         }
         EXPECT_EQ(Program(WriteFlashImage(images), Value()), 0);
-        return std::pair(Find(AGENT)->Number(L"InstalledFlashImageTypes"),
-                         Find(AGENT)->Number(L"FlashImageType", -1));
+        return std::pair(Find(kAgent)->Number(L"InstalledFlashImageTypes"),
+                         Find(kAgent)->Number(L"FlashImageType", -1));
     };
     EXPECT_EQ(installed({L"Other"}), std::pair(std::int64_t{0}, std::int64_t{0}));
     EXPECT_EQ(installed({L"PXE"}), std::pair(std::int64_t{1}, std::int64_t{1}));
@@ -113,13 +113,13 @@ TEST_F(NetworkBootTest, Programming_AnAgentThatIsRemovedMeanwhile_IsNotFound) {
     const auto start = machine->Now();
     std::thread other([this] {
         std::this_thread::sleep_for(100ms);
-        EXPECT_EQ(machine->Store().DeleteInstance(*ObjectPath::Parse(AGENT)), S_OK);
+        EXPECT_EQ(machine->Store().DeleteInstance(*ObjectPath::Parse(kAgent)), S_OK);
     });
-    EXPECT_EQ(Call(AGENT, L"ProgramFlashEx", parameters), nullptr);
+    EXPECT_EQ(Call(kAgent, L"ProgramFlashEx", parameters), nullptr);
     other.join();
     EXPECT_EQ(result, HRESULT(WBEM_E_NOT_FOUND));
     EXPECT_GE(machine->Now() - start, 1500ms) << "it was refused before it began";
-    EXPECT_EQ(Find(AGENT), nullptr);
+    EXPECT_EQ(Find(kAgent), nullptr);
 }
 
 TEST_F(NetworkBootTest, Programming_IsRefusedForWrongImagesAndTypes) {
@@ -130,17 +130,17 @@ TEST_F(NetworkBootTest, Programming_IsRefusedForWrongImagesAndTypes) {
     EXPECT_EQ(Program(Image(), Value(Names({L"iSCSI"}))), 8);
     EXPECT_EQ(Program(Image(), Value(Names({L"PXE", L"pxe"}))), 8);
     EXPECT_EQ(Program(Image(), Value(Value::Array{std::nullopt})), 8);
-    EXPECT_EQ(*Find(AGENT)->Find(L"FlashImage"), Value(Value::Bytes{1, 2, 255}));
-    Call(AGENT, L"ProgramFlashEx", {});
+    EXPECT_EQ(*Find(kAgent)->Find(L"FlashImage"), Value(Value::Bytes{1, 2, 255}));
+    Call(kAgent, L"ProgramFlashEx", {});
     EXPECT_EQ(result, S_OK) << "without parameters there is no image";
 }
 
 TEST_F(NetworkBootTest, PowerCut_HappensHalfwayAndLeavesTheOldImage) {
     const auto start = machine->Now();
-    EXPECT_EQ(Call(AGENT, L"ProgramFlashEx", {{L"NewFlashData", Value(Image())}}, E_ACCESSDENIED), nullptr);
+    EXPECT_EQ(Call(kAgent, L"ProgramFlashEx", {{L"NewFlashData", Value(Image())}}, E_ACCESSDENIED), nullptr);
     EXPECT_EQ(result, E_ACCESSDENIED);
     EXPECT_EQ(machine->Now() - start, 250ms);
-    EXPECT_EQ(*Find(AGENT)->Find(L"FlashImage"), Value(Value::Bytes{1, 2, 255}));
+    EXPECT_EQ(*Find(kAgent)->Find(L"FlashImage"), Value(Value::Bytes{1, 2, 255}));
 }
 
 TEST_F(NetworkBootTest, Changes_NeedARestartAndTheStrictMachinesClientSet) {
@@ -150,10 +150,10 @@ TEST_F(NetworkBootTest, Changes_NeedARestartAndTheStrictMachinesClientSet) {
     EXPECT_EQ(machine->Internals().sets.Close(0), 1);
     MachineOptions strict;
     strict.strict = true;
-    Use(MACHINE, strict);
+    Use(kMachine, strict);
     EXPECT_EQ(Program(Image(), Value()), -1);
     EXPECT_EQ(result, HRESULT(WBEM_E_ACCESS_DENIED));
-    EXPECT_EQ(*Find(AGENT)->Find(L"FlashImage"), Value(Value::Bytes{1, 2, 255}));
+    EXPECT_EQ(*Find(kAgent)->Find(L"FlashImage"), Value(Value::Bytes{1, 2, 255}));
     EXPECT_EQ(
         Call(LR"(Zorel_BootAgent.Name="{B}")", L"SetiSCSI_Status", {{L"iSCSI_State", Value::Signed(1)}}),
         nullptr);
@@ -169,19 +169,19 @@ TEST_F(NetworkBootTest, AProgrammedMachine_IsSavedAndLoadedByteForByte) {
     const auto image = WriteFlashImage({{L"PXE", L"1.4.0", 0, 1, contents}});
     EXPECT_EQ(Program(image, Value()), 0);
     Use(machine->Save());
-    ASSERT_NE(Find(AGENT)->Find(L"FlashImage")->AsBytes(), nullptr);
-    EXPECT_EQ(*Find(AGENT)->Find(L"FlashImage")->AsBytes(), image);
-    EXPECT_EQ(Find(AGENT)->Text(L"Version"), L"1.4.0");
+    ASSERT_NE(Find(kAgent)->Find(L"FlashImage")->AsBytes(), nullptr);
+    EXPECT_EQ(*Find(kAgent)->Find(L"FlashImage")->AsBytes(), image);
+    EXPECT_EQ(Find(kAgent)->Text(L"Version"), L"1.4.0");
 }
 
 TEST_F(NetworkBootTest, ImageFiles_AreListedInTheirOrder) {
-    const auto out = Call(AGENT, L"ReadImageFile", {{L"FlashData", Value(Image())}});
+    const auto out = Call(kAgent, L"ReadImageFile", {{L"FlashData", Value(Image())}});
     EXPECT_EQ(out->Number(L"FlashRetCode", -1), 0);
     EXPECT_EQ(*out->Find(L"ImageType"), Value(Names({L"PXE", L"EFI"})));
     EXPECT_EQ(*out->Find(L"ImageVersionNumber"), Value(Names({L"1.4.0", L"2.0"})));
     EXPECT_EQ(out->Find(L"ImageGroupNumber")->Size(), 2u);
     EXPECT_EQ(out->Find(L"ImageExposeLevel")->Size(), 2u);
-    const auto refused = Call(AGENT, L"ReadImageFile", {{L"FlashData", Value(Value::Bytes{1})}});
+    const auto refused = Call(kAgent, L"ReadImageFile", {{L"FlashData", Value(Value::Bytes{1})}});
     EXPECT_EQ(refused->Number(L"FlashRetCode", -1), 1);
     EXPECT_TRUE(refused->Find(L"ImageType")->IsNull());
 }
@@ -204,7 +204,7 @@ TEST_F(NetworkBootTest, Places_ThereIsOnePrimaryPort) {
 TEST_F(NetworkBootTest, Places_OthersAreRefused) {
     EXPECT_EQ(Set(L"{A}", 3), 1);
     EXPECT_EQ(Set(L"{A}", -1), 1);
-    Call(AGENT, L"SetiSCSI_Status", {});
+    Call(kAgent, L"SetiSCSI_Status", {});
     EXPECT_EQ(result, S_OK);
     EXPECT_EQ(Place(L"{A}"), 1);
     Use(R"(instance of Zorel_BootAgent { Name = "{D}"; };)");

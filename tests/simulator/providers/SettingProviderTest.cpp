@@ -6,7 +6,7 @@ using ATL::CComPtr;
 
 namespace {
 
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter as $A { DeviceID = "{A}"; };
     instance of Zorel_PhysicalEthernetAdapter as $B { DeviceID = "{B}"; };
@@ -51,7 +51,7 @@ constexpr const char* MACHINE = R"(
 class WrittenSettings : public ComTest {
   protected:
     void SetUp() override {
-        Use(MACHINE);
+        Use(kMachine);
         Connect();
     }
 
@@ -221,7 +221,7 @@ TEST_F(WrittenSettings, AVlanSaysWhatSpeaksAgainstItsValue) {
 }
 
 TEST_F(WrittenSettings, AnEnumerationWithoutPossibleValuesTakesNone) {
-    Use(std::string(MACHINE) + R"(instance of Zorel_AdapterSettingEnum {
+    Use(std::string(kMachine) + R"(instance of Zorel_AdapterSettingEnum {
         Caption = "Unfinished"; ParentId = "{A}"; ParentType = "NIC"; CurrentValue = 0; };)");
     Connect();
     EXPECT_EQ(Write(Path(L"Enum", L"Unfinished"), L"CurrentValue", I4(1)), "0x8004102B");
@@ -258,7 +258,7 @@ TEST_F(WrittenSettings, PowerCapabilitiesNeedPowerManagement) {
 }
 
 TEST_F(WrittenSettings, AStrictMachineTakesChangesOnlyInsideASet) {
-    Use(MACHINE, Options(true));
+    Use(kMachine, Options(true));
     Connect();
     EXPECT_EQ(Write(Path(L"Int", L"Int"), L"CurrentValue", I4(88)), "0x80041003");
     EXPECT_EQ(Power(L"{A}", L"SetPowerUsageOptions", {{L"SmartPowerDown", 0}}), "0x80041003");

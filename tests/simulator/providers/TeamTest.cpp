@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 namespace {
 
 /// A team for switch fault tolerance, with a member too many and links of two speeds.
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter as $A {
         DeviceID = "{A}"; HardwareStatus = 3; Speed = 1000000000; Capabilities = {12, 33, 34}; };
@@ -26,15 +26,15 @@ constexpr const char* MACHINE = R"(
     instance of Zorel_TeamedMemberAdapter { GroupComponent = $T; PartComponent = $B; };
     instance of Zorel_TeamedMemberAdapter { GroupComponent = $T; PartComponent = $C; };)";
 
-constexpr const wchar_t* TEAM = LR"(Zorel_TeamOfAdapters.Name="{T}")";
-constexpr const wchar_t* MEMBER =
+constexpr const wchar_t* kTeam = LR"(Zorel_TeamOfAdapters.Name="{T}")";
+constexpr const wchar_t* kMember =
     LR"(Zorel_TeamedMemberAdapter.GroupComponent="Zorel_TeamOfAdapters.Name=\"{T}\"",)"
     LR"(PartComponent="Zorel_PhysicalEthernetAdapter.DeviceID=\"{A}\"")";
 
 class Teams : public ComTest {
   protected:
     void SetUp() override {
-        Use(MACHINE);
+        Use(kMachine);
         Connect();
     }
     std::string Write(IWbemClassObject* object, LONG flags = 0) {
@@ -46,7 +46,7 @@ class Teams : public ComTest {
     std::string TestSwitch(LONG command) {
         const auto in = InParameters(L"Zorel_TeamOfAdapters", L"TestSwitchConfiguration");
         EXPECT_EQ(Put(in, L"Cmd", I4(command)), S_OK);
-        return Run(TEAM, L"TestSwitchConfiguration", in);
+        return Run(kTeam, L"TestSwitchConfiguration", in);
     }
     std::vector<std::wstring> TakeTexts(const wchar_t* name) {
         auto value = Get(out, name);
@@ -77,7 +77,7 @@ class Teams : public ComTest {
 };
 
 TEST_F(Teams, AClientWritesOnlyTheTeamsThatAreThere) {
-    const auto team = Object(TEAM);
+    const auto team = Object(kTeam);
     EXPECT_EQ(Write(team), "0x00000000");
     EXPECT_EQ(Write(team, WBEM_FLAG_CREATE_ONLY), "0x80041019");
     ASSERT_EQ(Put(team, L"Name", L"{W}"), S_OK);
@@ -95,12 +95,12 @@ TEST_F(Teams, WhatIsAskedOfATeamIsNotAnsweredByTheClass) {
 }
 
 TEST_F(Teams, TwoCannotHaveOneName) {
-    const auto team = Object(TEAM);
+    const auto team = Object(kTeam);
     ASSERT_EQ(Put(team, L"Caption", L"TEAM : two"), S_OK);
     EXPECT_EQ(Write(team), "0x80041019");
     ASSERT_EQ(Put(team, L"Caption", L"  "), S_OK);
     EXPECT_EQ(Write(team), "0x80041008");
-    EXPECT_EQ(machine->Store().FindInstance(TEAM)->Text(L"Caption"), L"TEAM : one");
+    EXPECT_EQ(machine->Store().FindInstance(kTeam)->Text(L"Caption"), L"TEAM : one");
 }
 
 TEST_F(Teams, ACreationThatFailsHalfwayLeavesNothing) {
@@ -111,7 +111,7 @@ TEST_F(Teams, ACreationThatFailsHalfwayLeavesNothing) {
     for (const auto& stray : {"instance of Zorel_LogicalEthernetAdapter { DeviceID = \"" + id + "\"; };",
                               "instance of Zorel_802dot1QVLANService { Name = \"" + id + "\"; };"}) {
         SCOPED_TRACE(stray);
-        Use(MACHINE + stray);
+        Use(kMachine + stray);
         Connect();
         EXPECT_EQ(Create(), "0x80041019");
         EXPECT_EQ(machine->Store().Instances(L"Zorel_TeamOfAdapters").size(), 2u);
@@ -121,7 +121,7 @@ TEST_F(Teams, ACreationThatFailsHalfwayLeavesNothing) {
 }
 
 TEST_F(Teams, AMembershipIsMadeOnceAndChangedWhereItIs) {
-    const auto member = Object(MEMBER);
+    const auto member = Object(kMember);
     EXPECT_EQ(Write(member, WBEM_FLAG_CREATE_ONLY), "0x80041019");
     EXPECT_EQ(Write(member, WBEM_FLAG_UPDATE_ONLY), "0x00000000");
     ASSERT_EQ(Put(member, L"PartComponent", LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{D}")"), S_OK);
@@ -136,12 +136,12 @@ TEST_F(Teams, AMembershipOfATeamThatIsGoneCanBeRemoved) {
            instance of Zorel_TeamedMemberAdapter {
                GroupComponent = "Zorel_TeamOfAdapters.Name=\"{T}\""; PartComponent = $A; AdapterFunction = 1; };)");
     Connect();
-    EXPECT_EQ(Code(services->DeleteInstance(_bstr_t(MEMBER).GetBSTR(), 0, nullptr, nullptr)), "0x00000000");
+    EXPECT_EQ(Code(services->DeleteInstance(_bstr_t(kMember).GetBSTR(), 0, nullptr, nullptr)), "0x00000000");
     EXPECT_EQ(machine->Store().Instances(L"Zorel_TeamedMemberAdapter").size(), 0u);
 }
 
 TEST_F(Teams, AMemberWithoutItsAdapterDoesNotKeepATeamFromAnything) {
-    Use(std::string(MACHINE) + R"(
+    Use(std::string(kMachine) + R"(
         instance of Zorel_TeamedMemberAdapter { GroupComponent = $T; AdapterStatus = 1;
             PartComponent = "Zorel_PhysicalEthernetAdapter.DeviceID=\"{gone}\""; };
         instance of Zorel_AdapterSettingEnum { Caption = "Enum"; ParentId = "{A}"; ParentType = "NIC";
@@ -158,7 +158,7 @@ TEST_F(Teams, AMemberWithoutItsAdapterDoesNotKeepATeamFromAnything) {
     ASSERT_EQ(Put(in, L"Adapter", LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")"), S_OK);
     ASSERT_EQ(Put(in, L"SettingName", L"Enum"), S_OK);
     ASSERT_EQ(Put(in, L"Value", I4(1)), S_OK);
-    EXPECT_EQ(Run(TEAM, L"ValidateSetting", in), "0x00000000");
+    EXPECT_EQ(Run(kTeam, L"ValidateSetting", in), "0x00000000");
     EXPECT_EQ(Get(out, L"ValResult"), _variant_t(L"8")) << "{B} and {C} have no such setting";
 }
 
@@ -179,7 +179,7 @@ TEST_F(Teams, TheTestOfTheSwitchNamesEachTroubleWithWhatHelps) {
 }
 
 TEST_F(Teams, TheBestModeIsTheSimplestWhereTheMembersCanDoNone) {
-    ASSERT_EQ(Run(TEAM, L"GetBestTeamMode", nullptr), "0x00000000");
+    ASSERT_EQ(Run(kTeam, L"GetBestTeamMode", nullptr), "0x00000000");
     EXPECT_EQ(Get(out, L"Status"), I4(2));
     EXPECT_EQ(Get(out, L"PercentOfCoverage"), I4(100));
     EXPECT_EQ(Get(out, L"TeamingMode"), I4(0));

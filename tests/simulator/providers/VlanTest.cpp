@@ -8,7 +8,7 @@ using ATL::CComPtr;
 
 namespace {
 
-constexpr const char* MACHINE = R"(
+constexpr const char* kMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Caption = "Alpha"; };
     instance of Zorel_PhysicalEthernetAdapter as $M { DeviceID = "{M}"; Caption = "Member"; };
@@ -22,7 +22,7 @@ constexpr const char* MACHINE = R"(
 class Vlans : public ComTest {
   protected:
     void SetUp() override {
-        Use(MACHINE);
+        Use(kMachine);
         Connect();
     }
 
@@ -189,7 +189,7 @@ TEST_F(Vlans, FollowUpsAreWhatTheMachineSays) {
     };
     ASSERT_EQ(Create(L"{A}", 5, L"Lab"), "0x00000000");
     EXPECT_EQ(followUp(Begin()), 0) << "nothing is said of VLANs";
-    Use(std::string(MACHINE) + R"(
+    Use(std::string(kMachine) + R"(
         instance of QuilletSimulator_FollowUp { ClassName = "Zorel_VLAN"; Action = 2; };
         instance of QuilletSimulator_FollowUp { ClassName = "Test_Base"; };)");
     Connect();
@@ -206,10 +206,10 @@ TEST_F(Vlans, FollowUpsAreWhatTheMachineSays) {
 
 TEST_F(Vlans, AreNeverTwoOfANumberHoweverManyAsk) {
     // Each thread asks the machine for the same numbers.
-    constexpr int THREADS = 4;
+    constexpr int kThreads = 4;
     std::vector<std::thread> threads;
     std::atomic<int> made{0};
-    for (int thread = 0; thread < THREADS; ++thread) {
+    for (int thread = 0; thread < kThreads; ++thread) {
         threads.emplace_back([this, &made, thread] {
             ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)));
             for (LONG number = 1; number <= 20; ++number) {

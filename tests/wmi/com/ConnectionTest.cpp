@@ -79,7 +79,7 @@ TEST_F(Connection, EveryServiceCallNeedsTheBlanket) {
     ASSERT_EQ(Locator()->ConnectServer(_bstr_t(L"ROOT\\MarloLUM2").GetBSTR(), nullptr, nullptr, nullptr, 0,
                                        nullptr, nullptr, &bare),
               S_OK);
-    const auto one = Object(ALL);
+    const auto one = Object(kAll);
     CComPtr<IEnumWbemClassObject> answer;
     CComPtr<IWbemServices> opened;
     _bstr_t text(L"Test_All");
@@ -118,7 +118,7 @@ TEST_F(Connection, ABlanketCanBeQueried) {
 
 TEST_F(Connection, AnObjectThatIsNoProxyHasNoBlanketToTell) {
     CComPtr<IClientSecurity> security;
-    const auto one = Object(ALL);
+    const auto one = Object(kAll);
     ASSERT_EQ(one->QueryInterface(IID_IClientSecurity, reinterpret_cast<void**>(&security)), S_OK);
     DWORD authentication = 99;
     EXPECT_EQ(
@@ -196,9 +196,9 @@ TEST_F(Connection, WhatIsNotDoneIsRefused) {
 }
 
 TEST_F(Connection, NothingIsDoneBehindTheClientsBack) {
-    _bstr_t text(ALL);
+    _bstr_t text(kAll);
     const BSTR name = text.GetBSTR();
-    const auto one = Object(ALL);
+    const auto one = Object(kAll);
     ASSERT_EQ(Put(one, L"Caption", L"changed"), S_OK);
     machine->Calls().Clear();
     EXPECT_EQ(Code(services->PutClassAsync(one, 0, nullptr, nullptr)), "0x8004100C");
@@ -219,7 +219,7 @@ TEST_F(Connection, NothingIsDoneBehindTheClientsBack) {
             "Unsupported CreateInstanceEnumAsync -> 0x8004100C", "Unsupported ExecQueryAsync -> 0x8004100C",
             "Unsupported ExecNotificationQueryAsync -> 0x8004100C",
             "Unsupported ExecMethodAsync -> 0x8004100C"));
-    const auto stored = machine->Store().FindInstance(ALL);
+    const auto stored = machine->Store().FindInstance(kAll);
     ASSERT_NE(stored, nullptr);
     EXPECT_EQ(stored->Text(L"Caption"), L"First");
 }
@@ -242,7 +242,7 @@ TEST_F(Connection, ClassObjectsRefuseAggregationAndForeignInterfaces) {
 }
 
 TEST_F(Connection, AnObjectKeepsItsIdentity) {
-    const auto object = Object(ALL);
+    const auto object = Object(kAll);
     CComPtr<IUnknown> first;
     CComPtr<IClientSecurity> security;
     CComPtr<IUnknown> second;
@@ -267,7 +267,7 @@ TEST_F(Connection, NothingIsLeftWhenAllIsReleased) {
 TEST_F(Connection, AConnectionKeepsItsMachineAlive) {
     Unregister();
     machine.reset();
-    EXPECT_EQ(Code(GetStatus(ALL)), "0x00000000");
+    EXPECT_EQ(Code(GetStatus(kAll)), "0x00000000");
 }
 
 } // namespace

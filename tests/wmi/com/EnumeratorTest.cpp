@@ -7,7 +7,7 @@ using ATL::CComPtr;
 
 namespace {
 
-constexpr LONG Forever = static_cast<LONG>(WBEM_INFINITE);
+constexpr LONG kForever = static_cast<LONG>(WBEM_INFINITE);
 
 class Enumeration : public ComTest {
   protected:
@@ -27,7 +27,7 @@ class Enumeration : public ComTest {
         for (;;) {
             CComPtr<IWbemClassObject> object;
             ULONG returned = 99;
-            const HRESULT result = answer->Next(Forever, 1, &object, &returned);
+            const HRESULT result = answer->Next(kForever, 1, &object, &returned);
             if (result != S_OK) {
                 EXPECT_EQ(Code(result), "0x00000001");
                 EXPECT_EQ(returned, 0u);
@@ -50,13 +50,13 @@ TEST_F(Enumeration, ReturnsFewerThanAskedForAtTheEnd) {
     const auto answer = Open();
     IWbemClassObject* objects[5] = {};
     ULONG returned = 0;
-    EXPECT_EQ(Code(answer->Next(Forever, 5, objects, &returned)), "0x00000001");
+    EXPECT_EQ(Code(answer->Next(kForever, 5, objects, &returned)), "0x00000001");
     ASSERT_EQ(returned, 2u);
     EXPECT_EQ(NameOf(objects[1]), L"two");
     EXPECT_EQ(objects[2], nullptr);
     objects[0]->Release();
     objects[1]->Release();
-    EXPECT_EQ(Code(answer->Next(Forever, 2, objects, &returned)), "0x00000001");
+    EXPECT_EQ(Code(answer->Next(kForever, 2, objects, &returned)), "0x00000001");
     EXPECT_EQ(returned, 0u);
 }
 
@@ -64,7 +64,7 @@ TEST_F(Enumeration, ReturnsExactlyWhatWasAskedFor) {
     const auto answer = Open();
     IWbemClassObject* objects[2] = {};
     ULONG returned = 0;
-    EXPECT_EQ(Code(answer->Next(Forever, 2, objects, &returned)), "0x00000000");
+    EXPECT_EQ(Code(answer->Next(kForever, 2, objects, &returned)), "0x00000000");
     EXPECT_EQ(returned, 2u);
     objects[0]->Release();
     objects[1]->Release();
@@ -72,7 +72,7 @@ TEST_F(Enumeration, ReturnsExactlyWhatWasAskedFor) {
 
 TEST_F(Enumeration, ResetsClonesAndSkips) {
     const auto answer = Open();
-    EXPECT_EQ(Code(answer->Skip(Forever, 1)), "0x00000000");
+    EXPECT_EQ(Code(answer->Skip(kForever, 1)), "0x00000000");
     CComPtr<IEnumWbemClassObject> copy;
     ASSERT_EQ(answer->Clone(&copy), S_OK);
     EXPECT_THAT(Rest(answer), testing::ElementsAre(L"two"));
@@ -80,7 +80,7 @@ TEST_F(Enumeration, ResetsClonesAndSkips) {
     EXPECT_EQ(answer->Reset(), S_OK);
     EXPECT_THAT(Rest(answer), testing::ElementsAre(L"one", L"two"));
     EXPECT_EQ(answer->Reset(), S_OK);
-    EXPECT_EQ(Code(answer->Skip(Forever, 3)), "0x00000001");
+    EXPECT_EQ(Code(answer->Skip(kForever, 3)), "0x00000001");
     EXPECT_THAT(Rest(answer), testing::ElementsAre());
 }
 
@@ -109,10 +109,10 @@ TEST_F(Enumeration, ArgumentsAreChecked) {
     const auto answer = Open();
     CComPtr<IWbemClassObject> object;
     ULONG returned = 0;
-    EXPECT_EQ(Code(answer->Next(Forever, 1, nullptr, &returned)), "0x80041008");
-    EXPECT_EQ(Code(answer->Next(Forever, 1, &object, nullptr)), "0x80041008");
+    EXPECT_EQ(Code(answer->Next(kForever, 1, nullptr, &returned)), "0x80041008");
+    EXPECT_EQ(Code(answer->Next(kForever, 1, &object, nullptr)), "0x80041008");
     EXPECT_EQ(Code(answer->Next(-2, 1, &object, &returned)), "0x80041008");
-    EXPECT_EQ(Code(answer->Next(Forever, 0, &object, &returned)), "0x80041008");
+    EXPECT_EQ(Code(answer->Next(kForever, 0, &object, &returned)), "0x80041008");
     EXPECT_EQ(Code(answer->Skip(-2, 1)), "0x80041008");
     EXPECT_EQ(Code(answer->Clone(nullptr)), "0x80041008");
     EXPECT_EQ(Code(answer->NextAsync(1, nullptr)), "0x8004100C");
@@ -132,7 +132,7 @@ TEST_F(Enumeration, ASlowAnswerTimesOutAndComesLater) {
     EXPECT_EQ(returned, 0u);
     EXPECT_EQ(machine->Now(), std::chrono::milliseconds(20));
     EXPECT_EQ(Code(answer->Next(0, 1, &object, &returned)), "0x00040004");
-    EXPECT_EQ(Code(answer->Next(Forever, 1, &object, &returned)), "0x00000000");
+    EXPECT_EQ(Code(answer->Next(kForever, 1, &object, &returned)), "0x00000000");
     EXPECT_EQ(returned, 1u);
     EXPECT_EQ(machine->Now(), std::chrono::milliseconds(60));
 }
@@ -141,9 +141,9 @@ TEST_F(Enumeration, ASemisynchronousFailureComesWithTheFirstObject) {
     const auto answer = Open(L"No_Such_Class", WBEM_FLAG_RETURN_IMMEDIATELY | WBEM_FLAG_FORWARD_ONLY);
     CComPtr<IWbemClassObject> object;
     ULONG returned = 99;
-    EXPECT_EQ(Code(answer->Next(Forever, 1, &object, &returned)), "0x80041010");
+    EXPECT_EQ(Code(answer->Next(kForever, 1, &object, &returned)), "0x80041010");
     EXPECT_EQ(returned, 0u);
-    EXPECT_EQ(Code(answer->Skip(Forever, 1)), "0x80041010");
+    EXPECT_EQ(Code(answer->Skip(kForever, 1)), "0x80041010");
 }
 
 TEST_F(Enumeration, ClassesComeDeepOrShallow) {
@@ -155,7 +155,7 @@ TEST_F(Enumeration, ClassesComeDeepOrShallow) {
             "0x00000000");
         std::vector<std::wstring> list;
         IWbemClassObject* object = nullptr;
-        for (ULONG returned = 0; answer->Next(Forever, 1, &object, &returned) == S_OK; object->Release()) {
+        for (ULONG returned = 0; answer->Next(kForever, 1, &object, &returned) == S_OK; object->Release()) {
             const auto name = Get(object, L"__CLASS");
             list.emplace_back(V_BSTR(&name));
         }

@@ -107,11 +107,11 @@ TEST_F(InterfaceTable, EachRetrievalOfAContextIsACopy) {
 }
 
 TEST_F(InterfaceTable, EachRetrievalOfAnInstanceIsACopy) {
-    const auto one = Object(ALL);
+    const auto one = Object(kAll);
     const DWORD cookie = Register(one, IID_IWbemClassObject);
     On(COINIT_MULTITHREADED, [&] {
         const auto mine = Retrieve<IWbemClassObject>(cookie, IID_IWbemClassObject);
-        EXPECT_EQ(Get(mine, L"__RELPATH"), _variant_t(ALL));
+        EXPECT_EQ(Get(mine, L"__RELPATH"), _variant_t(kAll));
         EXPECT_EQ(Put(mine, L"Caption", L"changed"), S_OK);
     });
     EXPECT_EQ(Get(Retrieve<IWbemClassObject>(cookie, IID_IWbemClassObject), L"Caption"),

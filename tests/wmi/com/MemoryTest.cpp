@@ -10,7 +10,7 @@ namespace {
 
 namespace platform = quillet::platform;
 
-constexpr const char* OUT_OF_MEMORY = "0x80041006";
+constexpr const char* kOutOfMemory = "0x80041006";
 
 class Memory : public ComTest {
   protected:
@@ -34,7 +34,7 @@ class Memory : public ComTest {
         const auto alive = platform::Live();
         for (unsigned long nth = 1; nth <= count; ++nth) {
             fail(nth);
-            EXPECT_EQ(Code(call()), OUT_OF_MEMORY) << nth << " of " << count;
+            EXPECT_EQ(Code(call()), kOutOfMemory) << nth << " of " << count;
             fail(0);
             EXPECT_TRUE(platform::Live() == alive) << nth << " of " << count << " leaves something";
         }
@@ -63,7 +63,7 @@ class Memory : public ComTest {
         return result;
     }
 
-    CComPtr<IWbemClassObject> one = Object(ALL);
+    CComPtr<IWbemClassObject> one = Object(kAll);
 };
 
 TEST_F(Memory, AValueIsReadWholeOrNotAtAll) {
@@ -133,7 +133,7 @@ TEST_F(Memory, AnEnumerationStaysWhereItWas) {
             _variant_t value;
             const auto alive = platform::Live();
             platform::FailBstrAllocation(nth);
-            EXPECT_EQ(Code(next(&name, &value)), OUT_OF_MEMORY) << nth;
+            EXPECT_EQ(Code(next(&name, &value)), kOutOfMemory) << nth;
             platform::FailBstrAllocation(0);
             EXPECT_EQ(name, nullptr);
             EXPECT_EQ(V_VT(&value), VT_EMPTY);
@@ -161,7 +161,7 @@ TEST_F(Memory, AnEnumerationStaysWhereItWas) {
     ASSERT_EQ(definition->BeginMethodEnumeration(WBEM_FLAG_LOCAL_ONLY), S_OK);
     BSTR name = nullptr;
     platform::FailBstrAllocation(1);
-    EXPECT_EQ(Code(definition->NextMethod(0, &name, nullptr, nullptr)), OUT_OF_MEMORY);
+    EXPECT_EQ(Code(definition->NextMethod(0, &name, nullptr, nullptr)), kOutOfMemory);
     platform::FailBstrAllocation(0);
     ASSERT_EQ(definition->NextMethod(0, &name, nullptr, nullptr), S_OK);
     EXPECT_STREQ(name, L"Run");
@@ -174,7 +174,7 @@ TEST_F(Memory, AContextKeepsWhatItHad) {
     _variant_t after(L"after");
     ASSERT_EQ(context->SetValue(L"A", 0, &before), S_OK);
     platform::FailBstrAllocation(1);
-    EXPECT_EQ(Code(context->SetValue(L"A", 0, &after)), OUT_OF_MEMORY);
+    EXPECT_EQ(Code(context->SetValue(L"A", 0, &after)), kOutOfMemory);
     platform::FailBstrAllocation(0);
     FailEachString([&] {
         _variant_t value;

@@ -6,9 +6,9 @@ using testing::ElementsAre;
 
 namespace {
 
-constexpr LONG Forever = static_cast<LONG>(WBEM_INFINITE);
-constexpr LONG Later = WBEM_FLAG_RETURN_IMMEDIATELY;
-constexpr LONG LaterAmended = WBEM_FLAG_RETURN_IMMEDIATELY | WBEM_FLAG_USE_AMENDED_QUALIFIERS;
+constexpr LONG kForever = static_cast<LONG>(WBEM_INFINITE);
+constexpr LONG kLater = WBEM_FLAG_RETURN_IMMEDIATELY;
+constexpr LONG kLaterAmended = WBEM_FLAG_RETURN_IMMEDIATELY | WBEM_FLAG_USE_AMENDED_QUALIFIERS;
 
 class Services : public ComTest {
   protected:
@@ -26,7 +26,7 @@ class Services : public ComTest {
     }
     std::string Status(IWbemCallResult* result) {
         LONG status = 99;
-        EXPECT_EQ(Code(result->GetCallStatus(Forever, &status)), "0x00000000");
+        EXPECT_EQ(Code(result->GetCallStatus(kForever, &status)), "0x00000000");
         return Code(status);
     }
 };
@@ -53,22 +53,22 @@ TEST_F(Services, RefusesObjectsWithTheRightCode) {
     EXPECT_EQ(Code(services->GetObject(nullptr, 0, nullptr, &object, nullptr)), "0x80041008");
     EXPECT_EQ(Code(services->GetObject(_bstr_t(L"Test_All").GetBSTR(), 0, nullptr, nullptr, nullptr)),
               "0x80041008");
-    EXPECT_EQ(Code(GetStatus(L"Test_All", Later)), "0x80041008");
+    EXPECT_EQ(Code(GetStatus(L"Test_All", kLater)), "0x80041008");
 }
 
 TEST_F(Services, GetsAnObjectLater) {
     CComPtr<IWbemClassObject> object;
     CComPtr<IWbemCallResult> result;
-    ASSERT_EQ(Code(services->GetObject(_bstr_t(ALL).GetBSTR(), Later, nullptr, &object, &result)),
+    ASSERT_EQ(Code(services->GetObject(_bstr_t(kAll).GetBSTR(), kLater, nullptr, &object, &result)),
               "0x00000000");
     EXPECT_EQ(object.p, nullptr);
     EXPECT_EQ(Status(result), "0x00000000");
-    ASSERT_EQ(Code(result->GetResultObject(Forever, &object)), "0x00000000");
+    ASSERT_EQ(Code(result->GetResultObject(kForever, &object)), "0x00000000");
     EXPECT_EQ(Get(object, L"Name"), _variant_t(L"one"));
     CComPtr<IWbemServices> other;
-    EXPECT_EQ(Code(result->GetResultServices(Forever, &other)), "0x80041016");
+    EXPECT_EQ(Code(result->GetResultServices(kForever, &other)), "0x80041016");
     BSTR text = nullptr;
-    EXPECT_EQ(Code(result->GetResultString(Forever, &text)), "0x80041016");
+    EXPECT_EQ(Code(result->GetResultString(kForever, &text)), "0x80041016");
     EXPECT_EQ(SetBlanket(result), S_OK);
 }
 
@@ -76,20 +76,20 @@ TEST_F(Services, AFailureToGetAnObjectLaterIsInItsResult) {
     CComPtr<IWbemClassObject> object;
     CComPtr<IWbemCallResult> result;
     ASSERT_EQ(
-        Code(services->GetObject(_bstr_t(L"Test_All=\"none\"").GetBSTR(), Later, nullptr, nullptr, &result)),
+        Code(services->GetObject(_bstr_t(L"Test_All=\"none\"").GetBSTR(), kLater, nullptr, nullptr, &result)),
         "0x00000000");
     EXPECT_EQ(Status(result), "0x80041002");
-    EXPECT_EQ(Code(result->GetResultObject(Forever, &object)), "0x80041002");
+    EXPECT_EQ(Code(result->GetResultObject(kForever, &object)), "0x80041002");
     CComPtr<IWbemServices> other;
-    EXPECT_EQ(Code(result->GetResultServices(Forever, &other)), "0x80041002");
+    EXPECT_EQ(Code(result->GetResultServices(kForever, &other)), "0x80041002");
     BSTR text = nullptr;
-    EXPECT_EQ(Code(result->GetResultString(Forever, &text)), "0x80041002");
+    EXPECT_EQ(Code(result->GetResultString(kForever, &text)), "0x80041002");
 }
 
 TEST_F(Services, ASynchronousCallMayHaveAResultToo) {
     CComPtr<IWbemClassObject> object;
     CComPtr<IWbemCallResult> result;
-    ASSERT_EQ(Code(services->GetObject(_bstr_t(ALL).GetBSTR(), 0, nullptr, &object, &result)), "0x00000000");
+    ASSERT_EQ(Code(services->GetObject(_bstr_t(kAll).GetBSTR(), 0, nullptr, &object, &result)), "0x00000000");
     EXPECT_NE(object.p, nullptr);
     EXPECT_EQ(Status(result), "0x00000000");
     result.Release();
@@ -100,23 +100,23 @@ TEST_F(Services, ASynchronousCallMayHaveAResultToo) {
 
 TEST_F(Services, ACallResultChecksItsArguments) {
     CComPtr<IWbemCallResult> result;
-    ASSERT_EQ(services->GetObject(_bstr_t(ALL).GetBSTR(), Later, nullptr, nullptr, &result), S_OK);
+    ASSERT_EQ(services->GetObject(_bstr_t(kAll).GetBSTR(), kLater, nullptr, nullptr, &result), S_OK);
     LONG status = 0;
     CComPtr<IWbemClassObject> object;
-    EXPECT_EQ(Code(result->GetCallStatus(Forever, nullptr)), "0x80041008");
+    EXPECT_EQ(Code(result->GetCallStatus(kForever, nullptr)), "0x80041008");
     EXPECT_EQ(Code(result->GetCallStatus(-2, &status)), "0x80041008");
-    EXPECT_EQ(Code(result->GetResultObject(Forever, nullptr)), "0x80041008");
+    EXPECT_EQ(Code(result->GetResultObject(kForever, nullptr)), "0x80041008");
     EXPECT_EQ(Code(result->GetResultObject(-2, &object)), "0x80041008");
-    EXPECT_EQ(Code(result->GetResultString(Forever, nullptr)), "0x80041008");
-    EXPECT_EQ(Code(result->GetResultServices(Forever, nullptr)), "0x80041008");
+    EXPECT_EQ(Code(result->GetResultString(kForever, nullptr)), "0x80041008");
+    EXPECT_EQ(Code(result->GetResultServices(kForever, nullptr)), "0x80041008");
 }
 
 TEST_F(Services, AWrittenInstanceStaysWritten) {
-    const auto one = Object(ALL);
+    const auto one = Object(kAll);
     ASSERT_EQ(Put(one, L"Caption", L"changed"), S_OK);
     EXPECT_EQ(Write(one), "0x00000000");
-    EXPECT_EQ(Get(Object(ALL), L"Caption"), _variant_t(L"changed"));
-    EXPECT_EQ(machine->Store().FindInstance(ALL)->Text(L"Password"), L"hush");
+    EXPECT_EQ(Get(Object(kAll), L"Caption"), _variant_t(L"changed"));
+    EXPECT_EQ(machine->Store().FindInstance(kAll)->Text(L"Password"), L"hush");
 }
 
 TEST_F(Services, InstancesAreCreatedOrUpdatedAsTheFlagsSay) {
@@ -148,22 +148,22 @@ TEST_F(Services, WhatIsNoInstanceOfThisMachineIsNotWritten) {
 }
 
 TEST_F(Services, AnInstanceIsWrittenLater) {
-    const auto one = Object(ALL);
+    const auto one = Object(kAll);
     ASSERT_EQ(Put(one, L"Caption", L"changed"), S_OK);
     CComPtr<IWbemCallResult> result;
-    ASSERT_EQ(Code(services->PutInstance(one, LaterAmended, nullptr, &result)), "0x00000000");
+    ASSERT_EQ(Code(services->PutInstance(one, kLaterAmended, nullptr, &result)), "0x00000000");
     EXPECT_EQ(Status(result), "0x00000000");
     BSTR path = nullptr;
-    ASSERT_EQ(Code(result->GetResultString(Forever, &path)), "0x00000000");
+    ASSERT_EQ(Code(result->GetResultString(kForever, &path)), "0x00000000");
     EXPECT_STREQ(path, L"\\\\TESTHOST\\ROOT\\MarloLUM2:Test_All.Name=\"one\"");
     SysFreeString(path);
     CComPtr<IWbemClassObject> object;
-    EXPECT_EQ(Code(result->GetResultObject(Forever, &object)), "0x80041016");
+    EXPECT_EQ(Code(result->GetResultObject(kForever, &object)), "0x80041016");
     result.Release();
-    ASSERT_EQ(Code(services->PutInstance(Fresh(5), LaterAmended | WBEM_FLAG_UPDATE_ONLY, nullptr, &result)),
+    ASSERT_EQ(Code(services->PutInstance(Fresh(5), kLaterAmended | WBEM_FLAG_UPDATE_ONLY, nullptr, &result)),
               "0x00000000");
     EXPECT_EQ(Status(result), "0x80041002");
-    EXPECT_EQ(Write(Fresh(5), LaterAmended | WBEM_FLAG_UPDATE_ONLY), "0x80041002");
+    EXPECT_EQ(Write(Fresh(5), kLaterAmended | WBEM_FLAG_UPDATE_ONLY), "0x80041002");
 }
 
 TEST_F(Services, InstancesAreDeleted) {
@@ -174,8 +174,9 @@ TEST_F(Services, InstancesAreDeleted) {
     EXPECT_EQ(Remove(L"Test_Lone.Number="), "0x8004103A");
     EXPECT_EQ(Code(services->DeleteInstance(nullptr, 0, nullptr, nullptr)), "0x80041008");
     CComPtr<IWbemCallResult> result;
-    EXPECT_EQ(Code(services->DeleteInstance(_bstr_t(L"Test_All=\"two\"").GetBSTR(), Later, nullptr, &result)),
-              "0x00000000");
+    EXPECT_EQ(
+        Code(services->DeleteInstance(_bstr_t(L"Test_All=\"two\"").GetBSTR(), kLater, nullptr, &result)),
+        "0x00000000");
     EXPECT_EQ(Status(result), "0x00000000");
     EXPECT_EQ(Code(GetStatus(L"Test_All=\"two\"")), "0x80041002");
 }
@@ -219,7 +220,7 @@ TEST_F(Services, ASelectedListLeavesTheRestOut) {
               S_OK);
     CComPtr<IWbemClassObject> part;
     ULONG returned = 0;
-    ASSERT_EQ(answer->Next(Forever, 1, &part, &returned), S_OK);
+    ASSERT_EQ(answer->Next(kForever, 1, &part, &returned), S_OK);
     EXPECT_EQ(Get(part, L"Caption"), _variant_t(L"First"));
     EXPECT_EQ(Code(GetCode(part, L"S16")), "0x80041002");
     EXPECT_EQ(Get(part, L"__PROPERTY_COUNT"), I4(2));

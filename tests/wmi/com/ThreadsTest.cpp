@@ -109,7 +109,7 @@ TEST_F(Threads, EachWorksWithItsOwnProxyAndContext) {
 }
 
 TEST_F(Threads, ManyShareOneObject) {
-    const auto shared = Object(ALL);
+    const auto shared = Object(kAll);
     OnThreads(4, [&](int number) {
         for (int round = 0; round < Rounds; ++round) {
             ASSERT_EQ(Put(shared, L"Caption", number % 2 == 0 ? L"even" : L"odd"), S_OK);

@@ -8,7 +8,7 @@ namespace {
 
 class ClassFace : public ComTest {
   protected:
-    CComPtr<IWbemClassObject> one = Object(ALL);
+    CComPtr<IWbemClassObject> one = Object(kAll);
     CComPtr<IWbemClassObject> definition = Object(L"Test_All");
 
     std::wstring Text(IWbemClassObject* object, const wchar_t* name) {
@@ -160,7 +160,7 @@ TEST_F(ClassFace, ACloneIsIndependent) {
 
 TEST_F(ClassFace, ChangesStayLocalUntilTheyArePut) {
     ASSERT_EQ(Put(one, L"Caption", L"changed"), S_OK);
-    EXPECT_EQ(Text(Object(ALL), L"Caption"), L"First");
+    EXPECT_EQ(Text(Object(kAll), L"Caption"), L"First");
 }
 
 TEST_F(ClassFace, Compares) {
@@ -192,7 +192,7 @@ TEST_F(ClassFace, ObjectsOfDifferentClassesDiffer) {
     EXPECT_EQ(Code(lone->CompareTo(0, same)), "0x00040003");
     EXPECT_EQ(Code(lone->CompareTo(WBEM_FLAG_IGNORE_CLASS, same)), "0x00000000");
     EXPECT_EQ(Code(lone->CompareTo(WBEM_FLAG_IGNORE_CLASS, other)), "0x00040003") << "other properties";
-    EXPECT_EQ(Code(lone->CompareTo(WBEM_FLAG_IGNORE_CLASS, Object(ALL))), "0x00040003") << "more of them";
+    EXPECT_EQ(Code(lone->CompareTo(WBEM_FLAG_IGNORE_CLASS, Object(kAll))), "0x00040003") << "more of them";
 }
 
 TEST_F(ClassFace, SpawnsInstancesWithDefaults) {

@@ -5,7 +5,7 @@ using ATL::CComPtr;
 
 namespace {
 
-constexpr const wchar_t* NET_SERVICE = L"Zorel_NetService.Name=\"ZorelNetService\"";
+constexpr const wchar_t* kNetService = L"Zorel_NetService.Name=\"ZorelNetService\"";
 
 class Methods : public ComTest {
   protected:
@@ -16,7 +16,7 @@ class Methods : public ComTest {
     std::string Apply(LONG handle) {
         const auto in = InParameters(L"Zorel_NetService", L"Apply");
         EXPECT_EQ(Put(in, L"ClientSetHandle", I4(handle)), S_OK);
-        return Run(NET_SERVICE, L"Apply", in);
+        return Run(kNetService, L"Apply", in);
     }
     CComPtr<IWbemContext> ContextOf(LONG set) {
         auto context = Context();
@@ -25,7 +25,7 @@ class Methods : public ComTest {
         return context;
     }
     std::string Change(IWbemContext* context) {
-        const auto one = Object(ALL);
+        const auto one = Object(kAll);
         EXPECT_EQ(Put(one, L"Caption", L"changed"), S_OK);
         return Code(services->PutInstance(one, 0, context, nullptr));
     }
@@ -37,24 +37,24 @@ TEST_F(Methods, PathsAndNamesAreChecked) {
     EXPECT_EQ(Run(L"Test_All=\"", L"Run"), "0x8004103A");
     EXPECT_EQ(Run(L"None=1", L"Run"), "0x80041010");
     EXPECT_EQ(Run(L"Test_All=\"three\"", L"Run"), "0x80041002");
-    EXPECT_EQ(Run(ALL, L"Walk"), "0x8004102E");
+    EXPECT_EQ(Run(kAll, L"Walk"), "0x8004102E");
     EXPECT_EQ(
         Code(services->ExecMethod(nullptr, _bstr_t(L"Run").GetBSTR(), 0, nullptr, nullptr, nullptr, nullptr)),
         "0x80041008");
     EXPECT_EQ(
-        Code(services->ExecMethod(_bstr_t(ALL).GetBSTR(), nullptr, 0, nullptr, nullptr, nullptr, nullptr)),
+        Code(services->ExecMethod(_bstr_t(kAll).GetBSTR(), nullptr, 0, nullptr, nullptr, nullptr, nullptr)),
         "0x80041008");
-    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(ALL).GetBSTR(), _bstr_t(L"Run").GetBSTR(), 1, nullptr,
+    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(kAll).GetBSTR(), _bstr_t(L"Run").GetBSTR(), 1, nullptr,
                                         nullptr, nullptr, nullptr)),
               "0x80041008");
-    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(ALL).GetBSTR(), _bstr_t(L"Run").GetBSTR(),
+    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(kAll).GetBSTR(), _bstr_t(L"Run").GetBSTR(),
                                         WBEM_FLAG_RETURN_IMMEDIATELY, nullptr, nullptr, nullptr, nullptr)),
               "0x80041008");
 }
 
 TEST_F(Methods, WithoutBehaviourAMethodIsNotSupported) {
-    EXPECT_EQ(Run(ALL, L"Run", InParameters(L"Test_All", L"Run")), "0x8004100C");
-    EXPECT_EQ(Run(ALL, L"Hello"), "0x8004100C");
+    EXPECT_EQ(Run(kAll, L"Run", InParameters(L"Test_All", L"Run")), "0x8004100C");
+    EXPECT_EQ(Run(kAll, L"Hello"), "0x8004100C");
     EXPECT_EQ(Run(L"Test_All", L"Hello"), "0x8004100C");
     EXPECT_EQ(out.p, nullptr);
 }
@@ -93,12 +93,12 @@ TEST_F(Methods, OneThatAMachineDeclaresWithoutOutParametersWorksAndTellsNothing)
 }
 
 TEST_F(Methods, OnlyItsOwnParametersGoIn) {
-    EXPECT_EQ(Run(ALL, L"Run", Object(ALL)), "0x8004102F");
+    EXPECT_EQ(Run(kAll, L"Run", Object(kAll)), "0x8004102F");
     CComPtr<IWbemClassObject> signature;
     ASSERT_EQ(Object(L"Test_All")->GetMethod(L"Run", 0, &signature, nullptr), S_OK);
-    EXPECT_EQ(Run(ALL, L"Run", signature), "0x8004102F");
-    EXPECT_EQ(Run(ALL, L"Run", InParameters(L"Zorel_NetService", L"Apply")), "0x8004102F");
-    EXPECT_EQ(Run(ALL, L"Tell", InParameters(L"Test_All", L"Run")), "0x8004102F");
+    EXPECT_EQ(Run(kAll, L"Run", signature), "0x8004102F");
+    EXPECT_EQ(Run(kAll, L"Run", InParameters(L"Zorel_NetService", L"Apply")), "0x8004102F");
+    EXPECT_EQ(Run(kAll, L"Tell", InParameters(L"Test_All", L"Run")), "0x8004102F");
 }
 
 TEST_F(Methods, BeginApplyHandsOutFreshHandles) {
@@ -177,10 +177,10 @@ TEST_F(Methods, AStrictMachineRefusesAChangeOutsideAClientSet) {
     EXPECT_EQ(Change(ContextOf(5)), "0x80041003");
     EXPECT_EQ(Code(services->DeleteInstance(_bstr_t(L"Test_Lone=1").GetBSTR(), 0, nullptr, nullptr)),
               "0x80041003");
-    EXPECT_EQ(machine->Store().FindInstance(ALL)->Text(L"Caption"), L"First");
+    EXPECT_EQ(machine->Store().FindInstance(kAll)->Text(L"Caption"), L"First");
     const LONG handle = Begin();
     EXPECT_EQ(Change(ContextOf(handle)), "0x00000000");
-    EXPECT_EQ(machine->Store().FindInstance(ALL)->Text(L"Caption"), L"changed");
+    EXPECT_EQ(machine->Store().FindInstance(kAll)->Text(L"Caption"), L"changed");
     ASSERT_EQ(Apply(handle), "0x00000000");
     EXPECT_EQ(Change(ContextOf(handle)), "0x80041003");
 }
@@ -189,7 +189,7 @@ TEST_F(Methods, ARefusalOfASemisynchronousChangeIsItsStatus) {
     Use("", Options(true));
     Connect();
     CComPtr<IWbemCallResult> result;
-    ASSERT_EQ(Code(services->PutInstance(Object(ALL), 0x20010, nullptr, &result)), "0x00000000");
+    ASSERT_EQ(Code(services->PutInstance(Object(kAll), 0x20010, nullptr, &result)), "0x00000000");
     LONG status = 0;
     ASSERT_EQ(result->GetCallStatus(static_cast<LONG>(WBEM_INFINITE), &status), S_OK);
     EXPECT_EQ(Code(status), "0x80041003");
@@ -197,22 +197,22 @@ TEST_F(Methods, ARefusalOfASemisynchronousChangeIsItsStatus) {
 }
 
 TEST_F(Methods, WarningsAreThoseOfTheService) {
-    ASSERT_EQ(Run(NET_SERVICE, L"GetKavlorWarnings"), "0x00000000");
+    ASSERT_EQ(Run(kNetService, L"GetKavlorWarnings"), "0x00000000");
     EXPECT_EQ(Get(out, L"ReturnValue"), I4(0));
     EXPECT_EQ(Get(out, L"Warnings"), _variant_t(L"9007199254740993"));
     ASSERT_EQ(Run(L"Zorel_NetService", L"getkavlorwarnings"), "0x00000000");
     EXPECT_EQ(Get(out, L"Warnings"), _variant_t(L"9007199254740993"));
-    auto service = *machine->Store().FindInstance(NET_SERVICE);
+    auto service = *machine->Store().FindInstance(kNetService);
     service.Set(L"Warnings", Value());
     ASSERT_EQ(machine->Store().PutInstance(service), S_OK);
-    ASSERT_EQ(Run(NET_SERVICE, L"GetKavlorWarnings"), "0x00000000");
+    ASSERT_EQ(Run(kNetService, L"GetKavlorWarnings"), "0x00000000");
     const auto none = Get(out, L"Warnings");
     EXPECT_EQ(V_VT(&none), VT_NULL);
 }
 
 TEST_F(Methods, OutParametersComeLaterWhenAskedTo) {
     CComPtr<IWbemCallResult> result;
-    ASSERT_EQ(Code(services->ExecMethod(_bstr_t(NET_SERVICE).GetBSTR(), _bstr_t(L"BeginApply").GetBSTR(),
+    ASSERT_EQ(Code(services->ExecMethod(_bstr_t(kNetService).GetBSTR(), _bstr_t(L"BeginApply").GetBSTR(),
                                         WBEM_FLAG_RETURN_IMMEDIATELY, nullptr, nullptr, &out, &result)),
               "0x00000000");
     EXPECT_EQ(out.p, nullptr);
@@ -221,13 +221,13 @@ TEST_F(Methods, OutParametersComeLaterWhenAskedTo) {
 }
 
 TEST_F(Methods, TheClientMayLeaveTheOutParameters) {
-    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(NET_SERVICE).GetBSTR(), _bstr_t(L"BeginApply").GetBSTR(), 0,
+    EXPECT_EQ(Code(services->ExecMethod(_bstr_t(kNetService).GetBSTR(), _bstr_t(L"BeginApply").GetBSTR(), 0,
                                         nullptr, nullptr, nullptr, nullptr)),
               "0x00000000");
 }
 
 TEST_F(Methods, CredentialsOfLinkSecurityStayUnlessTheyAreSaidToChange) {
-    constexpr const wchar_t* PORT = L"Zorel_PhysicalEthernetAdapter.DeviceID=\"{A}\"";
+    constexpr const wchar_t* kPort = L"Zorel_PhysicalEthernetAdapter.DeviceID=\"{A}\"";
     Use("instance of Zorel_PhysicalEthernetAdapter { DeviceID = \"{A}\"; };"
         "instance of Zorel_LinkSecConfiguration { DeviceID = \"{A}\"; strUsername = \"before\"; };");
     Connect();
@@ -236,7 +236,7 @@ TEST_F(Methods, CredentialsOfLinkSecurityStayUnlessTheyAreSaidToChange) {
         EXPECT_EQ(Put(in, L"OuterEAPType", I4(method)), S_OK);
         EXPECT_EQ(Put(in, L"LinksecCredUsername", L"after"), S_OK);
         EXPECT_EQ(Put(in, L"bCredChanged", changed), S_OK);
-        return Run(PORT, L"SetLinksecParams", in);
+        return Run(kPort, L"SetLinksecParams", in);
     };
     const auto user = [&] {
         return machine->Store()

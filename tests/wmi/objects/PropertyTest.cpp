@@ -7,7 +7,7 @@ namespace {
 
 class Property : public ComTest {
   protected:
-    CComPtr<IWbemClassObject> one = Object(ALL);
+    CComPtr<IWbemClassObject> one = Object(kAll);
     CComPtr<IWbemClassObject> two = Object(L"Test_All.Name=\"two\"");
 
     std::string PutCode(const wchar_t* name, _variant_t value, CIMTYPE type = 0) {
@@ -71,7 +71,7 @@ TEST_F(Property, AReferenceIsCarriedAsAPathOfItsObject) {
     EXPECT_EQ(TypeOf(L"Other"), CIM_REFERENCE);
     EXPECT_TRUE(machine->Store().SameObject(V_BSTR(&value), L"Test_All.Name=\"two\""))
         << Narrow(V_BSTR(&value));
-    EXPECT_TRUE(machine->Store().SameObject(After(L"Other", ALL), ALL));
+    EXPECT_TRUE(machine->Store().SameObject(After(L"Other", kAll), kAll));
 }
 
 TEST_F(Property, ArraysAreCarriedAsArraysOfThatType) {

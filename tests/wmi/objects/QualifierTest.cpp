@@ -6,7 +6,7 @@ using testing::ElementsAre;
 
 namespace {
 
-constexpr LONG Amended = WBEM_FLAG_USE_AMENDED_QUALIFIERS;
+constexpr LONG kAmended = WBEM_FLAG_USE_AMENDED_QUALIFIERS;
 
 class QualifierFace : public ComTest {
   protected:
@@ -30,19 +30,19 @@ class QualifierFace : public ComTest {
         V_VT(&value) = VT_EMPTY;
         return TakeNames(V_ARRAY(&value));
     }
-    std::vector<std::wstring> StateTexts(LONG flags = Amended) {
+    std::vector<std::wstring> StateTexts(LONG flags = kAmended) {
         return Texts(Of(L"Test_All", L"State", flags), L"Values");
     }
 };
 
 TEST_F(QualifierFace, AmendedOnesAreSeenOnlyWhenAskedFor) {
     EXPECT_THAT(Names(Of(L"Test_All", L"State")), ElementsAre(L"ValueMap", L"CIMTYPE"));
-    EXPECT_THAT(Names(Of(L"Test_All", L"State", Amended)),
+    EXPECT_THAT(Names(Of(L"Test_All", L"State", kAmended)),
                 ElementsAre(L"Description", L"ValueMap", L"Values", L"CIMTYPE"));
     _variant_t value;
     EXPECT_EQ(Code(Of(L"Test_All", L"State")->Get(L"Values", 0, &value, nullptr)), "0x80041002");
     LONG flavor = 0;
-    EXPECT_EQ(Of(L"Test_All", L"State", Amended)->Get(L"Values", 0, nullptr, &flavor), S_OK);
+    EXPECT_EQ(Of(L"Test_All", L"State", kAmended)->Get(L"Values", 0, nullptr, &flavor), S_OK);
     EXPECT_NE(flavor & WBEM_FLAVOR_AMENDED, 0);
 }
 
@@ -60,12 +60,12 @@ TEST_F(QualifierFace, TextsComeInTheLanguageOfTheConnection) {
 
 TEST_F(QualifierFace, TheShippedSchemaSpeaksGerman) {
     Connect(L"MS_407");
-    EXPECT_EQ(Texts(Of(L"Zorel_DiagResult", L"TestState", Amended), L"Values").at(2), L"Bestanden");
+    EXPECT_EQ(Texts(Of(L"Zorel_DiagResult", L"TestState", kAmended), L"Values").at(2), L"Bestanden");
 }
 
 TEST_F(QualifierFace, EnumeratedClassesCarryTheRequest) {
     CComPtr<IEnumWbemClassObject> answer;
-    ASSERT_EQ(services->CreateClassEnum(_bstr_t(L"Test_Base").GetBSTR(), Amended, nullptr, &answer), S_OK);
+    ASSERT_EQ(services->CreateClassEnum(_bstr_t(L"Test_Base").GetBSTR(), kAmended, nullptr, &answer), S_OK);
     CComPtr<IWbemClassObject> object;
     ULONG returned = 0;
     ASSERT_EQ(answer->Next(static_cast<LONG>(WBEM_INFINITE), 1, &object, &returned), S_OK);
@@ -75,10 +75,10 @@ TEST_F(QualifierFace, EnumeratedClassesCarryTheRequest) {
 }
 
 TEST_F(QualifierFace, AnInstanceHasOnlyThoseThatPassOn) {
-    EXPECT_THAT(Names(Of(ALL, L"Name", Amended)), testing::UnorderedElementsAre(L"Key", L"CIMTYPE"));
-    EXPECT_THAT(Names(Of(ALL, L"State", Amended)), ElementsAre(L"CIMTYPE"));
+    EXPECT_THAT(Names(Of(kAll, L"Name", kAmended)), testing::UnorderedElementsAre(L"Key", L"CIMTYPE"));
+    EXPECT_THAT(Names(Of(kAll, L"State", kAmended)), ElementsAre(L"CIMTYPE"));
     LONG flavor = 0;
-    EXPECT_EQ(Of(ALL, L"Name")->Get(L"key", 0, nullptr, &flavor), S_OK);
+    EXPECT_EQ(Of(kAll, L"Name")->Get(L"key", 0, nullptr, &flavor), S_OK);
     EXPECT_EQ(flavor & WBEM_FLAVOR_MASK_ORIGIN, LONG{WBEM_FLAVOR_ORIGIN_PROPAGATED});
 }
 
@@ -113,7 +113,7 @@ TEST_F(QualifierFace, ClassesAndMethodsHaveThem) {
 }
 
 TEST_F(QualifierFace, Enumerates) {
-    const auto set = Of(L"Test_All", L"State", Amended);
+    const auto set = Of(L"Test_All", L"State", kAmended);
     BSTR name = nullptr;
     _variant_t value;
     LONG flavor = 0;
@@ -129,7 +129,7 @@ TEST_F(QualifierFace, Enumerates) {
     EXPECT_EQ(Code(set->Next(0, nullptr, nullptr, nullptr)), "0x00040005");
     EXPECT_EQ(set->EndEnumeration(), S_OK);
     EXPECT_EQ(Code(set->Next(0, nullptr, nullptr, nullptr)), "0x8004101D");
-    const auto passedOn = Of(ALL, L"Name");
+    const auto passedOn = Of(kAll, L"Name");
     EXPECT_THAT(Names(passedOn, WBEM_FLAG_LOCAL_ONLY), ElementsAre());
     EXPECT_EQ(Names(passedOn, WBEM_FLAG_PROPAGATED_ONLY).size(), 2u);
 }
@@ -151,7 +151,7 @@ TEST_F(QualifierFace, EnumeratesByOrigin) {
         EXPECT_THAT(walk(own, origin), testing::ElementsAreArray(Names(own, origin)));
     }
     EXPECT_THAT(walk(own, WBEM_FLAG_LOCAL_ONLY), testing::Contains(L"ValueMap"));
-    const auto passedOn = Of(ALL, L"Name");
+    const auto passedOn = Of(kAll, L"Name");
     EXPECT_THAT(walk(passedOn, WBEM_FLAG_LOCAL_ONLY), ElementsAre());
     EXPECT_THAT(walk(passedOn, WBEM_FLAG_PROPAGATED_ONLY), testing::UnorderedElementsAre(L"Key", L"CIMTYPE"));
 }
@@ -167,7 +167,7 @@ TEST_F(QualifierFace, ArgumentsAreCheckedAndChangesRefused) {
     EXPECT_EQ(Code(set->GetNames(0, nullptr)), "0x80041008");
     EXPECT_EQ(Code(set->BeginEnumeration(1)), "0x80041008");
     EXPECT_EQ(Code(set->Next(1, nullptr, nullptr, nullptr)), "0x80041008");
-    const auto object = Object(ALL);
+    const auto object = Object(kAll);
     CComPtr<IWbemQualifierSet> other;
     EXPECT_EQ(Code(object->GetQualifierSet(nullptr)), "0x80041008");
     EXPECT_EQ(Code(object->GetPropertyQualifierSet(L"Nothing", &other)), "0x80041002");
