@@ -122,7 +122,7 @@ class RepositoryFixture : public ::testing::Test {
         std::vector<std::wstring> paths;
         for (const InstancePtr& instance : found) {
             const std::wstring id = instance->Text(L"DeviceID");
-            paths.push_back(id.empty() ? m_repository.RelativePath(*instance) : id);
+            paths.push_back(id.empty() ? RelativePath(*instance) : id);
         }
         return paths;
     }

@@ -26,15 +26,15 @@ struct ServiceCall {
     ServiceCall& operator=(const ServiceCall&) = delete;
 
     /// E_ACCESSDENIED for a proxy without its blanket, then WBEM_E_INVALID_PARAMETER.
-    HRESULT Admit(const Blanket& blanket, bool argumentsValid, std::vector<NamedValue> arguments = {}) const {
+    HRESULT Admit(const Blanket& blanket, bool argumentsValid,
+                  const std::vector<NamedValue>& arguments = {}) const {
         if (!blanket.Suffices()) {
-            return Refuse(E_ACCESSDENIED, std::move(arguments));
+            return Refuse(E_ACCESSDENIED, arguments);
         }
-        return argumentsValid ? HRESULT(S_OK)
-                              : Refuse(HRESULT(WBEM_E_INVALID_PARAMETER), std::move(arguments));
+        return argumentsValid ? HRESULT(S_OK) : Refuse(HRESULT(WBEM_E_INVALID_PARAMETER), arguments);
     }
-    HRESULT Refuse(HRESULT code, std::vector<NamedValue> arguments = {}) const {
-        return Refused(session.observer, seen, code, std::move(arguments));
+    HRESULT Refuse(HRESULT code, const std::vector<NamedValue>& arguments = {}) const {
+        return Refused(session.observer, seen, code, arguments);
     }
     Connection& To() const { return *session.connection; }
 

@@ -97,9 +97,7 @@ std::wstring Connection::WholePath(std::wstring_view reference) const {
 }
 
 std::wstring FullPathOf(const Connection& connection, std::wstring_view relative) {
-    std::wstring path = L"\\\\" + connection.ServerName() + L'\\' + connection.NamespaceName() + L':';
-    path += relative;
-    return path;
+    return FullPath(connection.ServerName(), connection.NamespaceName(), relative);
 }
 
 std::vector<NamedValue> ConnectArguments::Named() const {

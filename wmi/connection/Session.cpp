@@ -33,9 +33,9 @@ HRESULT LocalCall::Fill(const Value& value, CIMTYPE type, VARIANT* variant) cons
 }
 
 HRESULT Refused(CallObserver* observer, const ObservedCall& call, HRESULT result,
-                std::vector<NamedValue> arguments) {
+                const std::vector<NamedValue>& arguments) {
     if (observer != nullptr && observer->Records(call.operation)) {
-        observer->After(call, result, std::move(arguments), S_OK);
+        observer->After(call, result, arguments, S_OK);
     }
     return result;
 }

@@ -62,6 +62,6 @@ class LocalCall {
 
 /// Ends a call that was refused before anybody was asked, and returns the result.
 HRESULT Refused(CallObserver* observer, const ObservedCall& call, HRESULT result,
-                std::vector<NamedValue> arguments = {});
+                const std::vector<NamedValue>& arguments = {});
 
 } // namespace quillet::wmi

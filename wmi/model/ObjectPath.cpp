@@ -284,6 +284,15 @@ void AppendKeyValue(std::wstring& out, const Scalar& value) {
     }
 }
 
+void AppendKey(std::wstring& out, wchar_t separator, std::wstring_view name, const Scalar& value) {
+    if (!name.empty()) {
+        out += separator;
+        out += name;
+    }
+    out += L'=';
+    AppendKeyValue(out, value);
+}
+
 } // namespace
 
 std::optional<ObjectPath> ObjectPath::Parse(std::wstring_view text, std::wstring* error) {
@@ -295,26 +304,16 @@ std::wstring ObjectPath::Relative() const {
     if (singleton) {
         return text + L"=@";
     }
-    const wchar_t* separator = L".";
+    wchar_t separator = L'.';
     for (const Key& key : keys) {
-        if (!key.name.empty()) {
-            text += separator;
-            text += key.name;
-        }
-        text += L'=';
-        AppendKeyValue(text, key.value);
-        separator = L",";
+        AppendKey(text, separator, key.name, key.value);
+        separator = L',';
     }
     return text;
 }
 
 std::wstring ObjectPath::Full(std::wstring_view serverName, std::wstring_view namespaceName) const {
-    std::wstring text = L"\\\\";
-    text += serverName;
-    text += L'\\';
-    text += namespaceName;
-    text += L':';
-    return text + Relative();
+    return FullPath(serverName, namespaceName, Relative());
 }
 
 std::wstring ObjectPath::Text() const {
@@ -324,25 +323,36 @@ std::wstring ObjectPath::Text() const {
     return namespacePath.empty() ? Relative() : namespacePath + L':' + Relative();
 }
 
-ObjectPath PathOf(const Instance& instance) {
-    ObjectPath path;
-    if (!instance.definition) {
-        return path;
-    }
-    const ClassDefinition& definition = *instance.definition;
-    path.className = definition.name;
-    for (std::size_t i = 0; i < definition.properties.size() && i < instance.values.size(); ++i) {
-        const Scalar* value = instance.values[i].AsScalar();
-        if (value != nullptr && definition.properties[i].IsKey()) {
-            path.keys.push_back({definition.properties[i].name, *value});
-        }
-    }
-    path.singleton = path.keys.empty() && definition.qualifiers.Has(L"singleton");
+std::wstring FullPath(std::wstring_view serverName, std::wstring_view namespaceName,
+                      std::wstring_view relative) {
+    std::wstring path = L"\\\\";
+    path += serverName;
+    path += L'\\';
+    path += namespaceName;
+    path += L':';
+    path += relative;
     return path;
 }
 
+// Every object that is read asks for this: it is written straight from the instance, without an ObjectPath.
 std::wstring RelativePath(const Instance& instance) {
-    return PathOf(instance).Relative();
+    if (!instance.definition) {
+        return {};
+    }
+    const ClassDefinition& definition = *instance.definition;
+    std::wstring text = definition.name;
+    wchar_t separator = L'.';
+    for (std::size_t i = 0; i < definition.properties.size() && i < instance.values.size(); ++i) {
+        const Scalar* value = instance.values[i].AsScalar();
+        if (value != nullptr && definition.properties[i].IsKey()) {
+            AppendKey(text, separator, definition.properties[i].name, *value);
+            separator = L',';
+        }
+    }
+    if (separator == L'.' && definition.qualifiers.Has(L"singleton")) {
+        text += L"=@";
+    }
+    return text;
 }
 
 std::optional<std::wstring> AddressOf(const Instance& instance) {

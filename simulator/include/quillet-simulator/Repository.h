@@ -66,9 +66,7 @@ class Repository : public MofTarget {
     /// class that does not exist. With ClassDefsOnly, one instance stands for each class of the result.
     HRESULT Associations(const WqlQuery& query, std::vector<InstancePtr>& result) const;
 
-    /// Class.Key="value",… of an instance, keys in the order of the class.
-    std::wstring RelativePath(const Instance& instance) const;
-    /// RelativePath behind this server and namespace.
+    /// The path of an instance behind this server and namespace.
     std::wstring FullPath(const Instance& instance) const;
     /// The text of a reference as clients see it: the full path of the object that it names or, when there is
     /// no such object, the text itself with this server and namespace in front where it has none.

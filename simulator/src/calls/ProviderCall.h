@@ -17,7 +17,7 @@ class ProviderCall {
     ProviderCall& operator=(const ProviderCall&) = delete;
 
     /// Meets the fault that hits the call, and takes the time that it asks for; false when the call is not
-    /// begun, and End() is all that is left to do.
+    /// begun, and NotBegun() is all that is left to do.
     bool Begin();
     /// The same for a call that waits no longer than a timeout (WBEM_INFINITE, or milliseconds): the time
     /// that is left to wait stays in `owed`, and WBEM_S_TIMEDOUT says so.

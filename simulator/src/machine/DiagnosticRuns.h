@@ -22,9 +22,9 @@ class DiagnosticRuns {
     Verdict Start(Repository& store, const std::wstring& test, Time now);
     /// Stops a test; of a package, every test that has not ended.
     Verdict Stop(Repository& store, const std::wstring& test, Time now);
-    /// Writes into the results what has happened until now.
     /// Whether any test runs, cheaply.
     bool Busy() const noexcept { return m_busy; }
+    /// Writes into the results what has happened until now.
     void CatchUp(Repository& store, Time now);
 
   private:

@@ -36,7 +36,7 @@ class DiagTestProvider final : public ClassProvider {
     /// Whether the adapter that the call names offers the test.
     static bool IsOffered(const MethodCall& call) {
         const auto& store = call.request.Target().Store();
-        const auto query = ParseWql(L"REFERENCES OF {" + store.RelativePath(*call.instance) +
+        const auto query = ParseWql(L"REFERENCES OF {" + RelativePath(*call.instance) +
                                     L"} WHERE ResultClass = Zorel_DiagTestForAdapter");
         std::vector<InstancePtr> offers;
         if (!query || FAILED(store.Associations(*query, offers))) {

@@ -10,7 +10,7 @@ class SettingProvider final : public ClassProvider {
   public:
     HRESULT PutInstance(Request& request, const Instance& instance, WriteMode mode) override {
         auto& store = request.Target().Store();
-        const auto found = store.FindInstance(store.RelativePath(instance));
+        const auto found = store.FindInstance(RelativePath(instance));
         if (found == nullptr) {
             // Which settings there are is the driver's to say.
             return HRESULT(mode == WriteMode::UpdateOnly ? WBEM_E_NOT_FOUND : WBEM_E_PROVIDER_NOT_CAPABLE);

@@ -23,7 +23,7 @@ class TeamMembershipProvider final : public ClassProvider {
         if (team == nullptr || !team->definition->IsA(L"Zorel_TeamOfAdapters") || adapter == nullptr) {
             return HRESULT(WBEM_E_NOT_FOUND);
         }
-        if (const auto present = store.FindInstance(store.RelativePath(instance))) {
+        if (const auto present = store.FindInstance(RelativePath(instance))) {
             if (mode == WriteMode::CreateOnly) {
                 return HRESULT(WBEM_E_ALREADY_EXISTS);
             }

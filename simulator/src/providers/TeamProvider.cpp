@@ -72,7 +72,7 @@ class TeamProvider final : public ClassProvider {
     /// Only what the schema lets clients write is taken over; the rest is the provider's.
     HRESULT PutInstance(Request& request, const Instance& instance, WriteMode mode) override {
         auto& store = request.Target().Store();
-        const auto present = store.FindInstance(store.RelativePath(instance));
+        const auto present = store.FindInstance(RelativePath(instance));
         if (present == nullptr) {
             // There is a method for making teams.
             return mode == WriteMode::UpdateOnly ? HRESULT(WBEM_E_NOT_FOUND)
@@ -189,7 +189,7 @@ class TeamProvider final : public ClassProvider {
         if (FAILED(result)) {
             return result;
         }
-        team = store.FindInstance(store.RelativePath(made));
+        team = store.FindInstance(RelativePath(made));
         for (const Instance* part : {&logical, &same}) {
             if (FAILED(result = store.PutInstance(*part, kCreate))) {
                 return result;

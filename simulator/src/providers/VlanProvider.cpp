@@ -55,7 +55,7 @@ class VlanProvider final : public ClassProvider {
 
     HRESULT PutInstance(Request& request, const Instance& instance, WriteMode mode) override {
         auto& store = request.Target().Store();
-        const auto current = store.FindInstance(store.RelativePath(instance));
+        const auto current = store.FindInstance(RelativePath(instance));
         if (current == nullptr) {
             // Only its parent's service makes a VLAN.
             return HRESULT(mode == WriteMode::UpdateOnly ? WBEM_E_NOT_FOUND : WBEM_E_PROVIDER_NOT_CAPABLE);

@@ -142,12 +142,8 @@ HRESULT Repository::Associations(const WqlQuery& query, std::vector<InstancePtr>
     return m_state->Associations(query, result);
 }
 
-std::wstring Repository::RelativePath(const Instance& instance) const {
-    return wmi::RelativePath(instance);
-}
-
 std::wstring Repository::FullPath(const Instance& instance) const {
-    return PathOf(instance).Full(m_state->serverName, m_state->namespaceName);
+    return wmi::FullPath(m_state->serverName, m_state->namespaceName, RelativePath(instance));
 }
 
 std::wstring Repository::ReferenceText(std::wstring_view path) const {

@@ -33,7 +33,7 @@ HRESULT ValidateSettingOnTeam(MethodCall& call) {
     for (const auto& membership : store.Instances(L"Zorel_TeamedMemberAdapter")) {
         const auto adapter = store.FindInstance(membership->Text(L"PartComponent"));
         if (adapter == nullptr ||
-            !store.SameObject(membership->Text(L"GroupComponent"), store.RelativePath(*call.instance))) {
+            !store.SameObject(membership->Text(L"GroupComponent"), RelativePath(*call.instance))) {
             continue;
         }
         const auto setting = FindSetting(store, L"Zorel_AdapterSetting", adapter->Text(L"DeviceID"), caption);

@@ -28,7 +28,7 @@ std::int64_t MemberStatus(const Instance& adapter) {
 
 /// What joins a team with its logical adapter.
 std::vector<InstancePtr> VirtualAdaptersOf(const Repository& store, const Instance& team) {
-    return ReferencesTo(store, store.RelativePath(team), L"Zorel_NetworkVirtualAdapter");
+    return ReferencesTo(store, RelativePath(team), L"Zorel_NetworkVirtualAdapter");
 }
 
 /// Stores a changed copy of an instance, unless it is as it was.
@@ -43,7 +43,7 @@ HRESULT Change(Repository& store, const Instance& instance,
 }
 
 void Delete(Repository& store, const Instance& instance) {
-    if (const auto path = ObjectPath::Parse(store.RelativePath(instance))) {
+    if (const auto path = ObjectPath::Parse(RelativePath(instance))) {
         store.DeleteInstance(*path);
     }
 }
@@ -81,7 +81,7 @@ InstancePtr FindAdapter(const Repository& store, std::wstring_view path) {
 }
 
 std::vector<InstancePtr> MembershipsOf(const Repository& store, const Instance& teamOrAdapter) {
-    return ReferencesTo(store, store.RelativePath(teamOrAdapter), kMembership);
+    return ReferencesTo(store, RelativePath(teamOrAdapter), kMembership);
 }
 
 std::vector<InstancePtr> MembersOf(const Repository& store, const Instance& team) {
@@ -240,7 +240,7 @@ HRESULT RemoveTeamFrom(Repository& store, const Instance& team) {
     if (logical != nullptr) {
         Delete(store, *logical);
     }
-    const auto path = ObjectPath::Parse(store.RelativePath(team));
+    const auto path = ObjectPath::Parse(RelativePath(team));
     return path ? store.DeleteInstance(*path) : HRESULT(WBEM_E_INVALID_OBJECT_PATH);
 }
 

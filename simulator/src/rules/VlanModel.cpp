@@ -55,7 +55,7 @@ std::string SettingsOf(const std::string& vlanId, bool isTagged) {
 }
 
 HRESULT Delete(Repository& store, const Instance& instance) {
-    const auto path = ObjectPath::Parse(store.RelativePath(instance));
+    const auto path = ObjectPath::Parse(RelativePath(instance));
     return path ? store.DeleteInstance(*path) : HRESULT(WBEM_E_INVALID_OBJECT_PATH);
 }
 

@@ -207,10 +207,8 @@ TEST(Machines, OneIsWrittenBackWhole) {
     const auto after = loaded->Store().AllInstances();
     ASSERT_EQ(after.size(), before.size());
     for (std::size_t index = 0; index < before.size(); ++index) {
-        EXPECT_EQ(loaded->Store().RelativePath(*after[index]),
-                  original->Store().RelativePath(*before[index]));
-        EXPECT_TRUE(after[index]->values == before[index]->values)
-            << Narrow(original->Store().RelativePath(*before[index]));
+        EXPECT_EQ(RelativePath(*after[index]), RelativePath(*before[index]));
+        EXPECT_TRUE(after[index]->values == before[index]->values) << Narrow(RelativePath(*before[index]));
     }
     EXPECT_EQ(loaded->Save(), original->Save());
 }

@@ -8,7 +8,7 @@ class RepositoryStore : public RepositoryFixture {
   protected:
     std::wstring Found(const wchar_t* path) const {
         const InstancePtr instance = m_repository.FindInstance(path);
-        return instance ? m_repository.RelativePath(*instance) : L"";
+        return instance ? RelativePath(*instance) : L"";
     }
 };
 
@@ -63,7 +63,7 @@ TEST_F(RepositoryStore, TakesKeysOfEverySortOfNumber) {
 }
 
 TEST_F(RepositoryStore, AnInstanceOfNoClassHasNoPath) {
-    EXPECT_EQ(m_repository.RelativePath(Instance()), L"");
+    EXPECT_EQ(RelativePath(Instance()), L"");
 }
 
 TEST_F(RepositoryStore, RefusesClassesWithNamesThatAreNone) {

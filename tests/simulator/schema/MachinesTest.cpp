@@ -169,7 +169,7 @@ void ExpectSettingsAreWhole(const Inventory& machine) {
             {L"BOOTAGENT", {L"Zorel_BootAgentSetting", &machine.bootAgents}},
         };
     for (const auto& setting : machine.All(L"Zorel_Setting")) {
-        const auto where = Narrow(machine.store->RelativePath(*setting));
+        const auto where = Narrow(RelativePath(*setting));
         const auto owner = owners.find(setting->Text(L"ParentType"));
         ASSERT_NE(owners.end(), owner) << where;
         EXPECT_TRUE(setting->definition->IsA(owner->second.first)) << where;
@@ -324,7 +324,7 @@ void ExpectNoSecrets(const Inventory& machine) {
         for (const auto& property : instance->definition->properties) {
             if (property.qualifiers.Has(L"Secret")) {
                 EXPECT_TRUE(instance->Find(property.name)->IsNull())
-                    << Narrow(machine.store->RelativePath(*instance)) << " " << Narrow(property.name);
+                    << Narrow(RelativePath(*instance)) << " " << Narrow(property.name);
             }
         }
     }

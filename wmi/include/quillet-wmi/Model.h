@@ -20,7 +20,8 @@ namespace quillet::wmi {
 /// Three-way comparison of two CIM names without regard to case.
 int CompareNames(std::wstring_view left, std::wstring_view right) noexcept;
 inline bool SameName(std::wstring_view left, std::wstring_view right) noexcept {
-    return CompareNames(left, right) == 0;
+    // No letter changes its length with its case.
+    return left.size() == right.size() && CompareNames(left, right) == 0;
 }
 
 /// Orders names without regard to case; for std::map and std::set.

@@ -42,9 +42,10 @@ struct ObjectPath {
     friend bool operator==(const ObjectPath&, const ObjectPath&) = default;
 };
 
-/// The path of an instance, without a server and a namespace: its keys in the order of its class.
-ObjectPath PathOf(const Instance& instance);
-/// PathOf as a text: Class.Key="value",…
+/// A path that has no server and no namespace yet, behind these two.
+std::wstring FullPath(std::wstring_view serverName, std::wstring_view namespaceName,
+                      std::wstring_view relative);
+/// Class.Key="value",… of an instance, without a server and a namespace; its keys in the order of its class.
 std::wstring RelativePath(const Instance& instance);
 /// RelativePath of an instance that can be found by it; nothing for one whose keys are not all there, and for
 /// the parameters of a method.
