@@ -7,7 +7,7 @@ set(QUILLET_ALONE SafeArray TeamMembers TeamWizard VLANTexts
   LinkSecurity NetworkBootProvider SettingProvider VlanModel
   Adapter Application ConsoleWindows Diag Help ISCSI Power Vlan
   # tests
-  DiagnosticsTest InterruptedChangesTest LinkSecurityOperations LumDebugLinesTest NamesTest NetworkBootTest
+  DiagnosticsTest SettingNamesTest InterruptedChangesTest LinkSecurityOperations LumDebugLinesTest NamesTest NetworkBootTest
   ObjectPathTest PortCallCountsTest PowerTest PropertySettersTest QuestionsTest ReadingOperations ServicesTest
   SettingChecksTest SettingWritingTest TeamCallCountsTest TeamOperations TeamTest VLANOperations VlanCallCountsTest
   VlanTest Win32Test WritingOperations)
