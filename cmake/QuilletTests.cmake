@@ -28,7 +28,7 @@ if(CMAKE_CXX_FLAGS MATCHES "sanitize")
   set(QUILLET_SANITIZED ON)
 endif()
 
-# quillet_own_prefix(test...): under Wine two tests run at a time, each in a prefix, and so with a registry, of its own
+# quillet_own_prefix(test...): under Wine four tests run at a time, each in a prefix, and so with a registry, of its own
 # (scripts/wine-run). ctest lends the prefixes.
 function(quillet_own_prefix)
   if(MINGW)
