@@ -24,6 +24,8 @@ enum tagREGCLS {
 };
 using REGCLS = tagREGCLS;
 
+using CO_MTA_USAGE_COOKIE = struct CO_MTA_USAGE_COOKIE__*;
+
 #define COLE_DEFAULT_PRINCIPAL (reinterpret_cast<OLECHAR*>(static_cast<INT_PTR>(-1)))
 #define COLE_DEFAULT_AUTHINFO (reinterpret_cast<void*>(static_cast<INT_PTR>(-1)))
 
@@ -34,6 +36,10 @@ using REGCLS = tagREGCLS;
 HRESULT WINAPI CoInitializeEx(void* reserved, DWORD model);
 HRESULT WINAPI CoInitialize(void* reserved);
 void WINAPI CoUninitialize();
+/// Keeps the process's multithreaded apartment alive without initialising COM for any thread: meanwhile,
+/// threads that have not done so belong to it. Every success must be paired with CoDecrementMTAUsage.
+HRESULT WINAPI CoIncrementMTAUsage(CO_MTA_USAGE_COOKIE* cookie);
+HRESULT WINAPI CoDecrementMTAUsage(CO_MTA_USAGE_COOKIE cookie);
 HRESULT WINAPI CoInitializeSecurity(void* descriptor, LONG services, SOLE_AUTHENTICATION_SERVICE* service,
                                     void* reserved1, DWORD authnLevel, DWORD impLevel, void* authList,
                                     DWORD capabilities, void* reserved3);

@@ -4,6 +4,8 @@
 #include <windows.h>
 #include <objbase.h>
 
+#include <atomic>
+
 namespace {
 
 struct ThreadState {
@@ -12,12 +14,15 @@ struct ThreadState {
 };
 thread_local ThreadState g_thread;
 
+// As long as somebody asks for it there is a multithreaded apartment, and threads without one belong to it.
+std::atomic<ULONG> g_multithreadedUses = 0;
+
 } // namespace
 
 namespace quillet::platform {
 
 bool IsComInitialised() noexcept {
-    return g_thread.initialisations != 0;
+    return g_thread.initialisations != 0 || g_multithreadedUses != 0;
 }
 
 } // namespace quillet::platform
@@ -54,5 +59,23 @@ void WINAPI CoUninitialize() {
 HRESULT WINAPI CoInitializeSecurity(void*, LONG, SOLE_AUTHENTICATION_SERVICE*, void*, DWORD, DWORD, void*,
                                     DWORD, void*) {
     // One process is all there is to secure.
-    return g_thread.initialisations ? S_OK : CO_E_NOTINITIALIZED;
+    return quillet::platform::IsComInitialised() ? S_OK : CO_E_NOTINITIALIZED;
+}
+
+HRESULT WINAPI CoIncrementMTAUsage(CO_MTA_USAGE_COOKIE* cookie) {
+    if (cookie == nullptr) {
+        return E_INVALIDARG;
+    }
+    ++g_multithreadedUses;
+    // Nothing is kept of one use but that there is one more.
+    *cookie = reinterpret_cast<CO_MTA_USAGE_COOKIE>(&g_multithreadedUses);
+    return S_OK;
+}
+
+HRESULT WINAPI CoDecrementMTAUsage(CO_MTA_USAGE_COOKIE cookie) {
+    if (cookie != reinterpret_cast<CO_MTA_USAGE_COOKIE>(&g_multithreadedUses) || g_multithreadedUses == 0) {
+        return E_INVALIDARG;
+    }
+    --g_multithreadedUses;
+    return S_OK;
 }

@@ -3,7 +3,8 @@
 
 namespace quillet::platform {
 
-/// The calling thread has initialised COM more often than it has given it up.
+/// The calling thread has initialised COM more often than it has given it up, or belongs to the multithreaded
+/// apartment that somebody keeps alive.
 bool IsComInitialised() noexcept;
 
 } // namespace quillet::platform

@@ -41,6 +41,27 @@ TEST(ComInitialisationTest, IsCountedAndKeepsItsModel) {
     });
 }
 
+TEST(ComInitialisationTest, AMultithreadedApartmentThatIsKept_ServesThreadsWithoutOne) {
+    OnNewThread([] {
+        CO_MTA_USAGE_COOKIE cookie{};
+        ASSERT_EQ(CoIncrementMTAUsage(&cookie), S_OK);
+        CO_MTA_USAGE_COOKIE other{};
+        ASSERT_EQ(CoIncrementMTAUsage(&other), S_OK);
+        EXPECT_EQ(CoDecrementMTAUsage(other), S_OK);
+        IGlobalInterfaceTable* table = nullptr;
+        EXPECT_EQ(CoCreateInstance(CLSID_StdGlobalInterfaceTable, nullptr, CLSCTX_INPROC_SERVER,
+                                   IID_IGlobalInterfaceTable, reinterpret_cast<void**>(&table)),
+                  S_OK);
+        if (table != nullptr) {
+            table->Release();
+        }
+        EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK)
+            << "the thread had none of its own";
+        CoUninitialize();
+        EXPECT_EQ(CoDecrementMTAUsage(cookie), S_OK);
+    });
+}
+
 TEST(ComInitialisationTest, IsEachThreadsOwn) {
     OnNewThread([] {
         EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
