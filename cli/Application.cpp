@@ -3,7 +3,6 @@
 
 #include "changes/ClientSet.h"
 #include "commands/Commands.h"
-#include "texts/ResultCodes.h"
 #include "texts/Text.h"
 
 #include <comutil.h>

@@ -1,7 +1,6 @@
 // Opening and closing a client set.
 #include "changes/ClientSet.h"
 
-#include "texts/ResultCodes.h"
 #include "texts/Text.h"
 
 #include <comutil.h>

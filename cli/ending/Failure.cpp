@@ -1,7 +1,6 @@
 // The texts of refusals.
 #include "ending/Failure.h"
 
-#include "texts/ResultCodes.h"
 
 namespace quilletctl {
 

@@ -3,10 +3,15 @@
 
 #include <windows.h>
 
+#include <quillet/client/Error.h>
+
 #include <stdexcept>
 #include <string>
 
 namespace quilletctl {
+
+using quillet::DescribeResult;
+using quillet::ExplainResult;
 
 enum class ExitStatus : int {
     Done = 0,

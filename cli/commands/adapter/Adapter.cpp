@@ -1,12 +1,12 @@
 // quilletctl adapter: the machine's network adapters; all but "show".
 #include "app/Answers.h"
 #include "changes/Verification.h"
-#include "commands/adapter/AdapterTexts.h"
 #include "commands/adapter/AdapterVerbs.h"
 #include "commands/AdapterCommand.h"
 #include "commands/Commands.h"
 #include "names/ObjectPath.h"
 #include "names/TeamLookup.h"
+#include "texts/InWords.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
 
@@ -73,8 +73,8 @@ class ListCapabilities final : public AdapterCommand {
         Json list = Json::array();
         Table table({{"CODE", Fit::Whole}, {"CAPABILITY", Fit::MayShorten}});
         for (const LONG code : codes) {
-            list.push_back(Coded(code, CapabilityText(code)));
-            table.AddRow({std::to_string(code), CapabilityText(code)});
+            list.push_back(Coded(code, InWords<quillet::Capability>(code)));
+            table.AddRow({std::to_string(code), InWords<quillet::Capability>(code)});
         }
         return AnswerList(run, Json{{"path", adapter.path}, {"capabilities", std::move(list)}}, table,
                           "no capabilities");

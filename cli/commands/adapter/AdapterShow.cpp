@@ -1,15 +1,15 @@
 // quilletctl adapter show: what is known of an adapter.
 #include "commands/AdapterCommand.h"
-#include "commands/adapter/AdapterTexts.h"
 #include "commands/adapter/AdapterVerbs.h"
 #include "terminal/Sheet.h"
 #include "texts/BitMask.h"
+#include "texts/InWords.h"
 #include "texts/JsonParts.h"
-#include "texts/ResultCodes.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 
+#include <cstdint>
 #include <memory>
 
 namespace quilletctl {
@@ -69,14 +69,16 @@ class ShowAdapter final : public AdapterCommand {
                 {"deviceId", ToUtf8(known.m_wsDeviceID)},
                 {"slotId", ToUtf8(known.m_wsSlotID)},
                 {"status", ToUtf8(state.m_wsStatus)},
-                {"speed", Coded(state.m_eLinkSpeed, SpeedText(state.m_eLinkSpeed))},
-                {"duplex", Coded(state.m_eDuplexMode, DuplexText(state.m_eDuplexMode))},
-                {"linkSecurity", Coded(state.m_eLinkSecStatus, LinkSecText(state.m_eLinkSecStatus))},
-                {"adapterStatus", Coded(state.m_lAdapterStatus, AdapterStatusText(state.m_lAdapterStatus))},
-                {"statusInfo", Coded(state.m_lStatusInfo, StatusInfoText(state.m_lStatusInfo))},
-                {"availability", Coded(state.m_lAvailability, AvailabilityText(state.m_lAvailability))},
+                {"speed", Coded(state.m_eLinkSpeed, InWords<quillet::LinkSpeed>(state.m_eLinkSpeed))},
+                {"duplex", Coded(state.m_eDuplexMode, InWords<quillet::Duplex>(state.m_eDuplexMode))},
+                {"linkSecurity",
+                 Coded(state.m_eLinkSecStatus, InWords<quillet::LinkSecurityStatus>(state.m_eLinkSecStatus))},
+                {"adapterStatus", Coded(state.m_lAdapterStatus, ConditionsInWords(state.m_lAdapterStatus))},
+                {"statusInfo", Coded(state.m_lStatusInfo, InWords<quillet::StatusInfo>(state.m_lStatusInfo))},
+                {"availability",
+                 Coded(state.m_lAvailability, InWords<quillet::Availability>(state.m_lAvailability))},
                 {"hardwareStatus",
-                 Coded(state.m_lHardwareStatus, HardwareStatusText(state.m_lHardwareStatus))},
+                 Coded(state.m_lHardwareStatus, InWords<quillet::HardwareStatus>(state.m_lHardwareStatus))},
                 {"controllerId", ToUtf8(pci.m_wsControllerID)},
                 {"mediaType", ToUtf8(pci.m_wsMediaType)},
                 {"negotiatedLinkWidth", ToUtf8(pci.m_wsNegotiatedLinkWidth)},
@@ -99,12 +101,12 @@ class ShowAdapter final : public AdapterCommand {
             .Add("Device ID", ToUtf8(known.m_wsDeviceID))
             .Add("Slot", ToUtf8(known.m_wsSlotID))
             .Add("Status", ToUtf8(state.m_wsStatus))
-            .Add("Hardware", HardwareStatusText(state.m_lHardwareStatus))
+            .Add("Hardware", InWords<quillet::HardwareStatus>(state.m_lHardwareStatus))
             .Add("Link", LinkText(state))
-            .Add("Link security", LinkSecText(state.m_eLinkSecStatus))
-            .Add("Condition", AdapterStatusText(state.m_lAdapterStatus))
-            .Add("State", StatusInfoText(state.m_lStatusInfo))
-            .Add("Availability", AvailabilityText(state.m_lAvailability))
+            .Add("Link security", InWords<quillet::LinkSecurityStatus>(state.m_eLinkSecStatus))
+            .Add("Condition", ConditionsInWords(state.m_lAdapterStatus))
+            .Add("State", InWords<quillet::StatusInfo>(state.m_lStatusInfo))
+            .Add("Availability", InWords<quillet::Availability>(state.m_lAvailability))
             .Add("Controller", ToUtf8(pci.m_wsControllerID))
             .Add("PCI device ID", ToUtf8(pci.m_wsPCIDeviceID))
             .Add("Medium", ToUtf8(pci.m_wsMediaType))
@@ -121,12 +123,18 @@ class ShowAdapter final : public AdapterCommand {
         return ExitStatus::Done;
     }
 
+    static std::string ConditionsInWords(LONG status) {
+        // A word of 32 bits: widened with its sign it would be more of them.
+        const auto mask = static_cast<std::uint32_t>(status);
+        return ToUtf8(quillet::Text(quillet::Flags<quillet::AdapterCondition>::FromMask(mask)));
+    }
+
     /// The speed, and the duplex mode where there is a link to have one.
     static std::string LinkText(const CAdapterDynamicInfo& state) {
-        const std::string speed = SpeedText(state.m_eLinkSpeed);
+        const std::string speed = InWords<quillet::LinkSpeed>(state.m_eLinkSpeed);
         return state.m_eLinkSpeed == CAdapterDynamicInfo::LinkSpeedNone
                    ? speed
-                   : speed + ", " + DuplexText(state.m_eDuplexMode);
+                   : speed + ", " + InWords<quillet::Duplex>(state.m_eDuplexMode);
     }
 
     static std::string WarningText(ULONGLONG mask) {

@@ -5,7 +5,6 @@
 #include "commands/boot/Flash.h"
 #include "commands/boot/ImageFile.h"
 #include "terminal/Progress.h"
-#include "texts/ResultCodes.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>

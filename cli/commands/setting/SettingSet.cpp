@@ -7,7 +7,6 @@
 #include "names/AdapterLookup.h"
 #include "names/SettingOwner.h"
 #include "texts/BitMask.h"
-#include "texts/ResultCodes.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>

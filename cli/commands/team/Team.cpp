@@ -8,7 +8,6 @@
 #include "commands/team/TeamVerbs.h"
 #include "names/ObjectPath.h"
 #include "texts/JsonParts.h"
-#include "texts/ResultCodes.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>

@@ -1,7 +1,9 @@
 // The commands about one adapter: what they show, and how the adapter is named.
 #include "support/RunCommandLine.h"
 
-#include <commands/adapter/AdapterTexts.h>
+#include <quillet/Adapter.h>
+
+#include <texts/InWords.h>
 
 #include <nlohmann/json.hpp>
 
@@ -123,7 +125,7 @@ TEST_F(OneAdapterTest, Capabilities_MatchTheGoldenFileAndHaveAWordEach) {
         << text.out;
     std::set<std::string> words;
     for (const CAdapterCapInfo::Flag& flag : CAdapterCapInfo::Flags()) {
-        const std::string word = quilletctl::CapabilityText(flag.m_lCode);
+        const std::string word = quilletctl::InWords<quillet::Capability>(flag.m_lCode);
         EXPECT_NE(word, "code " + std::to_string(flag.m_lCode));
         EXPECT_TRUE(words.insert(word).second) << word;
     }
@@ -160,23 +162,6 @@ TEST_F(OneAdapterTest, Identify_AsksForSoManySeconds) {
     EXPECT_NE(outcome.out.find(", IdentifyAdapter(nSeconds=1) -> 0x00000000\n"), std::string::npos)
         << outcome.out;
     EXPECT_EQ(Run({"adapter", "identify", kFirst, "--seconds", "0"}).status, 2);
-}
-
-TEST(AdapterTextsTest, NumbersWithoutAWordAreShownAsTheyAre) {
-    using namespace quilletctl;
-    EXPECT_EQ(HardwareStatusText(9), "code 9");
-    EXPECT_EQ(StatusInfoText(-1), "code -1");
-    EXPECT_EQ(AvailabilityText(22), "code 22");
-    EXPECT_EQ(CapabilityText(99), "code 99");
-    EXPECT_EQ(SpeedText(static_cast<CAdapterDynamicInfo::LinkSpeed>(7)), "code 7");
-}
-
-TEST(AdapterTextsTest, AdapterStatusTellsEachOfItsBits) {
-    using quilletctl::AdapterStatusText;
-    EXPECT_EQ(AdapterStatusText(0), "nothing reported");
-    EXPECT_EQ(AdapterStatusText(5), "enabled, hardware missing");
-    EXPECT_EQ(AdapterStatusText(2 | 16), "driver problem, condition 4");
-    EXPECT_EQ(AdapterStatusText(static_cast<LONG>(0x80000000)), "condition 31");
 }
 
 } // namespace

@@ -1,17 +1,16 @@
-// Result codes and bit masks as people read them.
-#include <texts/BitMask.h>
-#include <texts/ResultCodes.h>
+// Result codes as people read them.
+#include <quillet/client/Error.h>
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 
-using namespace quilletctl;
+namespace quillet::tests {
 
 namespace {
 
 std::string Described(std::uint32_t code) {
-    return DescribeResult(static_cast<HRESULT>(code));
+    return DescribeResult(static_cast<std::int32_t>(code));
 }
 
 TEST(ResultCodesTest, DescribeResult_NamesWmiAndComCodes) {
@@ -37,7 +36,7 @@ TEST(ResultCodesTest, DescribeResult_ACodeWithoutANameStandsAlone) {
 
 TEST(ResultCodesTest, ExplainResult_SaysItInWordsFirst) {
     const auto explained = [](std::uint32_t code, const std::string& reason = {}) {
-        return ExplainResult(static_cast<HRESULT>(code), reason);
+        return ExplainResult(static_cast<std::int32_t>(code), reason);
     };
     EXPECT_EQ(explained(0x80041003), "access is denied: 0x80041003 WBEM_E_ACCESS_DENIED");
     EXPECT_EQ(explained(0x800706BA), "the machine cannot be reached: 0x800706BA RPC_S_SERVER_UNAVAILABLE");
@@ -48,14 +47,14 @@ TEST(ResultCodesTest, ExplainResult_SaysItInWordsFirst) {
     EXPECT_EQ(explained(5), "a code of the provider's own: 0x00000005");
 }
 
-TEST(BitMaskTest, SetBits_FromTheLowest) {
-    EXPECT_EQ(SetBits(0), std::vector<unsigned>());
-    EXPECT_EQ(SetBits(0x8000000000000005ULL), (std::vector<unsigned>{0, 2, 63}));
-}
-
-TEST(BitMaskTest, HexMask_KeepsAll64Bits) {
-    EXPECT_EQ(HexMask(0), "0x0000000000000000");
-    EXPECT_EQ(HexMask(0x8000000100000005ULL), "0x8000000100000005");
+TEST(ResultCodesTest, ResultCategory_HasMessagesAndConditions) {
+    const std::error_code code(static_cast<int>(0x8007000E), ResultCategory());
+    EXPECT_EQ(code, std::errc::not_enough_memory);
+    EXPECT_EQ(code.message(), "there is not enough memory: 0x8007000E E_OUTOFMEMORY");
+    EXPECT_NE(code, std::errc::permission_denied);
+    EXPECT_FALSE(std::error_code(0, ResultCategory()));
 }
 
 } // namespace
+
+} // namespace quillet::tests

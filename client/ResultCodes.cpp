@@ -1,12 +1,13 @@
-// The names of WMI's result codes, and of those of COM's that reach a WMI client.
-#include "texts/ResultCodes.h"
+// Result codes: their names, their words, their category. Those of WMI, and of COM's those that reach a WMI
+// client.
+#include <quillet/client/Error.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
 
-namespace quilletctl {
+namespace quillet {
 
 namespace {
 
@@ -173,7 +174,7 @@ constexpr std::array kResultNames{
 static_assert(std::is_sorted(kResultNames.begin(), kResultNames.end(),
                              [](const ResultName& a, const ResultName& b) { return a.code < b.code; }));
 
-const ResultName* Find(HRESULT code) {
+const ResultName* Find(std::int32_t code) {
     const auto number = static_cast<std::uint32_t>(code);
     const auto* found =
         std::lower_bound(kResultNames.begin(), kResultNames.end(), number,
@@ -181,24 +182,66 @@ const ResultName* Find(HRESULT code) {
     return found != kResultNames.end() && found->code == number ? found : nullptr;
 }
 
+class Category final : public std::error_category {
+  public:
+    const char* name() const noexcept override { return "quillet"; }
+    std::string message(int code) const override { return ExplainResult(code); }
+
+    std::error_condition default_error_condition(int code) const noexcept override {
+        switch (static_cast<std::uint32_t>(code)) {
+        case 0:
+            return {};
+        case 0x80041003: // WBEM_E_ACCESS_DENIED
+        case 0x80070005: // E_ACCESSDENIED
+            return std::errc::permission_denied;
+        case 0x80041006: // WBEM_E_OUT_OF_MEMORY
+        case 0x8007000E: // E_OUTOFMEMORY
+            return std::errc::not_enough_memory;
+        case 0x80041008: // WBEM_E_INVALID_PARAMETER
+        case 0x80070057: // E_INVALIDARG
+            return std::errc::invalid_argument;
+        case 0x80004001: // E_NOTIMPL
+        case 0x8004100C: // WBEM_E_NOT_SUPPORTED
+            return std::errc::not_supported;
+        case 0x80041069: // WBEM_E_TIMED_OUT
+        case 0x80041088: // WBEM_E_PROVIDER_TIMED_OUT
+            return std::errc::timed_out;
+        case 0x80041032: // WBEM_E_CALL_CANCELLED
+            return std::errc::operation_canceled;
+        case 0x80010108: // RPC_E_DISCONNECTED
+        case 0x80041015: // WBEM_E_TRANSPORT_FAILURE
+            return std::errc::connection_aborted;
+        case 0x800706BA: // RPC_S_SERVER_UNAVAILABLE
+            return std::errc::host_unreachable;
+        default:
+            return {code, *this};
+        }
+    }
+};
+
 } // namespace
 
-std::string DescribeResult(HRESULT code) {
+const std::error_category& ResultCategory() noexcept {
+    static const Category kCategory;
+    return kCategory;
+}
+
+std::string DescribeResult(std::int32_t code) {
     std::array<char, 16> hex{};
     std::snprintf(hex.data(), hex.size(), "0x%08X", static_cast<unsigned>(code));
     const ResultName* known = Find(code);
     return known == nullptr ? hex.data() : std::string(hex.data()) + ' ' + known->name;
 }
 
-std::string ExplainResult(HRESULT code, const std::string& reason) {
+std::string ExplainResult(std::int32_t code, const std::string& reason) {
     const ResultName* known = Find(code);
     std::string words = reason;
     if (words.empty() && known != nullptr) {
         words = known->words;
-    } else if (words.empty() && SUCCEEDED(code)) {
+    } else if (words.empty() && code >= 0) {
         words = "a code of the provider's own";
     }
     return words.empty() ? DescribeResult(code) : words + ": " + DescribeResult(code);
 }
 
-} // namespace quilletctl
+} // namespace quillet
