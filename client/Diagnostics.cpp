@@ -2,7 +2,7 @@
 #include "Operations.h"
 
 #include <algorithm>
-#include <condition_variable>
+#include <semaphore>
 
 namespace quillet {
 
@@ -43,10 +43,9 @@ TestResult FromRecord(const CDiagResult& record) {
 
 /// Sleeps, but not through a request to stop.
 void Wait(std::chrono::milliseconds time, const std::stop_token& stop) {
-    std::mutex mutex;
-    std::condition_variable_any never;
-    std::unique_lock lock(mutex);
-    never.wait_for(lock, stop, time, [] { return false; });
+    std::binary_semaphore stopped(0);
+    const std::stop_callback wake(stop, [&stopped] { stopped.release(); });
+    static_cast<void>(stopped.try_acquire_for(time));
 }
 
 } // namespace
