@@ -1,7 +1,6 @@
 // The texts of refusals.
 #include "ending/Failure.h"
 
-
 namespace quilletctl {
 
 Refusal::Refusal(const std::string& asked, HRESULT code, const std::string& reason)
