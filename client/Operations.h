@@ -15,6 +15,10 @@ namespace quillet {
 
 struct Session::State {
     explicit State(const std::wstring& machine) : quillet(machine.empty() ? CQuillet() : CQuillet(machine)) {}
+    /// Disconnects, also what was connected before connecting failed.
+    ~State();
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
 
     ComUsage com; // before the session, which ends first
     CQuillet quillet;

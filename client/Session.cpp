@@ -3,6 +3,8 @@
 
 #include <objbase.h>
 
+#include <exception>
+
 namespace quillet {
 
 ComUsage::ComUsage() {
@@ -21,9 +23,11 @@ Session::Session(const SessionOptions& options) : m_state(std::make_unique<State
     Do("InitQuillet", options.machine, [&] { return m_state->quillet.InitQuillet(); });
 }
 
-Session::~Session() {
+Session::~Session() = default;
+
+Session::State::~State() {
     try {
-        m_state->quillet.UninitQuillet();
+        quillet.UninitQuillet();
     } catch (const _com_error&) {
         // Not even a trace line could be made any more.
     }
@@ -43,7 +47,7 @@ Transaction::~Transaction() {
     if (m_isOpen) {
         try {
             static_cast<void>(Apply());
-        } catch (const Error&) {
+        } catch (const std::exception&) {
             // Whoever wants to know calls Apply().
         }
     }
