@@ -1,8 +1,8 @@
 // Sets one setting on every adapter that has it, in one client set, and says whether the machine needs a
-// restart. Usage: batch [--simulate] CAPTION NUMBER
+// restart. Usage: batch [--simulate] KEYWORD NUMBER
 #include "../Simulation.h"
 
-#include <quillet/Quillet.h>
+#include <quillet/client.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -11,64 +11,53 @@
 namespace {
 
 /// Writes the number where the setting exists, can be written and is another one. The first failure ends it.
-HRESULT SetEverywhere(CQuillet& quillet, const std::wstring& caption, LONG number, unsigned& written) {
-    CAdapters adapters;
-    HRESULT result = quillet.EnumerateAdapters(adapters);
-    for (const CAdapter* adapter : adapters.m_vecItems) {
-        if (FAILED(result)) {
-            break;
+void SetEverywhere(quillet::Session& session, const std::wstring& keyword, std::int32_t number,
+                   unsigned& written) {
+    for (const quillet::Adapter& adapter : session.Adapters()) {
+        std::vector<quillet::Setting> settings = session.Settings(adapter.id);
+        quillet::Setting* setting = quillet::FindSetting(settings, keyword);
+        auto* value = setting != nullptr ? std::get_if<quillet::ChoiceValue>(&setting->value) : nullptr;
+        if (value != nullptr && setting->writable && value->current != number) {
+            value->current = number;
+            session.Write(*setting);
+            ++written;
         }
-        CSettings settings;
-        result = quillet.GetAdapterSettings(adapter->m_wsAdapterID, settings);
-        CSetting* setting = SUCCEEDED(result) ? settings.GetSettingByCaption(caption) : nullptr;
-        LONG current = number;
-        if (setting == nullptr || !setting->m_bWritable || !setting->GetCurrentVal(current) ||
-            current == number) {
-            continue;
-        }
-        setting->SetCurrentValue(std::to_wstring(number));
-        result = quillet.SetSetting(setting->m_wsPath, *setting);
-        written += SUCCEEDED(result) ? 1 : 0;
     }
-    return result;
 }
 
-int Run(CQuillet& quillet, const std::wstring& caption, LONG number) {
-    // Whatever happens in between, a set that was opened is closed: until then the provider keeps others out.
-    HRESULT result = quillet.BeginApply();
+int Run(const std::wstring& keyword, std::int32_t number) {
+    quillet::Session session;
+    // Whatever happens in between, the set is closed: until then the provider keeps others out.
+    quillet::Transaction change(session);
     unsigned written = 0;
-    bool restartNeeded = false;
-    if (SUCCEEDED(result)) {
-        result = SetEverywhere(quillet, caption, number, written);
-        const HRESULT closed = quillet.ApplyDone(restartNeeded);
-        result = SUCCEEDED(result) ? closed : result;
+    std::string failure;
+    try {
+        SetEverywhere(session, keyword, number, written);
+    } catch (const quillet::Error& error) {
+        failure = error.what();
     }
     std::printf("%u adapters changed; %s\n", written,
-                restartNeeded ? "the machine must be restarted" : "no restart is needed");
-    if (FAILED(result)) {
-        std::fprintf(stderr, "stopped: 0x%08X\n", static_cast<unsigned>(result));
-        return 1;
+                change.Apply().restartNeeded ? "the machine must be restarted" : "no restart is needed");
+    if (!failure.empty()) {
+        std::fprintf(stderr, "stopped: %s\n", failure.c_str());
     }
-    return 0;
+    return failure.empty() ? 0 : 1;
 }
 
 } // namespace
 
 int main(int count, char** arguments) {
-    if (count < 3 || FAILED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))) {
+    if (count < 3) {
         return 1;
     }
-    int status = 1;
-    {
+    try {
+        const quillet::ComUsage com; // for the simulator
         const Simulation simulation(count, arguments);
-        const std::string caption = arguments[count - 2];
-        CQuillet quillet;
-        if (SUCCEEDED(quillet.InitQuillet())) {
-            status = Run(quillet, std::wstring(caption.begin(), caption.end()),
-                         static_cast<LONG>(std::strtol(arguments[count - 1], nullptr, 10)));
-        }
-        quillet.UninitQuillet();
+        const std::string keyword = arguments[count - 2];
+        return Run(std::wstring(keyword.begin(), keyword.end()),
+                   static_cast<std::int32_t>(std::strtol(arguments[count - 1], nullptr, 10)));
+    } catch (const quillet::Error& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
     }
-    CoUninitialize();
-    return status;
 }

@@ -4,20 +4,19 @@
 #include "../Simulation.h"
 #include "../Text.h"
 
-#include <quillet/Quillet.h>
+#include <quillet/client.h>
 
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <mutex>
+#include <optional>
+#include <stop_token>
 #include <string>
 #include <thread>
 #include <vector>
 
 namespace {
-
-using Speed = CAdapterDynamicInfo::LinkSpeed;
 
 /// What the watching threads tell, one line at a time.
 class Reporter {
@@ -41,78 +40,54 @@ class Reporter {
     unsigned m_told = 0;
 };
 
-/// One adapter's thread. The session is shared; what belongs to the thread is COM itself.
-void Watch(CQuillet& quillet, const CAdapter& adapter, const std::atomic<bool>& stop, Reporter& reporter) {
-    if (FAILED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))) {
-        return;
-    }
-    bool known = false;
-    bool had = false;
-    while (!stop) {
-        CAdapter now;
-        // An adapter that cannot be read at the moment, say while its driver is updated, is asked again
-        // later.
-        if (SUCCEEDED(quillet.GetAdapterDynamicInfo(adapter.m_wsAdapterID, now))) {
-            const bool has = now.m_pAdapterDynamicInfo != nullptr &&
-                             now.m_pAdapterDynamicInfo->m_eLinkSpeed != Speed::LinkSpeedNone;
-            if (!known || has != had) {
-                reporter.Tell(adapter.m_wsName, has);
+/// One adapter's thread. The session is shared, and asks nothing of the thread.
+void Watch(quillet::Session& session, const quillet::Adapter& adapter, const std::stop_token& stop,
+           Reporter& reporter) {
+    std::optional<bool> had;
+    while (!stop.stop_requested()) {
+        try {
+            const bool has = session.ReadState(adapter.id).speed != quillet::LinkSpeed::None;
+            if (has != had) {
+                reporter.Tell(adapter.name, has);
             }
-            known = true;
             had = has;
+        } catch (const quillet::Error&) {
+            // One that cannot be read at the moment, say while its driver is updated, is asked again later.
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
-    CoUninitialize();
 }
 
-int Run(CQuillet& quillet, Simulation& simulation) {
-    CAdapters adapters;
-    if (FAILED(quillet.EnumerateAdapters(adapters))) {
-        std::fputs("the adapters cannot be listed\n", stderr);
-        return 1;
-    }
-    std::atomic<bool> stop = false;
+int Run(const Simulation& simulation) {
+    quillet::Session session;
+    const std::vector<quillet::Adapter> adapters = session.Adapters();
     Reporter reporter;
-    std::vector<std::thread> threads;
-    for (const CAdapter* adapter : adapters.m_vecItems) {
-        threads.emplace_back([&, adapter] { Watch(quillet, *adapter, stop, reporter); });
+    std::vector<std::jthread> threads; // which stop when they go
+    for (const quillet::Adapter& adapter : adapters) {
+        threads.emplace_back([&](const std::stop_token& stop) { Watch(session, adapter, stop, reporter); });
     }
-    bool told = true;
-    if (simulation.machine) {
-        const auto count = static_cast<unsigned>(threads.size());
-        const std::wstring device = adapters.m_vecItems.front()->m_wsDeviceID;
-        told = reporter.WaitFor(count);
-        simulation.machine->SetHardwareStatus(device, 2); // the cable is out
-        told = reporter.WaitFor(count + 1) && told;
-        simulation.machine->SetHardwareStatus(device, 3); // and in again
-        told = reporter.WaitFor(count + 2) && told;
-    } else {
+    if (!simulation.machine) {
         while (std::getchar() != EOF) {
         }
+        return 0;
     }
-    stop = true;
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    return told ? 0 : 1;
+    const auto count = static_cast<unsigned>(threads.size());
+    const std::wstring& device = adapters.front().deviceId;
+    bool told = reporter.WaitFor(count);
+    simulation.machine->SetHardwareStatus(device, 2); // the cable is out
+    told = reporter.WaitFor(count + 1) && told;
+    simulation.machine->SetHardwareStatus(device, 3); // and in again
+    return reporter.WaitFor(count + 2) && told ? 0 : 1;
 }
 
 } // namespace
 
 int main(int count, char** arguments) {
-    if (FAILED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))) {
+    try {
+        const quillet::ComUsage com; // for the simulator
+        return Run(Simulation(count, arguments));
+    } catch (const quillet::Error& error) {
+        std::fprintf(stderr, "%s\n", error.what());
         return 1;
     }
-    int status = 1;
-    {
-        Simulation simulation(count, arguments);
-        CQuillet quillet;
-        if (SUCCEEDED(quillet.InitQuillet())) {
-            status = Run(quillet, simulation);
-        }
-        quillet.UninitQuillet();
-    }
-    CoUninitialize();
-    return status;
 }

@@ -1,16 +1,18 @@
 // The wizard's use of the library.
 #include "VlanWizard.h"
 
+using quillet::VlanProblem;
+
 namespace {
 
-std::wstring Why(ULONGLONG problems) {
-    if (problems & CVLAN::IDTaken) {
+std::wstring Why(quillet::Flags<VlanProblem> problems) {
+    if (problems.Has(VlanProblem::IdTaken)) {
         return L"The adapter has a VLAN of this ID.";
     }
-    if (problems & CVLAN::NameTaken) {
+    if (problems.Has(VlanProblem::NameTaken)) {
         return L"The adapter has a VLAN of this name.";
     }
-    if (problems & CVLAN::TooMany) {
+    if (problems.Has(VlanProblem::TooMany)) {
         return L"The adapter has as many VLANs as it can carry.";
     }
     return L"This is no valid VLAN.";
@@ -18,25 +20,18 @@ std::wstring Why(ULONGLONG problems) {
 
 } // namespace
 
-VlanWizard::Outcome VlanWizard::Finish(const std::wstring& adapterId, LONG number, const std::wstring& name) {
-    Outcome outcome;
-    CVLAN vlan;
-    vlan.m_lVLANNumber = number;
-    vlan.m_wsVLANName = name;
-    if (const ULONGLONG problems = m_quillet.CreateVLANAdapterCheck(adapterId, vlan); problems != 0) {
-        outcome.message = Why(problems);
-        return outcome;
+VlanWizard::Outcome VlanWizard::Finish(const quillet::AdapterId& adapter, const quillet::NewVlan& vlan) {
+    if (const auto problems = m_session.CheckVlan(adapter, vlan); problems.Any()) {
+        return {false, false, Why(problems)};
     }
-    if (FAILED(m_quillet.BeginApply())) {
-        outcome.message = L"Somebody else is changing the network adapters. Try again later.";
-        return outcome;
+    try {
+        quillet::Transaction change(m_session); // closed in any case
+        m_session.AddVlan(adapter, vlan);
+        return {true, change.Apply().restartNeeded, {}};
+    } catch (const quillet::Error& error) {
+        return {false, false,
+                error.Operation() == "BeginApply"
+                    ? L"Somebody else is changing the network adapters. Try again later."
+                    : L"The VLAN could not be made."};
     }
-    const HRESULT added = m_quillet.AddVLANToAdapter(adapterId, vlan);
-    // The set is closed in any case.
-    const HRESULT closed = m_quillet.ApplyDone(outcome.restartNeeded);
-    outcome.done = SUCCEEDED(added) && SUCCEEDED(closed);
-    if (!outcome.done) {
-        outcome.message = L"The VLAN could not be made.";
-    }
-    return outcome;
 }

@@ -1,7 +1,7 @@
 // The last page of a "new VLAN" wizard: what happens when the user presses Finish.
 #pragma once
 
-#include <quillet/Quillet.h>
+#include <quillet/client.h>
 
 #include <string>
 
@@ -13,11 +13,11 @@ class VlanWizard {
         std::wstring message; ///< for the user; empty when all went well
     };
 
-    explicit VlanWizard(CQuillet& quillet) : m_quillet(quillet) {}
+    explicit VlanWizard(quillet::Session& session) : m_session(session) {}
 
     /// Checks the VLAN and puts it on an adapter, in a client set of its own.
-    Outcome Finish(const std::wstring& adapterId, LONG number, const std::wstring& name);
+    Outcome Finish(const quillet::AdapterId& adapter, const quillet::NewVlan& vlan);
 
   private:
-    CQuillet& m_quillet;
+    quillet::Session& m_session;
 };

@@ -20,40 +20,26 @@ constexpr const char* kMachine = R"(
     instance of Zorel_PhysicalEthernetAdapter as $A {
         DeviceID = "{A}"; Name = "Port 1"; OriginalDisplayName = "Port"; AdapterStatus = 1; HardwareStatus = 3; };
     instance of Zorel_802dot1QVLANService as $S { Name = "{A}"; };)";
-constexpr const wchar_t* kAdapter = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+const quillet::AdapterId kAdapter(LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")");
 
 class VlanWizardTest : public testing::Test {
   protected:
-    void SetUp() override {
-        ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)));
-        machine = Machine::FromText(kMachine, "wizard.mof");
-        registration = std::make_unique<Registration>(machine);
-        ASSERT_EQ(quillet.InitQuillet(), S_OK);
-    }
-    void TearDown() override {
-        quillet.UninitQuillet();
-        registration.reset();
-        CoUninitialize();
-    }
     void FailMethod(const wchar_t* method) {
         FaultRule rule;
         rule.method = method;
         machine->Rules().Add(rule);
     }
-    std::size_t CountVlans() {
-        CVLANs vlans;
-        EXPECT_EQ(quillet.EnumerateVLANsOfAdapter(kAdapter, vlans), S_OK);
-        return vlans.m_vecItems.size();
-    }
+    std::size_t CountVlans() { return session.Vlans(kAdapter).size(); }
 
-    std::shared_ptr<Machine> machine;
-    std::unique_ptr<Registration> registration;
-    CQuillet quillet;
-    VlanWizard wizard{quillet};
+    quillet::ComUsage com;
+    std::shared_ptr<Machine> machine = Machine::FromText(kMachine, "wizard.mof");
+    Registration registration{machine};
+    quillet::Session session;
+    VlanWizard wizard{session};
 };
 
 TEST_F(VlanWizardTest, MakesTheVlan) {
-    const VlanWizard::Outcome outcome = wizard.Finish(kAdapter, 12, L"Voice");
+    const VlanWizard::Outcome outcome = wizard.Finish(kAdapter, {12, L"Voice"});
     EXPECT_TRUE(outcome.done);
     EXPECT_EQ(outcome.message, L"");
     EXPECT_EQ(CountVlans(), 1u);
@@ -61,8 +47,8 @@ TEST_F(VlanWizardTest, MakesTheVlan) {
 }
 
 TEST_F(VlanWizardTest, TellsThatTheIdIsTaken) {
-    ASSERT_TRUE(wizard.Finish(kAdapter, 12, L"Voice").done);
-    const VlanWizard::Outcome outcome = wizard.Finish(kAdapter, 12, L"Video");
+    ASSERT_TRUE(wizard.Finish(kAdapter, {12, L"Voice"}).done);
+    const VlanWizard::Outcome outcome = wizard.Finish(kAdapter, {12, L"Video"});
     EXPECT_FALSE(outcome.done);
     EXPECT_EQ(outcome.message, L"The adapter has a VLAN of this ID.");
     EXPECT_EQ(CountVlans(), 1u);
@@ -70,7 +56,7 @@ TEST_F(VlanWizardTest, TellsThatTheIdIsTaken) {
 
 TEST_F(VlanWizardTest, ChangesNothingWhenTheSetCannotBeOpened) {
     FailMethod(L"BeginApply");
-    const VlanWizard::Outcome outcome = wizard.Finish(kAdapter, 12, L"Voice");
+    const VlanWizard::Outcome outcome = wizard.Finish(kAdapter, {12, L"Voice"});
     EXPECT_FALSE(outcome.done);
     EXPECT_EQ(outcome.message, L"Somebody else is changing the network adapters. Try again later.");
     EXPECT_EQ(CountVlans(), 0u);
@@ -78,7 +64,7 @@ TEST_F(VlanWizardTest, ChangesNothingWhenTheSetCannotBeOpened) {
 
 TEST_F(VlanWizardTest, ClosesTheSetWhenTheProviderRefusesTheVlan) {
     FailMethod(L"CreateVLAN");
-    const VlanWizard::Outcome outcome = wizard.Finish(kAdapter, 12, L"Voice");
+    const VlanWizard::Outcome outcome = wizard.Finish(kAdapter, {12, L"Voice"});
     EXPECT_FALSE(outcome.done);
     EXPECT_EQ(outcome.message, L"The VLAN could not be made.");
     EXPECT_EQ(CountVlans(), 0u);
