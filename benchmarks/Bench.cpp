@@ -66,6 +66,7 @@ Lab::Lab(const std::string& text) : machine(simulator::Machine::FromText(text, "
     Require(registration.Result(), "the machine can not be registered");
     Require(quillet.InitQuillet(), "the library can not connect");
     Require(plain.Connect(), "the hand-written client can not connect");
+    session.emplace();
 }
 
 Lab::~Lab() {

@@ -6,10 +6,12 @@
 
 #include <quillet-simulator/Machine.h>
 #include <quillet/Quillet.h>
+#include <quillet/client.h>
 
 #include <benchmark/benchmark.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace quillet::bench {
@@ -27,7 +29,7 @@ class Apartment {
     Apartment& operator=(const Apartment&) = delete;
 };
 
-/// A simulated machine with two connections to it: the library's, and one made by hand.
+/// A simulated machine with three connections to it: the library's, one made by hand, and the client layer's.
 struct Lab {
     explicit Lab(const std::string& text);
     ~Lab();
@@ -35,6 +37,7 @@ struct Lab {
     std::shared_ptr<simulator::Machine> machine;
     CQuillet quillet;
     PlainClient plain;
+    std::optional<Session> session;
 };
 
 /// The lab of that size. It is made when it is first asked for and lives as long as the program, so that no

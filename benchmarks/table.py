@@ -26,6 +26,7 @@ RATIOS = [
     for name, title in OPERATIONS
     for row in (
         (f"{title}, tracing off / by hand", f"operation/{name}/library", f"operation/{name}/plain", 1.05),
+        (f"{title}, client layer / CQuillet", f"operation/{name}/client", f"operation/{name}/library", 1.05),
         (f"{title}, tracing on / by hand", f"operation/{name}/library_traced", f"operation/{name}/plain", None),
         (f"{title}, tracing off / by hand, one thread's proxies", f"operation/{name}/library",
          f"operation/{name}/plain_one_thread", None),
