@@ -63,6 +63,7 @@ int Run(const Simulation& simulation) {
     const std::vector<quillet::Adapter> adapters = session.Adapters();
     Reporter reporter;
     std::vector<std::jthread> threads; // which stop when they go
+    threads.reserve(adapters.size());
     for (const quillet::Adapter& adapter : adapters) {
         threads.emplace_back([&](const std::stop_token& stop) { Watch(session, adapter, stop, reporter); });
     }
