@@ -5,13 +5,13 @@ namespace quillet::wmi {
 
 namespace {
 
-ClassPtr ParametersClass(const std::vector<Property>& parameters) {
+ClassPtr ParametersClass(std::vector<Property> parameters) {
     if (parameters.empty()) {
         return nullptr;
     }
     auto definition = std::make_shared<ClassDefinition>();
     definition->name = L"__PARAMETERS";
-    definition->properties = parameters;
+    definition->properties = std::move(parameters);
     for (auto& parameter : definition->properties) {
         parameter.origin = definition->name;
     }
@@ -34,7 +34,7 @@ ClassPtr OutSignature(const Method& method) {
     returned.type = method.returnType;
     returned.qualifiers.Set({L"out", CIM_BOOLEAN, Value::Bool(true), 0, false, {}});
     parameters.push_back(std::move(returned));
-    return ParametersClass(parameters);
+    return ParametersClass(std::move(parameters));
 }
 
 } // namespace quillet::wmi

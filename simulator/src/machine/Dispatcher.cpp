@@ -82,8 +82,22 @@ std::vector<Object> ClassesOf(const std::vector<InstancePtr>& instances) {
     return objects;
 }
 
+/// Whether a class has the in-parameters of a method, all of them and in their order, as every class has that
+/// the method's own signature made.
+bool IsSignatureOf(const Method& method, const ClassDefinition& given) {
+    return std::equal(method.in.begin(), method.in.end(), given.properties.begin(), given.properties.end(),
+                      [](const Property& expected, const Property& parameter) {
+                          return expected.name == parameter.name && expected.type == parameter.type;
+                      });
+}
+
 /// Takes the in-parameters that a client put over into an instance of the method's own signature.
 HRESULT TakeParameters(const Method& method, const Instance* given, Instance& in) {
+    if (given != nullptr && SameName(given->definition->name, L"__PARAMETERS") &&
+        IsSignatureOf(method, *given->definition)) {
+        in = *given;
+        return S_OK;
+    }
     const auto signature = InSignature(method);
     if (signature != nullptr) {
         in = Instance(signature);

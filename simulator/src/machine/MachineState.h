@@ -2,13 +2,12 @@
 #pragma once
 
 #include "machine/BlinkingLights.h"
-#include "providers/ClassProvider.h"
+#include "machine/BriefMutex.h"
 #include "machine/ClientSets.h"
 #include "machine/DiagnosticRuns.h"
 #include "machine/SimulatedClock.h"
 #include "machine/SwitchTests.h"
-
-#include <mutex>
+#include "providers/ClassProvider.h"
 
 namespace quillet::simulator {
 
@@ -36,7 +35,7 @@ struct Machine::State {
     BlinkingLights blinking;
     SwitchTests switchTests;
     SimulatedClock clock;
-    std::mutex changes; ///< held by a call that may change the machine: what it looks up stays true meanwhile
+    BriefMutex changes; ///< held by a call that may change the machine: what it looks up stays true meanwhile
 };
 
 } // namespace quillet::simulator
