@@ -16,7 +16,7 @@ import unittest
 
 SOURCE, QUILLETCTL, WORK = (os.path.abspath(argument) for argument in sys.argv[1:4])
 EXAMPLE = os.path.join(SOURCE, "examples", "fleet")
-HOSTS = [f"server{number:02}" for number in range(1, 21)]
+HOSTS = [f"server{number:02}" for number in range(1, 9)]
 BROKEN = "server07"
 WORKING = [host for host in HOSTS if host != BROKEN]
 RECAP = re.compile(r"^(\S+) +: ok=(\d+) +changed=(\d+) +unreachable=(\d+) +failed=(\d+)", re.MULTILINE)
