@@ -5,8 +5,6 @@
 #include "commands/Commands.h"
 #include "texts/Text.h"
 
-#include <comutil.h>
-
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -50,8 +48,8 @@ Ending Guarded(const Terminal& terminal, const std::function<ExitStatus()>& step
         return {ExitStatus::Interrupted, interruption.what()};
     } catch (const Refusal& refusal) {
         return As(refusal);
-    } catch (const _com_error& failure) {
-        return {ExitStatus::Refused, Refusal("finish the command", failure.Error()).what(), failure.Error()};
+    } catch (const quillet::Error& failure) {
+        return As(Refusal("finish the command", failure.Code()));
     } catch (const std::bad_alloc&) {
         return {ExitStatus::Refused, "out of memory"};
     } catch (const std::exception& failure) {

@@ -7,13 +7,9 @@ namespace quillet {
 
 namespace {
 
-Adapter FromRecord(const CAdapter& record) {
-    return {AdapterId(record.m_wsAdapterID),
-            {},
-            record.m_wsName,
-            record.m_wsDisplayName,
-            record.m_wsDeviceID,
-            record.m_wsSlotID};
+Adapter FromRecord(CAdapter&& record) {
+    return {AdapterId(std::move(record.m_wsAdapterID)), std::move(record.m_wsName),
+            std::move(record.m_wsDisplayName), std::move(record.m_wsDeviceID), std::move(record.m_wsSlotID)};
 }
 
 AdapterState FromRecord(const CAdapterDynamicInfo& record) {
@@ -34,8 +30,9 @@ AdapterState StateIn(const CAdapter& adapter) {
     return record != nullptr ? FromRecord(*record) : AdapterState();
 }
 
-TeamedPort FromRecord(const CAdapterPort& record) {
-    return {AdapterId(record.m_wsAdapterID), record.m_bTeamed, TeamId(record.m_wsTeamID)};
+TeamedPort FromRecord(CAdapterPort&& record) {
+    return {AdapterId(std::move(record.m_wsAdapterID)), record.m_bTeamed,
+            TeamId(std::move(record.m_wsTeamID))};
 }
 
 } // namespace
@@ -54,11 +51,7 @@ std::vector<Adapter> Session::Adapters() {
     return ReadList<CAdapters>(
         "EnumerateAdapters", {},
         [&](CAdapters& adapters) { return m_state->quillet.EnumerateAdapters(adapters); },
-        [&](const CAdapter& record) {
-            Adapter adapter = FromRecord(record);
-            adapter.objectId = ObjectIdOf(adapter.id);
-            return adapter;
-        });
+        [](CAdapter&& record) { return FromRecord(std::move(record)); });
 }
 
 std::vector<AdapterOverview> Session::AdapterOverviews() {
@@ -67,6 +60,7 @@ std::vector<AdapterOverview> Session::AdapterOverviews() {
         AdapterOverview overview;
         overview.adapter = std::move(adapter);
         const AdapterId& id = overview.adapter.id;
+        overview.objectId = ObjectIdOf(id);
         const auto attempt = [&overview](auto read) {
             try {
                 read();
@@ -85,9 +79,8 @@ std::vector<AdapterOverview> Session::AdapterOverviews() {
                 // A membership may name its adapter by a path of another form; the object identifier is one.
                 const std::wstring objectId = ObjectIdOf(member.id);
                 const auto found =
-                    std::find_if(overviews.begin(), overviews.end(), [&](const AdapterOverview& each) {
-                        return each.adapter.objectId == objectId;
-                    });
+                    std::find_if(overviews.begin(), overviews.end(),
+                                 [&](const AdapterOverview& each) { return each.objectId == objectId; });
                 if (found != overviews.end()) {
                     found->team = team.id;
                     found->teamName = team.name;
@@ -123,9 +116,7 @@ Adapter Session::ReadAdapter(const AdapterId& adapter) {
     Do("GetAdapterBasicInfo", adapter.Path(),
        [&] { return m_state->quillet.GetAdapterBasicInfo(adapter.Path(), record); });
     record.m_wsAdapterID = adapter.Path();
-    Adapter read = FromRecord(record);
-    read.objectId = ObjectIdOf(adapter);
-    return read;
+    return FromRecord(std::move(record));
 }
 
 AdapterState Session::ReadState(const AdapterId& adapter) {
@@ -164,9 +155,11 @@ AdapterHardware Session::ReadHardware(const AdapterId& adapter) {
     CPCIInfo record;
     Do("GetAdapterPCIInfo", adapter.Path(),
        [&] { return m_state->quillet.GetAdapterPCIInfo(adapter.Path(), record); });
-    return {record.m_wsControllerID,  record.m_wsMediaType,     record.m_wsNegotiatedLinkWidth,
-            record.m_wsPortNumber,    record.m_wsPartNumber,    record.m_wsMacAddress,
-            record.m_wsEEPROMVersion, record.m_wsSanMacAddress, record.m_wsPCIDeviceID};
+    return {std::move(record.m_wsControllerID),        std::move(record.m_wsMediaType),
+            std::move(record.m_wsNegotiatedLinkWidth), std::move(record.m_wsPortNumber),
+            std::move(record.m_wsPartNumber),          std::move(record.m_wsMacAddress),
+            std::move(record.m_wsEEPROMVersion),       std::move(record.m_wsSanMacAddress),
+            std::move(record.m_wsPCIDeviceID)};
 }
 
 std::vector<TeamedPort> Session::TeamedPorts(const AdapterId& adapter) {
@@ -175,7 +168,7 @@ std::vector<TeamedPort> Session::TeamedPorts(const AdapterId& adapter) {
         [&](CAdapterPorts& ports) {
             return m_state->quillet.EnumerateOtherPortOfAdapter(adapter.Path(), ports);
         },
-        [](const CAdapterPort& record) { return FromRecord(record); });
+        [](CAdapterPort&& record) { return FromRecord(std::move(record)); });
 }
 
 void Session::Identify(const AdapterId& adapter, std::chrono::seconds duration) {

@@ -72,9 +72,9 @@ FlashContents Session::ReadImageFile(const BootAgentId& bootAgent, std::span<con
         return m_state->quillet.ReadBootAgentImageFile(bootAgent.Path(), image.size, image.bytes, images,
                                                        contents.verdict.code);
     });
-    contents.images = Values(images, [](const CSetting& record) {
-        return FlashImage{record.m_wsCaption, record.GetCurrentValue(), record.m_lGroupId,
-                          record.m_wsExposeLevel};
+    contents.images = Values(std::move(images), [](CSetting&& record) {
+        return FlashImage{std::move(record.m_wsCaption), record.GetCurrentValue(), record.m_lGroupId,
+                          std::move(record.m_wsExposeLevel)};
     });
     return contents;
 }
@@ -127,8 +127,9 @@ std::vector<IscsiAdapter> Session::IscsiAdapters() {
     return ReadList<CISCSIAdapters>(
         "EnumerateISCSIAdapters", {},
         [&](CISCSIAdapters& adapters) { return m_state->quillet.EnumerateISCSIAdapters(adapters); },
-        [](const CISCSIAdapter& record) {
-            return IscsiAdapter{record.m_wsPath, BootAgentId(record.m_wsBootAgentID), record.m_wsAdapterName,
+        [](CISCSIAdapter&& record) {
+            return IscsiAdapter{BootAgentId(std::move(record.m_wsPath)), std::move(record.m_wsBootAgentID),
+                                std::move(record.m_wsAdapterName),
                                 static_cast<IscsiStatus>(record.m_eStatus)};
         });
 }

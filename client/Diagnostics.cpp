@@ -10,23 +10,23 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-Diagnostic FromRecord(const CDiagTest& record) {
-    return {DiagnosticId(record.m_wsUniqueID), record.m_wsName, record.m_lTestId,
+Diagnostic FromRecord(CDiagTest&& record) {
+    return {DiagnosticId(std::move(record.m_wsUniqueID)), std::move(record.m_wsName), record.m_lTestId,
             record.m_bGrouped ? std::optional<std::int32_t>(record.m_lGroupId) : std::nullopt};
 }
 
-TestResult FromRecord(const CDiagResult& record) {
+TestResult FromRecord(CDiagResult&& record) {
     TestResult result;
-    result.path = record.m_sUniqueID;
-    result.name = record.m_wsDiagnosticName;
+    result.path = std::move(record.m_sUniqueID);
+    result.name = std::move(record.m_wsDiagnosticName);
     result.number = record.m_lTestId;
     result.state = static_cast<TestState>(record.m_lTestState);
-    result.stateText = record.m_wsStateText;
+    result.stateText = std::move(record.m_wsStateText);
     result.code = record.m_lResultCode;
-    result.title = record.m_wsTitle;
-    result.result = record.m_wsResult;
-    result.description = record.m_wsDescription;
-    result.packageName = record.m_wsPackageName;
+    result.title = std::move(record.m_wsTitle);
+    result.result = std::move(record.m_wsResult);
+    result.description = std::move(record.m_wsDescription);
+    result.packageName = std::move(record.m_wsPackageName);
     result.isPackage = record.m_bIsPackage;
     for (std::size_t i = 0; i < record.m_vecTestResultIds.size(); ++i) {
         TestMessage message{record.m_vecTestResultIds[i], std::nullopt};
@@ -35,8 +35,8 @@ TestResult FromRecord(const CDiagResult& record) {
         }
         result.messages.push_back(message);
     }
-    for (const CDiagResult& member : record.m_vecPackageResults) {
-        result.members.push_back(FromRecord(member));
+    for (CDiagResult& member : record.m_vecPackageResults) {
+        result.members.push_back(FromRecord(std::move(member)));
     }
     return result;
 }
@@ -59,7 +59,7 @@ std::vector<Diagnostic> Session::Diagnostics(const AdapterId& adapter) {
     return ReadList<CDiagTests>(
         "EnumerateDiagnostics", adapter.Path(),
         [&](CDiagTests& tests) { return m_state->quillet.EnumerateDiagnostics(adapter.Path(), tests); },
-        [](const CDiagTest& record) { return FromRecord(record); });
+        [](CDiagTest&& record) { return FromRecord(std::move(record)); });
 }
 
 void Session::StartDiagnostic(const DiagnosticId& test, const AdapterId& adapter) {
@@ -77,9 +77,9 @@ std::optional<TestResult> Session::ReadResult(const DiagnosticId& test) {
     const HRESULT result = DoInParts(
         "GetDiagnosticsResult", test.Path(),
         [&] { return m_state->quillet.GetDiagnosticsResult(test.Path(), record); },
-        [&] { return FromRecord(record); });
+        [&] { return FromRecord(std::move(record)); });
     const bool isThere = result == S_OK && !record.m_sUniqueID.empty();
-    return isThere ? std::optional(FromRecord(record)) : std::nullopt;
+    return isThere ? std::optional(FromRecord(std::move(record))) : std::nullopt;
 }
 
 std::vector<TestResult> Session::ReadPackageResults(const DiagnosticId& test, const TestResult& package) {
@@ -88,7 +88,7 @@ std::vector<TestResult> Session::ReadPackageResults(const DiagnosticId& test, co
     record.m_wsPackageName = package.packageName;
     record.m_wsDiagnosticName = package.name;
     record.m_bIsPackage = package.isPackage;
-    const auto members = [&record] { return FromRecord(record).members; };
+    const auto members = [&record] { return FromRecord(std::move(record)).members; };
     DoInParts(
         "GetDiagnosticsPackageResults", test.Path(),
         [&] { return m_state->quillet.GetDiagnosticsPackageResults(test.Path(), record); }, members);
@@ -123,7 +123,8 @@ FollowedRun Session::RunDiagnostic(const DiagnosticId& test, const AdapterId& ad
             isStopped = true;
             StopDiagnostic(test, adapter);
         }
-        const auto interval = isSeen ? following.interval : std::min(following.interval, kClosely);
+        const bool isClose = !isSeen || isStopped; // a test that was told to stop soon does
+        const auto interval = isClose ? std::min(following.interval, kClosely) : following.interval;
         // After the request there is nothing left to wake it.
         Wait(interval, isStopped ? std::stop_token() : following.stop);
     }

@@ -64,14 +64,14 @@ HRESULT DoInParts(const char* operation, const std::wstring& about, Call call, R
     }
 }
 
-/// What a list of the library's holds, as values.
+/// What a list of the library's holds, as values. `convert` makes one of a record, whose texts it may take.
 template <class Items, class Convert>
-auto Values(const Items& items, Convert convert) {
-    std::vector<std::invoke_result_t<Convert, decltype(*items.m_vecItems.front())>> values;
+auto Values(Items&& items, Convert convert) {
+    std::vector<std::invoke_result_t<Convert, decltype(std::move(*items.m_vecItems.front()))>> values;
     values.reserve(items.m_vecItems.size());
-    for (const auto* item : items.m_vecItems) {
+    for (auto* item : items.m_vecItems) {
         if (item != nullptr) {
-            values.push_back(convert(*item));
+            values.push_back(convert(std::move(*item)));
         }
     }
     return values;
@@ -81,9 +81,10 @@ auto Values(const Items& items, Convert convert) {
 template <class Items, class Call, class Convert>
 auto ReadList(const char* operation, const std::wstring& about, Call call, Convert convert) {
     Items items;
+    const auto values = [&] { return Values(std::move(items), convert); };
     DoInParts(
-        operation, about, [&] { return call(items); }, [&] { return Values(items, convert); });
-    return Values(items, convert);
+        operation, about, [&] { return call(items); }, values);
+    return values();
 }
 
 /// Records of adapters that hold nothing but their paths.
@@ -98,8 +99,8 @@ bool IsTeam(const VlanParentId& parent) noexcept;
 inline CTeam::TeamMode RecordMode(TeamMode mode) {
     return static_cast<CTeam::TeamMode>(mode);
 }
-/// A setting, from the library's record and into one.
-Setting FromRecord(const CSetting& record);
+/// A setting, from the library's record, whose texts it takes, and into one.
+Setting FromRecord(CSetting&& record);
 std::unique_ptr<CSetting> ToRecord(const Setting& setting);
 
 } // namespace quillet

@@ -33,10 +33,13 @@ Session::State::~State() {
     }
 }
 
-Flags<ProviderBit> Session::Warnings() {
-    ULONGLONG warnings = 0;
+std::optional<Flags<ProviderBit>> Session::Warnings() {
+    // A provider that does not tell leaves the mask as it was, without a failure. No provider has as many
+    // warnings as this.
+    constexpr ULONGLONG kUntold = ~0ULL;
+    ULONGLONG warnings = kUntold;
     Do("GetWarnings", {}, [&] { return m_state->quillet.GetWarnings(warnings); });
-    return Flags<ProviderBit>::FromMask(warnings);
+    return warnings == kUntold ? std::nullopt : std::optional(Flags<ProviderBit>::FromMask(warnings));
 }
 
 Transaction::Transaction(Session& session) : m_session(session) {

@@ -8,13 +8,12 @@ namespace quillet {
 
 namespace {
 
-std::vector<Choice> ChoicesOf(const std::vector<std::wstring>& values,
-                              const std::vector<std::wstring>& texts) {
+std::vector<Choice> ChoicesOf(std::vector<std::wstring>&& values, std::vector<std::wstring>&& texts) {
     // The provider's lists need not be of one length.
     std::vector<Choice> choices;
     choices.reserve(values.size());
     for (std::size_t i = 0; i < values.size(); ++i) {
-        choices.push_back({values[i], i < texts.size() ? texts[i] : std::wstring()});
+        choices.push_back({std::move(values[i]), i < texts.size() ? std::move(texts[i]) : std::wstring()});
     }
     return choices;
 }
@@ -27,38 +26,42 @@ void FillChoices(Record& record, const std::vector<Choice>& choices) {
     }
 }
 
-SettingValue ValueOf(const CSetting& setting) {
+SettingValue ValueOf(CSetting& setting) {
     switch (setting.GetSettingType()) {
     case CSetting::SettingTypeInt: {
-        const auto& record = static_cast<const CSettingInt&>(setting);
+        auto& record = static_cast<CSettingInt&>(setting);
         return NumberValue{record.m_lCurrentValue, record.m_lDefaultValue, record.m_lMin,  record.m_lMax,
                            record.m_lStep,         record.m_lBase,         record.m_lScale};
     }
     case CSetting::SettingTypeEnum: {
-        const auto& record = static_cast<const CSettingEnum&>(setting);
-        return ChoiceValue{record.m_lCurrentValue, record.m_lDefaultValue,
-                           ChoicesOf(record.m_vecPossibleValues, record.m_vecDescriptionMap)};
+        auto& record = static_cast<CSettingEnum&>(setting);
+        return ChoiceValue{
+            record.m_lCurrentValue, record.m_lDefaultValue,
+            ChoicesOf(std::move(record.m_vecPossibleValues), std::move(record.m_vecDescriptionMap))};
     }
     case CSetting::SettingTypeSlider: {
-        const auto& record = static_cast<const CSettingSlider&>(setting);
+        auto& record = static_cast<CSettingSlider&>(setting);
         return SliderValue{record.m_lCurrentValue,
                            record.m_lDefaultValue,
-                           record.m_wsFirstLabel,
-                           record.m_wsLastLabel,
+                           std::move(record.m_wsFirstLabel),
+                           std::move(record.m_wsLastLabel),
                            {record.m_vecPossibleValues.begin(), record.m_vecPossibleValues.end()}};
     }
     case CSetting::SettingTypeString: {
-        const auto& record = static_cast<const CSettingString&>(setting);
-        return TextValue{record.m_wsCurrentValue, record.m_wsDefaultValue, record.m_wsMaxLength};
+        auto& record = static_cast<CSettingString&>(setting);
+        return TextValue{std::move(record.m_wsCurrentValue), std::move(record.m_wsDefaultValue),
+                         std::move(record.m_wsMaxLength)};
     }
     case CSetting::SettingTypeMultiSelection: {
-        const auto& record = static_cast<const CSettingMultiSelection&>(setting);
-        return SelectionValue{record.m_lCurrentValue, record.m_lDefaultValue,
-                              ChoicesOf(record.m_vecPossibleValues, record.m_vecDescriptionMap)};
+        auto& record = static_cast<CSettingMultiSelection&>(setting);
+        return SelectionValue{
+            record.m_lCurrentValue, record.m_lDefaultValue,
+            ChoicesOf(std::move(record.m_vecPossibleValues), std::move(record.m_vecDescriptionMap))};
     }
     case CSetting::SettingTypeMultiString: {
-        const auto& record = static_cast<const CSettingMultiString&>(setting);
-        return TextListValue{record.m_vecCurrentValues, record.m_wsDefaultValue, record.m_wsMaxLength};
+        auto& record = static_cast<CSettingMultiString&>(setting);
+        return TextListValue{std::move(record.m_vecCurrentValues), std::move(record.m_wsDefaultValue),
+                             std::move(record.m_wsMaxLength)};
     }
     }
     return {};
@@ -136,12 +139,12 @@ auto Find(Settings& settings, std::wstring_view keyword) noexcept -> decltype(se
 
 } // namespace
 
-Setting FromRecord(const CSetting& record) {
-    return {SettingId(record.m_wsPath),
-            record.m_wsCaption,
-            record.m_wsDescription,
-            record.m_wsMiniHelp,
-            record.m_wsExposeLevel,
+Setting FromRecord(CSetting&& record) {
+    return {SettingId(std::move(record.m_wsPath)),
+            std::move(record.m_wsCaption),
+            std::move(record.m_wsDescription),
+            std::move(record.m_wsMiniHelp),
+            std::move(record.m_wsExposeLevel),
             record.m_bWritable,
             record.m_bGrouped ? std::optional<std::int32_t>(record.m_lGroupId) : std::nullopt,
             ValueOf(record)};
@@ -184,6 +187,22 @@ std::wstring CurrentText(const Setting& setting) {
         std::wstring operator()(const SelectionValue& value) const { return std::to_wstring(value.current); }
     };
     return std::visit(Writer(), setting.value);
+}
+
+std::optional<std::int32_t> CurrentNumber(const Setting& setting) {
+    return std::visit(
+        [](const auto& value) -> std::optional<std::int32_t> {
+            if constexpr (std::is_same_v<decltype(value.current), std::int32_t>) {
+                return value.current;
+            } else {
+                return std::nullopt;
+            }
+        },
+        setting.value);
+}
+
+bool IsJumboFrameSetting(const Setting& setting) {
+    return CAdvancedSettingNames().IsSettingName(SettingName::MaxFrameSize, setting.keyword);
 }
 
 } // namespace quillet

@@ -10,11 +10,11 @@ namespace {
 template <class Call>
 std::vector<Setting> ReadSettings(const char* operation, const std::wstring& owner, Call call) {
     return ReadList<CSettings>(operation, owner, call,
-                               [](const CSetting& record) { return FromRecord(record); });
+                               [](CSetting&& record) { return FromRecord(std::move(record)); });
 }
 
-OfferedProfile FromRecord(const CPerformanceProfile& record) {
-    return {static_cast<Profile>(record.m_eProfile), record.m_wsDescription, record.m_bIsCurrent};
+OfferedProfile FromRecord(CPerformanceProfile&& record) {
+    return {static_cast<Profile>(record.m_eProfile), std::move(record.m_wsDescription), record.m_bIsCurrent};
 }
 
 } // namespace
@@ -69,14 +69,14 @@ std::optional<Setting> Session::SpeedDuplex(const AdapterId& adapter, bool stand
     if (FAILED(result)) {
         throw Error(result, "GetSpeedDuplexSetting", adapter.Path());
     }
-    return FromRecord(record);
+    return FromRecord(std::move(record));
 }
 
 void Session::Refresh(const std::wstring& objectId, Setting& setting) {
     const std::unique_ptr<CSetting> record = ToRecord(setting);
     Do("GetAdapterSettingAsync", objectId,
        [&] { return m_state->quillet.GetAdapterSettingAsync(CLumString(objectId), record.get()); });
-    setting = FromRecord(*record);
+    setting = FromRecord(std::move(*record));
 }
 
 void Session::Write(const Setting& setting) {
@@ -126,7 +126,7 @@ std::vector<OfferedProfile> Session::Profiles(const AdapterId& adapter) {
         [&](CPerformanceProfiles& profiles) {
             return m_state->quillet.GetAdapterProfiles(adapter.Path(), profiles);
         },
-        [](const CPerformanceProfile& record) { return FromRecord(record); });
+        [](CPerformanceProfile&& record) { return FromRecord(std::move(record)); });
 }
 
 std::vector<OfferedProfile> Session::CommonProfiles(std::span<const AdapterId> adapters) {
@@ -135,7 +135,7 @@ std::vector<OfferedProfile> Session::CommonProfiles(std::span<const AdapterId> a
         [&](CPerformanceProfiles& profiles) {
             return m_state->quillet.GetCompatibleTeamProfilesWithAdapters(AdaptersOf(adapters), profiles);
         },
-        [](const CPerformanceProfile& record) { return FromRecord(record); });
+        [](CPerformanceProfile&& record) { return FromRecord(std::move(record)); });
 }
 
 void Session::ReplaceHyperVProfile(Profile profile) {

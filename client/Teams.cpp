@@ -7,26 +7,26 @@ namespace quillet {
 
 namespace {
 
-Team FromRecord(const CTeam& record) {
-    return {TeamId(record.m_wsTeamID), record.m_wsName,
-            record.m_wsCaption,        static_cast<TeamMode>(record.m_eTeamMode),
-            record.m_bMFOEnabled,      record.m_bLinkSecEnabled,
-            record.m_wsTeamMacAddress, record.m_bBoundToHyperV};
+Team FromRecord(CTeam&& record) {
+    return {
+        TeamId(std::move(record.m_wsTeamID)),      std::move(record.m_wsName), std::move(record.m_wsCaption),
+        static_cast<TeamMode>(record.m_eTeamMode), record.m_bMFOEnabled,       record.m_bLinkSecEnabled,
+        std::move(record.m_wsTeamMacAddress),      record.m_bBoundToHyperV};
 }
 
-TeamMember FromRecord(const CTeamedAdapter& record) {
-    return {AdapterId(record.m_wsAdapterID),
-            record.m_wsDisplayName,
-            record.m_wsDeviceID,
-            record.m_wsCaption,
+TeamMember FromRecord(CTeamedAdapter&& record) {
+    return {AdapterId(std::move(record.m_wsAdapterID)),
+            std::move(record.m_wsDisplayName),
+            std::move(record.m_wsDeviceID),
+            std::move(record.m_wsCaption),
             static_cast<MemberRole>(record.m_lMemberRole),
             static_cast<MemberStatus>(record.m_lMemberStatus),
-            TeamId(record.m_wsTeamID),
-            record.m_wsTeamCaption};
+            TeamId(std::move(record.m_wsTeamID)),
+            std::move(record.m_wsTeamCaption)};
 }
 
-OfferedTeamMode FromRecord(const CTeamWizTeamMode& record) {
-    return {static_cast<TeamMode>(record.m_lTeamMode), record.m_wsDescription};
+OfferedTeamMode FromRecord(CTeamWizTeamMode&& record) {
+    return {static_cast<TeamMode>(record.m_lTeamMode), std::move(record.m_wsDescription)};
 }
 
 CTeamedAdapter ToRecord(const TeamMember& member) {
@@ -61,13 +61,13 @@ CTeamedAdapters ToRecords(std::span<const TeamMember> members) {
 std::vector<Team> Session::Teams() {
     return ReadList<CTeams>(
         "EnumerateTeams", {}, [&](CTeams& teams) { return m_state->quillet.EnumerateTeams(teams); },
-        [](const CTeam& record) { return FromRecord(record); });
+        [](CTeam&& record) { return FromRecord(std::move(record)); });
 }
 
 Team Session::ReadTeam(const TeamId& team) {
     CTeam record;
     Do("GetTeamInfo", team.Path(), [&] { return m_state->quillet.GetTeamInfo(team.Path(), record); });
-    return FromRecord(record);
+    return FromRecord(std::move(record));
 }
 
 StatusInfo Session::ReadStatus(const TeamId& team) {
@@ -86,14 +86,15 @@ std::vector<TeamMember> Session::Members(const TeamId& team) {
     return ReadList<CTeamedAdapters>(
         "GetMemberAdapters", team.Path(),
         [&](CTeamedAdapters& members) { return m_state->quillet.GetMemberAdapters(team.Path(), members); },
-        [](const CTeamedAdapter& record) { return FromRecord(record); });
+        [](CTeamedAdapter&& record) { return FromRecord(std::move(record)); });
 }
 
 void Session::RefreshMembers(const TeamId& team, std::vector<TeamMember>& members) {
     CTeamedAdapters records = ToRecords(members);
     Do("GetMemberAdaptersStatus", team.Path(),
        [&] { return m_state->quillet.GetMemberAdaptersStatus(team.Path(), records); });
-    members = Values(records, [](const CTeamedAdapter& record) { return FromRecord(record); });
+    members =
+        Values(std::move(records), [](CTeamedAdapter&& record) { return FromRecord(std::move(record)); });
 }
 
 bool Session::IsPrimary(const AdapterId& adapter) {
@@ -127,7 +128,8 @@ std::vector<OfferedTeamMode> Session::TeamModes(const AdapterId& adapter) {
        [&] { return m_state->quillet.GetAdapterTeamModes(adapter.Path(), record); });
     return record.m_pTeamModes == nullptr
                ? std::vector<OfferedTeamMode>()
-               : Values(*record.m_pTeamModes, [](const CTeamWizTeamMode& mode) { return FromRecord(mode); });
+               : Values(std::move(*record.m_pTeamModes),
+                        [](CTeamWizTeamMode&& mode) { return FromRecord(std::move(mode)); });
 }
 
 std::vector<OfferedTeamMode> Session::CommonTeamModes(std::span<const AdapterId> adapters) {
@@ -137,7 +139,7 @@ std::vector<OfferedTeamMode> Session::CommonTeamModes(std::span<const AdapterId>
             constexpr bool kRefresh = true;
             return m_state->quillet.GetCompatibleTeamModesWithAdapters(AdaptersOf(adapters), modes, kRefresh);
         },
-        [](const CTeamWizTeamMode& record) { return FromRecord(record); });
+        [](CTeamWizTeamMode&& record) { return FromRecord(std::move(record)); });
 }
 
 BestTeamMode Session::FindBestTeamMode(const TeamId& team) {
@@ -146,7 +148,7 @@ BestTeamMode Session::FindBestTeamMode(const TeamId& team) {
     CTeam::TeamAutoDetectStatus status{};
     DoOrThrow("GetBestTeamMode", team.Path(),
               [&] { return m_state->quillet.GetBestTeamMode(team.Path(), mode, status, best.coverage); });
-    best.best = FromRecord(mode);
+    best.best = FromRecord(std::move(mode));
     best.status = static_cast<AutoDetectStatus>(status);
     return best;
 }
@@ -184,8 +186,8 @@ Team Session::CreateTeam(const NewTeam& team) {
                                                record, static_cast<ePERFORMANCE_PROFILE>(team.profile),
                                                team.multiVendor, team.linkSecurity);
         },
-        [&] { return FromRecord(record); });
-    return FromRecord(record);
+        [&] { return FromRecord(std::move(record)); });
+    return FromRecord(std::move(record));
 }
 
 void Session::SetMembers(const TeamId& team, std::span<const TeamMember> members,

@@ -5,12 +5,12 @@ namespace quillet {
 
 namespace {
 
-Vlan FromRecord(const CVLAN& record) {
-    return {VlanId(record.m_wsVLANID),
-            record.m_wsName,
-            record.m_wsCaption,
-            record.m_wsParentID,
-            record.m_wsVLANName,
+Vlan FromRecord(CVLAN&& record) {
+    return {VlanId(std::move(record.m_wsVLANID)),
+            std::move(record.m_wsName),
+            std::move(record.m_wsCaption),
+            std::move(record.m_wsParentID),
+            std::move(record.m_wsVLANName),
             record.m_lVLANNumber,
             static_cast<StatusInfo>(record.m_eStatus)};
 }
@@ -65,15 +65,15 @@ std::vector<Vlan> Session::Vlans(const VlanParentId& parent) {
             return IsTeam(parent) ? quillet.EnumerateVLANsOfTeam(path, vlans)
                                   : quillet.EnumerateVLANsOfAdapter(path, vlans);
         },
-        [](const CVLAN& record) { return FromRecord(record); });
+        [](CVLAN&& record) { return FromRecord(std::move(record)); });
 }
 
 Vlan Session::ReadVlan(const VlanId& vlan) {
     CVLAN record;
     DoInParts(
         "GetVLANInfo", vlan.Path(), [&] { return m_state->quillet.GetVLANInfo(vlan.Path(), record); },
-        [&] { return FromRecord(record); });
-    return FromRecord(record);
+        [&] { return FromRecord(std::move(record)); });
+    return FromRecord(std::move(record));
 }
 
 StatusInfo Session::ReadStatus(const VlanId& vlan) {
@@ -161,7 +161,7 @@ Vlan Session::AddVlan(const VlanParentId& parent, const NewVlan& vlan) {
         return IsTeam(parent) ? quillet.AddVLANToTeam(PathOf(parent), record)
                               : quillet.AddVLANToAdapter(PathOf(parent), record);
     });
-    return FromRecord(record);
+    return FromRecord(std::move(record));
 }
 
 void Session::ModifyVlan(const VlanId& vlan, const NewVlan& changed) {

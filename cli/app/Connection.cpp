@@ -1,4 +1,4 @@
-// Connecting and disconnecting.
+// Connecting.
 #include "app/Connection.h"
 
 #include "ending/Failure.h"
@@ -8,38 +8,16 @@
 
 namespace quilletctl {
 
-using quillet::simulator::Machine;
-using quillet::simulator::Registration;
-
-Connection::Apartment::Apartment() {
-    const HRESULT result = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    if (FAILED(result)) {
-        throw Refusal("initialise COM", result);
-    }
-}
-
-Connection::Apartment::~Apartment() {
-    CoUninitialize();
-}
-
-Connection::Session::Session(const std::string& machine)
-    : quillet(machine.empty() ? CQuillet() : CQuillet(ToWide(machine))) {}
-
-Connection::Session::~Session() {
-    quillet.UninitQuillet();
-}
-
-Connection::Connection(const std::string& machine, std::shared_ptr<Machine> simulated) : m_session(machine) {
+Connection::Connection(const std::string& machine, std::shared_ptr<quillet::simulator::Machine> simulated) {
+    Attempt("initialise COM", [&] { m_com.emplace(); });
     if (simulated) {
         m_simulator.emplace(std::move(simulated));
         if (FAILED(m_simulator->Result())) {
             throw Refusal("start the simulator", m_simulator->Result());
         }
     }
-    const HRESULT result = m_session.quillet.InitQuillet();
-    if (FAILED(result)) {
-        throw Refusal("connect to " + (machine.empty() ? std::string("this machine") : machine), result);
-    }
+    Attempt("connect to " + (machine.empty() ? std::string("this machine") : machine),
+            [&] { m_session.emplace(quillet::SessionOptions{ToWide(machine)}); });
 }
 
 } // namespace quilletctl

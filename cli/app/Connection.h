@@ -1,8 +1,8 @@
-// The way to the provider: COM on this thread, the simulator in WMI's place where one is used, and the
-// library's session. Everything is undone in reverse order, however the command ends.
+// The way to the provider: COM, the simulator in WMI's place where one is used, and the session. Everything
+// is undone in reverse order, however the command ends.
 #pragma once
 
-#include <quillet/Quillet.h>
+#include <quillet/client/Session.h>
 
 #include <quillet-simulator/Machine.h>
 
@@ -18,27 +18,13 @@ class Connection {
     /// is given. Throws Refusal.
     Connection(const std::string& machine, std::shared_ptr<quillet::simulator::Machine> simulated);
 
-    CQuillet& Quillet() noexcept { return m_session.quillet; }
+    quillet::Session& Session() noexcept { return *m_session; }
 
   private:
-    struct Apartment {
-        Apartment();
-        ~Apartment();
-        Apartment(const Apartment&) = delete;
-        Apartment& operator=(const Apartment&) = delete;
-    };
-    struct Session {
-        explicit Session(const std::string& machine);
-        ~Session();
-        Session(const Session&) = delete;
-        Session& operator=(const Session&) = delete;
-        CQuillet quillet;
-    };
-
     // The order matters: the session ends before the simulator is taken out, and both before COM.
-    Apartment m_apartment;
+    std::optional<quillet::ComUsage> m_com;
     std::optional<quillet::simulator::Registration> m_simulator;
-    Session m_session;
+    std::optional<quillet::Session> m_session;
 };
 
 } // namespace quilletctl

@@ -10,7 +10,7 @@ namespace quilletctl {
 Invocation::Invocation(const GlobalOptions& options, Terminal& terminal, bool mayChange)
     : m_options(options), m_terminal(terminal), m_mayChange(mayChange) {}
 
-CQuillet& Invocation::Session() {
+quillet::Session& Invocation::Session() {
     if (!m_connection) {
         if (!m_machine && UsesSimulator(m_options)) {
             if (!AsksForSimulator(m_options)) {
@@ -21,7 +21,7 @@ CQuillet& Invocation::Session() {
         }
         m_connection.emplace(m_options.machine, m_machine ? m_machine->Machine() : nullptr);
     }
-    return m_connection->Quillet();
+    return m_connection->Session();
 }
 
 void PrintJson(const Json& json, std::ostream& out) {

@@ -25,7 +25,7 @@ class Invocation {
     Invocation(const GlobalOptions& options, Terminal& terminal, bool mayChange);
 
     /// The session with the provider; connects when it is first asked for. Throws Refusal or UsageError.
-    CQuillet& Session();
+    quillet::Session& Session();
     /// Disconnects, where there is a connection; what Session() yielded is gone.
     void Disconnect() noexcept { m_connection.reset(); }
 

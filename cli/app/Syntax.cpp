@@ -2,10 +2,11 @@
 // that do not fit are not repeated in messages: what was typed in a wrong place may be a secret.
 #include "app/Syntax.h"
 
+#include "texts/Number.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <charconv>
 #include <functional>
 #include <limits>
 #include <utility>
@@ -15,10 +16,8 @@ namespace quilletctl {
 namespace {
 
 bool IsNumberWithin(const std::string& text, std::int64_t least, std::int64_t most) {
-    std::int64_t number = 0;
-    const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
-    return read.ec == std::errc() && read.ptr == text.data() + text.size() && number >= least &&
-           number <= most;
+    const auto number = NumberIn<std::int64_t>(text);
+    return number && *number >= least && *number <= most;
 }
 
 OptionDescription& Numbered(OptionDescription& option, std::int64_t least, std::int64_t most) {

@@ -3,16 +3,14 @@
 
 #include "texts/Text.h"
 
-#include <comutil.h>
-
 #include <nlohmann/json.hpp>
 
 namespace quilletctl {
 
 ClientSet::ClientSet(Invocation& run) : m_run(run) {
-    CQuillet& session = run.Session();
+    quillet::Session& session = run.Session();
     run.HoldInterrupts();
-    ThrowIfRefused(session.BeginApply(), "open a client set");
+    Attempt("open a client set", [&] { m_changes.emplace(session); });
     if (!run.MayGoOn()) {
         run.NoteRestart(Close());
         throw Interruption();
@@ -20,23 +18,19 @@ ClientSet::ClientSet(Invocation& run) : m_run(run) {
 }
 
 ClientSet::~ClientSet() {
-    if (m_isOpen) {
-        try {
-            m_run.NoteRestart(Close());
-        } catch (const _com_error&) {
-            // Out of memory on the way out of another failure, which is the one to tell.
-        }
+    if (m_changes) {
+        m_run.NoteRestart(Close());
     }
 }
 
 std::optional<bool> ClientSet::Close() {
-    m_isOpen = false;
-    bool restartNeeded = false;
-    const HRESULT result = m_run.Session().ApplyDone(restartNeeded);
-    if (FAILED(result)) {
-        m_run.FailAfterAnswer({"close the client set", result});
-        return std::nullopt;
+    std::optional<bool> restartNeeded;
+    try {
+        restartNeeded = m_changes->Apply().restartNeeded;
+    } catch (const quillet::Error& failure) {
+        m_run.FailAfterAnswer({"close the client set", failure.Code()});
     }
+    m_changes.reset();
     return restartNeeded;
 }
 
@@ -66,8 +60,6 @@ ChangesInTurn ChangeInTurn(Invocation& run, std::size_t count,
         }
     } catch (const Refusal& refusal) {
         outcome.refusal = refusal;
-    } catch (const _com_error& failure) {
-        outcome.refusal.emplace("finish the command", failure.Error());
     }
     outcome.refused = outcome.done;
     outcome.restartNeeded = set.Close();

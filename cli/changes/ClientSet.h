@@ -4,7 +4,7 @@
 #include "app/Invocation.h"
 #include "changes/Verification.h"
 
-#include <quillet/Quillet.h>
+#include <quillet/client/Session.h>
 
 #include <cstddef>
 #include <functional>
@@ -30,7 +30,7 @@ class ClientSet {
 
   private:
     Invocation& m_run;
-    bool m_isOpen = true;
+    std::optional<quillet::Transaction> m_changes;
 };
 
 /// Whether a restart is needed, where that is known.
@@ -72,7 +72,7 @@ template <class Change, class Compare>
 ExitStatus ChangeInSet(Invocation& run, const std::string& asked, const char* done, Change change,
                        Compare compare) {
     ClientSet set(run);
-    ThrowIfRefused(change(run.Session()), asked);
+    Attempt(asked, [&] { change(run.Session()); });
     const std::optional<bool> restartNeeded = set.Close();
     return AnswerChange(run, asked, done, restartNeeded,
                         Verification::By([&](Verification& taken) { compare(run.Session(), taken); }));

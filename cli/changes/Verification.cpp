@@ -28,12 +28,12 @@ void Verification::Compare(const std::vector<Field>& wanted, const std::vector<F
 }
 
 void Verification::CompareSecret(const std::vector<Field>& fields, const char* key,
-                                 const std::wstring& wanted, const std::wstring& found) {
-    if (const Field* field = Find(fields, key); field != nullptr && found != wanted) {
-        Add(key, field->value, found.empty() ? Json() : Json("***"),
-            field->label + (found.empty()    ? " is missing"
-                            : wanted.empty() ? " is still there"
-                                             : " is another than the one that was given"));
+                                 const quillet::Secret& wanted, const quillet::Secret& found) {
+    if (const Field* field = Find(fields, key); field != nullptr && !(found == wanted)) {
+        Add(key, field->value, found.IsEmpty() ? Json() : Json("***"),
+            field->label + (found.IsEmpty()    ? " is missing"
+                            : wanted.IsEmpty() ? " is still there"
+                                               : " is another than the one that was given"));
     }
 }
 

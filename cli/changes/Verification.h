@@ -4,6 +4,8 @@
 #include "ending/Failure.h"
 #include "texts/Field.h"
 
+#include <quillet/client/Secret.h>
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,8 +34,8 @@ class Verification {
     void Compare(const std::vector<Field>& wanted, const std::vector<Field>& found);
     /// Compares two secrets, of which nothing is kept but that they differ.
     /// @param key of the secret among the fields
-    void CompareSecret(const std::vector<Field>& fields, const char* key, const std::wstring& wanted,
-                       const std::wstring& found);
+    void CompareSecret(const std::vector<Field>& fields, const char* key, const quillet::Secret& wanted,
+                       const quillet::Secret& found);
     /// Adds something that did not take, and a sentence of it for people.
     void Add(const std::string& what, Json wanted, Json found, std::string sentence);
     /// Nothing that can be read tells whether the change took.

@@ -2,14 +2,18 @@
 #include "app/Answers.h"
 #include "commands/AdapterCommand.h"
 #include "commands/Commands.h"
+#include "names/ObjectPath.h"
 #include "terminal/Progress.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <stop_token>
 #include <thread>
 
 namespace quilletctl {
@@ -18,32 +22,28 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Values of "TestState".
-constexpr LONG kFailedState = 3;
-constexpr LONG kInProgress = 4;
-constexpr LONG kStopped = 5;
+using quillet::Diagnostic;
+using quillet::TestResult;
+using quillet::TestState;
 
 /// How often the bar moves.
 constexpr auto kFrame = std::chrono::milliseconds(100);
-/// How long a test may take to begin, and to stop.
+/// How long a test may take to stop.
 constexpr auto kPatience = std::chrono::seconds(2);
 
-CDiagTests ReadTests(CQuillet& session, const ListedAdapter& adapter) {
-    CDiagTests tests;
-    ThrowIfRefused(session.EnumerateDiagnostics(ToWide(adapter.path), tests),
-                   "list the tests of " + adapter.Called());
-    return tests;
+std::vector<Diagnostic> ReadTests(quillet::Session& session, const ListedAdapter& adapter) {
+    return Attempt("list the tests of " + adapter.Called(), [&] { return session.Diagnostics(adapter.id); });
 }
 
 /// The test of an adapter that a text names: by path, number, name, or the beginning of its name where only
 /// one begins so.
-CDiagTest FindTest(CQuillet& session, const ListedAdapter& adapter, const std::string& text) {
-    const CDiagTests tests = ReadTests(session, adapter);
+Diagnostic FindTest(quillet::Session& session, const ListedAdapter& adapter, const std::string& text) {
+    const std::vector<Diagnostic> tests = ReadTests(session, adapter);
     std::vector<Named> names;
-    for (const CDiagTest* test : tests.m_vecItems) {
-        const std::string number = std::to_string(test->m_lTestId);
-        const std::string name = ToUtf8(test->m_wsName);
-        names.push_back({number, name, {ToUtf8(test->m_wsUniqueID), number, name}});
+    for (const Diagnostic& test : tests) {
+        const std::string number = std::to_string(test.number);
+        const std::string name = ToUtf8(test.name);
+        names.push_back({number, name, {PathOf(test.id), number, name}});
     }
     const std::optional<std::size_t> found = FindOneNamed(names, text, "tests of " + adapter.Called(),
                                                           {Match::Whole, Match::Beginning, Match::Shortened});
@@ -51,92 +51,70 @@ CDiagTest FindTest(CQuillet& session, const ListedAdapter& adapter, const std::s
         throw UsageError("no test of " + adapter.Called() + " is called \"" + text +
                          "\"; see quilletctl diag list");
     }
-    return *tests.m_vecItems[*found];
+    return tests[*found];
 }
 
-/// What is known of a test; nothing when it never ran.
-bool ReadResult(CQuillet& session, const CDiagTest& test, CDiagResult& result) {
-    const HRESULT code = session.GetDiagnosticsResult(test.m_wsUniqueID, result);
-    ThrowIfRefused(code, "read the result of " + ToUtf8(test.m_wsName));
-    return code == S_OK && !result.m_sUniqueID.empty();
-}
-
-bool Passed(const CDiagResult& result) {
-    return result.m_lResultCode == 0 && result.m_lTestState != kFailedState &&
-           result.m_lTestState != kStopped && result.m_lTestState != kInProgress;
-}
-
-bool IsTheSame(const CDiagResult& left, const CDiagResult& right) {
-    return left.m_lTestState == right.m_lTestState && left.m_lResultCode == right.m_lResultCode &&
-           left.m_wsResult == right.m_wsResult && left.m_wsDescription == right.m_wsDescription &&
-           left.m_vecTestResultIds == right.m_vecTestResultIds &&
-           left.m_vecTestResultAttributes == right.m_vecTestResultAttributes;
-}
-
-Json Messages(const CDiagResult& result) {
+Json Messages(const TestResult& result) {
     Json messages = Json::array();
-    for (std::size_t i = 0; i < result.m_vecTestResultIds.size(); ++i) {
-        const bool known = i < result.m_vecTestResultAttributes.size();
-        messages.push_back(Json{{"id", result.m_vecTestResultIds[i]},
-                                {"attribute", known ? Json(result.m_vecTestResultAttributes[i]) : Json()}});
+    for (const quillet::TestMessage& message : result.messages) {
+        messages.push_back(
+            Json{{"id", message.id}, {"attribute", message.attribute ? Json(*message.attribute) : Json()}});
     }
     return messages;
 }
 
-Json Members(const CDiagResult& package) {
+Json Members(const TestResult& package) {
     Json members = Json::array();
-    for (const CDiagResult& member : package.m_vecPackageResults) {
-        members.push_back(Json{{"name", ToUtf8(member.m_wsDiagnosticName)},
-                               {"title", ToUtf8(member.m_wsTitle)},
-                               {"result", ToUtf8(member.m_wsResult)},
-                               {"description", ToUtf8(member.m_wsDescription)},
-                               {"resultCode", member.m_lResultCode},
+    for (const TestResult& member : package.members) {
+        members.push_back(Json{{"name", ToUtf8(member.name)},
+                               {"title", ToUtf8(member.title)},
+                               {"result", ToUtf8(member.result)},
+                               {"description", ToUtf8(member.description)},
+                               {"resultCode", member.code},
                                {"members", Members(member)}});
     }
     return members;
 }
 
-Json AsJson(const CDiagTest& test, const CDiagResult& result) {
-    return Json{{"test", ToUtf8(test.m_wsName)},
-                {"testId", test.m_lTestId},
-                {"passed", Passed(result)},
-                {"state", Coded(result.m_lTestState, ToUtf8(result.m_wsStateText))},
-                {"title", ToUtf8(result.m_wsTitle)},
-                {"result", ToUtf8(result.m_wsResult)},
-                {"description", ToUtf8(result.m_wsDescription)},
-                {"resultCode", result.m_lResultCode},
+Json AsJson(const Diagnostic& test, const TestResult& result) {
+    return Json{{"test", ToUtf8(test.name)},
+                {"testId", test.number},
+                {"passed", result.Passed()},
+                {"state", Coded(static_cast<std::int32_t>(result.state), ToUtf8(result.stateText))},
+                {"title", ToUtf8(result.title)},
+                {"result", ToUtf8(result.result)},
+                {"description", ToUtf8(result.description)},
+                {"resultCode", result.code},
                 {"messages", Messages(result)},
                 {"members", Members(result)}};
 }
 
-void AddMembers(Table& table, const CDiagResult& package, const std::string& indentation) {
-    for (const CDiagResult& member : package.m_vecPackageResults) {
-        const std::wstring& name =
-            member.m_wsDiagnosticName.empty() ? member.m_wsTitle : member.m_wsDiagnosticName;
-        table.AddRow(
-            {indentation + ToUtf8(name), std::to_string(member.m_lResultCode), ToUtf8(member.m_wsResult)});
+void AddMembers(Table& table, const TestResult& package, const std::string& indentation) {
+    for (const TestResult& member : package.members) {
+        const std::wstring& name = member.name.empty() ? member.title : member.name;
+        table.AddRow({indentation + ToUtf8(name), std::to_string(member.code), ToUtf8(member.result)});
         AddMembers(table, member, indentation + "  ");
     }
 }
 
-void Print(Invocation& run, const CDiagTest& test, const CDiagResult& result) {
+void Print(Invocation& run, const Diagnostic& test, const TestResult& result) {
     if (run.WantsJson()) {
         run.Print(AsJson(test, result));
         return;
     }
     std::string messages;
-    for (const LONG id : result.m_vecTestResultIds) {
-        messages += (messages.empty() ? "" : ", ") + std::to_string(id);
+    for (const quillet::TestMessage& message : result.messages) {
+        messages += (messages.empty() ? "" : ", ") + std::to_string(message.id);
     }
     Sheet sheet;
-    sheet.Add("Test", ToUtf8(test.m_wsName))
-        .Add("State", ToUtf8(result.m_wsStateText))
-        .Add("Result", ToUtf8(result.m_wsResult))
-        .Add("Details", ToUtf8(result.m_wsDescription))
-        .Add("Code", std::to_string(result.m_lResultCode))
+    sheet.Add("Test", ToUtf8(test.name))
+        .Add("State", ToUtf8(result.stateText))
+        .Add("Result", ToUtf8(result.result))
+        .Add("Details", ToUtf8(result.description))
+        .Add("Code", std::to_string(result.code))
         .Add("Messages", messages);
     sheet.Print(run.Screen());
-    if (!result.m_vecPackageResults.empty()) {
+    if (!result.members.empty()) {
         run.Out() << '\n';
         Table table({{"MEMBER", Fit::MayShorten}, {"CODE", Fit::Whole}, {"RESULT", Fit::MayShorten}});
         AddMembers(table, result, "");
@@ -146,17 +124,15 @@ void Print(Invocation& run, const CDiagTest& test, const CDiagResult& result) {
 
 class ListTests final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        const CDiagTests tests = ReadTests(run.Session(), adapter);
         Json list = Json::array();
         Table table({{"ID", Fit::Whole}, {"TEST", Fit::MayShorten}, {"GROUP", Fit::Whole}});
-        for (const CDiagTest* test : tests.m_vecItems) {
-            const std::string name = ToUtf8(test->m_wsName);
+        for (const Diagnostic& test : ReadTests(run.Session(), adapter)) {
+            const std::string name = ToUtf8(test.name);
             list.push_back(Json{{"name", name},
-                                {"testId", test->m_lTestId},
-                                {"group", test->m_bGrouped ? Json(test->m_lGroupId) : Json()},
-                                {"path", ToUtf8(test->m_wsUniqueID)}});
-            table.AddRow({std::to_string(test->m_lTestId), name,
-                          test->m_bGrouped ? std::to_string(test->m_lGroupId) : "-"});
+                                {"testId", test.number},
+                                {"group", test.group ? Json(*test.group) : Json()},
+                                {"path", PathOf(test.id)}});
+            table.AddRow({std::to_string(test.number), name, test.group ? std::to_string(*test.group) : "-"});
         }
         return AnswerList(run, Json{{"tests", std::move(list)}}, table, "no tests");
     }
@@ -171,19 +147,70 @@ class TestCommand : public AdapterCommand {
                         "The test: its number, the beginning of its name, or its object path");
     }
 
-  protected:
-    static void Stop(CQuillet& session, const ListedAdapter& adapter, const CDiagTest& test) {
-        ThrowIfRefused(session.StopDiagnostics(test.m_wsUniqueID, ToWide(adapter.path)),
-                       "stop " + ToUtf8(test.m_wsName));
-    }
-
   private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) final {
         return RunForTest(adapter, FindTest(run.Session(), adapter, m_test), run);
     }
-    virtual ExitStatus RunForTest(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run) = 0;
+    virtual ExitStatus RunForTest(const ListedAdapter& adapter, const Diagnostic& test, Invocation& run) = 0;
 
     std::string m_test;
+};
+
+/// While a test is followed: keeps the bar moving, and passes on a request to end.
+class Watch {
+  public:
+    explicit Watch(Invocation& run)
+        : m_run(run), m_progress(run.Screen()), m_thread([this](const std::stop_token& end) { Go(end); }) {}
+    ~Watch() {
+        m_thread.request_stop();
+        m_thread.join();
+    }
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+
+    /// Requested when the test is to be stopped.
+    std::stop_token Stop() const { return m_stop.get_token(); }
+    void Show(const TestResult& result) {
+        if (result.state != TestState::InProgress) {
+            return; // the answer tells how it ended, and how it ended before is nobody's question
+        }
+        const std::lock_guard lock(m_mutex);
+        m_text = ToUtf8(result.stateText);
+        Draw();
+    }
+
+  private:
+    void Go(const std::stop_token& end) {
+        std::unique_lock lock(m_mutex);
+        while (!m_changed.wait_for(lock, end, kFrame, [&end] { return end.stop_requested(); })) {
+            if (!m_run.MayGoOn()) {
+                m_stop.request_stop();
+            }
+            if (m_text) {
+                Draw();
+            }
+        }
+    }
+    void Draw() {
+        if (m_run.WantsJson()) {
+            return;
+        }
+        std::string text = *m_text;
+        if (m_run.Screen().outIsTerminal) {
+            const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - m_start);
+            text += "  " + std::to_string(seconds.count()) + " s";
+        }
+        m_progress.Show(text);
+    }
+
+    Invocation& m_run;
+    const Clock::time_point m_start = Clock::now();
+    std::mutex m_mutex;
+    std::condition_variable_any m_changed;
+    std::optional<std::string> m_text; ///< nothing before the first look
+    Progress m_progress;
+    std::stop_source m_stop;
+    std::jthread m_thread;
 };
 
 class RunTest final : public TestCommand {
@@ -195,96 +222,66 @@ class RunTest final : public TestCommand {
     }
 
   private:
-    ExitStatus RunForTest(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run) override {
-        CQuillet& session = run.Session();
+    ExitStatus RunForTest(const ListedAdapter& adapter, const Diagnostic& test, Invocation& run) override {
         // Before the start: a test that was started is stopped, whenever the person loses patience.
         run.HoldInterrupts();
-        CDiagResult before;
-        ReadResult(session, test, before);
-        ThrowIfRefused(session.RunDiagnostics(test.m_wsUniqueID, ToWide(adapter.path)),
-                       "start " + ToUtf8(test.m_wsName));
-        CDiagResult result;
-        if (!Follow(adapter, test, run, before, result)) {
-            // The provider has no result of the test: it was not started.
-            throw Refusal("follow " + ToUtf8(test.m_wsName), WBEM_S_FALSE,
-                          "the provider has no result of it");
+        const quillet::FollowedRun followed = Follow(adapter, test, run);
+        const std::string name = ToUtf8(test.name);
+        switch (followed.end) {
+        case quillet::RunEnd::NoResult:
+            throw Refusal("follow " + name, WBEM_S_FALSE, "the provider has no result of it");
+        case quillet::RunEnd::NothingSeen:
+            throw NotTaken("run " + name, "its result is the one from before");
+        case quillet::RunEnd::Ended:
+            break;
         }
-        Print(run, test, result);
-        return Passed(result) ? ExitStatus::Done : ExitStatus::Findings;
+        Print(run, test, followed.result);
+        return followed.result.Passed() ? ExitStatus::Done : ExitStatus::Findings;
     }
 
-    /// Looks at the test until it has ended. False when there is nothing to look at. Throws NotTaken when
-    /// nothing but the result from before is ever seen: a refused start shows in no other way.
-    bool Follow(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run,
-                const CDiagResult& before, CDiagResult& result) const {
-        CQuillet& session = run.Session();
-        Progress progress(run.Screen());
-        const auto start = Clock::now();
-        bool stopping = false;
-        bool isSeen = false;
-        for (;;) {
-            result = CDiagResult();
-            if (!ReadResult(session, test, result)) {
-                return false;
-            }
-            isSeen = isSeen || result.m_lTestState == kInProgress || !IsTheSame(before, result);
-            if (result.m_lTestState != kInProgress && isSeen) {
-                return true;
-            }
-            if (!isSeen && Clock::now() - start > kPatience) {
-                throw NotTaken("run " + ToUtf8(test.m_wsName), "its result is the one from before");
-            }
-            // Until it is seen to run it is looked at closely, so that not all of the run falls between two
-            // looks.
-            const std::chrono::milliseconds interval(m_interval);
-            const auto next = Clock::now() + (isSeen ? interval : std::min(interval, kFrame));
-            do {
-                if (!stopping && !run.MayGoOn()) {
-                    stopping = true;
-                    Stop(session, adapter, test);
-                    break;
-                }
-                Show(progress, run, result, Clock::now() - start);
-                std::this_thread::sleep_for(std::min<Clock::duration>(kFrame, next - Clock::now()));
-            } while (Clock::now() < next);
+    quillet::FollowedRun Follow(const ListedAdapter& adapter, const Diagnostic& test, Invocation& run) const {
+        Watch watch(run);
+        quillet::Following following;
+        following.interval = std::chrono::milliseconds(m_interval);
+        following.seen = [&watch](const TestResult& result) { watch.Show(result); };
+        following.stop = watch.Stop();
+        try {
+            return run.Session().RunDiagnostic(test.id, adapter.id, following);
+        } catch (const quillet::Error& failure) {
+            const char* asked = failure.Operation() == "RunDiagnostics"    ? "start "
+                                : failure.Operation() == "StopDiagnostics" ? "stop "
+                                                                           : "read the result of ";
+            throw Refusal(asked + ToUtf8(test.name), failure.Code());
         }
-    }
-
-    static void Show(Progress& progress, const Invocation& run, const CDiagResult& result,
-                     Clock::duration elapsed) {
-        if (run.WantsJson()) {
-            return;
-        }
-        std::string text = ToUtf8(result.m_wsStateText);
-        if (run.Screen().outIsTerminal) {
-            text += "  " + std::to_string(std::chrono::duration_cast<std::chrono::seconds>(elapsed).count()) +
-                    " s";
-        }
-        progress.Show(text);
     }
 
     std::uint32_t m_interval = 500;
 };
 
 class StopTest final : public TestCommand {
-    ExitStatus RunForTest(const ListedAdapter& adapter, const CDiagTest& test, Invocation& run) override {
+    ExitStatus RunForTest(const ListedAdapter& adapter, const Diagnostic& test, Invocation& run) override {
+        quillet::Session& session = run.Session();
+        const std::string name = ToUtf8(test.name);
         run.HoldInterrupts();
-        Stop(run.Session(), adapter, test);
-        CDiagResult result;
+        Attempt("stop " + name, [&] { session.StopDiagnostic(test.id, adapter.id); });
         // A test may need a moment to come to its end.
         const auto until = Clock::now() + kPatience;
-        while (ReadResult(run.Session(), test, result) && result.m_lTestState == kInProgress &&
-               Clock::now() < until) {
+        const auto read = [&] {
+            return Attempt("read the result of " + name, [&] { return session.ReadResult(test.id); });
+        };
+        std::optional<TestResult> result = read();
+        while (result && result->state == TestState::InProgress && Clock::now() < until) {
             std::this_thread::sleep_for(kFrame);
+            result = read();
         }
+        const TestResult last = result.value_or(TestResult());
         if (run.WantsJson()) {
-            run.Print(AsJson(test, result));
+            run.Print(AsJson(test, last));
         } else {
-            run.Out() << Printable(ToUtf8(test.m_wsName)) << ": " << Printable(ToUtf8(result.m_wsStateText))
-                      << '\n';
+            run.Out() << Printable(name) << ": " << Printable(ToUtf8(last.stateText)) << '\n';
         }
-        if (result.m_lTestState == kInProgress) {
-            throw NotTaken("stop " + ToUtf8(test.m_wsName), "it still runs");
+        if (last.state == TestState::InProgress) {
+            throw NotTaken("stop " + name, "it still runs");
         }
         return ExitStatus::Done;
     }

@@ -3,6 +3,7 @@
 #include "changes/ClientSet.h"
 #include "commands/AdapterCommand.h"
 #include "commands/Commands.h"
+#include "names/ObjectPath.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
 
@@ -15,58 +16,60 @@ namespace quilletctl {
 
 namespace {
 
+using quillet::IscsiAdapter;
+using quillet::IscsiStatus;
+
 struct Place {
-    CISCSIAdapter::iSCSIStatus status;
+    IscsiStatus status;
     const char* word;
 };
 
-constexpr std::array kPlaces{Place{CISCSIAdapter::NotBootPort, "off"},
-                             Place{CISCSIAdapter::PrimaryPort, "primary"},
-                             Place{CISCSIAdapter::SecondaryPort, "secondary"}};
+constexpr std::array kPlaces{Place{IscsiStatus::NotBootPort, "off"},
+                             Place{IscsiStatus::PrimaryPort, "primary"},
+                             Place{IscsiStatus::SecondaryPort, "secondary"}};
 
-std::string PlaceText(LONG status) {
+std::string PlaceText(IscsiStatus status) {
     const auto* found = std::find_if(kPlaces.begin(), kPlaces.end(),
                                      [status](const Place& place) { return place.status == status; });
-    return found != kPlaces.end() ? found->word : "place " + std::to_string(status);
+    return found != kPlaces.end() ? found->word
+                                  : "place " + std::to_string(static_cast<std::int32_t>(status));
 }
 
-Json PlaceAsJson(LONG status) {
-    return Coded(status, PlaceText(status));
+Json PlaceAsJson(IscsiStatus status) {
+    return Coded(static_cast<std::int32_t>(status), PlaceText(status));
 }
 
 /// The adapter of a port, which its boot agent is called after; null where the machine has none.
-const ListedAdapter* AdapterOf(const std::vector<ListedAdapter>& adapters, const CISCSIAdapter& port) {
+const ListedAdapter* AdapterOf(const std::vector<ListedAdapter>& adapters, const IscsiAdapter& port) {
     const auto found = std::find_if(adapters.begin(), adapters.end(), [&](const ListedAdapter& each) {
-        return SameIgnoringCase(each.objectId, ToUtf8(port.m_wsBootAgentID));
+        return SameIgnoringCase(each.objectId, ToUtf8(port.objectId));
     });
     return found == adapters.end() ? nullptr : &*found;
 }
 
 /// What an adapter is called everywhere; the provider calls it otherwise here.
-std::string NameOf(const ListedAdapter* adapter, const CISCSIAdapter& port) {
-    return adapter == nullptr ? ToUtf8(port.m_wsAdapterName) : adapter->Called();
+std::string NameOf(const ListedAdapter* adapter, const IscsiAdapter& port) {
+    return adapter == nullptr ? ToUtf8(port.adapterName) : adapter->Called();
 }
 
-CISCSIAdapters ReadPorts(CQuillet& session) {
-    CISCSIAdapters ports;
-    ThrowIfRefused(session.EnumerateISCSIAdapters(ports), "list the adapters that can boot from iSCSI");
-    return ports;
+std::vector<IscsiAdapter> ReadPorts(quillet::Session& session) {
+    return Attempt("list the adapters that can boot from iSCSI", [&] { return session.IscsiAdapters(); });
 }
 
 ExitStatus ListPorts(Invocation& run) {
-    const CISCSIAdapters ports = ReadPorts(run.Session());
+    const std::vector<IscsiAdapter> ports = ReadPorts(run.Session());
     const std::vector<ListedAdapter> adapters = ReadAdapters(run.Session());
     Json list = Json::array();
     Table table({{"ADAPTER", Fit::MayShorten}, {"PLACE", Fit::Whole}, {"BOOT AGENT ID", Fit::Whole}});
-    for (const CISCSIAdapter* port : ports.m_vecItems) {
-        const ListedAdapter* adapter = AdapterOf(adapters, *port);
-        const std::string name = NameOf(adapter, *port);
+    for (const IscsiAdapter& port : ports) {
+        const ListedAdapter* adapter = AdapterOf(adapters, port);
+        const std::string name = NameOf(adapter, port);
         list.push_back(Json{{"adapter", adapter == nullptr ? Json() : Json(adapter->path)},
                             {"name", name},
-                            {"bootAgentId", ToUtf8(port->m_wsBootAgentID)},
-                            {"status", PlaceAsJson(port->m_eStatus)},
-                            {"path", ToUtf8(port->m_wsPath)}});
-        table.AddRow({name, PlaceText(port->m_eStatus), ToUtf8(port->m_wsBootAgentID)});
+                            {"bootAgentId", ToUtf8(port.objectId)},
+                            {"status", PlaceAsJson(port.status)},
+                            {"path", PathOf(port.bootAgent)}});
+        table.AddRow({name, PlaceText(port.status), ToUtf8(port.objectId)});
     }
     return AnswerList(run, Json{{"adapters", std::move(list)}}, table, "no adapter can boot from iSCSI");
 }
@@ -87,21 +90,19 @@ class SetPlace final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         const auto* place = std::find_if(kPlaces.begin(), kPlaces.end(),
                                          [this](const Place& each) { return m_place == each.word; });
-        const CISCSIAdapters ports = ReadPorts(run.Session());
-        const CISCSIAdapter* port = PortOf(adapter, ports);
-        if (port == nullptr) {
+        const std::optional<IscsiAdapter> port = PortOf(adapter, ReadPorts(run.Session()));
+        if (!port) {
             throw UsageError(adapter.Called() + " cannot boot from iSCSI; see quilletctl iscsi list");
         }
         const std::string asked = "change the place of " + adapter.Called();
         ClientSet changes(run);
-        unsigned int code = 0;
-        ThrowIfRefused(run.Session().SetiSCSIStatus(port->m_wsPath, place->status, code), asked);
+        const unsigned code =
+            Attempt(asked, [&] { return run.Session().SetIscsiStatus(port->bootAgent, place->status); });
         const std::optional<bool> restartNeeded = changes.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
-            const CISCSIAdapters after = ReadPorts(run.Session());
-            const CISCSIAdapter* now = PortOf(adapter, after);
+            const std::optional<IscsiAdapter> now = PortOf(adapter, ReadPorts(run.Session()));
             compare.Compare({{"status", "its place", m_place}},
-                            {{"status", "", now == nullptr ? Json() : Json(PlaceText(now->m_eStatus))}});
+                            {{"status", "", now ? Json(PlaceText(now->status)) : Json()}});
         });
         if (run.WantsJson()) {
             Json answer{{"code", code}, {"restartNeeded", RestartJson(restartNeeded)}};
@@ -120,13 +121,13 @@ class SetPlace final : public AdapterCommand {
         return ExitStatus::Done;
     }
 
-    /// The adapter's entry in the list; null where it has none.
-    static const CISCSIAdapter* PortOf(const ListedAdapter& adapter, const CISCSIAdapters& ports) {
-        const auto port =
-            std::find_if(ports.m_vecItems.begin(), ports.m_vecItems.end(), [&](const CISCSIAdapter* each) {
-                return SameIgnoringCase(ToUtf8(each->m_wsBootAgentID), adapter.objectId);
-            });
-        return port == ports.m_vecItems.end() ? nullptr : *port;
+    /// The adapter's entry in the list; nothing where it has none.
+    static std::optional<IscsiAdapter> PortOf(const ListedAdapter& adapter,
+                                              const std::vector<IscsiAdapter>& ports) {
+        const auto port = std::find_if(ports.begin(), ports.end(), [&](const IscsiAdapter& each) {
+            return SameIgnoringCase(ToUtf8(each.objectId), adapter.objectId);
+        });
+        return port == ports.end() ? std::nullopt : std::optional(*port);
     }
 
     std::string m_place;
@@ -134,20 +135,20 @@ class SetPlace final : public AdapterCommand {
 
 class ShowPort final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        CiSCSI info;
-        ThrowIfRefused(run.Session().GetiSCSI_Info(ToWide(adapter.path), info),
-                       "read the iSCSI boot status of " + adapter.Called());
+        const quillet::IscsiSupport info =
+            ReadRecord(run.Session(), &quillet::Session::ReadIscsiSupport, adapter, "the iSCSI boot status");
+        const auto status = static_cast<IscsiStatus>(info.status);
         return AnswerSheet(run,
-                           Json{{"status", PlaceAsJson(info.m_lStatus)},
-                                {"systemSupported", info.m_bOSSupported},
-                                {"patchPresent", info.m_bPatchPresent},
-                                {"hotFixPresent", info.m_bHotFixPresent}},
+                           Json{{"status", PlaceAsJson(status)},
+                                {"systemSupported", info.byOperatingSystem},
+                                {"patchPresent", info.patchPresent},
+                                {"hotFixPresent", info.hotFixPresent}},
                            Sheet()
                                .Add("Adapter", adapter.Called())
-                               .Add("Place", PlaceText(info.m_lStatus))
-                               .Add("System supports it", YesOrNo(info.m_bOSSupported))
-                               .Add("Patch present", YesOrNo(info.m_bPatchPresent))
-                               .Add("Hot fix present", YesOrNo(info.m_bHotFixPresent)));
+                               .Add("Place", PlaceText(status))
+                               .Add("System supports it", YesOrNo(info.byOperatingSystem))
+                               .Add("Patch present", YesOrNo(info.patchPresent))
+                               .Add("Hot fix present", YesOrNo(info.hotFixPresent)));
     }
 };
 

@@ -19,43 +19,37 @@ struct Option {
     const char* word;
     const char* label;
     const char* key;
-    DWORD Record::*field;
+    std::optional<bool> Record::*field;
 };
 
-using Power = CAdapterPowerUsageInfo;
+using Power = quillet::PowerOptions;
 constexpr std::array kPowerOptions{
-    Option<Power>{"--auto-power-save", "Automatic power saving", "autoPowerSave",
-                  &Power::m_dwAutoPowerSaveModeEnabled},
-    Option<Power>{"--reduce-speed", "Reduce speed on power-down", "reduceSpeed",
-                  &Power::m_dwReduceSpeedOnPowerDown},
-    Option<Power>{"--smart-power-down", "Power down when unused", "smartPowerDown",
-                  &Power::m_dwSmartPowerDown},
-    Option<Power>{"--aspm", "Enhanced bus power saving", "aspm", &Power::m_dwEnhancedASPMPowerSaver},
+    Option<Power>{"--auto-power-save", "Automatic power saving", "autoPowerSave", &Power::autoPowerSave},
+    Option<Power>{"--reduce-speed", "Reduce speed on power-down", "reduceSpeed", &Power::reduceSpeed},
+    Option<Power>{"--smart-power-down", "Power down when unused", "smartPowerDown", &Power::smartPowerDown},
+    Option<Power>{"--aspm", "Enhanced bus power saving", "aspm", &Power::enhancedAspm},
     Option<Power>{"--battery-connection", "Automatic connection battery saver", "batteryConnection",
-                  &Power::m_dwACBSMode},
-    Option<Power>{"--battery-speed", "Reduce speed on battery", "batterySpeed",
-                  &Power::m_dwLinkSpeedBatterySaver},
-    Option<Power>{"--system-idle", "Save power on an idle system", "systemIdle",
-                  &Power::m_dwSystemIdlePowerSaver},
+                  &Power::batteryConnection},
+    Option<Power>{"--battery-speed", "Reduce speed on battery", "batterySpeed", &Power::batterySpeed},
+    Option<Power>{"--system-idle", "Save power on an idle system", "systemIdle", &Power::systemIdle},
 };
-using Wake = CAdapterWakeOnLanInfo;
+using Wake = quillet::WakeOptions;
 constexpr std::array kWakeOptions{
-    Option<Wake>{"--power-off", "Wake from power off", "powerOff", &Wake::m_dwWakeFromPowerOff},
-    Option<Wake>{"--link", "Wake on link", "link", &Wake::m_dwWakeOnLink},
-    Option<Wake>{"--magic-packet", "Wake on magic packet", "magicPacket", &Wake::m_dwWakeOnMagicPacket},
-    Option<Wake>{"--directed-packet", "Wake on directed packet", "directedPacket",
-                 &Wake::m_dwWakeOnDirectedPacket},
-    Option<Wake>{"--pattern", "Wake on packet pattern", "pattern", &Wake::m_dwWakeOnPattern},
+    Option<Wake>{"--power-off", "Wake from power off", "powerOff", &Wake::fromPowerOff},
+    Option<Wake>{"--link", "Wake on link", "link", &Wake::onLink},
+    Option<Wake>{"--magic-packet", "Wake on magic packet", "magicPacket", &Wake::onMagicPacket},
+    Option<Wake>{"--directed-packet", "Wake on directed packet", "directedPacket", &Wake::onDirectedPacket},
+    Option<Wake>{"--pattern", "Wake on packet pattern", "pattern", &Wake::onPattern},
 };
 
 const std::vector<std::string> kModes{"0", "1", "2"};
 
-Power ReadPower(CQuillet& session, const ListedAdapter& adapter) {
-    return ReadRecord(session, &CQuillet::GetAdapterPowerUsageOptions, adapter, "the power options");
+Power ReadPower(quillet::Session& session, const ListedAdapter& adapter) {
+    return ReadRecord(session, &quillet::Session::ReadPower, adapter, "the power options");
 }
 
-Wake ReadWake(CQuillet& session, const ListedAdapter& adapter) {
-    return ReadRecord(session, &CQuillet::GetAdapterWakeOnLanOptions, adapter, "the wake-on-LAN options");
+Wake ReadWake(quillet::Session& session, const ListedAdapter& adapter) {
+    return ReadRecord(session, &quillet::Session::ReadWake, adapter, "the wake-on-LAN options");
 }
 
 /// The options by their names; null for one that the adapter does not have, or that is to stay as it is.
@@ -63,9 +57,8 @@ template <class Record, std::size_t Size>
 std::vector<Field> FieldsOf(const std::array<Option<Record>, Size>& options, const Record& info) {
     std::vector<Field> fields;
     for (const auto& option : options) {
-        const DWORD value = info.*option.field;
-        fields.push_back(
-            {option.key, option.label, value == Record::NotAvailable ? Json() : Json(value != 0)});
+        const std::optional<bool>& value = info.*option.field;
+        fields.push_back({option.key, option.label, value ? Json(*value) : Json()});
     }
     return fields;
 }
@@ -76,7 +69,7 @@ std::vector<Field> Fields(const Wake& info) {
 
 std::vector<Field> Fields(const Power& info) {
     std::vector<Field> fields = FieldsOf(kPowerOptions, info);
-    fields.insert(fields.begin(), {"mode", "Power-saving mode", static_cast<DWORD>(info.m_eSavePower)});
+    fields.insert(fields.begin(), {"mode", "Power-saving mode", info.mode});
     return fields;
 }
 
@@ -129,10 +122,10 @@ class Switches {
             if (m_words[i].empty()) {
                 continue;
             }
-            if (present.*m_options[i].field == Record::NotAvailable) {
+            if (!(present.*m_options[i].field)) {
                 throw UsageError(std::string(m_options[i].word) + ": not available on " + adapter.Called());
             }
-            chosen.*m_options[i].field = m_words[i] == "on" ? 1 : 0;
+            chosen.*m_options[i].field = m_words[i] == "on";
         }
         return chosen;
     }
@@ -158,14 +151,11 @@ class SetPower final : public AdapterCommand {
         // The mode always travels with the options, so it must be known.
         const Power present = ReadPower(run.Session(), adapter);
         Power chosen = m_switches.Chosen(present, adapter);
-        chosen.m_eSavePower =
-            m_mode.empty() ? present.m_eSavePower : static_cast<Power::SavePower>(m_mode.front() - '0');
+        chosen.mode = m_mode.empty() ? present.mode : static_cast<std::uint32_t>(m_mode.front() - '0');
         return ChangeInSet(
             run, "set the power options of " + adapter.Called(), "power options set",
-            [&](CQuillet& session) {
-                return session.SetAdapterPowerUsageOptions(ToWide(adapter.path), chosen);
-            },
-            [&](CQuillet& session, Verification& taken) {
+            [&](quillet::Session& session) { session.SetPower(adapter.id, chosen); },
+            [&](quillet::Session& session, Verification& taken) {
                 taken.Compare(Fields(chosen), Fields(ReadPower(session, adapter)));
             });
     }
@@ -189,10 +179,8 @@ class SetWake final : public AdapterCommand {
         const Wake chosen = m_switches.Chosen(ReadWake(run.Session(), adapter), adapter);
         return ChangeInSet(
             run, "set the wake-on-LAN options of " + adapter.Called(), "wake-on-LAN options set",
-            [&](CQuillet& session) {
-                return session.SetAdapterWakeOnLanOptions(ToWide(adapter.path), chosen);
-            },
-            [&](CQuillet& session, Verification& taken) {
+            [&](quillet::Session& session) { session.SetWake(adapter.id, chosen); },
+            [&](quillet::Session& session, Verification& taken) {
                 taken.Compare(Fields(chosen), Fields(ReadWake(session, adapter)));
             });
     }
@@ -205,10 +193,8 @@ class ReapplyPower final : public AdapterCommand {
         return ChangeInSet(
             run, "apply the power-management capabilities of " + adapter.Called() + " again",
             "power-management capabilities applied",
-            [&](CQuillet& session) {
-                return session.SetAdapterPowerManagementCapabilities(ToWide(adapter.path));
-            },
-            [](CQuillet&, Verification& taken) { taken.LeaveOpen(); });
+            [&](quillet::Session& session) { session.ReapplyPower(adapter.id); },
+            [](quillet::Session&, Verification& taken) { taken.LeaveOpen(); });
     }
 };
 

@@ -19,7 +19,7 @@ class ListProfiles final : public Command {
     }
 
     ExitStatus Run(Invocation& run) override {
-        CQuillet& session = run.Session();
+        quillet::Session& session = run.Session();
         const std::vector<ListedAdapter> adapters =
             m_adapters.empty() ? ReadAdapters(session) : FindAdapters(session, m_adapters);
         Json list = Json::array();
@@ -28,23 +28,18 @@ class ListProfiles final : public Command {
                      {"DESCRIPTION", Fit::MayShorten},
                      {"CURRENT", Fit::Whole}});
         for (const ListedAdapter& adapter : adapters) {
-            CPerformanceProfiles profiles;
-            const HRESULT result = session.GetAdapterProfiles(ToWide(adapter.path), profiles);
-            // The library does not tell an adapter without profiles from one whose profiles it cannot read.
-            if (result != static_cast<HRESULT>(WBEM_E_FAILED)) {
-                ThrowIfRefused(result, "read the profiles of " + adapter.Called());
-            }
-            if (profiles.m_vecItems.empty()) {
+            const std::vector<quillet::OfferedProfile> profiles = Profiles(session, adapter);
+            if (profiles.empty()) {
                 table.AddRow({adapter.Called(), "-", "no profiles", ""});
             }
             Json offered = Json::array();
-            for (const CPerformanceProfile* profile : profiles.m_vecItems) {
-                const std::string description = ToUtf8(profile->m_wsDescription);
-                table.AddRow({adapter.Called(), std::to_string(profile->m_eProfile), description,
-                              profile->m_bIsCurrent ? "yes" : ""});
-                offered.push_back(Json{{"profile", static_cast<LONG>(profile->m_eProfile)},
-                                       {"description", description},
-                                       {"current", profile->m_bIsCurrent}});
+            for (const quillet::OfferedProfile& each : profiles) {
+                const auto number = static_cast<std::int32_t>(each.profile);
+                const std::string description = ToUtf8(each.description);
+                table.AddRow(
+                    {adapter.Called(), std::to_string(number), description, each.isCurrent ? "yes" : ""});
+                offered.push_back(
+                    Json{{"profile", number}, {"description", description}, {"current", each.isCurrent}});
             }
             list.push_back(Json{{"adapter", adapter.path}, {"profiles", std::move(offered)}});
         }
@@ -52,6 +47,21 @@ class ListProfiles final : public Command {
     }
 
   private:
+    static std::vector<quillet::OfferedProfile> Profiles(quillet::Session& session,
+                                                         const ListedAdapter& adapter) {
+        return Attempt("read the profiles of " + adapter.Called(), [&] {
+            try {
+                return session.Profiles(adapter.id);
+            } catch (const quillet::PartialError<std::vector<quillet::OfferedProfile>>& failure) {
+                // An adapter without profiles is not told from one whose profiles cannot be read.
+                if (failure.Code() != static_cast<HRESULT>(WBEM_E_FAILED)) {
+                    throw;
+                }
+                return failure.Read();
+            }
+        });
+    }
+
     std::vector<std::string> m_adapters;
 };
 

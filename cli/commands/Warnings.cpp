@@ -8,28 +8,15 @@ namespace quilletctl {
 
 namespace {
 
-/// A provider that refuses, or has no answer, leaves the mask as it was, and no failure is returned. A mask
-/// that is once all ones and once all zeros when it comes back was not written. Throws Refusal and NotTaken.
-ULONGLONG ReadWarnings(CQuillet& session) {
-    constexpr const char* kAsked = "read the warnings";
-    constexpr ULONGLONG kAll = ~0ULL;
-    ULONGLONG warnings = kAll;
-    ThrowIfRefused(session.GetWarnings(warnings), kAsked);
-    if (warnings == kAll) {
-        warnings = 0;
-        ThrowIfRefused(session.GetWarnings(warnings), kAsked);
-        if (warnings == 0) {
-            throw NotTaken(kAsked, "the provider does not tell them");
-        }
-    }
-    return warnings;
-}
-
 ExitStatus ShowWarnings(Invocation& run) {
-    const ULONGLONG warnings = ReadWarnings(run.Session());
-    const std::vector<unsigned> bits = SetBits(warnings);
+    constexpr const char* kAsked = "read the warnings";
+    const auto warnings = Attempt(kAsked, [&] { return run.Session().Warnings(); });
+    if (!warnings) {
+        throw NotTaken(kAsked, "the provider does not tell them");
+    }
+    const std::vector<unsigned> bits = SetBits(warnings->Mask());
     if (run.WantsJson()) {
-        run.Print(Json{{"mask", HexMask(warnings)}, {"bits", bits}});
+        run.Print(Json{{"mask", HexMask(warnings->Mask())}, {"bits", bits}});
         return ExitStatus::Done;
     }
     if (bits.empty()) {

@@ -6,12 +6,6 @@ namespace quilletctl {
 Refusal::Refusal(const std::string& asked, HRESULT code, const std::string& reason)
     : std::runtime_error("could not " + asked + ": " + ExplainResult(code, reason)), m_code(code) {}
 
-void ThrowIfRefused(HRESULT code, const std::string& asked) {
-    if (FAILED(code)) {
-        throw Refusal(asked, code);
-    }
-}
-
 NotTaken::NotTaken(const std::string& asked, const std::string& why)
     : std::runtime_error("could not " + asked + ": " + why) {}
 

@@ -32,8 +32,15 @@ class Refusal : public std::runtime_error {
     HRESULT m_code;
 };
 
-/// Throws Refusal when an operation failed; `asked` completes "could not …".
-void ThrowIfRefused(HRESULT code, const std::string& asked);
+/// Does something with the session, and throws Refusal where that fails; `asked` completes "could not …".
+template <class Operation>
+auto Attempt(const std::string& asked, Operation operation) -> decltype(operation()) {
+    try {
+        return operation();
+    } catch (const quillet::Error& failure) {
+        throw Refusal(asked, failure.Code());
+    }
+}
 
 /// The call succeeded, and what was asked for was not done all the same.
 class NotTaken : public std::runtime_error {

@@ -11,10 +11,14 @@ namespace quilletctl {
 
 namespace {
 
-std::string ObjectIdIn(CQuillet& session, const std::wstring& path) {
-    std::wstring objectId;
-    session.GetGUI(path, objectId);
-    return ToUtf8(objectId);
+/// What is read; nothing where it is refused.
+template <class Read>
+auto IfTold(Read read) -> std::optional<decltype(read())> {
+    try {
+        return read();
+    } catch (const quillet::Error&) {
+        return std::nullopt;
+    }
 }
 
 /// The twelve digits of a MAC address, however they are set apart; empty when the text is none.
@@ -39,18 +43,12 @@ bool IsPathOf(const ListedAdapter& adapter, const ObjectName& name) {
 
 } // namespace
 
-std::vector<ListedAdapter> ReadAdapters(CQuillet& session) {
-    CAdapters adapters;
-    ThrowIfRefused(session.EnumerateAdapters(adapters), "list the adapters");
+std::vector<ListedAdapter> ReadAdapters(quillet::Session& session) {
     std::vector<ListedAdapter> listed;
-    for (const CAdapter* adapter : adapters.m_vecItems) {
-        if (adapter == nullptr) {
-            continue;
-        }
+    for (const quillet::Adapter& adapter : Attempt("list the adapters", [&] { return session.Adapters(); })) {
         // A path without an object ID is odd, but no reason to hide the other adapters.
-        listed.push_back({ToUtf8(adapter->m_wsAdapterID), ObjectIdIn(session, adapter->m_wsAdapterID),
-                          ToUtf8(adapter->m_wsName), ToUtf8(adapter->m_wsDisplayName),
-                          ToUtf8(adapter->m_wsDeviceID)});
+        listed.push_back({adapter.id, PathOf(adapter.id), ToUtf8(session.ObjectIdOf(adapter.id)),
+                          ToUtf8(adapter.name), ToUtf8(adapter.displayName), ToUtf8(adapter.deviceId)});
     }
     return listed;
 }
@@ -61,7 +59,8 @@ Named NamesOf(const ListedAdapter& adapter) {
             {adapter.path, adapter.objectId, adapter.deviceId, adapter.name, adapter.displayName}};
 }
 
-AdapterFinder::AdapterFinder(CQuillet& session) : m_session(session), m_adapters(ReadAdapters(session)) {
+AdapterFinder::AdapterFinder(quillet::Session& session)
+    : m_session(session), m_adapters(ReadAdapters(session)) {
     for (const ListedAdapter& adapter : m_adapters) {
         m_names.push_back(NamesOf(adapter));
     }
@@ -75,7 +74,8 @@ ListedAdapter AdapterFinder::One(const std::string& text) {
         return m_adapters[*found];
     }
     if (IsObjectPath(text)) {
-        return {text, ObjectIdIn(m_session, ToWide(text)), {}, {}, {}};
+        const quillet::AdapterId id(ToWide(text));
+        return {id, text, ToUtf8(m_session.ObjectIdOf(id)), {}, {}, {}};
     }
     ThrowUnknown(text);
 }
@@ -133,23 +133,23 @@ void AdapterFinder::ReadPlaces() {
         return;
     }
     for (std::size_t i = 0; i < m_adapters.size(); ++i) {
-        const std::wstring path = ToWide(m_adapters[i].path);
-        CPCIInfo pci;
-        CAdapter known;
         // One that cannot tell its place must not hide the others.
-        const bool tellsPort = SUCCEEDED(m_session.GetAdapterPCIInfo(path, pci));
-        const bool tellsSlot = SUCCEEDED(m_session.GetAdapterBasicInfo(path, known));
-        m_placeless += tellsPort && tellsSlot ? 0 : 1;
+        const auto hardware = IfTold([&] { return m_session.ReadHardware(m_adapters[i].id); });
+        const auto known = IfTold([&] { return m_session.ReadAdapter(m_adapters[i].id); });
+        m_placeless += hardware && known ? 0U : 1U;
         Named& place =
             m_places.emplace_back(Named{m_names[i].id, m_names[i].called, std::vector<std::string>(4)});
-        if (tellsPort) {
-            const std::string mac = ToUtf8(pci.m_wsMacAddress);
+        if (hardware) {
+            const std::string mac = ToUtf8(hardware->macAddress);
             place.names[0] = mac;
             place.names[1] = MacDigits(mac);
         }
-        const std::string slot = ToUtf8(known.m_wsSlotID);
-        const std::string port = ToUtf8(pci.m_wsPortNumber);
-        if (tellsPort && tellsSlot && !slot.empty() && !port.empty()) {
+        if (!hardware || !known) {
+            continue;
+        }
+        const std::string slot = ToUtf8(known->slot);
+        const std::string port = ToUtf8(hardware->portNumber);
+        if (!slot.empty() && !port.empty()) {
             const std::string number = slot.substr(slot.find_last_of(' ') + 1); // "2:1" for "Slot 2:1"
             place.names[2].append(slot).append(":").append(port);
             place.names[3].append(number).append(":").append(port);
@@ -158,23 +158,23 @@ void AdapterFinder::ReadPlaces() {
 }
 
 void AdapterFinder::ReadCaptions() {
-    CTeams teams;
-    if (!m_captions.empty() || FAILED(m_session.EnumerateTeams(teams))) {
+    if (!m_captions.empty()) {
+        return;
+    }
+    const auto teams = IfTold([&] { return m_session.Teams(); });
+    if (!teams) {
         return;
     }
     for (const Named& each : m_names) {
         m_captions.push_back({each.id, each.called, {}});
     }
-    for (const CTeam* team : teams.m_vecItems) {
-        CTeamedAdapters members;
-        if (FAILED(m_session.GetMemberAdapters(team->m_wsTeamID, members))) {
-            continue;
-        }
-        for (const CTeamedAdapter* member : members.m_vecItems) {
-            const ObjectName name = NameInPath(ToUtf8(member->m_wsAdapterID));
+    for (const quillet::Team& team : *teams) {
+        const auto members = IfTold([&] { return m_session.Members(team.id); });
+        for (const quillet::TeamMember& member : members.value_or(std::vector<quillet::TeamMember>())) {
+            const ObjectName name = NameInPath(PathOf(member.id));
             for (std::size_t i = 0; i < m_adapters.size(); ++i) {
                 if (IsPathOf(m_adapters[i], name)) {
-                    m_captions[i].names = {ToUtf8(member->m_wsCaption)};
+                    m_captions[i].names = {ToUtf8(member.caption)};
                 }
             }
         }
@@ -191,11 +191,11 @@ void AdapterFinder::ThrowUnknown(const std::string& text) const {
     throw UsageError(reason + "; see quilletctl adapter list");
 }
 
-ListedAdapter FindAdapter(CQuillet& session, const std::string& text) {
+ListedAdapter FindAdapter(quillet::Session& session, const std::string& text) {
     return AdapterFinder(session).One(text);
 }
 
-std::vector<ListedAdapter> FindAdapters(CQuillet& session, const std::vector<std::string>& texts,
+std::vector<ListedAdapter> FindAdapters(quillet::Session& session, const std::vector<std::string>& texts,
                                         const AdapterChoice& offered) {
     AdapterFinder finder(session);
     std::vector<ListedAdapter> adapters;

@@ -5,7 +5,7 @@
 #include "names/NameLookup.h"
 #include "texts/Text.h"
 
-#include <quillet/Quillet.h>
+#include <quillet/client/Session.h>
 
 #include <functional>
 #include <optional>
@@ -16,7 +16,8 @@ namespace quilletctl {
 
 /// An adapter by all the names it goes by (UTF-8).
 struct ListedAdapter {
-    std::string path;
+    quillet::AdapterId id;
+    std::string path;     ///< the same as text
     std::string objectId; ///< empty when the path holds none
     std::string name;
     std::string displayName;
@@ -27,7 +28,7 @@ struct ListedAdapter {
 };
 
 /// All adapters, in the provider's order. Throws Refusal.
-std::vector<ListedAdapter> ReadAdapters(CQuillet& session);
+std::vector<ListedAdapter> ReadAdapters(quillet::Session& session);
 
 /// The adapter as a thing with names.
 Named NamesOf(const ListedAdapter& adapter);
@@ -39,7 +40,7 @@ Named NamesOf(const ListedAdapter& adapter);
 class AdapterFinder {
   public:
     /// Throws Refusal.
-    explicit AdapterFinder(CQuillet& session);
+    explicit AdapterFinder(quillet::Session& session);
 
     const std::vector<ListedAdapter>& Adapters() const noexcept { return m_adapters; }
     /// The adapter that a text names. A path that is not among the machine's adapters is taken as it is, for
@@ -56,7 +57,7 @@ class AdapterFinder {
     void ReadCaptions();
     [[noreturn]] void ThrowUnknown(const std::string& text) const;
 
-    CQuillet& m_session;
+    quillet::Session& m_session;
     std::vector<ListedAdapter> m_adapters;
     std::vector<Named> m_names;
     std::vector<Named> m_places;   ///< empty until they are needed
@@ -65,23 +66,21 @@ class AdapterFinder {
 };
 
 /// AdapterFinder::One().
-ListedAdapter FindAdapter(CQuillet& session, const std::string& text);
+ListedAdapter FindAdapter(quillet::Session& session, const std::string& text);
 /// Which adapters a pattern may choose.
 using AdapterChoice = std::function<bool(const ListedAdapter& adapter)>;
 /// AdapterFinder::Several() of each text; an adapter that is named again counts once.
 /// @param offered what a pattern chooses among; all adapters where it would find none there
-std::vector<ListedAdapter> FindAdapters(CQuillet& session, const std::vector<std::string>& texts,
+std::vector<ListedAdapter> FindAdapters(quillet::Session& session, const std::vector<std::string>& texts,
                                         const AdapterChoice& offered = {});
 
-/// What an operation of the library reads of an adapter. Throws Refusal.
+/// What the session reads of an adapter. Throws Refusal.
 /// @param what completes "could not read … of the adapter"
 template <class Record>
-Record ReadRecord(CQuillet& session, HRESULT (CQuillet::*read)(const std::wstring&, Record&),
+Record ReadRecord(quillet::Session& session, Record (quillet::Session::*read)(const quillet::AdapterId&),
                   const ListedAdapter& adapter, const char* what) {
-    Record record;
-    ThrowIfRefused((session.*read)(ToWide(adapter.path), record),
-                   std::string("read ") + what + " of " + adapter.Called());
-    return record;
+    return Attempt(std::string("read ") + what + " of " + adapter.Called(),
+                   [&] { return (session.*read)(adapter.id); });
 }
 
 } // namespace quilletctl

@@ -55,6 +55,27 @@ std::string ObjectIdFrom(std::string_view text) {
     return isGuid ? '{' + std::string(text) + '}' : std::string();
 }
 
+/// An owner by its path.
+SettingOwner Owner(SettingOwner::Kind kind, const std::string& path, const std::string& objectId,
+                   const std::string& called) {
+    SettingOwner owner{{}, path, objectId, called};
+    switch (kind) {
+    case SettingOwner::Kind::Adapter:
+        owner.id = quillet::AdapterId(ToWide(path));
+        break;
+    case SettingOwner::Kind::Team:
+        owner.id = quillet::TeamId(ToWide(path));
+        break;
+    case SettingOwner::Kind::Vlan:
+        owner.id = quillet::VlanId(ToWide(path));
+        break;
+    case SettingOwner::Kind::BootAgent:
+        owner.id = quillet::BootAgentId(ToWide(path));
+        break;
+    }
+    return owner;
+}
+
 SettingOwner OwnerAt(const std::string& path, const ObjectName& name, const std::string& kind) {
     for (const OwnerClass& each : kClasses) {
         if (SameIgnoringCase(each.name, name.className)) {
@@ -62,22 +83,21 @@ SettingOwner OwnerAt(const std::string& path, const ObjectName& name, const std:
                 throw UsageError(
                     std::string("the path is not that of a ").append(kind).append(": ").append(path));
             }
-            return {each.kind, path, name.key, path};
+            return Owner(each.kind, path, name.key, path);
         }
     }
     throw UsageError("a " + name.className + " has no settings: " + path);
 }
 
 /// The VLAN that a text names, of whatever parent. Throws UsageError where there is none, or more than one.
-SettingOwner VlanCalled(CQuillet& session, const std::string& text) {
+SettingOwner VlanCalled(quillet::Session& session, const std::string& text) {
     std::vector<SettingOwner> owners;
     std::vector<Named> names;
     for (const VlanParent& parent : ReadVlanParents(session)) {
-        const CVLANs vlans = ReadVlans(session, parent);
-        for (const CVLAN* vlan : vlans.m_vecItems) {
-            names.push_back(NamesOf(*vlan, parent));
-            owners.push_back({SettingOwner::Kind::Vlan, ToUtf8(vlan->m_wsVLANID), ToUtf8(vlan->m_wsName),
-                              Called(*vlan) + " of " + parent.name});
+        for (const quillet::Vlan& vlan : ReadVlans(session, parent)) {
+            names.push_back(NamesOf(vlan, parent));
+            owners.push_back(
+                {vlan.id, PathOf(vlan.id), ToUtf8(vlan.objectId), Called(vlan) + " of " + parent.name});
         }
     }
     if (const std::optional<std::size_t> found = FindOneNamed(names, text, "VLANs")) {
@@ -97,7 +117,11 @@ const std::string& WordFor(SettingOwner::Kind kind) {
     return OwnerKindWords()[static_cast<std::size_t>(kind)];
 }
 
-SettingOwner FindSettingOwner(CQuillet& session, const std::string& text, const std::string& kind) {
+const std::string& WordFor(const SettingOwner& owner) {
+    return OwnerKindWords()[owner.id.index()];
+}
+
+SettingOwner FindSettingOwner(quillet::Session& session, const std::string& text, const std::string& kind) {
     const ObjectName name = NameInPath(text);
     const SettingOwner::Kind wanted = KindByWord(kind);
     const bool isOfAdapter = wanted == SettingOwner::Kind::Adapter || wanted == SettingOwner::Kind::BootAgent;
@@ -109,64 +133,50 @@ SettingOwner FindSettingOwner(CQuillet& session, const std::string& text, const 
     if (isOfAdapter) {
         const ListedAdapter adapter = FindAdapter(session, text);
         if (wanted == SettingOwner::Kind::Adapter) {
-            return {wanted, adapter.path, adapter.objectId, adapter.Called()};
+            return {adapter.id, adapter.path, adapter.objectId, adapter.Called()};
         }
         const OwnerClass& agent = ClassOf(wanted);
-        return {wanted, PathOf(agent.name, agent.key, adapter.objectId), adapter.objectId,
-                "the boot agent of " + adapter.Called()};
+        return Owner(wanted, PathOf(agent.name, agent.key, adapter.objectId), adapter.objectId,
+                     "the boot agent of " + adapter.Called());
     }
     if (wanted == SettingOwner::Kind::Team) {
-        const CTeam team = FindTeam(session, text);
-        const std::string path = ToUtf8(team.m_wsTeamID);
-        return {wanted, path, NameInPath(path).key, Called(team)};
+        const quillet::Team team = FindTeam(session, text);
+        const std::string path = PathOf(team.id);
+        return {team.id, path, NameInPath(path).key, Called(team)};
     }
     const std::string objectId = ObjectIdFrom(text);
     if (objectId.empty()) {
         return VlanCalled(session, text);
     }
-    return {wanted, PathOf(ClassOf(wanted).name, ClassOf(wanted).key, objectId), objectId, objectId};
+    return Owner(wanted, PathOf(ClassOf(wanted).name, ClassOf(wanted).key, objectId), objectId, objectId);
 }
 
-void ReadSettings(CQuillet& session, const SettingOwner& owner, CSettings& settings) {
-    const std::wstring path = ToWide(owner.path);
-    HRESULT result = S_OK;
-    switch (owner.kind) {
-    case SettingOwner::Kind::Adapter:
-        result = session.GetAdapterSettings(path, settings);
-        break;
-    case SettingOwner::Kind::Team:
-        result = session.GetTeamSettings(path, settings);
-        break;
-    case SettingOwner::Kind::Vlan:
-        result = session.GetVlanSettings(path, settings);
-        break;
-    case SettingOwner::Kind::BootAgent:
-        result = session.GetBootAgentSettings(path, settings);
-        break;
-    }
-    ThrowIfRefused(result, "read the settings of " + owner.called);
+std::vector<quillet::Setting> ReadSettings(quillet::Session& session, const SettingOwner& owner) {
+    return Attempt("read the settings of " + owner.called, [&] {
+        return std::visit([&](const auto& id) { return session.Settings(id); }, owner.id);
+    });
 }
 
-void ReadVmqSettings(CQuillet& session, const SettingOwner& adapter, CSettings& settings) {
-    // The selector of GetAdapterVmqSettings.
-    constexpr DWORD kQueues = 256;
-    ThrowIfRefused(session.GetAdapterSettings(ToWide(adapter.path), settings, kQueues),
-                   "read the queue settings of " + adapter.called);
+std::vector<quillet::Setting> ReadQueueSettings(quillet::Session& session, const quillet::AdapterId& adapter,
+                                                const std::string& called) {
+    return Attempt("read the queue settings of " + called, [&] { return session.QueueSettings(adapter); });
 }
 
-const CSetting* LookForSetting(const CSettings& settings, const std::string& text) {
+const quillet::Setting* LookForSetting(const std::vector<quillet::Setting>& settings,
+                                       const std::string& text) {
     std::vector<Named> names;
-    for (const CSetting* setting : settings.m_vecItems) {
-        const std::string caption = ToUtf8(setting->m_wsCaption);
-        const std::string path = ToUtf8(setting->m_wsPath);
-        names.push_back({path, caption, {path, caption, ToUtf8(setting->m_wsDescription)}});
+    for (const quillet::Setting& setting : settings) {
+        const std::string caption = ToUtf8(setting.keyword);
+        const std::string path = PathOf(setting.id);
+        names.push_back({path, caption, {path, caption, ToUtf8(setting.description)}});
     }
     const std::optional<std::size_t> found = FindOneNamed(names, text, "settings");
-    return found ? settings.m_vecItems[*found] : nullptr;
+    return found ? &settings[*found] : nullptr;
 }
 
-const CSetting& FindSetting(const CSettings& settings, const std::string& text, const SettingOwner& owner) {
-    const CSetting* setting = LookForSetting(settings, text);
+const quillet::Setting& FindSetting(const std::vector<quillet::Setting>& settings, const std::string& text,
+                                    const SettingOwner& owner) {
+    const quillet::Setting* setting = LookForSetting(settings, text);
     if (setting == nullptr) {
         throw UsageError(owner.called + " has no setting \"" + text + "\"; see quilletctl setting list");
     }

@@ -7,55 +7,51 @@
 
 namespace quilletctl {
 
-CTeams ReadTeams(CQuillet& session) {
-    CTeams teams;
-    ThrowIfRefused(session.EnumerateTeams(teams), "list the teams");
-    return teams;
+std::vector<quillet::Team> ReadTeams(quillet::Session& session) {
+    return Attempt("list the teams", [&] { return session.Teams(); });
 }
 
-std::vector<Named> NamesOf(const CTeams& teams) {
+std::vector<Named> NamesOf(const std::vector<quillet::Team>& teams) {
     std::vector<Named> names;
-    for (const CTeam* team : teams.m_vecItems) {
-        const std::string objectId = ToUtf8(team->m_wsName);
-        const std::string path = ToUtf8(team->m_wsTeamID);
+    for (const quillet::Team& team : teams) {
+        const std::string objectId = ToUtf8(team.objectId);
         // A display name stands where an adapter has its name: the two are looked for side by side.
-        names.push_back({objectId, Called(*team), {path, objectId, {}, ToUtf8(team->m_wsCaption)}});
+        names.push_back({objectId, Called(team), {PathOf(team.id), objectId, {}, ToUtf8(team.name)}});
     }
     return names;
 }
 
-std::optional<CTeam> TeamAtPath(CQuillet& session, const CTeams& teams, const std::string& path) {
+std::optional<quillet::Team> TeamAtPath(quillet::Session& session, const std::vector<quillet::Team>& teams,
+                                        const std::string& path) {
     const ObjectName name = NameInPath(path);
     if (!SameIgnoringCase(name.className, "Zorel_TeamOfAdapters")) {
         return std::nullopt;
     }
-    for (const CTeam* team : teams.m_vecItems) {
-        if (SameIgnoringCase(NameInPath(ToUtf8(team->m_wsTeamID)).key, name.key)) {
-            return *team;
+    for (const quillet::Team& team : teams) {
+        if (SameIgnoringCase(NameInPath(PathOf(team.id)).key, name.key)) {
+            return team;
         }
     }
     // The provider may know the team in another form, and tells what there is to know of it.
-    CTeam team;
-    ThrowIfRefused(session.GetTeamInfo(ToWide(path), team), "read the team " + path);
-    return team;
+    return Attempt("read the team " + path, [&] { return session.ReadTeam(quillet::TeamId(ToWide(path))); });
 }
 
-CTeam FindTeam(CQuillet& session, const std::string& text) {
+quillet::Team FindTeam(quillet::Session& session, const std::string& text) {
     if (text.empty()) {
         throw UsageError("a team is needed: its name, object ID or path");
     }
-    const CTeams teams = ReadTeams(session);
-    if (const std::optional<CTeam> team = TeamAtPath(session, teams, text)) {
+    const std::vector<quillet::Team> teams = ReadTeams(session);
+    if (const std::optional<quillet::Team> team = TeamAtPath(session, teams, text)) {
         return *team;
     }
     if (const std::optional<std::size_t> found = FindOneNamed(NamesOf(teams), text, "teams")) {
-        return *teams.m_vecItems[*found];
+        return teams[*found];
     }
     throw UsageError("no team is called \"" + text + "\"; see quilletctl team list");
 }
 
-std::string Called(const CTeam& team) {
-    return ToUtf8(team.m_wsCaption.empty() ? team.m_wsTeamID : team.m_wsCaption);
+std::string Called(const quillet::Team& team) {
+    return ToUtf8(team.name.empty() ? team.id.Path() : team.name);
 }
 
 } // namespace quilletctl

@@ -73,7 +73,12 @@ void SecretInput::ReadLine(const std::string& asked, std::wstring& secret) const
     line.MoveTo(secret);
 }
 
-void SecretInput::Read(const std::string& asked, std::wstring& secret, Blank blank) const {
+quillet::Secret SecretInput::Read(const std::string& asked, Blank blank) const {
+    struct Overwritten {
+        ~Overwritten() { SecureZeroMemory(text.data(), text.size() * sizeof(wchar_t)); }
+        std::wstring text;
+    } read;
+    std::wstring& secret = read.text;
     if (m_descriptor) {
         ReadLine(asked, secret);
     } else if (!AskTerminal(asked + (blank == Blank::KeepsAtPrompt ? " (empty: as it is): " : ": "),
@@ -87,6 +92,7 @@ void SecretInput::Read(const std::string& asked, std::wstring& secret, Blank bla
         throw UsageError(m_descriptor ? "--secret-fd: the line for \"" + asked + "\" is empty"
                                       : "nothing was typed for \"" + asked + '"');
     }
+    return quillet::Secret(secret);
 }
 
 } // namespace quilletctl

@@ -4,6 +4,8 @@
 
 #include "app/Syntax.h"
 
+#include <quillet/client/Secret.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -51,7 +53,7 @@ class SecretInput {
     /// where there is neither a line nor a person, where the line is empty (a script's variable that was
     /// never set) and where it is no text.
     /// @param asked what the prompt asks for
-    void Read(const std::string& asked, std::wstring& secret, Blank blank = Blank::Refused) const;
+    quillet::Secret Read(const std::string& asked, Blank blank = Blank::Refused) const;
 
   private:
     void ReadLine(const std::string& asked, std::wstring& secret) const;

@@ -97,7 +97,7 @@ TEST_F(SessionTest, AdapterOverviews_HoldWhatAListShows) {
     for (const AdapterOverview& each : overviews) {
         SCOPED_TRACE(Narrow(each.adapter.name));
         EXPECT_FALSE(each.failure) << each.failure.message();
-        EXPECT_FALSE(each.adapter.objectId.empty());
+        EXPECT_FALSE(each.objectId.empty());
         EXPECT_FALSE(each.adapter.slot.empty());
         ASSERT_TRUE(each.state && each.hardware);
         EXPECT_FALSE(each.hardware->macAddress.empty());

@@ -60,21 +60,13 @@ ExitStatus ListAdapters(Invocation& run) {
 
 class ListCapabilities final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        CAdapter known;
-        ThrowIfRefused(run.Session().GetAdapterCapabilities(ToWide(adapter.path), known),
-                       "read the capabilities of " + adapter.Called());
-        std::vector<LONG> codes;
-        for (const CAdapterCapInfo::Flag& flag : CAdapterCapInfo::Flags()) {
-            if (known.m_pAdapterCapabilities->*flag.m_pFlag) {
-                codes.push_back(flag.m_lCode);
-            }
-        }
-        std::sort(codes.begin(), codes.end());
+        const std::vector<quillet::Capability> capabilities =
+            ReadRecord(run.Session(), &quillet::Session::Capabilities, adapter, "the capabilities");
         Json list = Json::array();
         Table table({{"CODE", Fit::Whole}, {"CAPABILITY", Fit::MayShorten}});
-        for (const LONG code : codes) {
-            list.push_back(Coded(code, InWords<quillet::Capability>(code)));
-            table.AddRow({std::to_string(code), InWords<quillet::Capability>(code)});
+        for (const quillet::Capability capability : capabilities) {
+            list.push_back(Coded(capability));
+            table.AddRow({std::to_string(static_cast<std::int32_t>(capability)), InWords(capability)});
         }
         return AnswerList(run, Json{{"path", adapter.path}, {"capabilities", std::move(list)}}, table,
                           "no capabilities");
@@ -83,51 +75,49 @@ class ListCapabilities final : public AdapterCommand {
 
 class ListPorts final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        CQuillet& session = run.Session();
-        CAdapterPorts ports;
-        ThrowIfRefused(session.EnumerateOtherPortOfAdapter(ToWide(adapter.path), ports),
-                       "list the ports beside " + adapter.Called());
+        quillet::Session& session = run.Session();
+        const std::vector<quillet::TeamedPort> ports = Attempt(
+            "list the ports beside " + adapter.Called(), [&] { return session.TeamedPorts(adapter.id); });
         if (run.WantsJson()) {
             Json list = Json::array();
-            for (const CAdapterPort* port : ports.m_vecItems) {
-                list.push_back(Json{{"path", ToUtf8(port->m_wsAdapterID)},
-                                    {"objectId", TextOrNull(IdIn(port->m_wsAdapterID))},
-                                    {"teamed", port->m_bTeamed},
-                                    {"teamPath", ToUtf8(port->m_wsTeamID)},
-                                    {"teamId", TextOrNull(IdIn(port->m_wsTeamID))}});
+            for (const quillet::TeamedPort& port : ports) {
+                list.push_back(Json{{"path", PathOf(port.id)},
+                                    {"objectId", TextOrNull(ObjectIdIn(port.id))},
+                                    {"teamed", port.teamed},
+                                    {"teamPath", PathOf(port.team)},
+                                    {"teamId", TextOrNull(ObjectIdIn(port.team))}});
             }
             run.Print(Json{{"path", adapter.path}, {"ports", std::move(list)}});
-        } else if (ports.m_vecItems.empty()) {
+        } else if (ports.empty()) {
             run.Out() << "no port of this board is in a team\n";
         } else {
             const std::vector<ListedAdapter> adapters = ReadAdapters(session);
-            const CTeams teams = ReadTeams(session);
+            const std::vector<quillet::Team> teams = ReadTeams(session);
             Table table({{"PORT", Fit::MayShorten}, {"OBJECT ID", Fit::Whole}, {"TEAM", Fit::MayShorten}});
-            for (const CAdapterPort* port : ports.m_vecItems) {
-                table.AddRow({PortName(adapters, *port), IdIn(port->m_wsAdapterID), TeamName(teams, *port)});
+            for (const quillet::TeamedPort& port : ports) {
+                table.AddRow({PortName(adapters, port), ObjectIdIn(port.id), TeamName(teams, port)});
             }
             table.Print(run.Screen());
         }
         return ExitStatus::Done;
     }
 
-    static std::string PortName(const std::vector<ListedAdapter>& adapters, const CAdapterPort& port) {
+    static std::string PortName(const std::vector<ListedAdapter>& adapters, const quillet::TeamedPort& port) {
         for (const ListedAdapter& each : adapters) {
-            if (each.objectId == IdIn(port.m_wsAdapterID)) {
+            if (each.objectId == ObjectIdIn(port.id)) {
                 return each.Called();
             }
         }
-        return ToUtf8(port.m_wsAdapterID);
+        return PathOf(port.id);
     }
-    static std::string TeamName(const CTeams& teams, const CAdapterPort& port) {
-        for (const CTeam* each : teams.m_vecItems) {
-            if (IdIn(each->m_wsTeamID) == IdIn(port.m_wsTeamID)) {
-                return Called(*each);
+    static std::string TeamName(const std::vector<quillet::Team>& teams, const quillet::TeamedPort& port) {
+        for (const quillet::Team& each : teams) {
+            if (ObjectIdIn(each.id) == ObjectIdIn(port.team)) {
+                return Called(each);
             }
         }
-        return IdIn(port.m_wsTeamID);
+        return ObjectIdIn(port.team);
     }
-    static std::string IdIn(const std::wstring& path) { return NameInPath(ToUtf8(path)).key; }
 };
 
 class IdentifyAdapter final : public AdapterCommand {
@@ -139,10 +129,10 @@ class IdentifyAdapter final : public AdapterCommand {
 
   private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        CQuillet& session = run.Session();
+        quillet::Session& session = run.Session();
         run.HoldInterrupts();
-        ThrowIfRefused(session.IdentifyAdapter(ToWide(adapter.path), static_cast<LONG>(m_seconds)),
-                       "identify " + adapter.Called());
+        Attempt("identify " + adapter.Called(),
+                [&] { session.Identify(adapter.id, std::chrono::seconds(m_seconds)); });
         // Only who stands before the rack sees whether it does.
         Verification taken;
         taken.LeaveOpen();

@@ -2,9 +2,9 @@
 #include "app/Answers.h"
 #include "commands/boot/BootCommand.h"
 #include "commands/boot/BootVerbs.h"
-#include "commands/boot/Flash.h"
 #include "commands/Commands.h"
 #include "files/Files.h"
+#include "names/ObjectPath.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
 
@@ -17,25 +17,26 @@ namespace quilletctl {
 namespace {
 
 class ShowBootAgent final : public BootCommand {
-    ExitStatus RunForAgent(const ListedAdapter& adapter, const CBootAgent& agent, Invocation& run) override {
-        const std::string path = ToUtf8(agent.m_wsBootAgentID);
-        const std::string version = ToUtf8(agent.m_wsVersion);
-        const std::string imageType = ToUtf8(agent.m_wsFlashImageType);
+    ExitStatus RunForAgent(const ListedAdapter& adapter, const quillet::BootAgent& agent,
+                           Invocation& run) override {
+        const std::string path = PathOf(agent.id);
+        const std::string version = ToUtf8(agent.version);
+        const std::string imageType = ToUtf8(agent.imageTypeText);
         return AnswerSheet(run,
                            Json{{"path", path},
                                 {"version", version},
-                                {"versionNumber", agent.m_lVersionNumber},
-                                {"updateAvailable", agent.m_bUpdateAvailable},
-                                {"imageType", Coded(agent.m_lFlashImageType, imageType)},
-                                {"iSCSIStatus", agent.m_lISCSIStatus},
-                                {"installedImageTypes", agent.m_lInstalledFlashImageTypes}},
+                                {"versionNumber", agent.versionNumber},
+                                {"updateAvailable", agent.updateAvailable},
+                                {"imageType", Coded(agent.imageType, imageType)},
+                                {"iSCSIStatus", agent.iscsiStatus},
+                                {"installedImageTypes", agent.installedImageTypes}},
                            Sheet()
                                .Add("Adapter", adapter.Called())
                                .Add("Version", version)
-                               .Add("Update available", YesOrNo(agent.m_bUpdateAvailable))
+                               .Add("Update available", YesOrNo(agent.updateAvailable))
                                .Add("Image in flash", imageType)
-                               .Add("Installed types", std::to_string(agent.m_lInstalledFlashImageTypes))
-                               .Add("iSCSI status", std::to_string(agent.m_lISCSIStatus))
+                               .Add("Installed types", std::to_string(agent.installedImageTypes))
+                               .Add("iSCSI status", std::to_string(agent.iscsiStatus))
                                .Add("Path", path));
     }
 };
@@ -48,19 +49,20 @@ class ReadBootAgent final : public BootCommand {
     }
 
   private:
-    ExitStatus RunForAgent(const ListedAdapter&, const CBootAgent& agent, Invocation& run) override {
+    ExitStatus RunForAgent(const ListedAdapter&, const quillet::BootAgent& agent, Invocation& run) override {
         if (FileExists(m_file) && !run.Confirm("Overwrite " + m_file + "?")) {
             run.Out() << "nothing was written\n";
             return ExitStatus::Done;
         }
         CheckReplaceable(m_file); // reading takes a while
-        const Flash flash = ReadFlash(run.Session(), agent);
+        const std::vector<std::byte> flash =
+            Attempt("read the flash memory", [&] { return run.Session().ReadFlash(agent.id); });
         run.HoldInterrupts();
-        ReplaceFile(m_file, flash.Text());
+        ReplaceFile(m_file, {reinterpret_cast<const char*>(flash.data()), flash.size()});
         if (run.WantsJson()) {
-            run.Print(Json{{"file", m_file}, {"bytes", flash.size}});
+            run.Print(Json{{"file", m_file}, {"bytes", flash.size()}});
         } else {
-            run.Out() << flash.size << " bytes were written to " << Printable(m_file) << '\n';
+            run.Out() << flash.size() << " bytes were written to " << Printable(m_file) << '\n';
         }
         return ExitStatus::Done;
     }

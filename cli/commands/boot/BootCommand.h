@@ -3,9 +3,8 @@
 
 #include "commands/AdapterCommand.h"
 #include "ending/Failure.h"
-#include "texts/Text.h"
 
-#include <quillet/Quillet.h>
+#include <quillet/client/Session.h>
 
 #include <string>
 #include <vector>
@@ -15,13 +14,12 @@ namespace quilletctl {
 /// A command about the boot agent of one adapter.
 class BootCommand : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) final {
-        CBootAgent agent;
-        ThrowIfRefused(run.Session().GetAdapterBootAgentInfo(ToWide(adapter.path), agent),
-                       "read the boot agent of " + adapter.Called());
-        return RunForAgent(adapter, agent, run);
+        return RunForAgent(
+            adapter, ReadRecord(run.Session(), &quillet::Session::ReadBootAgent, adapter, "the boot agent"),
+            run);
     }
 
-    virtual ExitStatus RunForAgent(const ListedAdapter& adapter, const CBootAgent& agent,
+    virtual ExitStatus RunForAgent(const ListedAdapter& adapter, const quillet::BootAgent& agent,
                                    Invocation& run) = 0;
 };
 

@@ -2,7 +2,6 @@
 #include "changes/ClientSet.h"
 #include "commands/boot/BootCommand.h"
 #include "commands/boot/BootVerbs.h"
-#include "commands/boot/Flash.h"
 #include "commands/boot/ImageFile.h"
 #include "terminal/Progress.h"
 #include "texts/Text.h"
@@ -18,14 +17,14 @@ namespace quilletctl {
 namespace {
 
 class WriteBootAgent final : public ChosenImagesCommand {
-    ExitStatus RunForAgent(const ListedAdapter& adapter, const CBootAgent& agent, Invocation& run) override {
-        CQuillet& session = run.Session();
-        ImageFile file = ReadImageFile(session, agent, File());
-        CSettings types = ChooseImages(file, Types());
-        const int verdict = file.code != 0 ? file.code : VerifyImages(session, agent, file, types);
+    ExitStatus RunForAgent(const ListedAdapter& adapter, const quillet::BootAgent& agent,
+                           Invocation& run) override {
+        quillet::Session& session = run.Session();
+        const ImageFile file = ReadImageFile(session, agent, File());
+        const std::vector<std::wstring> types = ChooseImages(file, Types());
         Writing writing;
-        writing.code = verdict;
-        if (verdict != 0) {
+        writing.verdict = VerifyImages(session, agent, file, types);
+        if (!writing.verdict.IsGood()) {
             return End(run, types, writing);
         }
         if (!run.Confirm("Write " + ImageNames(types) + " into the flash memory of " + adapter.Called() +
@@ -39,16 +38,22 @@ class WriteBootAgent final : public ChosenImagesCommand {
             << "About to program the flash memory of " << Printable(adapter.Called())
             << ". Cut off half-way it may hold nothing that works, so this cannot be interrupted.\n"
             << std::flush;
-        writing.result = Program(run, agent, file, types, writing.code);
+        std::optional<Refusal> refusal;
+        try {
+            writing.verdict =
+                Attempt("write the flash memory", [&] { return Program(run, agent, file, types); });
+        } catch (const Refusal& refused) {
+            writing.refusal = refused.Code();
+            refusal = refused;
+        }
         writing.restartNeeded = changes.Close();
-        if (FAILED(writing.result)) {
-            run.FailAfterAnswer({"write the flash memory", writing.result});
+        if (refusal) {
+            run.FailAfterAnswer(*refusal);
         }
         // What is there now is the only proof of what was written.
         try {
-            const Flash flash = ReadFlash(session, agent);
-            writing.isWritten = flash.size == file.bytes.size() &&
-                                std::equal(file.bytes.begin(), file.bytes.end(), flash.bytes.get());
+            writing.isWritten = std::ranges::equal(
+                Attempt("read the flash memory", [&] { return session.ReadFlash(agent.id); }), file.Bytes());
         } catch (const Refusal& unreadable) {
             run.FailAfterAnswer(unreadable);
             writing.isWritten.reset();
@@ -58,28 +63,24 @@ class WriteBootAgent final : public ChosenImagesCommand {
 
     /// How it went.
     struct Writing {
-        int code = 0;                          ///< what the provider says of the image
-        HRESULT result = S_OK;                 ///< of the call that writes
+        quillet::FlashVerdict verdict;         ///< what the provider says of the image
+        std::optional<HRESULT> refusal;        ///< of the call that writes
         std::optional<bool> isWritten = false; ///< nothing: it cannot be read back
         std::optional<bool> restartNeeded = false;
     };
 
-    static HRESULT Program(Invocation& run, const CBootAgent& agent, ImageFile& file, CSettings& types,
-                           int& code) {
-        const auto write = [&] {
-            return run.Session().WriteBootAgentFlash(agent.m_wsBootAgentID, file.Size(), file.bytes.data(),
-                                                     types, code);
-        };
-        if (run.WantsJson()) {
-            return write();
+    static quillet::FlashVerdict Program(Invocation& run, const quillet::BootAgent& agent,
+                                         const ImageFile& file, const std::vector<std::wstring>& types) {
+        std::optional<ProgressWhileBusy> progress;
+        if (!run.WantsJson()) {
+            progress.emplace(run.Screen(), "Writing the flash memory; do not switch off");
         }
-        const ProgressWhileBusy progress(run.Screen(), "Writing the flash memory; do not switch off");
-        return write();
+        return run.Session().WriteFlash(agent.id, file.Bytes(), types);
     }
 
     static std::string Text(const Writing& writing) {
-        if (writing.code != 0) {
-            return "the flash memory is as it was; " + VerdictText(writing.code);
+        if (!writing.verdict.IsGood()) {
+            return "the flash memory is as it was; " + VerdictText(writing.verdict);
         }
         if (!writing.isWritten) {
             return std::string("the flash memory cannot be read back, so what it holds is not known; ") +
@@ -91,23 +92,22 @@ class WriteBootAgent final : public ChosenImagesCommand {
         }
         return std::string(
                    "the flash memory does not hold what was written; write it again before a restart") +
-               (FAILED(writing.result) ? ", unless it is as it was" : "");
+               (writing.refusal ? ", unless it is as it was" : "");
     }
 
-    ExitStatus End(Invocation& run, const CSettings& types, const Writing& writing) const {
+    ExitStatus End(Invocation& run, const std::vector<std::wstring>& types, const Writing& writing) const {
+        const bool isGood = writing.verdict.IsGood();
         if (run.WantsJson()) {
-            run.Print(
-                Json{{"file", File()},
-                     {"types", ImageNamesJson(types)},
-                     {"code", writing.code},
-                     {"result", FAILED(writing.result) ? Json(DescribeResult(writing.result)) : Json()},
-                     {"written", writing.isWritten ? Json(*writing.isWritten && writing.code == 0) : Json()},
-                     {"restartNeeded", RestartJson(writing.restartNeeded)}});
+            run.Print(Json{{"file", File()},
+                           {"types", ImageNamesJson(types)},
+                           {"code", writing.verdict.code},
+                           {"result", writing.refusal ? Json(DescribeResult(*writing.refusal)) : Json()},
+                           {"written", writing.isWritten ? Json(*writing.isWritten && isGood) : Json()},
+                           {"restartNeeded", RestartJson(writing.restartNeeded)}});
         } else {
             run.Out() << Text(writing) << '\n';
         }
-        return writing.code == 0 && writing.isWritten.value_or(false) ? ExitStatus::Done
-                                                                      : ExitStatus::Findings;
+        return isGood && writing.isWritten.value_or(false) ? ExitStatus::Done : ExitStatus::Findings;
     }
 };
 

@@ -8,70 +8,66 @@
 #include <nlohmann/json.hpp>
 
 #include <limits>
-#include <memory>
 
 namespace quilletctl {
 
-ImageFile ReadImageFile(CQuillet& session, const CBootAgent& agent, const std::string& name) {
+ImageFile ReadImageFile(quillet::Session& session, const quillet::BootAgent& agent, const std::string& name) {
     ImageFile file;
     file.bytes = ReadWholeFile(name);
     if (file.bytes.empty() ||
-        file.bytes.size() > static_cast<std::size_t>(std::numeric_limits<LONG>::max())) {
+        file.bytes.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
         throw UsageError(name + ": no image is as " + (file.bytes.empty() ? "short" : "long") +
                          " as this file");
     }
-    ThrowIfRefused(session.ReadBootAgentImageFile(agent.m_wsBootAgentID, file.Size(), file.bytes.data(),
-                                                  file.images, file.code),
-                   "look into " + name);
+    file.contents =
+        Attempt("look into " + name, [&] { return session.ReadImageFile(agent.id, file.Bytes()); });
     return file;
 }
 
-CSettings ChooseImages(const ImageFile& file, const std::vector<std::string>& names) {
-    if (names.empty()) {
-        return file.images;
-    }
-    CSettings chosen;
+std::vector<std::wstring> ChooseImages(const ImageFile& file, const std::vector<std::string>& names) {
+    std::vector<std::wstring> types;
     for (const std::string& name : names) {
-        auto image = std::make_unique<CSettingString>();
-        image->m_wsCaption = ToWide(name);
-        chosen.m_vecItems.push_back(image.get());
-        static_cast<void>(image.release()); // the list owns it
+        types.push_back(ToWide(name));
     }
-    return chosen;
+    if (names.empty()) {
+        for (const quillet::FlashImage& image : file.contents.images) {
+            types.push_back(image.type);
+        }
+    }
+    return types;
 }
 
-int VerifyImages(CQuillet& session, const CBootAgent& agent, ImageFile& file, CSettings& types) {
-    int code = 0;
-    ThrowIfRefused(
-        session.VerifyImageType(agent.m_wsBootAgentID, file.Size(), file.bytes.data(), types, code),
-        "check the image file");
-    return code;
+quillet::FlashVerdict VerifyImages(quillet::Session& session, const quillet::BootAgent& agent,
+                                   const ImageFile& file, const std::vector<std::wstring>& types) {
+    if (!file.contents.verdict.IsGood()) {
+        return file.contents.verdict;
+    }
+    return Attempt("check the image file",
+                   [&] { return session.VerifyImages(agent.id, file.Bytes(), types); });
 }
 
-std::string ImageNames(const CSettings& types) {
+std::string ImageNames(const std::vector<std::wstring>& types) {
     std::string names;
-    for (const CSetting* type : types.m_vecItems) {
-        names += (names.empty() ? "" : ", ") + ToUtf8(type->m_wsCaption);
+    for (const std::wstring& type : types) {
+        names += (names.empty() ? "" : ", ") + ToUtf8(type);
     }
     return names.empty() ? "no image" : names;
 }
 
-Json ImageNamesJson(const CSettings& types) {
+Json ImageNamesJson(const std::vector<std::wstring>& types) {
     Json names = Json::array();
-    for (const CSetting* type : types.m_vecItems) {
-        names.push_back(ToUtf8(type->m_wsCaption));
+    for (const std::wstring& type : types) {
+        names.push_back(ToUtf8(type));
     }
     return names;
 }
 
-std::string VerdictText(int code) {
-    if (code == 0) {
+std::string VerdictText(quillet::FlashVerdict verdict) {
+    if (verdict.IsGood()) {
         return "the image file is right";
     }
-    // All that is known of the provider's codes.
-    const bool isReadable = (code & 1) == 0;
-    return "the image file is refused: " + std::string(isReadable ? "" : "it cannot be read: ") + "code " +
-           std::to_string(code);
+    return "the image file is refused: " + std::string(verdict.IsReadable() ? "" : "it cannot be read: ") +
+           "code " + std::to_string(verdict.code);
 }
 
 } // namespace quilletctl

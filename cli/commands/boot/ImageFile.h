@@ -3,9 +3,10 @@
 
 #include "texts/Json.h"
 
-#include <quillet/Quillet.h>
+#include <quillet/client/Session.h>
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -14,22 +15,22 @@ namespace quilletctl {
 /// An image file and what the provider finds in it.
 struct ImageFile {
     std::vector<std::uint8_t> bytes;
-    CSettings images;
-    int code = 0;
+    quillet::FlashContents contents;
 
-    LONG Size() const { return static_cast<LONG>(bytes.size()); }
+    std::span<const std::byte> Bytes() const noexcept { return std::as_bytes(std::span(bytes)); }
 };
 
 /// Throws UsageError where there is no such file, and Refusal.
-ImageFile ReadImageFile(CQuillet& session, const CBootAgent& agent, const std::string& name);
+ImageFile ReadImageFile(quillet::Session& session, const quillet::BootAgent& agent, const std::string& name);
 
-/// The images of the file that are asked for; all of them when none is named.
-CSettings ChooseImages(const ImageFile& file, const std::vector<std::string>& names);
+/// The types of the images that are asked for; all of the file's when none is named.
+std::vector<std::wstring> ChooseImages(const ImageFile& file, const std::vector<std::string>& names);
 /// The provider's verdict on these images of the file. Throws Refusal.
-int VerifyImages(CQuillet& session, const CBootAgent& agent, ImageFile& file, CSettings& types);
-std::string VerdictText(int code);
+quillet::FlashVerdict VerifyImages(quillet::Session& session, const quillet::BootAgent& agent,
+                                   const ImageFile& file, const std::vector<std::wstring>& types);
+std::string VerdictText(quillet::FlashVerdict verdict);
 
-std::string ImageNames(const CSettings& types);
-Json ImageNamesJson(const CSettings& types);
+std::string ImageNames(const std::vector<std::wstring>& types);
+Json ImageNamesJson(const std::vector<std::wstring>& types);
 
 } // namespace quilletctl

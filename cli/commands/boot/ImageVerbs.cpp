@@ -3,6 +3,7 @@
 #include "commands/boot/BootVerbs.h"
 #include "commands/boot/ImageFile.h"
 #include "terminal/Table.h"
+#include "texts/Number.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -13,13 +14,13 @@ namespace quilletctl {
 
 namespace {
 
-Json ImagesAsJson(const CSettings& images) {
+Json ImagesAsJson(const std::vector<quillet::FlashImage>& images) {
     Json list = Json::array();
-    for (const CSetting* image : images.m_vecItems) {
-        list.push_back(Json{{"type", ToUtf8(image->m_wsCaption)},
-                            {"version", ToUtf8(image->GetCurrentValue())},
-                            {"group", image->m_lGroupId},
-                            {"exposeLevel", image->GetExposeLevel()}});
+    for (const quillet::FlashImage& image : images) {
+        list.push_back(Json{{"type", ToUtf8(image.type)},
+                            {"version", ToUtf8(image.version)},
+                            {"group", image.group},
+                            {"exposeLevel", NumberIn(ToUtf8(image.exposeLevel)).value_or(0)}});
     }
     return list;
 }
@@ -32,42 +33,42 @@ class InspectImageFile final : public BootCommand {
     }
 
   private:
-    ExitStatus RunForAgent(const ListedAdapter&, const CBootAgent& agent, Invocation& run) override {
-        const ImageFile file = ReadImageFile(run.Session(), agent, m_file);
+    ExitStatus RunForAgent(const ListedAdapter&, const quillet::BootAgent& agent, Invocation& run) override {
+        const auto [verdict, images] = ReadImageFile(run.Session(), agent, m_file).contents;
         if (run.WantsJson()) {
-            run.Print(Json{{"file", m_file}, {"code", file.code}, {"images", ImagesAsJson(file.images)}});
-        } else if (file.code != 0) {
-            run.Out() << VerdictText(file.code) << '\n';
-        } else if (file.images.m_vecItems.empty()) {
+            run.Print(Json{{"file", m_file}, {"code", verdict.code}, {"images", ImagesAsJson(images)}});
+        } else if (!verdict.IsGood()) {
+            run.Out() << VerdictText(verdict) << '\n';
+        } else if (images.empty()) {
             run.Out() << "no images\n";
         } else {
             Table table({{"TYPE", Fit::Whole},
                          {"VERSION", Fit::Whole},
                          {"GROUP", Fit::Whole},
                          {"LEVEL", Fit::Whole}});
-            for (const CSetting* image : file.images.m_vecItems) {
-                table.AddRow({ToUtf8(image->m_wsCaption), ToUtf8(image->GetCurrentValue()),
-                              std::to_string(image->m_lGroupId), ToUtf8(image->m_wsExposeLevel)});
+            for (const quillet::FlashImage& image : images) {
+                table.AddRow({ToUtf8(image.type), ToUtf8(image.version), std::to_string(image.group),
+                              ToUtf8(image.exposeLevel)});
             }
             table.Print(run.Screen());
         }
-        return file.code == 0 ? ExitStatus::Done : ExitStatus::Findings;
+        return verdict.IsGood() ? ExitStatus::Done : ExitStatus::Findings;
     }
 
     std::string m_file;
 };
 
 class VerifyImageFile final : public ChosenImagesCommand {
-    ExitStatus RunForAgent(const ListedAdapter&, const CBootAgent& agent, Invocation& run) override {
-        ImageFile file = ReadImageFile(run.Session(), agent, File());
-        CSettings types = ChooseImages(file, Types());
-        const int code = file.code != 0 ? file.code : VerifyImages(run.Session(), agent, file, types);
+    ExitStatus RunForAgent(const ListedAdapter&, const quillet::BootAgent& agent, Invocation& run) override {
+        const ImageFile file = ReadImageFile(run.Session(), agent, File());
+        const std::vector<std::wstring> types = ChooseImages(file, Types());
+        const quillet::FlashVerdict verdict = VerifyImages(run.Session(), agent, file, types);
         if (run.WantsJson()) {
-            run.Print(Json{{"file", File()}, {"code", code}, {"types", ImageNamesJson(types)}});
+            run.Print(Json{{"file", File()}, {"code", verdict.code}, {"types", ImageNamesJson(types)}});
         } else {
-            run.Out() << VerdictText(code) << '\n';
+            run.Out() << VerdictText(verdict) << '\n';
         }
-        return code == 0 ? ExitStatus::Done : ExitStatus::Findings;
+        return verdict.IsGood() ? ExitStatus::Done : ExitStatus::Findings;
     }
 };
 

@@ -18,7 +18,7 @@ namespace {
 
 class ShowLinksec final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        CQuillet& session = run.Session();
+        quillet::Session& session = run.Session();
         const std::vector<Field> authentication = FieldsOf(ReadAuthentication(session, adapter));
         const std::vector<Field> keys = FieldsOf(ReadKeys(session, adapter));
         const std::vector<Field> saved = FieldsOf(ReadSaved(session, adapter));
@@ -38,7 +38,7 @@ class ShowLinksec final : public AdapterCommand {
 class ShowStatistics final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         const std::wstring log =
-            ReadRecord(run.Session(), &CQuillet::GetAdapterLinksecSecurityStats, adapter, "the statistics");
+            ReadRecord(run.Session(), &quillet::Session::ReadSecurityLog, adapter, "the statistics");
         if (run.WantsJson()) {
             run.Print(Json{{"path", adapter.path}, {"log", ToUtf8(log)}});
             return ExitStatus::Done;

@@ -33,39 +33,38 @@ class SetAuthentication final : public AdapterCommand {
         syntax.Text("--pac-authority", m_authority, "TEXT", "File or authority of the PAC");
         syntax.Number("--key-type", m_keyType, kLeast, kGreatest, "Kind of keys, the provider's number");
         syntax.Choice("--random-mac", m_randomMac, kOnOff, "Use a random MAC address");
-        DeclareReload(syntax, m_reload);
+        m_reload.Declare(syntax);
         m_secrets.Declare(syntax);
     }
 
   private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        CAdapterAuthTypeInfo info = ReadAuthentication(run.Session(), adapter);
+        quillet::Authentication wanted = ReadAuthentication(run.Session(), adapter);
         // A password that is not sent stays; there is no need to send it around.
-        info.Clear();
+        wanted.password.Clear();
         if (m_askPassword || m_secrets.IsNamed()) {
-            m_secrets.Read("Password", info.m_sPassword);
+            wanted.password = m_secrets.Read("Password");
         }
-        TakeCode(m_outer, info.m_eOuterEAP);
-        TakeCode(m_inner, info.m_InnerEAP);
-        TakeCode(m_keyType, info.m_eKeySecType);
-        Take(m_user, info.m_sUserName);
-        Take(m_changed, info.m_nTypeOfCredsChanged);
-        Take(m_machine, info.m_bMachineCred);
-        Take(m_windows, info.m_bUseWindowsCreds);
-        Take(m_autoPac, info.m_bUseAutoPAC);
-        Take(m_authority, info.m_sPACAuthority);
-        Take(m_randomMac, info.m_bRandMACAddress);
+        Take(m_outer, wanted.methods.outer);
+        Take(m_inner, wanted.methods.inner);
+        Take(m_keyType, wanted.methods.keySecurity);
+        Take(m_user, wanted.userName);
+        Take(m_changed, wanted.changedCredentials);
+        Take(m_machine, wanted.machineCredentials);
+        Take(m_windows, wanted.windowsCredentials);
+        Take(m_autoPac, wanted.autoPac);
+        Take(m_authority, wanted.pac);
+        Take(m_randomMac, wanted.methods.randomMac);
         return ChangeInSet(
             run, "set the authentication of " + adapter.Called(), "authentication set",
-            [&](CQuillet& session) {
-                return session.SetAdapterLinksecStrictPreferredOptions(ToWide(adapter.path), info, m_reload);
+            [&](quillet::Session& session) {
+                session.SetAuthentication(adapter.id, wanted, m_reload.Chosen());
             },
-            [&](CQuillet& session, Verification& taken) {
-                const CAdapterAuthTypeInfo now = ReadAuthentication(session, adapter);
-                const std::vector<Field> wanted = Named(FieldsOf(info));
-                taken.Compare(wanted, FieldsOf(now));
-                if (!info.m_sPassword.empty()) {
-                    taken.CompareSecret(FieldsOf(info), "password", info.m_sPassword, now.m_sPassword);
+            [&](quillet::Session& session, Verification& taken) {
+                const quillet::Authentication now = ReadAuthentication(session, adapter);
+                taken.Compare(Named(FieldsOf(wanted)), FieldsOf(now));
+                if (!wanted.password.IsEmpty()) {
+                    taken.CompareSecret(FieldsOf(wanted), "password", wanted.password, now.password);
                 }
             });
     }
@@ -89,16 +88,11 @@ class SetAuthentication final : public AdapterCommand {
         return fields;
     }
 
-    template <class Code>
-    static void TakeCode(const std::optional<LONG>& given, Code& member) {
-        member = static_cast<Code>(given.value_or(member));
-    }
-
     std::optional<LONG> m_outer, m_inner, m_changed, m_windows, m_keyType;
     std::optional<std::string> m_user, m_authority;
     std::string m_machine, m_autoPac, m_randomMac;
     bool m_askPassword = false;
-    bool m_reload = false;
+    ReloadOption m_reload;
     SecretInput m_secrets;
 };
 

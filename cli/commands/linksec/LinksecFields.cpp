@@ -8,73 +8,70 @@ namespace quilletctl {
 namespace {
 
 /// All that is ever told of a secret: whether there is one.
-Field Masked(const char* key, const char* label, const std::wstring& secret) {
-    return {key, label, secret.empty() ? Json() : Json("***"), true};
+Field Masked(const char* key, const char* label, const quillet::Secret& secret) {
+    return {key, label, secret.IsEmpty() ? Json() : Json("***"), true};
 }
 
 } // namespace
 
-CAdapterManualAuthInfo ReadKeys(CQuillet& session, const ListedAdapter& adapter) {
-    return ReadRecord(session, &CQuillet::GetAdapterLinksecManualAuthOptions, adapter, "the keys");
+quillet::ManualKeys ReadKeys(quillet::Session& session, const ListedAdapter& adapter) {
+    return ReadRecord(session, &quillet::Session::ReadManualKeys, adapter, "the keys");
 }
 
-CAdapterAuthTypeInfo ReadAuthentication(CQuillet& session, const ListedAdapter& adapter) {
-    return ReadRecord(session, &CQuillet::GetAdapterLinksecStrictPreferredOptions, adapter,
-                      "the authentication");
+quillet::Authentication ReadAuthentication(quillet::Session& session, const ListedAdapter& adapter) {
+    return ReadRecord(session, &quillet::Session::ReadAuthentication, adapter, "the authentication");
 }
 
-CAdapterLinksecSavedCredInfo ReadSaved(CQuillet& session, const ListedAdapter& adapter) {
-    return ReadRecord(session, &CQuillet::GetAdapterSavedCredOptions, adapter, "the saved credentials");
+quillet::SavedCredentials ReadSaved(quillet::Session& session, const ListedAdapter& adapter) {
+    return ReadRecord(session, &quillet::Session::ReadSavedCredentials, adapter, "the saved credentials");
 }
 
-CAdapterManualPMKInfo ReadMasterKey(CQuillet& session, const ListedAdapter& adapter) {
-    CAdapterManualPMKInfo info;
-    bool randomMac = false;
-    ThrowIfRefused(session.GetAdapterManualPMKOptions(ToWide(adapter.path), info, randomMac),
-                   "read the pairwise master key of " + adapter.Called());
-    info.m_bRandMACAddress = randomMac;
-    return info;
+quillet::MasterKey ReadMasterKey(quillet::Session& session, const ListedAdapter& adapter) {
+    return ReadRecord(session, &quillet::Session::ReadMasterKey, adapter, "the pairwise master key");
 }
 
-std::vector<Field> FieldsOf(const CAdapterManualAuthInfo& keys) {
-    return {Masked("outgoing.key", "Outgoing key", keys.m_sTXSAKey),
+std::vector<Field> FieldsOf(const quillet::ManualKeys& keys) {
+    const quillet::SecureAssociation& outgoing = keys.outgoing;
+    const quillet::SecureAssociation& incoming = keys.incoming;
+    return {Masked("outgoing.key", "Outgoing key", outgoing.key),
             {"outgoing.associationNumbers",
              "Outgoing association numbers",
-             {keys.m_nTXAssocNum1, keys.m_nTXAssocNum2}},
-            {"outgoing.channelIdentifier", "Outgoing channel identifier", ToUtf8(keys.m_sTXSCI)},
-            {"outgoing.identifierInFrames", "Identifier in outgoing frames", keys.m_bIncludeSCIOnTX},
-            Masked("incoming.key", "Incoming key", keys.m_sRXSAKey),
+             {outgoing.firstNumber, outgoing.secondNumber}},
+            {"outgoing.channelIdentifier", "Outgoing channel identifier", ToUtf8(outgoing.channelId)},
+            {"outgoing.identifierInFrames", "Identifier in outgoing frames", keys.includeChannelId},
+            Masked("incoming.key", "Incoming key", incoming.key),
             {"incoming.associationNumbers",
              "Incoming association numbers",
-             {keys.m_nRXAssocNum1, keys.m_nRXAssocNum2}},
-            {"incoming.channelIdentifier", "Incoming channel identifier", ToUtf8(keys.m_sRXSCI)},
-            {"encryption", "Encryption", keys.m_bUseEncryption}};
+             {incoming.firstNumber, incoming.secondNumber}},
+            {"incoming.channelIdentifier", "Incoming channel identifier", ToUtf8(incoming.channelId)},
+            {"encryption", "Encryption", keys.encryption}};
 }
 
-std::vector<Field> FieldsOf(const CAdapterAuthTypeInfo& authentication) {
-    return {{"outerEap", "Outer EAP method", static_cast<LONG>(authentication.m_eOuterEAP)},
-            {"innerEap", "Inner EAP method", static_cast<LONG>(authentication.m_InnerEAP)},
-            {"userName", "User name", ToUtf8(authentication.m_sUserName)},
-            Masked("password", "Password", authentication.m_sPassword),
-            {"machineDomainName", "Machine and domain", ToUtf8(authentication.m_sMachineDomainName)},
-            {"machineCredentials", "Machine's credentials", authentication.m_bMachineCred},
-            {"windowsCredentials", "Windows credentials", authentication.m_bUseWindowsCreds},
-            {"autoPac", "Automatic PAC", authentication.m_bUseAutoPAC},
-            {"pacAuthority", "PAC authority", ToUtf8(authentication.m_sPACAuthority)},
-            {"keyType", "Kind of keys", static_cast<LONG>(authentication.m_eKeySecType)},
-            {"randomMac", "Random MAC address", authentication.m_bRandMACAddress}};
+std::vector<Field> FieldsOf(const quillet::Authentication& authentication) {
+    const quillet::AuthenticationMethods& methods = authentication.methods;
+    return {{"outerEap", "Outer EAP method", methods.outer},
+            {"innerEap", "Inner EAP method", methods.inner},
+            {"userName", "User name", ToUtf8(authentication.userName)},
+            Masked("password", "Password", authentication.password),
+            {"machineDomainName", "Machine and domain", ToUtf8(authentication.machineDomainName)},
+            {"machineCredentials", "Machine's credentials", authentication.machineCredentials},
+            {"windowsCredentials", "Windows credentials", authentication.windowsCredentials},
+            {"autoPac", "Automatic PAC", authentication.autoPac},
+            {"pacAuthority", "PAC authority", ToUtf8(authentication.pac)},
+            {"keyType", "Kind of keys", methods.keySecurity},
+            {"randomMac", "Random MAC address", methods.randomMac}};
 }
 
-std::vector<Field> FieldsOf(const CAdapterLinksecSavedCredInfo& saved) {
-    return {{"userName", "Saved user name", ToUtf8(saved.m_sUserName)},
-            Masked("password", "Saved password", saved.m_sPassword),
-            {"machineDomainName", "Saved machine and domain", ToUtf8(saved.m_sMachineDomainName)},
-            {"machineCredentials", "Saved machine's credentials", saved.m_bMachineCred}};
+std::vector<Field> FieldsOf(const quillet::SavedCredentials& saved) {
+    return {{"userName", "Saved user name", ToUtf8(saved.userName)},
+            Masked("password", "Saved password", saved.password),
+            {"machineDomainName", "Saved machine and domain", ToUtf8(saved.machineDomainName)},
+            {"machineCredentials", "Saved machine's credentials", saved.machineCredentials}};
 }
 
-std::vector<Field> FieldsOf(const CAdapterManualPMKInfo& key) {
-    return {Masked("key", "Pairwise master key", key.m_sManualPMKKey),
-            {"randomMac", "Random MAC address", key.m_bRandMACAddress}};
+std::vector<Field> FieldsOf(const quillet::MasterKey& key) {
+    return {Masked("key", "Pairwise master key", key.key),
+            {"randomMac", "Random MAC address", key.randomMac}};
 }
 
 void AddTo(Sheet& sheet, const std::vector<Field>& fields) {

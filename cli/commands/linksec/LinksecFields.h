@@ -9,16 +9,15 @@
 namespace quilletctl {
 
 // Throw Refusal.
-CAdapterManualAuthInfo ReadKeys(CQuillet& session, const ListedAdapter& adapter);
-CAdapterAuthTypeInfo ReadAuthentication(CQuillet& session, const ListedAdapter& adapter);
-CAdapterLinksecSavedCredInfo ReadSaved(CQuillet& session, const ListedAdapter& adapter);
-/// With the flag that the library yields beside the record.
-CAdapterManualPMKInfo ReadMasterKey(CQuillet& session, const ListedAdapter& adapter);
+quillet::ManualKeys ReadKeys(quillet::Session& session, const ListedAdapter& adapter);
+quillet::Authentication ReadAuthentication(quillet::Session& session, const ListedAdapter& adapter);
+quillet::SavedCredentials ReadSaved(quillet::Session& session, const ListedAdapter& adapter);
+quillet::MasterKey ReadMasterKey(quillet::Session& session, const ListedAdapter& adapter);
 
-std::vector<Field> FieldsOf(const CAdapterManualAuthInfo& keys);
-std::vector<Field> FieldsOf(const CAdapterAuthTypeInfo& authentication);
-std::vector<Field> FieldsOf(const CAdapterLinksecSavedCredInfo& saved);
-std::vector<Field> FieldsOf(const CAdapterManualPMKInfo& key);
+std::vector<Field> FieldsOf(const quillet::ManualKeys& keys);
+std::vector<Field> FieldsOf(const quillet::Authentication& authentication);
+std::vector<Field> FieldsOf(const quillet::SavedCredentials& saved);
+std::vector<Field> FieldsOf(const quillet::MasterKey& key);
 
 /// A line for each value.
 void AddTo(Sheet& sheet, const std::vector<Field>& fields);

@@ -5,7 +5,6 @@
 #include "commands/linksec/LinksecOptions.h"
 #include "commands/linksec/LinksecVerbs.h"
 #include "secrets/SecretInput.h"
-#include "texts/Text.h"
 
 #include <memory>
 #include <optional>
@@ -29,55 +28,50 @@ class SetKeys final : public AdapterCommand {
         syntax.Text("--rx-sci", m_rxSci, "TEXT", "Incoming secure channel identifier");
         syntax.Choice("--encryption", m_encryption, kOnOff, "Encrypt frames, not only authenticate them");
         syntax.Choice("--keys", m_keys, kKeys, "Which keys are new (default: both)");
-        DeclareReload(syntax, m_reload);
+        m_reload.Declare(syntax);
         m_secrets.Declare(syntax);
     }
 
   private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        CAdapterManualAuthInfo info = ReadKeys(run.Session(), adapter);
+        quillet::ManualKeys wanted = ReadKeys(run.Session(), adapter);
         if (m_keys != "rx" && m_keys != "none") {
-            Ask("Key for outgoing frames", info, &CAdapterManualAuthInfo::m_sTXSAKey);
+            Ask("Key for outgoing frames", wanted.outgoing.key);
         }
         if (m_keys != "tx" && m_keys != "none") {
-            Ask("Key for incoming frames", info, &CAdapterManualAuthInfo::m_sRXSAKey);
+            Ask("Key for incoming frames", wanted.incoming.key);
         }
-        Take(m_txNumber1, info.m_nTXAssocNum1);
-        Take(m_txNumber2, info.m_nTXAssocNum2);
-        Take(m_txSci, info.m_sTXSCI);
-        Take(m_includeSci, info.m_bIncludeSCIOnTX);
-        Take(m_rxNumber1, info.m_nRXAssocNum1);
-        Take(m_rxNumber2, info.m_nRXAssocNum2);
-        Take(m_rxSci, info.m_sRXSCI);
-        Take(m_encryption, info.m_bUseEncryption);
+        Take(m_txNumber1, wanted.outgoing.firstNumber);
+        Take(m_txNumber2, wanted.outgoing.secondNumber);
+        Take(m_txSci, wanted.outgoing.channelId);
+        Take(m_includeSci, wanted.includeChannelId);
+        Take(m_rxNumber1, wanted.incoming.firstNumber);
+        Take(m_rxNumber2, wanted.incoming.secondNumber);
+        Take(m_rxSci, wanted.incoming.channelId);
+        Take(m_encryption, wanted.encryption);
         return ChangeInSet(
             run, "set the keys of " + adapter.Called(), "keys set",
-            [&](CQuillet& session) {
-                return session.SetAdapterLinksecManualAuthOptions(ToWide(adapter.path), info, m_reload);
-            },
-            [&](CQuillet& session, Verification& taken) {
-                const CAdapterManualAuthInfo now = ReadKeys(session, adapter);
-                const std::vector<Field> wanted = FieldsOf(info);
-                taken.Compare(wanted, FieldsOf(now));
-                taken.CompareSecret(wanted, "outgoing.key", info.m_sTXSAKey, now.m_sTXSAKey);
-                taken.CompareSecret(wanted, "incoming.key", info.m_sRXSAKey, now.m_sRXSAKey);
+            [&](quillet::Session& session) { session.SetManualKeys(adapter.id, wanted, m_reload.Chosen()); },
+            [&](quillet::Session& session, Verification& taken) {
+                const quillet::ManualKeys now = ReadKeys(session, adapter);
+                const std::vector<Field> fields = FieldsOf(wanted);
+                taken.Compare(fields, FieldsOf(now));
+                taken.CompareSecret(fields, "outgoing.key", wanted.outgoing.key, now.outgoing.key);
+                taken.CompareSecret(fields, "incoming.key", wanted.incoming.key, now.incoming.key);
             });
     }
 
-    void Ask(const char* asked, CAdapterManualAuthInfo& info,
-             std::wstring CAdapterManualAuthInfo::*key) const {
-        // What was there goes into this record, which overwrites it.
-        CAdapterManualAuthInfo given;
-        m_secrets.Read(asked, given.*key, Blank::KeepsAtPrompt);
-        if (!(given.*key).empty()) {
-            (given.*key).swap(info.*key);
+    void Ask(const char* asked, quillet::Secret& key) const {
+        quillet::Secret given = m_secrets.Read(asked, Blank::KeepsAtPrompt);
+        if (!given.IsEmpty()) {
+            key = std::move(given);
         }
     }
 
     std::optional<LONG> m_txNumber1, m_txNumber2, m_rxNumber1, m_rxNumber2;
     std::optional<std::string> m_txSci, m_rxSci;
     std::string m_includeSci, m_encryption, m_keys;
-    bool m_reload = false;
+    ReloadOption m_reload;
     SecretInput m_secrets;
 };
 

@@ -23,7 +23,7 @@ class MasterKey final : public AdapterCommand {
         syntax.Flag("--set", m_set, "Ask for a new key (as with --secret-fd)");
         syntax.Flag("--remove", m_remove, "Take the key away");
         syntax.Choice("--random-mac", m_randomMac, kOnOff, "Use a random MAC address");
-        DeclareReload(syntax, m_reload);
+        m_reload.Declare(syntax);
         m_secrets.Declare(syntax);
     }
     bool OnlyReads() const noexcept override { return !IsNew() && !m_remove && m_randomMac.empty(); }
@@ -32,34 +32,32 @@ class MasterKey final : public AdapterCommand {
     bool IsNew() const noexcept { return m_set || m_secrets.IsNamed(); }
 
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        CAdapterManualPMKInfo info = ReadMasterKey(run.Session(), adapter);
+        quillet::MasterKey wanted = ReadMasterKey(run.Session(), adapter);
         if (IsNew() && m_remove) {
             throw UsageError("--remove: not together with a new key");
         }
         if (OnlyReads()) {
-            return Show(adapter, info, run);
+            return Show(adapter, wanted, run);
         }
         if (IsNew()) {
-            m_secrets.Read("Pairwise master key", info.m_sManualPMKKey);
+            wanted.key = m_secrets.Read("Pairwise master key");
         } else if (m_remove) {
-            info.Clear();
+            wanted.key.Clear();
         }
-        Take(m_randomMac, info.m_bRandMACAddress);
+        Take(m_randomMac, wanted.randomMac);
         return ChangeInSet(
             run, "set the pairwise master key of " + adapter.Called(), "pairwise master key set",
-            [&](CQuillet& session) {
-                return session.SetAdapterManualPMKOptions(ToWide(adapter.path), info, m_reload, false);
-            },
-            [&](CQuillet& session, Verification& taken) {
-                const CAdapterManualPMKInfo now = ReadMasterKey(session, adapter);
-                const std::vector<Field> wanted = FieldsOf(info);
-                taken.Compare(wanted, FieldsOf(now));
-                taken.CompareSecret(wanted, "key", info.m_sManualPMKKey, now.m_sManualPMKKey);
+            [&](quillet::Session& session) { session.SetMasterKey(adapter.id, wanted, m_reload.Chosen()); },
+            [&](quillet::Session& session, Verification& taken) {
+                const quillet::MasterKey now = ReadMasterKey(session, adapter);
+                const std::vector<Field> fields = FieldsOf(wanted);
+                taken.Compare(fields, FieldsOf(now));
+                taken.CompareSecret(fields, "key", wanted.key, now.key);
             });
     }
 
-    static ExitStatus Show(const ListedAdapter& adapter, const CAdapterManualPMKInfo& info, Invocation& run) {
-        const std::vector<Field> fields = FieldsOf(info);
+    static ExitStatus Show(const ListedAdapter& adapter, const quillet::MasterKey& key, Invocation& run) {
+        const std::vector<Field> fields = FieldsOf(key);
         Json json{{"path", adapter.path}};
         json.update(AsJson(fields));
         Sheet sheet;
@@ -70,7 +68,7 @@ class MasterKey final : public AdapterCommand {
     bool m_set = false;
     bool m_remove = false;
     std::string m_randomMac;
-    bool m_reload = false;
+    ReloadOption m_reload;
     SecretInput m_secrets;
 };
 

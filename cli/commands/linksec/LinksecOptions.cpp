@@ -5,12 +5,12 @@
 
 namespace quilletctl {
 
-void DeclareReload(Syntax& syntax, bool& reload) {
-    syntax.Flag("--reload", reload, "Reload the driver, so that the change takes effect at once");
+void ReloadOption::Declare(Syntax& syntax) {
+    syntax.Flag("--reload", m_isGiven, "Reload the driver, so that the change takes effect at once");
 }
 
-void Take(const std::optional<LONG>& given, LONG& member) {
-    member = given.value_or(member);
+void Take(const std::optional<LONG>& given, std::int32_t& member) {
+    member = given ? static_cast<std::int32_t>(*given) : member;
 }
 
 void Take(const std::optional<std::string>& given, std::wstring& member) {

@@ -3,8 +3,9 @@
 
 #include "app/Syntax.h"
 
-#include <windows.h>
+#include <quillet/client/LinkSecurity.h>
 
+#include <cstdint>
 #include <limits>
 #include <optional>
 #include <string>
@@ -12,14 +13,23 @@
 namespace quilletctl {
 
 // Numbers whose range only the provider knows.
-inline constexpr LONG kLeast = std::numeric_limits<LONG>::min();
-inline constexpr LONG kGreatest = std::numeric_limits<LONG>::max();
+inline constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
+inline constexpr std::int32_t kGreatest = std::numeric_limits<std::int32_t>::max();
 
 /// "--reload".
-void DeclareReload(Syntax& syntax, bool& reload);
+class ReloadOption {
+  public:
+    void Declare(Syntax& syntax);
+    quillet::Reload Chosen() const noexcept {
+        return m_isGiven ? quillet::Reload::Driver : quillet::Reload::No;
+    }
+
+  private:
+    bool m_isGiven = false;
+};
 
 // Take over what the command line gave; what it did not stays as it is.
-void Take(const std::optional<LONG>& given, LONG& member);
+void Take(const std::optional<LONG>& given, std::int32_t& member);
 void Take(const std::optional<std::string>& given, std::wstring& member);
 /// @param given "on", "off", or nothing
 void Take(const std::string& given, bool& member);

@@ -17,16 +17,13 @@ namespace {
 /// answer about a file that it does not have, with nothing in the answer.
 enum class Pac { Missing, Untold, There };
 
-Pac LookForPac(CQuillet& session, const ListedAdapter& adapter, const std::string& name) {
-    CAdapterPacFileInfo info;
-    info.m_sPACFileName = ToWide(name);
-    const HRESULT result = session.GetAdapterPacFileContents(ToWide(adapter.path), info);
-    if (result == static_cast<HRESULT>(WBEM_E_NOT_FOUND)) {
-        return Pac::Missing;
+Pac LookForPac(quillet::Session& session, const ListedAdapter& adapter, const std::string& name) {
+    try {
+        const bool isTold = session.ReadPac(adapter.id, ToWide(name)) != quillet::PacContents();
+        return isTold ? Pac::There : Pac::Untold;
+    } catch (const quillet::Error& failure) {
+        return failure.Code() == static_cast<HRESULT>(WBEM_E_NOT_FOUND) ? Pac::Missing : Pac::Untold;
     }
-    const bool isTold = info.m_lPacType != 0 || !info.m_sinfo.empty() || !info.m_saId.empty() ||
-                        !info.m_saIdInfo.empty() || !info.m_sIId.empty() || info.m_lExpiryTime != 0;
-    return SUCCEEDED(result) && isTold ? Pac::There : Pac::Untold;
 }
 
 class ImportPac final : public AdapterCommand {
@@ -35,29 +32,27 @@ class ImportPac final : public AdapterCommand {
         AdapterCommand::Declare(syntax);
         syntax.Argument("file", m_file, "Its path on the managed machine");
         syntax.Flag("--no-password", m_noPassword, "The file has no password; none is asked for");
-        DeclareReload(syntax, m_reload);
+        m_reload.Declare(syntax);
         m_secrets.Declare(syntax);
     }
 
   private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        CAdapterPACInfo info;
-        info.m_sPACPath = ToWide(m_file);
-        info.m_bPACInfoChanged = true;
+        quillet::PacFile file;
+        file.path = ToWide(m_file);
+        file.changed = true;
         if (m_noPassword && m_secrets.IsNamed()) {
             throw UsageError("--no-password: not together with --secret-fd");
         }
         if (!m_noPassword) {
-            m_secrets.Read("Password of the file", info.m_sPACFilePassword);
+            file.password = m_secrets.Read("Password of the file");
         }
         const std::string name = m_file.substr(m_file.find_last_of("/\\") + 1);
         const Pac before = LookForPac(run.Session(), adapter, name);
         return ChangeInSet(
             run, "import " + m_file + " into " + adapter.Called(), "PAC file imported",
-            [&](CQuillet& session) {
-                return session.AdapterImportManualPAC(ToWide(adapter.path), info, m_reload);
-            },
-            [&](CQuillet& session, Verification& taken) {
+            [&](quillet::Session& session) { session.ImportPac(adapter.id, file, m_reload.Chosen()); },
+            [&](quillet::Session& session, Verification& taken) {
                 const Pac now = LookForPac(session, adapter, name);
                 if (now == Pac::Missing) {
                     taken.Add("file", name, Json(), adapter.Called() + " has no " + name);
@@ -70,7 +65,7 @@ class ImportPac final : public AdapterCommand {
 
     std::string m_file;
     bool m_noPassword = false;
-    bool m_reload = false;
+    ReloadOption m_reload;
     SecretInput m_secrets;
 };
 
@@ -88,27 +83,26 @@ class PacCommand : public AdapterCommand {
 
 class ShowPac final : public PacCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        CAdapterPacFileInfo info;
-        info.m_sPACFileName = ToWide(m_file);
-        ThrowIfRefused(run.Session().GetAdapterPacFileContents(ToWide(adapter.path), info),
-                       "read " + m_file + " of " + adapter.Called());
+        const quillet::PacContents pac = Attempt("read " + m_file + " of " + adapter.Called(), [&] {
+            return run.Session().ReadPac(adapter.id, ToWide(m_file));
+        });
         return AnswerSheet(run,
                            Json{{"path", adapter.path},
                                 {"file", m_file},
-                                {"type", info.m_lPacType},
-                                {"info", ToUtf8(info.m_sinfo)},
-                                {"authority", ToUtf8(info.m_saId)},
-                                {"authorityInfo", ToUtf8(info.m_saIdInfo)},
-                                {"issuedTo", ToUtf8(info.m_sIId)},
-                                {"expiryTime", info.m_lExpiryTime}},
+                                {"type", pac.type},
+                                {"info", ToUtf8(pac.description)},
+                                {"authority", ToUtf8(pac.authority)},
+                                {"authorityInfo", ToUtf8(pac.authorityText)},
+                                {"issuedTo", ToUtf8(pac.issuedTo)},
+                                {"expiryTime", pac.expires}},
                            Sheet()
                                .Add("File", m_file)
-                               .Add("Kind", std::to_string(info.m_lPacType))
-                               .Add("Description", ToUtf8(info.m_sinfo))
-                               .Add("Authority", ToUtf8(info.m_saId))
-                               .Add("Authority's description", ToUtf8(info.m_saIdInfo))
-                               .Add("Issued to", ToUtf8(info.m_sIId))
-                               .Add("Expires", std::to_string(info.m_lExpiryTime)));
+                               .Add("Kind", std::to_string(pac.type))
+                               .Add("Description", ToUtf8(pac.description))
+                               .Add("Authority", ToUtf8(pac.authority))
+                               .Add("Authority's description", ToUtf8(pac.authorityText))
+                               .Add("Issued to", ToUtf8(pac.issuedTo))
+                               .Add("Expires", std::to_string(pac.expires)));
     }
 };
 
@@ -120,8 +114,8 @@ class DeletePac final : public PacCommand {
         const Pac before = LookForPac(run.Session(), adapter, m_file);
         return ChangeInSet(
             run, "delete " + m_file + " from " + adapter.Called(), "PAC file deleted",
-            [&](CQuillet& session) { return session.DeletePacFile(ToWide(adapter.path), ToWide(m_file)); },
-            [&](CQuillet& session, Verification& taken) {
+            [&](quillet::Session& session) { session.DeletePac(adapter.id, ToWide(m_file)); },
+            [&](quillet::Session& session, Verification& taken) {
                 const Pac now = LookForPac(session, adapter, m_file);
                 if (now == Pac::There) {
                     taken.Add("file", Json(), m_file, adapter.Called() + " still has " + m_file);

@@ -3,8 +3,10 @@
 #include "commands/Commands.h"
 #include "commands/setting/SettingTexts.h"
 #include "commands/setting/SettingVerbs.h"
+#include "names/ObjectPath.h"
 #include "names/SettingOwner.h"
 #include "texts/JsonParts.h"
+#include "texts/Number.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -27,8 +29,7 @@ class SettingCommand : public Command {
 
   protected:
     static Json OwnerAsJson(const SettingOwner& owner) {
-        return Json{
-            {"kind", WordFor(owner.kind)}, {"path", owner.path}, {"objectId", TextOrNull(owner.objectId)}};
+        return Json{{"kind", WordFor(owner)}, {"path", owner.path}, {"objectId", TextOrNull(owner.objectId)}};
     }
 
   private:
@@ -47,29 +48,31 @@ class ListSettings final : public SettingCommand {
 
   private:
     ExitStatus RunFor(const SettingOwner& owner, Invocation& run) override {
-        CSettings settings;
-        if (m_vmqOnly) {
-            if (owner.kind != SettingOwner::Kind::Adapter) {
-                throw UsageError("--vmq: only an adapter has virtual machine queues");
-            }
-            ReadVmqSettings(run.Session(), owner, settings);
-        } else {
-            ReadSettings(run.Session(), owner, settings);
-        }
         Json list = Json::array();
         Table table({{"SETTING", Fit::Whole},
                      {"KIND", Fit::MayShorten},
                      {"CURRENT", Fit::MayShorten},
                      {"DEFAULT", Fit::MayShorten},
                      {"POSSIBLE VALUES", Fit::MayShorten}});
-        for (const CSetting* setting : settings.m_vecItems) {
-            list.push_back(AsJson(*setting));
-            table.AddRow({ToUtf8(setting->m_wsCaption),
-                          KindText(*setting) + (setting->m_bWritable ? "" : ", read only"),
-                          CurrentText(*setting), DefaultText(*setting), PossibleText(*setting)});
+        for (const quillet::Setting& setting : Settings(owner, run.Session())) {
+            list.push_back(AsJson(setting));
+            table.AddRow({ToUtf8(setting.keyword),
+                          KindText(setting) + (setting.writable ? "" : ", read only"), ValueText(setting),
+                          DefaultText(setting), PossibleText(setting)});
         }
         return AnswerList(run, Json{{"owner", OwnerAsJson(owner)}, {"settings", std::move(list)}}, table,
                           "no settings");
+    }
+
+    std::vector<quillet::Setting> Settings(const SettingOwner& owner, quillet::Session& session) const {
+        if (!m_vmqOnly) {
+            return ReadSettings(session, owner);
+        }
+        const auto* adapter = std::get_if<quillet::AdapterId>(&owner.id);
+        if (adapter == nullptr) {
+            throw UsageError("--vmq: only an adapter has virtual machine queues");
+        }
+        return ReadQueueSettings(session, *adapter, owner.called);
     }
 
     bool m_vmqOnly = false;
@@ -84,21 +87,20 @@ class GetSetting final : public SettingCommand {
 
   private:
     ExitStatus RunFor(const SettingOwner& owner, Invocation& run) override {
-        CSettings settings;
-        ReadSettings(run.Session(), owner, settings);
-        const CSetting& setting = FindSetting(settings, m_caption, owner);
+        const std::vector<quillet::Setting> settings = ReadSettings(run.Session(), owner);
+        const quillet::Setting& setting = FindSetting(settings, m_caption, owner);
         Sheet sheet;
-        sheet.Add("Setting", ToUtf8(setting.m_wsCaption))
-            .Add("Name", ToUtf8(setting.m_wsDescription))
-            .Add("Help", ToUtf8(setting.m_wsMiniHelp))
+        sheet.Add("Setting", ToUtf8(setting.keyword))
+            .Add("Name", ToUtf8(setting.description))
+            .Add("Help", ToUtf8(setting.help))
             .Add("Kind", KindText(setting))
-            .Add("Current", CurrentText(setting))
+            .Add("Current", ValueText(setting))
             .Add("Default", DefaultText(setting))
             .Add("Possible values", PossibleText(setting))
-            .Add("Writable", YesOrNo(setting.m_bWritable))
-            .Add("Group", setting.m_bGrouped ? std::to_string(setting.m_lGroupId) : std::string())
-            .Add("Expose level", std::to_string(setting.GetExposeLevel()))
-            .Add("Path", ToUtf8(setting.m_wsPath));
+            .Add("Writable", YesOrNo(setting.writable))
+            .Add("Group", setting.group ? std::to_string(*setting.group) : std::string())
+            .Add("Expose level", std::to_string(NumberIn(ToUtf8(setting.exposeLevel)).value_or(0)))
+            .Add("Path", PathOf(setting.id));
         return AnswerSheet(run, Json{{"owner", OwnerAsJson(owner)}, {"setting", AsJson(setting)}}, sheet);
     }
 

@@ -22,8 +22,8 @@ struct Target {
     enum class Outcome { Changed, Unchanged, ReadOnly, Missing, Refused, NotTaken, Unknown, NotTried };
 
     SettingOwner owner;
-    std::unique_ptr<CSetting> setting{}; ///< with the new value; null where there is nothing to write
-    std::string caption{};               ///< of the setting; as it was typed where the owner has none
+    std::optional<quillet::Setting> setting{}; ///< with the new value, where there is something to write
+    std::string caption{};                     ///< of the setting; as it was typed where the owner has none
     std::vector<std::string> warnings{};
     Outcome outcome = Outcome::Missing;
     HRESULT code = S_OK;
@@ -66,7 +66,7 @@ class SetSetting final : public Command {
 
     ExitStatus Run(Invocation& run) override {
         TakeWords();
-        CQuillet& session = run.Session();
+        quillet::Session& session = run.Session();
         std::vector<Target> targets = Targets(session);
         for (Target& target : targets) {
             Prepare(session, target);
@@ -92,7 +92,6 @@ class SetSetting final : public Command {
             if (target.outcome == Target::Outcome::Refused) {
                 throw Refusal(asked, target.code, ReasonOf(target));
             }
-            ThrowIfRefused(target.code, asked);
             target.taken.End(asked);
         }
         const bool leftAlone = !m_isOfSeveral && targets.front().outcome == Target::Outcome::ReadOnly;
@@ -115,7 +114,7 @@ class SetSetting final : public Command {
         m_value = m_words.back();
     }
 
-    std::vector<Target> Targets(CQuillet& session) const {
+    std::vector<Target> Targets(quillet::Session& session) const {
         std::vector<Target> targets;
         if (!m_isOfSeveral) {
             targets.push_back({FindSettingOwner(session, m_words.front(), m_kind)});
@@ -123,61 +122,60 @@ class SetSetting final : public Command {
         }
         for (const ListedAdapter& adapter :
              m_allAdapters ? ReadAdapters(session) : FindAdapters(session, {m_words.front()})) {
-            targets.push_back(
-                {{SettingOwner::Kind::Adapter, adapter.path, adapter.objectId, adapter.Called()}});
+            targets.push_back({{adapter.id, adapter.path, adapter.objectId, adapter.Called()}});
         }
         return targets;
     }
 
     /// Reads the setting and finds out whether there is something to write.
-    void Prepare(CQuillet& session, Target& target) const {
-        CSettings settings;
-        ReadSettings(session, target.owner, settings);
+    void Prepare(quillet::Session& session, Target& target) const {
+        const std::vector<quillet::Setting> settings = ReadSettings(session, target.owner);
         // Among many owners one without the setting is nothing special; a single one was meant.
-        const CSetting* setting = m_isOfSeveral ? LookForSetting(settings, m_setting)
-                                                : &FindSetting(settings, m_setting, target.owner);
-        target.caption = setting == nullptr ? m_setting : ToUtf8(setting->m_wsCaption);
+        const quillet::Setting* setting = m_isOfSeveral ? LookForSetting(settings, m_setting)
+                                                        : &FindSetting(settings, m_setting, target.owner);
+        target.caption = setting == nullptr ? m_setting : ToUtf8(setting->keyword);
         if (setting == nullptr) {
             return;
         }
-        if (!setting->m_bWritable) {
+        if (!setting->writable) {
             target.outcome = Target::Outcome::ReadOnly;
             return;
         }
         target.setting = WithValue(*setting, m_value);
-        target.outcome = target.setting->CurrentValueToSTRING() == setting->CurrentValueToSTRING()
-                             ? Target::Outcome::Unchanged
-                             : Target::Outcome::Changed;
+        target.outcome =
+            target.setting->value == setting->value ? Target::Outcome::Unchanged : Target::Outcome::Changed;
     }
 
     /// Asks the team of an adapter, or the VLAN, what it thinks of the value.
-    static void Check(CQuillet& session, Target& target) {
-        LONG value = 0;
-        if (target.outcome != Target::Outcome::Changed || !target.setting->GetCurrentVal(value)) {
+    static void Check(quillet::Session& session, Target& target) {
+        if (target.outcome != Target::Outcome::Changed) {
             return;
         }
-        const std::wstring path = ToWide(target.owner.path);
-        const std::wstring& caption = target.setting->m_wsCaption;
-        const std::string asked = "check " + ToUtf8(caption) + " of " + target.owner.called;
-        ULONGLONG objections = 0;
-        bool isTeamed = false;
-        if (target.owner.kind == SettingOwner::Kind::Adapter) {
-            ThrowIfRefused(session.ValidateSetSetting(path, isTeamed, caption, value, objections), asked);
-            if (isTeamed && CAdvancedSettingNames().IsSettingName(SettingName::MaxFrameSize, caption)) {
-                bool onAllMembers = true;
-                ThrowIfRefused(session.JumboFramePrecheckSetSetting(path, onAllMembers, isTeamed), asked);
-                if (!onAllMembers) {
-                    target.warnings.push_back("not every member of its team has a jumbo-frame setting");
-                }
+        const std::optional<std::int32_t> value = quillet::CurrentNumber(*target.setting);
+        if (value) {
+            Attempt("check " + target.caption + " of " + target.owner.called,
+                    [&] { AddObjections(session, target, *value); });
+        }
+    }
+
+    static void AddObjections(quillet::Session& session, Target& target, std::int32_t value) {
+        const std::wstring& keyword = target.setting->keyword;
+        quillet::Flags<quillet::ProviderBit> objections;
+        const char* objector = "the VLAN";
+        if (const auto* adapter = std::get_if<quillet::AdapterId>(&target.owner.id)) {
+            const quillet::SettingVerdict verdict = session.ValidateSetting(*adapter, keyword, value);
+            objections = verdict.reasons;
+            objector = "its team";
+            if (verdict.isTeamed && quillet::IsJumboFrameSetting(*target.setting) &&
+                !session.CheckJumboFrames(*adapter).onAllMembers) {
+                target.warnings.push_back("not every member of its team has a jumbo-frame setting");
             }
-        } else if (target.owner.kind == SettingOwner::Kind::Vlan) {
-            ThrowIfRefused(session.ValidateSetSettingOnVlan(path, caption, value, objections), asked);
+        } else if (const auto* vlan = std::get_if<quillet::VlanId>(&target.owner.id)) {
+            objections = session.ValidateSetting(*vlan, keyword, value);
         }
         // The meaning of these bits is the provider's own.
-        for (const unsigned bit : SetBits(objections)) {
-            target.warnings.push_back(
-                (isTeamed ? "its team objects, provider reason " : "the VLAN objects, provider reason ") +
-                std::to_string(bit));
+        for (const unsigned bit : SetBits(objections.Mask())) {
+            target.warnings.push_back(objector + (" objects, provider reason " + std::to_string(bit)));
         }
     }
 
@@ -197,8 +195,10 @@ class SetSetting final : public Command {
             if (!run.MayGoOn()) {
                 target.outcome = Target::Outcome::NotTried;
             } else {
-                target.code = run.Session().SetSetting(target.setting->m_wsPath, *target.setting);
-                if (FAILED(target.code)) {
+                try {
+                    run.Session().Write(*target.setting);
+                } catch (const quillet::Error& refusal) {
+                    target.code = refusal.Code();
                     target.outcome = Target::Outcome::Refused;
                 }
             }
@@ -207,20 +207,19 @@ class SetSetting final : public Command {
     }
 
     /// Once the client set is closed: until then a provider may keep changes back.
-    static void ReadBack(CQuillet& session, Target& target) {
+    static void ReadBack(quillet::Session& session, Target& target) {
         if (target.outcome != Target::Outcome::Changed) {
             return;
         }
         target.taken = Verification::By([&](Verification& compare) {
-            CSettings settings;
-            ReadSettings(session, target.owner, settings);
-            const CSetting& wanted = *target.setting;
-            const CSetting* now = settings.GetSettingByCaption(wanted.m_wsCaption);
+            const std::vector<quillet::Setting> settings = ReadSettings(session, target.owner);
+            const quillet::Setting& wanted = *target.setting;
+            const quillet::Setting* now = quillet::FindSetting(settings, wanted.keyword);
             if (now == nullptr) {
                 compare.Add("current", CurrentJson(wanted), Json(), "it is not there any more");
             } else if (!HaveSameValue(*now, wanted)) {
                 compare.Add("current", CurrentJson(wanted), CurrentJson(*now),
-                            "it is " + CurrentText(*now) + ", not " + CurrentText(wanted));
+                            "it is " + ValueText(*now) + ", not " + ValueText(wanted));
             }
         });
         const std::optional<bool> took = target.taken.Took();
@@ -229,12 +228,14 @@ class SetSetting final : public Command {
                                  : Target::Outcome::NotTaken;
     }
 
-    static Json CurrentJson(const CSetting& setting) { return quilletctl::AsJson(setting).at("current"); }
+    static Json CurrentJson(const quillet::Setting& setting) {
+        return quilletctl::AsJson(setting).at("current");
+    }
 
-    static bool HaveSameValue(const CSetting& now, const CSetting& wanted) {
+    static bool HaveSameValue(const quillet::Setting& now, const quillet::Setting& wanted) {
         // The digits of an address may come back in the other case.
-        return SameIgnoringCase(ToUtf8(wanted.m_wsCaption), "NetworkAddress")
-                   ? SameIgnoringCase(CurrentText(now), CurrentText(wanted))
+        return SameIgnoringCase(ToUtf8(wanted.keyword), "NetworkAddress")
+                   ? SameIgnoringCase(ValueText(now), ValueText(wanted))
                    : CurrentJson(now) == CurrentJson(wanted);
     }
 
@@ -258,9 +259,9 @@ class SetSetting final : public Command {
         case Target::Outcome::Changed:
         case Target::Outcome::NotTaken:
         case Target::Outcome::Unknown:
-            return target.taken.Text("set to " + CurrentText(*target.setting));
+            return target.taken.Text("set to " + ValueText(*target.setting));
         case Target::Outcome::Unchanged:
-            return "is " + CurrentText(*target.setting) + " already";
+            return "is " + ValueText(*target.setting) + " already";
         case Target::Outcome::ReadOnly:
             return target.caption + " is read only, left alone";
         case Target::Outcome::Missing:
@@ -284,7 +285,7 @@ class SetSetting final : public Command {
     Json AsJson(const std::vector<Target>& targets, std::optional<bool> restartNeeded) const {
         Json list = Json::array();
         for (const Target& target : targets) {
-            list.push_back(Json{{"kind", WordFor(target.owner.kind)},
+            list.push_back(Json{{"kind", WordFor(target.owner)},
                                 {"path", target.owner.path},
                                 {"outcome", NameOf(target.outcome)},
                                 {"warnings", target.warnings},

@@ -3,21 +3,21 @@
 
 #include "texts/Json.h"
 
-#include <quillet/Setting.h>
+#include <quillet/client/Setting.h>
 
 #include <string>
 
 namespace quilletctl {
 
 /// "number", "choice", "slider", "text", "selection" or "list".
-std::string KindText(const CSetting& setting);
+std::string KindText(const quillet::Setting& setting);
 /// The value with its meaning: "Rx & Tx Enabled (3)".
-std::string CurrentText(const CSetting& setting);
-std::string DefaultText(const CSetting& setting);
+std::string ValueText(const quillet::Setting& setting);
+std::string DefaultText(const quillet::Setting& setting);
 /// "80 to 2048 in steps of 8", "Disabled (0), Enabled (1)", "up to 12 characters".
-std::string PossibleText(const CSetting& setting);
+std::string PossibleText(const quillet::Setting& setting);
 
 /// The whole setting.
-Json AsJson(const CSetting& setting);
+Json AsJson(const quillet::Setting& setting);
 
 } // namespace quilletctl

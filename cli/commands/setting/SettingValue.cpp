@@ -4,21 +4,14 @@
 #include "commands/setting/SettingTexts.h"
 #include "ending/Failure.h"
 #include "names/HostName.h"
+#include "texts/Number.h"
 #include "texts/Text.h"
 
-#include <charconv>
 #include <optional>
 
 namespace quilletctl {
 
 namespace {
-
-std::optional<LONG> NumberIn(const std::string& text) {
-    LONG number = 0;
-    const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
-    return read.ec == std::errc() && read.ptr == text.data() + text.size() ? std::optional(number)
-                                                                           : std::nullopt;
-}
 
 std::string Trimmed(const std::string& text) {
     const auto begin = text.find_first_not_of(' ');
@@ -37,14 +30,14 @@ std::vector<std::string> Pieces(const std::string& text, char separator) {
     return pieces;
 }
 
-[[noreturn]] void Reject(const CSetting& setting, const std::string& text) {
-    throw UsageError("\"" + text + "\" is no value of " + ToUtf8(setting.m_wsCaption) + ": " +
+[[noreturn]] void Reject(const quillet::Setting& setting, const std::string& text) {
+    throw UsageError("\"" + text + "\" is no value of " + ToUtf8(setting.keyword) + ": " +
                      PossibleText(setting));
 }
 
 /// Whether a text that the setting takes for an address is one. An empty text is none, and takes it away.
-void CheckAddress(const CSetting& setting, const std::string& text) {
-    const std::string caption = ToUtf8(setting.m_wsCaption);
+void CheckAddress(const quillet::Setting& setting, const std::string& text) {
+    const std::string caption = ToUtf8(setting.keyword);
     if (text.empty()) {
         return;
     }
@@ -59,74 +52,61 @@ void CheckAddress(const CSetting& setting, const std::string& text) {
 }
 
 /// The number that a value's text stands for.
-template <class Choice>
-std::optional<LONG> NumberOfText(const Choice& setting, const std::string& text) {
-    for (std::size_t i = 0; i < setting.m_vecDescriptionMap.size() && i < setting.m_vecPossibleValues.size();
-         ++i) {
-        if (SameIgnoringCase(ToUtf8(setting.m_vecDescriptionMap[i]), text)) {
-            return NumberIn(ToUtf8(setting.m_vecPossibleValues[i]));
+std::optional<std::int32_t> NumberOfText(const std::vector<quillet::Choice>& choices,
+                                         const std::string& text) {
+    for (const quillet::Choice& choice : choices) {
+        if (!choice.text.empty() && SameIgnoringCase(ToUtf8(choice.text), text)) {
+            return NumberIn(ToUtf8(choice.value));
         }
     }
     return std::nullopt;
 }
 
-/// A text of the setting's own wins over the number that it may look like.
-template <class Choice>
-LONG ChosenNumber(const Choice& setting, const std::string& text) {
-    std::optional<LONG> number = NumberOfText(setting, text);
-    if (!number) {
-        number = NumberIn(text);
-    }
-    if (!number) {
-        Reject(setting, text);
-    }
-    return *number;
-}
+/// Takes what was typed over into a value of each kind.
+struct Taker {
+    const quillet::Setting& setting;
+    const std::string& text;
 
-LONG SelectedNumber(const CSettingMultiSelection& setting, const std::string& text) {
-    LONG bits = 0;
-    for (const std::string& piece : Pieces(text, '+')) {
-        bits |= ChosenNumber(setting, Trimmed(piece));
+    void operator()(quillet::NumberValue& value) const { value.current = Number(text); }
+    void operator()(quillet::SliderValue& value) const { value.current = Number(text); }
+    void operator()(quillet::ChoiceValue& value) const { value.current = Chosen(value.choices, text); }
+    void operator()(quillet::SelectionValue& value) const {
+        value.current = 0;
+        for (const std::string& piece : Pieces(text, '+')) {
+            value.current |= Chosen(value.choices, Trimmed(piece));
+        }
     }
-    return bits;
-}
+    void operator()(quillet::TextValue& value) const {
+        CheckAddress(setting, text);
+        value.current = ToWide(text);
+    }
+    void operator()(quillet::TextListValue& value) const {
+        value.current.clear();
+        for (const std::string& piece : Pieces(text, ',')) {
+            value.current.push_back(ToWide(piece));
+        }
+    }
+
+  private:
+    std::int32_t Number(const std::string& piece) const {
+        const std::optional<std::int32_t> number = NumberIn(piece);
+        if (!number) {
+            Reject(setting, piece);
+        }
+        return *number;
+    }
+    /// A text of the setting's own wins over the number that it may look like.
+    std::int32_t Chosen(const std::vector<quillet::Choice>& choices, const std::string& piece) const {
+        const std::optional<std::int32_t> named = NumberOfText(choices, piece);
+        return named ? *named : Number(piece);
+    }
+};
 
 } // namespace
 
-std::unique_ptr<CSetting> WithValue(const CSetting& setting, const std::string& text) {
-    std::unique_ptr<CSetting> changed(setting.Copy());
-    switch (setting.GetSettingType()) {
-    case CSetting::SettingTypeEnum: {
-        auto& choice = static_cast<CSettingEnum&>(*changed);
-        choice.m_lCurrentValue = ChosenNumber(choice, text);
-        break;
-    }
-    case CSetting::SettingTypeMultiSelection: {
-        auto& several = static_cast<CSettingMultiSelection&>(*changed);
-        several.m_lCurrentValue = SelectedNumber(several, text);
-        break;
-    }
-    case CSetting::SettingTypeInt:
-    case CSetting::SettingTypeSlider:
-        if (!NumberIn(text)) {
-            Reject(setting, text);
-        }
-        changed->SetCurrentValue(ToWide(text));
-        break;
-    case CSetting::SettingTypeMultiString: {
-        // Not through the setting's own text form, which drops a list of one.
-        auto& values = static_cast<CSettingMultiString&>(*changed).m_vecCurrentValues;
-        values.clear();
-        for (const std::string& piece : Pieces(text, ',')) {
-            values.push_back(ToWide(piece));
-        }
-        break;
-    }
-    case CSetting::SettingTypeString:
-        CheckAddress(setting, text);
-        changed->SetCurrentValue(ToWide(text));
-        break;
-    }
+quillet::Setting WithValue(const quillet::Setting& setting, const std::string& text) {
+    quillet::Setting changed = setting;
+    std::visit(Taker{setting, text}, changed.value);
     return changed;
 }
 

@@ -1,9 +1,8 @@
 // From what was typed to the value of a setting.
 #pragma once
 
-#include <quillet/Setting.h>
+#include <quillet/client/Setting.h>
 
-#include <memory>
 #include <string>
 
 namespace quilletctl {
@@ -12,6 +11,6 @@ namespace quilletctl {
 /// that text (case does not count); several bits by their texts with "+" between them; lists with "," between
 /// their texts. Whether a number is one that the setting can have is the provider's to say. Throws UsageError
 /// for a text that is neither number nor one of the setting's texts.
-std::unique_ptr<CSetting> WithValue(const CSetting& setting, const std::string& text);
+quillet::Setting WithValue(const quillet::Setting& setting, const std::string& text);
 
 } // namespace quilletctl

@@ -17,6 +17,13 @@ namespace quilletctl {
 
 namespace {
 
+using Members = std::vector<quillet::TeamMember>;
+using Adapters = std::vector<ListedAdapter>;
+
+bool Contains(const Members& members, const quillet::AdapterId& id) {
+    return std::any_of(members.begin(), members.end(), [&](const auto& each) { return each.id == id; });
+}
+
 /// A command that changes the members of a team.
 class ChangeMembers : public Command {
   public:
@@ -27,14 +34,13 @@ class ChangeMembers : public Command {
     }
 
     ExitStatus Run(Invocation& run) final {
-        CQuillet& session = run.Session();
-        const CTeam team = FindTeam(session, m_team);
-        const CTeamedAdapters current = MembersOf(session, team);
-        const CAdapters named = NamedAdapters(session, m_adapters, [&](const ListedAdapter& each) {
-            return Offers(current, ToWide(each.path));
-        });
+        quillet::Session& session = run.Session();
+        const quillet::Team team = FindTeam(session, m_team);
+        const Members current = MembersOf(session, team);
+        const Adapters named = FindAdapters(
+            session, m_adapters, [&](const ListedAdapter& each) { return Offers(current, each.id); });
         TeamProblems problems;
-        const CAdapters changing = Changing(session, team, current, named, problems);
+        const Adapters changing = Changing(session, team, current, named, problems);
         if (problems.Any()) {
             return problems.Report(run);
         }
@@ -42,65 +48,53 @@ class ChangeMembers : public Command {
             return ExitStatus::Done;
         }
         // One by one, so that it is known which ones were changed.
-        const ChangesInTurn changes = ChangeInTurn(run, changing.m_vecItems.size(), [&](std::size_t i) {
-            Change(session, team, *changing.m_vecItems[i]);
-        });
+        const ChangesInTurn changes =
+            ChangeInTurn(run, changing.size(), [&](std::size_t i) { Change(session, team, changing[i]); });
         changes.Settle(run);
         return Answer(run, team, changing, changes, current);
     }
 
-  protected:
-    static bool Contains(const CTeamedAdapters& members, const std::wstring& path) {
-        return std::any_of(members.m_vecItems.begin(), members.m_vecItems.end(),
-                           [&](const CTeamedAdapter* each) { return each->m_wsAdapterID == path; });
-    }
-    static bool Contains(const CAdapters& adapters, const std::wstring& path) {
-        return std::any_of(adapters.m_vecItems.begin(), adapters.m_vecItems.end(),
-                           [&](const CAdapter* each) { return each->m_wsAdapterID == path; });
-    }
-    static std::string NameOf(const CAdapter& adapter) { return ToUtf8(adapter.m_wsName); }
-
   private:
-    /// The named adapters that there is something to do with, each once.
-    virtual CAdapters Changing(CQuillet& session, const CTeam& team, const CTeamedAdapters& current,
-                               const CAdapters& named, TeamProblems& problems) const = 0;
+    /// The named adapters that there is something to do with.
+    virtual Adapters Changing(quillet::Session& session, const quillet::Team& team, const Members& current,
+                              const Adapters& named, TeamProblems& problems) const = 0;
     /// Whether a pattern can choose an adapter.
-    virtual bool Offers(const CTeamedAdapters&, const std::wstring&) const { return true; }
+    virtual bool Offers(const Members&, const quillet::AdapterId&) const { return true; }
     /// Whether the person agrees, where that is asked.
-    virtual bool MayChange(Invocation&, const CTeam&, const CAdapters&) const { return true; }
-    virtual void Change(CQuillet& session, const CTeam& team, const CAdapter& adapter) const = 0;
+    virtual bool MayChange(Invocation&, const quillet::Team&, const Adapters&) const { return true; }
+    virtual void Change(quillet::Session& session, const quillet::Team& team,
+                        const ListedAdapter& adapter) const = 0;
     /// The members that there are to be when these adapters were changed.
-    virtual CAdapters MembersAfter(const CTeamedAdapters& before, const CAdapters& changed) const = 0;
+    virtual std::vector<quillet::AdapterId> MembersAfter(const Members& before,
+                                                         std::vector<quillet::AdapterId> changed) const = 0;
     /// What became of an adapter that was not changed: "not added".
     virtual const char* NotChanged() const = 0;
 
-    ExitStatus Answer(Invocation& run, const CTeam& team, const CAdapters& changing,
-                      const ChangesInTurn& changes, const CTeamedAdapters& before) const {
+    ExitStatus Answer(Invocation& run, const quillet::Team& team, const Adapters& changing,
+                      const ChangesInTurn& changes, const Members& before) const {
         Json done = Json::array();
         Json notDone = Json::array();
-        for (std::size_t i = 0; i < changing.m_vecItems.size(); ++i) {
-            const CAdapter& adapter = *changing.m_vecItems[i];
+        std::vector<quillet::AdapterId> changed;
+        for (std::size_t i = 0; i < changing.size(); ++i) {
+            const ListedAdapter& adapter = changing[i];
             if (i < changes.done) {
-                done.push_back(ToUtf8(adapter.m_wsAdapterID));
+                changed.push_back(adapter.id);
+                done.push_back(adapter.path);
                 continue;
             }
-            notDone.push_back(Json{{"path", ToUtf8(adapter.m_wsAdapterID)}, {"code", changes.CodeOf(i)}});
+            notDone.push_back(Json{{"path", adapter.path}, {"code", changes.CodeOf(i)}});
             if (!run.WantsJson()) {
-                run.Out() << NotChanged() << ": " << Printable(NameOf(adapter)) << '\n';
+                run.Out() << NotChanged() << ": " << Printable(adapter.Called()) << '\n';
             }
         }
-        CAdapters changed;
-        for (std::size_t i = 0; i < changes.done; ++i) {
-            AppendAdapter(changed, changing.m_vecItems[i]->m_wsAdapterID);
-        }
-        const CAdapters wanted = MembersAfter(before, changed);
+        const std::vector<quillet::AdapterId> wanted = MembersAfter(before, std::move(changed));
         const Verification taken = Verification::By(
             [&](Verification& compare) { CompareMembers(compare, MembersOf(run.Session(), team), wanted); });
-        const std::size_t count = wanted.m_vecItems.size();
-        return EndTeamChange(
-            run, team, "change the members of " + Called(team),
-            Called(team) + " has " + std::to_string(count) + (count == 1 ? " member" : " members"),
-            changes.restartNeeded, taken, Json{{"done", std::move(done)}, {"notDone", std::move(notDone)}});
+        return EndTeamChange(run, team, "change the members of " + Called(team),
+                             Called(team) + " has " + std::to_string(wanted.size()) +
+                                 (wanted.size() == 1 ? " member" : " members"),
+                             changes.restartNeeded, taken,
+                             Json{{"done", std::move(done)}, {"notDone", std::move(notDone)}});
     }
 
     std::string m_team;
@@ -108,73 +102,62 @@ class ChangeMembers : public Command {
 };
 
 class AddMembers final : public ChangeMembers {
-    CAdapters Changing(CQuillet& session, const CTeam& team, const CTeamedAdapters& current,
-                       const CAdapters& named, TeamProblems& problems) const override {
-        CAdapters added;
-        for (const CAdapter* adapter : named.m_vecItems) {
-            if (!Contains(current, adapter->m_wsAdapterID) && !Contains(added, adapter->m_wsAdapterID)) {
-                AppendAdapter(added, adapter->m_wsAdapterID, adapter->m_wsName);
-            }
-        }
+    Adapters Changing(quillet::Session& session, const quillet::Team& team, const Members& current,
+                      const Adapters& named, TeamProblems& problems) const override {
         // A member that is there already is no problem; the rest is for the provider to judge.
-        ULONGLONG word = 0;
-        if (!added.m_vecItems.empty()) {
-            ThrowIfRefused(session.ValidateAddAdapters(team.m_wsTeamID, current, added, word),
-                           "check the adapters");
+        Adapters added = named;
+        std::erase_if(added, [&](const ListedAdapter& each) { return Contains(current, each.id); });
+        if (!added.empty()) {
+            problems.Add(Attempt("check the adapters", [&] {
+                return session.ValidateAddedMembers(team.id, current, IdsOf(added));
+            }));
         }
-        problems.Add(word);
         return added;
     }
-    void Change(CQuillet& session, const CTeam& team, const CAdapter& adapter) const override {
-        CAdapters added;
-        AppendAdapter(added, adapter.m_wsAdapterID);
-        ThrowIfRefused(session.ModifyMemberList(team.m_wsTeamID, CTeamedAdapters(), added),
-                       "add " + NameOf(adapter) + " to " + Called(team));
+    void Change(quillet::Session& session, const quillet::Team& team,
+                const ListedAdapter& adapter) const override {
+        Attempt("add " + adapter.Called() + " to " + Called(team),
+                [&] { session.AddMember(team.id, adapter.id); });
     }
-    CAdapters MembersAfter(const CTeamedAdapters& before, const CAdapters& changed) const override {
-        CAdapters after = changed;
-        for (const CTeamedAdapter* member : before.m_vecItems) {
-            AppendAdapter(after, member->m_wsAdapterID);
+    std::vector<quillet::AdapterId> MembersAfter(const Members& before,
+                                                 std::vector<quillet::AdapterId> changed) const override {
+        for (const quillet::TeamMember& member : before) {
+            changed.push_back(member.id);
         }
-        return after;
+        return changed;
     }
     const char* NotChanged() const override { return "not added"; }
 };
 
 class RemoveMembers final : public ChangeMembers {
-    CAdapters Changing(CQuillet&, const CTeam& team, const CTeamedAdapters& current, const CAdapters& named,
-                       TeamProblems&) const override {
-        CAdapters removed;
-        for (const CAdapter* adapter : named.m_vecItems) {
-            if (!Contains(current, adapter->m_wsAdapterID)) {
-                throw UsageError(NameOf(*adapter) + " is no member of " + Called(team));
-            }
-            if (!Contains(removed, adapter->m_wsAdapterID)) {
-                AppendAdapter(removed, adapter->m_wsAdapterID, adapter->m_wsName);
+    Adapters Changing(quillet::Session&, const quillet::Team& team, const Members& current,
+                      const Adapters& named, TeamProblems&) const override {
+        for (const ListedAdapter& adapter : named) {
+            if (!Contains(current, adapter.id)) {
+                throw UsageError(adapter.Called() + " is no member of " + Called(team));
             }
         }
-        return removed;
+        return named;
     }
-    bool Offers(const CTeamedAdapters& current, const std::wstring& path) const override {
-        return Contains(current, path);
+    bool Offers(const Members& current, const quillet::AdapterId& id) const override {
+        return Contains(current, id);
     }
-    bool MayChange(Invocation& run, const CTeam& team, const CAdapters& removed) const override {
-        const std::size_t count = removed.m_vecItems.size();
-        return run.ConfirmChange("Take " + std::to_string(count) + (count == 1 ? " adapter" : " adapters") +
-                                 " out of " + Called(team) + "?");
+    bool MayChange(Invocation& run, const quillet::Team& team, const Adapters& removed) const override {
+        return run.ConfirmChange("Take " + std::to_string(removed.size()) +
+                                 (removed.size() == 1 ? " adapter" : " adapters") + " out of " +
+                                 Called(team) + "?");
     }
-    void Change(CQuillet& session, const CTeam& team, const CAdapter& adapter) const override {
-        CTeamedAdapters removed;
-        removed.m_vecItems.push_back(new CTeamedAdapter);
-        removed.m_vecItems.back()->m_wsAdapterID = adapter.m_wsAdapterID;
-        ThrowIfRefused(session.ModifyMemberList(team.m_wsTeamID, removed, CAdapters()),
-                       "take " + NameOf(adapter) + " out of " + Called(team));
+    void Change(quillet::Session& session, const quillet::Team& team,
+                const ListedAdapter& adapter) const override {
+        Attempt("take " + adapter.Called() + " out of " + Called(team),
+                [&] { session.RemoveMember(team.id, adapter.id); });
     }
-    CAdapters MembersAfter(const CTeamedAdapters& before, const CAdapters& changed) const override {
-        CAdapters after;
-        for (const CTeamedAdapter* member : before.m_vecItems) {
-            if (!Contains(changed, member->m_wsAdapterID)) {
-                AppendAdapter(after, member->m_wsAdapterID);
+    std::vector<quillet::AdapterId> MembersAfter(const Members& before,
+                                                 std::vector<quillet::AdapterId> changed) const override {
+        std::vector<quillet::AdapterId> after;
+        for (const quillet::TeamMember& member : before) {
+            if (std::find(changed.begin(), changed.end(), member.id) == changed.end()) {
+                after.push_back(member.id);
             }
         }
         return after;

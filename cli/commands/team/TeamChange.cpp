@@ -10,18 +10,15 @@
 
 namespace quilletctl {
 
-std::vector<Field> FieldsOf(const CTeam& team) {
-    return {{"name", "its name", ToUtf8(team.m_wsCaption)},
-            {"mode", "its mode", TeamModeText(team.m_eTeamMode)}};
+std::vector<Field> FieldsOf(const quillet::Team& team) {
+    return {{"name", "its name", ToUtf8(team.name)}, {"mode", "its mode", InWords(team.mode)}};
 }
 
-CTeam ReadTeam(CQuillet& session, const CTeam& team) {
-    CTeam read;
-    ThrowIfRefused(session.GetTeamInfo(team.m_wsTeamID, read), "read the team " + Called(team));
-    return read;
+quillet::Team ReadTeam(quillet::Session& session, const quillet::Team& team) {
+    return Attempt("read the team " + Called(team), [&] { return session.ReadTeam(team.id); });
 }
 
-ExitStatus EndTeamChange(Invocation& run, const CTeam& team, const std::string& asked,
+ExitStatus EndTeamChange(Invocation& run, const quillet::Team& team, const std::string& asked,
                          const std::string& done, std::optional<bool> restartNeeded,
                          const Verification& taken, const Json& more) {
     if (run.WantsJson()) {

@@ -6,23 +6,18 @@
 
 #include <nlohmann/json.hpp>
 
+#include <string>
 #include <vector>
 
 namespace quilletctl {
 
-void ThrowUnlessAnswered(HRESULT result, const std::string& asked) {
-    if (result != S_OK) {
-        throw Refusal(asked, result);
-    }
-}
-
 ExitStatus TeamProblems::Report(Invocation& run) const {
     std::vector<std::string> sentences;
-    for (const std::wstring& sentence : CTeamTexts::Problems(m_mask)) {
+    for (const std::wstring& sentence : quillet::Texts(m_problems)) {
         sentences.push_back(ToUtf8(sentence));
     }
     if (run.WantsJson()) {
-        run.Print(Json{{"mask", HexMask(m_mask)}, {"problems", sentences}});
+        run.Print(Json{{"mask", HexMask(m_problems.Mask())}, {"problems", sentences}});
     } else {
         for (const std::string& sentence : sentences) {
             run.Out() << Printable(sentence) << '\n';

@@ -3,26 +3,20 @@
 
 #include "app/Invocation.h"
 
-#include <windows.h>
-
-#include <string>
+#include <quillet/client/Team.h>
 
 namespace quilletctl {
-
-/// Throws Refusal unless the provider answered; its refusal may also be a number of its own, which is no
-/// failure code.
-void ThrowUnlessAnswered(HRESULT result, const std::string& asked);
 
 /// What the library's and the provider's checks found, each as a sentence.
 class TeamProblems {
   public:
-    void Add(ULONGLONG mask) noexcept { m_mask |= mask; }
-    bool Any() const noexcept { return m_mask != 0; }
+    void Add(quillet::Flags<quillet::TeamProblem> problems) noexcept { m_problems |= problems; }
+    bool Any() const noexcept { return m_problems.Any(); }
     /// Answers with the problems instead of the command's own answer.
     ExitStatus Report(Invocation& run) const;
 
   private:
-    ULONGLONG m_mask = 0;
+    quillet::Flags<quillet::TeamProblem> m_problems;
 };
 
 } // namespace quilletctl

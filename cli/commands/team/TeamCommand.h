@@ -17,7 +17,7 @@ class TeamCommand : public Command {
     ExitStatus Run(Invocation& run) final { return RunFor(FindTeam(run.Session(), m_name), run); }
 
   private:
-    virtual ExitStatus RunFor(const CTeam& team, Invocation& run) = 0;
+    virtual ExitStatus RunFor(const quillet::Team& team, Invocation& run) = 0;
 
     std::string m_name;
 };

@@ -17,9 +17,6 @@ namespace quilletctl {
 
 namespace {
 
-/// The object that is asked about a team that is yet to be made: the class.
-const std::wstring kNewTeam = L"Zorel_TeamOfAdapters";
-
 class CreateTeam final : public Command {
   public:
     void Declare(Syntax& syntax) override {
@@ -37,76 +34,75 @@ class CreateTeam final : public Command {
     }
 
     ExitStatus Run(Invocation& run) override {
-        CQuillet& session = run.Session();
-        const CAdapters members = NamedAdapters(session, m_adapters);
-        const CTeam::TeamMode mode = TeamModeFrom(m_mode.value_or("1"));
-        const std::wstring name = Name(session);
+        quillet::Session& session = run.Session();
+        quillet::NewTeam wanted;
+        wanted.members = IdsOf(FindAdapters(session, m_adapters));
+        wanted.mode = TeamModeFrom(m_mode.value_or("1"));
+        wanted.name = Name(session);
+        wanted.profile = static_cast<quillet::Profile>(m_profile);
+        wanted.multiVendor = m_mfo;
+        wanted.linkSecurity = m_linkSecurity;
         if (!m_force) {
-            const TeamProblems problems = Check(session, name, mode, members);
+            const TeamProblems problems = Check(session, wanted);
             if (problems.Any()) {
                 return problems.Report(run);
             }
         }
-        const std::string asked = "create the team " + ToUtf8(name);
+        const std::string asked = "create the team " + ToUtf8(wanted.name);
         ClientSet set(run);
-        CTeam team;
-        const HRESULT result = session.CreateTeam(
-            mode, name, members, team, static_cast<ePERFORMANCE_PROFILE>(m_profile), m_mfo, m_linkSecurity);
-        if (FAILED(result)) {
-            const Refusal refusal(asked, result);
-            if (team.m_wsTeamID.empty()) {
-                throw Refusal(refusal);
+        const quillet::Team team = Attempt(asked, [&] {
+            try {
+                return session.CreateTeam(wanted);
+            } catch (const quillet::PartialError<quillet::Team>& failure) {
+                if (failure.Read().id.IsEmpty()) {
+                    throw;
+                }
+                run.FailAfterAnswer({asked, failure.Code()}); // it was made, and could not be read
+                return failure.Read();
             }
-            run.FailAfterAnswer(refusal); // it was made, and could not be read
-        }
+        });
         const std::optional<bool> restartNeeded = set.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
-            const CTeam now = ReadTeam(session, team);
+            const quillet::Team now = ReadTeam(session, team);
             compare.Compare(FieldsOf(team), FieldsOf(now));
             // What nobody asked for may be as the provider likes it.
             compare.Compare({{"mfo", "adapters of other makers", m_mfo ? Json(true) : Json()},
                              {"linkSecurity", "link security", m_linkSecurity ? Json(true) : Json()}},
-                            {{"mfo", "", now.m_bMFOEnabled}, {"linkSecurity", "", now.m_bLinkSecEnabled}});
-            CompareMembers(compare, MembersOf(session, team), members);
+                            {{"mfo", "", now.multiVendor}, {"linkSecurity", "", now.linkSecurity}});
+            CompareMembers(compare, MembersOf(session, team), wanted.members);
         });
-        return EndTeamChange(run, team, asked, "created the team " + ToUtf8(name), restartNeeded, taken);
+        return EndTeamChange(run, team, asked, "created the team " + ToUtf8(wanted.name), restartNeeded,
+                             taken);
     }
 
   private:
-    std::wstring Name(CQuillet& session) const {
+    std::wstring Name(quillet::Session& session) const {
         if (m_name.empty()) {
             throw UsageError("a name is needed");
         }
-        std::wstring prefix;
-        if (m_prefix) {
-            ThrowIfRefused(session.GetTeamNamePrefix(prefix), "read the prefix of team names");
-        }
+        const std::wstring prefix =
+            m_prefix ? Attempt("read the prefix of team names", [&] { return session.TeamNamePrefix(); })
+                     : std::wstring();
         return prefix + ToWide(m_name);
     }
 
     /// The library's own check, and then the provider's.
-    static TeamProblems Check(CQuillet& session, const std::wstring& name, CTeam::TeamMode mode,
-                              const CAdapters& members) {
-        constexpr int kNameAndMembers = 3;
+    static TeamProblems Check(quillet::Session& session, const quillet::NewTeam& team) {
         TeamProblems problems;
-        problems.Add(session.CreateTeamCheck(mode, name, members, kNameAndMembers));
-        DWORD word = 0;
-        ThrowUnlessAnswered(session.ValidateTeamName(name, kNewTeam, word), "check the name");
-        problems.Add(word);
-        ThrowUnlessAnswered(session.ValidateTeamMode(mode, kNewTeam, word), "check the mode");
-        problems.Add(word);
-        ULONGLONG words = 0;
-        ThrowUnlessAnswered(session.ValidateNewTeamMembers(members, mode, words), "check the members");
-        problems.Add(words);
-        ThrowUnlessAnswered(session.ValidateSettingsOnNewTeam(members, words), "check the members' settings");
-        problems.Add(words);
+        problems.Add(Attempt("check the team", [&] { return session.CheckNewTeam(team); }));
+        problems.Add(Attempt("check the name", [&] { return session.ValidateTeamName(team.name); }));
+        problems.Add(Attempt("check the mode", [&] { return session.ValidateTeamMode(team.mode); }));
+        problems.Add(Attempt("check the members",
+                             [&] { return session.ValidateNewMembers(team.members, team.mode); }));
+        problems.Add(Attempt("check the members' settings",
+                             [&] { return session.ValidateMemberSettings(team.members); }));
         return problems;
     }
 
     std::string m_name;
     std::vector<std::string> m_adapters;
     std::optional<std::string> m_mode;
-    std::uint32_t m_profile = PERFORMANCE_PROFILE_CUSTOM;
+    std::uint32_t m_profile = static_cast<std::uint32_t>(quillet::Profile::Custom);
     bool m_prefix = false;
     bool m_mfo = false;
     bool m_linkSecurity = false;

@@ -12,44 +12,32 @@
 
 namespace quilletctl {
 
-CTeamedAdapters MembersOf(CQuillet& session, const CTeam& team) {
-    CTeamedAdapters members;
-    ThrowIfRefused(session.GetMemberAdapters(team.m_wsTeamID, members),
-                   "list the members of " + Called(team));
-    return members;
+std::vector<quillet::TeamMember> MembersOf(quillet::Session& session, const quillet::Team& team) {
+    return Attempt("list the members of " + Called(team), [&] { return session.Members(team.id); });
 }
 
-CAdapters NamedAdapters(CQuillet& session, const std::vector<std::string>& words,
-                        const AdapterChoice& offered) {
-    CAdapters adapters;
-    for (const ListedAdapter& adapter : FindAdapters(session, words, offered)) {
-        AppendAdapter(adapters, ToWide(adapter.path), ToWide(adapter.Called()));
+std::vector<quillet::AdapterId> IdsOf(const std::vector<ListedAdapter>& adapters) {
+    std::vector<quillet::AdapterId> ids;
+    ids.reserve(adapters.size());
+    for (const ListedAdapter& adapter : adapters) {
+        ids.push_back(adapter.id);
     }
-    return adapters;
+    return ids;
 }
 
-void AppendAdapter(CAdapters& adapters, const std::wstring& path, const std::wstring& name) {
-    adapters.m_vecItems.push_back(new CAdapter);
-    adapters.m_vecItems.back()->m_wsAdapterID = path;
-    adapters.m_vecItems.back()->m_wsName = name;
-}
-
-void CompareMembers(Verification& taken, const CTeamedAdapters& members, const CAdapters& wanted) {
-    const auto isAmong = [](const std::wstring& path, const auto& adapters) {
-        return std::any_of(adapters.m_vecItems.begin(), adapters.m_vecItems.end(), [&](const auto* each) {
-            return NameTheSameObject(ToUtf8(each->m_wsAdapterID), ToUtf8(path));
-        });
-    };
-    for (const CAdapter* adapter : wanted.m_vecItems) {
-        if (!isAmong(adapter->m_wsAdapterID, members)) {
-            const std::string path = ToUtf8(adapter->m_wsAdapterID);
-            taken.Add("members", path, Json(), NameInPath(path).key + " is no member");
+void CompareMembers(Verification& taken, const std::vector<quillet::TeamMember>& members,
+                    const std::vector<quillet::AdapterId>& wanted) {
+    for (const quillet::AdapterId& id : wanted) {
+        if (std::none_of(members.begin(), members.end(),
+                         [&](const auto& each) { return NameTheSameObject(each.id, id); })) {
+            taken.Add("members", PathOf(id), Json(), ObjectIdIn(id) + " is no member");
         }
     }
-    for (const CTeamedAdapter* member : members.m_vecItems) {
-        if (!isAmong(member->m_wsAdapterID, wanted)) {
-            taken.Add("members", Json(), ToUtf8(member->m_wsAdapterID),
-                      ToUtf8(member->m_wsDisplayName) + " is still a member");
+    for (const quillet::TeamMember& member : members) {
+        if (std::none_of(wanted.begin(), wanted.end(),
+                         [&](const auto& each) { return NameTheSameObject(each, member.id); })) {
+            taken.Add("members", Json(), PathOf(member.id),
+                      ToUtf8(member.displayName) + " is still a member");
         }
     }
 }

@@ -4,7 +4,7 @@
 #include "changes/Verification.h"
 #include "names/AdapterLookup.h"
 
-#include <quillet/Quillet.h>
+#include <quillet/client/Session.h>
 
 #include <string>
 #include <vector>
@@ -12,15 +12,12 @@
 namespace quilletctl {
 
 /// Throws Refusal.
-CTeamedAdapters MembersOf(CQuillet& session, const CTeam& team);
+std::vector<quillet::TeamMember> MembersOf(quillet::Session& session, const quillet::Team& team);
 
-/// The adapters that words of the command line name. Throws UsageError, Refusal.
-/// @param offered what a pattern chooses among
-CAdapters NamedAdapters(CQuillet& session, const std::vector<std::string>& words,
-                        const AdapterChoice& offered = {});
-void AppendAdapter(CAdapters& adapters, const std::wstring& path, const std::wstring& name = {});
+std::vector<quillet::AdapterId> IdsOf(const std::vector<ListedAdapter>& adapters);
 
 /// Compares the members of a team with those that it is to have.
-void CompareMembers(Verification& taken, const CTeamedAdapters& members, const CAdapters& wanted);
+void CompareMembers(Verification& taken, const std::vector<quillet::TeamMember>& members,
+                    const std::vector<quillet::AdapterId>& wanted);
 
 } // namespace quilletctl

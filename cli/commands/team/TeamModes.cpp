@@ -1,9 +1,9 @@
 // quilletctl team modes: the modes that adapters can be teamed in.
 #include "app/Answers.h"
-#include "commands/team/TeamChecks.h"
 #include "commands/team/TeamMembers.h"
 #include "commands/team/TeamTexts.h"
 #include "commands/team/TeamVerbs.h"
+#include "names/ObjectPath.h"
 #include "names/TeamLookup.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
@@ -36,60 +36,55 @@ class ListModes final : public Command {
 
   private:
     ExitStatus Compatible(Invocation& run) {
-        CQuillet& session = run.Session();
-        const CAdapters adapters = m_adapters.empty() ? Free(session) : NamedAdapters(session, m_adapters);
-        CTeamWizTeamModes modes;
-        if (!adapters.m_vecItems.empty()) {
-            ThrowIfRefused(session.GetCompatibleTeamModesWithAdapters(adapters, modes, true),
-                           "find the modes of the adapters");
+        quillet::Session& session = run.Session();
+        const std::vector<quillet::AdapterId> adapters =
+            m_adapters.empty() ? Free(session) : IdsOf(FindAdapters(session, m_adapters));
+        std::vector<quillet::OfferedTeamMode> modes;
+        if (!adapters.empty()) {
+            modes =
+                Attempt("find the modes of the adapters", [&] { return session.CommonTeamModes(adapters); });
         }
         Json list = Json::array();
         Table table({{"MODE", Fit::Whole}, {"NAME", Fit::MayShorten}, {"DESCRIPTION", Fit::MayShorten}});
-        for (const CTeamWizTeamMode* mode : modes.m_vecItems) {
-            const std::string description = ToUtf8(mode->m_wsDescription);
-            list.push_back(Coded(mode->m_lTeamMode, description));
-            table.AddRow({std::to_string(mode->m_lTeamMode), TeamModeText(mode->m_lTeamMode), description});
+        for (const quillet::OfferedTeamMode& each : modes) {
+            const auto number = static_cast<std::int32_t>(each.mode);
+            const std::string description = ToUtf8(each.description);
+            list.push_back(Coded(number, description));
+            table.AddRow({std::to_string(number), InWords(each.mode), description});
         }
-        return AnswerList(run, Json{{"adapters", adapters.m_vecItems.size()}, {"modes", std::move(list)}},
-                          table, "these adapters cannot be teamed in any mode");
+        return AnswerList(run, Json{{"adapters", adapters.size()}, {"modes", std::move(list)}}, table,
+                          "these adapters cannot be teamed in any mode");
     }
 
-    static CAdapters Free(CQuillet& session) {
-        CAdapters all;
-        ThrowIfRefused(session.EnumerateAdapters(all), "list the adapters");
-        ThrowIfRefused(session.GetTeamableAdapters(all), "find the adapters that are in no team");
-        CAdapters free;
-        for (const CAdapter* adapter : all.m_vecItems) {
-            if (!adapter->m_bTeamed) {
-                AppendAdapter(free, adapter->m_wsAdapterID);
+    static std::vector<quillet::AdapterId> Free(quillet::Session& session) {
+        const std::vector<quillet::AdapterId> all = IdsOf(ReadAdapters(session));
+        const std::vector<bool> areTeamed =
+            Attempt("find the adapters that are in no team", [&] { return session.AreTeamed(all); });
+        std::vector<quillet::AdapterId> free;
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            if (!areTeamed[i]) {
+                free.push_back(all[i]);
             }
         }
         return free;
     }
 
     ExitStatus Best(Invocation& run) {
-        CQuillet& session = run.Session();
-        const CTeam team = FindTeam(session, *m_team);
-        CTeamWizTeamMode mode;
-        CTeam::TeamAutoDetectStatus status{};
-        unsigned int coverage = 0;
-        ThrowUnlessAnswered(session.GetBestTeamMode(team.m_wsTeamID, mode, status, coverage),
-                            "find the best mode for " + Called(team));
-        const std::string statusText = NumberInWords(status, CTeamTexts::AutoDetectStatus(status));
-        if (run.WantsJson()) {
-            run.Print(Json{{"path", ToUtf8(team.m_wsTeamID)},
-                           {"status", Coded(status, statusText)},
-                           {"coverage", coverage},
-                           {"mode", Coded(mode.m_lTeamMode, ToUtf8(mode.m_wsDescription))}});
-        } else {
-            Sheet()
-                .Add("Detection", statusText)
-                .Add("Coverage", std::to_string(coverage) + " %")
-                .Add("Best mode",
-                     ToUtf8(mode.m_wsDescription) + " (" + std::to_string(mode.m_lTeamMode) + ")")
-                .Print(run.Screen());
-        }
-        return ExitStatus::Done;
+        quillet::Session& session = run.Session();
+        const quillet::Team team = FindTeam(session, *m_team);
+        const auto [best, status, coverage] = Attempt("find the best mode for " + Called(team),
+                                                      [&] { return session.FindBestTeamMode(team.id); });
+        const auto mode = static_cast<std::int32_t>(best.mode);
+        const std::string description = ToUtf8(best.description);
+        return AnswerSheet(run,
+                           Json{{"path", PathOf(team.id)},
+                                {"status", Coded(status)},
+                                {"coverage", coverage},
+                                {"mode", Coded(mode, description)}},
+                           Sheet()
+                               .Add("Detection", InWords(status))
+                               .Add("Coverage", std::to_string(coverage) + " %")
+                               .Add("Best mode", description + " (" + std::to_string(mode) + ")"));
     }
 
     std::vector<std::string> m_adapters;

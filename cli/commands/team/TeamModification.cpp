@@ -26,38 +26,35 @@ class ModifyTeam final : public TeamCommand {
     }
 
   private:
-    ExitStatus RunFor(const CTeam& team, Invocation& run) override {
+    ExitStatus RunFor(const quillet::Team& team, Invocation& run) override {
         if (!m_newName && !m_mode) {
             throw UsageError("nothing to change: --name or --mode is needed");
         }
-        CQuillet& session = run.Session();
-        CTeam changed = team;
+        quillet::Session& session = run.Session();
+        quillet::Team changed = team;
         TeamProblems problems;
-        DWORD word = 0;
         if (m_newName) {
-            changed.m_wsCaption = ToWide(*m_newName);
-            ThrowUnlessAnswered(session.ValidateTeamName(changed.m_wsCaption, team.m_wsTeamID, word),
-                                "check the name");
-            problems.Add(word);
+            changed.name = ToWide(*m_newName);
+            problems.Add(
+                Attempt("check the name", [&] { return session.ValidateTeamName(changed.name, team.id); }));
         }
         if (m_mode) {
-            changed.m_eTeamMode = TeamModeFrom(*m_mode);
-            ThrowUnlessAnswered(session.ValidateTeamMode(changed.m_eTeamMode, team.m_wsTeamID, word),
-                                "check the mode");
-            problems.Add(word);
+            changed.mode = TeamModeFrom(*m_mode);
+            problems.Add(
+                Attempt("check the mode", [&] { return session.ValidateTeamMode(changed.mode, team.id); }));
         }
         if (problems.Any()) {
             return problems.Report(run);
         }
         const std::string asked = "change " + Called(team);
         ClientSet set(run);
-        ThrowIfRefused(session.ModifyTeamInfo(team.m_wsTeamID, changed), asked);
+        Attempt(asked, [&] { session.ModifyTeam(team.id, changed.name, changed.mode); });
         const std::optional<bool> restartNeeded = set.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
-            const CTeam now = ReadTeam(session, team);
+            const quillet::Team now = ReadTeam(session, team);
             compare.Compare(FieldsOf(changed), FieldsOf(now));
-            changed.m_wsCaption = now.m_wsCaption;
-            changed.m_eTeamMode = now.m_eTeamMode;
+            changed.name = now.name;
+            changed.mode = now.mode;
         });
         return EndTeamChange(run, changed, asked, "changed " + Called(team), restartNeeded, taken);
     }
@@ -67,20 +64,19 @@ class ModifyTeam final : public TeamCommand {
 };
 
 class DeleteTeam final : public TeamCommand {
-    ExitStatus RunFor(const CTeam& team, Invocation& run) override {
+    ExitStatus RunFor(const quillet::Team& team, Invocation& run) override {
         if (!run.ConfirmChange("Delete the team " + Called(team) + " and its VLANs?")) {
             return ExitStatus::Done;
         }
-        CQuillet& session = run.Session();
+        quillet::Session& session = run.Session();
         const std::string asked = "delete " + Called(team);
         ClientSet set(run);
-        ThrowIfRefused(session.RemoveTeam(team.m_wsTeamID), asked);
+        Attempt(asked, [&] { session.RemoveTeam(team.id); });
         const std::optional<bool> restartNeeded = set.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
-            const CTeams teams = ReadTeams(session);
-            for (const CTeam* each : teams.m_vecItems) {
-                if (NameTheSameObject(ToUtf8(each->m_wsTeamID), ToUtf8(team.m_wsTeamID))) {
-                    compare.Add("path", Json(), ToUtf8(each->m_wsTeamID), "the team is still there");
+            for (const quillet::Team& each : ReadTeams(session)) {
+                if (NameTheSameObject(each.id, team.id)) {
+                    compare.Add("path", Json(), PathOf(each.id), "the team is still there");
                 }
             }
         });

@@ -18,6 +18,8 @@ namespace quilletctl {
 
 namespace {
 
+using quillet::MemberRole;
+
 class MakePrimary final : public Command {
   public:
     void Declare(Syntax& syntax) override {
@@ -30,34 +32,36 @@ class MakePrimary final : public Command {
         if (m_secondary && m_none) {
             throw UsageError("--secondary: not together with --none");
         }
-        CQuillet& session = run.Session();
+        quillet::Session& session = run.Session();
         const ListedAdapter adapter = FindAdapter(session, m_adapter);
-        const LONG role = m_none ? 0 : m_secondary ? 2 : kPrimary;
+        const MemberRole role = m_none        ? MemberRole::NotAssigned
+                                : m_secondary ? MemberRole::Secondary
+                                              : MemberRole::Primary;
         const std::string asked = "change the role of " + adapter.Called();
         ClientSet set(run);
-        const HRESULT result = session.SetTeamedAdapterPriority(ToWide(adapter.path), role);
-        if (FAILED(result)) {
-            const bool isUnexplained = result == static_cast<HRESULT>(WBEM_E_FAILED);
-            throw Refusal(asked, result,
+        try {
+            session.SetRole(adapter.id, role);
+        } catch (const quillet::Error& failure) {
+            const bool isUnexplained = failure.Code() == static_cast<HRESULT>(WBEM_E_FAILED);
+            throw Refusal(asked, failure.Code(),
                           isUnexplained && !IsInTeam(session, adapter) ? "the adapter is in no team" : "");
         }
         const std::optional<bool> restartNeeded = set.Close();
-        std::optional<LONG> now;
+        std::optional<MemberRole> now;
         const Verification taken = Verification::By([&](Verification& compare) {
             now = RoleOf(session, adapter);
-            compare.Compare({{"role", "its role", MemberRoleText(role)}},
-                            {{"role", "", now ? Json(MemberRoleText(*now)) : Json()}});
+            compare.Compare({{"role", "its role", InWords(role)}},
+                            {{"role", "", now ? Json(InWords(*now)) : Json()}});
         });
         if (run.WantsJson()) {
-            const LONG told = now.value_or(role);
             Json answer{{"path", adapter.path},
-                        {"role", Coded(told, MemberRoleText(told))},
-                        {"primary", now ? Json(*now == kPrimary) : Json()},
+                        {"role", Coded(now.value_or(role))},
+                        {"primary", now ? Json(*now == MemberRole::Primary) : Json()},
                         {"restartNeeded", RestartJson(restartNeeded)}};
             taken.AddTo(answer);
             run.Print(answer);
         } else {
-            run.Out() << Printable(adapter.Called() + ": " + taken.Text(MemberRoleText(role))) << ": "
+            run.Out() << Printable(adapter.Called() + ": " + taken.Text(InWords(role))) << ": "
                       << RestartText(restartNeeded) << '\n';
         }
         taken.End(asked);
@@ -65,23 +69,21 @@ class MakePrimary final : public Command {
     }
 
   private:
-    static constexpr LONG kPrimary = 1;
-
     /// What cannot be read counts as yes: it must not be told as the reason of something.
-    static bool IsInTeam(CQuillet& session, const ListedAdapter& adapter) {
-        CAdapters one;
-        AppendAdapter(one, ToWide(adapter.path));
-        return FAILED(session.GetTeamableAdapters(one)) || one.m_vecItems.front()->m_bTeamed;
+    static bool IsInTeam(quillet::Session& session, const ListedAdapter& adapter) {
+        try {
+            return session.AreTeamed({&adapter.id, 1}).front();
+        } catch (const quillet::Error&) {
+            return true;
+        }
     }
 
     /// Nothing for an adapter that is in no team any more.
-    static std::optional<LONG> RoleOf(CQuillet& session, const ListedAdapter& adapter) {
-        const CTeams teams = ReadTeams(session);
-        for (const CTeam* team : teams.m_vecItems) {
-            const CTeamedAdapters members = MembersOf(session, *team);
-            for (const CTeamedAdapter* member : members.m_vecItems) {
-                if (NameTheSameObject(ToUtf8(member->m_wsAdapterID), adapter.path)) {
-                    return member->m_lMemberRole;
+    static std::optional<MemberRole> RoleOf(quillet::Session& session, const ListedAdapter& adapter) {
+        for (const quillet::Team& team : ReadTeams(session)) {
+            for (const quillet::TeamMember& member : MembersOf(session, team)) {
+                if (NameTheSameObject(member.id, adapter.id)) {
+                    return member.role;
                 }
             }
         }

@@ -2,12 +2,12 @@
 #include "commands/team/TeamCommand.h"
 #include "commands/team/TeamTexts.h"
 #include "commands/team/TeamVerbs.h"
+#include "names/ObjectPath.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -17,6 +17,10 @@ namespace quilletctl {
 
 namespace {
 
+using quillet::SwitchCommand;
+using quillet::SwitchTest;
+using quillet::SwitchTestStatus;
+
 class TestSwitch final : public TeamCommand {
   public:
     void Declare(Syntax& syntax) override {
@@ -25,72 +29,55 @@ class TestSwitch final : public TeamCommand {
     }
 
   private:
-    struct Result {
-        CTeam::SwitchCmdStatus status{};
-        std::vector<std::wstring> causes, solutions;
-        std::vector<int> causeIds, solutionIds;
-    };
-
-    ExitStatus RunFor(const CTeam& team, Invocation& run) override {
-        CQuillet& session = run.Session();
-        if (session.TestSwitchSupport(team.m_eTeamMode) == 0) {
-            throw UsageError(Called(team) + ": " + TeamModeText(team.m_eTeamMode) +
+    ExitStatus RunFor(const quillet::Team& team, Invocation& run) override {
+        quillet::Session& session = run.Session();
+        if (!quillet::HasSwitchTest(team.mode)) {
+            throw UsageError(Called(team) + ": " + InWords(team.mode) +
                              " asks nothing of the switch, so there is nothing to test");
         }
         run.HoldInterrupts();
         const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(m_seconds);
-        Result result = Send(session, team, CTeam::SwitchCmdStart);
-        while (result.status == CTeam::SwitchCmdStatusRunning) {
+        SwitchTest test = Send(session, team, SwitchCommand::Start);
+        while (test.status == SwitchTestStatus::Running) {
             if (!run.MayGoOn()) {
-                result = Send(session, team, CTeam::SwitchCmdStop);
+                test = Send(session, team, SwitchCommand::Stop);
                 break;
             }
             if (std::chrono::steady_clock::now() >= until) {
-                Send(session, team, CTeam::SwitchCmdStop);
+                Send(session, team, SwitchCommand::Stop);
                 throw Refusal("test the switch of " + Called(team) + " in time",
                               static_cast<HRESULT>(WBEM_E_TIMED_OUT));
             }
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
-            result = Send(session, team, CTeam::SwitchCmdQuery);
+            test = Send(session, team, SwitchCommand::Query);
         }
-        Print(run, team, result);
-        return result.status == CTeam::SwitchCmdStatusPassed ? ExitStatus::Done : ExitStatus::Findings;
+        Print(run, team, test);
+        return test.status == SwitchTestStatus::Passed ? ExitStatus::Done : ExitStatus::Findings;
     }
 
-    static Result Send(CQuillet& session, const CTeam& team, CTeam::SwitchCmd command) {
-        Result result;
-        ThrowIfRefused(session.TestSwitchConfiguration(team.m_wsTeamID, command, result.status, result.causes,
-                                                       result.solutions, result.causeIds, result.solutionIds),
-                       "test the switch of " + Called(team));
-        return result;
+    static SwitchTest Send(quillet::Session& session, const quillet::Team& team, SwitchCommand command) {
+        return Attempt("test the switch of " + Called(team),
+                       [&] { return session.TestSwitch(team.id, command); });
     }
 
-    /// The text or number at a place; lists of the provider's need not be of one length.
-    template <class Value>
-    static Value At(const std::vector<Value>& values, std::size_t place) {
-        return place < values.size() ? values[place] : Value();
-    }
-
-    static void Print(Invocation& run, const CTeam& team, const Result& result) {
-        const std::string status = NumberInWords(result.status, CTeamTexts::SwitchCmdStatus(result.status));
-        const std::size_t count = std::max(result.causes.size(), result.solutions.size());
+    static void Print(Invocation& run, const quillet::Team& team, const SwitchTest& test) {
         if (run.WantsJson()) {
             Json troubles = Json::array();
-            for (std::size_t i = 0; i < count; ++i) {
-                troubles.push_back(Json{{"cause", ToUtf8(At(result.causes, i))},
-                                        {"causeId", At(result.causeIds, i)},
-                                        {"solution", ToUtf8(At(result.solutions, i))},
-                                        {"solutionId", At(result.solutionIds, i)}});
+            for (const quillet::SwitchTrouble& trouble : test.troubles) {
+                troubles.push_back(Json{{"cause", ToUtf8(trouble.cause)},
+                                        {"causeId", trouble.causeId},
+                                        {"solution", ToUtf8(trouble.solution)},
+                                        {"solutionId", trouble.solutionId}});
             }
-            run.Print(Json{{"path", ToUtf8(team.m_wsTeamID)},
-                           {"status", Coded(result.status, status)},
+            run.Print(Json{{"path", PathOf(team.id)},
+                           {"status", Coded(test.status)},
                            {"troubles", std::move(troubles)}});
             return;
         }
-        run.Out() << "the test of the switch: " << status << '\n';
-        for (std::size_t i = 0; i < count; ++i) {
-            run.Out() << Printable(ToUtf8(At(result.causes, i))) << '\n'
-                      << "  " << Printable(ToUtf8(At(result.solutions, i))) << '\n';
+        run.Out() << "the test of the switch: " << InWords(test.status) << '\n';
+        for (const quillet::SwitchTrouble& trouble : test.troubles) {
+            run.Out() << Printable(ToUtf8(trouble.cause)) << '\n'
+                      << "  " << Printable(ToUtf8(trouble.solution)) << '\n';
         }
     }
 

@@ -29,46 +29,40 @@ class NewVlans : public Command {
     }
 
     ExitStatus Run(Invocation& run) final {
-        CVLANs wanted = Wanted();
-        CQuillet& session = run.Session();
+        const std::vector<quillet::NewVlan> wanted = Wanted();
+        quillet::Session& session = run.Session();
         const VlanParent parent = FindVlanParent(session, m_parent);
         return End(run, parent, wanted, Check(session, parent, wanted));
     }
 
   private:
     /// What is done once it is known what stands in the way.
-    virtual ExitStatus End(Invocation& run, const VlanParent& parent, CVLANs& wanted,
-                           const VlanFindings& findings) = 0;
+    virtual ExitStatus End(Invocation& run, const VlanParent& parent,
+                           const std::vector<quillet::NewVlan>& wanted, const VlanFindings& findings) = 0;
 
     /// What the command line asks for.
-    CVLANs Wanted() const {
-        const LONG first = VlanNumberIn(m_id);
-        const LONG last = m_through ? VlanNumberIn(*m_through) : first;
-        constexpr LONG kMost = 4095;
+    std::vector<quillet::NewVlan> Wanted() const {
+        const std::int32_t first = VlanNumberIn(m_id);
+        const std::int32_t last = m_through ? VlanNumberIn(*m_through) : first;
+        constexpr std::int32_t kMost = 4095;
         if (last < first || last - first >= kMost) {
             throw UsageError("--through: an ID from " + m_id + " on is needed");
         }
-        CVLANs wanted;
-        for (LONG number = first; number <= last; ++number) {
-            auto vlan = std::make_unique<CVLAN>();
-            vlan->m_lVLANNumber = number;
-            vlan->m_wsVLANName = ToWide(m_through ? m_name + ' ' + std::to_string(number) : m_name);
-            wanted.m_vecItems.push_back(vlan.get());
-            static_cast<void>(vlan.release()); // the list owns it
+        std::vector<quillet::NewVlan> wanted;
+        for (std::int32_t number = first; number <= last; ++number) {
+            wanted.push_back({number, ToWide(m_through ? m_name + ' ' + std::to_string(number) : m_name)});
         }
         return wanted;
     }
 
-    static VlanFindings Check(CQuillet& session, const VlanParent& parent, const CVLANs& wanted) {
+    static VlanFindings Check(quillet::Session& session, const VlanParent& parent,
+                              const std::vector<quillet::NewVlan>& wanted) {
         VlanFindings findings;
         CheckParent(session, parent, findings);
-        if (wanted.m_vecItems.size() == 1) {
-            findings.Add(CheckVlan(session, parent, *wanted.m_vecItems.front()));
-        } else {
-            const std::wstring path = ToWide(parent.path);
-            findings.Add(parent.isTeam ? session.CreateMultipleVLANTeamCheck(path, wanted)
-                                       : session.CreateMultipleVLANAdapterCheck(path, wanted));
-        }
+        findings.Add(Attempt("check the VLANs of " + parent.name, [&] {
+            return wanted.size() == 1 ? session.CheckVlan(parent.id, wanted.front())
+                                      : session.CheckVlans(parent.id, wanted);
+        }));
         return findings;
     }
 
@@ -79,7 +73,7 @@ class NewVlans : public Command {
 };
 
 class CheckVlans final : public NewVlans {
-    ExitStatus End(Invocation& run, const VlanParent& parent, CVLANs&,
+    ExitStatus End(Invocation& run, const VlanParent& parent, const std::vector<quillet::NewVlan>&,
                    const VlanFindings& findings) override {
         if (run.WantsJson()) {
             run.Print(Json{{"parent", AsJson(parent)}, {"problems", findings.AsJson()}});
@@ -93,71 +87,63 @@ class CheckVlans final : public NewVlans {
 };
 
 class AddVlans final : public NewVlans {
-    ExitStatus End(Invocation& run, const VlanParent& parent, CVLANs& wanted,
+    ExitStatus End(Invocation& run, const VlanParent& parent, const std::vector<quillet::NewVlan>& wanted,
                    const VlanFindings& findings) override {
         if (!findings.sentences.empty()) {
             return EndUnchanged(run, parent, findings);
         }
-        CQuillet& session = run.Session();
-        const CVLANs asked = wanted; // adding fills the records with what the provider made of them
-        ChangesInTurn adding = ChangeInTurn(run, wanted.m_vecItems.size(), [&](std::size_t i) {
-            Add(session, parent, *wanted.m_vecItems[i]);
+        std::vector<quillet::Vlan> made;
+        ChangesInTurn adding = ChangeInTurn(run, wanted.size(), [&](std::size_t i) {
+            made.push_back(Attempt("add " + Called(wanted[i]) + " to " + parent.name,
+                                   [&] { return run.Session().AddVlan(parent.id, wanted[i]); }));
         });
-        if (adding.refusal && IsThere(run, parent, *wanted.m_vecItems[adding.done])) {
-            ++adding.done;
+        if (adding.refusal) {
+            if (const auto there = Look(run, parent, wanted[adding.done].id)) {
+                made.push_back(*there);
+                ++adding.done;
+            }
         }
         adding.Settle(run);
-        return Answer(run, parent, asked, wanted, adding);
+        return Answer(run, parent, wanted, made, adding);
     }
 
-    static void Add(CQuillet& session, const VlanParent& parent, CVLAN& vlan) {
-        const std::wstring path = ToWide(parent.path);
-        ThrowIfRefused(parent.isTeam ? session.AddVLANToTeam(path, vlan)
-                                     : session.AddVLANToAdapter(path, vlan),
-                       "add " + Called(vlan) + " to " + parent.name);
-    }
-
-    /// Whether a VLAN that was refused was made all the same, and could only not be read. Then reads it.
-    static bool IsThere(Invocation& run, const VlanParent& parent, CVLAN& vlan) {
+    /// A VLAN that was refused, where it was made all the same, and could only not be read.
+    static std::optional<quillet::Vlan> Look(Invocation& run, const VlanParent& parent, std::int32_t number) {
         try {
-            const std::optional<CVLAN> there = LookForVlan(run.Session(), parent, vlan.m_lVLANNumber);
-            vlan = there.value_or(vlan);
-            return there.has_value();
+            return LookForVlan(run.Session(), parent, number);
         } catch (const Refusal& unknown) {
             run.FailAfterAnswer(unknown);
-            return false;
+            return std::nullopt;
         }
     }
 
-    /// @param asked what was to be added; `made` holds what the provider told of it
-    static ExitStatus Answer(Invocation& run, const VlanParent& parent, const CVLANs& asked,
-                             const CVLANs& made, const ChangesInTurn& adding) {
-        CVLANs there = made;
+    /// @param wanted what was to be added; `made` holds what the provider told of the first ones, which were
+    static ExitStatus Answer(Invocation& run, const VlanParent& parent,
+                             const std::vector<quillet::NewVlan>& wanted,
+                             const std::vector<quillet::Vlan>& made, const ChangesInTurn& adding) {
+        std::vector<quillet::Vlan> there = made;
         const Verification taken = Verification::By([&](Verification& compare) {
-            const CVLANs now = ReadVlans(run.Session(), parent);
-            there.RemoveAll();
-            for (std::size_t i = 0; i < made.m_vecItems.size(); ++i) {
-                const CVLAN* vlan = i < adding.done ? VlanAt(made.m_vecItems[i]->m_wsVLANID, now) : nullptr;
-                if (i < adding.done) {
-                    CompareVlan(compare, *asked.m_vecItems[i], vlan);
+            const std::vector<quillet::Vlan> now = ReadVlans(run.Session(), parent);
+            there.clear();
+            for (std::size_t i = 0; i < made.size(); ++i) {
+                const quillet::Vlan* vlan = VlanAt(made[i].id, now);
+                CompareVlan(compare, wanted[i], vlan);
+                if (vlan != nullptr) {
+                    there.push_back(*vlan);
                 }
-                there.m_vecItems.push_back(vlan == nullptr ? nullptr : new CVLAN(*vlan));
             }
         });
         Json added = Json::array();
         Json missing = Json::array();
         std::string lines;
-        for (std::size_t i = 0; i < there.m_vecItems.size(); ++i) {
-            if (i >= adding.done) {
-                const CVLAN& vlan = *asked.m_vecItems[i];
-                missing.push_back(Json{{"number", vlan.m_lVLANNumber},
-                                       {"name", ToUtf8(vlan.m_wsVLANName)},
-                                       {"code", adding.CodeOf(i)}});
-                lines += Printable("not added: " + Called(vlan)) + '\n';
-            } else if (const CVLAN* vlan = there.m_vecItems[i]) {
-                added.push_back(AsJson(*vlan));
-                lines += Printable("added " + Called(*vlan) + " to " + parent.name) + '\n';
-            }
+        for (const quillet::Vlan& vlan : there) {
+            added.push_back(AsJson(vlan));
+            lines += Printable("added " + Called(vlan) + " to " + parent.name) + '\n';
+        }
+        for (std::size_t i = adding.done; i < wanted.size(); ++i) {
+            missing.push_back(
+                Json{{"number", wanted[i].id}, {"name", ToUtf8(wanted[i].name)}, {"code", adding.CodeOf(i)}});
+            lines += Printable("not added: " + Called(wanted[i])) + '\n';
         }
         if (run.WantsJson()) {
             Json answer{{"parent", AsJson(parent)},

@@ -23,7 +23,7 @@ class ListVlans final : public Command {
     }
 
     ExitStatus Run(Invocation& run) override {
-        CQuillet& session = run.Session();
+        quillet::Session& session = run.Session();
         const std::vector<VlanParent> parents =
             m_parents.empty() ? ReadVlanParents(session) : FindVlanParents(session, m_parents.front());
         Json list = Json::array();
@@ -33,13 +33,12 @@ class ListVlans final : public Command {
                      {"STATUS", Fit::Whole},
                      {"OBJECT ID", Fit::Whole}});
         for (const VlanParent& parent : parents) {
-            const CVLANs vlans = ReadVlans(session, parent);
-            for (const CVLAN* vlan : vlans.m_vecItems) {
+            for (const quillet::Vlan& vlan : ReadVlans(session, parent)) {
                 Json entry{{"parent", AsJson(parent)}};
-                entry.update(AsJson(*vlan));
+                entry.update(AsJson(vlan));
                 list.push_back(std::move(entry));
-                table.AddRow({parent.name, NumberText(*vlan), ToUtf8(vlan->m_wsVLANName), StatusText(*vlan),
-                              ToUtf8(vlan->m_wsName)});
+                table.AddRow({parent.name, NumberText(vlan), ToUtf8(vlan.name), StatusText(vlan),
+                              ToUtf8(vlan.objectId)});
             }
         }
         return AnswerList(run, Json{{"vlans", std::move(list)}}, table, "no VLANs");

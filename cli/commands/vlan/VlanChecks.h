@@ -5,7 +5,7 @@
 #include "names/VlanParent.h"
 #include "texts/Json.h"
 
-#include <quillet/Quillet.h>
+#include <quillet/client/Session.h>
 
 #include <ostream>
 #include <string>
@@ -14,22 +14,20 @@
 namespace quilletctl {
 
 /// A VLAN ID as it was typed; whether it is in range is for the checks to say. Throws UsageError.
-LONG VlanNumberIn(const std::string& text);
+std::int32_t VlanNumberIn(const std::string& text);
 
 /// What was found, each as a sentence.
 struct VlanFindings {
-    ULONGLONG mask = 0;
+    quillet::Flags<quillet::VlanProblem> problems;
     std::vector<std::string> sentences;
 
-    void Add(ULONGLONG problems);
+    void Add(quillet::Flags<quillet::VlanProblem> found);
     Json AsJson() const;
     void Print(std::ostream& out) const;
 };
 
 /// Whether the parent takes VLANs at all. Throws Refusal.
-void CheckParent(CQuillet& session, const VlanParent& parent, VlanFindings& findings);
-/// Checks one VLAN, tagged or not, beside those of its parent.
-ULONGLONG CheckVlan(CQuillet& session, const VlanParent& parent, const CVLAN& vlan);
+void CheckParent(quillet::Session& session, const VlanParent& parent, VlanFindings& findings);
 
 /// The end of a command that changes nothing because of what it found.
 ExitStatus EndUnchanged(Invocation& run, const VlanParent& parent, const VlanFindings& findings);

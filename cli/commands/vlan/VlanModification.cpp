@@ -26,13 +26,13 @@ class ExistingVlan : public Command {
                         "The VLAN: its ID (0 for the untagged one), name, caption, object ID or object path");
     }
     ExitStatus Run(Invocation& run) final {
-        CQuillet& session = run.Session();
+        quillet::Session& session = run.Session();
         const VlanParent parent = FindVlanParent(session, m_parent);
         return RunFor(parent, FindVlan(session, parent, m_vlan), run);
     }
 
   private:
-    virtual ExitStatus RunFor(const VlanParent& parent, const CVLAN& vlan, Invocation& run) = 0;
+    virtual ExitStatus RunFor(const VlanParent& parent, const quillet::Vlan& vlan, Invocation& run) = 0;
 
     std::string m_parent;
     std::string m_vlan;
@@ -47,35 +47,33 @@ class ModifyVlan final : public ExistingVlan {
     }
 
   private:
-    ExitStatus RunFor(const VlanParent& parent, const CVLAN& vlan, Invocation& run) override {
+    ExitStatus RunFor(const VlanParent& parent, const quillet::Vlan& vlan, Invocation& run) override {
         if (!m_name && !m_newId) {
             throw UsageError("a new name or a new ID is needed: --name, --id");
         }
-        CVLAN changed = vlan;
-        changed.m_wsVLANName = m_name ? ToWide(*m_name) : vlan.m_wsVLANName;
-        changed.m_lVLANNumber = m_newId ? VlanNumberIn(*m_newId) : vlan.m_lVLANNumber;
-        CQuillet& session = run.Session();
+        const quillet::NewVlan wanted{m_newId ? VlanNumberIn(*m_newId) : vlan.number,
+                                      m_name ? ToWide(*m_name) : vlan.name};
+        quillet::Session& session = run.Session();
         VlanFindings findings;
         // The untagged VLAN under a new name is in nobody's way: it would only meet itself.
-        if (changed.m_lVLANNumber != 0 || vlan.m_lVLANNumber != 0) {
-            session.SetVlanIsModify(true);
-            findings.Add(CheckVlan(session, parent, changed));
-            session.SetVlanIsModify(false);
+        if (wanted.id != 0 || vlan.number != 0) {
+            findings.Add(Attempt("check " + Called(wanted),
+                                 [&] { return session.CheckVlanChange(parent.id, vlan, wanted); }));
         }
         if (!findings.sentences.empty()) {
             return EndUnchanged(run, parent, findings);
         }
         const std::string asked = "change " + Called(vlan) + " of " + parent.name;
         ClientSet set(run);
-        ThrowIfRefused(session.ModifyVLANProperty(vlan.m_wsVLANID, changed), asked);
+        Attempt(asked, [&] { session.ModifyVlan(vlan.id, wanted); });
         const std::optional<bool> restartNeeded = set.Close();
         // As it is now, for the provider may have taken it differently.
-        CVLAN now = changed;
+        quillet::Vlan now = vlan;
+        now.number = wanted.id;
+        now.name = wanted.name;
         const Verification taken = Verification::By([&](Verification& compare) {
-            CVLAN read;
-            ThrowIfRefused(session.GetVLANInfo(vlan.m_wsVLANID, read), "read " + Called(changed));
-            now = read;
-            CompareVlan(compare, changed, &now);
+            now = Attempt("read " + Called(wanted), [&] { return session.ReadVlan(vlan.id); });
+            CompareVlan(compare, wanted, &now);
         });
         if (run.WantsJson()) {
             Json answer{{"parent", AsJson(parent)},
@@ -99,19 +97,19 @@ class ModifyVlan final : public ExistingVlan {
 };
 
 class RemoveVlan final : public ExistingVlan {
-    ExitStatus RunFor(const VlanParent& parent, const CVLAN& vlan, Invocation& run) override {
+    ExitStatus RunFor(const VlanParent& parent, const quillet::Vlan& vlan, Invocation& run) override {
         if (!run.ConfirmChange("Remove " + Called(vlan) + " from " + parent.name + "?")) {
             return ExitStatus::Done;
         }
-        CQuillet& session = run.Session();
+        quillet::Session& session = run.Session();
         const std::string asked = "remove " + Called(vlan) + " from " + parent.name;
         ClientSet set(run);
-        ThrowIfRefused(session.RemoveVLAN(vlan.m_wsVLANID), asked);
+        Attempt(asked, [&] { session.RemoveVlan(vlan.id); });
         const std::optional<bool> restartNeeded = set.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
-            const CVLANs vlans = ReadVlans(session, parent);
-            if (const CVLAN* now = VlanAt(vlan.m_wsVLANID, vlans)) {
-                compare.Add("number", Json(), now->m_lVLANNumber, Called(*now) + " is still there");
+            const std::vector<quillet::Vlan> vlans = ReadVlans(session, parent);
+            if (const quillet::Vlan* now = VlanAt(vlan.id, vlans)) {
+                compare.Add("number", Json(), now->number, Called(*now) + " is still there");
             }
         });
         if (run.WantsJson()) {

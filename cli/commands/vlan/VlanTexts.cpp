@@ -2,51 +2,47 @@
 #include "commands/vlan/VlanTexts.h"
 
 #include "names/ObjectPath.h"
+#include "texts/InWords.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
-
-#include <quillet/VLANTexts.h>
 
 #include <algorithm>
 
 namespace quilletctl {
 
-std::string StatusText(const CVLAN& vlan) {
-    const std::wstring text = CVLANTexts::Status(vlan.m_eStatus);
-    return text.empty() ? "code " + std::to_string(vlan.m_eStatus) : ToUtf8(text);
+std::string StatusText(const quillet::Vlan& vlan) {
+    return InWords(vlan.status);
 }
 
 Json AsJson(const VlanParent& parent) {
-    return Json{{"kind", parent.isTeam ? "team" : "adapter"},
+    return Json{{"kind", parent.IsTeam() ? "team" : "adapter"},
                 {"path", parent.path},
                 {"objectId", TextOrNull(parent.objectId)},
                 {"name", parent.name}};
 }
 
-Json AsJson(const CVLAN& vlan) {
-    return Json{{"path", ToUtf8(vlan.m_wsVLANID)},     {"objectId", ToUtf8(vlan.m_wsName)},
-                {"number", vlan.m_lVLANNumber},        {"name", ToUtf8(vlan.m_wsVLANName)},
-                {"caption", ToUtf8(vlan.m_wsCaption)}, {"status", Coded(vlan.m_eStatus, StatusText(vlan))}};
+Json AsJson(const quillet::Vlan& vlan) {
+    return Json{{"path", PathOf(vlan.id)},         {"objectId", ToUtf8(vlan.objectId)},
+                {"number", vlan.number},           {"name", ToUtf8(vlan.name)},
+                {"caption", ToUtf8(vlan.caption)}, {"status", Coded(vlan.status)}};
 }
 
-void CompareVlan(Verification& taken, const CVLAN& wanted, const CVLAN* now) {
+void CompareVlan(Verification& taken, const quillet::NewVlan& wanted, const quillet::Vlan* now) {
     if (now == nullptr) {
-        taken.Add("number", wanted.m_lVLANNumber, Json(), Called(wanted) + " is not there");
+        taken.Add("number", wanted.id, Json(), Called(wanted) + " is not there");
         return;
     }
-    const auto fields = [](const CVLAN& vlan) {
-        return std::vector<Field>{
-            {"number", "the VLAN ID", vlan.m_lVLANNumber},
-            {"name", "the name of VLAN " + std::to_string(vlan.m_lVLANNumber), ToUtf8(vlan.m_wsVLANName)}};
+    const auto fields = [](const quillet::NewVlan& vlan) {
+        return std::vector<Field>{{"number", "the VLAN ID", vlan.id},
+                                  {"name", "the name of VLAN " + std::to_string(vlan.id), ToUtf8(vlan.name)}};
     };
-    taken.Compare(fields(wanted), fields(*now));
+    taken.Compare(fields(wanted), fields({now->number, now->name}));
 }
 
-const CVLAN* VlanAt(const std::wstring& path, const CVLANs& vlans) {
-    const auto found = std::find_if(vlans.m_vecItems.begin(), vlans.m_vecItems.end(), [&](const CVLAN* each) {
-        return NameTheSameObject(ToUtf8(each->m_wsVLANID), ToUtf8(path));
-    });
-    return found == vlans.m_vecItems.end() ? nullptr : *found;
+const quillet::Vlan* VlanAt(const quillet::VlanId& id, const std::vector<quillet::Vlan>& vlans) {
+    const auto found = std::find_if(vlans.begin(), vlans.end(),
+                                    [&](const auto& each) { return NameTheSameObject(each.id, id); });
+    return found == vlans.end() ? nullptr : &*found;
 }
 
 } // namespace quilletctl

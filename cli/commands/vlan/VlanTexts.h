@@ -8,13 +8,13 @@
 
 namespace quilletctl {
 
-std::string StatusText(const CVLAN& vlan);
+std::string StatusText(const quillet::Vlan& vlan);
 Json AsJson(const VlanParent& parent);
-Json AsJson(const CVLAN& vlan);
+Json AsJson(const quillet::Vlan& vlan);
 
 /// The VLAN of a path among others; null where there is none.
-const CVLAN* VlanAt(const std::wstring& path, const CVLANs& vlans);
+const quillet::Vlan* VlanAt(const quillet::VlanId& id, const std::vector<quillet::Vlan>& vlans);
 /// Holds a VLAN against what is there; null where nothing is.
-void CompareVlan(Verification& taken, const CVLAN& wanted, const CVLAN* now);
+void CompareVlan(Verification& taken, const quillet::NewVlan& wanted, const quillet::Vlan* now);
 
 } // namespace quilletctl

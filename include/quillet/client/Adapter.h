@@ -14,7 +14,6 @@ namespace quillet {
 /// One adapter (Zorel_PhysicalEthernetAdapter) by its names.
 struct Adapter {
     AdapterId id;             ///< its object path
-    std::wstring objectId;    ///< the GUID text in it; empty when the path holds none
     std::wstring name;        ///< "Name"
     std::wstring displayName; ///< "OriginalDisplayName"
     std::wstring deviceId;    ///< "DeviceID"
@@ -169,6 +168,7 @@ struct NdisVersion {
 /// here, and `failure` says why the first of it is.
 struct AdapterOverview {
     Adapter adapter;                         ///< with its slot
+    std::wstring objectId;                   ///< the GUID text in its path; empty where there is none
     std::optional<AdapterState> state;       ///< link, duplex, speed
     std::optional<AdapterHardware> hardware; ///< MAC address, port
     TeamId team;                             ///< empty for an adapter that is in no team

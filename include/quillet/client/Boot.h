@@ -65,8 +65,8 @@ enum class IscsiStatus : std::int32_t {
 
 /// An adapter whose boot agent can boot from an iSCSI target (Zorel_BootAgent_iSCSI_Adapters).
 struct IscsiAdapter {
-    std::wstring path;        ///< the instance's ("__PATH")
-    BootAgentId bootAgent;    ///< taken from it
+    BootAgentId bootAgent;    ///< the instance's path ("__PATH"), for `Session::SetIscsiStatus`
+    std::wstring objectId;    ///< the boot agent's, taken from it; the adapter's is the same
     std::wstring adapterName; ///< "AdapterName"
     IscsiStatus status{};
 };

@@ -64,6 +64,7 @@ struct PacContents {
     std::wstring authorityText; ///< the description of its authority
     std::wstring issuedTo;
     std::int32_t expires = 0; ///< in the provider's units
+    friend bool operator==(const PacContents&, const PacContents&) = default;
 };
 
 /// A manually entered pairwise master key.

@@ -63,9 +63,9 @@ class Session {
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// The provider's pending warnings, its own bits (Zorel_NetService.GetKavlorWarnings); none where it
-    /// refuses to tell.
-    Flags<ProviderBit> Warnings();
+    /// The provider's pending warnings, its own bits (Zorel_NetService.GetKavlorWarnings); nothing where it
+    /// does not tell them.
+    std::optional<Flags<ProviderBit>> Warnings();
 
     /// @name Adapters
     /// Instances of Zorel_PhysicalEthernetAdapter and its methods.

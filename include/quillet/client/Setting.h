@@ -99,6 +99,10 @@ const Setting* FindSetting(const std::vector<Setting>& settings, std::wstring_vi
 Setting* FindSetting(std::vector<Setting>& settings, std::wstring_view keyword) noexcept;
 /// The current value as text: numbers in decimal, lists joined with ",".
 std::wstring CurrentText(const Setting& setting);
+/// The current value as a number; nothing for texts.
+std::optional<std::int32_t> CurrentNumber(const Setting& setting);
+/// Whether it is the jumbo-frame setting, by any of its keywords.
+bool IsJumboFrameSetting(const Setting& setting);
 
 /// What the provider is asked to retrieve of settings.
 using SettingSelector = std::uint32_t;

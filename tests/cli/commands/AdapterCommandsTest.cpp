@@ -2,6 +2,7 @@
 #include "support/RunCommandLine.h"
 
 #include <quillet/Adapter.h>
+#include <quillet/client/Adapter.h>
 
 #include <texts/InWords.h>
 
@@ -125,7 +126,7 @@ TEST_F(OneAdapterTest, Capabilities_MatchTheGoldenFileAndHaveAWordEach) {
         << text.out;
     std::set<std::string> words;
     for (const CAdapterCapInfo::Flag& flag : CAdapterCapInfo::Flags()) {
-        const std::string word = quilletctl::InWords<quillet::Capability>(flag.m_lCode);
+        const std::string word = quilletctl::InWords(static_cast<quillet::Capability>(flag.m_lCode));
         EXPECT_NE(word, "code " + std::to_string(flag.m_lCode));
         EXPECT_TRUE(words.insert(word).second) << word;
     }
