@@ -64,6 +64,14 @@ HRESULT DoInParts(const char* operation, const std::wstring& about, Call call, R
     }
 }
 
+/// A value that comes into being where it is put: it converts when it is asked for.
+template <class Convert, class Record>
+struct Made {
+    operator std::invoke_result_t<Convert&, Record&&>() const { return convert(std::move(record)); }
+    Convert& convert;
+    Record& record;
+};
+
 /// What a list of the library's holds, as values. `convert` makes one of a record, whose texts it may take.
 template <class Items, class Convert>
 auto Values(Items&& items, Convert convert) {
@@ -71,7 +79,7 @@ auto Values(Items&& items, Convert convert) {
     values.reserve(items.m_vecItems.size());
     for (auto* item : items.m_vecItems) {
         if (item != nullptr) {
-            values.push_back(convert(std::move(*item)));
+            values.emplace_back(Made{convert, *item});
         }
     }
     return values;
