@@ -71,6 +71,8 @@ struct Made {
     Convert& convert;
     Record& record;
 };
+template <class Convert, class Record>
+Made(Convert&, Record&) -> Made<Convert, Record>;
 
 /// What a list of the library's holds, as values. `convert` makes one of a record, whose texts it may take.
 template <class Items, class Convert>
