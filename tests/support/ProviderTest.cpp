@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <map>
+#include <tuple>
 
 using quillet::simulator::Registration;
 using quillet::simulator::Scalar;
@@ -74,7 +76,20 @@ void ProviderTest::Use(std::shared_ptr<Machine> replacement) {
 }
 
 void ProviderTest::UseText(std::string_view mof, MachineOptions options) {
-    Use(Machine::FromText(mof, "test.mof", std::move(options)));
+    // The same few texts make the machines of thousands of tests, and to compile one takes longer than most.
+    static std::map<std::tuple<std::string, std::wstring, std::wstring, bool>, std::shared_ptr<Machine>>
+        fresh;
+    const auto key =
+        std::make_tuple(std::string(mof), options.serverName, options.namespaceName, options.strict);
+    auto found = fresh.find(key);
+    if (found == fresh.end()) {
+        constexpr std::size_t kKept = 8;
+        if (fresh.size() == kKept) {
+            fresh.clear();
+        }
+        found = fresh.emplace(key, Machine::FromText(mof, "test.mof", std::move(options))).first;
+    }
+    Use(found->second->Copy());
 }
 
 void ProviderTest::Connect() {

@@ -34,6 +34,10 @@ class Machine {
                                              MachineOptions options = {});
     /// The same from a file. What it includes is looked for beside it.
     static std::shared_ptr<Machine> FromFile(const std::filesystem::path& file, MachineOptions options = {});
+    /// A new machine with the classes and instances that this one has now: far quicker than to compile its
+    /// text again. Everything else (the journal, the rules that were added, clock, client sets, runs of
+    /// tests) begins anew, as of a machine that was just made from a text.
+    std::shared_ptr<Machine> Copy() const;
     ~Machine();
     Machine(const Machine&) = delete;
     Machine& operator=(const Machine&) = delete;

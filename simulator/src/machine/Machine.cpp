@@ -189,6 +189,14 @@ std::shared_ptr<Machine> Machine::FromFile(const std::filesystem::path& file, Ma
         std::move(options), nullptr, [&](Repository& store) { CompileMofFile(store, file, CheckFault); })));
 }
 
+std::shared_ptr<Machine> Machine::Copy() const {
+    MachineOptions options;
+    options.strict = m_state->strict;
+    auto state = std::make_unique<State>(m_state->store, options);
+    state->Configure();
+    return std::shared_ptr<Machine>(new Machine(std::move(state)));
+}
+
 Repository& Machine::Store() noexcept {
     return m_state->store;
 }

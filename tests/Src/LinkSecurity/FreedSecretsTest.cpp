@@ -55,7 +55,8 @@ TEST(FreedBlocksTest, FindsNeitherLiveNorOverwrittenTexts) {
 class FreedSecretsTest : public ProviderTest {
   protected:
     void SetUp() override {
-        UseText(LinkSecurityOperations().machine);
+        // Not a copy, which would share its secrets with the machine that it is one of.
+        Use(Machine::FromText(LinkSecurityOperations().machine, "test.mof", Options()));
         Connect();
     }
 };

@@ -96,6 +96,26 @@ TEST(Machines, EachChangesOnItsOwn) {
     EXPECT_EQ(third->Store().AllInstances().size(), first->Store().AllInstances().size());
 }
 
+TEST(Machines, ACopyHoldsWhatTheOriginalDoesAndBeginsAnew) {
+    const auto original = Machine::FromText(
+        "instance of QuilletSimulator_Machine { Name = \"one\"; Strict = TRUE; };"
+        "instance of QuilletSimulator_Fault { Id = 1; Effect = \"Fail\"; Code = 0x80041003; };",
+        "one.mof", OnTestHost());
+    original->Rules().Hit(Operation::GetObject, L"Zorel_VLAN"); // the only one that the rule meets
+    original->Advance(std::chrono::seconds(5));
+    original->Calls().Add({});
+    const auto copy = original->Copy();
+    EXPECT_EQ(copy->Store().ServerName(), L"TESTHOST");
+    EXPECT_EQ(copy->Save(), original->Save());
+    EXPECT_EQ(copy->Calls().Size(), 0u);
+    EXPECT_EQ(copy->Now(), std::chrono::milliseconds(0));
+    EXPECT_FALSE(original->Rules().Hit(Operation::GetObject, L"Zorel_VLAN"));
+    EXPECT_TRUE(copy->Rules().Hit(Operation::GetObject, L"Zorel_VLAN"));
+    const auto path = ObjectPath::Parse(L"QuilletSimulator_Machine.Name=\"one\"");
+    ASSERT_EQ(copy->Store().DeleteInstance(*path), S_OK);
+    EXPECT_NE(original->Store().FindInstance(*path), nullptr);
+}
+
 TEST(Machines, ACopyAnswersQueriesAsTheOriginalDoes) {
     const auto original = Machine::BuiltIn(OnTestHost());
     const auto teams = original->Store().Instances(L"Zorel_TeamOfAdapters");
