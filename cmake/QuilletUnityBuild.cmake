@@ -7,9 +7,9 @@ set(QUILLET_ALONE SafeArray TeamMembers TeamWizard VLANTexts
   LinkSecurity NetworkBootProvider SettingProvider VlanModel
   Adapter Application ConsoleWindows Diag Help ISCSI Power Vlan
   # tests
-  DiagnosticsTest SettingNamesTest InterruptedChangesTest LinkSecurityOperations LumDebugLinesTest NamesTest NetworkBootTest
+  DiagnosticsTest InterruptedChangesTest LinkSecurityOperations LumDebugLinesTest NamesTest NetworkBootTest
   ObjectPathTest PortCallCountsTest PowerTest PropertySettersTest QuestionsTest ReadingOperations ServicesTest
-  SettingChecksTest SettingWritingTest TeamCallCountsTest TeamOperations TeamTest VLANOperations VlanCallCountsTest
+  SettingChecksTest SettingNamesTest SettingWritingTest TeamCallCountsTest TeamOperations TeamTest VLANOperations VlanCallCountsTest
   VlanTest Win32Test WritingOperations)
 function(quillet_unity_build target)
   get_target_property(type ${target} TYPE)

@@ -51,7 +51,7 @@ class Flags {
     std::uint64_t m_mask = 0;
 };
 
-/// A bit whose meaning is the provider's own. `Text` calls it by its number.
+/// A bit whose meaning is the provider's own.
 enum class ProviderBit : std::uint64_t {};
 
 } // namespace quillet
