@@ -107,6 +107,7 @@ Named NamesOf(const quillet::Vlan& vlan, const VlanParent& parent) {
 quillet::Vlan FindVlan(quillet::Session& session, const VlanParent& parent, const std::string& text) {
     const std::vector<quillet::Vlan> vlans = ReadVlans(session, parent);
     std::vector<Named> names;
+    names.reserve(vlans.size());
     for (const quillet::Vlan& vlan : vlans) {
         names.push_back(NamesOf(vlan, parent));
     }

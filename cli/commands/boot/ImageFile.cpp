@@ -26,6 +26,7 @@ ImageFile ReadImageFile(quillet::Session& session, const quillet::BootAgent& age
 
 std::vector<std::wstring> ChooseImages(const ImageFile& file, const std::vector<std::string>& names) {
     std::vector<std::wstring> types;
+    types.reserve(names.size());
     for (const std::string& name : names) {
         types.push_back(ToWide(name));
     }

@@ -21,7 +21,7 @@ quillet::TeamMode TeamModeFrom(const std::string& word) {
         if (word == number || SameIgnoringCase(word, name) || SameIgnoringCase(word, name + " team")) {
             return mode;
         }
-        known += (known.empty() ? "" : ", ") + number + " (" + name + ")";
+        known.append(known.empty() ? "" : ", ").append(number).append(" (").append(name).append(")");
     }
     throw UsageError("no team mode is called \"" + word + "\"; there are " + known);
 }
