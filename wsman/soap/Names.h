@@ -1,0 +1,43 @@
+// The names of the wire: namespaces, actions, dialects, limits.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace quillet::wsman {
+
+// Namespaces.
+inline constexpr std::string_view kSoap = "http://www.w3.org/2003/05/soap-envelope";
+inline constexpr std::string_view kAddressing = "http://schemas.xmlsoap.org/ws/2004/08/addressing";
+inline constexpr std::string_view kWsman = "http://schemas.dmtf.org/wbem/wsman/1/wsman.xsd";
+inline constexpr std::string_view kEnumeration = "http://schemas.xmlsoap.org/ws/2004/09/enumeration";
+inline constexpr std::string_view kTransfer = "http://schemas.xmlsoap.org/ws/2004/09/transfer";
+inline constexpr std::string_view kIdentity =
+    "http://schemas.dmtf.org/wbem/wsman/identity/1/wsmanidentity.xsd";
+inline constexpr std::string_view kBinding = "http://schemas.dmtf.org/wbem/wsman/1/cimbinding.xsd";
+inline constexpr std::string_view kCommon = "http://schemas.dmtf.org/wbem/wscim/1/common";
+inline constexpr std::string_view kMicrosoft = "http://schemas.microsoft.com/wbem/wsman/1/wsman.xsd";
+inline constexpr std::string_view kWsmanFault = "http://schemas.microsoft.com/wbem/wsman/1/wsmanfault";
+inline constexpr std::string_view kSchemaInstance = "http://www.w3.org/2001/XMLSchema-instance";
+inline constexpr std::string_view kSchema = "http://www.w3.org/2001/XMLSchema";
+
+/// Where an answer goes, and what an endpoint reference has in place of an address.
+inline constexpr std::string_view kAnonymous =
+    "http://schemas.xmlsoap.org/ws/2004/08/addressing/role/anonymous";
+
+// What stands before a class in a resource URI, and before a namespace and a class.
+inline constexpr std::string_view kDmtfClasses = "http://schemas.dmtf.org/wbem/wscim/1/cim-schema/2/";
+inline constexpr std::string_view kWmiClasses = "http://schemas.microsoft.com/wbem/wsman/1/wmi/";
+/// Classes themselves, as CIM-XML.
+inline constexpr std::string_view kClassesAsXml = "http://schemas.dmtf.org/wbem/cim-xml/2/cim-schema/2/*";
+
+/// The language of queries.
+inline constexpr std::string_view kWqlDialect = "http://schemas.microsoft.com/wbem/wsman/1/WQL";
+
+/// The selector that names the namespace beside a resource URI without one.
+inline constexpr std::string_view kNamespaceSelector = "__cimnamespace";
+
+/// The least envelope that a client may ask for.
+inline constexpr std::size_t kLeastEnvelope = 8192;
+
+} // namespace quillet::wsman

@@ -1,0 +1,244 @@
+// Values in elements.
+#include "soap/Values.h"
+
+#include "soap/DateTimes.h"
+
+#include <quillet-wmi/Text.h>
+
+#include <charconv>
+#include <map>
+
+namespace quillet::wsman {
+
+namespace {
+
+constexpr CIMTYPE ElementType(CIMTYPE type) noexcept {
+    return type & ~CIMTYPE(CIM_FLAG_ARRAY);
+}
+
+constexpr bool IsArrayType(CIMTYPE type) noexcept {
+    return (type & CIM_FLAG_ARRAY) != 0;
+}
+
+void WriteScalar(XmlWriter& xml, CIMTYPE type, const wmi::Scalar& scalar, const Namespace& space,
+                 DateTimeForm form) {
+    if (const auto* text = std::get_if<std::wstring>(&scalar)) {
+        if (type == CIM_REFERENCE) {
+            WriteEndpoint(xml, EndpointOf(*text, space));
+        } else if (type == CIM_DATETIME) {
+            const XmlDateTime written = form == DateTimeForm::Xml
+                                            ? ToXmlDateTime(*text)
+                                            : XmlDateTime{"CIM_DateTime", wmi::ToUtf8(*text)};
+            xml.Leaf("cim:" + std::string(written.element), written.text);
+        } else {
+            xml.Text(wmi::ToUtf8(*text));
+        }
+    } else if (const auto* flag = std::get_if<bool>(&scalar)) {
+        xml.Text(*flag ? "true" : "false");
+    } else if (const auto* whole = std::get_if<std::int64_t>(&scalar)) {
+        xml.Text(std::to_string(*whole));
+    } else if (const auto* natural = std::get_if<std::uint64_t>(&scalar)) {
+        xml.Text(std::to_string(*natural));
+    } else {
+        xml.Text(wmi::ToUtf8(wmi::RealText(std::get<double>(scalar))));
+    }
+}
+
+[[noreturn]] void Reject(const wmi::Property& property) {
+    throw MessageError("the value of " + wmi::ToUtf8(property.name) + " is not of its type");
+}
+
+/// A whole number, with the sign that a peer may put before a positive one.
+template <class Number>
+std::optional<Number> WholeNumber(std::string_view word) {
+    Number number = 0;
+    word.remove_prefix(word.starts_with('+') ? 1 : 0);
+    const auto read = std::from_chars(word.data(), word.data() + word.size(), number);
+    return read.ec == std::errc() && read.ptr == word.data() + word.size() ? std::optional(number)
+                                                                           : std::nullopt;
+}
+
+std::optional<wmi::Scalar> Number(const std::string& word, CIMTYPE type) {
+    if (const auto whole = WholeNumber<std::int64_t>(word)) {
+        return wmi::Scalar(*whole);
+    }
+    const auto natural = WholeNumber<std::uint64_t>(word);
+    return natural && type == CIM_UINT64 ? std::optional(wmi::Scalar(*natural)) : std::nullopt;
+}
+
+std::optional<wmi::Scalar> Real(const std::string& word) {
+    const auto wide = wmi::FromUtf8(word);
+    const auto number = wide ? wmi::ParseReal(*wide) : std::nullopt;
+    return number ? std::optional(wmi::Scalar(*number)) : std::nullopt;
+}
+
+std::optional<wmi::Scalar> Truth(const std::string& word) {
+    const std::optional<std::wstring> wide = wmi::FromUtf8(word);
+    const bool isTrue = word == "1" || (wide && wmi::SameName(*wide, L"true"));
+    const bool isFalse = word == "0" || (wide && wmi::SameName(*wide, L"false"));
+    return isTrue || isFalse ? std::optional(wmi::Scalar(isTrue)) : std::nullopt;
+}
+
+/// A character by its code or, where it stands alone, itself.
+std::optional<wmi::Scalar> Character(const Element& element) {
+    const std::wstring text = element.Text();
+    const bool isDigit = text.size() == 1 && text.front() >= L'0' && text.front() <= L'9';
+    if (text.size() == 1 && !isDigit) {
+        return wmi::Scalar(static_cast<std::uint64_t>(text.front()));
+    }
+    const auto code = WholeNumber<std::uint64_t>(element.Word());
+    return code ? std::optional(wmi::Scalar(*code)) : std::nullopt;
+}
+
+std::optional<wmi::Scalar> DateTime(const Element& element) {
+    const Element inside = element.First();
+    const auto cim = FromXmlDateTime(inside ? inside.Word() : element.Word());
+    return cim ? std::optional(wmi::Scalar(*cim)) : std::nullopt;
+}
+
+std::optional<wmi::Scalar> ReadScalar(const Element& element, CIMTYPE type, const Namespace& space) {
+    switch (type) {
+    case CIM_STRING:
+        return wmi::Scalar(element.Text());
+    case CIM_BOOLEAN:
+        return Truth(element.Word());
+    case CIM_REAL32:
+    case CIM_REAL64:
+        return Real(element.Word());
+    case CIM_CHAR16:
+        return Character(element);
+    case CIM_DATETIME:
+        return DateTime(element);
+    case CIM_REFERENCE:
+        // What a class declares as a reference may have come as the text of a path.
+        return wmi::Scalar(element.HasChildren() ? PathOf(ReadEndpoint(element), space).Text()
+                                                 : element.Text());
+    default:
+        return wmi::IsIntegerType(type) ? Number(element.Word(), type) : std::nullopt;
+    }
+}
+
+/// An array of bytes without nulls; nothing where an element is none.
+std::optional<wmi::Value> ReadBytes(std::span<const Element> elements) {
+    wmi::Value::Bytes bytes;
+    bytes.reserve(elements.size());
+    for (const Element& element : elements) {
+        const auto number = element.IsNil() ? std::nullopt : WholeNumber<std::uint8_t>(element.Word());
+        if (!number) {
+            return std::nullopt;
+        }
+        bytes.push_back(*number);
+    }
+    return wmi::Value(std::move(bytes));
+}
+
+wmi::Value ReadArray(std::span<const Element> elements, const wmi::Property& property,
+                     const Namespace& space) {
+    const CIMTYPE type = ElementType(property.type);
+    if (type == CIM_UINT8) {
+        if (std::optional<wmi::Value> bytes = ReadBytes(elements)) {
+            return std::move(*bytes);
+        }
+    }
+    wmi::Value::Array array;
+    array.reserve(elements.size());
+    for (const Element& element : elements) {
+        std::optional<wmi::Scalar> scalar;
+        if (!element.IsNil() && !(scalar = ReadScalar(element, type, space))) {
+            Reject(property);
+        }
+        array.push_back(std::move(scalar));
+    }
+    return wmi::Value(std::move(array));
+}
+
+} // namespace
+
+void WriteValue(XmlWriter& xml, std::string_view prefix, const wmi::Property& property,
+                const wmi::Value& value, const Namespace& space, DateTimeForm form) {
+    const std::string name = std::string(prefix) + ':' + wmi::ToUtf8(property.name);
+    const CIMTYPE type = ElementType(property.type);
+    const auto write = [&](const std::optional<wmi::Scalar>& scalar) {
+        xml.Open(name);
+        if (scalar) {
+            WriteScalar(xml, type, *scalar, space, form);
+        } else {
+            xml.Attribute("xsi:nil", "true");
+        }
+        xml.Close();
+    };
+    if (const wmi::Scalar* scalar = value.AsScalar()) {
+        write(*scalar);
+    } else if (const wmi::Value::Bytes* bytes = value.AsBytes()) {
+        for (const std::uint8_t byte : *bytes) {
+            xml.Leaf(name, std::to_string(byte));
+        }
+    } else if (const wmi::Value::Array* array = value.AsArray()) {
+        for (const std::optional<wmi::Scalar>& element : *array) {
+            write(element);
+        }
+    } else {
+        write(std::nullopt);
+    }
+}
+
+wmi::Value ReadValue(std::span<const Element> elements, const wmi::Property& property,
+                     const Namespace& space) {
+    const bool isNull = elements.empty() || (elements.size() == 1 && elements.front().IsNil());
+    wmi::Value value;
+    if (isNull) {
+        return value;
+    }
+    if (IsArrayType(property.type)) {
+        value = ReadArray(elements, property, space);
+    } else if (elements.size() == 1) {
+        std::optional<wmi::Scalar> scalar = ReadScalar(elements.front(), property.type, space);
+        if (!scalar) {
+            Reject(property);
+        }
+        value = wmi::Value(std::move(*scalar));
+    } else {
+        throw MessageError(wmi::ToUtf8(property.name) + " is there several times");
+    }
+    if (!wmi::Fits(value, property.type)) {
+        Reject(property);
+    }
+    return wmi::Normalised(std::move(value), property.type);
+}
+
+void WriteProperties(XmlWriter& xml, std::string_view prefix, const wmi::Instance& instance,
+                     const Namespace& space, DateTimeForm form) {
+    const auto& properties = instance.definition->properties;
+    for (std::size_t i = 0; i < properties.size(); ++i) {
+        WriteValue(xml, prefix, properties[i], instance.values[i], space, form);
+    }
+}
+
+wmi::Instance ReadProperties(const wmi::ClassPtr& definition, Element holder, const Namespace& space,
+                             Unknown unknown) {
+    std::map<std::size_t, std::vector<Element>> given;
+    std::string last;
+    std::optional<std::size_t> index;
+    for (Element element = holder.First(); element; element = element.Next()) {
+        // The elements of an array follow each other; there may be millions.
+        if (element.Name() != last || !index) {
+            last = element.Name();
+            const std::optional<std::wstring> name = wmi::FromUtf8(last);
+            index = name ? definition->PropertyIndex(*name) : std::nullopt;
+        }
+        if (index) {
+            given[*index].push_back(element);
+        } else if (unknown == Unknown::Refused) {
+            throw MessageError("there is no property of the name " + last);
+        }
+    }
+    wmi::Instance instance(definition);
+    for (std::size_t i = 0; i < definition->properties.size(); ++i) {
+        const auto found = given.find(i);
+        instance.values[i] =
+            found == given.end() ? wmi::Value() : ReadValue(found->second, definition->properties[i], space);
+    }
+    return instance;
+}
+
+} // namespace quillet::wsman

@@ -1,0 +1,256 @@
+// Reading XML that a peer sent.
+#include "soap/XmlReader.h"
+
+#include "soap/Names.h"
+
+#include <quillet-wmi/Text.h>
+
+#include <charconv>
+#include <cstdint>
+#include <cstring>
+
+namespace quillet::wsman {
+
+namespace {
+
+constexpr std::size_t kDeepest = 64;
+constexpr std::size_t kMostNodes = 20'000'000; // an image of flash memory has an element for each byte
+constexpr std::size_t kMostAttributes = 64;
+
+std::string_view LocalPart(std::string_view qualified) {
+    const std::size_t colon = qualified.find(':');
+    return colon == std::string_view::npos ? qualified : qualified.substr(colon + 1);
+}
+
+/// Text that came as UTF-16 as UTF-8; what came as UTF-8 without its byte order mark. Throws XmlError.
+std::string AsUtf8(std::string bytes) {
+    const auto startsWith = [&bytes](std::string_view mark) {
+        return std::string_view(bytes).starts_with(mark);
+    };
+    if (startsWith("\xEF\xBB\xBF")) {
+        return bytes.substr(3);
+    }
+    const bool isBig = startsWith("\xFE\xFF") || startsWith(std::string_view("\0<", 2));
+    const bool isLittle = startsWith("\xFF\xFE") || startsWith(std::string_view("<\0", 2));
+    if (!isBig && !isLittle) {
+        return bytes;
+    }
+    std::wstring text;
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        const auto first = static_cast<unsigned char>(bytes[i]);
+        const auto second = static_cast<unsigned char>(bytes[i + 1]);
+        const auto unit = static_cast<char16_t>(isBig ? first << 8 | second : second << 8 | first);
+        if (unit != 0xFEFF) {
+            text += static_cast<wchar_t>(unit);
+        }
+    }
+    wmi::JoinSurrogates(text);
+    return wmi::ToUtf8(text);
+}
+
+bool IsUtf8(std::string_view text) noexcept {
+    for (std::size_t place = 0; place < text.size();) {
+        if (static_cast<unsigned char>(text[place]) < 0x80) {
+            ++place;
+        } else if (!wmi::DecodeUtf8(text, place)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool IsCharacter(std::uint32_t code) noexcept {
+    return code == 0x9 || code == 0xA || code == 0xD || (code >= 0x20 && code < 0xD800) ||
+           (code >= 0xE000 && code < 0xFFFE) || (code >= 0x10000 && code < 0x110000);
+}
+
+/// The parser takes every number for a character, and one of 0 for the end of a text.
+void CheckReferences(std::string_view text) {
+    for (std::size_t place = text.find("&#"); place != std::string_view::npos;
+         place = text.find("&#", place)) {
+        place += 2;
+        const bool isHex = place < text.size() && (text[place] == 'x' || text[place] == 'X');
+        place += isHex ? 1 : 0;
+        std::uint32_t code = 0;
+        const char* end = text.data() + text.size();
+        const auto read = std::from_chars(text.data() + place, end, code, isHex ? 16 : 10);
+        if (read.ec != std::errc() || read.ptr == end || *read.ptr != ';' || !IsCharacter(code)) {
+            throw XmlError("a character reference is none");
+        }
+    }
+}
+
+/// Throws XmlError for bytes that stand for no character.
+void CheckCharacters(std::string_view text) {
+    if (!IsUtf8(text)) {
+        throw XmlError("the text is no UTF-8");
+    }
+    for (const char character : text) {
+        if (static_cast<unsigned char>(character) < 0x20 && character != '\t' && character != '\n' &&
+            character != '\r') {
+            throw XmlError("there is a control character");
+        }
+    }
+}
+
+void CheckAttributes(pugi::xml_node node) {
+    std::size_t count = 0;
+    for (const pugi::xml_attribute attribute : node.attributes()) {
+        if (++count > kMostAttributes) {
+            throw XmlError("an element has too many attributes");
+        }
+        if (node.attribute(attribute.name()) != attribute) {
+            throw XmlError("an element has an attribute twice");
+        }
+    }
+}
+
+/// Goes through all nodes without a call for each level.
+void CheckTree(const pugi::xml_document& document) {
+    std::size_t roots = 0;
+    std::size_t nodes = 0;
+    std::size_t depth = 1;
+    for (pugi::xml_node node = document.first_child(); node;) {
+        switch (node.type()) {
+        case pugi::node_doctype:
+        case pugi::node_pi:
+            throw XmlError("document types and processing instructions are not taken");
+        case pugi::node_element:
+            roots += depth == 1 ? 1 : 0;
+            CheckAttributes(node);
+            break;
+        case pugi::node_pcdata:
+        case pugi::node_cdata:
+            if (depth == 1 &&
+                std::string_view(node.value()).find_first_not_of(" \t\r\n") != std::string_view::npos) {
+                throw XmlError("there is text outside the root element");
+            }
+            break;
+        default:
+            break;
+        }
+        if (++nodes > kMostNodes) {
+            throw XmlError("there are too many elements");
+        }
+        if (const pugi::xml_node child = node.first_child()) {
+            node = child;
+            if (++depth > kDeepest) {
+                throw XmlError("the elements are nested too deeply");
+            }
+            continue;
+        }
+        while (depth > 1 && !node.next_sibling()) {
+            node = node.parent();
+            --depth;
+        }
+        node = node.next_sibling();
+    }
+    if (roots != 1) {
+        throw XmlError("there is not one root element");
+    }
+}
+
+} // namespace
+
+XmlDocument::XmlDocument(std::string bytes) : m_bytes(AsUtf8(std::move(bytes))) {
+    CheckCharacters(m_bytes);
+    CheckReferences(m_bytes);
+    constexpr unsigned kOptions = pugi::parse_default | pugi::parse_ws_pcdata_single | pugi::parse_doctype |
+                                  pugi::parse_pi | pugi::parse_fragment;
+    const pugi::xml_parse_result parsed =
+        m_document.load_buffer_inplace(m_bytes.data(), m_bytes.size(), kOptions, pugi::encoding_utf8);
+    if (!parsed) {
+        throw XmlError(std::string("it is no XML: ") + parsed.description());
+    }
+    CheckTree(m_document);
+}
+
+std::string_view Element::Name() const {
+    return LocalPart(m_node.name());
+}
+
+std::string_view Element::SpaceOf(std::string_view qualified) const {
+    const std::size_t colon = qualified.find(':');
+    const std::string declared =
+        colon == std::string_view::npos ? "xmlns" : "xmlns:" + std::string(qualified.substr(0, colon));
+    for (pugi::xml_node node = m_node; node; node = node.parent()) {
+        if (const pugi::xml_attribute found = node.attribute(declared.c_str())) {
+            return found.value();
+        }
+    }
+    return {};
+}
+
+std::wstring Element::Text() const {
+    std::string text;
+    for (const pugi::xml_node piece : m_node.children()) {
+        if (piece.type() == pugi::node_pcdata || piece.type() == pugi::node_cdata) {
+            text += piece.value();
+        }
+    }
+    std::optional<std::wstring> wide = wmi::FromUtf8(text);
+    if (!wide) {
+        throw XmlError("a text is no UTF-8");
+    }
+    return std::move(*wide);
+}
+
+std::string Element::Word() const {
+    const std::string text = wmi::ToUtf8(Text());
+    const std::size_t begin = text.find_first_not_of(" \t\r\n");
+    return begin == std::string::npos ? std::string()
+                                      : text.substr(begin, text.find_last_not_of(" \t\r\n") + 1 - begin);
+}
+
+std::optional<std::string> Element::Attribute(std::string_view name) const {
+    for (const pugi::xml_attribute attribute : m_node.attributes()) {
+        if (LocalPart(attribute.name()) == name) {
+            return std::string(attribute.value());
+        }
+    }
+    return std::nullopt;
+}
+
+bool Element::IsNil() const {
+    const std::optional<std::string> nil = Attribute("nil");
+    return nil && (*nil == "true" || *nil == "1");
+}
+
+std::string Element::LocalPartOf(std::string_view attribute) const {
+    const std::optional<std::string> qualified = Attribute(attribute);
+    return qualified ? std::string(LocalPart(*qualified)) : std::string();
+}
+
+Element Element::First() const {
+    pugi::xml_node child = m_node.first_child();
+    while (child && child.type() != pugi::node_element) {
+        child = child.next_sibling();
+    }
+    return Element(child);
+}
+
+Element Element::Next() const {
+    pugi::xml_node next = m_node.next_sibling();
+    while (next && next.type() != pugi::node_element) {
+        next = next.next_sibling();
+    }
+    return Element(next);
+}
+
+Element Element::Child(std::string_view name) const {
+    Element child = First();
+    while (child && child.Name() != name) {
+        child = child.Next();
+    }
+    return child;
+}
+
+std::vector<Element> Element::Children() const {
+    std::vector<Element> children;
+    for (Element child = First(); child; child = child.Next()) {
+        children.push_back(child);
+    }
+    return children;
+}
+
+} // namespace quillet::wsman

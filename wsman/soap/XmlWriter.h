@@ -1,0 +1,39 @@
+// Writing XML. Whatever a text holds, it stays a text.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillet::wsman {
+
+/// Writes one element after the other. Names are the caller's own and right; texts are anybody's (UTF-8):
+/// what XML cannot hold becomes a question mark, as on Windows.
+class XmlWriter {
+  public:
+    /// Begins an element: "p:Name".
+    XmlWriter& Open(std::string_view name);
+    /// Of the element that was just begun.
+    XmlWriter& Attribute(std::string_view name, std::string_view value);
+    /// Declares a prefix on the element that was just begun.
+    XmlWriter& Declare(std::string_view prefix, std::string_view space);
+    XmlWriter& Text(std::string_view text);
+    /// Puts XML that is right already.
+    XmlWriter& Raw(std::string_view xml);
+    /// Ends the element that was begun last.
+    XmlWriter& Close();
+    /// An element with a text.
+    XmlWriter& Leaf(std::string_view name, std::string_view text);
+
+    const std::string& Written() const noexcept { return m_xml; }
+    std::string Take() { return std::move(m_xml); }
+
+  private:
+    void EndTag();
+
+    std::string m_xml;
+    std::vector<std::string> m_open;
+    bool m_inTag = false;
+};
+
+} // namespace quillet::wsman
