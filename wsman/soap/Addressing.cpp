@@ -114,14 +114,13 @@ wmi::ClassPtr ClassOf(const Namespace& space, std::wstring_view name) {
 
 } // namespace
 
-const Selector* Endpoint::Find(std::string_view name) const noexcept {
-    const auto found = std::find_if(selectors.begin(), selectors.end(), [&](const Selector& each) {
-        return std::equal(each.name.begin(), each.name.end(), name.begin(), name.end(), [](char a, char b) {
-            return wmi::FoldCase(static_cast<unsigned char>(a)) ==
-                   wmi::FoldCase(static_cast<unsigned char>(b));
-        });
-    });
-    return found == selectors.end() ? nullptr : &*found;
+const Selector* Endpoint::Find(std::string_view name) const {
+    for (const Selector& selector : selectors) {
+        if (SameText(selector.name, name)) {
+            return &selector;
+        }
+    }
+    return nullptr;
 }
 
 Resource ResourceOf(const Endpoint& endpoint) {

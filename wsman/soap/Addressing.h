@@ -36,7 +36,7 @@ struct Endpoint {
     std::vector<Selector> selectors{};
 
     /// The selector of a name, without regard to case; null where there is none.
-    const Selector* Find(std::string_view name) const noexcept;
+    const Selector* Find(std::string_view name) const;
 };
 
 /// What is needed to make a path of an endpoint and an endpoint of a path.

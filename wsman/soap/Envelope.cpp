@@ -33,7 +33,7 @@ constexpr OptionType kOptionTypes[] = {{"string", VT_BSTR, CIM_STRING},
                                        {"int", VT_I4, CIM_SINT32},
                                        {"unsignedInt", VT_I4, CIM_UINT32}};
 
-const OptionType& TypeCalled(std::string_view name) {
+const OptionType& OptionTypeCalled(std::string_view name) {
     const std::string_view local = name.substr(name.find(':') + 1);
     const auto* found = std::find_if(std::begin(kOptionTypes), std::end(kOptionTypes),
                                      [local](const OptionType& each) { return each.name == local; });
@@ -112,7 +112,7 @@ void ReadOptions(const Element& set, RequestHead& head) {
             throw MessageError("there are too many options");
         }
         const std::string name = option.Attribute("Name").value_or("");
-        const OptionType& type = TypeCalled(option.Attribute("Type").value_or(""));
+        const OptionType& type = OptionTypeCalled(option.Attribute("Type").value_or(""));
         const bool isArray = name.starts_with(kArrayForProvider);
         if (!isArray && !name.starts_with(kForProvider)) {
             head.transportOptions.push_back(name);

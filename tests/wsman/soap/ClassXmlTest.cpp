@@ -15,13 +15,13 @@ using wsman::MessageError;
 using wsman::XmlDocument;
 using wsman::XmlWriter;
 
-std::string Written(const wmi::ClassDefinition& definition, LCID locale = 0) {
+std::string XmlOf(const wmi::ClassDefinition& definition, LCID locale = 0) {
     XmlWriter xml;
     wsman::WriteClass(xml, definition, locale);
     return xml.Take();
 }
 
-wmi::ClassDefinition Read(const std::string& xml) {
+wmi::ClassDefinition ClassIn(const std::string& xml) {
     const XmlDocument document(xml);
     return wsman::ReadClass(document.Root());
 }
@@ -46,7 +46,7 @@ TEST(ClassXmlTest, EveryClassOfTheSchema_ComesBack) {
     EXPECT_GT(classes.size(), 40u);
     for (const wmi::ClassPtr& each : classes) {
         SCOPED_TRACE(testing::PrintToString(each->name));
-        const wmi::ClassDefinition read = Read(Written(*each));
+        const wmi::ClassDefinition read = ClassIn(XmlOf(*each));
         EXPECT_EQ(read.name, each->name);
         EXPECT_EQ(read.superclass, each->superclass);
         EXPECT_EQ(read.ancestors, each->ancestors);
@@ -60,16 +60,16 @@ TEST(ClassXmlTest, EveryClassOfTheSchema_ComesBack) {
             ExpectSameProperties(read.methods[i].in, each->methods[i].in);
             ExpectSameProperties(read.methods[i].out, each->methods[i].out);
         }
-        EXPECT_EQ(Written(read), Written(*each));
+        EXPECT_EQ(XmlOf(read), XmlOf(*each));
     }
 }
 
 TEST(ClassXmlTest, WhatIsNotKnown_IsPassedOver) {
     const wmi::ClassDefinition read =
-        Read("<x:CLASS xmlns:x='urn:x' NAME='A' NEW='1'><NEW/><PROPERTY.NEW NAME='Z'/>"
-             "<x:PROPERTY NAME='B' TYPE='uint16'><QUALIFIER NAME='KEY' "
-             "TYPE='boolean'><VALUE>true</VALUE></QUALIFIER>"
-             "</x:PROPERTY><METHOD NAME='C'><PARAMETER NAME='D' TYPE='string'/></METHOD></x:CLASS>");
+        ClassIn("<x:CLASS xmlns:x='urn:x' NAME='A' NEW='1'><NEW/><PROPERTY.NEW NAME='Z'/>"
+                "<x:PROPERTY NAME='B' TYPE='uint16'><QUALIFIER NAME='KEY' "
+                "TYPE='boolean'><VALUE>true</VALUE></QUALIFIER>"
+                "</x:PROPERTY><METHOD NAME='C'><PARAMETER NAME='D' TYPE='string'/></METHOD></x:CLASS>");
     ASSERT_EQ(read.properties.size(), 1u);
     EXPECT_TRUE(read.properties[0].IsKey());
     EXPECT_EQ(read.properties[0].type, CIMTYPE(CIM_UINT16));
@@ -79,16 +79,16 @@ TEST(ClassXmlTest, WhatIsNotKnown_IsPassedOver) {
 }
 
 TEST(ClassXmlTest, WhatIsNoClass_IsRefused) {
-    EXPECT_THROW(Read("<CLASS/>"), MessageError);
-    EXPECT_THROW(Read("<CLASS NAME='a b'/>"), MessageError);
-    EXPECT_THROW(Read("<CLASS NAME='A' SUPERCLASS=''/>"), MessageError);
-    EXPECT_THROW(Read("<CLASS NAME='A'><PROPERTY NAME='B'/></CLASS>"), MessageError);
-    EXPECT_THROW(Read("<CLASS NAME='A'><PROPERTY NAME='B' TYPE='number'/></CLASS>"), MessageError);
+    EXPECT_THROW(ClassIn("<CLASS/>"), MessageError);
+    EXPECT_THROW(ClassIn("<CLASS NAME='a b'/>"), MessageError);
+    EXPECT_THROW(ClassIn("<CLASS NAME='A' SUPERCLASS=''/>"), MessageError);
+    EXPECT_THROW(ClassIn("<CLASS NAME='A'><PROPERTY NAME='B'/></CLASS>"), MessageError);
+    EXPECT_THROW(ClassIn("<CLASS NAME='A'><PROPERTY NAME='B' TYPE='number'/></CLASS>"), MessageError);
     EXPECT_THROW(
-        Read("<CLASS NAME='A'><PROPERTY NAME='B' TYPE='uint8'><VALUE>999</VALUE></PROPERTY></CLASS>"),
+        ClassIn("<CLASS NAME='A'><PROPERTY NAME='B' TYPE='uint8'><VALUE>999</VALUE></PROPERTY></CLASS>"),
         MessageError);
     EXPECT_THROW(
-        Read("<CLASS NAME='A'><PROPERTY NAME='B' TYPE='uint8'/><PROPERTY NAME='b' TYPE='uint8'/></CLASS>"),
+        ClassIn("<CLASS NAME='A'><PROPERTY NAME='B' TYPE='uint8'/><PROPERTY NAME='b' TYPE='uint8'/></CLASS>"),
         MessageError);
 }
 

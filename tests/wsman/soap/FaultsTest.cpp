@@ -15,7 +15,7 @@ using wsman::Fault;
 using wsman::XmlDocument;
 using wsman::XmlWriter;
 
-Fault Read(const std::string& body) {
+Fault FaultIn(const std::string& body) {
     const XmlDocument document(R"(<s:Body xmlns:s="http://www.w3.org/2003/05/soap-envelope"><s:Fault>)" +
                                body + "</s:Fault></s:Body>");
     return wsman::ReadFault(document.Root().Child("Fault"));
@@ -48,13 +48,13 @@ INSTANTIATE_TEST_SUITE_P(Faults, FaultCodesTest,
 
 TEST(FaultsTest, OfANestedKind_TellTheInnermostCode) {
     const Fault fault =
-        Read("<s:Code><s:Value>s:Receiver</s:Value><s:Subcode><s:Value>w:InternalError</s:Value></"
-             "s:Subcode></s:Code>"
-             "<s:Reason><s:Text xml:lang='de-DE'>Kaputt.</s:Text></s:Reason>"
-             "<s:Detail><f:WSManFault Code='2150859011'><f:Message><f:ProviderFault><f:WSManFault "
-             "Code='2147749905'>"
-             "<f:Message>inside</f:Message></f:WSManFault><f:ExtendedError><p:StatusCode xsi:nil='true'/>"
-             "</f:ExtendedError></f:ProviderFault></f:Message></f:WSManFault></s:Detail>");
+        FaultIn("<s:Code><s:Value>s:Receiver</s:Value><s:Subcode><s:Value>w:InternalError</s:Value></"
+                "s:Subcode></s:Code>"
+                "<s:Reason><s:Text xml:lang='de-DE'>Kaputt.</s:Text></s:Reason>"
+                "<s:Detail><f:WSManFault Code='2150859011'><f:Message><f:ProviderFault><f:WSManFault "
+                "Code='2147749905'>"
+                "<f:Message>inside</f:Message></f:WSManFault><f:ExtendedError><p:StatusCode xsi:nil='true'/>"
+                "</f:ExtendedError></f:ProviderFault></f:Message></f:WSManFault></s:Detail>");
     EXPECT_EQ(fault.code, Code(WBEM_E_PROVIDER_NOT_FOUND));
     EXPECT_TRUE(fault.isOurs);
     EXPECT_EQ(fault.reason, "Kaputt.");
@@ -62,18 +62,19 @@ TEST(FaultsTest, OfANestedKind_TellTheInnermostCode) {
 
 TEST(FaultsTest, OfTheOtherKind_TellWmisCode) {
     const Fault fault =
-        Read("<s:Code><s:Subcode><s:Value>w:InternalError</s:Value></s:Subcode></s:Code><s:Detail>"
-             "<p:MSFT_WmiError><p:MessageID>HRESULT 0x80041001</p:MessageID>"
-             "<p:Message>Generic failure</p:Message>"
-             "<p:error_Code>2147749891</p:error_Code></p:MSFT_WmiError></s:Detail>");
+        FaultIn("<s:Code><s:Subcode><s:Value>w:InternalError</s:Value></s:Subcode></s:Code><s:Detail>"
+                "<p:MSFT_WmiError><p:MessageID>HRESULT 0x80041001</p:MessageID>"
+                "<p:Message>Generic failure</p:Message>"
+                "<p:error_Code>2147749891</p:error_Code></p:MSFT_WmiError></s:Detail>");
     EXPECT_EQ(fault.code, Code(WBEM_E_ACCESS_DENIED));
     EXPECT_EQ(fault.reason, "Generic failure");
 }
 
 TEST(FaultsTest, OfTheTransportOnly_MeanWhatTheirSubcodeDoes) {
     const auto meaning = [](const std::string& subcode, const std::string& detail = {}) {
-        return Read("<s:Code><s:Subcode><s:Value>" + subcode + "</s:Value></s:Subcode></s:Code><s:Detail>" +
-                    detail + "<f:WSManFault Code='2150858752'/></s:Detail>")
+        return FaultIn("<s:Code><s:Subcode><s:Value>" + subcode +
+                       "</s:Value></s:Subcode></s:Code><s:Detail>" + detail +
+                       "<f:WSManFault Code='2150858752'/></s:Detail>")
             .code;
     };
     EXPECT_EQ(meaning("wsa:DestinationUnreachable"), Code(WBEM_E_NOT_FOUND));
@@ -84,17 +85,19 @@ TEST(FaultsTest, OfTheTransportOnly_MeanWhatTheirSubcodeDoes) {
     EXPECT_EQ(meaning("wsen:CannotProcessFilter"), Code(WBEM_E_INVALID_QUERY));
     EXPECT_EQ(meaning("wsman:TimedOut"), Code(WBEM_E_TIMED_OUT));
     EXPECT_EQ(meaning("x:Anything"), Code(WBEM_E_FAILED));
-    EXPECT_EQ(Read("").code, Code(WBEM_E_FAILED));
+    EXPECT_EQ(FaultIn("").code, Code(WBEM_E_FAILED));
 }
 
 TEST(FaultsTest, SmallNumbersAreWindowsOwn_AndTextsAreShort) {
-    EXPECT_EQ(Read("<s:Detail><f:WSManFault Code='5'/></s:Detail>").code, E_ACCESSDENIED);
+    EXPECT_EQ(FaultIn("<s:Detail><f:WSManFault Code='5'/></s:Detail>").code, E_ACCESSDENIED);
     EXPECT_EQ(
-        Read("<s:Reason><s:Text>unknown error: HRESULT 0x80041033 (shutting down)</s:Text></s:Reason>").code,
+        FaultIn("<s:Reason><s:Text>unknown error: HRESULT 0x80041033 (shutting down)</s:Text></s:Reason>")
+            .code,
         Code(WBEM_E_SHUTTING_DOWN));
-    EXPECT_EQ(Read("<s:Reason><s:Text>" + std::string(100'000, 'x') + "</s:Text></s:Reason>").reason.size(),
-              500u);
-    EXPECT_EQ(Read("<s:Reason><s:Text>two\nlines\there</s:Text></s:Reason>").reason, "two lines here");
+    EXPECT_EQ(
+        FaultIn("<s:Reason><s:Text>" + std::string(100'000, 'x') + "</s:Text></s:Reason>").reason.size(),
+        500u);
+    EXPECT_EQ(FaultIn("<s:Reason><s:Text>two\nlines\there</s:Text></s:Reason>").reason, "two lines here");
 }
 
 } // namespace

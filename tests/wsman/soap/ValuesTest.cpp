@@ -18,7 +18,7 @@ using wsman::MessageError;
 using wsman::XmlDocument;
 using wsman::XmlWriter;
 
-Value Read(const std::string& xml, CIMTYPE type) {
+Value ValueIn(const std::string& xml, CIMTYPE type) {
     const XmlDocument document(Rooted(xml));
     return wsman::ReadValue(document.Root().Children(), PropertyOf(L"V", type), SampleSpace());
 }
@@ -39,7 +39,7 @@ class KeptValuesTest : public testing::TestWithParam<Kept> {};
 TEST_P(KeptValuesTest, GoOutAndComeBack) {
     const auto& [type, value] = GetParam();
     for (const DateTimeForm form : {DateTimeForm::Xml, DateTimeForm::Cim}) {
-        EXPECT_TRUE(Read(Written(value, type, form), type) == value) << Written(value, type, form);
+        EXPECT_TRUE(ValueIn(Written(value, type, form), type) == value) << Written(value, type, form);
     }
 }
 
@@ -70,33 +70,33 @@ INSTANTIATE_TEST_SUITE_P(
         Kept{CIM_UINT8 | kArray, Value(Value::Bytes{0, 1, 255})}, Kept{CIM_BOOLEAN | kArray, Value()}));
 
 TEST(ValuesTest, ForeignForms_AreRead) {
-    EXPECT_TRUE(Read("<x:V xmlns:x='urn:y'>TRUE</x:V>", CIM_BOOLEAN) == Value::Bool(true));
-    EXPECT_TRUE(Read("<V>0</V>", CIM_BOOLEAN) == Value::Bool(false));
-    EXPECT_TRUE(Read("<V>\n +12 </V>", CIM_UINT16) == Value::Unsigned(12));
-    EXPECT_TRUE(Read("<V xsi:type='cim:cimString'>x</V>", CIM_STRING) == Value::Text(L"x"));
-    EXPECT_TRUE(Read("<V>120</V>", CIM_CHAR16) == Value::Unsigned(L'x'));
-    EXPECT_TRUE(Read("<V><Datetime>2024-04-03T14:45:50Z</Datetime></V>", CIM_DATETIME) ==
+    EXPECT_TRUE(ValueIn("<x:V xmlns:x='urn:y'>TRUE</x:V>", CIM_BOOLEAN) == Value::Bool(true));
+    EXPECT_TRUE(ValueIn("<V>0</V>", CIM_BOOLEAN) == Value::Bool(false));
+    EXPECT_TRUE(ValueIn("<V>\n +12 </V>", CIM_UINT16) == Value::Unsigned(12));
+    EXPECT_TRUE(ValueIn("<V xsi:type='cim:cimString'>x</V>", CIM_STRING) == Value::Text(L"x"));
+    EXPECT_TRUE(ValueIn("<V>120</V>", CIM_CHAR16) == Value::Unsigned(L'x'));
+    EXPECT_TRUE(ValueIn("<V><Datetime>2024-04-03T14:45:50Z</Datetime></V>", CIM_DATETIME) ==
                 Value::Text(L"20240403144550.000000+000"));
-    EXPECT_TRUE(Read("<V>2024-04-03T14:45:50Z</V>", CIM_DATETIME) ==
+    EXPECT_TRUE(ValueIn("<V>2024-04-03T14:45:50Z</V>", CIM_DATETIME) ==
                 Value::Text(L"20240403144550.000000+000"));
-    EXPECT_TRUE(Read("<V>T_Text.Name=\"a\"</V>", CIM_REFERENCE) == Value::Text(L"T_Text.Name=\"a\""));
+    EXPECT_TRUE(ValueIn("<V>T_Text.Name=\"a\"</V>", CIM_REFERENCE) == Value::Text(L"T_Text.Name=\"a\""));
     // What is no number cannot stand in an instance here.
-    EXPECT_THROW(Read("<V>INF</V>", CIM_REAL64), MessageError);
-    EXPECT_TRUE(Read("<V xsi:nil='true'/>", CIM_STRING | kArray).IsNull());
+    EXPECT_THROW(ValueIn("<V>INF</V>", CIM_REAL64), MessageError);
+    EXPECT_TRUE(ValueIn("<V xsi:nil='true'/>", CIM_STRING | kArray).IsNull());
 }
 
 TEST(ValuesTest, WhatIsNoneOfItsType_IsRefused) {
-    EXPECT_THROW(Read("<V>256</V>", CIM_UINT8), MessageError);
-    EXPECT_THROW(Read("<V>-1</V>", CIM_UINT32), MessageError);
-    EXPECT_THROW(Read("<V>18446744073709551616</V>", CIM_UINT64), MessageError);
-    EXPECT_THROW(Read("<V>1.5</V>", CIM_SINT32), MessageError);
-    EXPECT_THROW(Read("<V/>", CIM_SINT32), MessageError);
-    EXPECT_THROW(Read("<V>yes</V>", CIM_BOOLEAN), MessageError);
-    EXPECT_THROW(Read("<V>soon</V>", CIM_DATETIME), MessageError);
-    EXPECT_THROW(Read("<V>x</V>", CIM_REAL32), MessageError);
-    EXPECT_THROW(Read("<V>ab</V>", CIM_CHAR16), MessageError);
-    EXPECT_THROW(Read("<V>1</V><V>2</V>", CIM_UINT32), MessageError);
-    EXPECT_THROW(Read("<V>1</V><V>300</V>", CIM_UINT8 | kArray), MessageError);
+    EXPECT_THROW(ValueIn("<V>256</V>", CIM_UINT8), MessageError);
+    EXPECT_THROW(ValueIn("<V>-1</V>", CIM_UINT32), MessageError);
+    EXPECT_THROW(ValueIn("<V>18446744073709551616</V>", CIM_UINT64), MessageError);
+    EXPECT_THROW(ValueIn("<V>1.5</V>", CIM_SINT32), MessageError);
+    EXPECT_THROW(ValueIn("<V/>", CIM_SINT32), MessageError);
+    EXPECT_THROW(ValueIn("<V>yes</V>", CIM_BOOLEAN), MessageError);
+    EXPECT_THROW(ValueIn("<V>soon</V>", CIM_DATETIME), MessageError);
+    EXPECT_THROW(ValueIn("<V>x</V>", CIM_REAL32), MessageError);
+    EXPECT_THROW(ValueIn("<V>ab</V>", CIM_CHAR16), MessageError);
+    EXPECT_THROW(ValueIn("<V>1</V><V>2</V>", CIM_UINT32), MessageError);
+    EXPECT_THROW(ValueIn("<V>1</V><V>300</V>", CIM_UINT8 | kArray), MessageError);
 }
 
 TEST(ValuesTest, Properties_AreFoundWithoutRegardToOrderAndCase) {
