@@ -85,6 +85,11 @@ void CheckCharacters(std::string_view text) {
     if (!IsUtf8(text)) {
         throw XmlError("the text is no UTF-8");
     }
+    // U+FFFE and U+FFFF
+    if (text.find("\xEF\xBF\xBE") != std::string_view::npos ||
+        text.find("\xEF\xBF\xBF") != std::string_view::npos) {
+        throw XmlError("there is what is no character");
+    }
     for (const char character : text) {
         if (static_cast<unsigned char>(character) < 0x20 && character != '\t' && character != '\n' &&
             character != '\r') {
