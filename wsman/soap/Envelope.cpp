@@ -170,6 +170,7 @@ bool ReadBlock(const Element& block, RequestHead& head) {
         } else if (name == "To") {
             head.to = block.Word();
         } else if (name == "ReplyTo") {
+            head.hasReplyTo = true;
             head.isReplyAnonymous = block.Child("Address").Word() == kAnonymous;
         } else {
             return name == "From" || name == "RelatesTo";
@@ -241,6 +242,8 @@ RequestHead ReadRequestHead(const Element& envelope) {
         if (!ReadBlock(block, head) && (must == "true" || must == "1")) {
             head.notUnderstood = block.Name();
         }
+        head.isLocaleForced = head.isLocaleForced ||
+                              (must == "true" && (block.Name() == "Locale" || block.Name() == "DataLocale"));
         hasResource = hasResource || block.Is(kWsman, "ResourceURI");
     }
     if (hasResource) {
@@ -252,16 +255,20 @@ RequestHead ReadRequestHead(const Element& envelope) {
     return head;
 }
 
-std::string WriteResponse(std::string_view action, std::string_view relatesTo, std::string_view body) {
+std::string WriteResponse(std::string_view action, std::string_view relatesTo, std::string_view body,
+                          std::string_view notUnderstood) {
     XmlWriter xml;
     xml.Open("s:Envelope");
     DeclareAll(xml);
-    xml.Open("s:Header")
-        .Leaf("a:Action", action)
-        .Leaf("a:MessageID", NewMessageId())
-        .Leaf("a:To", kAnonymous);
+    xml.Open("s:Header");
+    if (!action.empty()) {
+        xml.Leaf("a:Action", action).Leaf("a:MessageID", NewMessageId()).Leaf("a:To", kAnonymous);
+    }
     if (!relatesTo.empty()) {
         xml.Leaf("a:RelatesTo", relatesTo);
+    }
+    if (!notUnderstood.empty()) {
+        xml.Open("s:NotUnderstood").Attribute("qname", notUnderstood).Close();
     }
     xml.Close().Open("s:Body").Raw(body).Close().Close();
     return xml.Take();

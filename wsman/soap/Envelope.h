@@ -27,6 +27,8 @@ struct RequestHead {
     std::string locale{};                        ///< "de-DE"; empty: none is asked for
     std::vector<wmi::NamedValue> options{};      ///< the values of an IWbemContext
     std::vector<std::string> transportOptions{}; ///< names of those that are not for the provider
+    bool hasReplyTo = false;                     ///< whether it says where the answer goes
+    bool isLocaleForced = false;                 ///< whether a language must be understood
     std::string notUnderstood{};                 ///< a block that must be understood, and is not
     bool isReplyAnonymous = true;                ///< whether the answer goes back the way it came
 };
@@ -37,8 +39,11 @@ std::string WriteRequest(const RequestHead& head, std::string_view body);
 /// it must have. A message without any head is one of "Identify".
 RequestHead ReadRequestHead(const Element& envelope);
 
-/// The frame of an answer. @param relatesTo the identifier of the request; empty: it had none
-std::string WriteResponse(std::string_view action, std::string_view relatesTo, std::string_view body);
+/// The frame of an answer. @param relatesTo the identifier of the request; empty: it had none @param
+/// notUnderstood the block of the request's head that had to be understood; empty: none. Without an action
+/// there is no head.
+std::string WriteResponse(std::string_view action, std::string_view relatesTo, std::string_view body,
+                          std::string_view notUnderstood = {});
 
 /// The "Body" of an envelope. Throws MessageError where there is not exactly one.
 Element BodyOf(const Element& envelope);

@@ -181,8 +181,14 @@ Fault FaultFor(HRESULT code, const std::string& reason) {
 void WriteFault(XmlWriter& xml, const Fault& fault, std::string_view machine) {
     const std::string number = std::to_string(static_cast<std::uint32_t>(fault.code));
     xml.Open("s:Fault");
-    xml.Open("s:Code").Leaf("s:Value", fault.isOurs ? "s:Receiver" : "s:Sender");
-    xml.Open("s:Subcode").Leaf("s:Value", fault.subcode).Close().Close();
+    const bool isMustUnderstand = fault.subcode.empty();
+    xml.Open("s:Code").Leaf("s:Value", isMustUnderstand ? "s:MustUnderstand"
+                                       : fault.isOurs   ? "s:Receiver"
+                                                        : "s:Sender");
+    if (!isMustUnderstand) {
+        xml.Open("s:Subcode").Leaf("s:Value", fault.subcode).Close();
+    }
+    xml.Close();
     xml.Open("s:Reason").Open("s:Text").Attribute("xml:lang", "en-US").Text(fault.reason).Close().Close();
     xml.Open("s:Detail");
     if (!fault.detail.empty()) {

@@ -156,7 +156,7 @@ wmi::Value ReadArray(std::span<const Element> elements, const wmi::Property& pro
 
 void WriteValue(XmlWriter& xml, std::string_view prefix, const wmi::Property& property,
                 const wmi::Value& value, const Namespace& space, DateTimeForm form) {
-    const std::string name = std::string(prefix) + ':' + wmi::ToUtf8(property.name);
+    const std::string name = (prefix.empty() ? "" : std::string(prefix) + ':') + wmi::ToUtf8(property.name);
     const CIMTYPE type = ElementType(property.type);
     const auto write = [&](const std::optional<wmi::Scalar>& scalar) {
         xml.Open(name);

@@ -20,7 +20,7 @@ enum class DateTimeForm {
 
 /// Writes a property or a parameter: an element, an element for each element of an array, none for an empty
 /// array. What is null is an element that says so.
-/// @param prefix of the class's namespace
+/// @param prefix of the class's namespace; empty: none
 void WriteValue(XmlWriter& xml, std::string_view prefix, const wmi::Property& property,
                 const wmi::Value& value, const Namespace& space, DateTimeForm form);
 

@@ -88,6 +88,10 @@ class Machine {
     std::unique_ptr<State> m_state;
 };
 
+/// A machine for whoever serves it otherwise than as this process's WMI: where connections to its namespace
+/// come from, with its journal and its faults.
+std::shared_ptr<Host> HostOf(std::shared_ptr<Machine> machine);
+
 /// Puts a machine behind CLSID_WbemLocator (and CLSID_WbemContext) for this process while it lives.
 /// COM looks class objects up by apartment on some hosts: make one on every thread that connects, but only
 /// one at a time in an apartment, where a second one may share the registration of the first. COM must have

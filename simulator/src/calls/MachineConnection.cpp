@@ -221,7 +221,10 @@ Outcome MachineHost::Connect(const CallContext& context, const ConnectArguments&
     return call.End(S_OK);
 }
 
-Registration::Registration(std::shared_ptr<Machine> machine)
-    : m_registration(std::make_shared<MachineHost>(std::move(machine))) {}
+std::shared_ptr<Host> HostOf(std::shared_ptr<Machine> machine) {
+    return std::make_shared<MachineHost>(std::move(machine));
+}
+
+Registration::Registration(std::shared_ptr<Machine> machine) : m_registration(HostOf(std::move(machine))) {}
 
 } // namespace quillet::simulator
