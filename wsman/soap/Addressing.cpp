@@ -2,6 +2,7 @@
 #include "soap/Addressing.h"
 
 #include "soap/Names.h"
+#include "soap/Scalars.h"
 
 #include <quillet-wmi/Text.h>
 
@@ -70,19 +71,6 @@ Endpoint ReadEndpoint(Element holder, std::size_t depth) {
         }
     }
     return endpoint;
-}
-
-/// The text of a key in a path: numbers and truth values stand for themselves, what they are is the class's
-/// to say.
-std::wstring TextOf(const wmi::Scalar& value) {
-    if (const auto* text = std::get_if<std::wstring>(&value)) {
-        return *text;
-    }
-    if (const auto* flag = std::get_if<bool>(&value)) {
-        return *flag ? L"true" : L"false";
-    }
-    const auto* natural = std::get_if<std::uint64_t>(&value);
-    return natural != nullptr ? std::to_wstring(*natural) : std::to_wstring(std::get<std::int64_t>(value));
 }
 
 wmi::Scalar KeyValue(const std::wstring& text, const wmi::Property* property) {
@@ -171,7 +159,8 @@ Endpoint EndpointOf(std::wstring_view path, const Namespace& space) {
     const wmi::ClassPtr definition = ClassOf(space, parsed->className);
     for (const wmi::ObjectPath::Key& key : parsed->keys) {
         const wmi::Property* property = KeyProperty(definition, key.name);
-        Selector selector{wmi::ToUtf8(property != nullptr ? property->name : key.name), TextOf(key.value)};
+        Selector selector{wmi::ToUtf8(property != nullptr ? property->name : key.name),
+                          Wide(ScalarText(key.value))};
         if (property != nullptr && property->type == CIM_REFERENCE) {
             selector.reference = std::make_shared<const Endpoint>(EndpointOf(selector.value, space));
         }

@@ -2,6 +2,7 @@
 #include "soap/ClassXml.h"
 
 #include "soap/Addressing.h"
+#include "soap/Scalars.h"
 #include "soap/Values.h"
 
 #include <quillet-wmi/Text.h>
@@ -38,21 +39,6 @@ CIMTYPE TypeCalled(std::string_view name) {
         throw MessageError("a class has a type that there is not");
     }
     return *found;
-}
-
-std::string ScalarText(const wmi::Scalar& scalar) {
-    if (const auto* flag = std::get_if<bool>(&scalar)) {
-        return *flag ? "TRUE" : "FALSE";
-    }
-    if (const auto* text = std::get_if<std::wstring>(&scalar)) {
-        return wmi::ToUtf8(*text);
-    }
-    if (const auto* whole = std::get_if<std::int64_t>(&scalar)) {
-        return std::to_string(*whole);
-    }
-    const auto* natural = std::get_if<std::uint64_t>(&scalar);
-    return natural != nullptr ? std::to_string(*natural)
-                              : wmi::ToUtf8(wmi::RealText(std::get<double>(scalar)));
 }
 
 void WriteClassValue(XmlWriter& xml, const wmi::Value& value) {

@@ -3,6 +3,7 @@
 
 #include "soap/DateTimes.h"
 #include "soap/Names.h"
+#include "soap/Scalars.h"
 
 #include <quillet-wmi/Text.h>
 
@@ -48,23 +49,9 @@ const OptionType& TypeFor(const wmi::Scalar& scalar) {
                                                                         : 0];
 }
 
-std::string OptionText(const wmi::Scalar& scalar) {
-    if (const auto* flag = std::get_if<bool>(&scalar)) {
-        return *flag ? "true" : "false";
-    }
-    if (const auto* whole = std::get_if<std::int64_t>(&scalar)) {
-        return std::to_string(*whole);
-    }
-    if (const auto* natural = std::get_if<std::uint64_t>(&scalar)) {
-        return std::to_string(*natural);
-    }
-    const auto* text = std::get_if<std::wstring>(&scalar);
-    return wmi::ToUtf8(text != nullptr ? *text : wmi::RealText(std::get<double>(scalar)));
-}
-
 void WriteOption(XmlWriter& xml, std::string_view prefix, std::string_view name, const wmi::Scalar& scalar) {
     xml.Open("w:Option").Attribute("Name", std::string(prefix) + std::string(name));
-    xml.Attribute("Type", std::string("xs:") + TypeFor(scalar).name).Text(OptionText(scalar)).Close();
+    xml.Attribute("Type", std::string("xs:") + TypeFor(scalar).name).Text(ScalarText(scalar)).Close();
 }
 
 void WriteOptions(XmlWriter& xml, const RequestHead& head) {

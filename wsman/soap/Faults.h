@@ -16,9 +16,9 @@ struct Fault {
     HRESULT code = 0;
     std::string subcode{}; ///< "a:DestinationUnreachable", with the prefixes that our own messages declare;
                            ///< empty: a header that had to be understood
-    bool isOurs = false;  ///< the receiver's failure, and none of the message
-    std::string detail{}; ///< the last part of a fault detail URI: "InvalidResourceURI"; empty: none
-    std::string reason{}; ///< for people
+    bool isOurs = false;   ///< the receiver's failure, and none of the message
+    std::string detail{};  ///< the last part of a fault detail URI: "InvalidResourceURI"; empty: none
+    std::string reason{};  ///< for people
 };
 
 /// The fault for a code of WMI's. @param reason for people; empty: the code's name is all there is to say

@@ -2,6 +2,7 @@
 #include "soap/Values.h"
 
 #include "soap/DateTimes.h"
+#include "soap/Scalars.h"
 
 #include <quillet-wmi/Text.h>
 
@@ -22,25 +23,16 @@ constexpr bool IsArrayType(CIMTYPE type) noexcept {
 
 void WriteScalar(XmlWriter& xml, CIMTYPE type, const wmi::Scalar& scalar, const Namespace& space,
                  DateTimeForm form) {
-    if (const auto* text = std::get_if<std::wstring>(&scalar)) {
-        if (type == CIM_REFERENCE) {
-            WriteEndpoint(xml, EndpointOf(*text, space));
-        } else if (type == CIM_DATETIME) {
-            const XmlDateTime written = form == DateTimeForm::Xml
-                                            ? ToXmlDateTime(*text)
-                                            : XmlDateTime{"CIM_DateTime", wmi::ToUtf8(*text)};
-            xml.Leaf("cim:" + std::string(written.element), written.text);
-        } else {
-            xml.Text(wmi::ToUtf8(*text));
-        }
-    } else if (const auto* flag = std::get_if<bool>(&scalar)) {
-        xml.Text(*flag ? "true" : "false");
-    } else if (const auto* whole = std::get_if<std::int64_t>(&scalar)) {
-        xml.Text(std::to_string(*whole));
-    } else if (const auto* natural = std::get_if<std::uint64_t>(&scalar)) {
-        xml.Text(std::to_string(*natural));
+    const auto* text = std::get_if<std::wstring>(&scalar);
+    if (text != nullptr && type == CIM_REFERENCE) {
+        WriteEndpoint(xml, EndpointOf(*text, space));
+    } else if (text != nullptr && type == CIM_DATETIME) {
+        const XmlDateTime written = form == DateTimeForm::Xml
+                                        ? ToXmlDateTime(*text)
+                                        : XmlDateTime{"CIM_DateTime", wmi::ToUtf8(*text)};
+        xml.Leaf("cim:" + std::string(written.element), written.text);
     } else {
-        xml.Text(wmi::ToUtf8(wmi::RealText(std::get<double>(scalar))));
+        xml.Text(ScalarText(scalar));
     }
 }
 
