@@ -3,7 +3,6 @@
 #include "changes/ClientSet.h"
 #include "commands/AdapterCommand.h"
 #include "commands/Commands.h"
-#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 

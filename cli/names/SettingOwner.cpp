@@ -16,17 +16,25 @@ namespace quilletctl {
 
 namespace {
 
+using OwnerId = decltype(SettingOwner::id);
+
+template <class Id>
+OwnerId Make(std::wstring path) {
+    return Id(std::move(path));
+}
+
 struct OwnerClass {
     SettingOwner::Kind kind;
     const char* name;
     const char* key;
+    OwnerId (*idOf)(std::wstring path);
 };
 
 constexpr OwnerClass kClasses[] = {
-    {SettingOwner::Kind::Adapter, "Zorel_PhysicalEthernetAdapter", "DeviceID"},
-    {SettingOwner::Kind::Team, "Zorel_TeamOfAdapters", "Name"},
-    {SettingOwner::Kind::Vlan, "Zorel_VLAN", "Name"},
-    {SettingOwner::Kind::BootAgent, "Zorel_BootAgent", "Name"},
+    {SettingOwner::Kind::Adapter, "Zorel_PhysicalEthernetAdapter", "DeviceID", Make<quillet::AdapterId>},
+    {SettingOwner::Kind::Team, "Zorel_TeamOfAdapters", "Name", Make<quillet::TeamId>},
+    {SettingOwner::Kind::Vlan, "Zorel_VLAN", "Name", Make<quillet::VlanId>},
+    {SettingOwner::Kind::BootAgent, "Zorel_BootAgent", "Name", Make<quillet::BootAgentId>},
 };
 
 const OwnerClass& ClassOf(SettingOwner::Kind kind) {
@@ -58,22 +66,7 @@ std::string ObjectIdFrom(std::string_view text) {
 /// An owner by its path.
 SettingOwner Owner(SettingOwner::Kind kind, const std::string& path, const std::string& objectId,
                    const std::string& called) {
-    SettingOwner owner{{}, path, objectId, called};
-    switch (kind) {
-    case SettingOwner::Kind::Adapter:
-        owner.id = quillet::AdapterId(ToWide(path));
-        break;
-    case SettingOwner::Kind::Team:
-        owner.id = quillet::TeamId(ToWide(path));
-        break;
-    case SettingOwner::Kind::Vlan:
-        owner.id = quillet::VlanId(ToWide(path));
-        break;
-    case SettingOwner::Kind::BootAgent:
-        owner.id = quillet::BootAgentId(ToWide(path));
-        break;
-    }
-    return owner;
+    return {ClassOf(kind).idOf(ToWide(path)), path, objectId, called};
 }
 
 SettingOwner OwnerAt(const std::string& path, const ObjectName& name, const std::string& kind) {

@@ -31,12 +31,6 @@ std::unique_ptr<Enumeration> Enumerations::Take(const std::string& user, const s
     return taken;
 }
 
-std::size_t Enumerations::Count() {
-    const std::lock_guard lock(m_mutex);
-    ForgetIdle();
-    return m_kept.size();
-}
-
 void Enumerations::ForgetIdle() {
     const Clock::time_point now = Clock::now();
     std::erase_if(m_kept, [&](const auto& each) { return now - each.second.since > m_idle; });

@@ -40,7 +40,6 @@ class Enumerations {
     /// Takes one out; null where there is none of that identifier, user and resource.
     std::unique_ptr<Enumeration> Take(const std::string& user, const std::string& id,
                                       const std::string& resource);
-    std::size_t Count();
 
   private:
     struct Kept {

@@ -14,6 +14,8 @@
 
 namespace quillet::wsman {
 
+class Request;
+
 struct ServiceOptions {
     std::size_t maxEnvelope = 512'000;        ///< the most bytes of an answer
     std::size_t maxItems = 32'000;            ///< the most objects of one
@@ -40,7 +42,7 @@ class Service {
     Reply Answer(std::string request, const std::string& user);
 
   private:
-    class Request;
+    friend class Request;
 
     const std::shared_ptr<wmi::Connection> m_connection;
     const Schema m_schema;

@@ -15,14 +15,6 @@ namespace {
 constexpr std::size_t kDeepestReference = 4;
 constexpr std::size_t kMostSelectors = 64;
 
-std::wstring Wide(std::string_view text) {
-    std::optional<std::wstring> wide = wmi::FromUtf8(text);
-    if (!wide) {
-        throw MessageError("a name is no UTF-8");
-    }
-    return std::move(*wide);
-}
-
 bool SameText(std::string_view left, std::string_view right) {
     return wmi::SameName(Wide(left), Wide(right));
 }
@@ -101,6 +93,14 @@ wmi::ClassPtr ClassOf(const Namespace& space, std::wstring_view name) {
 }
 
 } // namespace
+
+std::wstring Wide(std::string_view text) {
+    std::optional<std::wstring> wide = wmi::FromUtf8(text);
+    if (!wide) {
+        throw MessageError("a name is no UTF-8");
+    }
+    return std::move(*wide);
+}
 
 const Selector* Endpoint::Find(std::string_view name) const {
     for (const Selector& selector : selectors) {

@@ -21,6 +21,9 @@ class MessageError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// The wide form of a name (UTF-8). Throws MessageError where it is none.
+std::wstring Wide(std::string_view text);
+
 struct Endpoint;
 
 /// The value of one key.

@@ -24,7 +24,7 @@ constexpr bool IsArrayType(CIMTYPE type) noexcept {
 void WriteScalar(XmlWriter& xml, CIMTYPE type, const wmi::Scalar& scalar, const Namespace& space,
                  DateTimeForm form) {
     const auto* text = std::get_if<std::wstring>(&scalar);
-    if (text != nullptr && type == CIM_REFERENCE) {
+    if (text != nullptr && type == CIM_REFERENCE && wmi::ObjectPath::Parse(*text)) {
         WriteEndpoint(xml, EndpointOf(*text, space));
     } else if (text != nullptr && type == CIM_DATETIME) {
         const XmlDateTime written = form == DateTimeForm::Xml

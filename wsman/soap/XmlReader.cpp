@@ -221,11 +221,6 @@ bool Element::IsNil() const {
     return nil && (*nil == "true" || *nil == "1");
 }
 
-std::string Element::LocalPartOf(std::string_view attribute) const {
-    const std::optional<std::string> qualified = Attribute(attribute);
-    return qualified ? std::string(LocalPart(*qualified)) : std::string();
-}
-
 Element Element::First() const {
     pugi::xml_node child = m_node.first_child();
     while (child && child.type() != pugi::node_element) {

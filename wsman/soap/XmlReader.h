@@ -44,9 +44,6 @@ class Element {
     std::optional<std::string> Attribute(std::string_view name) const;
     /// Whether "xsi:nil" says that there is no value.
     bool IsNil() const;
-    /// The local part of the name that an attribute has as its value: "Zorel_VLAN_Type" for
-    /// "q:Zorel_VLAN_Type".
-    std::string LocalPartOf(std::string_view attribute) const;
 
     /// The first child of a name.
     Element Child(std::string_view name) const;
@@ -56,10 +53,10 @@ class Element {
     Element First() const;
     Element Next() const;
 
+  private:
     /// The namespace that the prefix of a name means here.
     std::string_view SpaceOf(std::string_view qualified) const;
 
-  private:
     pugi::xml_node m_node;
 };
 

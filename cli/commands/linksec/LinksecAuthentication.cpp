@@ -5,7 +5,6 @@
 #include "commands/linksec/LinksecOptions.h"
 #include "commands/linksec/LinksecVerbs.h"
 #include "secrets/SecretInput.h"
-#include "texts/Text.h"
 
 #include <map>
 #include <memory>

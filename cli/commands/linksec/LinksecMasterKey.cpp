@@ -6,7 +6,6 @@
 #include "commands/linksec/LinksecOptions.h"
 #include "commands/linksec/LinksecVerbs.h"
 #include "secrets/SecretInput.h"
-#include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 

@@ -247,6 +247,7 @@ TEST_F(ServiceTest, AMethod_GetsItsParametersAndTheContext) {
     ASSERT_NE(calls[0].ContextValue(L"ClientSetHandle"), nullptr);
     EXPECT_TRUE(calls[0].ContextValue(L"ClientSetHandle")->value == Value::Signed(7));
     EXPECT_EQ(Send(Head(kAdapters + "/Dance", kAdapters, "{B}")).Fault().code, Code(WBEM_E_INVALID_METHOD));
+    EXPECT_EQ(Send(Head(kAdapters + "/a><b/><a", kAdapters, "{B}")).Fault().subcode, "a:ActionNotSupported");
     EXPECT_EQ(Send(head, "<x><unknown>1</unknown></x>").Fault().subcode, "w:SchemaValidationError");
     EXPECT_EQ(Send(head, "<x><nSeconds>soon</nSeconds></x>").Fault().subcode, "w:SchemaValidationError");
 }

@@ -85,6 +85,11 @@ TEST(ValuesTest, ForeignForms_AreRead) {
     EXPECT_TRUE(ValueIn("<V xsi:nil='true'/>", CIM_STRING | kArray).IsNull());
 }
 
+TEST(ValuesTest, AReferenceThatIsNoPath_StaysTheTextThatItIs) {
+    const Value text = Value::Text(L"no path..");
+    EXPECT_TRUE(ValueIn(Written(text, CIM_REFERENCE), CIM_REFERENCE) == text);
+}
+
 TEST(ValuesTest, WhatIsNoneOfItsType_IsRefused) {
     EXPECT_THROW(ValueIn("<V>256</V>", CIM_UINT8), MessageError);
     EXPECT_THROW(ValueIn("<V>-1</V>", CIM_UINT32), MessageError);

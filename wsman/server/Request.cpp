@@ -1,0 +1,245 @@
+// What a request asks the machine: instances, methods, classes.
+#include "server/Request.h"
+
+#include "soap/ClassXml.h"
+#include "soap/Names.h"
+#include "soap/Values.h"
+
+#include <quillet-wmi/Text.h>
+
+#include <wbemidl.h>
+
+#include <algorithm>
+
+namespace quillet::wsman {
+
+namespace {
+
+constexpr std::string_view kGet = "http://schemas.xmlsoap.org/ws/2004/09/transfer/Get";
+constexpr std::string_view kPut = "http://schemas.xmlsoap.org/ws/2004/09/transfer/Put";
+constexpr std::string_view kCreate = "http://schemas.xmlsoap.org/ws/2004/09/transfer/Create";
+constexpr std::string_view kDelete = "http://schemas.xmlsoap.org/ws/2004/09/transfer/Delete";
+constexpr std::string_view kEnumerate = "http://schemas.xmlsoap.org/ws/2004/09/enumeration/Enumerate";
+constexpr std::string_view kPull = "http://schemas.xmlsoap.org/ws/2004/09/enumeration/Pull";
+constexpr std::string_view kRelease = "http://schemas.xmlsoap.org/ws/2004/09/enumeration/Release";
+
+/// The option by which a client names the properties that it changed.
+constexpr const wchar_t* kModified = L"__MIInstanceModifiedPropertiesList";
+
+LCID LanguageOf(const std::string& locale) {
+    struct Language {
+        const char* name;
+        LCID id;
+    };
+    constexpr Language kLanguages[] = {{"en", 0x409}, {"de", 0x407}, {"fr", 0x40C}};
+    for (const Language& each : kLanguages) {
+        if (std::string_view(locale).substr(0, 2) == each.name) {
+            return each.id;
+        }
+    }
+    return 0;
+}
+
+/// Whether a name is among those of a list.
+bool Names(const wmi::NamedValue& list, const std::wstring& name) {
+    const wmi::Value::Array elements = list.value.Elements();
+    return std::any_of(elements.begin(), elements.end(), [&](const std::optional<wmi::Scalar>& each) {
+        const auto* text = each ? std::get_if<std::wstring>(&*each) : nullptr;
+        return text != nullptr && wmi::SameName(*text, name);
+    });
+}
+
+} // namespace
+
+void Fail(HRESULT code, const std::string& reason) {
+    throw Failed{FaultFor(code, reason)};
+}
+
+void Fail(const char* subcode, const std::string& reason, const char* detail) {
+    throw Failed{{HRESULT(WBEM_E_INVALID_PARAMETER), subcode, false, detail, reason}};
+}
+
+Request::Request(Service& service, const Element& envelope, const RequestHead& head, const std::string& user)
+    : m_service(service), m_connection(*service.m_connection), m_head(head), m_body(BodyOf(envelope)),
+      m_user(user) {
+    m_context.hasContext = !head.options.empty();
+    m_context.values = head.options;
+    m_context.locale = LanguageOf(head.locale);
+    m_space.server = m_connection.ServerName();
+    m_space.name = m_connection.NamespaceName();
+    m_space.classOf = service.m_schema;
+}
+
+std::string Request::Answer() {
+    if (m_head.action == kGet) {
+        return m_head.endpoint.resource == kClassesAsXml ? GetClass() : Get();
+    }
+    if (m_head.action == kEnumerate) {
+        return Enumerate();
+    }
+    if (m_head.action == kPull) {
+        return Pull();
+    }
+    if (m_head.action == kRelease) {
+        Release();
+        return {};
+    }
+    if (m_head.action == kPut) {
+        return Put();
+    }
+    if (m_head.action == kCreate) {
+        return Create();
+    }
+    if (m_head.action == kDelete) {
+        Succeed(m_connection.DeleteInstance(m_context, Path().Text()));
+        return {};
+    }
+    return Invoke();
+}
+
+void Request::Succeed(const wmi::Outcome& outcome) {
+    if (FAILED(outcome.status)) {
+        Fail(outcome.status);
+    }
+}
+
+wmi::ObjectPath Request::Path() const {
+    wmi::ObjectPath path = PathOf(m_head.endpoint, m_space);
+    if (!wmi::SameName(path.namespacePath, m_space.name)) {
+        Fail(HRESULT(WBEM_E_INVALID_NAMESPACE));
+    }
+    return path;
+}
+
+wmi::ObjectPath Request::InstancePath() const {
+    wmi::ObjectPath path = Path();
+    path.singleton = path.keys.empty();
+    return path;
+}
+
+std::string Request::GetClass() {
+    const Selector* name = m_head.endpoint.Find("ClassName");
+    if (name == nullptr) {
+        Fail("w:InvalidSelectors", "The name of a class is needed.", "InsufficientSelectors");
+    }
+    wmi::Object found;
+    Succeed(m_connection.GetObject(m_context, name->value, found));
+    if (found.definition == nullptr) {
+        Fail(HRESULT(WBEM_E_NOT_FOUND));
+    }
+    XmlWriter xml;
+    WriteClass(xml, *found.definition, m_context.locale);
+    return xml.Take();
+}
+
+std::string Request::Get() {
+    wmi::Object found;
+    Succeed(m_connection.GetObject(m_context, InstancePath().Text(), found));
+    if (found.instance == nullptr) {
+        Fail(HRESULT(WBEM_E_NOT_FOUND));
+    }
+    XmlWriter xml;
+    WriteInstance(xml, found);
+    return xml.Take();
+}
+
+void Request::WriteInstance(XmlWriter& xml, const wmi::Object& object) const {
+    const std::string name = "p:" + wmi::ToUtf8(object.definition->name);
+    xml.Open(name).Declare("p", ClassUri(m_space.name, object.definition->name));
+    xml.Attribute("xsi:type", name + "_Type");
+    WriteProperties(xml, "p", *object.instance, m_space, DateTimeForm::Xml);
+    xml.Close();
+}
+
+wmi::Instance Request::ReadInstance(const wmi::ClassPtr& definition,
+                                    std::vector<wmi::NamedValue>& puts) const {
+    const Element element = m_body.First();
+    if (!element) {
+        Fail("w:SchemaValidationError", "There is no instance in the body.");
+    }
+    wmi::Instance instance = ReadProperties(definition, element, m_space, Unknown::Refused);
+    const wmi::NamedValue* modified = wmi::FindNamed(m_context.values, kModified);
+    for (std::size_t i = 0; i < definition->properties.size(); ++i) {
+        const wmi::Property& property = definition->properties[i];
+        if (modified == nullptr ? !instance.values[i].IsNull() : Names(*modified, property.name)) {
+            puts.push_back({property.name, VT_EMPTY, property.type, instance.values[i]});
+        }
+    }
+    return instance;
+}
+
+wmi::ClassPtr Request::ClassOfRequest() const {
+    wmi::ClassPtr definition = m_service.m_schema(ResourceOf(m_head.endpoint).className);
+    if (definition == nullptr) {
+        Fail(HRESULT(WBEM_E_INVALID_CLASS));
+    }
+    return definition;
+}
+
+std::string Request::Put() {
+    std::vector<wmi::NamedValue> puts;
+    const wmi::Instance instance = ReadInstance(ClassOfRequest(), puts);
+    Succeed(m_connection.PutInstance(m_context, {instance, puts}, wmi::WriteMode::UpdateOnly));
+    return {};
+}
+
+std::string Request::Create() {
+    std::vector<wmi::NamedValue> puts;
+    const wmi::Instance instance = ReadInstance(ClassOfRequest(), puts);
+    Succeed(m_connection.PutInstance(m_context, {instance, puts}, wmi::WriteMode::CreateOnly));
+    XmlWriter xml;
+    xml.Open("x:ResourceCreated");
+    WriteEndpoint(xml, EndpointOf(wmi::RelativePath(instance), m_space));
+    xml.Close();
+    return xml.Take();
+}
+
+std::string Request::Invoke() {
+    const std::string prefix = m_head.endpoint.resource + '/';
+    if (m_head.endpoint.resource.empty() || !m_head.action.starts_with(prefix)) {
+        Fail("a:ActionNotSupported", "There is no such action.", "ActionMismatch");
+    }
+    const std::wstring name = Wide(m_head.action.substr(prefix.size()));
+    if (!wmi::IsIdentifier(name)) { // which the answer repeats as the name of an element
+        Fail("a:ActionNotSupported", "There is no such action.", "ActionMismatch");
+    }
+    const wmi::ClassPtr definition = ClassOfRequest();
+    const wmi::Method* method = definition->FindMethod(name);
+    wmi::Instance in;
+    std::vector<wmi::NamedValue> puts;
+    if (method != nullptr) {
+        ReadParameters(*method, in, puts);
+    }
+    const wmi::Filled filled{in, puts};
+    wmi::InstancePtr out;
+    Succeed(m_connection.ExecMethod(m_context, Path().Text(), method != nullptr ? method->name : name,
+                                    in.definition != nullptr ? &filled : nullptr, out));
+    XmlWriter xml;
+    xml.Open("p:" + wmi::ToUtf8(name) + "_OUTPUT").Declare("p", m_head.endpoint.resource);
+    if (out != nullptr) {
+        WriteProperties(xml, "p", *out, m_space, DateTimeForm::Xml);
+    }
+    xml.Close();
+    return xml.Take();
+}
+
+void Request::ReadParameters(const wmi::Method& method, wmi::Instance& in,
+                             std::vector<wmi::NamedValue>& puts) const {
+    const wmi::ClassPtr signature = wmi::InSignature(method);
+    const Element given = m_body.First();
+    if (signature == nullptr || !given) {
+        return;
+    }
+    in = wmi::Instance(signature);
+    const wmi::Instance read = ReadProperties(signature, given, m_space, Unknown::Refused);
+    for (const Element& each : given.Children()) {
+        const auto index = signature->PropertyIndex(Wide(std::string(each.Name())));
+        const wmi::Property& parameter = signature->properties[*index];
+        if (wmi::FindNamed(puts, parameter.name) == nullptr) {
+            in.values[*index] = read.values[*index];
+            puts.push_back({parameter.name, VT_EMPTY, parameter.type, read.values[*index]});
+        }
+    }
+}
+
+} // namespace quillet::wsman
