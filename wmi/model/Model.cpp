@@ -146,4 +146,20 @@ bool IsIdentifier(std::wstring_view text) noexcept {
            std::all_of(text.begin(), text.end(), IsIdentifierCharacter);
 }
 
+ClassPtr Project(const ClassDefinition& definition, const std::vector<std::wstring>& names) {
+    auto projected = std::make_shared<ClassDefinition>(definition);
+    const auto asked = [&](const Property& property) {
+        return std::any_of(names.begin(), names.end(),
+                           [&](const std::wstring& name) { return SameName(name, property.name); });
+    };
+    auto& properties = projected->properties;
+    projected->lacksKeys = std::any_of(properties.begin(), properties.end(), [&](const Property& property) {
+        return property.IsKey() && !asked(property);
+    });
+    properties.erase(std::remove_if(properties.begin(), properties.end(),
+                                    [&](const Property& property) { return !asked(property); }),
+                     properties.end());
+    return projected;
+}
+
 } // namespace quillet::wmi

@@ -31,11 +31,26 @@ inline constexpr std::string_view kWmiClasses = "http://schemas.microsoft.com/wb
 /// Classes themselves, as CIM-XML.
 inline constexpr std::string_view kClassesAsXml = "http://schemas.dmtf.org/wbem/cim-xml/2/cim-schema/2/*";
 
+/// Any class, for queries.
+inline constexpr std::string_view kDmtfAllClasses = "http://schemas.dmtf.org/wbem/wscim/1/*";
+
+// What a message wants done, where it is no method.
+inline constexpr std::string_view kGet = "http://schemas.xmlsoap.org/ws/2004/09/transfer/Get";
+inline constexpr std::string_view kPut = "http://schemas.xmlsoap.org/ws/2004/09/transfer/Put";
+inline constexpr std::string_view kCreate = "http://schemas.xmlsoap.org/ws/2004/09/transfer/Create";
+inline constexpr std::string_view kDelete = "http://schemas.xmlsoap.org/ws/2004/09/transfer/Delete";
+inline constexpr std::string_view kEnumerate = "http://schemas.xmlsoap.org/ws/2004/09/enumeration/Enumerate";
+inline constexpr std::string_view kPull = "http://schemas.xmlsoap.org/ws/2004/09/enumeration/Pull";
+inline constexpr std::string_view kRelease = "http://schemas.xmlsoap.org/ws/2004/09/enumeration/Release";
+
 /// The language of queries.
 inline constexpr std::string_view kWqlDialect = "http://schemas.microsoft.com/wbem/wsman/1/WQL";
 
 /// The selector that names the namespace beside a resource URI without one.
 inline constexpr std::string_view kNamespaceSelector = "__cimnamespace";
+
+/// The option by which a client names the properties that it changed, one each.
+inline constexpr const wchar_t* kModifiedProperties = L"__MIInstanceModifiedPropertiesList";
 
 /// The least envelope that a client may ask for.
 inline constexpr std::size_t kLeastEnvelope = 8192;

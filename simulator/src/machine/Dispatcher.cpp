@@ -10,23 +10,6 @@ namespace quillet::simulator {
 
 namespace {
 
-/// A class that has only some of the properties of another, for SELECT with a list.
-ClassPtr Project(const ClassDefinition& definition, const std::vector<std::wstring>& names) {
-    auto projected = std::make_shared<ClassDefinition>(definition);
-    const auto asked = [&](const Property& property) {
-        return std::any_of(names.begin(), names.end(),
-                           [&](const std::wstring& name) { return SameName(name, property.name); });
-    };
-    auto& properties = projected->properties;
-    projected->lacksKeys = std::any_of(properties.begin(), properties.end(), [&](const Property& property) {
-        return property.IsKey() && !asked(property);
-    });
-    properties.erase(std::remove_if(properties.begin(), properties.end(),
-                                    [&](const Property& property) { return !asked(property); }),
-                     properties.end());
-    return projected;
-}
-
 std::vector<Object> Projected(const std::vector<InstancePtr>& instances,
                               const std::vector<std::wstring>& names) {
     std::map<ClassPtr, ClassPtr> classes;

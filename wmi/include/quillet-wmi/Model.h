@@ -197,6 +197,9 @@ ClassPtr InSignature(const Method& method);
 /// The same for the out-parameters, of which the return value is the last.
 ClassPtr OutSignature(const Method& method);
 
+/// A class that has only some of the properties of another, for SELECT with a list.
+ClassPtr Project(const ClassDefinition& definition, const std::vector<std::wstring>& names);
+
 /// Where a qualifier may stand; bits.
 enum QualifierScope : unsigned {
     ScopeClass = 1,

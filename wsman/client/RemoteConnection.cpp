@@ -1,0 +1,378 @@
+// Calls of WMI as messages of WS-Management.
+#include "client/RemoteConnection.h"
+
+#include "client/Failures.h"
+#include "client/RemoteStream.h"
+#include "soap/Names.h"
+
+#include <quillet-wmi/ObjectPath.h>
+#include <quillet-wmi/Text.h>
+
+#include <wbemidl.h>
+
+#include <algorithm>
+#include <array>
+#include <set>
+
+namespace quillet::wsman {
+
+namespace {
+
+std::wstring ThisComputer() {
+    std::array<wchar_t, 256> name{};
+    DWORD length = static_cast<DWORD>(name.size());
+    return GetComputerNameW(name.data(), &length) != FALSE ? std::wstring(name.data(), length)
+                                                           : std::wstring();
+}
+
+std::wstring_view FirstLabel(std::wstring_view name) {
+    return name.substr(0, name.find(L'.'));
+}
+
+/// A class as far as one of its instances shows it, where nobody tells more: every value is a text.
+wmi::ClassPtr Inferred(const Element& element) {
+    auto definition = std::make_shared<wmi::ClassDefinition>();
+    definition->name = Wide(element.Name());
+    std::set<std::string_view> arrays;
+    std::string_view last;
+    for (const Element& each : element.Children()) {
+        if (each.Name() == last) {
+            arrays.insert(last);
+            continue;
+        }
+        last = each.Name();
+        wmi::Property property;
+        property.name = Wide(last);
+        property.type = each.HasChildren() && each.Child("ReferenceParameters") ? CIM_REFERENCE : CIM_STRING;
+        property.origin = definition->name;
+        definition->properties.push_back(std::move(property));
+    }
+    for (wmi::Property& property : definition->properties) {
+        if (arrays.count(wmi::ToUtf8(property.name)) > 0) {
+            property.type |= CIM_FLAG_ARRAY;
+        }
+    }
+    return definition;
+}
+
+/// The keys that an instance lacks, from the reference to it.
+void TakeKeys(wmi::Instance& instance, const wmi::ObjectPath& path) {
+    for (const wmi::ObjectPath::Key& key : path.keys) {
+        const auto index = instance.definition->PropertyIndex(key.name);
+        if (index && instance.values[*index].IsNull()) {
+            const CIMTYPE type = instance.definition->properties[*index].type;
+            wmi::Value value(key.value);
+            if (wmi::Fits(value, type)) {
+                instance.values[*index] = wmi::Normalised(std::move(value), type);
+            }
+        }
+    }
+}
+
+void WriteNamed(XmlWriter& xml, const wmi::Instance& from, std::size_t index, const Namespace& space) {
+    WriteValue(xml, "p", from.definition->properties[index], from.values[index], space, DateTimeForm::Cim);
+}
+
+/// The in-parameters: those that the client put, in its order, then what else has a value.
+std::string InputBody(const std::string& method, const std::string& resource, const wmi::Filled* in,
+                      const Namespace& space) {
+    XmlWriter xml;
+    xml.Open("p:" + method + "_INPUT").Declare("p", resource);
+    if (in != nullptr && in->values.definition != nullptr) {
+        std::set<std::size_t> written;
+        for (const wmi::NamedValue& put : in->puts) {
+            const auto index = in->values.definition->PropertyIndex(put.name);
+            if (index && written.insert(*index).second) {
+                WriteNamed(xml, in->values, *index, space);
+            }
+        }
+        for (std::size_t i = 0; i < in->values.values.size(); ++i) {
+            if (written.count(i) == 0 && !in->values.values[i].IsNull()) {
+                WriteNamed(xml, in->values, i, space);
+            }
+        }
+    }
+    return xml.Close().Take();
+}
+
+/// Whether a place in a query is where the server of a path stands: behind a quote or a brace and its
+/// backslashes, which may be escaped.
+bool BeginsPath(std::wstring_view text, std::size_t place) {
+    std::size_t slashes = 0;
+    while (place > slashes && text[place - slashes - 1] == L'\\') {
+        ++slashes;
+    }
+    constexpr std::wstring_view kBefore = L"'\"{";
+    return slashes >= 2 && place > slashes &&
+           kBefore.find(text[place - slashes - 1]) != std::wstring_view::npos;
+}
+
+} // namespace
+
+wmi::Outcome Guarded(const std::function<void()>& request) {
+    RememberFailure({});
+    try {
+        request();
+        return S_OK;
+    } catch (const RemoteError& error) {
+        RememberFailure(error.what());
+        return error.Code();
+    } catch (const MessageError& error) {
+        RememberFailure(std::string("the answer cannot be read: ") + error.what());
+        return HRESULT(WBEM_E_TRANSPORT_FAILURE);
+    } catch (const XmlError& error) {
+        RememberFailure(std::string("the answer cannot be read: ") + error.what());
+        return HRESULT(WBEM_E_TRANSPORT_FAILURE);
+    } catch (const std::bad_alloc&) {
+        return HRESULT(WBEM_E_OUT_OF_MEMORY);
+    }
+}
+
+RemoteConnection::RemoteConnection(std::shared_ptr<Peer> peer, std::wstring serverName,
+                                   std::wstring namespaceName)
+    : m_peer(std::move(peer)), m_serverName(std::move(serverName)),
+      m_namespaceName(std::move(namespaceName)) {}
+
+Namespace RemoteConnection::SpaceOf(const wmi::CallContext& context) const {
+    return {m_serverName, m_namespaceName, [this, locale = context.locale](std::wstring_view name) {
+                wmi::CallContext plain;
+                plain.locale = locale;
+                return m_peer->ClassOf(m_namespaceName, name, plain);
+            }};
+}
+
+wmi::ClassPtr RemoteConnection::ClassOf(const wmi::CallContext& context, std::wstring_view name) const {
+    return m_peer->ClassOf(m_namespaceName, name, context);
+}
+
+bool RemoteConnection::IsThisMachine(std::wstring_view server) const {
+    const std::wstring host = Wide(m_peer->Host());
+    return server.empty() || server == L"." || wmi::SameName(server, m_serverName) ||
+           wmi::SameName(FirstLabel(server), FirstLabel(host)) || wmi::SameName(server, ThisComputer());
+}
+
+Endpoint RemoteConnection::Target(const wmi::CallContext& context, std::wstring_view path) const {
+    const auto parsed = wmi::ObjectPath::Parse(path);
+    if (!parsed) {
+        throw RemoteError(HRESULT(WBEM_E_INVALID_OBJECT_PATH), "this is no object path");
+    }
+    if (!parsed->namespacePath.empty() && !wmi::SameName(parsed->namespacePath, m_namespaceName)) {
+        throw RemoteError(HRESULT(WBEM_E_INVALID_NAMESPACE), "the object path is one of another namespace");
+    }
+    if (!IsThisMachine(parsed->server)) {
+        throw RemoteError(HRESULT(WBEM_E_NOT_FOUND), "the object path is one of another machine");
+    }
+    return EndpointOf(path, SpaceOf(context));
+}
+
+wmi::Object RemoteConnection::ObjectOf(const wmi::CallContext& context, const Element& element,
+                                       const Element& reference) const {
+    wmi::ClassPtr definition = ClassOf(context, Wide(element.Name()));
+    if (definition == nullptr) {
+        definition = Inferred(element);
+    }
+    const Namespace space = SpaceOf(context);
+    auto instance =
+        std::make_shared<wmi::Instance>(ReadProperties(definition, element, space, Unknown::Ignored));
+    if (reference) {
+        TakeKeys(*instance, PathOf(ReadEndpoint(reference), space));
+    }
+    return {definition, std::move(instance)};
+}
+
+wmi::Object RemoteConnection::ProjectionOf(const wmi::CallContext& context, const Element& element,
+                                           const wmi::WqlQuery& query) const {
+    wmi::ClassPtr whole = ClassOf(context, query.className);
+    if (whole == nullptr) {
+        whole = Inferred(element);
+    }
+    const wmi::ClassPtr definition = wmi::Project(*whole, query.properties);
+    return {definition, std::make_shared<wmi::Instance>(
+                            ReadProperties(definition, element, SpaceOf(context), Unknown::Ignored))};
+}
+
+wmi::Outcome RemoteConnection::OpenNamespace(const wmi::CallContext&, std::wstring_view path,
+                                             std::shared_ptr<wmi::Connection>& opened) {
+    if (!wmi::NamesNamespace(path, m_namespaceName)) {
+        return HRESULT(WBEM_E_INVALID_NAMESPACE);
+    }
+    opened = std::make_shared<RemoteConnection>(m_peer, m_serverName, m_namespaceName);
+    return S_OK;
+}
+
+wmi::Outcome RemoteConnection::GetObject(const wmi::CallContext& context, std::wstring_view path,
+                                         wmi::Object& found) {
+    if (path.empty()) {
+        return HRESULT(WBEM_E_NOT_SUPPORTED); // an empty class to fill: the schema is not the client's
+    }
+    return Guarded([&] {
+        Message message;
+        message.action = std::string(kGet);
+        message.endpoint = Target(context, path);
+        const auto parsed = wmi::ObjectPath::Parse(path);
+        if (parsed->IsClass()) {
+            found.definition = ClassOf(context, parsed->className);
+            if (found.definition == nullptr) {
+                throw RemoteError(HRESULT(WBEM_E_NOT_FOUND), m_peer->Host() + ": there is no class " +
+                                                                 wmi::ToUtf8(parsed->className) + " (" +
+                                                                 m_peer->Url() + ")");
+            }
+            return;
+        }
+        message.context = &context;
+        message.repeatable = Repeatable::Yes;
+        const auto answer = m_peer->Ask(message);
+        const Element element = answer->Body().First();
+        if (!element) {
+            throw MessageError("an object was asked for, and none is there");
+        }
+        found = ObjectOf(context, element, {});
+        TakeKeys(const_cast<wmi::Instance&>(*found.instance), PathOf(message.endpoint, SpaceOf(context)));
+    });
+}
+
+wmi::Outcome RemoteConnection::Instances(const wmi::CallContext& context, std::wstring_view className,
+                                         wmi::Depth depth, std::unique_ptr<wmi::ObjectStream>& found) {
+    if (!wmi::IsIdentifier(className)) {
+        return HRESULT(WBEM_E_INVALID_CLASS);
+    }
+    return Guarded([&] {
+        Asked asked;
+        asked.endpoint.resource = ClassUri(m_namespaceName, className);
+        asked.only = depth == wmi::Depth::Shallow ? std::wstring(className) : std::wstring();
+        found = std::make_unique<RemoteStream>(*this, context, std::move(asked));
+    });
+}
+
+wmi::Outcome RemoteConnection::Classes(const wmi::CallContext& context, std::wstring_view superclass,
+                                       wmi::Depth depth, std::unique_ptr<wmi::ObjectStream>& found) {
+    return Guarded([&] {
+        Asked asked;
+        asked.endpoint = ClassEndpoint(m_namespaceName, superclass);
+        asked.superclass = superclass;
+        asked.isOfClasses = true;
+        asked.isShallow = depth == wmi::Depth::Shallow;
+        found = std::make_unique<RemoteStream>(*this, context, std::move(asked));
+    });
+}
+
+wmi::Outcome RemoteConnection::Query(const wmi::CallContext& context, std::wstring_view wql,
+                                     std::unique_ptr<wmi::ObjectStream>& found) {
+    return Guarded([&] {
+        Asked asked;
+        asked.endpoint.resource = ClassUri(m_namespaceName, L"*");
+        asked.query = Unaddressed(wql);
+        asked.parsed = wmi::ParseWql(wql);
+        found = std::make_unique<RemoteStream>(*this, context, std::move(asked));
+    });
+}
+
+std::wstring RemoteConnection::Unaddressed(std::wstring_view wql) const {
+    if (!m_peer->Options().serverName.empty()) {
+        return std::wstring(wql); // paths are made with the name that the machine has itself
+    }
+    std::wstring text(wql);
+    const std::wstring names[] = {m_serverName, ThisComputer()};
+    for (const std::wstring& name : names) {
+        for (std::size_t i = 0; !name.empty() && i + name.size() < text.size(); ++i) {
+            if (text[i + name.size()] == L'\\' && BeginsPath(text, i) &&
+                wmi::SameName(std::wstring_view(text).substr(i, name.size()), name)) {
+                text.replace(i, name.size(), L".");
+            }
+        }
+    }
+    return text;
+}
+
+wmi::Outcome RemoteConnection::ExecMethod(const wmi::CallContext& context, std::wstring_view path,
+                                          std::wstring_view method, const wmi::Filled* in,
+                                          wmi::InstancePtr& out) {
+    if (!wmi::IsIdentifier(method)) {
+        return HRESULT(WBEM_E_INVALID_METHOD);
+    }
+    return Guarded([&] {
+        const Namespace space = SpaceOf(context);
+        Message message;
+        message.endpoint = Target(context, path);
+        message.isMethod = true;
+        message.action = wmi::ToUtf8(method);
+        message.context = &context;
+        message.bodyOf = [&](const std::string& resource) {
+            return InputBody(message.action, resource, in, space);
+        };
+        const auto answer = m_peer->Ask(message);
+        const Element output = answer->Body().First();
+        const wmi::ClassPtr definition = ClassOf(context, ResourceOf(message.endpoint).className);
+        const wmi::Method* known = definition != nullptr ? definition->FindMethod(method) : nullptr;
+        const wmi::ClassPtr signature = known != nullptr ? wmi::OutSignature(*known)
+                                        : output         ? Inferred(output)
+                                                         : nullptr;
+        if (signature != nullptr && output) {
+            out = std::make_shared<wmi::Instance>(ReadProperties(signature, output, space, Unknown::Ignored));
+        }
+    });
+}
+
+void RemoteConnection::Write(const wmi::CallContext& context, const wmi::Filled& instance,
+                             const char* action) const {
+    const Namespace space = SpaceOf(context);
+    const wmi::ClassDefinition& definition = *instance.values.definition;
+    Message message;
+    message.action = action;
+    message.endpoint.resource = ClassUri(m_namespaceName, definition.name);
+    if (action == kPut) {
+        message.endpoint = EndpointOf(wmi::RelativePath(instance.values), space);
+    }
+    message.context = &context;
+    wmi::Value::Array modified;
+    for (const wmi::NamedValue& put : instance.puts) {
+        modified.emplace_back(put.name);
+    }
+    if (!modified.empty()) {
+        message.options.push_back({kModifiedProperties, VT_BSTR | VT_ARRAY, CIM_STRING | CIM_FLAG_ARRAY,
+                                   wmi::Value(std::move(modified))});
+    }
+    message.bodyOf = [&](const std::string& resource) {
+        const std::string name = "p:" + wmi::ToUtf8(definition.name);
+        XmlWriter xml;
+        xml.Open(name).Declare("p", resource).Attribute("xsi:type", name + "_Type");
+        WriteProperties(xml, "p", instance.values, space, DateTimeForm::Cim);
+        return xml.Close().Take();
+    };
+    m_peer->Ask(message);
+}
+
+wmi::Outcome RemoteConnection::PutInstance(const wmi::CallContext& context, const wmi::Filled& instance,
+                                           wmi::WriteMode mode) {
+    const bool hasAddress = wmi::AddressOf(instance.values).has_value();
+    if (mode == wmi::WriteMode::UpdateOnly && !hasAddress) {
+        return HRESULT(WBEM_E_INVALID_OBJECT);
+    }
+    return Guarded([&] {
+        if (mode == wmi::WriteMode::CreateOnly || !hasAddress) {
+            Write(context, instance, kCreate.data());
+            return;
+        }
+        try {
+            Write(context, instance, kPut.data());
+        } catch (const FaultError& error) {
+            // Nothing was written where there is nothing to write to.
+            if (mode == wmi::WriteMode::UpdateOnly || error.Code() != HRESULT(WBEM_E_NOT_FOUND)) {
+                throw;
+            }
+            Write(context, instance, kCreate.data());
+        }
+    });
+}
+
+wmi::Outcome RemoteConnection::DeleteInstance(const wmi::CallContext& context, std::wstring_view path) {
+    return Guarded([&] {
+        Message message;
+        message.action = std::string(kDelete);
+        message.endpoint = Target(context, path);
+        message.context = &context;
+        m_peer->Ask(message);
+    });
+}
+
+} // namespace quillet::wsman
