@@ -73,12 +73,6 @@ Row RowOf(HRESULT code) {
     return row;
 }
 
-std::string Hexadecimal(HRESULT code) {
-    char text[16];
-    std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(code));
-    return text;
-}
-
 /// An unsigned number of 32 bits, decimal or with 0x before it.
 std::optional<HRESULT> ReadCode(std::string_view text) {
     const bool isHex = text.starts_with("0x") || text.starts_with("0X");
@@ -172,10 +166,16 @@ HRESULT MeaningOf(std::string_view subcode, std::string_view detail) {
 
 } // namespace
 
+std::string CodeText(HRESULT code) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(code));
+    return text;
+}
+
 Fault FaultFor(HRESULT code, const std::string& reason) {
     const Row row = RowOf(code);
     return {code, row.subcode, row.isOurs, row.detail,
-            reason.empty() ? "The request failed: HRESULT " + Hexadecimal(code) : reason};
+            reason.empty() ? "The request failed: HRESULT " + CodeText(code) : reason};
 }
 
 void WriteFault(XmlWriter& xml, const Fault& fault, std::string_view machine) {
@@ -201,7 +201,7 @@ void WriteFault(XmlWriter& xml, const Fault& fault, std::string_view machine) {
     xml.Declare("b", kBinding).Attribute("b:IsCIM_Error", "true");
     xml.Attribute("xsi:type", "p:MSFT_WmiError_Type");
     xml.Leaf("p:CIMStatusCode", std::to_string(RowOf(fault.code).status)).Leaf("p:ErrorType", "4");
-    xml.Leaf("p:Message", fault.reason).Leaf("p:MessageID", "HRESULT " + Hexadecimal(fault.code));
+    xml.Leaf("p:Message", fault.reason).Leaf("p:MessageID", "HRESULT " + CodeText(fault.code));
     xml.Leaf("p:PerceivedSeverity", "3").Leaf("p:error_Code", number).Leaf("p:error_Type", "HRESULT");
     xml.Close().Close().Close();
 }

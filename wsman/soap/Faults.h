@@ -21,6 +21,9 @@ struct Fault {
     std::string reason{};  ///< for people
 };
 
+/// "0x80041002".
+std::string CodeText(HRESULT code);
+
 /// The fault for a code of WMI's. @param reason for people; empty: the code's name is all there is to say
 Fault FaultFor(HRESULT code, const std::string& reason = {});
 /// Writes the body of a message that is a fault.
