@@ -17,13 +17,13 @@ namespace {
 constexpr std::string_view kFaultAction = "http://schemas.xmlsoap.org/ws/2004/08/addressing/fault";
 constexpr std::string_view kWsmanFaultAction = "http://schemas.dmtf.org/wbem/wsman/1/wsman/fault";
 
-/// The answer that asks for nothing: who is there.
-std::string IdentifyBody() {
+/// Who is there: the same for everybody, and of every machine.
+Reply Identity() {
     XmlWriter xml;
     xml.Open("wsmid:IdentifyResponse").Declare("wsmid", kIdentity);
     xml.Leaf("wsmid:ProtocolVersion", kWsman).Leaf("wsmid:ProductVendor", "Marlo Works");
     xml.Leaf("wsmid:ProductVersion", "OS: 0.0.0 SP: 0.0 Stack: 3.0").Close();
-    return xml.Take();
+    return {200, WriteResponse({}, {}, xml.Written()), {}, {}, "ok"};
 }
 
 Reply ReplyWith(const Fault& fault, const std::string& relatesTo, const std::string& machine,
@@ -31,8 +31,14 @@ Reply ReplyWith(const Fault& fault, const std::string& relatesTo, const std::str
     XmlWriter body;
     WriteFault(body, fault, machine);
     const bool isWsman = fault.subcode.starts_with("w:");
-    return {500, WriteResponse(isWsman ? kWsmanFaultAction : kFaultAction, relatesTo, body.Written(),
-                               notUnderstood)};
+    Reply reply{500, WriteResponse(isWsman ? kWsmanFaultAction : kFaultAction, relatesTo, body.Written(),
+                                   notUnderstood)};
+    reply.result = (fault.subcode.empty() ? "s:MustUnderstand" : fault.subcode) + ' ' + CodeText(fault.code);
+    return reply;
+}
+
+bool IsIdentify(const RequestHead& head, const Element& envelope) {
+    return head.action.empty() && BodyOf(envelope).First().Name() == "Identify";
 }
 
 /// Whether the head has what every request must have. Throws Failed.
@@ -65,14 +71,22 @@ Service::Service(std::shared_ptr<wmi::Connection> connection, Schema schema, Ser
       m_enumerations(options.maxEnumerations, options.idleEnumeration) {}
 
 Reply Service::Answer(std::string request, const std::string& user) {
-    const std::string machine = wmi::ToUtf8(m_connection->ServerName());
     RequestHead head;
+    Reply reply = AnswerWith(head, std::move(request), user);
+    reply.action = std::move(head.action);
+    reply.resource = std::move(head.endpoint.resource);
+    return reply;
+}
+
+Reply Service::AnswerWith(RequestHead& head, std::string request, const std::string& user) {
+    const std::string machine = wmi::ToUtf8(m_connection->ServerName());
     try {
         const XmlDocument document(std::move(request));
         const Element envelope = document.Root();
         head = ReadRequestHead(envelope);
-        if (head.action.empty() && BodyOf(envelope).First().Name() == "Identify") {
-            return {200, WriteResponse({}, {}, IdentifyBody())};
+        if (IsIdentify(head, envelope)) {
+            head.action = "Identify";
+            return Identity();
         }
         CheckHead(head);
         const std::string body = Request(*this, envelope, head, user).Answer();
@@ -80,6 +94,7 @@ Reply Service::Answer(std::string request, const std::string& user) {
         if (reply.body.size() > std::min(head.maxEnvelope, m_options.maxEnvelope)) {
             Fail("w:EncodingLimit", "The answer is larger than it may be.", "MaxEnvelopeSizeExceeded");
         }
+        reply.result = "ok";
         return reply;
     } catch (const Failed& failed) {
         return ReplyWith(failed.fault, head.messageId, machine, head.notUnderstood);
@@ -88,8 +103,20 @@ Reply Service::Answer(std::string request, const std::string& user) {
                           std::string("The message cannot be read: ") + error.what() + '.'},
                          head.messageId, machine);
     } catch (const XmlError& error) {
-        return {400, std::string("The message cannot be read: ") + error.what() + ".\n"};
+        return {400, std::string("The message cannot be read: ") + error.what() + ".\n", {}, {}, "no XML"};
     }
+}
+
+std::optional<Reply> Service::AnswerStranger(std::string request) {
+    try {
+        const XmlDocument document(std::move(request));
+        if (IsIdentify(ReadRequestHead(document.Root()), document.Root())) {
+            return Identity();
+        }
+    } catch (const std::runtime_error&) {
+        // Whoever asks for something else, and however, hears the same.
+    }
+    return std::nullopt;
 }
 
 } // namespace quillet::wsman

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace quillet::wsman {
@@ -23,10 +24,14 @@ struct ServiceOptions {
     std::chrono::seconds idleEnumeration{60}; ///< how long one waits for its next request
 };
 
-/// An answer with the status of HTTP that goes with it.
+/// An answer with the status of HTTP that goes with it, and what a log can say about it. All of what was
+/// asked is the peer's text.
 struct Reply {
     int status = 200;
-    std::string body;
+    std::string body{};
+    std::string action{};   ///< of the request, as far as it could be read
+    std::string resource{}; ///< without the selectors, which name things
+    std::string result{};   ///< "ok", or the subcode and the code of the fault
 };
 
 /// Safe for many threads.
@@ -40,9 +45,15 @@ class Service {
 
     /// Answers one message. @param user who sent it, to whom what it begins belongs
     Reply Answer(std::string request, const std::string& user);
+    /// Answers somebody unknown: "Identify" only, which tells nothing about the machine. Nothing for all
+    /// else.
+    static std::optional<Reply> AnswerStranger(std::string request);
 
   private:
     friend class Request;
+
+    /// The answer; `head` gets what could be read of the request's.
+    Reply AnswerWith(RequestHead& head, std::string request, const std::string& user);
 
     const std::shared_ptr<wmi::Connection> m_connection;
     const Schema m_schema;
