@@ -2,6 +2,7 @@
 #include "ProviderTest.h"
 
 #include "LeakCheck.h"
+#include "Way.h"
 
 #include <quillet-wmi/Text.h>
 
@@ -10,7 +11,6 @@
 #include <map>
 #include <tuple>
 
-using quillet::simulator::Registration;
 using quillet::simulator::Scalar;
 
 namespace {
@@ -68,9 +68,11 @@ MachineOptions ProviderTest::Options() {
 
 void ProviderTest::Use(std::shared_ptr<Machine> replacement) {
     m_registration.reset();
+    m_way.reset();
     machine = std::move(replacement);
     if (machine) {
-        m_registration.emplace(machine);
+        m_way = quillet::tests::WayTo(machine);
+        m_registration.emplace(m_way->Host());
         ASSERT_EQ(Code(m_registration->Result()), "0x00000000");
     }
 }
@@ -94,7 +96,7 @@ void ProviderTest::UseText(std::string_view mof, MachineOptions options) {
 
 void ProviderTest::Connect() {
     ASSERT_EQ(Code(quillet.InitQuillet()), "0x00000000");
-    machine->Calls().Clear();
+    ForgetCalls();
     Traced();
 }
 
@@ -125,9 +127,19 @@ std::vector<std::string> ProviderTest::Traced() {
 }
 
 std::vector<JournalEntry> ProviderTest::Calls() {
-    std::vector<JournalEntry> entries = machine->Calls().All();
-    machine->Calls().Clear();
+    std::vector<JournalEntry> entries = m_way->Calls();
+    ForgetCalls();
     return entries;
+}
+
+std::vector<JournalEntry> ProviderTest::CallsOf(Operation operation) const {
+    std::vector<JournalEntry> entries = m_way->Calls();
+    std::erase_if(entries, [operation](const JournalEntry& entry) { return entry.operation != operation; });
+    return entries;
+}
+
+void ProviderTest::ForgetCalls() {
+    m_way->ForgetCalls();
 }
 
 std::vector<std::string> ProviderTest::Called() {

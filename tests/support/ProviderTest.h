@@ -4,6 +4,7 @@
 
 #include "QuilletTestAccess.h"
 #include "TraceFile.h"
+#include "Way.h"
 
 #include <quillet-simulator/Machine.h>
 #include <quillet/Quillet.h>
@@ -91,6 +92,10 @@ class ProviderTest : public testing::Test {
     std::vector<std::string> Called();
     /// The entries behind Called(), which are then forgotten as well.
     std::vector<JournalEntry> Calls();
+    /// Those of one operation; nothing is forgotten.
+    std::vector<JournalEntry> CallsOf(Operation operation) const;
+    /// Forgets them unread.
+    void ForgetCalls();
     /// Writes the calls that stay with the client (Get, Put, SetBlanket, …) into the journal, too.
     void RecordLocalCalls() { machine->Calls().RecordLocal(true); }
     static std::string Describe(const JournalEntry& entry);
@@ -109,6 +114,7 @@ class ProviderTest : public testing::Test {
     CQuillet quillet;
 
   private:
-    std::optional<quillet::simulator::Registration> m_registration;
+    std::unique_ptr<quillet::tests::Way> m_way;
+    std::optional<quillet::wmi::ClassRegistration> m_registration;
     quillet::tests::TraceFile m_trace;
 };

@@ -49,7 +49,7 @@ struct ListDeleter {
 
 } // namespace
 
-struct HttpServer::Line {
+struct HttpClient::Line {
     Line() : multi(curl_multi_init()), easy(curl_easy_init()) {
         if (multi == nullptr || easy == nullptr) {
             throw std::bad_alloc();
@@ -114,18 +114,18 @@ struct HttpExchange::Callbacks {
     }
 };
 
-HttpServer::HttpServer(const RemoteOptions& options, const std::string& host)
+HttpClient::HttpClient(const RemoteOptions& options, const std::string& host)
     : m_options(options), m_host(host), m_url(UrlOf(options, host)) {
     InitialiseOnce();
 }
 
-HttpServer::~HttpServer() = default;
+HttpClient::~HttpClient() = default;
 
-std::unique_ptr<HttpExchange> HttpServer::Begin(std::string body, Repeatable repeatable, std::size_t most) {
+std::unique_ptr<HttpExchange> HttpClient::Begin(std::string body, Repeatable repeatable, std::size_t most) {
     return std::make_unique<HttpExchange>(*this, std::move(body), repeatable, most);
 }
 
-void HttpServer::Cancel() noexcept {
+void HttpClient::Cancel() noexcept {
     m_isCancelled = true;
     const std::lock_guard lock(m_mutex);
     for (Line* line : m_busy) {
@@ -133,7 +133,7 @@ void HttpServer::Cancel() noexcept {
     }
 }
 
-std::unique_ptr<HttpServer::Line> HttpServer::TakeLine() {
+std::unique_ptr<HttpClient::Line> HttpClient::TakeLine() {
     std::unique_ptr<Line> line;
     {
         const std::lock_guard lock(m_mutex);
@@ -151,7 +151,7 @@ std::unique_ptr<HttpServer::Line> HttpServer::TakeLine() {
     return line;
 }
 
-void HttpServer::GiveBack(std::unique_ptr<Line> line) {
+void HttpClient::GiveBack(std::unique_ptr<Line> line) {
     const std::lock_guard lock(m_mutex);
     std::erase(m_busy, line.get());
     if (m_idle.size() < kMostIdle) {
@@ -159,7 +159,7 @@ void HttpServer::GiveBack(std::unique_ptr<Line> line) {
     }
 }
 
-void HttpServer::SetUp(Line& line) const {
+void HttpClient::SetUp(Line& line) const {
     const auto set = [&line](CURLoption option, auto value) {
         if (curl_easy_setopt(line.easy, option, value) != CURLE_OK) {
             throw RemoteError(HRESULT(WBEM_E_TRANSPORT_FAILURE), "libcurl lacks something that is needed");
@@ -223,7 +223,7 @@ void HttpServer::SetUp(Line& line) const {
     set(CURLOPT_WRITEFUNCTION, &HttpExchange::Callbacks::Write);
 }
 
-RemoteError HttpServer::ErrorOf(int code, const char* detail, bool hasAnswer) const {
+RemoteError HttpClient::ErrorOf(int code, const char* detail, bool hasAnswer) const {
     const std::string cause = *detail != '\0' ? detail : curl_easy_strerror(static_cast<CURLcode>(code));
     const auto error = [&](HRESULT result, const std::string& what) {
         return RemoteError(result, m_host + ": " + what + ": " + cause + " (" + m_url + ")");
@@ -258,7 +258,7 @@ RemoteError HttpServer::ErrorOf(int code, const char* detail, bool hasAnswer) co
     }
 }
 
-HttpExchange::HttpExchange(HttpServer& server, std::string body, Repeatable repeatable, std::size_t most)
+HttpExchange::HttpExchange(HttpClient& server, std::string body, Repeatable repeatable, std::size_t most)
     : m_server(server), m_body(std::move(body)), m_repeatable(repeatable), m_most(most) {
     Start();
 }

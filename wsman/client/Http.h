@@ -39,13 +39,13 @@ enum class Repeatable { No, Yes };
 class HttpExchange;
 
 /// Safe for many threads: each request has a connection of its own while it runs, which the next one uses.
-class HttpServer {
+class HttpClient {
   public:
     /// @param host as it was named; brackets are put around an IPv6 address
-    HttpServer(const RemoteOptions& options, const std::string& host);
-    ~HttpServer();
-    HttpServer(const HttpServer&) = delete;
-    HttpServer& operator=(const HttpServer&) = delete;
+    HttpClient(const RemoteOptions& options, const std::string& host);
+    ~HttpClient();
+    HttpClient(const HttpClient&) = delete;
+    HttpClient& operator=(const HttpClient&) = delete;
 
     const std::string& Url() const noexcept { return m_url; }
 
@@ -76,7 +76,7 @@ class HttpServer {
 
 class HttpExchange {
   public:
-    HttpExchange(HttpServer& server, std::string body, Repeatable repeatable, std::size_t most);
+    HttpExchange(HttpClient& server, std::string body, Repeatable repeatable, std::size_t most);
     /// A request that still runs is broken off.
     ~HttpExchange();
     HttpExchange(const HttpExchange&) = delete;
@@ -89,14 +89,14 @@ class HttpExchange {
     HttpAnswer Take() { return std::move(m_answer); }
 
   private:
-    friend class HttpServer;
+    friend class HttpClient;
     struct Callbacks;
 
     void Start();
     void Stop() noexcept;
     bool IsDone(int& code) const;
 
-    HttpServer& m_server;
+    HttpClient& m_server;
     const std::string m_body;
     const Repeatable m_repeatable;
     const std::size_t m_most;
@@ -104,7 +104,7 @@ class HttpExchange {
     bool m_hasAnswer = false; ///< since the request was sent last
     bool m_isTooLarge = false;
     int m_attempts = 0;
-    std::unique_ptr<HttpServer::Line> m_line;
+    std::unique_ptr<HttpClient::Line> m_line;
     HttpAnswer m_answer;
 };
 

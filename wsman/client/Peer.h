@@ -101,7 +101,7 @@ class Peer {
 
     const RemoteOptions m_options;
     const std::string m_host;
-    HttpServer m_http;
+    HttpClient m_http;
     std::atomic<UriForm> m_form{UriForm::Wmi};
     std::atomic<bool> m_isFormKnown{false};
     std::atomic<bool> m_tellsClasses{true};

@@ -224,7 +224,7 @@ wmi::Outcome RemoteConnection::GetObject(const wmi::CallContext& context, std::w
         const auto answer = m_peer->Ask(message);
         const Element element = answer->Body().First();
         if (!element) {
-            throw MessageError("an object was asked for, and none is there");
+            return; // said to be there, and not handed out
         }
         found = ObjectOf(context, element, {});
         TakeKeys(const_cast<wmi::Instance&>(*found.instance), PathOf(message.endpoint, SpaceOf(context)));
@@ -307,7 +307,8 @@ wmi::Outcome RemoteConnection::ExecMethod(const wmi::CallContext& context, std::
         const wmi::ClassPtr signature = known != nullptr ? wmi::OutSignature(*known)
                                         : output         ? Inferred(output)
                                                          : nullptr;
-        if (signature != nullptr && output) {
+        // A machine that hands out no object has no parameter to tell, not even one that is null.
+        if (signature != nullptr && output.HasChildren()) {
             out = std::make_shared<wmi::Instance>(ReadProperties(signature, output, space, Unknown::Ignored));
         }
     });

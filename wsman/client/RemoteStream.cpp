@@ -15,7 +15,6 @@ namespace quillet::wsman {
 
 namespace {
 
-constexpr unsigned kPageSize = 256;
 constexpr unsigned kMostEmptyPages = 100; // one after the other
 constexpr std::size_t kMostPage = std::size_t{4} << 20;
 
@@ -26,7 +25,8 @@ bool IsEncodingLimit(const FaultError& error) {
 } // namespace
 
 RemoteStream::RemoteStream(const RemoteConnection& connection, const wmi::CallContext& context, Asked asked)
-    : m_connection(connection), m_context(context), m_asked(std::move(asked)), m_pageSize(kPageSize) {
+    : m_connection(connection), m_context(context), m_asked(std::move(asked)),
+      m_pageSize(std::max(1U, connection.Machine().Options().pageSize)) {
     Begin();
 }
 
@@ -136,6 +136,9 @@ std::optional<wmi::Object> RemoteStream::ObjectOf(const Element& item) const {
     }
     const Element reference = item.Child("EndpointReference");
     const bool isPair = item.Name() == "Item" && (reference || item.Space() == kWsman);
+    if (isPair && !item.HasChildren()) {
+        return wmi::Object(); // said to be there, and not handed out
+    }
     const Element element = isPair && item.First().Name() == "EndpointReference" ? item.First().Next()
                             : isPair                                             ? item.First()
                                                                                  : item;

@@ -24,6 +24,8 @@ struct Enumeration {
     ItemForm form = ItemForm::Object;
     bool isProjection = false; ///< the objects have some of the properties of their class only
     wmi::Object waiting;       ///< the object that did not fit into the last answer
+    bool isWaiting = false;    ///< whether there is one
+    HRESULT failure = S_OK;    ///< what came after the objects of the last answer
 };
 
 /// Safe for many threads. An enumeration belongs to the user who began it, to whom alone its identifier,

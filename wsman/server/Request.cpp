@@ -2,6 +2,7 @@
 #include "server/Request.h"
 
 #include "soap/ClassXml.h"
+#include "soap/Languages.h"
 #include "soap/Names.h"
 #include "soap/Values.h"
 
@@ -13,43 +14,7 @@
 
 namespace quillet::wsman {
 
-namespace {
-
-constexpr std::string_view kGet = "http://schemas.xmlsoap.org/ws/2004/09/transfer/Get";
-constexpr std::string_view kPut = "http://schemas.xmlsoap.org/ws/2004/09/transfer/Put";
-constexpr std::string_view kCreate = "http://schemas.xmlsoap.org/ws/2004/09/transfer/Create";
-constexpr std::string_view kDelete = "http://schemas.xmlsoap.org/ws/2004/09/transfer/Delete";
-constexpr std::string_view kEnumerate = "http://schemas.xmlsoap.org/ws/2004/09/enumeration/Enumerate";
-constexpr std::string_view kPull = "http://schemas.xmlsoap.org/ws/2004/09/enumeration/Pull";
-constexpr std::string_view kRelease = "http://schemas.xmlsoap.org/ws/2004/09/enumeration/Release";
-
-/// The option by which a client names the properties that it changed.
-constexpr const wchar_t* kModified = L"__MIInstanceModifiedPropertiesList";
-
-LCID LanguageOf(const std::string& locale) {
-    struct Language {
-        const char* name;
-        LCID id;
-    };
-    constexpr Language kLanguages[] = {{"en", 0x409}, {"de", 0x407}, {"fr", 0x40C}};
-    for (const Language& each : kLanguages) {
-        if (std::string_view(locale).substr(0, 2) == each.name) {
-            return each.id;
-        }
-    }
-    return 0;
-}
-
-/// Whether a name is among those of a list.
-bool Names(const wmi::NamedValue& list, const std::wstring& name) {
-    const wmi::Value::Array elements = list.value.Elements();
-    return std::any_of(elements.begin(), elements.end(), [&](const std::optional<wmi::Scalar>& each) {
-        const auto* text = each ? std::get_if<std::wstring>(&*each) : nullptr;
-        return text != nullptr && wmi::SameName(*text, name);
-    });
-}
-
-} // namespace
+namespace {} // namespace
 
 void Fail(HRESULT code, const std::string& reason) {
     throw Failed{FaultFor(code, reason)};
@@ -62,8 +27,14 @@ void Fail(const char* subcode, const std::string& reason, const char* detail) {
 Request::Request(Service& service, const Element& envelope, const RequestHead& head, const std::string& user)
     : m_service(service), m_connection(*service.m_connection), m_head(head), m_body(BodyOf(envelope)),
       m_user(user) {
-    m_context.hasContext = !head.options.empty();
     m_context.values = head.options;
+    // What a client says of its own message is not for the provider.
+    if (const wmi::NamedValue* modified = wmi::FindNamed(head.options, kModifiedProperties)) {
+        m_modified = modified->value.Elements();
+        std::erase_if(m_context.values,
+                      [](const auto& each) { return wmi::SameName(each.name, kModifiedProperties); });
+    }
+    m_context.hasContext = !m_context.values.empty();
     m_context.locale = LanguageOf(head.locale);
     m_space.server = m_connection.ServerName();
     m_space.name = m_connection.NamespaceName();
@@ -135,11 +106,10 @@ std::string Request::GetClass() {
 std::string Request::Get() {
     wmi::Object found;
     Succeed(m_connection.GetObject(m_context, InstancePath().Text(), found));
-    if (found.instance == nullptr) {
-        Fail(HRESULT(WBEM_E_NOT_FOUND));
-    }
     XmlWriter xml;
-    WriteInstance(xml, found);
+    if (found.instance != nullptr) { // a connection may say that there is an object and hand out none
+        WriteInstance(xml, found);
+    }
     return xml.Take();
 }
 
@@ -158,11 +128,19 @@ wmi::Instance Request::ReadInstance(const wmi::ClassPtr& definition,
         Fail("w:SchemaValidationError", "There is no instance in the body.");
     }
     wmi::Instance instance = ReadProperties(definition, element, m_space, Unknown::Refused);
-    const wmi::NamedValue* modified = wmi::FindNamed(m_context.values, kModified);
-    for (std::size_t i = 0; i < definition->properties.size(); ++i) {
-        const wmi::Property& property = definition->properties[i];
-        if (modified == nullptr ? !instance.values[i].IsNull() : Names(*modified, property.name)) {
-            puts.push_back({property.name, VT_EMPTY, property.type, instance.values[i]});
+    const auto put = [&](std::size_t index) {
+        const wmi::Property& property = definition->properties[index];
+        puts.push_back({property.name, VT_EMPTY, property.type, instance.values[index]});
+    };
+    for (const std::optional<wmi::Scalar>& each : m_modified) {
+        const auto* name = each ? std::get_if<std::wstring>(&*each) : nullptr;
+        if (const auto index = name != nullptr ? definition->PropertyIndex(*name) : std::nullopt) {
+            put(*index);
+        }
+    }
+    for (std::size_t i = 0; m_modified.empty() && i < definition->properties.size(); ++i) {
+        if (!instance.values[i].IsNull()) {
+            put(i);
         }
     }
     return instance;

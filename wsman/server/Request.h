@@ -58,6 +58,7 @@ class Request {
     const Element m_body;
     const std::string& m_user;
     wmi::CallContext m_context;
+    wmi::Value::Array m_modified; ///< the properties that the client changed, where it says so
     Namespace m_space;
 };
 

@@ -28,15 +28,14 @@ ItemForm FormOf(const std::string& mode) {
     return mode == "EnumerateEPR" ? ItemForm::Reference : ItemForm::ObjectAndReference;
 }
 
-/// Fetches the object that waits for its place in an answer; false at the end.
+/// Fetches the object that waits for its place in an answer; false at the end, and for a failure.
 bool Next(Enumeration& enumeration) {
     ULONG returned = 0;
     const HRESULT result =
         enumeration.objects->Next(LONG(WBEM_INFINITE), {&enumeration.waiting, 1}, returned);
-    if (FAILED(result)) {
-        Fail(result);
-    }
-    return returned == 1 && enumeration.waiting.definition != nullptr;
+    enumeration.failure = FAILED(result) ? result : S_OK;
+    enumeration.isWaiting = SUCCEEDED(result) && returned == 1;
+    return enumeration.isWaiting;
 }
 
 } // namespace
@@ -134,9 +133,13 @@ std::string Request::Items(Enumeration& enumeration, const Element& wanted, bool
     constexpr std::size_t kFrame = 2048; // of the envelope around the items
     const std::size_t room = std::min(m_head.maxEnvelope, m_service.m_options.maxEnvelope) - kFrame;
     std::string items;
+    if (FAILED(enumeration.failure)) {
+        Fail(enumeration.failure);
+    }
     for (std::size_t count = 0; count < most; ++count) {
-        if (enumeration.waiting.definition == nullptr && !Next(enumeration)) {
-            isEnd = true;
+        if (!enumeration.isWaiting && !Next(enumeration)) {
+            // A failure is the next answer: the enumeration was begun, and what came before is not lost.
+            isEnd = SUCCEEDED(enumeration.failure);
             break;
         }
         std::string item = Item(enumeration);
@@ -149,6 +152,7 @@ std::string Request::Items(Enumeration& enumeration, const Element& wanted, bool
         }
         items += item;
         enumeration.waiting = {};
+        enumeration.isWaiting = false;
     }
     return items;
 }
@@ -156,6 +160,10 @@ std::string Request::Items(Enumeration& enumeration, const Element& wanted, bool
 std::string Request::Item(const Enumeration& enumeration) const {
     const wmi::Object& object = enumeration.waiting;
     XmlWriter xml;
+    if (object.definition == nullptr) { // said to be there, and not handed out
+        xml.Open("w:Item").Close();
+        return xml.Take();
+    }
     if (object.instance == nullptr) {
         WriteClass(xml, *object.definition, m_context.locale);
         return xml.Take();

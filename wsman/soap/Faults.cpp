@@ -56,6 +56,10 @@ constexpr Row kRows[] = {
     {Code(WBEM_E_TIMED_OUT), 1, "w:TimedOut", true},
     {Code(WBEM_E_QUOTA_VIOLATION), 27, "w:QuotaLimit", true},
     {Code(WBEM_E_SERVER_TOO_BUSY), 27, "w:QuotaLimit", true},
+};
+// What the wire's own subcodes mean to a client of WMI; a machine that fails with these codes fails
+// otherwise.
+constexpr Row kWireRows[] = {
     {Code(WBEM_E_TRANSPORT_FAILURE), 1, "w:EncodingLimit"},
     {Code(WBEM_E_UNEXPECTED), 1, "n:InvalidEnumerationContext"},
 };
@@ -155,13 +159,16 @@ HRESULT MeaningOf(std::string_view subcode, std::string_view detail) {
     if (detail == "InvalidNamespace") {
         return Code(WBEM_E_INVALID_NAMESPACE);
     }
-    for (const Row& row : kRows) {
+    const auto isCalled = [local](const Row& row) {
         const std::string_view known = row.subcode;
-        if (known.substr(known.find(':') + 1) == local) {
-            return row.code;
-        }
+        return known.substr(known.find(':') + 1) == local;
+    };
+    if (const auto* row = std::find_if(std::begin(kRows), std::end(kRows), isCalled);
+        row != std::end(kRows)) {
+        return row->code;
     }
-    return kInternal.code;
+    const auto* row = std::find_if(std::begin(kWireRows), std::end(kWireRows), isCalled);
+    return row != std::end(kWireRows) ? row->code : kInternal.code;
 }
 
 } // namespace

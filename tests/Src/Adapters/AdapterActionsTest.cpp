@@ -114,7 +114,7 @@ TEST_F(AdapterActionsTest, Identify_TellsTheAdapterToBlink) {
     EXPECT_EQ(machine->BlinksFor(L"{a}"), 1s);
     machine->Advance(2s);
     EXPECT_EQ(machine->BlinksFor(L"{A}"), 0s);
-    const std::vector<JournalEntry> calls = machine->Calls().Of(Operation::ExecMethod);
+    const std::vector<JournalEntry> calls = CallsOf(Operation::ExecMethod);
     ASSERT_EQ(calls.size(), 1u);
     EXPECT_EQ(calls[0].target, kA);
     EXPECT_EQ(calls[0].method, L"IdentifyAdapter");
@@ -203,7 +203,7 @@ TEST_F(AdapterActionsTest, MethodCalls_SignatureAndPutFailing_AreNamed) {
     Fail(Operation::Put, WBEM_E_TYPE_MISMATCH);
     EXPECT_EQ(Code(quillet.IdentifyAdapter(kA, 1)), "0x80041005");
     EXPECT_THAT(Traced(), Contains("Put -> L_PARAM_ETHERNETADAPTER_IDENTIFY_SECONDS"));
-    EXPECT_TRUE(machine->Calls().Of(Operation::ExecMethod).empty());
+    EXPECT_TRUE(CallsOf(Operation::ExecMethod).empty());
 }
 
 TEST_F(AdapterActionsTest, MethodCalls_EmptyIdentifier_IsRefusedWithoutACall) {

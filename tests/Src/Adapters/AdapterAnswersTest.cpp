@@ -64,11 +64,11 @@ TEST_F(AdapterAnswersTest, Identify_PassesTheSecondsAsTheyAre) {
     Use("");
     for (const LONG seconds : {0, 86400}) {
         EXPECT_EQ(Code(quillet.IdentifyAdapter(kA, seconds)), "0x00000000");
-        const std::vector<JournalEntry> calls = machine->Calls().Of(Operation::ExecMethod);
+        const std::vector<JournalEntry> calls = CallsOf(Operation::ExecMethod);
         EXPECT_EQ(calls.back().arguments[0].value, quillet::simulator::Value::Signed(seconds));
     }
     EXPECT_EQ(Code(quillet.IdentifyAdapter(kA, -1)), "0x8004102F") << "the provider's own refusal";
-    EXPECT_EQ(machine->Calls().Of(Operation::ExecMethod).back().arguments[0].value,
+    EXPECT_EQ(CallsOf(Operation::ExecMethod).back().arguments[0].value,
               quillet::simulator::Value::Signed(-1));
 }
 
@@ -181,7 +181,7 @@ TEST_F(AdapterAnswersTest, Ports_SlotWithAQuote_StaysOneValueOfTheQuery) {
     Use("SlotID = \"a\\\"b\"; AdapterStatus = 1;");
     CAdapterPorts ports;
     EXPECT_EQ(Code(quillet.EnumerateOtherPortOfAdapter(kA, ports)), "0x00000000");
-    const std::vector<JournalEntry> queries = machine->Calls().Of(Operation::ExecQuery);
+    const std::vector<JournalEntry> queries = CallsOf(Operation::ExecQuery);
     ASSERT_EQ(queries.size(), 2u) << "the adapter itself is found by its odd slot";
     EXPECT_EQ(queries[0].target, LR"(SELECT * FROM Zorel_PhysicalEthernetAdapter WHERE SlotID = "a\"b")");
 }

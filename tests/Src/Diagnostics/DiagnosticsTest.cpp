@@ -168,7 +168,7 @@ TEST_F(DiagnosticsTest, Run_RefusedByTheProvider_IsStillSuccess) {
 
 TEST_F(DiagnosticsTest, Stop_NamesTheFirstResultOfTheTestsName) {
     quillet.RunDiagnostics(kLink, kA);
-    machine->Calls().Clear();
+    ForgetCalls();
     EXPECT_EQ(Code(quillet.StopDiagnostics(kLink, kA)), "0x00000000");
     EXPECT_EQ(StateOf(L"{1}"), 5);
     const std::vector<JournalEntry> calls = Calls();

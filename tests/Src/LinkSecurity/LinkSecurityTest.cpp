@@ -330,7 +330,7 @@ class LinkSecurityTest : public ProviderTest {
     /// The in-parameters of the method calls so far, in the order of their puts, with values and types.
     std::vector<std::string> Puts() {
         std::vector<std::string> puts;
-        for (const JournalEntry& call : machine->Calls().Of(Operation::ExecMethod)) {
+        for (const JournalEntry& call : CallsOf(Operation::ExecMethod)) {
             for (const NamedValue& argument : call.arguments) {
                 puts.push_back(Narrow(argument.name) + "=" + Text(argument.value) + " " +
                                TypeName(argument.vt));
@@ -340,7 +340,7 @@ class LinkSecurityTest : public ProviderTest {
     }
     std::vector<std::string> Names() {
         std::vector<std::string> names;
-        for (const JournalEntry& call : machine->Calls().Of(Operation::ExecMethod)) {
+        for (const JournalEntry& call : CallsOf(Operation::ExecMethod)) {
             for (const NamedValue& argument : call.arguments) {
                 names.push_back(Narrow(argument.name));
             }
@@ -500,7 +500,7 @@ TEST_P(EveryLinkSecurityOperationTest, ClassAndSignatureFailing_AreNamed) {
     EXPECT_THAT(Traced(),
                 ElementsAre(each.entry, "dwErrorCode: %l",
                             std::string("GetMethod -> L_METHOD_ETHERNETADAPTER_") + each.symbol, each.exit));
-    EXPECT_TRUE(machine->Calls().Of(Operation::ExecMethod).empty());
+    EXPECT_TRUE(CallsOf(Operation::ExecMethod).empty());
 }
 
 TEST_P(EveryLinkSecurityOperationTest, EachPutFailing_IsNamedAndEndsTheOperation) {
@@ -515,7 +515,7 @@ TEST_P(EveryLinkSecurityOperationTest, EachPutFailing_IsNamedAndEndsTheOperation
         ASSERT_GE(trace.size(), 2u);
         EXPECT_EQ(trace[trace.size() - 2], "Put -> " + Symbol(put.symbol));
         EXPECT_EQ(trace.back(), each.exit);
-        EXPECT_TRUE(machine->Calls().Of(Operation::ExecMethod).empty());
+        EXPECT_TRUE(CallsOf(Operation::ExecMethod).empty());
     }
 }
 
@@ -558,7 +558,7 @@ TEST_P(EveryLinkSecurityOperationTest, ReturnValue_IsNeverRead) {
     RecordLocalCalls();
     EXPECT_EQ(Code(Run()), "0x00000000");
     std::vector<std::string> read;
-    for (const JournalEntry& call : machine->Calls().Of(Operation::Get)) {
+    for (const JournalEntry& call : CallsOf(Operation::Get)) {
         read.push_back(Narrow(call.target));
     }
     std::vector<std::string> expected;

@@ -173,7 +173,7 @@ TEST_F(PowerTest, SetPower_ModeOutOfRange_RunsNoMethod) {
         EXPECT_EQ(Code(quillet.SetAdapterPowerUsageOptions(kA, power)), "0x80004005");
         EXPECT_THAT(Traced(), Contains("m_eSavePower out of range"));
     }
-    EXPECT_TRUE(machine->Calls().Of(Operation::ExecMethod).empty());
+    EXPECT_TRUE(CallsOf(Operation::ExecMethod).empty());
 }
 
 TEST_F(PowerTest, SetPower_Failures_AreNamed) {

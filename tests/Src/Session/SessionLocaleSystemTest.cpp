@@ -126,7 +126,7 @@ class OneLanguageTest : public ProviderTest {
     ~OneLanguageTest() override { platform::ResetHooks(); }
     std::optional<std::wstring> Locale() {
         EXPECT_EQ(Code(quillet.InitQuillet()), "0x00000000");
-        const std::vector<JournalEntry> connections = machine->Calls().Of(Operation::ConnectServer);
+        const std::vector<JournalEntry> connections = CallsOf(Operation::ConnectServer);
         EXPECT_EQ(connections.size(), 1u);
         const NamedValue* locale = connections.empty() ? nullptr : connections[0].Argument(L"Locale");
         if (!locale || locale->value.IsNull()) {

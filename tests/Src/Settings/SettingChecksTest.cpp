@@ -211,7 +211,7 @@ TEST_F(SettingChecksTest, Jumbo_AdapterWithoutATeam_NeedsNothingMore) {
     EXPECT_EQ(Code(quillet.JumboFramePrecheckSetSetting(Path(L"T"), onAll, isTeamed)), "0x00000000");
     EXPECT_TRUE(onAll);
     EXPECT_FALSE(isTeamed);
-    EXPECT_TRUE(machine->Calls().Of(Operation::CreateInstanceEnum).empty());
+    EXPECT_TRUE(CallsOf(Operation::CreateInstanceEnum).empty());
 }
 
 TEST_F(SettingChecksTest, Jumbo_Member_IsAboutAllMembersOfItsTeam) {
@@ -465,7 +465,7 @@ TEST_F(SettingChecksTest, RssPrecheck_EveryOldAndNewTeamOfThePool_AgreesWithTheT
             ASSERT_EQ(verdict, (SettingChecksTest::Verdict{warnings, line})) << before << " -> " << after;
             met.insert(line);
         }
-        machine->Calls().Clear();
+        ForgetCalls();
     }
     EXPECT_EQ(met.size(), 10u) << "every case was met";
 }

@@ -199,7 +199,7 @@ class SettingWithoutValue : public CSetting {
 TEST_F(SettingWritingTest, SetSetting_TypeFive_WritesNothing) {
     EXPECT_EQ(Code(quillet.SetSetting(SettingPath(L"Enum", L"*JumboPacket"), SettingOfTypeFive())),
               "0x80041001");
-    EXPECT_TRUE(machine->Calls().Of(Operation::PutInstance).empty());
+    EXPECT_TRUE(CallsOf(Operation::PutInstance).empty());
 }
 
 TEST_F(SettingWritingTest, SetSetting_WithoutAValueOfItsType_WritesNothing) {
@@ -210,7 +210,7 @@ TEST_F(SettingWritingTest, SetSetting_WithoutAValueOfItsType_WritesNothing) {
                   "0x80041001");
         EXPECT_THAT(Traced(), Contains("(rSetting.GetCurrentVal(wsCurrVal))"));
     }
-    EXPECT_TRUE(machine->Calls().Of(Operation::PutInstance).empty());
+    EXPECT_TRUE(CallsOf(Operation::PutInstance).empty());
 }
 
 TEST_F(SettingWritingTest, SetSetting_RefusedValues_AreNamedByTheirKindOfWrite) {
@@ -258,7 +258,7 @@ TEST_F(SettingWritingTest, Validate_AdapterWithoutATeam_SucceedsWithoutAskingThe
     EXPECT_EQ(Code(quillet.ValidateSetSetting(kE, isTeamed, L"*JumboPacket", 9014, warnings)), "0x00000000");
     EXPECT_FALSE(isTeamed);
     EXPECT_EQ(warnings, 0u);
-    EXPECT_TRUE(machine->Calls().Of(Operation::ExecMethod).empty());
+    EXPECT_TRUE(CallsOf(Operation::ExecMethod).empty());
 }
 
 TEST_F(SettingWritingTest, Validate_Member_AsksItsTeamWithTheParametersInOrder) {
@@ -266,7 +266,7 @@ TEST_F(SettingWritingTest, Validate_Member_AsksItsTeamWithTheParametersInOrder) 
     EXPECT_EQ(Code(quillet.ValidateSetSetting(kA, isTeamed, L"*JumboPacket", 9014, warnings)), "0x00000000");
     EXPECT_TRUE(isTeamed);
     EXPECT_EQ(warnings, 0x30u) << "the other member cannot have the value, and has another one";
-    const std::vector<JournalEntry> calls = machine->Calls().Of(Operation::ExecMethod);
+    const std::vector<JournalEntry> calls = CallsOf(Operation::ExecMethod);
     ASSERT_EQ(calls.size(), 1u);
     EXPECT_EQ(calls[0].target, LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_TeamOfAdapters.Name="{T}")");
     EXPECT_EQ(calls[0].method, L"ValidateSetting");
@@ -324,7 +324,7 @@ TEST_F(SettingWritingTest, Validate_EmptyIdentifierOrNoConnection_Fails) {
 TEST_F(SettingWritingTest, ValidateOnVlan_Path_IsAskedWithTheParametersInOrder) {
     EXPECT_EQ(Code(quillet.ValidateSetSettingOnVlan(kVlan, L"*JumboPacket", 9014, warnings)), "0x00000000");
     EXPECT_EQ(warnings, 0x40u) << "larger than the team's";
-    const std::vector<JournalEntry> calls = machine->Calls().Of(Operation::ExecMethod);
+    const std::vector<JournalEntry> calls = CallsOf(Operation::ExecMethod);
     ASSERT_EQ(calls.size(), 1u);
     EXPECT_EQ(calls[0].target, kVlan);
     EXPECT_EQ(calls[0].method, L"ValidateSetting");
@@ -345,7 +345,7 @@ TEST_F(SettingWritingTest, ValidateOnVlan_ObjectId_IsTheVlanOfThatIdOnThisComput
     Connect();
     EXPECT_EQ(Code(quillet.ValidateSetSettingOnVlan(L"{V}", L"*JumboPacket", 9014, warnings)), "0x00000000");
     EXPECT_EQ(warnings, 0x40u);
-    const std::vector<JournalEntry> calls = machine->Calls().Of(Operation::ExecMethod);
+    const std::vector<JournalEntry> calls = CallsOf(Operation::ExecMethod);
     ASSERT_EQ(calls.size(), 1u);
     EXPECT_EQ(calls[0].target,
               L"\\\\" + machine->Store().ServerName() + LR"(\ROOT\MarloLUM2:Zorel_VLAN.Name="{V}")");

@@ -104,7 +104,7 @@ TEST_F(CreateTeamCheckTest, Kind0_LooksAtNoMember) {
 TEST_F(CreateTeamCheckTest, Kinds1And2_NeverLookAtTheName) {
     for (const int kind : {1, 2}) {
         EXPECT_EQ(Check(1, Adapters({kA, kB}), kind, L"TEAM : One"), 0u);
-        EXPECT_EQ(machine->Calls().Of(Operation::CreateInstanceEnum).size(), 0u);
+        EXPECT_EQ(CallsOf(Operation::CreateInstanceEnum).size(), 0u);
     }
 }
 
@@ -290,7 +290,7 @@ class CreateTeamCheckTableTest : public TeamTest {
                           << text << ": " << std::hex << mask << " instead of " << expected;
         }
         if (++m_cases % 1000 == 0) {
-            machine->Calls().Clear();
+            ForgetCalls();
         }
         ++m_masks[expected];
     }

@@ -164,7 +164,7 @@ TEST_F(TeamEnumerationTest, VirtualAdapter_IsFoundByTheTeamItIsTheSameElementAs)
     EXPECT_EQ(Code(QuilletTestAccess::GetTeamsEthernetAdapterPath(quillet, kT, path)), "0x00000000");
     EXPECT_NE(std::wstring(path).find(L"Zorel_NetworkVirtualAdapter.SystemElement="), std::wstring::npos)
         << Narrow(std::wstring(path));
-    const std::vector<JournalEntry> queries = machine->Calls().Of(Operation::ExecQuery);
+    const std::vector<JournalEntry> queries = CallsOf(Operation::ExecQuery);
     ASSERT_EQ(queries.size(), 1u);
     EXPECT_EQ(queries[0].target,
               L"SELECT * FROM Zorel_NetworkVirtualAdapter WHERE SameElement = '" + kT + L"'");

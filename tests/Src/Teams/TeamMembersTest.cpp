@@ -247,7 +247,7 @@ TEST_F(TeamMembersTest, Primary_IsTheMemberOfFunction1) {
     SetNull(Membership(L"{T}", L"{A}"), L"AdapterFunction");
     EXPECT_EQ(Code(quillet.IsPrimaryAdapter(kA, primary)), "0x00000000");
     EXPECT_FALSE(primary);
-    const auto queries = machine->Calls().Of(Operation::ExecQuery);
+    const auto queries = CallsOf(Operation::ExecQuery);
     EXPECT_EQ(queries.front().target,
               L"REFERENCES OF {" + kA + L"} WHERE ResultClass = Zorel_TeamedMemberAdapter");
 }

@@ -70,7 +70,7 @@ TEST_F(TeamWizardTest, AdapterModes_InTheOrderOfTheCapabilities) {
     EXPECT_EQ(Code(quillet.GetAdapterTeamModes(kA, adapter)), "0x00000000");
     ASSERT_NE(adapter.m_pTeamModes, nullptr);
     EXPECT_THAT(ModesOf(*adapter.m_pTeamModes), ElementsAre(0, 1, 3, 2, 4, 5, 6));
-    const auto fetches = machine->Calls().Of(Operation::GetObject);
+    const auto fetches = CallsOf(Operation::GetObject);
     ASSERT_FALSE(fetches.empty());
     EXPECT_EQ(fetches[0].target, kA);
     ASSERT_NE(fetches[0].ContextValue(L"Zorel_PartialData"), nullptr);

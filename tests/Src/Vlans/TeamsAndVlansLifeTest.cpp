@@ -668,7 +668,7 @@ TEST_F(TeamsAndVlansLifeTest, TenThousandChanges_AgreeWithTheModelAfterEach) {
         if (m_step % 500 == 0) {
             CompareAllThroughTheLibrary(foreseen);
         }
-        machine->Calls().Clear();
+        ForgetCalls();
     }
     // Each kind of change was made, and each was refused, many times; one parent was full for a while.
     for (const auto& step : steps) {

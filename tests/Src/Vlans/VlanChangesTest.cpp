@@ -98,7 +98,7 @@ TEST_F(VlanChangesTest, Add_StepsAreInOrder) {
 TEST_F(VlanChangesTest, Add_InParametersHaveTheirTypes) {
     CVLAN vlan = Wanted(0, L"Untagged");
     EXPECT_EQ(Code(quillet.AddVLANToAdapter(kA, vlan)), "0x00000000") << "0 is the untagged VLAN";
-    const std::vector<JournalEntry> calls = machine->Calls().Of(Operation::ExecMethod);
+    const std::vector<JournalEntry> calls = CallsOf(Operation::ExecMethod);
     ASSERT_EQ(calls.size(), 1u);
     EXPECT_EQ(calls[0].flags, 0);
     ASSERT_EQ(calls[0].arguments.size(), 2u);
@@ -233,7 +233,7 @@ TEST_F(VlanChangesTest, Add_SignatureAndPutsFailing_AreNamed) {
         EXPECT_THAT(Traced(), Contains(step.step));
         machine->Rules().Clear();
     }
-    EXPECT_TRUE(machine->Calls().Of(Operation::ExecMethod).empty());
+    EXPECT_TRUE(CallsOf(Operation::ExecMethod).empty());
 }
 
 // --- changing ---
@@ -256,7 +256,7 @@ TEST_F(VlanChangesTest, Modify_WritesNameAndNumber) {
 
 TEST_F(VlanChangesTest, Modify_WritesBothEvenWhenOnlyOneChanged) {
     EXPECT_EQ(Code(quillet.ModifyVLANProperty(kV1, Wanted(10, L"Phones"))), "0x00000000");
-    const std::vector<JournalEntry> writes = machine->Calls().Of(Operation::PutInstance);
+    const std::vector<JournalEntry> writes = CallsOf(Operation::PutInstance);
     ASSERT_EQ(writes.size(), 1u);
     EXPECT_EQ(writes[0].target, kV1);
     EXPECT_EQ(writes[0].flags, 0x20010);

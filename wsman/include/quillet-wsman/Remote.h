@@ -55,6 +55,7 @@ struct RemoteOptions {
     bool isPlain = false;
     std::chrono::milliseconds connectTimeout{10'000}; ///< to reach a machine
     std::chrono::milliseconds timeout{180'000};       ///< of each request; the machine may set less
+    unsigned pageSize = 256; ///< the most objects that one answer has
     /// The name in object paths; empty: the machine's as it was named.
     std::wstring serverName{};
     /// The classes that are known here, for a machine that does not tell them.
