@@ -4,6 +4,7 @@
 #include "app/ParsedLine.h"
 #include "app/SimulatedMachine.h"
 #include "names/HostName.h"
+#include "remote/RemoteMachine.h"
 #include "terminal/Console.h"
 
 #include <CLI/CLI.hpp>
@@ -46,6 +47,7 @@ CommandTree::CommandTree() : m_app(std::make_unique<CLI::App>("", "quilletctl"))
     Syntax syntax(*m_app, everywhere);
     syntax.Text("--machine", m_machine, "HOST",
                 "The machine to manage, by name or address (default: this one)");
+    m_options.remote.Declare(syntax);
     syntax.OptionalText("--simulate", m_options.simulate, m_options.machineFile, "FILE",
                         "Talk to a simulated machine: that of a MOF file, or the built-in one");
     syntax.Text("--state", m_state, "FILE",
@@ -187,12 +189,14 @@ void CommandTree::CheckGlobalOptions() {
             throw UsageError("--state: the name of a file is needed");
         }
     }
-    if (!m_options.machine.empty() && !AsksForSimulator(m_options) && !HostHasWmi()) {
+    CheckRemoteAccess(m_options);
+    const bool isRemote = !m_options.machine.empty() && !AsksForSimulator(m_options) && !HostHasWmi();
+    if (isRemote && !HasRemoteAccess()) {
         throw UsageError(
-            "--machine: this host has no WMI, and so no way to another machine; run quilletctl on "
-            "Windows, or add --simulate");
+            "--machine: this host has no WMI, and this program was built without WS-Management; run "
+            "quilletctl on Windows, or add --simulate");
     }
-    if (m_options.journal && !UsesSimulator(m_options)) {
+    if (m_options.journal && (isRemote || !UsesSimulator(m_options))) {
         throw UsageError("--journal: only a simulated machine keeps a journal; add --simulate");
     }
 }

@@ -1,6 +1,8 @@
-// The way to the provider: COM, the simulator in WMI's place where one is used, and the session. Everything
-// is undone in reverse order, however the command ends.
+// The way to the provider: COM, what stands in WMI's place where this host has none, and the session.
+// Everything is undone in reverse order, however the command ends.
 #pragma once
+
+#include "remote/RemoteMachine.h"
 
 #include <quillet/client/Session.h>
 
@@ -14,16 +16,18 @@ namespace quilletctl {
 
 class Connection {
   public:
-    /// Connects to a machine by its name or address (UTF-8; empty: this one), through the simulator where one
-    /// is given. Throws Refusal.
-    Connection(const std::string& machine, std::shared_ptr<quillet::simulator::Machine> simulated);
+    /// Connects to the machine of the options, through the simulator where one is given. Throws Refusal and,
+    /// for what the options name and cannot be used, UsageError.
+    Connection(const GlobalOptions& options, const Terminal& terminal,
+               std::shared_ptr<quillet::simulator::Machine> simulated);
 
     quillet::Session& Session() noexcept { return *m_session; }
 
   private:
-    // The order matters: the session ends before the simulator is taken out, and both before COM.
+    // The order matters: the session ends before what stands in WMI's place is taken out, and all before COM.
     std::optional<quillet::ComUsage> m_com;
     std::optional<quillet::simulator::Registration> m_simulator;
+    std::optional<RemoteMachine> m_remote;
     std::optional<quillet::Session> m_session;
 };
 

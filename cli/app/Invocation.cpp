@@ -19,7 +19,7 @@ quillet::Session& Invocation::Session() {
             }
             m_machine.emplace(m_options, m_mayChange);
         }
-        m_connection.emplace(m_options.machine, m_machine ? m_machine->Machine() : nullptr);
+        m_connection.emplace(m_options, m_terminal, m_machine ? m_machine->Machine() : nullptr);
     }
     return m_connection->Session();
 }

@@ -1,6 +1,8 @@
 // The options that every command takes.
 #pragma once
 
+#include "remote/RemoteAccess.h"
+
 #include <string>
 
 namespace quilletctl {
@@ -15,6 +17,7 @@ struct GlobalOptions {
     bool journal = false;    ///< --journal
     bool yes = false;        ///< --yes
     bool noColour = false;   ///< --no-color
+    RemoteAccess remote{};   ///< how --machine is reached where this host has no WMI
 };
 
 } // namespace quilletctl

@@ -39,7 +39,7 @@ bool AsksForSimulator(const GlobalOptions& options) noexcept {
 }
 
 bool UsesSimulator(const GlobalOptions& options) noexcept {
-    return AsksForSimulator(options) || !HostHasWmi();
+    return AsksForSimulator(options) || (!HostHasWmi() && options.machine.empty());
 }
 
 SimulatedMachine::SimulatedMachine(const GlobalOptions& options, bool mayChange)

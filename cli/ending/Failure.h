@@ -32,13 +32,16 @@ class Refusal : public std::runtime_error {
     HRESULT m_code;
 };
 
+/// Why a machine over the network did not do it, as far as that is known; empty: it is none.
+std::string RemoteReason(HRESULT code);
+
 /// Does something with the session, and throws Refusal where that fails; `asked` completes "could not …".
 template <class Operation>
 auto Attempt(const std::string& asked, Operation operation) -> decltype(operation()) {
     try {
         return operation();
     } catch (const quillet::Error& failure) {
-        throw Refusal(asked, failure.Code());
+        throw Refusal(asked, failure.Code(), RemoteReason(failure.Code()));
     }
 }
 

@@ -185,7 +185,7 @@ void ProviderTest::FailEachProviderCall(
 
         const std::vector<JournalEntry> calls = Calls();
         const std::vector<std::string> trace = Traced();
-        ASSERT_EQ(calls.size(), nth) << "calls after the failed one";
+        ASSERT_EQ(calls.size(), nth) << "calls after the failed one: " << Describe(calls.back());
         EXPECT_EQ(Code(calls.back().result), Code(code));
         EXPECT_EQ(Code(result), Code(expected ? expected(calls.back(), code) : code))
             << Describe(calls.back());

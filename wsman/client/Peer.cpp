@@ -50,6 +50,9 @@ Endpoint InDmtfForm(const Endpoint& endpoint) {
 
 /// Whether a fault may mean that the server does not know this form of a URI. Nothing was done then.
 bool MayBeForm(const Fault& fault) {
+    if (fault.isCodeTold) { // WMI has seen it
+        return false;
+    }
     return fault.subcode.ends_with("DestinationUnreachable") ||
            fault.subcode.ends_with("ActionNotSupported") || fault.subcode.ends_with("InvalidSelectors");
 }
@@ -121,6 +124,8 @@ RequestHead Peer::HeadOf(const Message& message, UriForm form) const {
     if (message.endpoint.resource == kClassesAsXml) {
         head.transportOptions = {"IncludeQualifiers", "IncludeInheritedElements", "IncludeClassOrigin",
                                  "IncludeInheritanceHierarchy"};
+    } else {
+        head.transportOptions = {std::string(kPreciseArrays)};
     }
     return head;
 }
@@ -160,9 +165,12 @@ void Peer::Identify() {
     const auto exchange = m_http.Begin(xml.Take(), Repeatable::Yes, kLeastEnvelope * 8);
     exchange->Wait(LONG(WBEM_INFINITE));
     const auto answer = Read(exchange->Take(), {});
-    if (!answer->Body().Child("IdentifyResponse")) {
+    const Element identity = answer->Body().Child("IdentifyResponse");
+    if (!identity) {
         Fail(HRESULT(WBEM_E_TRANSPORT_FAILURE), "what answers is no WS-Management");
     }
+    // "OS: 10.0.20348 SP: 0.0 Stack: 3.0"
+    m_tellsNulls = identity.Child("ProductVersion").Word().find("Stack:") != std::string::npos;
 }
 
 std::unique_ptr<Answer> Peer::Ask(const Message& message) {
@@ -194,6 +202,14 @@ wmi::ClassPtr Peer::ClassOf(const std::wstring& namespaceName, std::wstring_view
     return m_classes.emplace(key, std::move(fetched)).first->second;
 }
 
+wmi::Instance Peer::Read(const wmi::ClassPtr& definition, const Element& holder, const Namespace& space) {
+    if (!m_tellsNulls && MarksNullArrays(holder)) {
+        m_tellsNulls = true;
+    }
+    return ReadProperties(definition, holder, space, Unknown::Ignored,
+                          m_tellsNulls ? NullArrays::Marked : NullArrays::LikeScalars);
+}
+
 wmi::ClassPtr Peer::Keep(const std::wstring& namespaceName, LCID locale, wmi::ClassDefinition definition) {
     const ClassKey key{wmi::Folded(namespaceName), wmi::Folded(definition.name), locale};
     const std::lock_guard lock(m_classesMutex);
@@ -207,8 +223,11 @@ wmi::ClassPtr Peer::Keep(const std::wstring& namespaceName, LCID locale, wmi::Cl
 wmi::ClassPtr Peer::FetchClass(const std::wstring& namespaceName, std::wstring_view name,
                                const wmi::CallContext& context) {
     const auto known = [&]() { return m_options.schema ? m_options.schema(name) : nullptr; };
+    if (wmi::ClassPtr trusted = m_options.isSchemaTrusted || !m_tellsClasses ? known() : nullptr) {
+        return trusted;
+    }
     if (!m_tellsClasses) {
-        return known();
+        return nullptr;
     }
     wmi::CallContext plain; // what a context asks for is none of the classes' business
     plain.locale = context.locale;

@@ -3,6 +3,7 @@
 
 #include "client/Http.h"
 #include "soap/Envelope.h"
+#include "soap/Values.h"
 
 #include <quillet-wmi/Connection.h>
 
@@ -85,6 +86,8 @@ class Peer {
     /// RemoteError.
     wmi::ClassPtr ClassOf(const std::wstring& namespaceName, std::wstring_view name,
                           const wmi::CallContext& context);
+    /// Reads properties or parameters; see NullArrays.
+    wmi::Instance Read(const wmi::ClassPtr& definition, const Element& holder, const Namespace& space);
     /// Keeps a class that was told otherwise.
     wmi::ClassPtr Keep(const std::wstring& namespaceName, LCID locale, wmi::ClassDefinition definition);
 
@@ -105,6 +108,8 @@ class Peer {
     std::atomic<UriForm> m_form{UriForm::Wmi};
     std::atomic<bool> m_isFormKnown{false};
     std::atomic<bool> m_tellsClasses{true};
+    /// It tells what is null: an array that it does not tell is empty. Windows does, other servers do not.
+    std::atomic<bool> m_tellsNulls{false};
 
     using ClassKey = std::tuple<std::wstring, std::wstring, LCID>; ///< namespace and name, folded
     std::mutex m_classesMutex;

@@ -23,11 +23,6 @@ thread_local std::string g_lastFailure;
 
 constexpr HRESULT kServerUnavailable = static_cast<HRESULT>(0x800706BAU);
 
-bool IsLoopback(const std::string& host) {
-    return host == "localhost" || host == "::1" ||
-           (host.starts_with("127.") && host.find_first_not_of("0123456789.") == std::string::npos);
-}
-
 /// Whether a name can stand in a URL as the name of a machine and as nothing else.
 bool IsHost(std::string_view host) {
     constexpr std::size_t kLongest = 255;
@@ -39,7 +34,7 @@ bool IsHost(std::string_view host) {
 }
 
 void CheckProtection(const RemoteOptions& options, const std::string& host) {
-    if (options.isPlain && options.authentication == Authentication::Basic && !IsLoopback(host)) {
+    if (options.isPlain && options.authentication == Authentication::Basic && !IsThisComputer(host)) {
         throw std::invalid_argument("a password does not go to " + host + " without TLS");
     }
 }
@@ -167,6 +162,11 @@ std::shared_ptr<RemoteHost> Make(RemoteOptions options) {
 }
 
 } // namespace
+
+bool IsThisComputer(std::string_view host) {
+    return host == "localhost" || host == "::1" ||
+           (host.starts_with("127.") && host.find_first_not_of("0123456789.") == std::string_view::npos);
+}
 
 Password::Password(std::string_view text) : m_text(text) {}
 

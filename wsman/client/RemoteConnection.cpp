@@ -95,6 +95,13 @@ std::string InputBody(const std::string& method, const std::string& resource, co
     return xml.Close().Take();
 }
 
+bool PutsAKey(const wmi::Filled& instance) {
+    return std::any_of(instance.puts.begin(), instance.puts.end(), [&](const wmi::NamedValue& put) {
+        const wmi::Property* property = instance.values.definition->FindProperty(put.name);
+        return property != nullptr && property->IsKey();
+    });
+}
+
 /// Whether a place in a query is where the server of a path stands: behind a quote or a brace and its
 /// backslashes, which may be escaped.
 bool BeginsPath(std::wstring_view text, std::size_t place) {
@@ -172,8 +179,7 @@ wmi::Object RemoteConnection::ObjectOf(const wmi::CallContext& context, const El
         definition = Inferred(element);
     }
     const Namespace space = SpaceOf(context);
-    auto instance =
-        std::make_shared<wmi::Instance>(ReadProperties(definition, element, space, Unknown::Ignored));
+    auto instance = std::make_shared<wmi::Instance>(m_peer->Read(definition, element, space));
     if (reference) {
         TakeKeys(*instance, PathOf(ReadEndpoint(reference), space));
     }
@@ -187,8 +193,7 @@ wmi::Object RemoteConnection::ProjectionOf(const wmi::CallContext& context, cons
         whole = Inferred(element);
     }
     const wmi::ClassPtr definition = wmi::Project(*whole, query.properties);
-    return {definition, std::make_shared<wmi::Instance>(
-                            ReadProperties(definition, element, SpaceOf(context), Unknown::Ignored))};
+    return {definition, std::make_shared<wmi::Instance>(m_peer->Read(definition, element, SpaceOf(context)))};
 }
 
 wmi::Outcome RemoteConnection::OpenNamespace(const wmi::CallContext&, std::wstring_view path,
@@ -309,17 +314,17 @@ wmi::Outcome RemoteConnection::ExecMethod(const wmi::CallContext& context, std::
                                                          : nullptr;
         // A machine that hands out no object has no parameter to tell, not even one that is null.
         if (signature != nullptr && output.HasChildren()) {
-            out = std::make_shared<wmi::Instance>(ReadProperties(signature, output, space, Unknown::Ignored));
+            out = std::make_shared<wmi::Instance>(m_peer->Read(signature, output, space));
         }
     });
 }
 
 void RemoteConnection::Write(const wmi::CallContext& context, const wmi::Filled& instance,
-                             const char* action) const {
+                             std::string_view action) const {
     const Namespace space = SpaceOf(context);
     const wmi::ClassDefinition& definition = *instance.values.definition;
     Message message;
-    message.action = action;
+    message.action = std::string(action);
     message.endpoint.resource = ClassUri(m_namespaceName, definition.name);
     if (action == kPut) {
         message.endpoint = EndpointOf(wmi::RelativePath(instance.values), space);
@@ -337,7 +342,7 @@ void RemoteConnection::Write(const wmi::CallContext& context, const wmi::Filled&
         const std::string name = "p:" + wmi::ToUtf8(definition.name);
         XmlWriter xml;
         xml.Open(name).Declare("p", resource).Attribute("xsi:type", name + "_Type");
-        WriteProperties(xml, "p", instance.values, space, DateTimeForm::Cim);
+        WriteProperties(xml, "p", instance.values, space, DateTimeForm::Cim, NullArrays::Marked);
         return xml.Close().Take();
     };
     m_peer->Ask(message);
@@ -350,18 +355,20 @@ wmi::Outcome RemoteConnection::PutInstance(const wmi::CallContext& context, cons
         return HRESULT(WBEM_E_INVALID_OBJECT);
     }
     return Guarded([&] {
-        if (mode == wmi::WriteMode::CreateOnly || !hasAddress) {
-            Write(context, instance, kCreate.data());
+        if (mode != wmi::WriteMode::CreateOrUpdate || !hasAddress) {
+            Write(context, instance, mode == wmi::WriteMode::UpdateOnly ? kPut : kCreate);
             return;
         }
+        // Whoever puts a key makes an object; one that was fetched has its keys. A guess that is wrong has
+        // changed nothing.
+        const bool isNew = PutsAKey(instance);
         try {
-            Write(context, instance, kPut.data());
+            Write(context, instance, isNew ? kCreate : kPut);
         } catch (const FaultError& error) {
-            // Nothing was written where there is nothing to write to.
-            if (mode == wmi::WriteMode::UpdateOnly || error.Code() != HRESULT(WBEM_E_NOT_FOUND)) {
+            if (error.Code() != HRESULT(isNew ? WBEM_E_ALREADY_EXISTS : WBEM_E_NOT_FOUND)) {
                 throw;
             }
-            Write(context, instance, kCreate.data());
+            Write(context, instance, isNew ? kPut : kCreate);
         }
     });
 }

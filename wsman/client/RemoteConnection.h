@@ -49,7 +49,7 @@ class RemoteConnection final : public wmi::Connection {
     Endpoint Target(const wmi::CallContext& context, std::wstring_view path) const;
     bool IsThisMachine(std::wstring_view server) const;
     wmi::ClassPtr ClassOf(const wmi::CallContext& context, std::wstring_view name) const;
-    void Write(const wmi::CallContext& context, const wmi::Filled& instance, const char* action) const;
+    void Write(const wmi::CallContext& context, const wmi::Filled& instance, std::string_view action) const;
     /// A query without the names of this machine that it may not know itself by.
     std::wstring Unaddressed(std::wstring_view wql) const;
 

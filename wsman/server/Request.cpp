@@ -26,7 +26,11 @@ void Fail(const char* subcode, const std::string& reason, const char* detail) {
 
 Request::Request(Service& service, const Element& envelope, const RequestHead& head, const std::string& user)
     : m_service(service), m_connection(*service.m_connection), m_head(head), m_body(BodyOf(envelope)),
-      m_user(user) {
+      m_user(user), m_arrays(NullArrays::LikeScalars) {
+    const auto& asked = head.transportOptions;
+    if (std::find(asked.begin(), asked.end(), kPreciseArrays) != asked.end()) {
+        m_arrays = NullArrays::Marked;
+    }
     m_context.values = head.options;
     // What a client says of its own message is not for the provider.
     if (const wmi::NamedValue* modified = wmi::FindNamed(head.options, kModifiedProperties)) {
@@ -117,7 +121,7 @@ void Request::WriteInstance(XmlWriter& xml, const wmi::Object& object) const {
     const std::string name = "p:" + wmi::ToUtf8(object.definition->name);
     xml.Open(name).Declare("p", ClassUri(m_space.name, object.definition->name));
     xml.Attribute("xsi:type", name + "_Type");
-    WriteProperties(xml, "p", *object.instance, m_space, DateTimeForm::Xml);
+    WriteProperties(xml, "p", *object.instance, m_space, DateTimeForm::Xml, m_arrays);
     xml.Close();
 }
 
@@ -127,7 +131,7 @@ wmi::Instance Request::ReadInstance(const wmi::ClassPtr& definition,
     if (!element) {
         Fail("w:SchemaValidationError", "There is no instance in the body.");
     }
-    wmi::Instance instance = ReadProperties(definition, element, m_space, Unknown::Refused);
+    wmi::Instance instance = ReadProperties(definition, element, m_space, Unknown::Refused, m_arrays);
     const auto put = [&](std::size_t index) {
         const wmi::Property& property = definition->properties[index];
         puts.push_back({property.name, VT_EMPTY, property.type, instance.values[index]});
@@ -195,7 +199,7 @@ std::string Request::Invoke() {
     XmlWriter xml;
     xml.Open("p:" + wmi::ToUtf8(name) + "_OUTPUT").Declare("p", m_head.endpoint.resource);
     if (out != nullptr) {
-        WriteProperties(xml, "p", *out, m_space, DateTimeForm::Xml);
+        WriteProperties(xml, "p", *out, m_space, DateTimeForm::Xml, m_arrays);
     }
     xml.Close();
     return xml.Take();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "server/Service.h"
+#include "soap/Values.h"
 
 #include <string>
 #include <vector>
@@ -60,6 +61,7 @@ class Request {
     wmi::CallContext m_context;
     wmi::Value::Array m_modified; ///< the properties that the client changed, where it says so
     Namespace m_space;
+    NullArrays m_arrays; ///< as the client wants and writes them
 };
 
 } // namespace quillet::wsman

@@ -174,7 +174,7 @@ std::string Request::Item(const Enumeration& enumeration) const {
     if (enumeration.form != ItemForm::Reference) {
         if (enumeration.isProjection) {
             xml.Open("w:XmlFragment");
-            WriteProperties(xml, "", *object.instance, m_space, DateTimeForm::Xml);
+            WriteProperties(xml, "", *object.instance, m_space, DateTimeForm::Xml, m_arrays);
             xml.Close();
         } else {
             WriteInstance(xml, object);

@@ -278,9 +278,9 @@ Element BodyOf(const Element& envelope) {
 }
 
 std::string NewMessageId() {
-    std::random_device random; // the kernel's: nobody can tell the next one
+    thread_local std::random_device random; // the kernel's: nobody can tell the next one
     std::array<std::uint32_t, 4> words{};
-    std::generate(words.begin(), words.end(), [&random] { return random(); });
+    std::generate(words.begin(), words.end(), [] { return random(); });
     std::array<char, 48> text{};
     std::snprintf(text.data(), text.size(), "uuid:%08X-%04X-4%03X-%04X-%04X%08X", words[0], words[1] >> 16,
                   words[1] & 0xFFFU, (words[2] >> 16 & 0x3FFFU) | 0x8000U, words[2] & 0xFFFFU, words[3]);

@@ -227,6 +227,7 @@ Fault ReadFault(const Element& fault) {
                                                detail.inner, CodeBehind("HRESULT ", reason)}) {
         if (told && !IsOfTransport(*told)) {
             read.code = *told;
+            read.isCodeTold = true;
             break;
         }
     }

@@ -14,11 +14,12 @@ namespace quillet::wsman {
 /// What a fault says.
 struct Fault {
     HRESULT code = 0;
-    std::string subcode{}; ///< "a:DestinationUnreachable", with the prefixes that our own messages declare;
-                           ///< empty: a header that had to be understood
-    bool isOurs = false;   ///< the receiver's failure, and none of the message
-    std::string detail{};  ///< the last part of a fault detail URI: "InvalidResourceURI"; empty: none
-    std::string reason{};  ///< for people
+    std::string subcode{};   ///< "a:DestinationUnreachable", with the prefixes that our own messages declare;
+                             ///< empty: a header that had to be understood
+    bool isOurs = false;     ///< the receiver's failure, and none of the message
+    std::string detail{};    ///< the last part of a fault detail URI: "InvalidResourceURI"; empty: none
+    std::string reason{};    ///< for people
+    bool isCodeTold = false; ///< of one that was read: the peer knows WMI's codes, and this is one
 };
 
 /// "0x80041002".

@@ -2,6 +2,7 @@
 #include "soap/Values.h"
 
 #include "soap/DateTimes.h"
+#include "soap/Names.h"
 #include "soap/Scalars.h"
 
 #include <quillet-wmi/Text.h>
@@ -21,6 +22,34 @@ constexpr bool IsArrayType(CIMTYPE type) noexcept {
     return (type & CIM_FLAG_ARRAY) != 0;
 }
 
+bool IsNullArray(const Element& element) {
+    return element.Attribute("IsNullArray") == "true";
+}
+
+/// A number in the sign and the width of its type: a provider may hand out -2 where others have 4294967294.
+wmi::Scalar InOwnSign(const wmi::Scalar& scalar, CIMTYPE type) {
+    std::uint64_t bits = 0;
+    if (const auto* whole = std::get_if<std::int64_t>(&scalar)) {
+        bits = static_cast<std::uint64_t>(*whole);
+    } else if (const auto* natural = std::get_if<std::uint64_t>(&scalar)) {
+        bits = *natural;
+    } else {
+        return scalar;
+    }
+    switch (type) {
+    case CIM_UINT8:
+        return std::uint64_t{static_cast<std::uint8_t>(bits)};
+    case CIM_UINT16:
+        return std::uint64_t{static_cast<std::uint16_t>(bits)};
+    case CIM_UINT32:
+        return std::uint64_t{static_cast<std::uint32_t>(bits)};
+    case CIM_UINT64:
+        return bits;
+    default:
+        return scalar;
+    }
+}
+
 void WriteScalar(XmlWriter& xml, CIMTYPE type, const wmi::Scalar& scalar, const Namespace& space,
                  DateTimeForm form) {
     const auto* text = std::get_if<std::wstring>(&scalar);
@@ -32,7 +61,7 @@ void WriteScalar(XmlWriter& xml, CIMTYPE type, const wmi::Scalar& scalar, const 
                                         : XmlDateTime{"CIM_DateTime", wmi::ToUtf8(*text)};
         xml.Leaf("cim:" + std::string(written.element), written.text);
     } else {
-        xml.Text(ScalarText(scalar));
+        xml.Text(ScalarText(InOwnSign(scalar, type)));
     }
 }
 
@@ -147,7 +176,7 @@ wmi::Value ReadArray(std::span<const Element> elements, const wmi::Property& pro
 } // namespace
 
 void WriteValue(XmlWriter& xml, std::string_view prefix, const wmi::Property& property,
-                const wmi::Value& value, const Namespace& space, DateTimeForm form) {
+                const wmi::Value& value, const Namespace& space, DateTimeForm form, NullArrays arrays) {
     const std::string name = (prefix.empty() ? "" : std::string(prefix) + ':') + wmi::ToUtf8(property.name);
     const CIMTYPE type = ElementType(property.type);
     const auto write = [&](const std::optional<wmi::Scalar>& scalar) {
@@ -169,14 +198,28 @@ void WriteValue(XmlWriter& xml, std::string_view prefix, const wmi::Property& pr
         for (const std::optional<wmi::Scalar>& element : *array) {
             write(element);
         }
+    } else if (arrays == NullArrays::Marked && IsArrayType(property.type)) {
+        // Whoever does not know the mark sees what is nil.
+        xml.Open(name).Declare("m", kMicrosoft).Attribute("m:IsNullArray", "true");
+        xml.Attribute("xsi:nil", "true").Close();
     } else {
         write(std::nullopt);
     }
 }
 
+bool MarksNullArrays(const Element& holder) {
+    for (Element element = holder.First(); element; element = element.Next()) {
+        if (IsNullArray(element)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 wmi::Value ReadValue(std::span<const Element> elements, const wmi::Property& property,
                      const Namespace& space) {
-    const bool isNull = elements.empty() || (elements.size() == 1 && elements.front().IsNil());
+    const bool isNull = elements.empty() ||
+                        (elements.size() == 1 && (elements.front().IsNil() || IsNullArray(elements.front())));
     wmi::Value value;
     if (isNull) {
         return value;
@@ -199,15 +242,15 @@ wmi::Value ReadValue(std::span<const Element> elements, const wmi::Property& pro
 }
 
 void WriteProperties(XmlWriter& xml, std::string_view prefix, const wmi::Instance& instance,
-                     const Namespace& space, DateTimeForm form) {
+                     const Namespace& space, DateTimeForm form, NullArrays arrays) {
     const auto& properties = instance.definition->properties;
     for (std::size_t i = 0; i < properties.size(); ++i) {
-        WriteValue(xml, prefix, properties[i], instance.values[i], space, form);
+        WriteValue(xml, prefix, properties[i], instance.values[i], space, form, arrays);
     }
 }
 
 wmi::Instance ReadProperties(const wmi::ClassPtr& definition, Element holder, const Namespace& space,
-                             Unknown unknown) {
+                             Unknown unknown, NullArrays arrays) {
     std::map<std::size_t, std::vector<Element>> given;
     std::string last;
     std::optional<std::size_t> index;
@@ -227,8 +270,12 @@ wmi::Instance ReadProperties(const wmi::ClassPtr& definition, Element holder, co
     wmi::Instance instance(definition);
     for (std::size_t i = 0; i < definition->properties.size(); ++i) {
         const auto found = given.find(i);
-        instance.values[i] =
-            found == given.end() ? wmi::Value() : ReadValue(found->second, definition->properties[i], space);
+        if (found != given.end()) {
+            instance.values[i] = ReadValue(found->second, definition->properties[i], space);
+        } else {
+            const bool isEmpty = arrays == NullArrays::Marked && IsArrayType(definition->properties[i].type);
+            instance.values[i] = isEmpty ? wmi::Value(wmi::Value::Array()) : wmi::Value();
+        }
     }
     return instance;
 }

@@ -55,11 +55,14 @@ struct RemoteOptions {
     bool isPlain = false;
     std::chrono::milliseconds connectTimeout{10'000}; ///< to reach a machine
     std::chrono::milliseconds timeout{180'000};       ///< of each request; the machine may set less
-    unsigned pageSize = 256; ///< the most objects that one answer has
+    unsigned pageSize = 256;                          ///< the most objects that one answer has
     /// The name in object paths; empty: the machine's as it was named.
     std::wstring serverName{};
     /// The classes that are known here, for a machine that does not tell them.
     std::function<wmi::ClassPtr(std::wstring_view)> schema{};
+    /// Asks the machine only for classes that `schema` does not have: fewer requests, but properties that the
+    /// machine's provider has and `schema` has not are not seen.
+    bool isSchemaTrusted = false;
 };
 
 /// Where connections to machines come from. Safe for many threads; sessions of one machine share its HTTP
@@ -91,6 +94,9 @@ class Remote {
     struct State;
     const std::unique_ptr<State> m_state;
 };
+
+/// Whether a host name or an address means the computer that asks: nothing that is sent there leaves it.
+bool IsThisComputer(std::string_view host);
 
 /// Why the last request of this thread failed, for people: which machine, which URL, what happened. Empty:
 /// it did not fail. A result code alone says less.
