@@ -39,6 +39,9 @@ class PeerStream : public httplib::Stream {
     /// Reads what nobody read of it.
     bool Discard();
 
+    /// Whether an empty line is the last that was read, as after the last chunk.
+    bool HasReadEnd() const { return m_last == "\r\n\r\n"; }
+
     ssize_t read(char* bytes, std::size_t size) override;
     ssize_t write(const char* bytes, std::size_t size) override {
         return m_wire.Write(bytes, size) ? static_cast<ssize_t>(size) : -1;
@@ -63,6 +66,7 @@ class PeerStream : public httplib::Stream {
     std::string m_pending;
     std::size_t m_place = 0;
     std::size_t m_left = 0;
+    std::string m_last; ///< the last few bytes that were read
 };
 
 bool PeerStream::Fill() {
@@ -101,7 +105,12 @@ ssize_t PeerStream::read(char* bytes, std::size_t size) {
     } else {
         read = m_wire.Read(bytes, size);
     }
-    m_left -= read > 0 ? static_cast<std::size_t>(read) : 0;
+    if (read > 0) {
+        const std::size_t got = static_cast<std::size_t>(read);
+        m_left -= got;
+        m_last.append(bytes + got - std::min<std::size_t>(got, 4), std::min<std::size_t>(got, 4));
+        m_last.erase(0, m_last.size() - std::min<std::size_t>(m_last.size(), 4));
+    }
     return read;
 }
 
@@ -130,8 +139,8 @@ class HttpServer::Implementation : public httplib::Server {
     explicit Implementation(HttpOptions options);
     ~Implementation() override { Stop(); }
 
-    void Add(const std::string& path, std::shared_ptr<Service> service) {
-        m_services.insert_or_assign(path, std::move(service));
+    void Add(const std::string& path, Answers answers) {
+        m_answers.insert_or_assign(path, std::move(answers));
     }
     int Start();
     void Stop();
@@ -140,9 +149,11 @@ class HttpServer::Implementation : public httplib::Server {
     /// One request and its answer.
     struct Exchange {
         Wire& wire;
-        HttpFraming framing;
-        std::shared_ptr<Service> service{};
+        const HttpFraming framing;
+        const PeerStream& stream;
+        const Answers* answers = nullptr;
         bool isHandedOver = false; ///< the library took the head for one, too
+        bool isWelcome = false;    ///< it is one to be answered
         bool isStranger = false;   ///< who has not said who they are
         bool mustClose = false;    ///< what comes next need not be a request
         LogLine line{};            ///< with the status, once it is known
@@ -151,8 +162,8 @@ class HttpServer::Implementation : public httplib::Server {
 
     void ServePeer(Wire& wire);
     /// False: it was the last one.
-    bool ServeRequest(Wire& wire, PeerStream& stream, std::size_t count);
-    bool ReadHead(Wire& wire, PeerStream& stream, std::size_t count, HttpFraming& framing);
+    bool ServeRequest(Wire& wire, PeerStream& stream, std::size_t count, bool& isWelcome);
+    bool ReadHead(Wire& wire, PeerStream& stream, std::chrono::milliseconds patience, HttpFraming& framing);
     void Prepare(httplib::Request& request, Exchange& exchange, PeerStream& stream);
     /// What is wrong with a request that is not worth its body; 0: nothing.
     int Check(const httplib::Request& request, Exchange& exchange);
@@ -173,7 +184,7 @@ class HttpServer::Implementation : public httplib::Server {
     static thread_local Exchange* g_exchange;
 
     const HttpOptions m_options;
-    std::map<std::string, std::shared_ptr<Service>> m_services;
+    std::map<std::string, Answers> m_answers;
     std::mutex m_mutex;
     std::condition_variable m_stopping;
     std::atomic<bool> m_isStopping = false;
@@ -223,20 +234,22 @@ void HttpServer::Implementation::ServePeer(Wire& wire) {
         return;
     }
     PeerStream stream(wire);
+    bool isWelcome = false; // whoever is refused may not keep others waiting for their connection
     for (std::size_t count = 1; count <= m_options.mostRequests && !m_isStopping; ++count) {
-        if (!ServeRequest(wire, stream, count)) {
+        if (!ServeRequest(wire, stream, count, isWelcome)) {
             break;
         }
     }
     wire.Finish();
 }
 
-bool HttpServer::Implementation::ServeRequest(Wire& wire, PeerStream& stream, std::size_t count) {
+bool HttpServer::Implementation::ServeRequest(Wire& wire, PeerStream& stream, std::size_t count,
+                                              bool& isWelcome) {
     HttpFraming framing;
-    if (!ReadHead(wire, stream, count, framing)) {
+    if (!ReadHead(wire, stream, isWelcome ? m_options.idle : m_options.head, framing)) {
         return false;
     }
-    Exchange exchange{wire, framing};
+    Exchange exchange{wire, framing, stream};
     g_exchange = &exchange;
     bool isClosed = false;
     const bool isAnswered =
@@ -244,19 +257,18 @@ bool HttpServer::Implementation::ServeRequest(Wire& wire, PeerStream& stream, st
                         [&](httplib::Request& request) { Prepare(request, exchange, stream); });
     g_exchange = nullptr;
     Log(exchange);
+    isWelcome = exchange.isWelcome;
     if (!isAnswered || isClosed || exchange.mustClose || !exchange.isHandedOver) {
         return false;
     }
-    return framing.isChunked || stream.Discard();
+    return stream.Discard();
 }
 
-bool HttpServer::Implementation::ReadHead(Wire& wire, PeerStream& stream, std::size_t count,
+bool HttpServer::Implementation::ReadHead(Wire& wire, PeerStream& stream, std::chrono::milliseconds patience,
                                           HttpFraming& framing) {
-    if (count > 1) {
-        wire.SetDeadline(m_options.idle);
-        if (!stream.HasMore()) {
-            return false;
-        }
+    wire.SetDeadline(patience);
+    if (!stream.HasMore()) {
+        return false;
     }
     wire.SetDeadline(m_options.head);
     const std::string_view head = stream.ReadHead(m_options.maxHead);
@@ -267,7 +279,7 @@ bool HttpServer::Implementation::ReadHead(Wire& wire, PeerStream& stream, std::s
         return true;
     }
     if (!head.empty() || stream.HasTooMuch(m_options.maxHead)) {
-        Exchange exchange{wire, {}};
+        Exchange exchange{wire, {}, stream};
         exchange.line.status = head.empty() ? 431 : 400;
         const std::string answer =
             "HTTP/1.1 " +
@@ -282,11 +294,13 @@ bool HttpServer::Implementation::ReadHead(Wire& wire, PeerStream& stream, std::s
 void HttpServer::Implementation::Prepare(httplib::Request& request, Exchange& exchange, PeerStream& stream) {
     exchange.isHandedOver = true;
     exchange.line.status = Check(request, exchange);
+    exchange.isWelcome = exchange.line.status == 0;
     const std::size_t length = exchange.framing.length.value_or(0);
-    // Whoever expects to be asked for the body may send it all the same, or not.
+    // The library does not look closely at where chunks end. Whoever expects to be asked for the body may
+    // send it all the same, or not.
     exchange.mustClose =
-        exchange.line.status != 0 &&
-        (exchange.framing.isChunked || length > kStrangersBody || request.has_header("Expect"));
+        exchange.framing.isChunked ||
+        (exchange.line.status != 0 && (length > kStrangersBody || request.has_header("Expect")));
     stream.Allow(exchange.framing.isChunked ? 2 * m_options.maxBody : length);
     exchange.wire.SetDeadline(m_options.body);
     request.ranges.clear(); // of an answer there are no parts
@@ -297,11 +311,11 @@ void HttpServer::Implementation::Prepare(httplib::Request& request, Exchange& ex
 }
 
 int HttpServer::Implementation::Check(const httplib::Request& request, Exchange& exchange) {
-    const auto found = m_services.find(request.path);
-    if (found == m_services.end()) {
+    const auto found = m_answers.find(request.path);
+    if (found == m_answers.end()) {
         return 404;
     }
-    exchange.service = found->second;
+    exchange.answers = &found->second;
     if (request.method != "POST") {
         return 405;
     }
@@ -361,6 +375,9 @@ void HttpServer::Implementation::Answer(httplib::Response& response, const httpl
     LogLine& line = exchange.line;
     std::string body;
     line.status = ReadBody(read, MostOf(exchange), body);
+    if (line.status == 0 && exchange.framing.isChunked && !exchange.stream.HasReadEnd()) {
+        line.status = 400;
+    }
     if (line.status != 0) {
         exchange.mustClose = true;
         response.set_header("Connection", "close");
@@ -368,7 +385,7 @@ void HttpServer::Implementation::Answer(httplib::Response& response, const httpl
         return;
     }
     std::optional<Reply> reply = exchange.isStranger ? Service::AnswerStranger(std::move(body))
-                                                     : exchange.service->Answer(std::move(body), line.user);
+                                                     : (*exchange.answers)(std::move(body), line.user);
     exchange.wire.SetDeadline(m_options.answer);
     line.status = reply ? reply->status : 401;
     if (!reply) {
@@ -412,8 +429,14 @@ HttpServer::HttpServer(HttpOptions options)
 
 HttpServer::~HttpServer() = default;
 
+void HttpServer::Serve(const std::string& path, Answers answers) {
+    m_implementation->Add(path, std::move(answers));
+}
+
 void HttpServer::Serve(const std::string& path, std::shared_ptr<Service> service) {
-    m_implementation->Add(path, std::move(service));
+    Serve(path, [service = std::move(service)](std::string request, const std::string& user) {
+        return service->Answer(std::move(request), user);
+    });
 }
 
 int HttpServer::Start() {
