@@ -310,8 +310,13 @@ void HttpServer::Implementation::Answer(httplib::Response& response, const httpl
         Refuse(response, line.status);
         return;
     }
-    std::optional<Reply> reply = exchange.isStranger ? Service::AnswerStranger(std::move(body))
-                                                     : (*exchange.answers)(std::move(body), line.user);
+    std::optional<Reply> reply;
+    try {
+        reply = exchange.isStranger ? Service::AnswerStranger(std::move(body))
+                                    : (*exchange.answers)(std::move(body), line.user);
+    } catch (const std::exception&) { // out of memory or threads; what exactly is nobody's business
+        reply = Reply{500, {}, {}, {}, "failed"};
+    }
     exchange.wire.SetDeadline(m_options.answer);
     line.status = reply ? reply->status : 401;
     if (!reply) {
