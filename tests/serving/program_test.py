@@ -1,10 +1,13 @@
 #!/usr/bin/env python3
 """The program: its options, what it keeps, how it ends."""
+import os
+import shutil
 import signal
 import socket
 import subprocess
 import sys
 import threading
+import unittest
 
 sys.dont_write_bytecode = True
 import served  # noqa: E402
@@ -25,6 +28,12 @@ class ProgramTest(served.ServingTest):
         done = subprocess.run([SIMULATOR, "--help"], capture_output=True, text=True, check=True)
         self.assertIn("--password-fd N", done.stdout)
         self.assertLessEqual(max(map(len, done.stdout.splitlines())), 80)
+
+    @unittest.skipUnless(shutil.which("systemd-analyze"), "this computer has no systemd")
+    def test_the_unit_is_one(self):
+        done = subprocess.run(["systemd-analyze", "verify", served.SOURCE / "serving" / "quillet-simulator.service"],
+                              capture_output=True, text=True, check=False)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
 
     def test_others_are_let_in_with_tls_and_a_password_only(self):
         self.write("users", "tester:x\n", 0o600)
@@ -139,13 +148,17 @@ class ProgramTest(served.ServingTest):
         self.assertEqual(sorted(path.name for path in self.folder.iterdir()),
                          ["cert.pem", "key.pem", "lab.mof", "log.txt", "password", "state.mof"])
 
+    def wait_for_work(self, process):
+        """Until a request has a thread that answers it, besides those of the program, the listener and the connection."""
+        self.wait_for(lambda: len(os.listdir(f"/proc/{process.pid}/task")) >= 4, "nobody answers")
+
     def test_the_first_signal_lets_answers_go_out_and_the_second_does_not(self):
         self.write("slow.mof", '#pragma include ("lab.mof")' + FAULT.format('Effect = "Delay"; Milliseconds = 700;'))
         process, [url] = self.start("slow.mof", "--journal", "calls.txt")
         answers = []
         asking = threading.Thread(target=lambda: answers.append(self.create_vlan(url, ADAPTER, 12, "Voice")[0]))
         asking.start()
-        asking.join(0.3)  # it is being answered
+        self.wait_for_work(process)
         process.terminate()
         self.assertEqual(process.wait(30), 0)
         asking.join()
@@ -162,7 +175,7 @@ class ProgramTest(served.ServingTest):
 
         asking = threading.Thread(target=give_up)
         asking.start()
-        asking.join(0.3)
+        self.wait_for_work(process)
         process.terminate()
         with self.assertRaises(subprocess.TimeoutExpired):
             process.wait(0.3)
