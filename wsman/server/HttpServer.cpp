@@ -312,8 +312,11 @@ void HttpServer::Implementation::Answer(httplib::Response& response, const httpl
     }
     std::optional<Reply> reply;
     try {
-        reply = exchange.isStranger ? Service::AnswerStranger(std::move(body))
-                                    : (*exchange.answers)(std::move(body), line.user);
+        if (exchange.isStranger) {
+            reply = Service::AnswerStranger(std::move(body));
+        } else {
+            reply = (*exchange.answers)(std::move(body), line.user);
+        }
     } catch (const std::exception&) { // out of memory or threads; what exactly is nobody's business
         reply = Reply{500, {}, {}, {}, "failed"};
     }
