@@ -1,6 +1,7 @@
 // Connecting on demand, answering, and what follows a command.
 #include "app/Invocation.h"
 
+#include "app/SimulatedMachine.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -17,7 +18,7 @@ quillet::Session& Invocation::Session() {
                 m_terminal.err << "quilletctl: this host has no WMI, so a simulated machine answers; with "
                                   "--simulate it does so without this line\n";
             }
-            m_machine.emplace(m_options, m_mayChange);
+            m_machine.emplace(m_options.machineFile, m_options.stateFile, m_mayChange);
         }
         m_connection.emplace(m_options, m_terminal, m_machine ? m_machine->Machine() : nullptr);
     }

@@ -3,9 +3,9 @@
 
 #include "app/Connection.h"
 #include "app/Options.h"
-#include "app/SimulatedMachine.h"
 #include "ending/Failure.h"
 #include "ending/Interrupt.h"
+#include "files/KeptMachine.h"
 #include "terminal/Terminal.h"
 #include "texts/Json.h"
 
@@ -70,7 +70,7 @@ class Invocation {
     const GlobalOptions& m_options;
     Terminal& m_terminal;
     bool m_mayChange;
-    std::optional<SimulatedMachine> m_machine;
+    std::optional<KeptMachine> m_machine;
     std::optional<Connection> m_connection;
     bool m_hasAnswered = false;
     Interrupt m_interrupt;

@@ -18,7 +18,7 @@ import elsewhere  # noqa: E402
 import json_shapes  # noqa: E402
 import shell_session  # noqa: E402
 
-FOLDERS = "include|Common|Lum2InstUtility|Src|platform|wmi|simulator|cli|examples|tests|fuzz|benchmarks|docs|scripts|cmake"
+FOLDERS = "include|Common|Lum2InstUtility|Src|platform|wmi|simulator|wsman|cli|serving|examples|tests|fuzz|benchmarks|docs|scripts|cmake"
 TREE_PATH = re.compile(rf"(?:{FOLDERS})/[\w./*-]+")
 FILE_NAME = re.compile(r"[\w*-]+\.(?:cpp|h|md|mof|cmake|py|map|svg|json|xml|dict)")
 IDENTIFIER = re.compile(r"[A-Za-z_]\w*(?:(?:::|\.|->)~?[A-Za-z_]\w*)*(?:\(\))?")
@@ -92,6 +92,8 @@ class Checker:
                             encoding="utf-8")
             if language == "mof":
                 self.check_machine(block, session, name)
+        elif documents.SERVED.match(directive) or directive == documents.UNTRIED:
+            pass
         elif block.is_program:
             self.run(session, [shell_session.Command(block.line, str(self.programs / block.name), None)])
         elif block.is_fragment:

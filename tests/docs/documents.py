@@ -18,6 +18,10 @@ AFTER_INSTALLING = "after installing"
 ON_A_REAL_MACHINE = "on a real machine"
 # Commands whose output is that for a terminal of 80 columns.
 ON_A_TERMINAL = "on a terminal"
+# Blocks with a server behind them: tests/serving runs them.
+SERVED = re.compile(r"served(?: file ([\w.-]+))?$")
+# What only another system could try, as the text around it says.
+UNTRIED = "untried"
 # Ways of compiling C++ that is no complete program; see Frame.h.
 FRAGMENTS = ("in-function", "connected", "gtest")
 

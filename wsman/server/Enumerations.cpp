@@ -17,6 +17,12 @@ std::string Enumerations::Keep(const std::string& user, Enumeration enumeration)
     return id;
 }
 
+void Enumerations::PutBack(const std::string& user, const std::string& id,
+                           std::unique_ptr<Enumeration> enumeration) {
+    const std::lock_guard lock(m_mutex);
+    m_kept.insert_or_assign(id, Kept{user, Clock::now(), std::move(enumeration)});
+}
+
 std::unique_ptr<Enumeration> Enumerations::Take(const std::string& user, const std::string& id,
                                                 const std::string& resource) {
     const std::lock_guard lock(m_mutex);

@@ -39,6 +39,8 @@ class Enumerations {
 
     /// Keeps one; its identifier, or nothing where there are too many.
     std::string Keep(const std::string& user, Enumeration enumeration);
+    /// Puts back one that was taken out, under the identifier that it had.
+    void PutBack(const std::string& user, const std::string& id, std::unique_ptr<Enumeration> enumeration);
     /// Takes one out; null where there is none of that identifier, user and resource.
     std::unique_ptr<Enumeration> Take(const std::string& user, const std::string& id,
                                       const std::string& resource);

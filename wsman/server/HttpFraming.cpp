@@ -65,17 +65,16 @@ bool Take(std::string_view line, HttpFraming& framing) {
 std::optional<HttpFraming> FramingOf(std::string_view head) {
     HttpFraming framing;
     bool isFirst = true;
-    while (!head.empty()) {
+    bool isWhole = false;
+    while (!isWhole) {
         const std::size_t end = head.find(kNewLine);
         const std::string_view line = head.substr(0, end);
         if (end == std::string_view::npos || !std::all_of(line.begin(), line.end(), IsOfText)) {
             return std::nullopt;
         }
         head.remove_prefix(end + kNewLine.size());
-        if (line.empty()) {
-            break;
-        }
-        if (!std::exchange(isFirst, false) && !Take(line, framing)) {
+        isWhole = line.empty();
+        if (!isWhole && !std::exchange(isFirst, false) && !Take(line, framing)) {
             return std::nullopt;
         }
     }

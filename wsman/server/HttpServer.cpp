@@ -2,7 +2,7 @@
 // decided here, before it reads a body.
 #include "server/HttpServer.h"
 
-#include "server/HttpFraming.h"
+#include "server/HttpInput.h"
 #include "server/Listener.h"
 
 #include <httplib.h>
@@ -23,23 +23,12 @@ constexpr const char* kSoapType = "application/soap+xml;charset=UTF-8";
 /// The most bytes that somebody unknown may ask with, and that are read for nothing to keep a connection.
 constexpr std::size_t kStrangersBody = 8'192;
 
-/// A connection as the library sees it: the head of a request is read as a whole before.
+/// A connection as the library sees it.
 class PeerStream : public httplib::Stream {
   public:
-    explicit PeerStream(Wire& wire) : m_wire(wire) {}
+    PeerStream(Wire& wire, HttpInput& input) : m_wire(wire), m_input(input) {}
 
-    /// Waits for a request; false: there is none any more.
-    bool HasMore() { return m_place < m_pending.size() || Fill(); }
-    /// A whole head; empty where the connection ends before, and for what is none after that many bytes.
-    std::string_view ReadHead(std::size_t most);
-    /// Whether the head was too long.
-    bool HasTooMuch(std::size_t most) const { return m_pending.size() > most; }
-    /// How much more of the request there is to read.
-    void Allow(std::size_t bytes) { m_left = bytes; }
-    /// Reads what nobody read of it.
-    bool Discard();
-
-    ssize_t read(char* bytes, std::size_t size) override;
+    ssize_t read(char* bytes, std::size_t size) override { return m_input.Read(bytes, size); }
     ssize_t write(const char* bytes, std::size_t size) override {
         return m_wire.Write(bytes, size) ? static_cast<ssize_t>(size) : -1;
     }
@@ -56,64 +45,9 @@ class PeerStream : public httplib::Stream {
     socket_t socket() const override { return INVALID_SOCKET; }
 
   private:
-    /// Gets more; false at the end.
-    bool Fill();
-
     Wire& m_wire;
-    std::string m_pending;
-    std::size_t m_place = 0;
-    std::size_t m_left = 0;
+    HttpInput& m_input;
 };
-
-bool PeerStream::Fill() {
-    std::array<char, 4096> bytes; // NOLINT(*-member-init): about to be read
-    const ssize_t read = m_wire.Read(bytes.data(), bytes.size());
-    if (read > 0) {
-        m_pending.append(bytes.data(), static_cast<std::size_t>(read));
-    }
-    return read > 0;
-}
-
-std::string_view PeerStream::ReadHead(std::size_t most) {
-    m_pending.erase(0, std::exchange(m_place, 0));
-    for (;;) {
-        const std::size_t end = m_pending.find("\r\n\r\n");
-        if (end != std::string::npos && end + 4 <= most) {
-            return std::string_view(m_pending).substr(0, end + 4);
-        }
-        if (m_pending.size() > most || !Fill()) {
-            return {};
-        }
-    }
-}
-
-ssize_t PeerStream::read(char* bytes, std::size_t size) {
-    size = std::min(size, m_left);
-    if (size == 0) {
-        return -1;
-    }
-    ssize_t read = 0;
-    if (m_place < m_pending.size()) {
-        size = std::min(size, m_pending.size() - m_place);
-        std::memcpy(bytes, m_pending.data() + m_place, size);
-        m_place += size;
-        read = static_cast<ssize_t>(size);
-    } else {
-        read = m_wire.Read(bytes, size);
-    }
-    m_left -= read > 0 ? static_cast<std::size_t>(read) : 0;
-    return read;
-}
-
-bool PeerStream::Discard() {
-    std::array<char, 4096> bytes; // NOLINT(*-member-init): about to be read
-    while (m_left > 0) {
-        if (read(bytes.data(), bytes.size()) <= 0) {
-            return false;
-        }
-    }
-    return true;
-}
 
 /// Whether a "Content-Type" is one of SOAP's.
 bool IsSoap(std::string type) {
@@ -130,8 +64,8 @@ class HttpServer::Implementation : public httplib::Server {
     explicit Implementation(HttpOptions options);
     ~Implementation() override { Stop(); }
 
-    void Add(const std::string& path, std::shared_ptr<Service> service) {
-        m_services.insert_or_assign(path, std::move(service));
+    void Add(const std::string& path, Answers answers) {
+        m_answers.insert_or_assign(path, std::move(answers));
     }
     int Start();
     void Stop();
@@ -140,9 +74,11 @@ class HttpServer::Implementation : public httplib::Server {
     /// One request and its answer.
     struct Exchange {
         Wire& wire;
-        HttpFraming framing;
-        std::shared_ptr<Service> service{};
+        const HttpFraming framing;
+        const HttpInput& input;
+        const Answers* answers = nullptr;
         bool isHandedOver = false; ///< the library took the head for one, too
+        bool isWelcome = false;    ///< it is one to be answered
         bool isStranger = false;   ///< who has not said who they are
         bool mustClose = false;    ///< what comes next need not be a request
         LogLine line{};            ///< with the status, once it is known
@@ -151,9 +87,9 @@ class HttpServer::Implementation : public httplib::Server {
 
     void ServePeer(Wire& wire);
     /// False: it was the last one.
-    bool ServeRequest(Wire& wire, PeerStream& stream, std::size_t count);
-    bool ReadHead(Wire& wire, PeerStream& stream, std::size_t count, HttpFraming& framing);
-    void Prepare(httplib::Request& request, Exchange& exchange, PeerStream& stream);
+    bool ServeRequest(Wire& wire, HttpInput& input, std::size_t count, bool& isWelcome);
+    bool ReadHead(Wire& wire, HttpInput& input, std::chrono::milliseconds patience, HttpFraming& framing);
+    void Prepare(httplib::Request& request, Exchange& exchange, HttpInput& input);
     /// What is wrong with a request that is not worth its body; 0: nothing.
     int Check(const httplib::Request& request, Exchange& exchange);
     int CheckUser(const httplib::Request& request, Exchange& exchange);
@@ -173,7 +109,7 @@ class HttpServer::Implementation : public httplib::Server {
     static thread_local Exchange* g_exchange;
 
     const HttpOptions m_options;
-    std::map<std::string, std::shared_ptr<Service>> m_services;
+    std::map<std::string, Answers> m_answers;
     std::mutex m_mutex;
     std::condition_variable m_stopping;
     std::atomic<bool> m_isStopping = false;
@@ -222,52 +158,54 @@ void HttpServer::Implementation::ServePeer(Wire& wire) {
     if (!wire.Handshake()) {
         return;
     }
-    PeerStream stream(wire);
+    HttpInput input(wire);
+    bool isWelcome = false; // whoever is refused may not keep others waiting for their connection
     for (std::size_t count = 1; count <= m_options.mostRequests && !m_isStopping; ++count) {
-        if (!ServeRequest(wire, stream, count)) {
+        if (!ServeRequest(wire, input, count, isWelcome)) {
             break;
         }
     }
     wire.Finish();
 }
 
-bool HttpServer::Implementation::ServeRequest(Wire& wire, PeerStream& stream, std::size_t count) {
+bool HttpServer::Implementation::ServeRequest(Wire& wire, HttpInput& input, std::size_t count,
+                                              bool& isWelcome) {
     HttpFraming framing;
-    if (!ReadHead(wire, stream, count, framing)) {
+    if (!ReadHead(wire, input, isWelcome ? m_options.idle : m_options.head, framing)) {
         return false;
     }
-    Exchange exchange{wire, framing};
+    Exchange exchange{wire, framing, input};
     g_exchange = &exchange;
+    PeerStream stream(wire, input);
     bool isClosed = false;
     const bool isAnswered =
         process_request(stream, count == m_options.mostRequests, isClosed,
-                        [&](httplib::Request& request) { Prepare(request, exchange, stream); });
+                        [&](httplib::Request& request) { Prepare(request, exchange, input); });
     g_exchange = nullptr;
     Log(exchange);
+    isWelcome = exchange.isWelcome;
     if (!isAnswered || isClosed || exchange.mustClose || !exchange.isHandedOver) {
         return false;
     }
-    return framing.isChunked || stream.Discard();
+    return input.Discard();
 }
 
-bool HttpServer::Implementation::ReadHead(Wire& wire, PeerStream& stream, std::size_t count,
+bool HttpServer::Implementation::ReadHead(Wire& wire, HttpInput& input, std::chrono::milliseconds patience,
                                           HttpFraming& framing) {
-    if (count > 1) {
-        wire.SetDeadline(m_options.idle);
-        if (!stream.HasMore()) {
-            return false;
-        }
+    wire.SetDeadline(patience);
+    if (!input.HasMore()) {
+        return false;
     }
     wire.SetDeadline(m_options.head);
-    const std::string_view head = stream.ReadHead(m_options.maxHead);
+    const std::string_view head = input.ReadHead(m_options.maxHead);
     const std::optional<HttpFraming> read = head.empty() ? std::nullopt : FramingOf(head);
     if (read) {
         framing = *read;
-        stream.Allow(head.size());
+        input.Allow(head.size());
         return true;
     }
-    if (!head.empty() || stream.HasTooMuch(m_options.maxHead)) {
-        Exchange exchange{wire, {}};
+    if (!head.empty() || input.HasTooMuch(m_options.maxHead)) {
+        Exchange exchange{wire, {}, input};
         exchange.line.status = head.empty() ? 431 : 400;
         const std::string answer =
             "HTTP/1.1 " +
@@ -279,15 +217,17 @@ bool HttpServer::Implementation::ReadHead(Wire& wire, PeerStream& stream, std::s
     return false;
 }
 
-void HttpServer::Implementation::Prepare(httplib::Request& request, Exchange& exchange, PeerStream& stream) {
+void HttpServer::Implementation::Prepare(httplib::Request& request, Exchange& exchange, HttpInput& input) {
     exchange.isHandedOver = true;
     exchange.line.status = Check(request, exchange);
+    exchange.isWelcome = exchange.line.status == 0;
     const std::size_t length = exchange.framing.length.value_or(0);
-    // Whoever expects to be asked for the body may send it all the same, or not.
+    // The library does not look closely at where chunks end. Whoever expects to be asked for the body may
+    // send it all the same, or not.
     exchange.mustClose =
-        exchange.line.status != 0 &&
-        (exchange.framing.isChunked || length > kStrangersBody || request.has_header("Expect"));
-    stream.Allow(exchange.framing.isChunked ? 2 * m_options.maxBody : length);
+        exchange.framing.isChunked ||
+        (exchange.line.status != 0 && (length > kStrangersBody || request.has_header("Expect")));
+    input.Allow(exchange.framing.isChunked ? 2 * m_options.maxBody : length);
     exchange.wire.SetDeadline(m_options.body);
     request.ranges.clear(); // of an answer there are no parts
     if (exchange.mustClose) {
@@ -297,11 +237,11 @@ void HttpServer::Implementation::Prepare(httplib::Request& request, Exchange& ex
 }
 
 int HttpServer::Implementation::Check(const httplib::Request& request, Exchange& exchange) {
-    const auto found = m_services.find(request.path);
-    if (found == m_services.end()) {
+    const auto found = m_answers.find(request.path);
+    if (found == m_answers.end()) {
         return 404;
     }
-    exchange.service = found->second;
+    exchange.answers = &found->second;
     if (request.method != "POST") {
         return 405;
     }
@@ -361,14 +301,25 @@ void HttpServer::Implementation::Answer(httplib::Response& response, const httpl
     LogLine& line = exchange.line;
     std::string body;
     line.status = ReadBody(read, MostOf(exchange), body);
+    if (line.status == 0 && exchange.framing.isChunked && !exchange.input.HasReadEnd()) {
+        line.status = 400;
+    }
     if (line.status != 0) {
         exchange.mustClose = true;
         response.set_header("Connection", "close");
         Refuse(response, line.status);
         return;
     }
-    std::optional<Reply> reply = exchange.isStranger ? Service::AnswerStranger(std::move(body))
-                                                     : exchange.service->Answer(std::move(body), line.user);
+    std::optional<Reply> reply;
+    try {
+        if (exchange.isStranger) {
+            reply = Service::AnswerStranger(std::move(body));
+        } else {
+            reply = (*exchange.answers)(std::move(body), line.user);
+        }
+    } catch (const std::exception&) { // out of memory or threads; what exactly is nobody's business
+        reply = Reply{500, {}, {}, {}, "failed"};
+    }
     exchange.wire.SetDeadline(m_options.answer);
     line.status = reply ? reply->status : 401;
     if (!reply) {
@@ -412,8 +363,14 @@ HttpServer::HttpServer(HttpOptions options)
 
 HttpServer::~HttpServer() = default;
 
+void HttpServer::Serve(const std::string& path, Answers answers) {
+    m_implementation->Add(path, std::move(answers));
+}
+
 void HttpServer::Serve(const std::string& path, std::shared_ptr<Service> service) {
-    m_implementation->Add(path, std::move(service));
+    Serve(path, [service = std::move(service)](std::string request, const std::string& user) {
+        return service->Answer(std::move(request), user);
+    });
 }
 
 int HttpServer::Start() {

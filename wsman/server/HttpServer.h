@@ -65,7 +65,11 @@ class HttpServer {
     HttpServer(const HttpServer&) = delete;
     HttpServer& operator=(const HttpServer&) = delete;
 
-    /// Before Start. @param path "/wsman"
+    /// Answers a request of a user, on many threads at a time; see Service::Answer.
+    using Answers = std::function<Reply(std::string request, const std::string& user)>;
+
+    /// What answers at a path ("/wsman"). Before Start.
+    void Serve(const std::string& path, Answers answers);
     void Serve(const std::string& path, std::shared_ptr<Service> service);
     /// Serves from now on, on threads of its own; the port. Throws std::runtime_error: for an address that
     /// cannot be had, and a certificate or key that cannot be used.

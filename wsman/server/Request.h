@@ -50,7 +50,9 @@ class Request {
     /// An enumeration that is not at its end goes on under a new identifier.
     void WriteContext(XmlWriter& xml, Enumeration enumeration, bool isEnd);
     /// As many objects as are asked for and fit.
-    std::string Items(Enumeration& enumeration, const Element& wanted, bool& isEnd);
+    std::string Items(Enumeration& enumeration, std::size_t most, bool& isEnd);
+    /// How many a client asks for in "MaxElements".
+    std::size_t MostItems(const Element& wanted) const;
     std::string Item(const Enumeration& enumeration) const;
 
     Service& m_service;

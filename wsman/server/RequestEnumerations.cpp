@@ -62,7 +62,7 @@ std::string Request::Enumerate() {
     std::string items;
     bool isEnd = false;
     if (asked.Child("OptimizeEnumeration")) {
-        items = Items(begun, asked.Child("MaxElements"), isEnd);
+        items = Items(begun, MostItems(asked.Child("MaxElements")), isEnd);
     }
     WriteContext(xml, std::move(begun), isEnd);
     if (asked.Child("OptimizeEnumeration")) {
@@ -89,9 +89,19 @@ void Request::Query(const Element& filter, Enumeration& begun) {
 
 std::string Request::Pull() {
     const Element asked = m_body.Child("Pull");
+    const std::size_t most = MostItems(asked.Child("MaxElements"));
     std::unique_ptr<Enumeration> enumeration = TakeEnumeration(asked);
     bool isEnd = false;
-    const std::string items = Items(*enumeration, asked.Child("MaxElements"), isEnd);
+    std::string items;
+    try {
+        items = Items(*enumeration, most, isEnd);
+    } catch (const Failed&) {
+        if (enumeration->waiting.definition != nullptr) { // a client with more room may have it
+            m_service.m_enumerations.PutBack(m_user, asked.Child("EnumerationContext").Word(),
+                                             std::move(enumeration));
+        }
+        throw;
+    }
     XmlWriter xml;
     xml.Open("n:PullResponse");
     WriteContext(xml, std::move(*enumeration), isEnd);
@@ -123,13 +133,15 @@ void Request::WriteContext(XmlWriter& xml, Enumeration enumeration, bool isEnd) 
     xml.Leaf("n:EnumerationContext", id);
 }
 
-std::string Request::Items(Enumeration& enumeration, const Element& wanted, bool& isEnd) {
+std::size_t Request::MostItems(const Element& wanted) const {
     const auto number = wmi::ParseDecimal(Wide(wanted ? wanted.Word() : "1"));
     if (!number || number->negative || number->magnitude == 0) {
         Fail("w:InvalidParameter", "The number of objects is none.", "MaxElements");
     }
-    const std::size_t most =
-        static_cast<std::size_t>(std::min<std::uint64_t>(number->magnitude, m_service.m_options.maxItems));
+    return static_cast<std::size_t>(std::min<std::uint64_t>(number->magnitude, m_service.m_options.maxItems));
+}
+
+std::string Request::Items(Enumeration& enumeration, std::size_t most, bool& isEnd) {
     constexpr std::size_t kFrame = 2048; // of the envelope around the items
     const std::size_t room = std::min(m_head.maxEnvelope, m_service.m_options.maxEnvelope) - kFrame;
     std::string items;

@@ -14,8 +14,22 @@ namespace quillet::wsman {
 
 namespace {
 
-constexpr std::string_view kFaultAction = "http://schemas.xmlsoap.org/ws/2004/08/addressing/fault";
-constexpr std::string_view kWsmanFaultAction = "http://schemas.dmtf.org/wbem/wsman/1/wsman/fault";
+/// The action of a fault, which goes by the prefix of its subcode.
+std::string_view FaultAction(std::string_view subcode) {
+    struct Row {
+        std::string_view prefix;
+        std::string_view action;
+    };
+    constexpr Row kRows[] = {{"w:", "http://schemas.dmtf.org/wbem/wsman/1/wsman/fault"},
+                             {"n:", "http://schemas.xmlsoap.org/ws/2004/09/enumeration/fault"},
+                             {"x:", "http://schemas.xmlsoap.org/ws/2004/09/transfer/fault"}};
+    for (const Row& row : kRows) {
+        if (subcode.starts_with(row.prefix)) {
+            return row.action;
+        }
+    }
+    return "http://schemas.xmlsoap.org/ws/2004/08/addressing/fault";
+}
 
 /// Who is there: the same for everybody, and of every machine.
 Reply Identity() {
@@ -30,9 +44,7 @@ Reply ReplyWith(const Fault& fault, const std::string& relatesTo, const std::str
                 const std::string& notUnderstood = {}) {
     XmlWriter body;
     WriteFault(body, fault, machine);
-    const bool isWsman = fault.subcode.starts_with("w:");
-    Reply reply{500, WriteResponse(isWsman ? kWsmanFaultAction : kFaultAction, relatesTo, body.Written(),
-                                   notUnderstood)};
+    Reply reply{500, WriteResponse(FaultAction(fault.subcode), relatesTo, body.Written(), notUnderstood)};
     reply.result = (fault.subcode.empty() ? "s:MustUnderstand" : fault.subcode) + ' ' + CodeText(fault.code);
     return reply;
 }
@@ -81,21 +93,15 @@ Reply Service::Answer(std::string request, const std::string& user) {
 Reply Service::AnswerWith(RequestHead& head, std::string request, const std::string& user) {
     const std::string machine = wmi::ToUtf8(m_connection->ServerName());
     try {
-        const XmlDocument document(std::move(request));
-        const Element envelope = document.Root();
-        head = ReadRequestHead(envelope);
-        if (IsIdentify(head, envelope)) {
+        const auto asked = std::make_shared<Asked>(std::move(request));
+        asked->head = ReadRequestHead(asked->document.Root());
+        head = asked->head;
+        if (IsIdentify(head, asked->document.Root())) {
             head.action = "Identify";
             return Identity();
         }
         CheckHead(head);
-        const std::string body = Request(*this, envelope, head, user).Answer();
-        Reply reply{200, WriteResponse(head.action + "Response", head.messageId, body)};
-        if (reply.body.size() > std::min(head.maxEnvelope, m_options.maxEnvelope)) {
-            Fail("w:EncodingLimit", "The answer is larger than it may be.", "MaxEnvelopeSizeExceeded");
-        }
-        reply.result = "ok";
-        return reply;
+        return AnswerInTime(asked, user);
     } catch (const Failed& failed) {
         return ReplyWith(failed.fault, head.messageId, machine, head.notUnderstood);
     } catch (const MessageError& error) {
@@ -105,6 +111,42 @@ Reply Service::AnswerWith(RequestHead& head, std::string request, const std::str
     } catch (const XmlError& error) {
         return {400, std::string("The message cannot be read: ") + error.what() + ".\n", {}, {}, "no XML"};
     }
+}
+
+Reply Service::AnswerInTime(std::shared_ptr<Asked> asked, const std::string& user) {
+    if (!HasRoom()) {
+        Fail(HRESULT(WBEM_E_SERVER_TOO_BUSY), "Too many calls take longer than their clients waited.");
+    }
+    const auto patience = std::clamp(asked->head.timeout, std::chrono::milliseconds(0), m_options.longest);
+    std::future<Reply> answer =
+        std::async(std::launch::async, [this, asked, user] { return AnswerWholly(*asked, user); });
+    if (answer.wait_for(patience) == std::future_status::ready) {
+        return answer.get();
+    }
+    {
+        const std::lock_guard lock(m_mutex);
+        m_late.push_back(std::move(answer));
+    }
+    Fail(HRESULT(WBEM_E_TIMED_OUT), "The call takes longer than the request allows, and goes on.");
+}
+
+Reply Service::AnswerWholly(const Asked& asked, const std::string& user) {
+    const RequestHead& head = asked.head;
+    const std::string body = Request(*this, asked.document.Root(), head, user).Answer();
+    Reply reply{200, WriteResponse(head.action + "Response", head.messageId, body)};
+    if (reply.body.size() > std::min(head.maxEnvelope, m_options.maxEnvelope)) {
+        Fail("w:EncodingLimit", "The answer is larger than it may be.", "MaxEnvelopeSizeExceeded");
+    }
+    reply.result = "ok";
+    return reply;
+}
+
+bool Service::HasRoom() {
+    const std::lock_guard lock(m_mutex);
+    std::erase_if(m_late, [](const std::future<Reply>& each) {
+        return each.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    });
+    return m_late.size() < m_options.maxLate;
 }
 
 std::optional<Reply> Service::AnswerStranger(std::string request) {

@@ -48,6 +48,8 @@ class Journal {
     void Add(JournalEntry entry);
     /// Forgets all calls.
     void Clear();
+    /// Everything, in order, and forgets it: no call is lost in between.
+    std::vector<JournalEntry> Take();
     /// Everything, in order.
     std::vector<JournalEntry> All() const;
     /// Only what reached the provider.

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <mutex>
 
 namespace quillet::simulator {
@@ -163,6 +164,25 @@ void Journal::Clear() {
     for (Part& part : m_parts->all) {
         part.calls.clear();
     }
+}
+
+std::vector<JournalEntry> Journal::Take() {
+    std::vector<Part::Numbered> taken;
+    {
+        const auto locks = m_parts->Lock();
+        for (Part& part : m_parts->all) {
+            std::move(part.calls.begin(), part.calls.end(), std::back_inserter(taken));
+            part.calls.clear();
+        }
+    }
+    std::sort(taken.begin(), taken.end(),
+              [](const auto& left, const auto& right) { return left.number < right.number; });
+    std::vector<JournalEntry> calls;
+    calls.reserve(taken.size());
+    for (Part::Numbered& call : taken) {
+        calls.push_back(std::move(call.entry));
+    }
+    return calls;
 }
 
 std::vector<JournalEntry> Journal::Those(const std::function<bool(const JournalEntry&)>& wanted) const {

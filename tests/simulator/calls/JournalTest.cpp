@@ -33,7 +33,10 @@ TEST_F(Recorded, ProviderCallsInTheirOrder) {
     EXPECT_EQ(machine->Calls().All().front().thread, GetCurrentThreadId());
     EXPECT_EQ(machine->Calls().Size(), 9u);
     EXPECT_EQ(machine->Calls().Of(Operation::Next).size(), 2u);
-    machine->Calls().Clear();
+    const auto taken = machine->Calls().Take();
+    ASSERT_EQ(taken.size(), 9u);
+    EXPECT_EQ(Narrow(taken.front().Line()), "GetObject Test_All.Name=\"one\" -> 0x00000000");
+    EXPECT_EQ(taken.back().method, L"BeginApply");
     EXPECT_EQ(machine->Calls().Size(), 0u);
 }
 
