@@ -57,9 +57,8 @@ std::wstring ScratchFile(const wchar_t* name);
 /// provider calls of one run as the counter "calls".
 /// @param operation a function without arguments that returns an HRESULT
 template <class Operation>
-void Measure(benchmark::State& state, Lab& lab, Operation operation) {
+void Measure(benchmark::State& state, simulator::Journal& journal, Operation operation) {
     constexpr std::size_t kLongest = 20000;
-    simulator::Journal& journal = lab.machine->Calls();
     journal.Clear();
     if (operation() != S_OK) {
         state.SkipWithError("the operation fails");
@@ -84,6 +83,10 @@ void Measure(benchmark::State& state, Lab& lab, Operation operation) {
         state.SkipWithError("the operation fails");
     }
     state.counters["calls"] = static_cast<double>(calls);
+}
+template <class Operation>
+void Measure(benchmark::State& state, Lab& lab, Operation operation) {
+    Measure(state, lab.machine->Calls(), std::move(operation));
 }
 
 // Each file of benchmarks lists its own; the names say what is compared with what.

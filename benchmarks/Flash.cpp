@@ -1,7 +1,5 @@
 // Reading a boot agent's flash memory against copying the same bytes.
-#include "Bench.h"
-
-#include <quillet-simulator/FlashImage.h>
+#include "FlashMemory.h"
 
 #include <cstring>
 #include <new>
@@ -11,34 +9,12 @@ namespace quillet::bench {
 namespace {
 
 constexpr std::size_t kBytes = 16u << 20;
-constexpr const wchar_t* kAgent = L"Zorel_BootAgent.Name=\"{A1}\"";
-
-std::vector<std::uint8_t> Image() {
-    std::vector<std::uint8_t> contents(kBytes - 4096);
-    std::uint32_t seed = 1;
-    for (std::uint8_t& byte : contents) {
-        seed = seed * 1664525u + 1013904223u;
-        byte = static_cast<std::uint8_t>(seed >> 24);
-    }
-    std::vector<std::uint8_t> image = simulator::WriteFlashImage({{L"PXE", L"1.0.0", 0, 1, contents}});
-    // Up to the size to the byte.
-    contents.resize(contents.size() + kBytes - image.size());
-    return simulator::WriteFlashImage({{L"PXE", L"1.0.0", 0, 1, contents}});
-}
 
 /// A machine whose boot agent has the image.
 Lab& FlashLab() {
     static const bool kWritten = [] {
         Lab& lab = LabOf({.adapters = 1, .iscsiPorts = 1});
-        std::vector<std::uint8_t> image = Image();
-        CSettings types;
-        auto* type = new CSettingString;
-        type->m_wsCaption = L"PXE";
-        types.m_vecItems.push_back(type);
-        int returnCode = -1;
-        return SUCCEEDED(lab.quillet.WriteBootAgentFlash(kAgent, static_cast<LONG>(image.size()),
-                                                         image.data(), types, returnCode)) &&
-               returnCode == 0;
+        return WriteFlash(lab.quillet, kBytes);
     }();
     Lab& lab = LabOf({.adapters = 1, .iscsiPorts = 1});
     if (!kWritten) {
@@ -52,7 +28,7 @@ void ReadFlash(benchmark::State& state) {
     Measure(state, lab, [&]() -> HRESULT {
         LONG size = 0;
         unsigned char* data = nullptr;
-        const HRESULT result = lab.quillet.ReadBootAgentFlash(kAgent, size, &data);
+        const HRESULT result = lab.quillet.ReadBootAgentFlash(kBootAgent, size, &data);
         benchmark::DoNotOptimize(data);
         ::operator delete(data);
         return FAILED(result) ? result : size == LONG{kBytes} ? S_OK : E_UNEXPECTED;
@@ -62,7 +38,7 @@ void ReadFlash(benchmark::State& state) {
 
 /// Into a buffer that the caller then owns, as the operation does it.
 void CopyBytes(benchmark::State& state) {
-    const std::vector<std::uint8_t> image = Image();
+    const std::vector<std::uint8_t> image = FlashImage(kBytes);
     for (auto _ : state) {
         void* const data = ::operator new(kBytes);
         std::memcpy(data, image.data(), kBytes);
@@ -75,7 +51,7 @@ void CopyBytes(benchmark::State& state) {
 
 /// Into one buffer again and again: no page of it is new.
 void CopyBytesInPlace(benchmark::State& state) {
-    const std::vector<std::uint8_t> image = Image();
+    const std::vector<std::uint8_t> image = FlashImage(kBytes);
     std::vector<std::uint8_t> target(kBytes);
     for (auto _ : state) {
         std::memcpy(target.data(), image.data(), kBytes);

@@ -39,6 +39,15 @@ RATIOS = [
     ("association query, 10,000 / 100 instances", "simulator/query_by_association/10000",
      "simulator/query_by_association/100", None),
     ("16 MiB flash read / memcpy", "flash/read_16_MiB/library", "flash/read_16_MiB/memcpy", 2.0),
+    ("enumerate 1,000 adapters over the wire / libcurl", "wsman/enumerate_1000_adapters/library",
+     "wsman/enumerate_1000_adapters/libcurl", 2.0),
+    ("enumerate 1,000 adapters over the wire, client layer / libcurl", "wsman/enumerate_1000_adapters/client",
+     "wsman/enumerate_1000_adapters/libcurl", 2.0),
+    ("one provider method call over the wire / libcurl", "wsman/method_call/library", "wsman/method_call/libcurl", 1.3),
+    ("one provider method call over the wire, client layer / libcurl", "wsman/method_call/client",
+     "wsman/method_call/libcurl", 1.3),
+    ("50 clients: 1,000 answers of the server / of cpp-httplib alone", "wsman/50_clients/server",
+     "wsman/50_clients/httplib", None),
 ]
 # Throughput of two threads against one: the smallest ratio that is good.
 THREADS = [
@@ -57,6 +66,8 @@ ALONE = [
 ]
 # An exponent has to be about 1 or less; caches make a large machine somewhat dearer than linear.
 LARGEST_EXPONENT = 1.1
+# The requests of fifty clients that are timed together.
+LOAD = 1000
 
 
 class Results:
@@ -76,8 +87,8 @@ class Results:
         if run.get("error_occurred"):
             raise ValueError(f"{name}: {run.get('error_message', 'failed')}")
         # What one thread computes is told by the processor's clock, which others on the machine disturb least.
-        wall = name.endswith("/manual_time")
-        name = name.removesuffix("/manual_time")
+        wall = name.endswith(("/manual_time", "/real_time"))
+        name = name.removesuffix("/manual_time").removesuffix("/real_time").removesuffix("/iterations:1")
         unit = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[run["time_unit"]]
         self.times.setdefault(name, []).append(run["real_time" if wall else "cpu_time"] * unit)
         self.counters[name] = run
@@ -170,6 +181,32 @@ def print_growth(results):
               f"{exponents[1]:>6.2f} {by_calls:>6.2f} {calls[-1][1]:>11,.0f}  <= 1 {verdict(good)}")
 
 
+def print_requests(results):
+    rows = [name for name in results.times if name.startswith("requests/")]
+    if not rows:
+        return
+    print()
+    print(f"{'over the wire':<40} {'calls':>6} {'requests':>9} {'of classes':>11} {'again':>6}  goal, again")
+    for name in rows:
+        counters = results.counters[name]
+        calls, needed, first, classes, again = (
+            round(counters[key]) for key in ("calls", "needed", "first", "classes", "again"))
+        print(f"{name.removeprefix('requests/'):<40} {calls:>6} {first:>9} {classes:>11} {again:>6}  "
+              f"<= {needed:<2} {verdict(max(again, first - classes) <= needed)}")
+
+
+def print_wire(results):
+    for name, title in (("server", "50 clients, the server"), ("httplib", "50 clients, cpp-httplib alone")):
+        if f"wsman/50_clients/{name}" in results.times:
+            rates = 1e9 * LOAD / results.median(f"wsman/50_clients/{name}")
+            print(f"{title}: {rates:,.0f} requests per second, none failed")
+    if "memory/read_16_MiB" in results.times:
+        counters = results.counters["memory/read_16_MiB"]
+        print(f"16 MiB of flash memory over the wire: {duration(results.times['memory/read_16_MiB'][0])}; most memory: "
+              f"client {counters['client_MiB']:,.0f} MiB (before: {counters['client_before_MiB']:,.0f}), "
+              f"server {counters['server_MiB']:,.0f} MiB (before: {counters['server_before_MiB']:,.0f})")
+
+
 def main(arguments):
     if len(arguments) != 1:
         print(__doc__.strip(), file=sys.stderr)
@@ -181,11 +218,14 @@ def main(arguments):
     print_ratios(results)
     print_wmi(folder)
     print_growth(results)
+    print_requests(results)
     print()
     for name, title in ALONE:
         if name in results.times:
             print(f"{title}: {duration(results.median(name))}")
-    widest = max(results.times, key=results.spread, default=None)
+    print_wire(results)
+    repeated = [name for name, times in results.times.items() if len(times) >= FEWEST_REPETITIONS]
+    widest = max(repeated, key=results.spread, default=None)
     if widest:
         print(f"widest half distance between quartiles: {results.spread(widest):.0f} % ({widest})")
     return 0
