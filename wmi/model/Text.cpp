@@ -144,7 +144,17 @@ void JoinSurrogates(std::wstring& text) {
 }
 
 std::string ToUtf8(std::wstring_view text) {
+    // Most texts are ASCII to their end, and a loop without a branch for each character is much quicker.
+    char32_t all = 0;
+    for (const wchar_t c : text) {
+        all |= Unsigned(c);
+    }
     std::string out;
+    if (all < 0x80) {
+        out.resize(text.size());
+        std::transform(text.begin(), text.end(), out.begin(), [](wchar_t c) { return static_cast<char>(c); });
+        return out;
+    }
     out.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         char32_t c = Unsigned(text[i]);
@@ -187,6 +197,13 @@ std::optional<char32_t> DecodeUtf8(std::string_view text, std::size_t& position)
 }
 
 std::optional<std::wstring> FromUtf8(std::string_view text) {
+    unsigned all = 0;
+    for (const char c : text) {
+        all |= static_cast<unsigned char>(c);
+    }
+    if (all < 0x80) {
+        return std::wstring(text.begin(), text.end());
+    }
     std::wstring result;
     result.reserve(text.size());
     for (std::size_t position = 0; position < text.size();) {

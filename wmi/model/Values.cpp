@@ -165,6 +165,9 @@ bool Fits(const Value& value, CIMTYPE type) noexcept {
 Value Normalised(Value value, CIMTYPE type) {
     const CIMTYPE element = type & ~kArray;
     if (const Scalar* scalar = value.AsScalar()) {
+        if (std::holds_alternative<std::wstring>(*scalar)) {
+            return value;
+        }
         return Value(NormalisedScalar(*scalar, element));
     }
     if (value.AsBytes() != nullptr) {
