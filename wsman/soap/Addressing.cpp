@@ -92,6 +92,23 @@ wmi::ClassPtr ClassOf(const Namespace& space, std::wstring_view name) {
     return space.classOf ? space.classOf(name) : nullptr;
 }
 
+/// Whether only the class can say what a key is: which one it is, or whether a text is the path of another
+/// instance, in which there is always such a sign. A class that need not be known need not be asked for.
+bool NeedsClass(const wmi::ObjectPath::Key& key) {
+    const auto* text = std::get_if<std::wstring>(&key.value);
+    return key.name.empty() || (text != nullptr && text->find(L'=') != std::wstring::npos);
+}
+
+Selector SelectorOf(std::wstring_view name, const wmi::Scalar& value, bool isReference,
+                    const Namespace& space) {
+    const auto* text = std::get_if<std::wstring>(&value);
+    Selector selector{wmi::ToUtf8(name), text != nullptr ? *text : Wide(ScalarText(value))};
+    if (isReference) {
+        selector.reference = std::make_shared<const Endpoint>(EndpointOf(selector.value, space));
+    }
+    return selector;
+}
+
 } // namespace
 
 std::wstring Wide(std::string_view text) {
@@ -154,17 +171,32 @@ Endpoint EndpointOf(std::wstring_view path, const Namespace& space) {
     if (!parsed) {
         throw MessageError("a reference is no object path");
     }
-    const std::wstring& name = parsed->namespacePath.empty() ? space.name : parsed->namespacePath;
-    Endpoint endpoint{ClassUri(name, parsed->className)};
-    const wmi::ClassPtr definition = ClassOf(space, parsed->className);
-    for (const wmi::ObjectPath::Key& key : parsed->keys) {
+    return EndpointOf(*parsed, space);
+}
+
+Endpoint EndpointOf(const wmi::ObjectPath& path, const Namespace& space) {
+    Endpoint endpoint{ClassUri(path.namespacePath.empty() ? space.name : path.namespacePath, path.className)};
+    const wmi::ClassPtr definition = std::any_of(path.keys.begin(), path.keys.end(), NeedsClass)
+                                         ? ClassOf(space, path.className)
+                                         : nullptr;
+    for (const wmi::ObjectPath::Key& key : path.keys) {
         const wmi::Property* property = KeyProperty(definition, key.name);
-        Selector selector{wmi::ToUtf8(property != nullptr ? property->name : key.name),
-                          Wide(ScalarText(key.value))};
-        if (property != nullptr && property->type == CIM_REFERENCE) {
-            selector.reference = std::make_shared<const Endpoint>(EndpointOf(selector.value, space));
+        endpoint.selectors.push_back(SelectorOf(property != nullptr ? property->name : key.name, key.value,
+                                                property != nullptr && property->type == CIM_REFERENCE,
+                                                space));
+    }
+    return endpoint;
+}
+
+Endpoint EndpointOf(const wmi::Instance& instance, const Namespace& space) {
+    const auto& properties = instance.definition->properties;
+    Endpoint endpoint{ClassUri(space.name, instance.definition->name)};
+    for (std::size_t i = 0; i < properties.size(); ++i) {
+        const wmi::Scalar* value = instance.values[i].AsScalar();
+        if (value != nullptr && properties[i].IsKey()) {
+            endpoint.selectors.push_back(
+                SelectorOf(properties[i].name, *value, properties[i].type == CIM_REFERENCE, space));
         }
-        endpoint.selectors.push_back(std::move(selector));
     }
     return endpoint;
 }

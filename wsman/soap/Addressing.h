@@ -65,6 +65,9 @@ std::string WithSlashes(std::wstring_view namespaceName);
 
 /// The endpoint that a path names. Throws MessageError for what is no path.
 Endpoint EndpointOf(std::wstring_view path, const Namespace& space);
+Endpoint EndpointOf(const wmi::ObjectPath& path, const Namespace& space);
+/// The endpoint of an instance: its keys that are not null.
+Endpoint EndpointOf(const wmi::Instance& instance, const Namespace& space);
 /// The path of an endpoint, with server and namespace. Throws MessageError.
 wmi::ObjectPath PathOf(const Endpoint& endpoint, const Namespace& space);
 

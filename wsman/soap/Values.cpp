@@ -7,8 +7,9 @@
 
 #include <quillet-wmi/Text.h>
 
+#include <algorithm>
 #include <charconv>
-#include <map>
+#include <vector>
 
 namespace quillet::wsman {
 
@@ -173,6 +174,84 @@ wmi::Value ReadArray(std::span<const Element> elements, const wmi::Property& pro
     return wmi::Value(std::move(array));
 }
 
+/// Whether an element has the name of a property to the letter; says no for what is not ASCII.
+bool IsOf(std::string_view element, const wmi::Property& property) {
+    std::uint32_t differences = element.size() == property.name.size() ? 0 : 1;
+    for (std::size_t i = 0; differences == 0 && i < element.size(); ++i) {
+        const auto character = static_cast<unsigned char>(element[i]);
+        differences = (character & 0x80U) | (static_cast<std::uint32_t>(property.name[i]) ^ character);
+    }
+    return differences == 0;
+}
+
+/// The child elements of a holder, by property.
+class Given {
+  public:
+    Given(const wmi::ClassDefinition& definition, const Element& holder, Unknown unknown) {
+        m_elements.reserve(definition.properties.size());
+        m_runs.reserve(definition.properties.size());
+        std::string_view last;
+        std::optional<std::size_t> index;
+        for (Element element = holder.First(); element; element = element.Next()) {
+            // The elements of an array follow each other; there may be millions. Those of other properties
+            // mostly come in the order of the class.
+            const std::string_view name = element.Name();
+            if (name != last || !index) {
+                const std::size_t next = index ? *index + 1 : 0;
+                index = next < definition.properties.size() && IsOf(name, definition.properties[next])
+                            ? std::optional(next)
+                            : definition.PropertyIndex(Wide(name));
+                last = name;
+                if (index) {
+                    m_runs.push_back({*index, m_elements.size(), 0});
+                }
+            }
+            if (index) {
+                m_elements.push_back(element);
+                ++m_runs.back().count;
+            } else if (unknown == Unknown::Refused) {
+                throw MessageError("there is no property of the name " + std::string(name));
+            }
+        }
+        const auto isBefore = [](const Run& left, const Run& right) {
+            return left.property < right.property;
+        };
+        if (!std::is_sorted(m_runs.begin(), m_runs.end(), isBefore)) {
+            std::stable_sort(m_runs.begin(), m_runs.end(), isBefore);
+        }
+    }
+
+    /// Those of a property, until the next call. Properties are asked for in their order.
+    std::span<const Element> Of(std::size_t property) {
+        std::span<const Element> found;
+        for (; m_next < m_runs.size() && m_runs[m_next].property == property; ++m_next) {
+            const auto more =
+                std::span<const Element>(m_elements).subspan(m_runs[m_next].begin, m_runs[m_next].count);
+            if (found.empty()) {
+                found = more;
+                continue;
+            }
+            std::vector<Element> joined(found.begin(), found.end()); // they do not follow each other
+            joined.insert(joined.end(), more.begin(), more.end());
+            m_joined = std::move(joined);
+            found = m_joined;
+        }
+        return found;
+    }
+
+  private:
+    /// Elements of a property that follow each other.
+    struct Run {
+        std::size_t property;
+        std::size_t begin;
+        std::size_t count;
+    };
+    std::vector<Element> m_elements;
+    std::vector<Run> m_runs; ///< in the order of the properties
+    std::size_t m_next = 0;  ///< the run that was not asked for yet
+    std::vector<Element> m_joined;
+};
+
 } // namespace
 
 void WriteValue(XmlWriter& xml, std::string_view prefix, const wmi::Property& property,
@@ -251,30 +330,17 @@ void WriteProperties(XmlWriter& xml, std::string_view prefix, const wmi::Instanc
 
 wmi::Instance ReadProperties(const wmi::ClassPtr& definition, Element holder, const Namespace& space,
                              Unknown unknown, NullArrays arrays) {
-    std::map<std::size_t, std::vector<Element>> given;
-    std::string last;
-    std::optional<std::size_t> index;
-    for (Element element = holder.First(); element; element = element.Next()) {
-        // The elements of an array follow each other; there may be millions.
-        if (element.Name() != last || !index) {
-            last = element.Name();
-            const std::optional<std::wstring> name = wmi::FromUtf8(last);
-            index = name ? definition->PropertyIndex(*name) : std::nullopt;
-        }
-        if (index) {
-            given[*index].push_back(element);
-        } else if (unknown == Unknown::Refused) {
-            throw MessageError("there is no property of the name " + last);
-        }
-    }
-    wmi::Instance instance(definition);
-    for (std::size_t i = 0; i < definition->properties.size(); ++i) {
-        const auto found = given.find(i);
-        if (found != given.end()) {
-            instance.values[i] = ReadValue(found->second, definition->properties[i], space);
-        } else {
-            const bool isEmpty = arrays == NullArrays::Marked && IsArrayType(definition->properties[i].type);
-            instance.values[i] = isEmpty ? wmi::Value(wmi::Value::Array()) : wmi::Value();
+    const auto& properties = definition->properties;
+    Given given(*definition, holder, unknown);
+    wmi::Instance instance;
+    instance.definition = definition;
+    instance.values.resize(properties.size());
+    for (std::size_t i = 0; i < properties.size(); ++i) {
+        const std::span<const Element> elements = given.Of(i);
+        if (!elements.empty()) {
+            instance.values[i] = ReadValue(elements, properties[i], space);
+        } else if (arrays == NullArrays::Marked && IsArrayType(properties[i].type)) {
+            instance.values[i] = wmi::Value(wmi::Value::Array());
         }
     }
     return instance;

@@ -54,6 +54,8 @@ class Element {
     Element Next() const;
 
   private:
+    /// The text as it is in the document, or in `joined` where it is in several pieces.
+    std::string_view Pieces(std::string& joined) const;
     /// The namespace that the prefix of a name means here.
     std::string_view SpaceOf(std::string_view qualified) const;
 

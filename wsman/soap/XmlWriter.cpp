@@ -1,7 +1,7 @@
 // Writing XML.
 #include "soap/XmlWriter.h"
 
-#include <cstdint>
+#include <algorithm>
 
 namespace quillet::wsman {
 
@@ -12,9 +12,18 @@ bool IsNoCharacter(std::string_view text, std::size_t place) {
     return text.substr(place, 3) == "\xEF\xBF\xBE" || text.substr(place, 3) == "\xEF\xBF\xBF";
 }
 
+/// Whether a character may have to be written as something else.
+constexpr bool IsSpecial(char character) noexcept {
+    return static_cast<unsigned char>(character) < 0x20 || character == '&' || character == '<' ||
+           character == '>' || character == '"' || character == '\xEF';
+}
+
 /// @param inAttribute where white space would be read as blanks
 void AppendEscaped(std::string& xml, std::string_view text, bool inAttribute) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::size_t plain =
+        static_cast<std::size_t>(std::find_if(text.begin(), text.end(), IsSpecial) - text.begin());
+    xml += text.substr(0, plain); // nearly always all of it
+    for (std::size_t i = plain; i < text.size(); ++i) {
         const char character = text[i];
         switch (character) {
         case '&':
@@ -63,8 +72,8 @@ void XmlWriter::EndTag() {
 XmlWriter& XmlWriter::Open(std::string_view name) {
     EndTag();
     m_xml += '<';
+    m_open.push_back({m_xml.size(), name.size()});
     m_xml += name;
-    m_open.emplace_back(name);
     m_inTag = true;
     return *this;
 }
@@ -99,7 +108,9 @@ XmlWriter& XmlWriter::Close() {
         m_xml += "/>";
         m_inTag = false;
     } else {
-        m_xml += "</" + m_open.back() + '>';
+        m_xml += "</";
+        m_xml.append(m_xml, m_open.back().begin, m_open.back().size);
+        m_xml += '>';
     }
     m_open.pop_back();
     return *this;

@@ -1,6 +1,7 @@
 // Writing XML. Whatever a text holds, it stays a text.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,13 +27,20 @@ class XmlWriter {
     XmlWriter& Leaf(std::string_view name, std::string_view text);
 
     const std::string& Written() const noexcept { return m_xml; }
+    /// Takes back all but the first so many bytes: elements that were begun and ended behind them.
+    void CutTo(std::size_t size) { m_xml.resize(size); }
     std::string Take() { return std::move(m_xml); }
 
   private:
     void EndTag();
 
     std::string m_xml;
-    std::vector<std::string> m_open;
+    /// Where the name of an element stands in what is written.
+    struct Name {
+        std::size_t begin;
+        std::size_t size;
+    };
+    std::vector<Name> m_open; ///< elements that have begun and not ended
     bool m_inTag = false;
 };
 
