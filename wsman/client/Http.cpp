@@ -7,6 +7,10 @@
 #include <algorithm>
 #include <cstring>
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
 namespace quillet::wsman {
 
 namespace {
@@ -105,6 +109,12 @@ struct HttpExchange::Callbacks {
             return 0;
         }
         try {
+            if (body.empty()) { // memory that nothing comes for is never touched
+                curl_off_t whole = 0;
+                curl_easy_getinfo(self.m_line->easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &whole);
+                body.reserve(
+                    std::clamp<std::size_t>(whole > 0 ? std::size_t(whole) : 0, length, self.m_most));
+            }
             body.append(bytes, length);
         } catch (const std::exception&) {
             self.m_isTooLarge = true;
@@ -281,6 +291,19 @@ void HttpExchange::Start() {
     curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
     curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
     curl_multi_add_handle(m_line->multi, easy);
+    // Over a connection that is there it goes out at once, head and body in one packet if they fit.
+    Cork(1);
+    int running = 0;
+    curl_multi_perform(m_line->multi, &running);
+    Cork(0);
+}
+
+void HttpExchange::Cork(int isCorked) const noexcept {
+    curl_socket_t socket = CURL_SOCKET_BAD;
+    curl_easy_getinfo(m_line->easy, CURLINFO_ACTIVESOCKET, &socket);
+    if (socket != CURL_SOCKET_BAD) {
+        setsockopt(socket, IPPROTO_TCP, TCP_CORK, &isCorked, sizeof isCorked);
+    }
 }
 
 void HttpExchange::Stop() noexcept {

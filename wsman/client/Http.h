@@ -94,6 +94,8 @@ class HttpExchange {
 
     void Start();
     void Stop() noexcept;
+    /// Whether the connection keeps what it has to send until there is enough of it. @param isCorked 0 or 1
+    void Cork(int isCorked) const noexcept;
     bool IsDone(int& code) const;
 
     HttpClient& m_server;

@@ -55,6 +55,14 @@ wmi::ClassPtr Inferred(const Element& element) {
     return definition;
 }
 
+/// Whether an instance lacks a key that the reference to it has; most have them all.
+bool LacksKeys(const wmi::Instance& instance, const Endpoint& reference) {
+    return std::any_of(reference.selectors.begin(), reference.selectors.end(), [&](const Selector& key) {
+        const wmi::Value* value = instance.Find(Wide(key.name));
+        return value != nullptr && value->IsNull();
+    });
+}
+
 /// The keys that an instance lacks, from the reference to it.
 void TakeKeys(wmi::Instance& instance, const wmi::ObjectPath& path) {
     for (const wmi::ObjectPath::Key& key : path.keys) {
@@ -169,7 +177,7 @@ Endpoint RemoteConnection::Target(const wmi::CallContext& context, std::wstring_
     if (!IsThisMachine(parsed->server)) {
         throw RemoteError(HRESULT(WBEM_E_NOT_FOUND), "the object path is one of another machine");
     }
-    return EndpointOf(path, SpaceOf(context));
+    return EndpointOf(*parsed, SpaceOf(context));
 }
 
 wmi::Object RemoteConnection::ObjectOf(const wmi::CallContext& context, const Element& element,
@@ -180,8 +188,9 @@ wmi::Object RemoteConnection::ObjectOf(const wmi::CallContext& context, const El
     }
     const Namespace space = SpaceOf(context);
     auto instance = std::make_shared<wmi::Instance>(m_peer->Read(definition, element, space));
-    if (reference) {
-        TakeKeys(*instance, PathOf(ReadEndpoint(reference), space));
+    if (const Endpoint endpoint = reference ? ReadEndpoint(reference) : Endpoint();
+        LacksKeys(*instance, endpoint)) {
+        TakeKeys(*instance, PathOf(endpoint, space));
     }
     return {definition, std::move(instance)};
 }
@@ -232,7 +241,9 @@ wmi::Outcome RemoteConnection::GetObject(const wmi::CallContext& context, std::w
             return; // said to be there, and not handed out
         }
         found = ObjectOf(context, element, {});
-        TakeKeys(const_cast<wmi::Instance&>(*found.instance), PathOf(message.endpoint, SpaceOf(context)));
+        if (LacksKeys(*found.instance, message.endpoint)) {
+            TakeKeys(const_cast<wmi::Instance&>(*found.instance), PathOf(message.endpoint, SpaceOf(context)));
+        }
     });
 }
 
@@ -327,7 +338,7 @@ void RemoteConnection::Write(const wmi::CallContext& context, const wmi::Filled&
     message.action = std::string(action);
     message.endpoint.resource = ClassUri(m_namespaceName, definition.name);
     if (action == kPut) {
-        message.endpoint = EndpointOf(wmi::RelativePath(instance.values), space);
+        message.endpoint = EndpointOf(instance.values, space);
     }
     message.context = &context;
     wmi::Value::Array modified;

@@ -113,6 +113,10 @@ bool RemoteStream::Pull(LONG timeout) {
     }
     Take(m_pull->Take());
     m_pull.reset();
+    // Whoever has asked for a second page goes on: the machine makes the next one while this one is read.
+    if (!m_isEnd && m_pageSize > 1) {
+        BeginPull();
+    }
     return true;
 }
 
@@ -208,14 +212,23 @@ HRESULT RemoteStream::Reset() {
 }
 
 void RemoteStream::Release() noexcept {
-    m_pull.reset();
+    constexpr LONG kPatience = 2000; // milliseconds: the machine forgets it by itself, too
+    const std::unique_ptr<Call> pull = std::move(m_pull);
     if (m_isEnd || m_id.empty() || FAILED(m_failure)) {
         return;
     }
     try {
+        if (pull != nullptr) { // its answer has the name that the enumeration goes by
+            if (!pull->Wait(kPatience)) {
+                return;
+            }
+            Take(pull->Take());
+            if (m_isEnd) {
+                return;
+            }
+        }
         XmlWriter xml;
         xml.Open("n:Release").Leaf("n:EnumerationContext", m_id).Close();
-        constexpr LONG kPatience = 2000; // milliseconds: the machine forgets it by itself, too
         m_connection.Machine().Begin(MessageOf(kRelease, xml.Take()))->Wait(kPatience);
     } catch (const std::exception&) {
         // Whoever gives an enumeration up does not want to know.

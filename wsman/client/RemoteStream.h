@@ -19,8 +19,9 @@ struct Asked {
     bool isShallow = false;
 };
 
-/// An enumeration on a machine. It fetches its next page when it is asked for the first object of that, and
-/// gives up what is left when it goes.
+/// An enumeration on a machine. It asks for its second page when it is asked for the first object of that,
+/// for each later one as soon as it has the page before, and gives up what is left when it goes. Pages of one
+/// object are all fetched when their object is asked for.
 class RemoteStream final : public wmi::ObjectStream {
   public:
     /// Asks for the first page. Throws RemoteError.
