@@ -28,9 +28,25 @@ class PeerStream : public httplib::Stream {
   public:
     PeerStream(Wire& wire, HttpInput& input) : m_wire(wire), m_input(input) {}
 
-    ssize_t read(char* bytes, std::size_t size) override { return m_input.Read(bytes, size); }
+    ssize_t read(char* bytes, std::size_t size) override {
+        return Flush() ? m_input.Read(bytes, size) : -1; // the peer may wait to be told to go on
+    }
+    /// A head waits for its body, so that a small answer is one packet.
     ssize_t write(const char* bytes, std::size_t size) override {
-        return m_wire.Write(bytes, size) ? static_cast<ssize_t>(size) : -1;
+        constexpr std::size_t kMost = 16'384;
+        if (m_waiting.size() + size > kMost && !Flush()) {
+            return -1;
+        }
+        if (size > kMost) {
+            return m_wire.Write(bytes, size) ? static_cast<ssize_t>(size) : -1;
+        }
+        m_waiting.append(bytes, size);
+        return static_cast<ssize_t>(size);
+    }
+    /// Sends what waits.
+    bool Flush() {
+        const std::string waiting = std::exchange(m_waiting, {});
+        return waiting.empty() || m_wire.Write(waiting.data(), waiting.size());
     }
     bool is_readable() const override { return true; }
     bool is_writable() const override { return true; }
@@ -47,6 +63,7 @@ class PeerStream : public httplib::Stream {
   private:
     Wire& m_wire;
     HttpInput& m_input;
+    std::string m_waiting;
 };
 
 /// Whether a "Content-Type" is one of SOAP's.
@@ -180,7 +197,8 @@ bool HttpServer::Implementation::ServeRequest(Wire& wire, HttpInput& input, std:
     bool isClosed = false;
     const bool isAnswered =
         process_request(stream, count == m_options.mostRequests, isClosed,
-                        [&](httplib::Request& request) { Prepare(request, exchange, input); });
+                        [&](httplib::Request& request) { Prepare(request, exchange, input); }) &&
+        stream.Flush();
     g_exchange = nullptr;
     Log(exchange);
     isWelcome = exchange.isWelcome;
@@ -330,7 +348,8 @@ void HttpServer::Implementation::Answer(httplib::Response& response, const httpl
     line.resource = std::move(reply->resource);
     line.result = std::move(reply->result);
     response.status = reply->status;
-    response.set_content(reply->body, reply->status == 400 ? "text/plain;charset=UTF-8" : kSoapType);
+    response.body = std::move(reply->body);
+    response.set_header("Content-Type", reply->status == 400 ? "text/plain;charset=UTF-8" : kSoapType);
 }
 
 int HttpServer::Implementation::ReadBody(const httplib::ContentReader& read, std::size_t most,

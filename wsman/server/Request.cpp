@@ -14,8 +14,6 @@
 
 namespace quillet::wsman {
 
-namespace {} // namespace
-
 void Fail(HRESULT code, const std::string& reason) {
     throw Failed{FaultFor(code, reason)};
 }
@@ -171,7 +169,7 @@ std::string Request::Create() {
     Succeed(m_connection.PutInstance(m_context, {instance, puts}, wmi::WriteMode::CreateOnly));
     XmlWriter xml;
     xml.Open("x:ResourceCreated");
-    WriteEndpoint(xml, EndpointOf(wmi::RelativePath(instance), m_space));
+    WriteEndpoint(xml, EndpointOf(instance, m_space));
     xml.Close();
     return xml.Take();
 }

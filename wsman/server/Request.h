@@ -53,7 +53,7 @@ class Request {
     std::string Items(Enumeration& enumeration, std::size_t most, bool& isEnd);
     /// How many a client asks for in "MaxElements".
     std::size_t MostItems(const Element& wanted) const;
-    std::string Item(const Enumeration& enumeration) const;
+    void WriteItem(XmlWriter& xml, const Enumeration& enumeration) const;
 
     Service& m_service;
     wmi::Connection& m_connection;

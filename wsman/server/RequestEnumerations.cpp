@@ -144,7 +144,7 @@ std::size_t Request::MostItems(const Element& wanted) const {
 std::string Request::Items(Enumeration& enumeration, std::size_t most, bool& isEnd) {
     constexpr std::size_t kFrame = 2048; // of the envelope around the items
     const std::size_t room = std::min(m_head.maxEnvelope, m_service.m_options.maxEnvelope) - kFrame;
-    std::string items;
+    XmlWriter items;
     if (FAILED(enumeration.failure)) {
         Fail(enumeration.failure);
     }
@@ -154,31 +154,31 @@ std::string Request::Items(Enumeration& enumeration, std::size_t most, bool& isE
             isEnd = SUCCEEDED(enumeration.failure);
             break;
         }
-        std::string item = Item(enumeration);
-        if (items.size() + item.size() > room) {
-            if (items.empty()) {
+        const std::size_t before = items.Written().size();
+        WriteItem(items, enumeration);
+        if (items.Written().size() > room) {
+            items.CutTo(before);
+            if (before == 0) {
                 Fail("w:EncodingLimit", "An object is larger than the answer may be.",
                      "MaxEnvelopeSizeExceeded");
             }
             break;
         }
-        items += item;
         enumeration.waiting = {};
         enumeration.isWaiting = false;
     }
-    return items;
+    return items.Take();
 }
 
-std::string Request::Item(const Enumeration& enumeration) const {
+void Request::WriteItem(XmlWriter& xml, const Enumeration& enumeration) const {
     const wmi::Object& object = enumeration.waiting;
-    XmlWriter xml;
     if (object.definition == nullptr) { // said to be there, and not handed out
         xml.Open("w:Item").Close();
-        return xml.Take();
+        return;
     }
     if (object.instance == nullptr) {
         WriteClass(xml, *object.definition, m_context.locale);
-        return xml.Take();
+        return;
     }
     if (enumeration.form == ItemForm::ObjectAndReference) {
         xml.Open("w:Item");
@@ -194,13 +194,12 @@ std::string Request::Item(const Enumeration& enumeration) const {
     }
     if (enumeration.form != ItemForm::Object) {
         xml.Open("a:EndpointReference");
-        WriteEndpoint(xml, EndpointOf(wmi::RelativePath(*object.instance), m_space));
+        WriteEndpoint(xml, EndpointOf(*object.instance, m_space));
         xml.Close();
     }
     if (enumeration.form == ItemForm::ObjectAndReference) {
         xml.Close();
     }
-    return xml.Take();
 }
 
 void Request::Release() {

@@ -118,8 +118,10 @@ Reply Service::AnswerInTime(std::shared_ptr<Asked> asked, const std::string& use
         Fail(HRESULT(WBEM_E_SERVER_TOO_BUSY), "Too many calls take longer than their clients waited.");
     }
     const auto patience = std::clamp(asked->head.timeout, std::chrono::milliseconds(0), m_options.longest);
-    std::future<Reply> answer =
-        std::async(std::launch::async, [this, asked, user] { return AnswerWholly(*asked, user); });
+    const auto task = std::make_shared<std::packaged_task<Reply()>>(
+        [this, asked, user] { return AnswerWholly(*asked, user); });
+    std::future<Reply> answer = task->get_future();
+    m_workers.Run([task] { (*task)(); });
     if (answer.wait_for(patience) == std::future_status::ready) {
         return answer.get();
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "server/Enumerations.h"
+#include "server/Workers.h"
 #include "soap/Envelope.h"
 
 #include <quillet-wmi/Connection.h>
@@ -77,7 +78,8 @@ class Service {
     const ServiceOptions m_options;
     Enumerations m_enumerations;
     std::mutex m_mutex;
-    std::vector<std::future<Reply>> m_late; ///< what still runs, and is waited for in the end
+    std::vector<std::future<Reply>> m_late; ///< what still runs
+    Workers m_workers;                      ///< the last one: it goes first, and waits for what runs
 };
 
 } // namespace quillet::wsman
