@@ -177,8 +177,8 @@ void HttpClient::SetUp(Line& line) const {
     set(CURLOPT_TCP_NODELAY, 1L);
     set(CURLOPT_CONNECTTIMEOUT_MS, long(m_options.connectTimeout.count()));
     // The machine's own limit comes first, and says more.
-    constexpr std::chrono::seconds kNetwork{5};
-    set(CURLOPT_TIMEOUT_MS, long((m_options.timeout + kNetwork).count()));
+    constexpr std::chrono::milliseconds kNetwork{5'000};
+    set(CURLOPT_TIMEOUT_MS, long((m_options.timeout + std::min(kNetwork, m_options.timeout)).count()));
 
     set(CURLOPT_SSLVERSION, long(CURL_SSLVERSION_TLSv1_2));
     set(CURLOPT_SSL_VERIFYPEER, m_options.isUnverified ? 0L : 1L);
@@ -223,7 +223,7 @@ void HttpClient::SetUp(Line& line) const {
     set(CURLOPT_WRITEFUNCTION, &HttpExchange::Callbacks::Write);
 }
 
-RemoteError HttpClient::ErrorOf(int code, const char* detail, bool hasAnswer) const {
+RemoteError HttpClient::ErrorOf(int code, const char* detail, bool isSent, bool hasAnswer) const {
     const std::string cause = *detail != '\0' ? detail : curl_easy_strerror(static_cast<CURLcode>(code));
     const auto error = [&](HRESULT result, const std::string& what) {
         return RemoteError(result, m_host + ": " + what + ": " + cause + " (" + m_url + ")");
@@ -235,9 +235,10 @@ RemoteError HttpClient::ErrorOf(int code, const char* detail, bool hasAnswer) co
     case CURLE_COULDNT_CONNECT:
         return error(kServerUnavailable, "nobody answers at this port");
     case CURLE_OPERATION_TIMEDOUT:
-        return error(HRESULT(WBEM_E_TIMED_OUT),
-                     hasAnswer ? "the answer did not come to its end in time"
-                               : "no answer came in time; whether it was done is not known");
+        return !isSent ? error(kServerUnavailable, "no connection came about in time")
+                       : error(Code(WBEM_E_TIMED_OUT),
+                               hasAnswer ? "the answer did not come to its end in time"
+                                         : "no answer came in time; whether it was done is not known");
     case CURLE_PEER_FAILED_VERIFICATION:
     case CURLE_SSL_ISSUER_ERROR:
     case CURLE_SSL_CERTPROBLEM:
@@ -334,7 +335,7 @@ bool HttpExchange::Wait(LONG timeout) {
             const bool isBroken = code == CURLE_GOT_NOTHING || code == CURLE_RECV_ERROR ||
                                   code == CURLE_SEND_ERROR || code == CURLE_PARTIAL_FILE;
             if (!isBroken || m_repeatable == Repeatable::No || m_attempts == kAttempts) {
-                throw m_server.ErrorOf(code, detail.c_str(), m_hasAnswer);
+                throw m_server.ErrorOf(code, detail.c_str(), m_sent != 0, m_hasAnswer);
             }
             Start();
             continue;

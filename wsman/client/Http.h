@@ -62,8 +62,9 @@ class HttpClient {
     std::unique_ptr<Line> TakeLine();
     void GiveBack(std::unique_ptr<Line> line);
     void SetUp(Line& line) const;
-    /// What a code of libcurl means. @param hasAnswer whether an answer had begun
-    RemoteError ErrorOf(int code, const char* detail, bool hasAnswer) const;
+    /// What a code of libcurl means. @param isSent whether the sending had begun @param hasAnswer whether an
+    /// answer had
+    RemoteError ErrorOf(int code, const char* detail, bool isSent, bool hasAnswer) const;
 
     const RemoteOptions m_options;
     const std::string m_host;

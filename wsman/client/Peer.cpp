@@ -81,6 +81,10 @@ void Peer::Fail(HRESULT code, const std::string& what) const {
     throw RemoteError(code, m_host + ": " + what + " (" + Url() + ")");
 }
 
+void Peer::Unreadable(const std::string& why) const {
+    Fail(HRESULT(WBEM_E_TRANSPORT_FAILURE), "the answer cannot be read: " + why);
+}
+
 void Peer::CheckStatus(const HttpAnswer& answer) const {
     const std::string number = "HTTP status " + std::to_string(answer.status);
     switch (answer.status) {
@@ -124,6 +128,9 @@ RequestHead Peer::HeadOf(const Message& message, UriForm form) const {
     if (message.endpoint.resource == kClassesAsXml) {
         head.transportOptions = {"IncludeQualifiers", "IncludeInheritedElements", "IncludeClassOrigin",
                                  "IncludeInheritanceHierarchy"};
+        if (message.action == kEnumerate) {
+            head.transportOptions.emplace_back(kIncludeSubClasses);
+        }
     } else {
         head.transportOptions = {std::string(kPreciseArrays)};
     }
@@ -144,9 +151,9 @@ std::unique_ptr<Answer> Peer::Read(HttpAnswer answer, const RequestHead& head) c
             fault = ReadFault(element);
         }
     } catch (const XmlError& error) {
-        Fail(HRESULT(WBEM_E_TRANSPORT_FAILURE), std::string("the answer cannot be read: ") + error.what());
+        Unreadable(error.what());
     } catch (const MessageError& error) {
-        Fail(HRESULT(WBEM_E_TRANSPORT_FAILURE), std::string("the answer cannot be read: ") + error.what());
+        Unreadable(error.what());
     }
     if (!fault) {
         if (answer.status != 200) {
@@ -242,7 +249,7 @@ wmi::ClassPtr Peer::FetchClass(const std::wstring& namespaceName, std::wstring_v
         const Element element = answer->Body().First();
         return std::make_shared<wmi::ClassDefinition>(ReadClass(element));
     } catch (const MessageError& error) {
-        Fail(HRESULT(WBEM_E_TRANSPORT_FAILURE), std::string("the class cannot be read: ") + error.what());
+        Unreadable(error.what());
     } catch (const FaultError& error) {
         if (CannotTell(error.What())) {
             m_tellsClasses = false;

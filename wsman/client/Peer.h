@@ -75,6 +75,11 @@ class Peer {
     const std::string& Url() const noexcept { return m_http.Url(); }
     void Cancel() noexcept { m_http.Cancel(); }
 
+    /// Throws RemoteError, with the machine and its URL in the text.
+    [[noreturn]] void Fail(HRESULT code, const std::string& what) const;
+    /// The same for an answer that cannot be read.
+    [[noreturn]] void Unreadable(const std::string& why) const;
+
     /// Asks who is there. Throws RemoteError where nobody is who speaks WS-Management.
     void Identify();
     /// Sends a message and waits for its answer. Throws RemoteError.
@@ -97,7 +102,6 @@ class Peer {
     RequestHead HeadOf(const Message& message, UriForm form) const;
     /// Reads an answer. Throws RemoteError; FaultError for one that is a fault.
     std::unique_ptr<Answer> Read(HttpAnswer answer, const RequestHead& head) const;
-    [[noreturn]] void Fail(HRESULT code, const std::string& what) const;
     void CheckStatus(const HttpAnswer& answer) const;
     wmi::ClassPtr FetchClass(const std::wstring& namespaceName, std::wstring_view name,
                              const wmi::CallContext& context);

@@ -124,15 +124,21 @@ wmi::Outcome Guarded(const std::function<void()>& request) {
     } catch (const RemoteError& error) {
         RememberFailure(error.what());
         return error.Code();
-    } catch (const MessageError& error) {
-        RememberFailure(std::string("the answer cannot be read: ") + error.what());
-        return HRESULT(WBEM_E_TRANSPORT_FAILURE);
-    } catch (const XmlError& error) {
-        RememberFailure(std::string("the answer cannot be read: ") + error.what());
-        return HRESULT(WBEM_E_TRANSPORT_FAILURE);
     } catch (const std::bad_alloc&) {
         return HRESULT(WBEM_E_OUT_OF_MEMORY);
     }
+}
+
+wmi::Outcome RemoteConnection::Ask(const std::function<void()>& request) const {
+    return Guarded([&] {
+        try {
+            request();
+        } catch (const MessageError& error) {
+            m_peer->Unreadable(error.what());
+        } catch (const XmlError& error) {
+            m_peer->Unreadable(error.what());
+        }
+    });
 }
 
 RemoteConnection::RemoteConnection(std::shared_ptr<Peer> peer, std::wstring serverName,
@@ -210,7 +216,7 @@ wmi::Outcome RemoteConnection::GetObject(const wmi::CallContext& context, std::w
     if (path.empty()) {
         return HRESULT(WBEM_E_NOT_SUPPORTED); // an empty class to fill: the schema is not the client's
     }
-    return Guarded([&] {
+    return Ask([&] {
         Message message;
         message.action = std::string(kGet);
         message.endpoint = Target(context, path);
@@ -241,7 +247,7 @@ wmi::Outcome RemoteConnection::Instances(const wmi::CallContext& context, std::w
     if (!wmi::IsIdentifier(className)) {
         return HRESULT(WBEM_E_INVALID_CLASS);
     }
-    return Guarded([&] {
+    return Ask([&] {
         Asked asked;
         asked.endpoint.resource = ClassUri(m_namespaceName, className);
         asked.only = depth == wmi::Depth::Shallow ? std::wstring(className) : std::wstring();
@@ -251,7 +257,7 @@ wmi::Outcome RemoteConnection::Instances(const wmi::CallContext& context, std::w
 
 wmi::Outcome RemoteConnection::Classes(const wmi::CallContext& context, std::wstring_view superclass,
                                        wmi::Depth depth, std::unique_ptr<wmi::ObjectStream>& found) {
-    return Guarded([&] {
+    return Ask([&] {
         Asked asked;
         asked.endpoint = ClassEndpoint(m_namespaceName, superclass);
         asked.superclass = superclass;
@@ -263,7 +269,7 @@ wmi::Outcome RemoteConnection::Classes(const wmi::CallContext& context, std::wst
 
 wmi::Outcome RemoteConnection::Query(const wmi::CallContext& context, std::wstring_view wql,
                                      std::unique_ptr<wmi::ObjectStream>& found) {
-    return Guarded([&] {
+    return Ask([&] {
         Asked asked;
         asked.endpoint.resource = ClassUri(m_namespaceName, L"*");
         asked.query = Unaddressed(wql);
@@ -295,7 +301,7 @@ wmi::Outcome RemoteConnection::ExecMethod(const wmi::CallContext& context, std::
     if (!wmi::IsIdentifier(method)) {
         return HRESULT(WBEM_E_INVALID_METHOD);
     }
-    return Guarded([&] {
+    return Ask([&] {
         const Namespace space = SpaceOf(context);
         Message message;
         message.endpoint = Target(context, path);
@@ -354,7 +360,7 @@ wmi::Outcome RemoteConnection::PutInstance(const wmi::CallContext& context, cons
     if (mode == wmi::WriteMode::UpdateOnly && !hasAddress) {
         return HRESULT(WBEM_E_INVALID_OBJECT);
     }
-    return Guarded([&] {
+    return Ask([&] {
         if (mode != wmi::WriteMode::CreateOrUpdate || !hasAddress) {
             Write(context, instance, mode == wmi::WriteMode::UpdateOnly ? kPut : kCreate);
             return;
@@ -374,7 +380,7 @@ wmi::Outcome RemoteConnection::PutInstance(const wmi::CallContext& context, cons
 }
 
 wmi::Outcome RemoteConnection::DeleteInstance(const wmi::CallContext& context, std::wstring_view path) {
-    return Guarded([&] {
+    return Ask([&] {
         Message message;
         message.action = std::string(kDelete);
         message.endpoint = Target(context, path);

@@ -34,6 +34,8 @@ class RemoteConnection final : public wmi::Connection {
     wmi::Outcome DeleteInstance(const wmi::CallContext& context, std::wstring_view path) override;
 
     Peer& Machine() const noexcept { return *m_peer; }
+    /// Runs a request to the machine as Guarded does; what it answers may turn out not to be readable.
+    wmi::Outcome Ask(const std::function<void()>& request) const;
     /// What paths and endpoints are made with. @param context whose language classes are told in
     Namespace SpaceOf(const wmi::CallContext& context) const;
     /// An object as an answer has it, and the reference to it where there is one: it has the keys that the

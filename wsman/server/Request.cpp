@@ -92,7 +92,15 @@ wmi::ObjectPath Request::InstancePath() const {
     return path;
 }
 
+void Request::CheckNamespace() const {
+    const std::wstring name = ResourceOf(m_head.endpoint).namespaceName;
+    if (!name.empty() && !wmi::SameName(name, m_space.name)) {
+        Fail(HRESULT(WBEM_E_INVALID_NAMESPACE));
+    }
+}
+
 std::string Request::GetClass() {
+    CheckNamespace();
     const Selector* name = m_head.endpoint.Find("ClassName");
     if (name == nullptr) {
         Fail("w:InvalidSelectors", "The name of a class is needed.", "InsufficientSelectors");

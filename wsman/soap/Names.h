@@ -49,6 +49,8 @@ inline constexpr std::string_view kWqlDialect = "http://schemas.microsoft.com/wb
 /// The selector that names the namespace beside a resource URI without one.
 inline constexpr std::string_view kNamespaceSelector = "__cimnamespace";
 
+/// The option by which a client asks for what is below a class, too.
+inline constexpr std::string_view kIncludeSubClasses = "IncludeSubClasses";
 /// The option by which a client asks for null arrays to be marked.
 inline constexpr std::string_view kPreciseArrays = "msftwinrm:UsePreciseArrays";
 /// The option by which a client names the properties that it changed, one each.
