@@ -180,6 +180,32 @@ void Peer::Identify() {
     m_tellsNulls = identity.Child("ProductVersion").Word().find("Stack:") != std::string::npos;
 }
 
+std::wstring Peer::OwnName() {
+    if (!m_options.serverName.empty()) {
+        return m_options.serverName;
+    }
+    const std::lock_guard lock(m_nameMutex);
+    if (!m_name) {
+        Message message;
+        message.action = std::string(kGet);
+        message.endpoint.resource = std::string(kOperatingSystem);
+        message.repeatable = Repeatable::Yes;
+        message.isOneForm = true;
+        try {
+            const auto answer = Ask(message);
+            m_name = answer->Body().First().Child("CSName").Text();
+        } catch (const FaultError&) {
+            m_name.emplace(); // no Windows, or no right to ask
+        } catch (const XmlError& error) {
+            Unreadable(error.what());
+        }
+        if (!wmi::ObjectPath::Parse(L"\\\\" + *m_name + L"\\ROOT:C")) {
+            m_name.emplace();
+        }
+    }
+    return *m_name;
+}
+
 std::unique_ptr<Answer> Peer::Ask(const Message& message) {
     const std::unique_ptr<Call> call = Begin(message);
     call->Wait(LONG(WBEM_INFINITE));
@@ -265,7 +291,8 @@ wmi::ClassPtr Peer::FetchClass(const std::wstring& namespaceName, std::wstring_v
 
 Call::Call(Peer& peer, const Message& message)
     : m_peer(peer), m_message(message), m_form(peer.m_form),
-      m_mayChangeForm(!peer.m_isFormKnown && message.endpoint.resource.starts_with(kWmiClasses)) {
+      m_mayChangeForm(!peer.m_isFormKnown && !message.isOneForm &&
+                      message.endpoint.resource.starts_with(kWmiClasses)) {
     Send();
 }
 

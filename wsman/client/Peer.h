@@ -38,10 +38,11 @@ Endpoint ClassEndpoint(const std::wstring& namespaceName, std::wstring_view clas
 
 /// A request without what all requests have alike.
 struct Message {
-    std::string action;    ///< for a method: the name alone
-    bool isMethod = false; ///< whose action begins with its resource
-    Endpoint endpoint{};   ///< in Wmi form
-    std::string body{};    ///< for a method and an instance: see `bodyOf`
+    std::string action;     ///< for a method: the name alone
+    bool isMethod = false;  ///< whose action begins with its resource
+    bool isOneForm = false; ///< its resource has one form only
+    Endpoint endpoint{};    ///< in Wmi form
+    std::string body{};     ///< for a method and an instance: see `bodyOf`
     /// Makes the body for the URI of the class, where it has to repeat that.
     std::function<std::string(const std::string& resource)> bodyOf{};
     const wmi::CallContext* context = nullptr;
@@ -82,6 +83,9 @@ class Peer {
 
     /// Asks who is there. Throws RemoteError where nobody is who speaks WS-Management.
     void Identify();
+    /// The name that the machine has itself, which is part of the object paths that its provider compares. It
+    /// is asked for once; nothing for a machine that does not tell it. Throws RemoteError.
+    std::wstring OwnName();
     /// Sends a message and waits for its answer. Throws RemoteError.
     std::unique_ptr<Answer> Ask(const Message& message);
     /// Sends a message.
@@ -114,6 +118,9 @@ class Peer {
     std::atomic<bool> m_tellsClasses{true};
     /// It tells what is null: an array that it does not tell is empty. Windows does, other servers do not.
     std::atomic<bool> m_tellsNulls{false};
+
+    std::mutex m_nameMutex;
+    std::optional<std::wstring> m_name; ///< see OwnName
 
     using ClassKey = std::tuple<std::wstring, std::wstring, LCID>; ///< namespace and name, folded
     std::mutex m_classesMutex;

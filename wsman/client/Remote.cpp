@@ -83,7 +83,8 @@ class RemoteHost final : public wmi::Host {
             const std::string host = HostOf(place.server);
             const std::shared_ptr<Peer> peer = PeerOf(host, arguments);
             peer->Identify();
-            std::wstring serverName = m_options.serverName.empty() ? Wide(host) : m_options.serverName;
+            std::wstring serverName = peer->OwnName();
+            serverName = serverName.empty() ? Wide(host) : serverName;
             connection = std::make_shared<RemoteConnection>(peer, std::move(serverName),
                                                             std::move(place.namespaceName));
         });

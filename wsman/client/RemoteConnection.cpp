@@ -25,6 +25,8 @@ std::wstring ThisComputer() {
                                                            : std::wstring();
 }
 
+const std::wstring kAnyServer = L".";
+
 std::wstring_view FirstLabel(std::wstring_view name) {
     return name.substr(0, name.find(L'.'));
 }
@@ -272,27 +274,58 @@ wmi::Outcome RemoteConnection::Query(const wmi::CallContext& context, std::wstri
     return Ask([&] {
         Asked asked;
         asked.endpoint.resource = ClassUri(m_namespaceName, L"*");
-        asked.query = Unaddressed(wql);
+        asked.query = Readdressed(wql);
         asked.parsed = wmi::ParseWql(wql);
         found = std::make_unique<RemoteStream>(*this, context, std::move(asked));
     });
 }
 
-std::wstring RemoteConnection::Unaddressed(std::wstring_view wql) const {
-    if (!m_peer->Options().serverName.empty()) {
-        return std::wstring(wql); // paths are made with the name that the machine has itself
-    }
+std::wstring RemoteConnection::Readdressed(std::wstring_view wql) const {
     std::wstring text(wql);
-    const std::wstring names[] = {m_serverName, ThisComputer()};
-    for (const std::wstring& name : names) {
-        for (std::size_t i = 0; !name.empty() && i + name.size() < text.size(); ++i) {
-            if (text[i + name.size()] == L'\\' && BeginsPath(text, i) &&
-                wmi::SameName(std::wstring_view(text).substr(i, name.size()), name)) {
-                text.replace(i, name.size(), L".");
+    const std::wstring own = m_peer->OwnName();
+    // A machine that does not tell its name may know itself by any.
+    const std::wstring& name = own.empty() ? kAnyServer : own;
+    const std::wstring others[] = {own.empty() ? m_serverName : std::wstring(), ThisComputer()};
+    for (const std::wstring& other : others) {
+        for (std::size_t i = 0; !other.empty() && i + other.size() < text.size(); ++i) {
+            if (text[i + other.size()] == L'\\' && BeginsPath(text, i) &&
+                wmi::SameName(std::wstring_view(text).substr(i, other.size()), other)) {
+                text.replace(i, other.size(), name);
             }
         }
     }
     return text;
+}
+
+wmi::Instance RemoteConnection::Readdressed(const wmi::Instance& instance) const {
+    wmi::Instance readdressed = instance;
+    const std::wstring here = L"\\\\" + ThisComputer() + L'\\';
+    const auto change = [&](std::wstring& text) {
+        if (text.size() > here.size() &&
+            wmi::SameName(std::wstring_view(text).substr(0, here.size()), here) &&
+            wmi::ObjectPath::Parse(text)) {
+            text.replace(2, here.size() - 3, m_serverName);
+            return true;
+        }
+        return false;
+    };
+    for (wmi::Value& value : readdressed.values) {
+        if (const auto* array = value.AsArray()) {
+            wmi::Value::Array elements = *array;
+            bool isChanged = false;
+            for (std::optional<wmi::Scalar>& element : elements) {
+                auto* text = element ? std::get_if<std::wstring>(&*element) : nullptr;
+                isChanged = (text != nullptr && change(*text)) || isChanged;
+            }
+            value = isChanged ? wmi::Value(std::move(elements)) : value;
+        } else if (const auto* scalar = value.AsScalar()) {
+            if (const auto* text = std::get_if<std::wstring>(scalar)) {
+                std::wstring changed = *text;
+                value = change(changed) ? wmi::Value::Text(std::move(changed)) : value;
+            }
+        }
+    }
+    return readdressed;
 }
 
 wmi::Outcome RemoteConnection::ExecMethod(const wmi::CallContext& context, std::wstring_view path,
@@ -308,8 +341,14 @@ wmi::Outcome RemoteConnection::ExecMethod(const wmi::CallContext& context, std::
         message.isMethod = true;
         message.action = wmi::ToUtf8(method);
         message.context = &context;
+        std::optional<wmi::Filled> sent;
+        const wmi::Instance values =
+            in != nullptr && in->values.definition != nullptr ? Readdressed(in->values) : wmi::Instance();
+        if (in != nullptr) {
+            sent.emplace(wmi::Filled{values, in->puts});
+        }
         message.bodyOf = [&](const std::string& resource) {
-            return InputBody(message.action, resource, in, space);
+            return InputBody(message.action, resource, sent ? &*sent : nullptr, space);
         };
         const auto answer = m_peer->Ask(message);
         const Element output = answer->Body().First();

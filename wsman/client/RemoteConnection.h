@@ -52,8 +52,10 @@ class RemoteConnection final : public wmi::Connection {
     bool IsThisMachine(std::wstring_view server) const;
     wmi::ClassPtr ClassOf(const wmi::CallContext& context, std::wstring_view name) const;
     void Write(const wmi::CallContext& context, const wmi::Filled& instance, std::string_view action) const;
-    /// A query without the names of this machine that it may not know itself by.
-    std::wstring Unaddressed(std::wstring_view wql) const;
+    /// A query whose paths have the name that the machine knows itself by.
+    std::wstring Readdressed(std::wstring_view wql) const;
+    /// In-parameters, where a path made with this computer's name is a text like any other.
+    wmi::Instance Readdressed(const wmi::Instance& instance) const;
 
     const std::shared_ptr<Peer> m_peer;
     const std::wstring m_serverName;

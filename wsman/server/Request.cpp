@@ -115,7 +115,16 @@ std::string Request::GetClass() {
     return xml.Take();
 }
 
+std::string Request::Name() const {
+    XmlWriter xml;
+    xml.Open("p:Win32_OperatingSystem").Declare("p", kOperatingSystem);
+    return xml.Leaf("p:CSName", wmi::ToUtf8(m_space.server)).Close().Take();
+}
+
 std::string Request::Get() {
+    if (wmi::SameName(Wide(m_head.endpoint.resource), Wide(kOperatingSystem))) {
+        return Name();
+    }
     wmi::Object found;
     Succeed(m_connection.GetObject(m_context, InstancePath().Text(), found));
     XmlWriter xml;

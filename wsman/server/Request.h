@@ -35,6 +35,8 @@ class Request {
 
     std::string GetClass();
     std::string Get();
+    /// Of another namespace the one thing that clients need: the machine's name for itself.
+    std::string Name() const;
     std::string Put();
     std::string Create();
     std::string Invoke();

@@ -43,6 +43,10 @@ inline constexpr std::string_view kEnumerate = "http://schemas.xmlsoap.org/ws/20
 inline constexpr std::string_view kPull = "http://schemas.xmlsoap.org/ws/2004/09/enumeration/Pull";
 inline constexpr std::string_view kRelease = "http://schemas.xmlsoap.org/ws/2004/09/enumeration/Release";
 
+/// What every Windows has one instance of: "CSName" is the computer's own name.
+inline constexpr std::string_view kOperatingSystem =
+    "http://schemas.microsoft.com/wbem/wsman/1/wmi/root/cimv2/Win32_OperatingSystem";
+
 /// The language of queries.
 inline constexpr std::string_view kWqlDialect = "http://schemas.microsoft.com/wbem/wsman/1/WQL";
 

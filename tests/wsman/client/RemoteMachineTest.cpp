@@ -142,7 +142,7 @@ TEST_F(RemoteMachineTest, EveryType_ComesAsItIs) {
         }
     }
     EXPECT_EQ(there.instance->Text(L"Ref"),
-              LR"(\\127.0.0.1\ROOT\MarloLUM2:Zorel_NetService.Name="ZorelNetService")");
+              LR"(\\SERVER12\ROOT\MarloLUM2:Zorel_NetService.Name="ZorelNetService")");
 }
 
 TEST_F(RemoteMachineTest, EveryType_IsWrittenAsItIs) {
@@ -180,7 +180,7 @@ TEST_F(RemoteMachineTest, EveryType_IsWrittenAsItIs) {
 
 TEST_F(RemoteMachineTest, AnObject_HasOnePathWhoeverTellsIt) {
     Connect();
-    const std::wstring path = L"\\\\127.0.0.1\\ROOT\\MarloLUM2:" + kAll;
+    const std::wstring path = L"\\\\SERVER12\\ROOT\\MarloLUM2:" + kAll;
     Object object;
     ASSERT_EQ(CodeOf(m_remote->GetObject({}, kAll, object).status), "0x00000000");
     const auto pathOf = [this](const Object& of) {
@@ -203,7 +203,9 @@ TEST_F(RemoteMachineTest, AnObject_HasOnePathWhoeverTellsIt) {
     for (const std::wstring& server :
          {std::wstring(L"127.0.0.1"), std::wstring(L"."), std::wstring(own.data())}) {
         EXPECT_EQ(
-            CodeOf(m_remote->GetObject({}, L"\\\\" + server + L"\\root\\marlolum2:" + kAll, object).status),
+            CodeOf(
+                m_remote->GetObject({}, std::wstring(L"\\\\") + server + L"\\root\\marlolum2:" + kAll, object)
+                    .status),
             "0x00000000");
         EXPECT_EQ(pathOf(object), path);
     }
@@ -224,7 +226,7 @@ TEST_F(RemoteMachineTest, Queries_NameTheMachineAsItKnowsItself) {
     ULONG returned = 0;
     ASSERT_EQ(CodeOf(here->Next(wmi::kInfiniteTimeout, {&member, 1}, returned)), "0x00000000");
     const std::wstring team = member.instance->Text(L"GroupComponent");
-    ASSERT_EQ(team.rfind(L"\\\\127.0.0.1\\", 0), 0u);
+    ASSERT_EQ(team.rfind(L"\\\\" + m_remote->ServerName() + L'\\', 0), 0u);
     std::unique_ptr<wmi::ObjectStream> found;
     for (const std::wstring& query :
          {L"SELECT * FROM Zorel_TeamedMemberAdapter WHERE GroupComponent = '" + team + L"'",

@@ -90,7 +90,7 @@ void ScriptedPeer::Serve(int socket, int connection) {
         }
         request.body = read.substr(end + 4, size);
         read.erase(0, end + 4 + size);
-        if (!request.Has("IdentifyResponse") && !request.Has(":Identify")) {
+        if (!request.Has(":Identify") && !request.Has("Win32_OperatingSystem")) {
             const std::lock_guard lock(m_mutex);
             m_requests.push_back(request);
         }
@@ -150,6 +150,9 @@ std::string FaultAnswer(const PeerRequest& request, const std::string& subcode, 
 
 ScriptedPeer::Script AfterIdentify(ScriptedPeer::Script script) {
     return [script = std::move(script)](const PeerRequest& request) {
+        if (request.Has("Win32_OperatingSystem")) {
+            return FaultAnswer(request, "a:DestinationUnreachable");
+        }
         if (!request.Has("wsmid:Identify")) {
             return script(request);
         }

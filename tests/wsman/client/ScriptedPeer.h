@@ -40,7 +40,7 @@ class ScriptedPeer {
     ScriptedPeer& operator=(const ScriptedPeer&) = delete;
 
     int Port() const noexcept { return m_port; }
-    /// What came until now, without "Identify".
+    /// What came until now, without what is asked while connecting.
     std::vector<PeerRequest> Requests() const;
 
   private:
@@ -63,7 +63,7 @@ std::string SoapAnswer(const PeerRequest& request, const std::string& body, int 
 /// A fault with a subcode and whatever stands in its detail.
 std::string FaultAnswer(const PeerRequest& request, const std::string& subcode,
                         const std::string& detail = {});
-/// "Identify" is answered as by Windows, all else by the script.
+/// "Identify" is answered as by Windows, the name is not told, and all else is the script's to answer.
 ScriptedPeer::Script AfterIdentify(ScriptedPeer::Script script);
 
 /// The way to a peer on this computer without TLS.
