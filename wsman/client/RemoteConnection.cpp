@@ -2,6 +2,7 @@
 #include "client/RemoteConnection.h"
 
 #include "client/Failures.h"
+#include "client/Parameters.h"
 #include "client/RemoteStream.h"
 #include "soap/Names.h"
 
@@ -69,32 +70,6 @@ void TakeKeys(wmi::Instance& instance, const wmi::ObjectPath& path) {
             }
         }
     }
-}
-
-void WriteNamed(XmlWriter& xml, const wmi::Instance& from, std::size_t index, const Namespace& space) {
-    WriteValue(xml, "p", from.definition->properties[index], from.values[index], space, DateTimeForm::Cim);
-}
-
-/// The in-parameters: those that the client put, in its order, then what else has a value.
-std::string InputBody(const std::string& method, const std::string& resource, const wmi::Filled* in,
-                      const Namespace& space) {
-    XmlWriter xml;
-    xml.Open("p:" + method + "_INPUT").Declare("p", resource);
-    if (in != nullptr && in->values.definition != nullptr) {
-        std::set<std::size_t> written;
-        for (const wmi::NamedValue& put : in->puts) {
-            const auto index = in->values.definition->PropertyIndex(put.name);
-            if (index && written.insert(*index).second) {
-                WriteNamed(xml, in->values, *index, space);
-            }
-        }
-        for (std::size_t i = 0; i < in->values.values.size(); ++i) {
-            if (written.count(i) == 0 && !in->values.values[i].IsNull()) {
-                WriteNamed(xml, in->values, i, space);
-            }
-        }
-    }
-    return xml.Close().Take();
 }
 
 bool PutsAKey(const wmi::Filled& instance) {
@@ -297,37 +272,6 @@ std::wstring RemoteConnection::Readdressed(std::wstring_view wql) const {
     return text;
 }
 
-wmi::Instance RemoteConnection::Readdressed(const wmi::Instance& instance) const {
-    wmi::Instance readdressed = instance;
-    const std::wstring here = L"\\\\" + ThisComputer() + L'\\';
-    const auto change = [&](std::wstring& text) {
-        if (text.size() > here.size() &&
-            wmi::SameName(std::wstring_view(text).substr(0, here.size()), here) &&
-            wmi::ObjectPath::Parse(text)) {
-            text.replace(2, here.size() - 3, m_serverName);
-            return true;
-        }
-        return false;
-    };
-    for (wmi::Value& value : readdressed.values) {
-        if (const auto* array = value.AsArray()) {
-            wmi::Value::Array elements = *array;
-            bool isChanged = false;
-            for (std::optional<wmi::Scalar>& element : elements) {
-                auto* text = element ? std::get_if<std::wstring>(&*element) : nullptr;
-                isChanged = (text != nullptr && change(*text)) || isChanged;
-            }
-            value = isChanged ? wmi::Value(std::move(elements)) : value;
-        } else if (const auto* scalar = value.AsScalar()) {
-            if (const auto* text = std::get_if<std::wstring>(scalar)) {
-                std::wstring changed = *text;
-                value = change(changed) ? wmi::Value::Text(std::move(changed)) : value;
-            }
-        }
-    }
-    return readdressed;
-}
-
 wmi::Outcome RemoteConnection::ExecMethod(const wmi::CallContext& context, std::wstring_view path,
                                           std::wstring_view method, const wmi::Filled* in,
                                           wmi::InstancePtr& out) {
@@ -341,14 +285,12 @@ wmi::Outcome RemoteConnection::ExecMethod(const wmi::CallContext& context, std::
         message.isMethod = true;
         message.action = wmi::ToUtf8(method);
         message.context = &context;
-        std::optional<wmi::Filled> sent;
-        const wmi::Instance values =
-            in != nullptr && in->values.definition != nullptr ? Readdressed(in->values) : wmi::Instance();
-        if (in != nullptr) {
-            sent.emplace(wmi::Filled{values, in->puts});
-        }
+        const std::wstring own = m_peer->OwnName();
+        const PathTexts sent(m_namespaceName, own.empty() ? kAnyServer : own, [&](std::wstring_view server) {
+            return !wmi::SameName(server, own) && IsThisMachine(server);
+        });
         message.bodyOf = [&](const std::string& resource) {
-            return InputBody(message.action, resource, sent ? &*sent : nullptr, space);
+            return InputBody(message.action, resource, in, space, sent);
         };
         const auto answer = m_peer->Ask(message);
         const Element output = answer->Body().First();
@@ -359,7 +301,9 @@ wmi::Outcome RemoteConnection::ExecMethod(const wmi::CallContext& context, std::
                                                          : nullptr;
         // A machine that hands out no object has no parameter to tell, not even one that is null.
         if (signature != nullptr && output.HasChildren()) {
-            out = std::make_shared<wmi::Instance>(m_peer->Read(signature, output, space));
+            auto told = std::make_shared<wmi::Instance>(m_peer->Read(signature, output, space));
+            PathTexts(m_namespaceName, m_serverName, [&](auto) { return own.empty(); }).Change(*told);
+            out = std::move(told);
         }
     });
 }

@@ -54,8 +54,6 @@ class RemoteConnection final : public wmi::Connection {
     void Write(const wmi::CallContext& context, const wmi::Filled& instance, std::string_view action) const;
     /// A query whose paths have the name that the machine knows itself by.
     std::wstring Readdressed(std::wstring_view wql) const;
-    /// In-parameters, where a path made with this computer's name is a text like any other.
-    wmi::Instance Readdressed(const wmi::Instance& instance) const;
 
     const std::shared_ptr<Peer> m_peer;
     const std::wstring m_serverName;
