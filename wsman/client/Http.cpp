@@ -14,6 +14,7 @@ namespace {
 constexpr long kLongestIdle =
     45; // seconds after which a connection is not used again: less than servers wait
 constexpr int kAttempts = 2;
+constexpr std::size_t kMostKept = std::size_t{64} << 20; // bytes of an answer whose runs are folded
 constexpr std::size_t kMostIdle = 8;
 
 constexpr HRESULT Code(long long value) noexcept {
@@ -100,12 +101,13 @@ struct HttpExchange::Callbacks {
         auto& self = *static_cast<HttpExchange*>(of);
         const std::size_t length = size * count;
         std::string& body = self.m_answer.body;
-        if (length > self.m_most - std::min(self.m_most, body.size())) {
+        self.m_received += length;
+        if (self.m_received > self.m_most || body.size() > kMostKept) {
             self.m_isTooLarge = true;
             return 0;
         }
         try {
-            body.append(bytes, length);
+            self.m_runs->Append({bytes, length}, body);
         } catch (const std::exception&) {
             self.m_isTooLarge = true;
             return 0;
@@ -121,8 +123,9 @@ HttpClient::HttpClient(const RemoteOptions& options, const std::string& host)
 
 HttpClient::~HttpClient() = default;
 
-std::unique_ptr<HttpExchange> HttpClient::Begin(std::string body, Repeatable repeatable, std::size_t most) {
-    return std::make_unique<HttpExchange>(*this, std::move(body), repeatable, most);
+std::unique_ptr<HttpExchange> HttpClient::Begin(std::string body, Repeatable repeatable, std::size_t most,
+                                                std::vector<std::string> byteArrays) {
+    return std::make_unique<HttpExchange>(*this, std::move(body), repeatable, most, std::move(byteArrays));
 }
 
 void HttpClient::Cancel() noexcept {
@@ -259,8 +262,10 @@ RemoteError HttpClient::ErrorOf(int code, const char* detail, bool isSent, bool 
     }
 }
 
-HttpExchange::HttpExchange(HttpClient& server, std::string body, Repeatable repeatable, std::size_t most)
-    : m_server(server), m_body(std::move(body)), m_repeatable(repeatable), m_most(most) {
+HttpExchange::HttpExchange(HttpClient& server, std::string body, Repeatable repeatable, std::size_t most,
+                           std::vector<std::string> byteArrays)
+    : m_server(server), m_body(std::move(body)), m_repeatable(repeatable), m_most(most),
+      m_byteArrays(std::move(byteArrays)) {
     Start();
 }
 
@@ -273,6 +278,8 @@ void HttpExchange::Start() {
     m_sent = 0;
     m_hasAnswer = false;
     m_answer = {};
+    m_received = 0;
+    m_runs.emplace(m_byteArrays);
     m_line = m_server.TakeLine();
     CURL* const easy = m_line->easy;
     m_line->detail[0] = '\0';
@@ -318,6 +325,7 @@ bool HttpExchange::Wait(LONG timeout) {
         if (IsDone(code)) {
             const std::string detail = m_line->detail;
             if (code == CURLE_OK) {
+                m_runs->Finish(m_answer.body);
                 const char* type = nullptr;
                 curl_easy_getinfo(m_line->easy, CURLINFO_RESPONSE_CODE, &m_answer.status);
                 curl_easy_getinfo(m_line->easy, CURLINFO_CONTENT_TYPE, &type);

@@ -1,6 +1,8 @@
 // The way to one server over HTTP: connections that are kept, TLS, authentication, limits of time and size.
 #pragma once
 
+#include "soap/ByteRuns.h"
+
 #include <quillet-wsman/Remote.h>
 
 #include <windows.h>
@@ -9,6 +11,7 @@
 #include <chrono>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -49,8 +52,10 @@ class HttpClient {
 
     const std::string& Url() const noexcept { return m_url; }
 
-    /// Begins a request. @param most bytes of the answer
-    std::unique_ptr<HttpExchange> Begin(std::string body, Repeatable repeatable, std::size_t most);
+    /// Begins a request. @param most bytes of the answer @param byteArrays names of the arrays of bytes that
+    /// it may have
+    std::unique_ptr<HttpExchange> Begin(std::string body, Repeatable repeatable, std::size_t most,
+                                        std::vector<std::string> byteArrays = {});
     /// See Remote::Cancel.
     void Cancel() noexcept;
 
@@ -77,7 +82,8 @@ class HttpClient {
 
 class HttpExchange {
   public:
-    HttpExchange(HttpClient& server, std::string body, Repeatable repeatable, std::size_t most);
+    HttpExchange(HttpClient& server, std::string body, Repeatable repeatable, std::size_t most,
+                 std::vector<std::string> byteArrays);
     /// A request that still runs is broken off.
     ~HttpExchange();
     HttpExchange(const HttpExchange&) = delete;
@@ -101,6 +107,9 @@ class HttpExchange {
     const std::string m_body;
     const Repeatable m_repeatable;
     const std::size_t m_most;
+    const std::vector<std::string> m_byteArrays;
+    std::optional<ByteRuns> m_runs; ///< in the answer
+    std::size_t m_received = 0;
     std::size_t m_sent = 0;
     bool m_hasAnswer = false; ///< since the request was sent last
     bool m_isTooLarge = false;

@@ -300,7 +300,7 @@ void Call::Send() {
     m_head = m_peer.HeadOf(m_message, m_form);
     const std::string body = m_message.bodyOf ? m_message.bodyOf(m_head.endpoint.resource) : m_message.body;
     m_exchange = m_peer.m_http.Begin(WriteRequest(m_head, body), m_message.repeatable,
-                                     m_head.maxEnvelope + kLeastEnvelope);
+                                     m_head.maxEnvelope + kLeastEnvelope, m_message.byteArrays);
 }
 
 bool Call::Wait(LONG timeout) {

@@ -48,7 +48,8 @@ struct Message {
     const wmi::CallContext* context = nullptr;
     std::vector<wmi::NamedValue> options{}; ///< besides those of the context
     Repeatable repeatable = Repeatable::No;
-    std::size_t mostAnswer = 0; ///< bytes; 0: as many as there may be
+    std::size_t mostAnswer = 0;            ///< bytes; 0: as many as there may be
+    std::vector<std::string> byteArrays{}; ///< names of those that the answer may have
 };
 
 /// An answer, read.

@@ -72,6 +72,16 @@ void TakeKeys(wmi::Instance& instance, const wmi::ObjectPath& path) {
     }
 }
 
+std::vector<std::string> ByteArraysOf(const std::vector<wmi::Property>& properties) {
+    std::vector<std::string> names;
+    for (const wmi::Property& property : properties) {
+        if (property.type == (CIM_UINT8 | CIM_FLAG_ARRAY)) {
+            names.push_back(wmi::ToUtf8(property.name));
+        }
+    }
+    return names;
+}
+
 bool PutsAKey(const wmi::Filled& instance) {
     return std::any_of(instance.puts.begin(), instance.puts.end(), [&](const wmi::NamedValue& put) {
         const wmi::Property* property = instance.values.definition->FindProperty(put.name);
@@ -209,6 +219,9 @@ wmi::Outcome RemoteConnection::GetObject(const wmi::CallContext& context, std::w
         }
         message.context = &context;
         message.repeatable = Repeatable::Yes;
+        if (const wmi::ClassPtr definition = ClassOf(context, parsed->className)) {
+            message.byteArrays = ByteArraysOf(definition->properties);
+        }
         const auto answer = m_peer->Ask(message);
         const Element element = answer->Body().First();
         if (!element) {
@@ -292,10 +305,13 @@ wmi::Outcome RemoteConnection::ExecMethod(const wmi::CallContext& context, std::
         message.bodyOf = [&](const std::string& resource) {
             return InputBody(message.action, resource, in, space, sent);
         };
-        const auto answer = m_peer->Ask(message);
-        const Element output = answer->Body().First();
         const wmi::ClassPtr definition = ClassOf(context, ResourceOf(message.endpoint).className);
         const wmi::Method* known = definition != nullptr ? definition->FindMethod(method) : nullptr;
+        if (known != nullptr) {
+            message.byteArrays = ByteArraysOf(known->out);
+        }
+        const auto answer = m_peer->Ask(message);
+        const Element output = answer->Body().First();
         const wmi::ClassPtr signature = known != nullptr ? wmi::OutSignature(*known)
                                         : output         ? Inferred(output)
                                                          : nullptr;

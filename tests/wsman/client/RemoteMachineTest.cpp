@@ -81,13 +81,14 @@ class RemoteMachineTest : public testing::Test {
         return connection;
     }
 
-    void Serve(wsman::HttpOptions options = {}) {
+    void Serve(wsman::HttpOptions options = {}, wsman::ServiceOptions service = {}) {
         options.users.Add("admin", "secret");
         m_server.emplace(std::move(options));
         m_server->Serve("/wsman",
-                        std::make_shared<wsman::Service>(DirectConnection(), [this](std::wstring_view name) {
-                            return m_machine->Store().FindClass(name);
-                        }));
+                        std::make_shared<wsman::Service>(
+                            DirectConnection(),
+                            [this](std::wstring_view name) { return m_machine->Store().FindClass(name); },
+                            service));
         m_port = m_server->Start();
     }
     void Connect(wsman::HttpOptions options = {}) {
@@ -176,6 +177,23 @@ TEST_F(RemoteMachineTest, EveryType_IsWrittenAsItIs) {
         EXPECT_TRUE(*here.instance->Find(each.name) == each.value) << NarrowName(each.name);
     }
     EXPECT_TRUE(*here.instance->Find(L"Texts") == *there.instance->Find(L"Texts")) << "the rest stays";
+}
+
+TEST_F(RemoteMachineTest, AnImage_ComesToTheByte) {
+    Value::Bytes image(std::size_t{256} << 10);
+    for (std::size_t i = 0; i < image.size(); ++i) {
+        image[i] = static_cast<std::uint8_t>(i * 37 >> 3);
+    }
+    wsman::ServiceOptions service;
+    service.maxEnvelope = std::size_t{64} << 20;
+    Serve({}, service);
+    m_remote = ConnectTo(OptionsFor(m_port));
+    wmi::Instance all = *m_machine->Store().FindInstance(*wmi::ObjectPath::Parse(kAll));
+    ASSERT_TRUE(all.Set(L"Bytes", Value(image)));
+    ASSERT_TRUE(SUCCEEDED(m_machine->Store().PutInstance(all)));
+    Object found;
+    ASSERT_EQ(CodeOf(m_remote->GetObject({}, kAll, found).status), "0x00000000") << wsman::LastFailure();
+    EXPECT_TRUE(*found.instance->Find(L"Bytes") == Value(image));
 }
 
 TEST_F(RemoteMachineTest, AnObject_HasOnePathWhoeverTellsIt) {
