@@ -2,6 +2,7 @@
 #include "client/RemoteConnection.h"
 
 #include "client/Failures.h"
+#include "client/Parameters.h"
 #include "client/RemoteStream.h"
 #include "soap/Names.h"
 
@@ -67,32 +68,6 @@ void TakeKeys(wmi::Instance& instance, const wmi::ObjectPath& path) {
             }
         }
     }
-}
-
-void WriteNamed(XmlWriter& xml, const wmi::Instance& from, std::size_t index, const Namespace& space) {
-    WriteValue(xml, "p", from.definition->properties[index], from.values[index], space, DateTimeForm::Cim);
-}
-
-/// The in-parameters: those that the client put, in its order, then what else has a value.
-std::string InputBody(const std::string& method, const std::string& resource, const wmi::Filled* in,
-                      const Namespace& space) {
-    XmlWriter xml;
-    xml.Open("p:" + method + "_INPUT").Declare("p", resource);
-    if (in != nullptr && in->values.definition != nullptr) {
-        std::set<std::size_t> written;
-        for (const wmi::NamedValue& put : in->puts) {
-            const auto index = in->values.definition->PropertyIndex(put.name);
-            if (index && written.insert(*index).second) {
-                WriteNamed(xml, in->values, *index, space);
-            }
-        }
-        for (std::size_t i = 0; i < in->values.values.size(); ++i) {
-            if (written.count(i) == 0 && !in->values.values[i].IsNull()) {
-                WriteNamed(xml, in->values, i, space);
-            }
-        }
-    }
-    return xml.Close().Take();
 }
 
 bool PutsAKey(const wmi::Filled& instance) {
@@ -308,8 +283,11 @@ wmi::Outcome RemoteConnection::ExecMethod(const wmi::CallContext& context, std::
         message.isMethod = true;
         message.action = wmi::ToUtf8(method);
         message.context = &context;
+        const bool hasOneName = !m_peer->Options().serverName.empty();
+        const PathTexts sent(m_namespaceName, L".",
+                             [&](std::wstring_view server) { return !hasOneName && IsThisMachine(server); });
         message.bodyOf = [&](const std::string& resource) {
-            return InputBody(message.action, resource, in, space);
+            return InputBody(message.action, resource, in, space, sent);
         };
         const auto answer = m_peer->Ask(message);
         const Element output = answer->Body().First();
@@ -320,7 +298,9 @@ wmi::Outcome RemoteConnection::ExecMethod(const wmi::CallContext& context, std::
                                                          : nullptr;
         // A machine that hands out no object has no parameter to tell, not even one that is null.
         if (signature != nullptr && output.HasChildren()) {
-            out = std::make_shared<wmi::Instance>(m_peer->Read(signature, output, space));
+            auto told = std::make_shared<wmi::Instance>(m_peer->Read(signature, output, space));
+            PathTexts(m_namespaceName, m_serverName, [&](auto) { return !hasOneName; }).Change(*told);
+            out = std::move(told);
         }
     });
 }
