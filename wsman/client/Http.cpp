@@ -20,7 +20,6 @@ constexpr std::size_t kMostIdle = 8;
 constexpr HRESULT Code(long long value) noexcept {
     return static_cast<HRESULT>(static_cast<std::uint32_t>(value));
 }
-constexpr HRESULT kServerUnavailable = Code(0x800706BA);
 
 /// libcurl wants to be told once, before any thread uses it.
 void InitialiseOnce() {

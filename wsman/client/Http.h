@@ -18,6 +18,9 @@
 
 namespace quillet::wsman {
 
+/// RPC_S_SERVER_UNAVAILABLE as an HRESULT: nobody is there.
+constexpr HRESULT kServerUnavailable = static_cast<HRESULT>(0x800706BAU);
+
 /// A request that failed: the code that WMI would have given, and what happened.
 class RemoteError : public std::runtime_error {
   public:

@@ -21,8 +21,6 @@ namespace {
 
 thread_local std::string g_lastFailure;
 
-constexpr HRESULT kServerUnavailable = static_cast<HRESULT>(0x800706BAU);
-
 /// Whether a name can stand in a URL as the name of a machine and as nothing else.
 bool IsHost(std::string_view host) {
     constexpr std::size_t kLongest = 255;
