@@ -34,6 +34,16 @@ if(NOT QUILLET_HAVE_ATLBASE)
   set(pkgconfig_sdk "-I\${includedir}/quillet-sdk ")
 endif()
 
+if(TARGET Quillet::remote)
+  # Apart, because whoever links it needs what it links.
+  set_target_properties(quillet_remote PROPERTIES EXPORT_NAME remote)
+  set_target_properties(quillet_soap PROPERTIES EXPORT_NAME soap)
+  install(TARGETS quillet_remote quillet_soap EXPORT QuilletRemoteTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  target_include_directories(quillet_remote INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  install(DIRECTORY wsman/include/quillet-wsman DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+  install(EXPORT QuilletRemoteTargets NAMESPACE Quillet:: DESTINATION ${package_dir})
+endif()
+
 install(EXPORT QuilletTargets NAMESPACE Quillet:: DESTINATION ${package_dir})
 configure_package_config_file(cmake/QuilletConfig.cmake.in QuilletConfig.cmake INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(QuilletConfigVersion.cmake COMPATIBILITY SameMinorVersion)

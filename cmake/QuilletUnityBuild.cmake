@@ -7,7 +7,7 @@ set(QUILLET_ALONE SafeArray TeamMembers TeamWizard VLANTexts
   LinkSecurity NetworkBootProvider SettingProvider VlanModel
   Adapter Application ConsoleWindows Diag Help ISCSI Power Vlan
   # tests
-  DiagnosticsTest InterruptedChangesTest LinkSecurityOperations LumDebugLinesTest NamesTest NetworkBootTest
+  DiagnosticsTest InterruptedChangesTest LinkSecurityOperations LumDebugLinesTest NamesTest NetworkBootTest NullCopyTest
   ObjectPathTest PortCallCountsTest PowerTest PropertySettersTest QuestionsTest ReadingOperations ServicesTest
   SettingChecksTest SettingNamesTest SettingWritingTest TeamCallCountsTest TeamOperations TeamTest VLANOperations VlanCallCountsTest
   VlanTest Win32Test WritingOperations)

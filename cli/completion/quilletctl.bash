@@ -4,7 +4,7 @@
 _quilletctl() {
     local nouns="adapter setting profile power wol team linksec vlan diag boot iscsi warnings trace transaction version help"
     local names="adapter setting profile power wol team linksec vlan diag boot iscsi warnings trace transaction version help add capabilities check create delete get identify import-pac inspect list modes modify pac-delete pac-show pmk ports primary read reapply remove run set set-auth set-keys show stats stop switch-test try verify write"
-    local everywhere="--machine --simulate --state --json --journal --yes --no-color --help --version"
+    local everywhere="--machine --port --auth --user --password-fd --credentials --ca --insecure --plain-http --simulate --state --json --journal --yes --no-color --help --version"
     local optional="--simulate"
     local repeatable="--type --type"
     local -A verbs=(
@@ -48,6 +48,12 @@ _quilletctl() {
     )
     local -A takes=(
         ["--machine"]="HOST"
+        ["--port"]="NUMBER"
+        ["--auth"]="SCHEME"
+        ["--user"]="NAME"
+        ["--password-fd"]="NUMBER"
+        ["--credentials"]="FILE"
+        ["--ca"]="FILE"
         ["--simulate"]="FILE"
         ["--state"]="FILE"
         ["adapter identify --seconds"]="NUMBER"

@@ -52,7 +52,7 @@ void CheckRemoteAccess(const GlobalOptions& options) {
     }
     const std::string scheme = access.authentication.value_or("");
     if (access.authentication && scheme != "negotiate" && scheme != "ntlm" && scheme != "basic") {
-        throw UsageError("--auth: \"" + scheme + "\" is none of negotiate, ntlm, basic");
+        throw UsageError("--auth: negotiate, ntlm or basic is needed");
     }
     if (scheme == "negotiate" && (access.user || access.passwordDescriptor || access.credentials)) {
         throw UsageError("--auth: negotiate goes by the Kerberos ticket (kinit) and takes no user");

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Runs what the documents show, and follows what they name. docs/testing.md tells writers of documents the rules.
 
-Usage: check_documents.py ROOT QUILLETCTL PROGRAMS
-ROOT is the tree, QUILLETCTL the program, PROGRAMS the folder of the programs that extract_examples.py found.
+Usage: check_documents.py ROOT QUILLETCTL PROGRAMS [SIMULATOR]
+ROOT is the tree, QUILLETCTL the program, PROGRAMS the folder of the programs that extract_examples.py found, SIMULATOR
+quillet-simulator.
 """
 import difflib
 import pathlib
@@ -29,8 +30,9 @@ MADE_BY_THE_BUILD = {"Export.h"}
 
 
 class Checker:
-    def __init__(self, root, quilletctl, programs):
+    def __init__(self, root, quilletctl, programs, *others):
         self.root, self.quilletctl, self.programs = root, quilletctl, programs
+        self.path = [str(program.parent) for program in (quilletctl, *others)]
         self.document = None
         self.errors = []
         self.used = set()  # lines of the list of what runs elsewhere
@@ -61,7 +63,7 @@ class Checker:
         self.document = document
         self.errors += document.errors
         with tempfile.TemporaryDirectory(prefix="quillet-docs-") as folder:
-            session = shell_session.ShellSession(self.root, folder, [str(self.quilletctl.parent)])
+            session = shell_session.ShellSession(self.root, folder, self.path)
             program = None
             for block in document.blocks:
                 try:
@@ -254,8 +256,8 @@ def check_version(root):
 
 
 def main(arguments):
-    root, quilletctl, programs = (pathlib.Path(argument).resolve() for argument in arguments)
-    checker = Checker(root, quilletctl, programs)
+    root, quilletctl, *others = (pathlib.Path(argument).resolve() for argument in arguments)
+    checker = Checker(root, quilletctl, *others)
     for document in documents.read_documents(root):
         checker.check(document)
     checker.errors += check_version(root)

@@ -1,9 +1,9 @@
-"""The role against a fleet of simulated machines, through ansible-playbook.
+"""The role against a fleet of simulated machines that are served over HTTPS, through ansible-playbook.
 
-    fleet_test.py SOURCE_DIR QUILLETCTL WORK_DIR
+    fleet_test.py SOURCE_DIR QUILLETCTL SIMULATOR WORK_DIR
 
 One machine refuses a VLAN half-way through its changes. What the machines are afterwards is asked of quilletctl, not of
-the role.
+the role, while nobody serves them: then their files have all of it.
 """
 
 import json
@@ -14,8 +14,9 @@ import subprocess
 import sys
 import unittest
 
-SOURCE, QUILLETCTL, WORK = (os.path.abspath(argument) for argument in sys.argv[1:4])
+SOURCE, QUILLETCTL, SIMULATOR, WORK = (os.path.abspath(argument) for argument in sys.argv[1:5])
 EXAMPLE = os.path.join(SOURCE, "examples", "fleet")
+FLEET = os.path.join(WORK, "fleet")
 HOSTS = [f"server{number:02}" for number in range(1, 9)]
 BROKEN = "server07"
 WORKING = [host for host in HOSTS if host != BROKEN]
@@ -25,14 +26,14 @@ STEP = "Bring adapters, teams and VLANs to the described state"
 HANDLER = "Tell that the machine must be restarted"
 
 
-def environment(path=None):
-    """Nothing of this computer's own Ansible, nor of its user's home. `path` is looked at before the PATH."""
+def environment(*programs):
+    """Nothing of this computer's own Ansible, nor of its user's home. `programs` are folders before the PATH."""
     names = ("PATH", "TMPDIR")
     kept = {name: os.environ[name] for name in names if name in os.environ}
     home = os.path.join(WORK, "home")
     return {
         **kept,
-        "PATH": os.pathsep.join(([path] if path else []) + [kept["PATH"]]),
+        "PATH": os.pathsep.join([*programs, *map(os.path.dirname, (QUILLETCTL, SIMULATOR)), kept["PATH"]]),
         "HOME": home,
         "LC_ALL": "C.UTF-8",
         "ANSIBLE_HOME": os.path.join(home, "ansible"),
@@ -51,14 +52,14 @@ def environment(path=None):
 class Play:
     """One run of ansible-playbook: its recap, and what the task and the handler of the role did on each host."""
 
-    def __init__(self, *options, playbook="site.yml", inventory=None, path=None):
+    def __init__(self, *options, playbook="site.yml", inventory=None, programs=()):
         record = os.path.join(WORK, "record")
         if os.path.exists(record):
             os.remove(record)
-        inventory = inventory or os.path.join(WORK, "inventory.yml")
+        inventory = inventory or os.path.join(FLEET, "inventory.yml")
         words = ["ansible-playbook", "-i", inventory, os.path.join(EXAMPLE, playbook)]
         done = subprocess.run(
-            words + list(options), env=environment(path), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+            words + list(options), env=environment(*programs), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
             stderr=subprocess.STDOUT, check=False, cwd=WORK,
         )
         self.status, self.text = done.returncode, done.stdout.decode()
@@ -78,7 +79,7 @@ class Play:
 
 
 def state_file(host):
-    return os.path.join(WORK, host + ".mof")
+    return os.path.join(FLEET, host + ".mof")
 
 
 def states():
@@ -110,16 +111,41 @@ class FleetTest(unittest.TestCase):
     maxDiff = None
 
     def setUp(self):
+        if os.path.isdir(FLEET):
+            self.stop()  # of a run that was killed
         shutil.rmtree(WORK, ignore_errors=True)
         os.makedirs(os.path.join(WORK, "home"))
 
     @staticmethod
-    def make_fleet(hosts, broken):
-        subprocess.run(
-            [sys.executable, os.path.join(EXAMPLE, "make-fleet"), WORK, "--quilletctl", QUILLETCTL,
-             "--hosts", str(hosts), "--broken", broken],
-            check=True, env=environment(),
-        )
+    def script(name, *options):
+        words = [sys.executable, os.path.join(EXAMPLE, name), FLEET, *options]
+        return subprocess.run(words, check=True, env=environment(), stdout=subprocess.PIPE).stdout.decode()
+
+    def make_fleet(self, hosts, broken):
+        self.script("make-fleet", "--hosts", str(hosts), "--broken", broken)
+
+    def serve(self):
+        self.addCleanup(self.stop)
+        urls = re.findall(r"serving \S+ at (https://\S+:5986)/wsman\n", self.script("serve-fleet"))
+        self.assertEqual(len(urls), len(set(urls)))
+        return len(urls)
+
+    def stop(self):
+        self.script("serve-fleet", "--stop")
+
+    def assert_secret(self, *texts):
+        """Nothing tells the password but the two files that are there for it, which others cannot read."""
+        secrets = ("credentials", "users")
+        with open(os.path.join(FLEET, secrets[0]), encoding="ascii") as file:
+            password = re.search("password = (.{30,})\n", file.read()).group(1)
+        files = [os.path.join(WORK, "record"), *(os.path.join(FLEET, name) for name in sorted(os.listdir(FLEET)))]
+        for file in files:
+            with open(file, encoding="utf-8") as opened:
+                self.assertEqual(password in opened.read(), file.endswith(secrets), file)
+            if file.endswith((*secrets, ".key")):
+                self.assertEqual(os.stat(file).st_mode & 0o077, 0, file)
+        for text in texts:
+            self.assertNotIn(password, text)
 
     def assert_described(self, host, is_whole=True):
         """The machine is as group_vars/servers.yml describes it; else the VLANs of adapters are still missing."""
@@ -153,23 +179,25 @@ class FleetTest(unittest.TestCase):
         self.assertEqual(vlans, of_teams | of_adapters if is_whole else of_teams)
 
     def test_restarts(self):
-        """The play for real machines, with a shutdown.exe that only writes down what it was told."""
+        """The play for real machines, with a "net" that only writes down what it was told."""
         self.make_fleet(2, "server02")
+        self.serve()
         programs = os.path.join(WORK, "programs")
         os.mkdir(programs)
-        shutdown = os.path.join(programs, "shutdown.exe")
+        net = os.path.join(programs, "net")
         told = os.path.join(WORK, "told")
-        with open(shutdown, "w", encoding="utf-8") as output:
+        with open(net, "w", encoding="utf-8") as output:
             output.write(f'#!/bin/sh\nprintf "%s\\n" "$*" >>"{told}"\n')
-        os.chmod(shutdown, 0o755)
-        self.assertEqual(Play("--check", playbook="windows.yml", path=programs).status, 0)
+        os.chmod(net, 0o755)
+        self.assertEqual(Play("--check", playbook="windows.yml", programs=[programs]).status, 0)
         self.assertFalse(os.path.exists(told))
-        play = Play(playbook="windows.yml", path=programs)
+        play = Play(playbook="windows.yml", programs=[programs])
         self.assertEqual(play.hosts_with("failed"), ["server02"], play.text)
+        with open(os.path.join(FLEET, "inventory.yml"), encoding="utf-8") as file:
+            hosts = json.load(file)["servers"]["hosts"].values()
+        asked = [f"rpc shutdown -r -t 60 -S {host['quillet_machine']} --use-kerberos=required" for host in hosts]
         with open(told, encoding="utf-8") as file:
-            self.assertEqual(
-                sorted(file.read().splitlines()), ["/r /t 60 /m \\\\server01", "/r /t 60 /m \\\\server02"]
-            )
+            self.assertEqual(sorted(file.read().splitlines()), asked)
 
     def test_the_inventory_of_real_machines(self):
         play = Play(
@@ -180,6 +208,7 @@ class FleetTest(unittest.TestCase):
 
     def test_a_fleet_with_one_broken_machine(self):
         self.make_fleet(len(HOSTS), BROKEN)
+        self.assertEqual(self.serve(), len(HOSTS))
         fresh = states()
         self.assertEqual(sum(b"QuilletSimulator_Fault" in text for text in fresh.values()), 1)
 
@@ -191,10 +220,13 @@ class FleetTest(unittest.TestCase):
         self.assertEqual(foretold.hosts_with("failed"), [])
         self.assertEqual(foretold.restarts, [])
         self.assertIn('+adapter Zorel 10G Dual Port Server Adapter #6, VLAN 31: Storage B\n', foretold.text)
+        self.stop()
         self.assertEqual(states(), fresh)
+        self.serve()
 
         # One machine fails half-way, the others are none the worse for it.
         first = Play()
+        self.stop()
         self.assertEqual(first.status, 2, first.text)
         self.assertEqual(first.hosts_with("failed"), [BROKEN], first.text)
         self.assertEqual(first.hosts_with("unreachable"), [])
@@ -219,7 +251,9 @@ class FleetTest(unittest.TestCase):
         # Mended, it goes on from there; nothing happens to the others.
         before = states()
         self.assertEqual(mend(BROKEN), 1)
+        self.serve()
         second = Play()
+        self.stop()
         self.assertEqual(second.status, 0, second.text)
         self.assertEqual(second.hosts_with("failed"), [])
         self.assertEqual(second.hosts_with("changed"), [BROKEN])
@@ -231,12 +265,15 @@ class FleetTest(unittest.TestCase):
         self.assertEqual({host: after[host] for host in WORKING}, {host: before[host] for host in WORKING})
 
         # And then there is nothing left to do anywhere.
-        third = Play()
+        self.serve()
+        third = Play("-vvv")
+        self.stop()
         self.assertEqual(third.status, 0, third.text)
         self.assertEqual(sorted(third.recap), HOSTS)
         self.assertEqual(third.hosts_with("changed"), [])
         self.assertEqual(third.hosts_with("failed"), [])
         self.assertEqual(third.restarts, [])
+        self.assert_secret(foretold.text, first.text, second.text, third.text)
         self.assertEqual(states(), after)
 
 

@@ -22,6 +22,7 @@ from ansible.module_utils.quillet_tool import Tool
 
 QUILLETCTL, WORK = (os.path.abspath(argument) for argument in sys.argv[1:3])
 STATE = os.path.join(WORK, "machine.mof")
+ON_THE_MACHINE = [QUILLETCTL, "--state", STATE]
 NETWORK = role.module()
 GIGABIT = "Zorel Gigabit Server Adapter #2"
 FAST = "Zorel 10G Dual Port Server Adapter #5"
@@ -62,7 +63,7 @@ class OnAMachine(unittest.TestCase):
 class ModuleTest(OnAMachine):
     def module(self, check=False, **parameters):
         """What the module answers."""
-        parameters = {"command": [QUILLETCTL], "state_file": STATE, "_ansible_check_mode": check, **parameters}
+        parameters = {"command": ON_THE_MACHINE, "_ansible_check_mode": check, **parameters}
         basic._ANSIBLE_ARGS = json.dumps({"ANSIBLE_MODULE_ARGS": parameters}).encode()
         output = io.StringIO()
         with redirect_stdout(output), self.assertRaises(SystemExit):
@@ -153,7 +154,7 @@ class ModuleTest(OnAMachine):
         make_machine(2)
         liar = 'case "$*" in *"setting set"*) echo "{}";; *) exec "$0" "$@";; esac'
         parameters = {"adapters": [{"name": GIGABIT, "settings": {"*JumboPacket": 9014}}]}
-        answer = self.module(command=["sh", "-c", liar, QUILLETCTL], **parameters)
+        answer = self.module(command=["sh", "-c", liar, *ON_THE_MACHINE], **parameters)
         self.assertTrue(answer["failed"])
         self.assertEqual(
             answer["msg"],
@@ -161,8 +162,17 @@ class ModuleTest(OnAMachine):
             f"adapter {GIGABIT}, *JumboPacket is 1514",
         )
         self.assertEqual(len(answer["pending_changes"]), 1)
-        unverified = self.module(command=["sh", "-c", liar, QUILLETCTL], verify=False, **parameters)
+        unverified = self.module(command=["sh", "-c", liar, *ON_THE_MACHINE], verify=False, **parameters)
         self.assertNotIn("failed", unverified)
+
+    def test_the_way_to_the_machine(self):
+        """What the module takes for it is what quilletctl is told."""
+        answer = self.module(
+            command=["sh", "-c", 'echo "$*" >&2; exit 1', "quilletctl"],
+            machine="host", port=5987, auth="ntlm", credentials="/c", ca="/a.pem",
+        )
+        words = "--json --yes --machine=host --port=5987 --auth=ntlm --credentials=/c --ca=/a.pem adapter list"
+        self.assertEqual(answer["msg"], words)
 
     def test_a_program_that_is_not_there(self):
         answer = self.module(command=["/nowhere/quilletctl"])
@@ -206,7 +216,7 @@ class ConvergenceTest(OnAMachine):
     def test_descriptions_by_chance(self):
         make_machine(8, "instance of QuilletSimulator_Machine { Name = \"strict\"; Strict = TRUE; };\n")
         chance = random.Random(20)
-        tool = Tool(run, [QUILLETCTL], state=STATE)
+        tool = Tool(run, ON_THE_MACHINE)
         names = [adapter.name for adapter in tool.read_adapters()]
         made = 0
         for number in range(self.ROUNDS):
@@ -229,7 +239,7 @@ class ConvergenceTest(OnAMachine):
     def test_whatever_fails_the_next_run_goes_on_from_there(self):
         make_machine(8)
         chance = random.Random(7)
-        tool = Tool(run, [QUILLETCTL], state=STATE)
+        tool = Tool(run, ON_THE_MACHINE)
         names = [adapter.name for adapter in tool.read_adapters()]
         adapters, teams = self.description(chance, names)
         fresh = saved()
@@ -277,6 +287,7 @@ class DocumentsTest(unittest.TestCase):
         options = loaded("meta", "argument_specs.yml")["argument_specs"]["main"]["options"]
         defaults = loaded("defaults", "main.yml")
         self.assertEqual({name: option["default"] for name, option in options.items()}, defaults)
+        self.assertEqual(set(options), {"quillet_" + name for name in NETWORK.ARGUMENTS} | {"quillet_controller"})
         plain = self.options(options, "options")
         module = self.options(NETWORK.ARGUMENTS, "options")
         for name in ("adapters", "teams", "exclusive", "command", "verify"):

@@ -354,9 +354,9 @@ class Reading(unittest.TestCase):
         return Tool(run, ["wrap", "quilletctl"], **options)
 
     def test_where_quilletctl_is_pointed(self):
-        tool = self.tool((0, "{}", ""), machine="host", simulate="a.mof", state="b.mof")
+        tool = self.tool((0, "{}", ""), access={"machine": "host", "port": 5987, "auth": None, "ca": "ca.pem"})
         tool.ask(["vlan", "modify"], ["-x", "5"], ["--name=-y"])
-        words = "wrap quilletctl --json --yes --machine=host --simulate=a.mof --state=b.mof vlan modify --name=-y -- -x 5"
+        words = "wrap quilletctl --json --yes --machine=host --port=5987 --ca=ca.pem vlan modify --name=-y -- -x 5"
         self.assertEqual(" ".join(self.asked[0]), words)
 
     def test_no_more_than_a_description_needs(self):

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What docs/simulator.md shows of the program: its blocks are run in their order, in one folder, at a free port."""
+"""What docs/simulator.md and docs/remote.md show of the program: their blocks are run in order, in one folder, at a free port."""
 import difflib
 import socket
 import subprocess
@@ -18,16 +18,14 @@ class PageTest(served.ServingTest):
         super().setUp()
         for path in self.folder.iterdir():
             path.unlink()  # the page makes its own
-        self.document = documents.Document(served.SOURCE, served.SOURCE / "docs" / "simulator.md")
-        self.session = shell_session.ShellSession(served.SOURCE, self.folder, [str(served.SIMULATOR.parent)])
-        for name, text in documents.described_files(self.document).items():
-            self.write(name, text)
+        self.session = shell_session.ShellSession(
+            served.SOURCE, self.folder, [str(served.SIMULATOR.parent), str(served.QUILLETCTL.parent)])
         with socket.create_server(("127.0.0.1", 0)) as free, socket.create_server(("127.0.0.1", 0)) as other:
             self.ports = {"5985": str(free.getsockname()[1]), "5986": str(other.getsockname()[1])}
 
     def at_free_ports(self, text):
         for shown, port in self.ports.items():
-            text = text.replace(f":{shown}/", f":{port}/")
+            text = text.replace(f":{shown}/", f":{port}/").replace(f"--port {shown}", f"--port {port}")
         return text
 
     def serve(self, command):
@@ -45,9 +43,18 @@ class PageTest(served.ServingTest):
         self.assertTrue(shell_session.matches(expected, lines), "\n".join(
             difflib.unified_diff(expected, lines, f"line {command.line}", "as it is", lineterm="")))
 
-    def test_it_does_what_the_page_shows(self):
+    def test_the_page_of_the_simulator(self):
+        self.try_page("simulator.md")
+
+    def test_the_page_of_machines_over_the_network(self):
+        self.try_page("remote.md")
+
+    def try_page(self, page):
+        document = documents.Document(served.SOURCE, served.SOURCE / "docs" / page)
+        for name, text in documents.described_files(document).items():
+            self.write(name, text)
         tried = 0
-        for block in self.document.blocks:
+        for block in document.blocks:
             directive = documents.SERVED.match(block.directive)
             if not directive:
                 continue

@@ -4,10 +4,11 @@
 #include "LumText.h"
 
 #include <fstream>
-#include <iterator>
 #include <random>
+#include <sstream>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 
 namespace quillet::tests {
 
@@ -39,7 +40,10 @@ std::wstring TemporaryDirectory::Text() const {
 std::string ReadFile(const std::filesystem::path& file, std::uintmax_t offset) {
     std::ifstream stream(file, std::ios::binary);
     stream.seekg(static_cast<std::streamoff>(offset));
-    return {std::istreambuf_iterator<char>(stream), {}};
+    // By the block: thousands of runs read their trace, and a byte at a time takes a tenth of all their time.
+    std::ostringstream bytes;
+    bytes << stream.rdbuf();
+    return std::move(bytes).str();
 }
 
 } // namespace quillet::tests

@@ -18,12 +18,12 @@ namespace {
 constexpr long kLongestIdle =
     45; // seconds after which a connection is not used again: less than servers wait
 constexpr int kAttempts = 2;
+constexpr std::size_t kMostKept = std::size_t{64} << 20; // bytes of an answer whose runs are folded
 constexpr std::size_t kMostIdle = 8;
 
 constexpr HRESULT Code(long long value) noexcept {
     return static_cast<HRESULT>(static_cast<std::uint32_t>(value));
 }
-constexpr HRESULT kServerUnavailable = Code(0x800706BA);
 
 /// libcurl wants to be told once, before any thread uses it.
 void InitialiseOnce() {
@@ -104,18 +104,13 @@ struct HttpExchange::Callbacks {
         auto& self = *static_cast<HttpExchange*>(of);
         const std::size_t length = size * count;
         std::string& body = self.m_answer.body;
-        if (length > self.m_most - std::min(self.m_most, body.size())) {
+        self.m_received += length;
+        if (self.m_received > self.m_most || body.size() > kMostKept) {
             self.m_isTooLarge = true;
             return 0;
         }
         try {
-            if (body.empty()) { // memory that nothing comes for is never touched
-                curl_off_t whole = 0;
-                curl_easy_getinfo(self.m_line->easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &whole);
-                body.reserve(
-                    std::clamp<std::size_t>(whole > 0 ? std::size_t(whole) : 0, length, self.m_most));
-            }
-            body.append(bytes, length);
+            self.m_runs->Append({bytes, length}, body);
         } catch (const std::exception&) {
             self.m_isTooLarge = true;
             return 0;
@@ -131,8 +126,9 @@ HttpClient::HttpClient(const RemoteOptions& options, const std::string& host)
 
 HttpClient::~HttpClient() = default;
 
-std::unique_ptr<HttpExchange> HttpClient::Begin(std::string body, Repeatable repeatable, std::size_t most) {
-    return std::make_unique<HttpExchange>(*this, std::move(body), repeatable, most);
+std::unique_ptr<HttpExchange> HttpClient::Begin(std::string body, Repeatable repeatable, std::size_t most,
+                                                std::vector<std::string> byteArrays) {
+    return std::make_unique<HttpExchange>(*this, std::move(body), repeatable, most, std::move(byteArrays));
 }
 
 void HttpClient::Cancel() noexcept {
@@ -187,8 +183,8 @@ void HttpClient::SetUp(Line& line) const {
     set(CURLOPT_TCP_NODELAY, 1L);
     set(CURLOPT_CONNECTTIMEOUT_MS, long(m_options.connectTimeout.count()));
     // The machine's own limit comes first, and says more.
-    constexpr std::chrono::seconds kNetwork{5};
-    set(CURLOPT_TIMEOUT_MS, long((m_options.timeout + kNetwork).count()));
+    constexpr std::chrono::milliseconds kNetwork{5'000};
+    set(CURLOPT_TIMEOUT_MS, long((m_options.timeout + std::min(kNetwork, m_options.timeout)).count()));
 
     set(CURLOPT_SSLVERSION, long(CURL_SSLVERSION_TLSv1_2));
     set(CURLOPT_SSL_VERIFYPEER, m_options.isUnverified ? 0L : 1L);
@@ -233,7 +229,7 @@ void HttpClient::SetUp(Line& line) const {
     set(CURLOPT_WRITEFUNCTION, &HttpExchange::Callbacks::Write);
 }
 
-RemoteError HttpClient::ErrorOf(int code, const char* detail, bool hasAnswer) const {
+RemoteError HttpClient::ErrorOf(int code, const char* detail, bool isSent, bool hasAnswer) const {
     const std::string cause = *detail != '\0' ? detail : curl_easy_strerror(static_cast<CURLcode>(code));
     const auto error = [&](HRESULT result, const std::string& what) {
         return RemoteError(result, m_host + ": " + what + ": " + cause + " (" + m_url + ")");
@@ -245,9 +241,10 @@ RemoteError HttpClient::ErrorOf(int code, const char* detail, bool hasAnswer) co
     case CURLE_COULDNT_CONNECT:
         return error(kServerUnavailable, "nobody answers at this port");
     case CURLE_OPERATION_TIMEDOUT:
-        return error(HRESULT(WBEM_E_TIMED_OUT),
-                     hasAnswer ? "the answer did not come to its end in time"
-                               : "no answer came in time; whether it was done is not known");
+        return !isSent ? error(kServerUnavailable, "no connection came about in time")
+                       : error(Code(WBEM_E_TIMED_OUT),
+                               hasAnswer ? "the answer did not come to its end in time"
+                                         : "no answer came in time; whether it was done is not known");
     case CURLE_PEER_FAILED_VERIFICATION:
     case CURLE_SSL_ISSUER_ERROR:
     case CURLE_SSL_CERTPROBLEM:
@@ -268,8 +265,10 @@ RemoteError HttpClient::ErrorOf(int code, const char* detail, bool hasAnswer) co
     }
 }
 
-HttpExchange::HttpExchange(HttpClient& server, std::string body, Repeatable repeatable, std::size_t most)
-    : m_server(server), m_body(std::move(body)), m_repeatable(repeatable), m_most(most) {
+HttpExchange::HttpExchange(HttpClient& server, std::string body, Repeatable repeatable, std::size_t most,
+                           std::vector<std::string> byteArrays)
+    : m_server(server), m_body(std::move(body)), m_repeatable(repeatable), m_most(most),
+      m_byteArrays(std::move(byteArrays)) {
     Start();
 }
 
@@ -282,6 +281,8 @@ void HttpExchange::Start() {
     m_sent = 0;
     m_hasAnswer = false;
     m_answer = {};
+    m_received = 0;
+    m_runs.emplace(m_byteArrays);
     m_line = m_server.TakeLine();
     CURL* const easy = m_line->easy;
     m_line->detail[0] = '\0';
@@ -340,6 +341,7 @@ bool HttpExchange::Wait(LONG timeout) {
         if (IsDone(code)) {
             const std::string detail = m_line->detail;
             if (code == CURLE_OK) {
+                m_runs->Finish(m_answer.body);
                 const char* type = nullptr;
                 curl_easy_getinfo(m_line->easy, CURLINFO_RESPONSE_CODE, &m_answer.status);
                 curl_easy_getinfo(m_line->easy, CURLINFO_CONTENT_TYPE, &type);
@@ -357,7 +359,7 @@ bool HttpExchange::Wait(LONG timeout) {
             const bool isBroken = code == CURLE_GOT_NOTHING || code == CURLE_RECV_ERROR ||
                                   code == CURLE_SEND_ERROR || code == CURLE_PARTIAL_FILE;
             if (!isBroken || m_repeatable == Repeatable::No || m_attempts == kAttempts) {
-                throw m_server.ErrorOf(code, detail.c_str(), m_hasAnswer);
+                throw m_server.ErrorOf(code, detail.c_str(), m_sent != 0, m_hasAnswer);
             }
             Start();
             continue;

@@ -1,6 +1,8 @@
 // The way to one server over HTTP: connections that are kept, TLS, authentication, limits of time and size.
 #pragma once
 
+#include "soap/ByteRuns.h"
+
 #include <quillet-wsman/Remote.h>
 
 #include <windows.h>
@@ -9,11 +11,15 @@
 #include <chrono>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace quillet::wsman {
+
+/// RPC_S_SERVER_UNAVAILABLE as an HRESULT: nobody is there.
+constexpr HRESULT kServerUnavailable = static_cast<HRESULT>(0x800706BAU);
 
 /// A request that failed: the code that WMI would have given, and what happened.
 class RemoteError : public std::runtime_error {
@@ -49,8 +55,10 @@ class HttpClient {
 
     const std::string& Url() const noexcept { return m_url; }
 
-    /// Begins a request. @param most bytes of the answer
-    std::unique_ptr<HttpExchange> Begin(std::string body, Repeatable repeatable, std::size_t most);
+    /// Begins a request. @param most bytes of the answer @param byteArrays names of the arrays of bytes that
+    /// it may have
+    std::unique_ptr<HttpExchange> Begin(std::string body, Repeatable repeatable, std::size_t most,
+                                        std::vector<std::string> byteArrays = {});
     /// See Remote::Cancel.
     void Cancel() noexcept;
 
@@ -62,8 +70,9 @@ class HttpClient {
     std::unique_ptr<Line> TakeLine();
     void GiveBack(std::unique_ptr<Line> line);
     void SetUp(Line& line) const;
-    /// What a code of libcurl means. @param hasAnswer whether an answer had begun
-    RemoteError ErrorOf(int code, const char* detail, bool hasAnswer) const;
+    /// What a code of libcurl means. @param isSent whether the sending had begun @param hasAnswer whether an
+    /// answer had
+    RemoteError ErrorOf(int code, const char* detail, bool isSent, bool hasAnswer) const;
 
     const RemoteOptions m_options;
     const std::string m_host;
@@ -76,7 +85,8 @@ class HttpClient {
 
 class HttpExchange {
   public:
-    HttpExchange(HttpClient& server, std::string body, Repeatable repeatable, std::size_t most);
+    HttpExchange(HttpClient& server, std::string body, Repeatable repeatable, std::size_t most,
+                 std::vector<std::string> byteArrays);
     /// A request that still runs is broken off.
     ~HttpExchange();
     HttpExchange(const HttpExchange&) = delete;
@@ -102,6 +112,9 @@ class HttpExchange {
     const std::string m_body;
     const Repeatable m_repeatable;
     const std::size_t m_most;
+    const std::vector<std::string> m_byteArrays;
+    std::optional<ByteRuns> m_runs; ///< in the answer
+    std::size_t m_received = 0;
     std::size_t m_sent = 0;
     bool m_hasAnswer = false; ///< since the request was sent last
     bool m_isTooLarge = false;

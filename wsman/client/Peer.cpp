@@ -81,6 +81,10 @@ void Peer::Fail(HRESULT code, const std::string& what) const {
     throw RemoteError(code, m_host + ": " + what + " (" + Url() + ")");
 }
 
+void Peer::Unreadable(const std::string& why) const {
+    Fail(HRESULT(WBEM_E_TRANSPORT_FAILURE), "the answer cannot be read: " + why);
+}
+
 void Peer::CheckStatus(const HttpAnswer& answer) const {
     const std::string number = "HTTP status " + std::to_string(answer.status);
     switch (answer.status) {
@@ -124,6 +128,9 @@ RequestHead Peer::HeadOf(const Message& message, UriForm form) const {
     if (message.endpoint.resource == kClassesAsXml) {
         head.transportOptions = {"IncludeQualifiers", "IncludeInheritedElements", "IncludeClassOrigin",
                                  "IncludeInheritanceHierarchy"};
+        if (message.action == kEnumerate) {
+            head.transportOptions.emplace_back(kIncludeSubClasses);
+        }
     } else {
         head.transportOptions = {std::string(kPreciseArrays)};
     }
@@ -144,9 +151,9 @@ std::unique_ptr<Answer> Peer::Read(HttpAnswer answer, const RequestHead& head) c
             fault = ReadFault(element);
         }
     } catch (const XmlError& error) {
-        Fail(HRESULT(WBEM_E_TRANSPORT_FAILURE), std::string("the answer cannot be read: ") + error.what());
+        Unreadable(error.what());
     } catch (const MessageError& error) {
-        Fail(HRESULT(WBEM_E_TRANSPORT_FAILURE), std::string("the answer cannot be read: ") + error.what());
+        Unreadable(error.what());
     }
     if (!fault) {
         if (answer.status != 200) {
@@ -171,6 +178,32 @@ void Peer::Identify() {
     }
     // "OS: 10.0.20348 SP: 0.0 Stack: 3.0"
     m_tellsNulls = identity.Child("ProductVersion").Word().find("Stack:") != std::string::npos;
+}
+
+std::wstring Peer::OwnName() {
+    if (!m_options.serverName.empty()) {
+        return m_options.serverName;
+    }
+    const std::lock_guard lock(m_nameMutex);
+    if (!m_name) {
+        Message message;
+        message.action = std::string(kGet);
+        message.endpoint.resource = std::string(kOperatingSystem);
+        message.repeatable = Repeatable::Yes;
+        message.isOneForm = true;
+        try {
+            const auto answer = Ask(message);
+            m_name = answer->Body().First().Child("CSName").Text();
+        } catch (const FaultError&) {
+            m_name.emplace(); // no Windows, or no right to ask
+        } catch (const XmlError& error) {
+            Unreadable(error.what());
+        }
+        if (!wmi::ObjectPath::Parse(L"\\\\" + *m_name + L"\\ROOT:C")) {
+            m_name.emplace();
+        }
+    }
+    return *m_name;
 }
 
 std::unique_ptr<Answer> Peer::Ask(const Message& message) {
@@ -242,7 +275,7 @@ wmi::ClassPtr Peer::FetchClass(const std::wstring& namespaceName, std::wstring_v
         const Element element = answer->Body().First();
         return std::make_shared<wmi::ClassDefinition>(ReadClass(element));
     } catch (const MessageError& error) {
-        Fail(HRESULT(WBEM_E_TRANSPORT_FAILURE), std::string("the class cannot be read: ") + error.what());
+        Unreadable(error.what());
     } catch (const FaultError& error) {
         if (CannotTell(error.What())) {
             m_tellsClasses = false;
@@ -258,7 +291,8 @@ wmi::ClassPtr Peer::FetchClass(const std::wstring& namespaceName, std::wstring_v
 
 Call::Call(Peer& peer, const Message& message)
     : m_peer(peer), m_message(message), m_form(peer.m_form),
-      m_mayChangeForm(!peer.m_isFormKnown && message.endpoint.resource.starts_with(kWmiClasses)) {
+      m_mayChangeForm(!peer.m_isFormKnown && !message.isOneForm &&
+                      message.endpoint.resource.starts_with(kWmiClasses)) {
     Send();
 }
 
@@ -266,7 +300,7 @@ void Call::Send() {
     m_head = m_peer.HeadOf(m_message, m_form);
     const std::string body = m_message.bodyOf ? m_message.bodyOf(m_head.endpoint.resource) : m_message.body;
     m_exchange = m_peer.m_http.Begin(WriteRequest(m_head, body), m_message.repeatable,
-                                     m_head.maxEnvelope + kLeastEnvelope);
+                                     m_head.maxEnvelope + kLeastEnvelope, m_message.byteArrays);
 }
 
 bool Call::Wait(LONG timeout) {

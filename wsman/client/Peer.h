@@ -38,16 +38,18 @@ Endpoint ClassEndpoint(const std::wstring& namespaceName, std::wstring_view clas
 
 /// A request without what all requests have alike.
 struct Message {
-    std::string action;    ///< for a method: the name alone
-    bool isMethod = false; ///< whose action begins with its resource
-    Endpoint endpoint{};   ///< in Wmi form
-    std::string body{};    ///< for a method and an instance: see `bodyOf`
+    std::string action;     ///< for a method: the name alone
+    bool isMethod = false;  ///< whose action begins with its resource
+    bool isOneForm = false; ///< its resource has one form only
+    Endpoint endpoint{};    ///< in Wmi form
+    std::string body{};     ///< for a method and an instance: see `bodyOf`
     /// Makes the body for the URI of the class, where it has to repeat that.
     std::function<std::string(const std::string& resource)> bodyOf{};
     const wmi::CallContext* context = nullptr;
     std::vector<wmi::NamedValue> options{}; ///< besides those of the context
     Repeatable repeatable = Repeatable::No;
-    std::size_t mostAnswer = 0; ///< bytes; 0: as many as there may be
+    std::size_t mostAnswer = 0;            ///< bytes; 0: as many as there may be
+    std::vector<std::string> byteArrays{}; ///< names of those that the answer may have
 };
 
 /// An answer, read.
@@ -75,8 +77,16 @@ class Peer {
     const std::string& Url() const noexcept { return m_http.Url(); }
     void Cancel() noexcept { m_http.Cancel(); }
 
+    /// Throws RemoteError, with the machine and its URL in the text.
+    [[noreturn]] void Fail(HRESULT code, const std::string& what) const;
+    /// The same for an answer that cannot be read.
+    [[noreturn]] void Unreadable(const std::string& why) const;
+
     /// Asks who is there. Throws RemoteError where nobody is who speaks WS-Management.
     void Identify();
+    /// The name that the machine has itself, which is part of the object paths that its provider compares. It
+    /// is asked for once; nothing for a machine that does not tell it. Throws RemoteError.
+    std::wstring OwnName();
     /// Sends a message and waits for its answer. Throws RemoteError.
     std::unique_ptr<Answer> Ask(const Message& message);
     /// Sends a message.
@@ -97,7 +107,6 @@ class Peer {
     RequestHead HeadOf(const Message& message, UriForm form) const;
     /// Reads an answer. Throws RemoteError; FaultError for one that is a fault.
     std::unique_ptr<Answer> Read(HttpAnswer answer, const RequestHead& head) const;
-    [[noreturn]] void Fail(HRESULT code, const std::string& what) const;
     void CheckStatus(const HttpAnswer& answer) const;
     wmi::ClassPtr FetchClass(const std::wstring& namespaceName, std::wstring_view name,
                              const wmi::CallContext& context);
@@ -110,6 +119,9 @@ class Peer {
     std::atomic<bool> m_tellsClasses{true};
     /// It tells what is null: an array that it does not tell is empty. Windows does, other servers do not.
     std::atomic<bool> m_tellsNulls{false};
+
+    std::mutex m_nameMutex;
+    std::optional<std::wstring> m_name; ///< see OwnName
 
     using ClassKey = std::tuple<std::wstring, std::wstring, LCID>; ///< namespace and name, folded
     std::mutex m_classesMutex;

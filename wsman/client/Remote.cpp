@@ -21,8 +21,6 @@ namespace {
 
 thread_local std::string g_lastFailure;
 
-constexpr HRESULT kServerUnavailable = static_cast<HRESULT>(0x800706BAU);
-
 /// Whether a name can stand in a URL as the name of a machine and as nothing else.
 bool IsHost(std::string_view host) {
     constexpr std::size_t kLongest = 255;
@@ -83,7 +81,8 @@ class RemoteHost final : public wmi::Host {
             const std::string host = HostOf(place.server);
             const std::shared_ptr<Peer> peer = PeerOf(host, arguments);
             peer->Identify();
-            std::wstring serverName = m_options.serverName.empty() ? Wide(host) : m_options.serverName;
+            std::wstring serverName = peer->OwnName();
+            serverName = serverName.empty() ? Wide(host) : serverName;
             connection = std::make_shared<RemoteConnection>(peer, std::move(serverName),
                                                             std::move(place.namespaceName));
         });

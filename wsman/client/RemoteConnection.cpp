@@ -2,6 +2,7 @@
 #include "client/RemoteConnection.h"
 
 #include "client/Failures.h"
+#include "client/Parameters.h"
 #include "client/RemoteStream.h"
 #include "soap/Names.h"
 
@@ -24,6 +25,8 @@ std::wstring ThisComputer() {
     return GetComputerNameW(name.data(), &length) != FALSE ? std::wstring(name.data(), length)
                                                            : std::wstring();
 }
+
+const std::wstring kAnyServer = L".";
 
 std::wstring_view FirstLabel(std::wstring_view name) {
     return name.substr(0, name.find(L'.'));
@@ -77,30 +80,14 @@ void TakeKeys(wmi::Instance& instance, const wmi::ObjectPath& path) {
     }
 }
 
-void WriteNamed(XmlWriter& xml, const wmi::Instance& from, std::size_t index, const Namespace& space) {
-    WriteValue(xml, "p", from.definition->properties[index], from.values[index], space, DateTimeForm::Cim);
-}
-
-/// The in-parameters: those that the client put, in its order, then what else has a value.
-std::string InputBody(const std::string& method, const std::string& resource, const wmi::Filled* in,
-                      const Namespace& space) {
-    XmlWriter xml;
-    xml.Open("p:" + method + "_INPUT").Declare("p", resource);
-    if (in != nullptr && in->values.definition != nullptr) {
-        std::set<std::size_t> written;
-        for (const wmi::NamedValue& put : in->puts) {
-            const auto index = in->values.definition->PropertyIndex(put.name);
-            if (index && written.insert(*index).second) {
-                WriteNamed(xml, in->values, *index, space);
-            }
-        }
-        for (std::size_t i = 0; i < in->values.values.size(); ++i) {
-            if (written.count(i) == 0 && !in->values.values[i].IsNull()) {
-                WriteNamed(xml, in->values, i, space);
-            }
+std::vector<std::string> ByteArraysOf(const std::vector<wmi::Property>& properties) {
+    std::vector<std::string> names;
+    for (const wmi::Property& property : properties) {
+        if (property.type == (CIM_UINT8 | CIM_FLAG_ARRAY)) {
+            names.push_back(wmi::ToUtf8(property.name));
         }
     }
-    return xml.Close().Take();
+    return names;
 }
 
 bool PutsAKey(const wmi::Filled& instance) {
@@ -132,15 +119,21 @@ wmi::Outcome Guarded(const std::function<void()>& request) {
     } catch (const RemoteError& error) {
         RememberFailure(error.what());
         return error.Code();
-    } catch (const MessageError& error) {
-        RememberFailure(std::string("the answer cannot be read: ") + error.what());
-        return HRESULT(WBEM_E_TRANSPORT_FAILURE);
-    } catch (const XmlError& error) {
-        RememberFailure(std::string("the answer cannot be read: ") + error.what());
-        return HRESULT(WBEM_E_TRANSPORT_FAILURE);
     } catch (const std::bad_alloc&) {
         return HRESULT(WBEM_E_OUT_OF_MEMORY);
     }
+}
+
+wmi::Outcome RemoteConnection::Ask(const std::function<void()>& request) const {
+    return Guarded([&] {
+        try {
+            request();
+        } catch (const MessageError& error) {
+            m_peer->Unreadable(error.what());
+        } catch (const XmlError& error) {
+            m_peer->Unreadable(error.what());
+        }
+    });
 }
 
 RemoteConnection::RemoteConnection(std::shared_ptr<Peer> peer, std::wstring serverName,
@@ -219,7 +212,7 @@ wmi::Outcome RemoteConnection::GetObject(const wmi::CallContext& context, std::w
     if (path.empty()) {
         return HRESULT(WBEM_E_NOT_SUPPORTED); // an empty class to fill: the schema is not the client's
     }
-    return Guarded([&] {
+    return Ask([&] {
         Message message;
         message.action = std::string(kGet);
         message.endpoint = Target(context, path);
@@ -235,6 +228,9 @@ wmi::Outcome RemoteConnection::GetObject(const wmi::CallContext& context, std::w
         }
         message.context = &context;
         message.repeatable = Repeatable::Yes;
+        if (const wmi::ClassPtr definition = ClassOf(context, parsed->className)) {
+            message.byteArrays = ByteArraysOf(definition->properties);
+        }
         const auto answer = m_peer->Ask(message);
         const Element element = answer->Body().First();
         if (!element) {
@@ -252,7 +248,7 @@ wmi::Outcome RemoteConnection::Instances(const wmi::CallContext& context, std::w
     if (!wmi::IsIdentifier(className)) {
         return HRESULT(WBEM_E_INVALID_CLASS);
     }
-    return Guarded([&] {
+    return Ask([&] {
         Asked asked;
         asked.endpoint.resource = ClassUri(m_namespaceName, className);
         asked.only = depth == wmi::Depth::Shallow ? std::wstring(className) : std::wstring();
@@ -262,7 +258,7 @@ wmi::Outcome RemoteConnection::Instances(const wmi::CallContext& context, std::w
 
 wmi::Outcome RemoteConnection::Classes(const wmi::CallContext& context, std::wstring_view superclass,
                                        wmi::Depth depth, std::unique_ptr<wmi::ObjectStream>& found) {
-    return Guarded([&] {
+    return Ask([&] {
         Asked asked;
         asked.endpoint = ClassEndpoint(m_namespaceName, superclass);
         asked.superclass = superclass;
@@ -274,26 +270,26 @@ wmi::Outcome RemoteConnection::Classes(const wmi::CallContext& context, std::wst
 
 wmi::Outcome RemoteConnection::Query(const wmi::CallContext& context, std::wstring_view wql,
                                      std::unique_ptr<wmi::ObjectStream>& found) {
-    return Guarded([&] {
+    return Ask([&] {
         Asked asked;
         asked.endpoint.resource = ClassUri(m_namespaceName, L"*");
-        asked.query = Unaddressed(wql);
+        asked.query = Readdressed(wql);
         asked.parsed = wmi::ParseWql(wql);
         found = std::make_unique<RemoteStream>(*this, context, std::move(asked));
     });
 }
 
-std::wstring RemoteConnection::Unaddressed(std::wstring_view wql) const {
-    if (!m_peer->Options().serverName.empty()) {
-        return std::wstring(wql); // paths are made with the name that the machine has itself
-    }
+std::wstring RemoteConnection::Readdressed(std::wstring_view wql) const {
     std::wstring text(wql);
-    const std::wstring names[] = {m_serverName, ThisComputer()};
-    for (const std::wstring& name : names) {
-        for (std::size_t i = 0; !name.empty() && i + name.size() < text.size(); ++i) {
-            if (text[i + name.size()] == L'\\' && BeginsPath(text, i) &&
-                wmi::SameName(std::wstring_view(text).substr(i, name.size()), name)) {
-                text.replace(i, name.size(), L".");
+    const std::wstring own = m_peer->OwnName();
+    // A machine that does not tell its name may know itself by any.
+    const std::wstring& name = own.empty() ? kAnyServer : own;
+    const std::wstring others[] = {own.empty() ? m_serverName : std::wstring(), ThisComputer()};
+    for (const std::wstring& other : others) {
+        for (std::size_t i = 0; !other.empty() && i + other.size() < text.size(); ++i) {
+            if (text[i + other.size()] == L'\\' && BeginsPath(text, i) &&
+                wmi::SameName(std::wstring_view(text).substr(i, other.size()), other)) {
+                text.replace(i, other.size(), name);
             }
         }
     }
@@ -306,26 +302,35 @@ wmi::Outcome RemoteConnection::ExecMethod(const wmi::CallContext& context, std::
     if (!wmi::IsIdentifier(method)) {
         return HRESULT(WBEM_E_INVALID_METHOD);
     }
-    return Guarded([&] {
+    return Ask([&] {
         const Namespace space = SpaceOf(context);
         Message message;
         message.endpoint = Target(context, path);
         message.isMethod = true;
         message.action = wmi::ToUtf8(method);
         message.context = &context;
+        const std::wstring own = m_peer->OwnName();
+        const PathTexts sent(m_namespaceName, own.empty() ? kAnyServer : own, [&](std::wstring_view server) {
+            return !wmi::SameName(server, own) && IsThisMachine(server);
+        });
         message.bodyOf = [&](const std::string& resource) {
-            return InputBody(message.action, resource, in, space);
+            return InputBody(message.action, resource, in, space, sent);
         };
-        const auto answer = m_peer->Ask(message);
-        const Element output = answer->Body().First();
         const wmi::ClassPtr definition = ClassOf(context, ResourceOf(message.endpoint).className);
         const wmi::Method* known = definition != nullptr ? definition->FindMethod(method) : nullptr;
+        if (known != nullptr) {
+            message.byteArrays = ByteArraysOf(known->out);
+        }
+        const auto answer = m_peer->Ask(message);
+        const Element output = answer->Body().First();
         const wmi::ClassPtr signature = known != nullptr ? wmi::OutSignature(*known)
                                         : output         ? Inferred(output)
                                                          : nullptr;
         // A machine that hands out no object has no parameter to tell, not even one that is null.
         if (signature != nullptr && output.HasChildren()) {
-            out = std::make_shared<wmi::Instance>(m_peer->Read(signature, output, space));
+            auto told = std::make_shared<wmi::Instance>(m_peer->Read(signature, output, space));
+            PathTexts(m_namespaceName, m_serverName, [&](auto) { return own.empty(); }).Change(*told);
+            out = std::move(told);
         }
     });
 }
@@ -365,7 +370,7 @@ wmi::Outcome RemoteConnection::PutInstance(const wmi::CallContext& context, cons
     if (mode == wmi::WriteMode::UpdateOnly && !hasAddress) {
         return HRESULT(WBEM_E_INVALID_OBJECT);
     }
-    return Guarded([&] {
+    return Ask([&] {
         if (mode != wmi::WriteMode::CreateOrUpdate || !hasAddress) {
             Write(context, instance, mode == wmi::WriteMode::UpdateOnly ? kPut : kCreate);
             return;
@@ -385,7 +390,7 @@ wmi::Outcome RemoteConnection::PutInstance(const wmi::CallContext& context, cons
 }
 
 wmi::Outcome RemoteConnection::DeleteInstance(const wmi::CallContext& context, std::wstring_view path) {
-    return Guarded([&] {
+    return Ask([&] {
         Message message;
         message.action = std::string(kDelete);
         message.endpoint = Target(context, path);

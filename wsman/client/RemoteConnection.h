@@ -34,6 +34,8 @@ class RemoteConnection final : public wmi::Connection {
     wmi::Outcome DeleteInstance(const wmi::CallContext& context, std::wstring_view path) override;
 
     Peer& Machine() const noexcept { return *m_peer; }
+    /// Runs a request to the machine as Guarded does; what it answers may turn out not to be readable.
+    wmi::Outcome Ask(const std::function<void()>& request) const;
     /// What paths and endpoints are made with. @param context whose language classes are told in
     Namespace SpaceOf(const wmi::CallContext& context) const;
     /// An object as an answer has it, and the reference to it where there is one: it has the keys that the
@@ -50,8 +52,8 @@ class RemoteConnection final : public wmi::Connection {
     bool IsThisMachine(std::wstring_view server) const;
     wmi::ClassPtr ClassOf(const wmi::CallContext& context, std::wstring_view name) const;
     void Write(const wmi::CallContext& context, const wmi::Filled& instance, std::string_view action) const;
-    /// A query without the names of this machine that it may not know itself by.
-    std::wstring Unaddressed(std::wstring_view wql) const;
+    /// A query whose paths have the name that the machine knows itself by.
+    std::wstring Readdressed(std::wstring_view wql) const;
 
     const std::shared_ptr<Peer> m_peer;
     const std::wstring m_serverName;

@@ -91,9 +91,8 @@ void RemoteStream::BeginPull() {
 
 bool RemoteStream::Pull(LONG timeout) {
     if (m_emptyPages >= kMostEmptyPages) {
-        throw RemoteError(HRESULT(WBEM_E_TRANSPORT_FAILURE),
-                          m_connection.Machine().Host() + ": the enumeration does not come to an end (" +
-                              m_connection.Machine().Url() + ")");
+        m_connection.Machine().Fail(HRESULT(WBEM_E_TRANSPORT_FAILURE),
+                                    "the enumeration does not come to an end");
     }
     if (m_pull == nullptr) {
         BeginPull();
@@ -172,7 +171,7 @@ HRESULT RemoteStream::Next(LONG timeout, std::span<wmi::Object> objects, ULONG& 
     }
     const Clock::time_point begin = Clock::now();
     bool isLate = false;
-    const wmi::Outcome outcome = Guarded([&] {
+    const wmi::Outcome outcome = m_connection.Ask([&] {
         while (returned < objects.size() && !isLate) {
             if (m_item) {
                 const Element item = m_item;
@@ -208,7 +207,7 @@ HRESULT RemoteStream::Reset() {
     Release();
     m_failure = S_OK;
     m_emptyPages = 0;
-    return Guarded([this] { Begin(); }).status;
+    return m_connection.Ask([this] { Begin(); }).status;
 }
 
 void RemoteStream::Release() noexcept {

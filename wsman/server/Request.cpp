@@ -90,7 +90,15 @@ wmi::ObjectPath Request::InstancePath() const {
     return path;
 }
 
+void Request::CheckNamespace() const {
+    const std::wstring name = ResourceOf(m_head.endpoint).namespaceName;
+    if (!name.empty() && !wmi::SameName(name, m_space.name)) {
+        Fail(HRESULT(WBEM_E_INVALID_NAMESPACE));
+    }
+}
+
 std::string Request::GetClass() {
+    CheckNamespace();
     const Selector* name = m_head.endpoint.Find("ClassName");
     if (name == nullptr) {
         Fail("w:InvalidSelectors", "The name of a class is needed.", "InsufficientSelectors");
@@ -105,7 +113,16 @@ std::string Request::GetClass() {
     return xml.Take();
 }
 
+std::string Request::Name() const {
+    XmlWriter xml;
+    xml.Open("p:Win32_OperatingSystem").Declare("p", kOperatingSystem);
+    return xml.Leaf("p:CSName", wmi::ToUtf8(m_space.server)).Close().Take();
+}
+
 std::string Request::Get() {
+    if (wmi::SameName(Wide(m_head.endpoint.resource), Wide(kOperatingSystem))) {
+        return Name();
+    }
     wmi::Object found;
     Succeed(m_connection.GetObject(m_context, InstancePath().Text(), found));
     XmlWriter xml;

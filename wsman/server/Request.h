@@ -27,12 +27,16 @@ class Request {
   private:
     static void Succeed(const wmi::Outcome& outcome);
     wmi::ObjectPath Path() const;
+    /// Of a request for classes, whose resource names none.
+    void CheckNamespace() const;
     /// The path of an instance: a class without keys is asked for its only one.
     wmi::ObjectPath InstancePath() const;
     wmi::ClassPtr ClassOfRequest() const;
 
     std::string GetClass();
     std::string Get();
+    /// Of another namespace the one thing that clients need: the machine's name for itself.
+    std::string Name() const;
     std::string Put();
     std::string Create();
     std::string Invoke();
@@ -46,6 +50,8 @@ class Request {
     std::string Pull();
     void Release();
     void Query(const Element& filter, Enumeration& begun);
+    /// A class and, where they are asked for, those below it; without a name all classes.
+    std::unique_ptr<wmi::ObjectStream> Classes();
     std::unique_ptr<Enumeration> TakeEnumeration(const Element& asked);
     /// An enumeration that is not at its end goes on under a new identifier.
     void WriteContext(XmlWriter& xml, Enumeration enumeration, bool isEnd);

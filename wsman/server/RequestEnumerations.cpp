@@ -47,7 +47,9 @@ std::string Request::Enumerate() {
     begun.connection = m_service.m_connection;
     begun.resource = m_head.endpoint.resource;
     begun.form = FormOf(asked.Child("EnumerationMode").Word());
-    if (filter) {
+    if (m_head.endpoint.resource == kClassesAsXml) {
+        begun.objects = Classes();
+    } else if (filter) {
         Query(filter, begun);
     } else {
         const std::wstring name = ResourceOf(m_head.endpoint).className;
@@ -72,6 +74,30 @@ std::string Request::Enumerate() {
         xml.Open("w:EndOfSequence").Close();
     }
     return xml.Close().Take();
+}
+
+std::unique_ptr<wmi::ObjectStream> Request::Classes() {
+    CheckNamespace();
+    const Selector* name = m_head.endpoint.Find("ClassName");
+    const auto& asked = m_head.transportOptions;
+    std::unique_ptr<wmi::ObjectStream> below;
+    if (name == nullptr || std::find(asked.begin(), asked.end(), kIncludeSubClasses) != asked.end()) {
+        Succeed(m_connection.Classes(m_context, name != nullptr ? std::wstring_view(name->value) : L"",
+                                     wmi::Depth::Deep, below));
+    }
+    std::vector<wmi::Object> classes;
+    if (name != nullptr) {
+        wmi::Object& itself = classes.emplace_back();
+        Succeed(m_connection.GetObject(m_context, name->value, itself));
+    }
+    for (ULONG returned = 1; below != nullptr && returned == 1;) {
+        wmi::Object next;
+        Succeed(below->Next(LONG(WBEM_INFINITE), {&next, 1}, returned));
+        if (returned == 1) {
+            classes.push_back(std::move(next));
+        }
+    }
+    return wmi::MakeStream(std::move(classes));
 }
 
 void Request::Query(const Element& filter, Enumeration& begun) {

@@ -43,12 +43,18 @@ inline constexpr std::string_view kEnumerate = "http://schemas.xmlsoap.org/ws/20
 inline constexpr std::string_view kPull = "http://schemas.xmlsoap.org/ws/2004/09/enumeration/Pull";
 inline constexpr std::string_view kRelease = "http://schemas.xmlsoap.org/ws/2004/09/enumeration/Release";
 
+/// What every Windows has one instance of: "CSName" is the computer's own name.
+inline constexpr std::string_view kOperatingSystem =
+    "http://schemas.microsoft.com/wbem/wsman/1/wmi/root/cimv2/Win32_OperatingSystem";
+
 /// The language of queries.
 inline constexpr std::string_view kWqlDialect = "http://schemas.microsoft.com/wbem/wsman/1/WQL";
 
 /// The selector that names the namespace beside a resource URI without one.
 inline constexpr std::string_view kNamespaceSelector = "__cimnamespace";
 
+/// The option by which a client asks for what is below a class, too.
+inline constexpr std::string_view kIncludeSubClasses = "IncludeSubClasses";
 /// The option by which a client asks for null arrays to be marked.
 inline constexpr std::string_view kPreciseArrays = "msftwinrm:UsePreciseArrays";
 /// The option by which a client names the properties that it changed, one each.

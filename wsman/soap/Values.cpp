@@ -1,6 +1,7 @@
 // Values in elements.
 #include "soap/Values.h"
 
+#include "soap/ByteRuns.h"
 #include "soap/DateTimes.h"
 #include "soap/Names.h"
 #include "soap/Scalars.h"
@@ -145,6 +146,12 @@ std::optional<wmi::Value> ReadBytes(std::span<const Element> elements) {
     wmi::Value::Bytes bytes;
     bytes.reserve(elements.size());
     for (const Element& element : elements) {
+        if (const std::optional<std::string> run = element.Attribute(kRunAttribute)) {
+            if (!DecodeRun(*run, bytes)) {
+                return std::nullopt;
+            }
+            continue;
+        }
         const auto number = element.IsNil() ? std::nullopt : WholeNumber<std::uint8_t>(element.Word());
         if (!number) {
             return std::nullopt;

@@ -14,7 +14,7 @@ namespace quillet::wsman {
 namespace {
 
 constexpr std::size_t kDeepest = 64;
-constexpr std::size_t kMostNodes = 20'000'000; // an image of flash memory has an element for each byte
+constexpr std::size_t kMostNodes = 2'000'000;
 constexpr std::size_t kMostAttributes = 64;
 
 std::string_view LocalPart(std::string_view qualified) {

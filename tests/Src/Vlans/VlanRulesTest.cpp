@@ -10,21 +10,12 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <memory>
 #include <set>
 
 namespace {
 
 using Numbers = std::vector<LONG>;
-
-/// One question: what a parent has, what is wanted, and how.
-struct Question {
-    enum Kind { Tagged, Untagged, Several };
-    Kind kind = Tagged;
-    std::vector<CVLAN> has;
-    std::vector<CVLAN> wanted;
-    bool isModify = false;
-    bool isTeam = false;
-};
 
 /// Capital letters of what the generated names are made of.
 std::wstring Capitals(std::wstring text) {
@@ -38,6 +29,34 @@ std::wstring Capitals(std::wstring text) {
     return text;
 }
 
+/// What a parent's VLANs take, counted once for all questions about it.
+struct Taken {
+    explicit Taken(const std::vector<CVLAN>& has) {
+        for (const CVLAN& vlan : has) {
+            numbers.insert(vlan.m_lVLANNumber);
+            names.insert(vlan.m_wsVLANName);
+            capitals.insert(Capitals(vlan.m_wsVLANName));
+            ofItself.emplace(vlan.m_wsName, &vlan);
+        }
+    }
+
+    std::multiset<LONG> numbers;
+    std::multiset<std::wstring> names;
+    std::multiset<std::wstring> capitals;
+    std::multimap<std::wstring, const CVLAN*> ofItself;
+};
+
+/// One question: what a parent has, what is wanted, and how.
+struct Question {
+    enum Kind { Tagged, Untagged, Several };
+    Kind kind = Tagged;
+    std::vector<CVLAN> has;
+    std::shared_ptr<const Taken> taken; ///< of those
+    std::vector<CVLAN> wanted;
+    bool isModify = false;
+    bool isTeam = false;
+};
+
 /// What a question comes down to: counts and sets, no loops over pairs.
 struct Facts {
     explicit Facts(const Question& question) : kind(question.kind), isModify(question.isModify) {
@@ -48,19 +67,23 @@ struct Facts {
         }
         first = question.wanted.front().m_lVLANNumber;
         last = question.wanted.back().m_lVLANNumber;
-        std::multiset<LONG> numbers;
-        std::multiset<std::wstring> names;
-        for (const CVLAN& vlan : question.has) {
+        const Taken& taken = *question.taken;
+        if (kind == Question::Tagged) {
+            const CVLAN& wanted = question.wanted.front();
+            const std::wstring name = Capitals(wanted.m_wsVLANName);
+            sharedNumbers = taken.numbers.count(first);
+            sharedNames = taken.capitals.count(name);
             // Only the check of one tagged VLAN knows the VLAN itself.
-            if (kind != Question::Tagged || vlan.m_wsName != question.wanted.front().m_wsName) {
-                numbers.insert(vlan.m_lVLANNumber);
-                names.insert(kind == Question::Tagged ? Capitals(vlan.m_wsVLANName) : vlan.m_wsVLANName);
+            const auto [own, end] = taken.ofItself.equal_range(wanted.m_wsName);
+            for (auto self = own; self != end; ++self) {
+                sharedNumbers -= self->second->m_lVLANNumber == first ? 1u : 0u;
+                sharedNames -= Capitals(self->second->m_wsVLANName) == name ? 1u : 0u;
             }
+            return;
         }
         for (const CVLAN& vlan : question.wanted) {
-            sharedNumbers += numbers.count(vlan.m_lVLANNumber);
-            sharedNames +=
-                names.count(kind == Question::Tagged ? Capitals(vlan.m_wsVLANName) : vlan.m_wsVLANName);
+            sharedNumbers += taken.numbers.count(vlan.m_lVLANNumber);
+            sharedNames += taken.names.count(vlan.m_wsVLANName);
         }
     }
 
@@ -191,6 +214,7 @@ template <class Ask>
 void ForEachQuestion(const std::vector<CVLAN>& has, const Numbers& ids, Ask ask) {
     Question question;
     question.has = has;
+    question.taken = std::make_shared<const Taken>(has);
     for (const std::wstring& name : Names(has)) {
         for (const LONG id : ids) {
             // As a new VLAN, as the parent's first or last one, and with an object ID of nobody's.

@@ -2,6 +2,7 @@
 // then answers damaged data. The run must end with a code and a line that says where, and touch nothing after
 // that. What exactly it then says and leaves is written down in the golden files.
 #include "Operations.h"
+#include "TemporaryDirectory.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -117,8 +118,7 @@ std::string GoldenFile(const char* operation) {
 }
 
 std::string Contents(const std::string& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::string text(std::istreambuf_iterator<char>(in), {});
+    std::string text = quillet::tests::ReadFile(file);
     std::erase(text, '\r'); // a checkout on Windows may have put them in
     return text;
 }

@@ -2,6 +2,8 @@
 #include "support/Environment.h"
 #include "support/RunCommandLine.h"
 
+#include <filesystem>
+#include <fstream>
 #include <terminal/Console.h>
 
 #include <nlohmann/json.hpp>
@@ -138,21 +140,55 @@ TEST_F(WithoutWmiTest, OneLineOnTheErrorStreamSaysThatASimulatedMachineAnswers) 
     EXPECT_EQ(RunCommandLine({"help", "team", "list"}).err, "");
 }
 
-TEST_F(WithoutWmiTest, AnotherMachineIsAnErrorThatSaysWhatToDo) {
-    const std::string message =
-        "--machine: this host has no WMI, and so no way to another machine; run quilletctl on "
-        "Windows, or add --simulate";
-    const Outcome text = RunCommandLine({"--machine", "lab-7", "team", "list"});
-    EXPECT_EQ(text.status, 2);
+TEST_F(WithoutWmiTest, AnotherMachineIsReachedOverTheNetwork) {
+    if (!quilletctl::HasRemoteAccess()) {
+        EXPECT_THAT(RunCommandLine({"--machine", "lab-7", "team", "list"}).err,
+                    HasSubstr("this program was built without WS-Management"));
+        return;
+    }
+    const std::string message = "could not connect to 127.0.0.1: 127.0.0.1: nobody answers at this port: ";
+    const std::string code = " (https://127.0.0.1:1/wsman): 0x800706BA RPC_S_SERVER_UNAVAILABLE";
+    const Outcome text = RunCommandLine({"--machine", "127.0.0.1", "--port", "1", "team", "list"});
+    EXPECT_EQ(text.status, 1);
     EXPECT_EQ(text.out, "");
-    EXPECT_EQ(text.err, "quilletctl: " + message + "\n");
-    const Outcome json = RunCommandLine({"--machine", "lab-7", "team", "list", "--json"});
-    EXPECT_EQ(json.status, 2);
-    EXPECT_EQ(Json::parse(json.out).at("error").at("message"), message);
+    EXPECT_THAT(text.err, AllOf(HasSubstr(message), HasSubstr(code)));
+    const Outcome json = RunCommandLine({"--machine", "127.0.0.1", "--port", "1", "team", "list", "--json"});
+    EXPECT_EQ(json.status, 1);
+    EXPECT_THAT(Json::parse(json.out).at("error").at("message").get<std::string>(), HasSubstr(message));
     EXPECT_EQ(RunCommandLine({"--machine", "lab-7", "--simulate", "team", "list"}).status, 0);
     EXPECT_EQ(
         RunCommandLine({"--machine", "lab-7", "--state", Utf8(InFolder("lab.mof")), "team", "list"}).status,
         0);
+    EXPECT_EQ(RunCommandLine({"--machine", "lab-7", "--journal", "team", "list"}).err,
+              "quilletctl: --journal: only a simulated machine keeps a journal; add --simulate\n");
+}
+
+TEST_F(WithoutWmiTest, CredentialsComeFromWhereNobodyElseCanRead) {
+    const std::string file = Utf8(InFolder("credentials"));
+    const auto said = [&](const std::string& text, std::filesystem::perms rights) {
+        std::ofstream(InFolder("credentials"), std::ios::trunc) << text;
+        std::filesystem::permissions(InFolder("credentials"), rights);
+        const Outcome outcome =
+            RunCommandLine({"--machine", "127.0.0.1", "--port", "1", "--credentials", file, "team", "list"});
+        EXPECT_EQ(outcome.err.find("s3cret"), std::string::npos);
+        return outcome.err;
+    };
+    if (!quilletctl::HasRemoteAccess()) {
+        GTEST_SKIP() << "no machine is reached over the network";
+    }
+    using std::filesystem::perms;
+    const perms own = perms::owner_read | perms::owner_write;
+    EXPECT_THAT(said("user = a\npassword = s3cret\n", own | perms::group_read),
+                HasSubstr("must be yours, and readable by you alone"));
+    EXPECT_THAT(said("user = a\ns3cret\n", own), HasSubstr(file + ":2: this is neither"));
+    EXPECT_THAT(said("user = a\n", own), HasSubstr("are needed"));
+    EXPECT_THAT(said("# mine\n\n  user=a\n password = s3cret \n", own), HasSubstr("nobody answers at this port"));
+    EXPECT_THAT(RunCommandLine({"--machine", "127.0.0.1", "--credentials", file + "x", "team", "list"}).err,
+                HasSubstr("credentialsx: cannot be read"));
+    EXPECT_THAT(RunCommandLine({"--machine", "server12", "--plain-http", "--auth", "basic", "--credentials",
+                                file, "team", "list"})
+                    .err,
+                AllOf(HasSubstr("warning: --plain-http"), HasSubstr("does not go to server12 without TLS")));
 }
 
 TEST_F(WarningsTest, NoneIsSaidInWords) {

@@ -56,7 +56,7 @@ struct RemoteOptions {
     std::chrono::milliseconds connectTimeout{10'000}; ///< to reach a machine
     std::chrono::milliseconds timeout{180'000};       ///< of each request; the machine may set less
     unsigned pageSize = 256;                          ///< the most objects that one answer has
-    /// The name in object paths; empty: the machine's as it was named.
+    /// The name in object paths; empty: the machine's own, for which it is asked, or as it was named.
     std::wstring serverName{};
     /// The classes that are known here, for a machine that does not tell them.
     std::function<wmi::ClassPtr(std::wstring_view)> schema{};

@@ -116,22 +116,33 @@ options:
     default: false
   machine:
     description:
-      - The machine to manage, by name or address; left out, the one where C(quilletctl) runs.
+      - The machine to manage, by name or address; left out, the one where C(quilletctl) runs. From Linux it is reached
+        over HTTPS (WinRM), and the options below say how; Windows has its own ways, and takes none of them.
     type: str
+  port:
+    description:
+      - The port of the machine; left out, 5986.
+    type: int
+  auth:
+    description:
+      - How the machine is shown who asks. Left out, by the Kerberos ticket of whoever runs C(quilletctl), or by NTLM
+        with I(credentials).
+    type: str
+    choices: [negotiate, ntlm, basic]
+  credentials:
+    description:
+      - A file with a line C(user = …) and a line C(password = …), which only its owner can read.
+    type: path
+  ca:
+    description:
+      - A file with the certificates of the authorities that may vouch for the machine, instead of the system's.
+    type: path
   command:
     description:
       - C(quilletctl) and whatever has to stand before it.
     type: list
     elements: str
     default: [quilletctl]
-  simulate:
-    description:
-      - MOF file of a simulated machine to talk to instead of a real one.
-    type: path
-  state_file:
-    description:
-      - File in which a simulated machine lives from one command to the next.
-    type: path
   verify:
     description:
       - Whether the machine is read again after changes. It is a failure when it still differs from the description.
@@ -141,7 +152,8 @@ notes:
   - Supports C(check_mode); what it foretells is exactly what a run without it then does. The checks that the provider
     makes before a change are left to that run.
   - Supports C(diff).
-  - No option takes a secret. What is described is on the command lines of C(quilletctl).
+  - No option takes a secret, only the name of a file that has one. What is described is on the command lines of
+    C(quilletctl).
 author:
   - The Quillet developers
 """
@@ -264,11 +276,15 @@ ARGUMENTS = {
     },
     "exclusive": {"type": "bool", "default": False},
     "machine": {"type": "str"},
+    "port": {"type": "int"},
+    "auth": {"type": "str", "choices": ["negotiate", "ntlm", "basic"]},
+    "credentials": {"type": "path"},
+    "ca": {"type": "path"},
     "command": {"type": "list", "elements": "str", "default": ["quilletctl"]},
-    "simulate": {"type": "path"},
-    "state_file": {"type": "path"},
     "verify": {"type": "bool", "default": True},
 }
+# What says which machine, and how it is reached; quilletctl calls it the same.
+ACCESS = ("machine", "port", "auth", "credentials", "ca")
 
 
 class Run:
@@ -277,13 +293,8 @@ class Run:
     def __init__(self, module):
         self.module = module
         self.parameters = module.params
-        self.tool = Tool(
-            self.execute,
-            self.parameters["command"],
-            machine=self.parameters["machine"],
-            simulate=self.parameters["simulate"],
-            state=self.parameters["state_file"],
-        )
+        access = {option: self.parameters[option] for option in ACCESS}
+        self.tool = Tool(self.execute, self.parameters["command"], access)
         self.machine = None
         self.made = []
         self.restart_required = None if module.check_mode else False

@@ -97,15 +97,14 @@ def problems_in(output):
 
 
 class Tool:
-    """quilletctl, pointed at one machine. `run` takes a list of words and returns status, output and errors."""
+    """quilletctl, pointed at one machine. `run` takes a list of words and returns status, output and errors; `access`
+    has quilletctl's options for the machine and the way to it."""
 
-    def __init__(self, run, command, machine=None, simulate=None, state=None):
+    def __init__(self, run, command, access=None):
         self.run = run
         # Whoever runs the role has agreed already.
         self.words = list(command) + ["--json", "--yes"]
-        for option, value in (("--machine", machine), ("--simulate", simulate), ("--state", state)):
-            if value:
-                self.words.append(f"{option}={value}")
+        self.words += [f"--{option}={value}" for option, value in (access or {}).items() if value]
 
     def ask(self, verb, operands=(), options=()):
         """The answer of one command. Raises ToolFailure."""
