@@ -1,6 +1,7 @@
 // Messages of WS-Management: what can be read can be written, and is then read as the same.
 #include "FuzzSupport.h"
 
+#include <soap/ByteRuns.h>
 #include <soap/ClassXml.h>
 #include <soap/Envelope.h>
 #include <soap/Values.h>
@@ -77,6 +78,21 @@ void CheckRequest(const wsman::Element& envelope) {
     Require(wsman::PathOf(second.endpoint, Space()).Text() == path, "a path comes back as another");
 }
 
+/// A message that comes in pieces is kept as one that comes whole.
+void CheckPieces(std::string_view text) {
+    std::string whole;
+    wsman::ByteRuns atOnce({"P4", "P5"});
+    atOnce.Append(text, whole);
+    atOnce.Finish(whole);
+    std::string pieces;
+    wsman::ByteRuns inPieces({"P4", "P5"});
+    for (std::size_t place = 0; place < text.size(); place += 7) {
+        inPieces.Append(text.substr(place, 7), pieces);
+    }
+    inPieces.Finish(pieces);
+    Require(whole == pieces, "a message is kept differently in pieces");
+}
+
 /// What a reader does not take, it says.
 template <class Check>
 void Guarded(Check check) {
@@ -90,6 +106,7 @@ void Guarded(Check check) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    CheckPieces({reinterpret_cast<const char*>(data), size});
     Guarded([&] {
         const wsman::XmlDocument document(std::string(data, data + size));
         const wsman::Element root = document.Root();

@@ -19,6 +19,9 @@ namespace {
 using quillet::wsman::Authentication;
 using quillet::wsman::RemoteOptions;
 
+/// Whether a machine over the network answers. There is one at a time.
+bool g_isRemote = false;
+
 /// The class of a name as this program knows it, for machines that do not tell theirs.
 quillet::wmi::ClassPtr KnownClass(std::wstring_view name) {
     static const auto machine = quillet::simulator::Machine::Empty();
@@ -76,11 +79,17 @@ RemoteMachine::RemoteMachine(const GlobalOptions& options, const Terminal& termi
     if (FAILED(m_state->remote.Result())) {
         throw Refusal("reach machines over WS-Management", m_state->remote.Result());
     }
+    g_isRemote = true;
 }
 
-RemoteMachine::~RemoteMachine() = default;
+RemoteMachine::~RemoteMachine() {
+    g_isRemote = false;
+}
 
 std::string RemoteReason(HRESULT code) {
+    if (!g_isRemote) {
+        return {};
+    }
     switch (static_cast<std::uint32_t>(code)) {
     case 0x80070005: // E_ACCESSDENIED
     case 0x800706BA: // RPC_S_SERVER_UNAVAILABLE

@@ -19,6 +19,7 @@
 
 #include <wbemidl.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
@@ -93,8 +94,19 @@ class Witness {
         static const std::wregex kAddress(LR"(\\+[A-Za-z0-9.]+\\+ROOT\\+MarloLUM2:)", std::regex::icase);
         return std::regex_replace(path, kAddress, L"");
     }
+    /// The path in one form, whatever its quotes and the order of its keys.
+    static std::wstring InOneForm(const std::wstring& text) {
+        const std::wstring unaddressed = Unaddressed(text);
+        auto path = wmi::ObjectPath::Parse(unaddressed);
+        if (!path) {
+            return unaddressed;
+        }
+        std::sort(path->keys.begin(), path->keys.end(),
+                  [](const auto& left, const auto& right) { return left.name < right.name; });
+        return path->Relative();
+    }
     static bool AreAlike(const std::wstring& left, const std::wstring& right) {
-        return left == right || wmi::SameName(Unaddressed(left), Unaddressed(right));
+        return left == right || wmi::SameName(InOneForm(left), InOneForm(right));
     }
 
     /// What the client put and the machine was told, with the types that the client put.

@@ -172,8 +172,10 @@ INSTANTIATE_TEST_SUITE_P(
                 "--machine: \"server:5985\" is no name and no address of a machine"},
         BadLine{{"adapter", "list", "--machine", "a", "--port", "0"},
                 "--port: a number from 1 to 65535 is needed"},
-        BadLine{{"adapter", "list", "--port", "5986"}, "--port: goes with --machine"},
-        BadLine{{"adapter", "list", "--insecure"}, "--insecure: goes with --machine"},
+        BadLine{{"adapter", "list", "--port", "5986"},
+                "--port: a simulated machine is not reached over the network"},
+        BadLine{{"adapter", "list", "--insecure"},
+                "--insecure: a simulated machine is not reached over the network"},
         BadLine{{"adapter", "list", "--machine", "a", "--simulate", "--ca", "x"},
                 "--ca: a simulated machine is not reached over the network"}));
 

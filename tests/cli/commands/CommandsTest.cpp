@@ -4,9 +4,12 @@
 
 #include <filesystem>
 #include <fstream>
+#include <remote/RemoteMachine.h>
 #include <terminal/Console.h>
 
 #include <nlohmann/json.hpp>
+
+#include <gmock/gmock.h>
 
 #include <algorithm>
 
@@ -14,6 +17,8 @@ namespace {
 
 using namespace quillet::tests;
 using Json = nlohmann::ordered_json;
+using testing::AllOf;
+using testing::HasSubstr;
 
 class AdaptersTest : public CommandLine {};
 class WarningsTest : public CommandLine {};
@@ -182,7 +187,8 @@ TEST_F(WithoutWmiTest, CredentialsComeFromWhereNobodyElseCanRead) {
                 HasSubstr("must be yours, and readable by you alone"));
     EXPECT_THAT(said("user = a\ns3cret\n", own), HasSubstr(file + ":2: this is neither"));
     EXPECT_THAT(said("user = a\n", own), HasSubstr("are needed"));
-    EXPECT_THAT(said("# mine\n\n  user=a\n password = s3cret \n", own), HasSubstr("nobody answers at this port"));
+    EXPECT_THAT(said("# mine\n\n  user=a\n password = s3cret \n", own),
+                HasSubstr("nobody answers at this port"));
     EXPECT_THAT(RunCommandLine({"--machine", "127.0.0.1", "--credentials", file + "x", "team", "list"}).err,
                 HasSubstr("credentialsx: cannot be read"));
     EXPECT_THAT(RunCommandLine({"--machine", "server12", "--plain-http", "--auth", "basic", "--credentials",
