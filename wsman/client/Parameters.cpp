@@ -61,6 +61,16 @@ void PathTexts::Change(wmi::Instance& parameters) const {
     }
 }
 
+std::vector<std::string> ByteArraysOf(const std::vector<wmi::Property>& properties) {
+    std::vector<std::string> names;
+    for (const wmi::Property& property : properties) {
+        if (property.type == (CIM_UINT8 | CIM_FLAG_ARRAY)) {
+            names.push_back(wmi::ToUtf8(property.name));
+        }
+    }
+    return names;
+}
+
 std::string InputBody(const std::string& method, const std::string& resource, const wmi::Filled* in,
                       const Namespace& space, const PathTexts& paths) {
     XmlWriter xml;

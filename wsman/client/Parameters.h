@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quillet::wsman {
 
@@ -33,6 +34,9 @@ class PathTexts {
     const std::wstring m_server;
     const std::function<bool(std::wstring_view)> m_isMeant;
 };
+
+/// The names of those that are arrays of bytes.
+std::vector<std::string> ByteArraysOf(const std::vector<wmi::Property>& properties);
 
 /// The in-parameters: those that the client put, in its order, then what else has a value.
 std::string InputBody(const std::string& method, const std::string& resource, const wmi::Filled* in,

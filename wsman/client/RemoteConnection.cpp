@@ -58,17 +58,16 @@ wmi::ClassPtr Inferred(const Element& element) {
     return definition;
 }
 
-/// Whether an instance lacks a key that the reference to it has; most have them all.
-bool LacksKeys(const wmi::Instance& instance, const Endpoint& reference) {
-    return std::any_of(reference.selectors.begin(), reference.selectors.end(), [&](const Selector& key) {
+/// The keys that an instance lacks, from the reference to it; most have them all.
+void TakeKeys(wmi::Instance& instance, const Endpoint& reference, const Namespace& space) {
+    const auto isLacking = [&](const Selector& key) {
         const wmi::Value* value = instance.Find(Wide(key.name));
         return value != nullptr && value->IsNull();
-    });
-}
-
-/// The keys that an instance lacks, from the reference to it.
-void TakeKeys(wmi::Instance& instance, const wmi::ObjectPath& path) {
-    for (const wmi::ObjectPath::Key& key : path.keys) {
+    };
+    if (std::none_of(reference.selectors.begin(), reference.selectors.end(), isLacking)) {
+        return;
+    }
+    for (const wmi::ObjectPath::Key& key : PathOf(reference, space).keys) {
         const auto index = instance.definition->PropertyIndex(key.name);
         if (index && instance.values[*index].IsNull()) {
             const CIMTYPE type = instance.definition->properties[*index].type;
@@ -78,16 +77,6 @@ void TakeKeys(wmi::Instance& instance, const wmi::ObjectPath& path) {
             }
         }
     }
-}
-
-std::vector<std::string> ByteArraysOf(const std::vector<wmi::Property>& properties) {
-    std::vector<std::string> names;
-    for (const wmi::Property& property : properties) {
-        if (property.type == (CIM_UINT8 | CIM_FLAG_ARRAY)) {
-            names.push_back(wmi::ToUtf8(property.name));
-        }
-    }
-    return names;
 }
 
 bool PutsAKey(const wmi::Filled& instance) {
@@ -185,9 +174,8 @@ wmi::Object RemoteConnection::ObjectOf(const wmi::CallContext& context, const El
     }
     const Namespace space = SpaceOf(context);
     auto instance = std::make_shared<wmi::Instance>(m_peer->Read(definition, element, space));
-    if (const Endpoint endpoint = reference ? ReadEndpoint(reference) : Endpoint();
-        LacksKeys(*instance, endpoint)) {
-        TakeKeys(*instance, PathOf(endpoint, space));
+    if (reference) {
+        TakeKeys(*instance, ReadEndpoint(reference), space);
     }
     return {definition, std::move(instance)};
 }
@@ -241,9 +229,7 @@ wmi::Outcome RemoteConnection::GetObject(const wmi::CallContext& context, std::w
             return; // said to be there, and not handed out
         }
         found = ObjectOf(context, element, {});
-        if (LacksKeys(*found.instance, message.endpoint)) {
-            TakeKeys(const_cast<wmi::Instance&>(*found.instance), PathOf(message.endpoint, SpaceOf(context)));
-        }
+        TakeKeys(const_cast<wmi::Instance&>(*found.instance), message.endpoint, SpaceOf(context));
     });
 }
 

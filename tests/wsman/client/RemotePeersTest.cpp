@@ -355,6 +355,36 @@ TEST(RemotePeersTest, GivenUp_AnEnumerationIsReleased) {
     EXPECT_TRUE(peer.Requests()[1].Has("enumeration/Release"));
 }
 
+TEST(RemotePeersTest, PagesBehindTheSecond_AreAskedForAheadAndReleasedByTheirNewestContext) {
+    std::atomic<int> pages{0};
+    ScriptedPeer peer(AfterIdentify([&pages](const PeerRequest& request) {
+        if (request.Has("n:Release")) {
+            return SoapAnswer(request, "");
+        }
+        const int page = pages++;
+        const std::string kind = page == 0 ? "Enumerate" : "Pull";
+        return SoapAnswer(request, "<n:" + kind + "Response><n:EnumerationContext>c" + std::to_string(page) +
+                                       "</n:EnumerationContext><n:Items>" + Item("a" + std::to_string(page)) +
+                                       "</n:Items></n:" + kind + "Response>");
+    }));
+    const auto connection = ConnectTo(KnowingT(peer.Port()));
+    std::unique_ptr<wmi::ObjectStream> found;
+    ASSERT_EQ(CodeOf(connection->Instances({}, L"T", wmi::Depth::Deep, found).status), "0x00000000");
+    wmi::Object object;
+    ULONG returned = 0;
+    const auto next = [&] { return CodeOf(found->Next(LONG(WBEM_INFINITE), {&object, 1}, returned)); };
+    EXPECT_EQ(next(), "0x00000000");
+    EXPECT_EQ(peer.Requests().size(), 1u) << "the first page may be all that is wanted";
+    EXPECT_EQ(next(), "0x00000000");
+    EXPECT_EQ(object.instance->Text(L"K"), L"a1");
+    found.reset();
+    const auto requests = peer.Requests();
+    ASSERT_EQ(requests.size(), 4u);
+    EXPECT_EQ(requests[2].TextOf("EnumerationContext"), "c1");
+    EXPECT_EQ(requests[3].TextOf("EnumerationContext"), "c2");
+    EXPECT_TRUE(requests[3].Has("enumeration/Release"));
+}
+
 TEST(RemotePeersTest, PagesThatAreTooLarge_AreAskedForSmaller) {
     ScriptedPeer peer(AfterIdentify([](const PeerRequest& request) {
         const int most = std::stoi(request.TextOf("MaxElements"));

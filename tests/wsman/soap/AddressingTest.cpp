@@ -40,6 +40,37 @@ TEST(AddressingTest, Keys_AreOfTheTypesAndInTheOrderOfTheirClass) {
     EXPECT_EQ(Back(LR"(Unknown.B="1",A=2)"), kWhole + LR"(Unknown.B="1",A="2")");
 }
 
+TEST(AddressingTest, Classes_AreAskedForOnlyWhereAPathCannotBeUnderstoodWithoutThem) {
+    std::vector<std::wstring> asked;
+    wsman::Namespace space = SampleSpace();
+    space.classOf = [&](std::wstring_view name) {
+        asked.emplace_back(name);
+        return SampleSpace().classOf(name);
+    };
+    EXPECT_EQ(wsman::EndpointOf(LR"(T_Numbers.Slot=12,On=TRUE,Offset=-3)", space).Find("On")->value, L"true");
+    EXPECT_EQ(wsman::EndpointOf(LR"(T_Text.Name="one")", space).Find("Name")->value, L"one");
+    EXPECT_TRUE(asked.empty());
+    EXPECT_NE(wsman::EndpointOf(LR"(T_Text="one")", space).Find("Name"), nullptr) << "which key it is";
+    EXPECT_EQ(wsman::EndpointOf(LR"(T_Text.Name="a=b")", space).Find("Name")->reference, nullptr)
+        << "whether it is a reference";
+    EXPECT_EQ(asked, (std::vector<std::wstring>{L"T_Text", L"T_Text"}));
+}
+
+TEST(AddressingTest, Instances_HaveTheEndpointsOfTheirPaths) {
+    wmi::Instance link(SampleSpace().classOf(L"T_Link"));
+    link.Set(L"From", wmi::Value::Text(LR"(T_Text.Name="a")"));
+    link.Set(L"To", wmi::Value::Text(LR"(T_Numbers.Slot=1,On=FALSE,Offset=0)"));
+    const auto written = [](const Endpoint& endpoint) {
+        XmlWriter xml;
+        wsman::WriteEndpoint(xml, endpoint);
+        return xml.Take();
+    };
+    EXPECT_EQ(written(wsman::EndpointOf(link, SampleSpace())),
+              written(wsman::EndpointOf(wmi::RelativePath(link), SampleSpace())));
+    link.Set(L"To", wmi::Value());
+    EXPECT_EQ(wsman::EndpointOf(link, SampleSpace()).selectors.size(), 1u) << "a key that is null is none";
+}
+
 TEST(AddressingTest, References_AreEndpointsInEndpoints) {
     const std::wstring link = LR"(T_Link.From="T_Text.Name=\"a\"",To="T_Numbers.Slot=1,On=FALSE,Offset=0")";
     EXPECT_EQ(Back(link), kWhole +
