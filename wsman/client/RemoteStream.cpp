@@ -10,6 +10,7 @@
 #include <wbemidl.h>
 
 #include <chrono>
+#include <utility>
 
 namespace quillet::wsman {
 
@@ -112,10 +113,6 @@ bool RemoteStream::Pull(LONG timeout) {
     }
     Take(m_pull->Take());
     m_pull.reset();
-    // Whoever has asked for a second page goes on: the machine makes the next one while this one is read.
-    if (!m_isEnd && m_pageSize > 1) {
-        BeginPull();
-    }
     return true;
 }
 
@@ -179,6 +176,11 @@ HRESULT RemoteStream::Next(LONG timeout, std::span<wmi::Object> objects, ULONG& 
                 if (std::optional<wmi::Object> object = ObjectOf(item)) {
                     objects[returned++] = std::move(*object);
                 }
+                // Whoever takes a second object goes on: the machine makes the next page while this one is
+                // read.
+                if (std::exchange(m_isRead, true) && !m_isEnd && m_pull == nullptr && m_pageSize > 1) {
+                    BeginPull();
+                }
             } else if (m_isEnd) {
                 return;
             } else {
@@ -206,6 +208,7 @@ HRESULT RemoteStream::Next(LONG timeout, std::span<wmi::Object> objects, ULONG& 
 HRESULT RemoteStream::Reset() {
     Release();
     m_failure = S_OK;
+    m_isRead = false;
     m_emptyPages = 0;
     return m_connection.Ask([this] { Begin(); }).status;
 }

@@ -19,9 +19,9 @@ struct Asked {
     bool isShallow = false;
 };
 
-/// An enumeration on a machine. It asks for its second page when it is asked for the first object of that,
-/// for each later one as soon as it has the page before, and gives up what is left when it goes. Pages of one
-/// object are all fetched when their object is asked for.
+/// An enumeration on a machine. From its second object on it asks for each page as soon as it has the one
+/// before, and it gives up what is left when it goes. Pages of one object are all fetched when their object
+/// is asked for.
 class RemoteStream final : public wmi::ObjectStream {
   public:
     /// Asks for the first page. Throws RemoteError.
@@ -52,6 +52,7 @@ class RemoteStream final : public wmi::ObjectStream {
     Element m_item;   ///< the next one of the page
     std::string m_id; ///< of the enumeration, as the machine told it last
     bool m_isEnd = false;
+    bool m_isRead = false; ///< an object was taken
     unsigned m_emptyPages = 0;
     std::unique_ptr<Call> m_pull;
     HRESULT m_failure = S_OK;
