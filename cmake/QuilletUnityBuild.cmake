@@ -6,6 +6,7 @@ set(QUILLET_ALONE SafeArray TeamMembers TeamWizard VLANTexts
   ClassMerge MofWriter ObjectPath Values VariantReading WqlLexer WqlMatch
   LinkSecurity NetworkBootProvider SettingProvider VlanModel
   Adapter Application ConsoleWindows Diag Help ISCSI Power Vlan
+  Http Remote # g++: a class that others know has a member of their own
   # tests
   DiagnosticsTest InterruptedChangesTest LinkSecurityOperations LumDebugLinesTest NamesTest NetworkBootTest NullCopyTest
   ObjectPathTest PortCallCountsTest PowerTest PropertySettersTest QuestionsTest ReadingOperations ServicesTest

@@ -91,8 +91,7 @@ Reply Service::Answer(std::string request, const std::string& user) {
 }
 
 Reply Service::AnswerWith(RequestHead& head, std::string request, const std::string& user) {
-    const std::string machine = wmi::ToUtf8(m_connection->ServerName());
-    try {
+    return WithFaults(head, [&] {
         const auto asked = std::make_shared<Asked>(std::move(request));
         asked->head = ReadRequestHead(asked->document.Root());
         head = asked->head;
@@ -102,6 +101,13 @@ Reply Service::AnswerWith(RequestHead& head, std::string request, const std::str
         }
         CheckHead(head);
         return AnswerInTime(asked, user);
+    });
+}
+
+Reply Service::WithFaults(const RequestHead& head, const std::function<Reply()>& answer) const {
+    const std::string machine = wmi::ToUtf8(m_connection->ServerName());
+    try {
+        return answer();
     } catch (const Failed& failed) {
         return ReplyWith(failed.fault, head.messageId, machine, head.notUnderstood);
     } catch (const MessageError& error) {
@@ -119,7 +125,7 @@ Reply Service::AnswerInTime(std::shared_ptr<Asked> asked, const std::string& use
     }
     const auto patience = std::clamp(asked->head.timeout, std::chrono::milliseconds(0), m_options.longest);
     const auto task = std::make_shared<std::packaged_task<Reply()>>(
-        [this, asked, user] { return AnswerWholly(*asked, user); });
+        [this, asked, user] { return WithFaults(asked->head, [&] { return AnswerWholly(*asked, user); }); });
     std::future<Reply> answer = task->get_future();
     m_workers.Run([task] { (*task)(); });
     if (answer.wait_for(patience) == std::future_status::ready) {

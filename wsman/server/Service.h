@@ -68,6 +68,8 @@ class Service {
     };
 
     Reply AnswerWith(RequestHead& head, std::string request, const std::string& user);
+    /// An answer; in place of what it throws the fault, for nothing thrown goes from thread to thread.
+    Reply WithFaults(const RequestHead& head, const std::function<Reply()>& answer) const;
     Reply AnswerInTime(std::shared_ptr<Asked> asked, const std::string& user);
     Reply AnswerWholly(const Asked& asked, const std::string& user);
     /// Whether there is room for a call that may go on after its answer.
