@@ -134,8 +134,8 @@ std::unique_ptr<HttpExchange> HttpClient::Begin(std::string body, Repeatable rep
 void HttpClient::Cancel() noexcept {
     m_isCancelled = true;
     const std::lock_guard lock(m_mutex);
-    for (Line* line : m_busy) {
-        curl_multi_wakeup(line->multi);
+    for (void* multi : m_busy) {
+        curl_multi_wakeup(multi);
     }
 }
 
@@ -153,13 +153,13 @@ std::unique_ptr<HttpClient::Line> HttpClient::TakeLine() {
         SetUp(*line);
     }
     const std::lock_guard lock(m_mutex);
-    m_busy.push_back(line.get());
+    m_busy.push_back(line->multi);
     return line;
 }
 
 void HttpClient::GiveBack(std::unique_ptr<Line> line) {
     const std::lock_guard lock(m_mutex);
-    std::erase(m_busy, line.get());
+    std::erase(m_busy, line->multi);
     if (m_idle.size() < kMostIdle) {
         m_idle.push_back(std::move(line));
     }
