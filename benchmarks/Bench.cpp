@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <map>
-#include <malloc.h>
 #include <stdexcept>
 
 namespace quillet::bench {
@@ -16,13 +15,6 @@ namespace quillet::bench {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// The allocator keeps what was freed: otherwise it would return the memory of a flash image to the system
-/// after each copy, and what is measured would be how fast the kernel hands out empty pages.
-void KeepFreedMemory() {
-    mallopt(M_MMAP_THRESHOLD, 32 << 20);
-    mallopt(M_TRIM_THRESHOLD, 256 << 20);
-}
 
 /// A directory of the process's own.
 class Scratch {

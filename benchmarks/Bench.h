@@ -10,6 +10,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <malloc.h>
 #include <memory>
 #include <optional>
 #include <string>
@@ -28,6 +29,14 @@ class Apartment {
     Apartment(const Apartment&) = delete;
     Apartment& operator=(const Apartment&) = delete;
 };
+
+/// The allocator keeps what was freed: otherwise it would return the memory of a flash image, or of a page of
+/// objects, to the system after each one, and what is measured would be how fast the kernel hands out empty
+/// pages.
+inline void KeepFreedMemory() {
+    mallopt(M_MMAP_THRESHOLD, 32 << 20);
+    mallopt(M_TRIM_THRESHOLD, 256 << 20);
+}
 
 /// A simulated machine with three connections to it: the library's, one made by hand, and the client layer's.
 struct Lab {

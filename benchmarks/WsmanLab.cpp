@@ -51,7 +51,7 @@ wsman::RemoteOptions OptionsFor(int port) {
 WireLab::WireLab(const MachineSize& size)
     : served(simulator::Machine::FromText(tests::MachineText(size), "benchmark.mof")) {
     const wsman::Remote remote(OptionsFor(served.Port()));
-    if (FAILED(remote.Result()) || FAILED(quillet.InitQuillet())) {
+    if (FAILED(remote.Result()) || FAILED(quillet.InitQuillet()) || FAILED(plain.Connect())) {
         throw std::runtime_error("the library can not connect: " + wsman::LastFailure());
     }
     session.emplace();

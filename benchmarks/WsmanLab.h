@@ -49,6 +49,7 @@ struct WireLab {
     ServedMachine served;
     CQuillet quillet;
     std::optional<Session> session;
+    PlainClient plain;
 };
 
 /// Posts texts on one connection that is kept, as a client would that knows nothing about them.

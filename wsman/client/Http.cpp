@@ -10,6 +10,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace quillet::wsman {
 
@@ -68,6 +69,7 @@ struct HttpClient::Line {
 
     CURLM* const multi;
     CURL* const easy;
+    curl_socket_t socket = CURL_SOCKET_BAD; ///< of the connection, while there is one
     std::unique_ptr<curl_slist, ListDeleter> headers;
     char detail[CURL_ERROR_SIZE] = {};
 };
@@ -96,6 +98,15 @@ struct HttpExchange::Callbacks {
         self.m_sent = static_cast<std::size_t>(offset);
         return CURL_SEEKFUNC_OK;
     }
+    static int Opened(void* of, curl_socket_t socket, curlsocktype) noexcept {
+        static_cast<HttpClient::Line*>(of)->socket = socket;
+        return CURL_SOCKOPT_OK;
+    }
+    static int Close(void* of, curl_socket_t socket) noexcept {
+        auto& line = *static_cast<HttpClient::Line*>(of);
+        line.socket = line.socket == socket ? CURL_SOCKET_BAD : line.socket;
+        return close(socket);
+    }
     static std::size_t Header(char*, std::size_t size, std::size_t count, void* of) noexcept {
         static_cast<HttpExchange*>(of)->m_hasAnswer = true;
         return size * count;
@@ -110,6 +121,12 @@ struct HttpExchange::Callbacks {
             return 0;
         }
         try {
+            if (body.empty() && self.m_byteArrays.empty()) { // what nothing comes for is never touched
+                curl_off_t whole = 0;
+                curl_easy_getinfo(self.m_line->easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &whole);
+                body.reserve(
+                    std::clamp<std::size_t>(whole > 0 ? std::size_t(whole) : 0, length, self.m_most));
+            }
             self.m_runs->Append({bytes, length}, body);
         } catch (const std::exception&) {
             self.m_isTooLarge = true;
@@ -223,6 +240,10 @@ void HttpClient::SetUp(Line& line) const {
     line.headers.reset(list);
     set(CURLOPT_HTTPHEADER, list);
     set(CURLOPT_POST, 1L);
+    set(CURLOPT_SOCKOPTDATA, &line);
+    set(CURLOPT_SOCKOPTFUNCTION, &HttpExchange::Callbacks::Opened);
+    set(CURLOPT_CLOSESOCKETDATA, &line);
+    set(CURLOPT_CLOSESOCKETFUNCTION, &HttpExchange::Callbacks::Close);
     set(CURLOPT_READFUNCTION, &HttpExchange::Callbacks::Read);
     set(CURLOPT_SEEKFUNCTION, &HttpExchange::Callbacks::Seek);
     set(CURLOPT_HEADERFUNCTION, &HttpExchange::Callbacks::Header);
@@ -300,10 +321,8 @@ void HttpExchange::Start() {
 }
 
 void HttpExchange::Cork(int isCorked) const noexcept {
-    curl_socket_t socket = CURL_SOCKET_BAD;
-    curl_easy_getinfo(m_line->easy, CURLINFO_ACTIVESOCKET, &socket);
-    if (socket != CURL_SOCKET_BAD) {
-        setsockopt(socket, IPPROTO_TCP, TCP_CORK, &isCorked, sizeof isCorked);
+    if (m_line->socket != CURL_SOCKET_BAD) {
+        setsockopt(m_line->socket, IPPROTO_TCP, TCP_CORK, &isCorked, sizeof isCorked);
     }
 }
 

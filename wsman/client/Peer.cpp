@@ -16,8 +16,9 @@ namespace quillet::wsman {
 
 namespace {
 
-/// Images of flash memory come whole, with some twenty bytes of XML for each of theirs.
 constexpr std::size_t kMostAnswer = std::size_t{384} << 20;
+/// Images of flash memory come whole, with some thirty bytes of XML for each of theirs, which are not kept.
+constexpr std::size_t kMostBytes = std::size_t{640} << 20;
 
 /// Whether content is a message, whatever else is told of its type.
 bool IsSoap(std::string_view type) {
@@ -118,7 +119,9 @@ RequestHead Peer::HeadOf(const Message& message, UriForm form) const {
     head.action = message.isMethod ? head.endpoint.resource + '/' + message.action : message.action;
     head.messageId = NewMessageId();
     head.to = Url();
-    head.maxEnvelope = message.mostAnswer != 0 ? message.mostAnswer : kMostAnswer;
+    head.maxEnvelope = message.mostAnswer != 0      ? message.mostAnswer
+                       : message.byteArrays.empty() ? kMostAnswer
+                                                    : kMostBytes;
     head.timeout = m_options.timeout;
     if (message.context != nullptr) {
         head.locale = LanguageTag(message.context->locale);
@@ -218,10 +221,11 @@ std::unique_ptr<Call> Peer::Begin(const Message& message) {
 
 wmi::ClassPtr Peer::ClassOf(const std::wstring& namespaceName, std::wstring_view name,
                             const wmi::CallContext& context) {
-    const ClassKey key{wmi::Folded(namespaceName), wmi::Folded(name), context.locale};
     {
+        const std::tuple<std::wstring_view, std::wstring_view, LCID> wanted(namespaceName, name,
+                                                                            context.locale);
         const std::lock_guard lock(m_classesMutex);
-        if (const auto found = m_classes.find(key); found != m_classes.end()) {
+        if (const auto found = m_classes.find(wanted); found != m_classes.end()) {
             return found->second;
         }
     }
@@ -232,7 +236,7 @@ wmi::ClassPtr Peer::ClassOf(const std::wstring& namespaceName, std::wstring_view
     // Of two threads that asked at the same time the first one's stays: an instance is compared with others
     // by the class that it points to.
     const std::lock_guard lock(m_classesMutex);
-    return m_classes.emplace(key, std::move(fetched)).first->second;
+    return m_classes.emplace(ClassKey(namespaceName, name, context.locale), std::move(fetched)).first->second;
 }
 
 wmi::Instance Peer::Read(const wmi::ClassPtr& definition, const Element& holder, const Namespace& space) {
@@ -244,7 +248,7 @@ wmi::Instance Peer::Read(const wmi::ClassPtr& definition, const Element& holder,
 }
 
 wmi::ClassPtr Peer::Keep(const std::wstring& namespaceName, LCID locale, wmi::ClassDefinition definition) {
-    const ClassKey key{wmi::Folded(namespaceName), wmi::Folded(definition.name), locale};
+    const ClassKey key(namespaceName, definition.name, locale);
     const std::lock_guard lock(m_classesMutex);
     const auto found = m_classes.find(key);
     return found != m_classes.end()

@@ -123,9 +123,20 @@ class Peer {
     std::mutex m_nameMutex;
     std::optional<std::wstring> m_name; ///< see OwnName
 
-    using ClassKey = std::tuple<std::wstring, std::wstring, LCID>; ///< namespace and name, folded
+    using ClassKey = std::tuple<std::wstring, std::wstring, LCID>; ///< namespace and name
+    /// Without regard to case, also of names that are no keys.
+    struct ClassKeyLess {
+        using is_transparent = void;
+        bool operator()(const auto& left, const auto& right) const noexcept {
+            if (std::get<LCID>(left) != std::get<LCID>(right)) {
+                return std::get<LCID>(left) < std::get<LCID>(right);
+            }
+            const int names = wmi::CompareNames(std::get<1>(left), std::get<1>(right));
+            return names != 0 ? names < 0 : wmi::CompareNames(std::get<0>(left), std::get<0>(right)) < 0;
+        }
+    };
     std::mutex m_classesMutex;
-    std::map<ClassKey, wmi::ClassPtr> m_classes;
+    std::map<ClassKey, wmi::ClassPtr, ClassKeyLess> m_classes;
 };
 
 class Call {

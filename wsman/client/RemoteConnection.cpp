@@ -159,8 +159,8 @@ bool RemoteConnection::IsThisMachine(std::wstring_view server) const {
            wmi::SameName(FirstLabel(server), FirstLabel(host)) || wmi::SameName(server, ThisComputer());
 }
 
-Endpoint RemoteConnection::Target(const wmi::CallContext& context, std::wstring_view path) const {
-    const auto parsed = wmi::ObjectPath::Parse(path);
+wmi::ObjectPath RemoteConnection::PathHere(std::wstring_view path) const {
+    auto parsed = wmi::ObjectPath::Parse(path);
     if (!parsed) {
         throw RemoteError(HRESULT(WBEM_E_INVALID_OBJECT_PATH), "this is no object path");
     }
@@ -170,7 +170,11 @@ Endpoint RemoteConnection::Target(const wmi::CallContext& context, std::wstring_
     if (!IsThisMachine(parsed->server)) {
         throw RemoteError(HRESULT(WBEM_E_NOT_FOUND), "the object path is one of another machine");
     }
-    return EndpointOf(*parsed, SpaceOf(context));
+    return std::move(*parsed);
+}
+
+Endpoint RemoteConnection::Target(const wmi::CallContext& context, std::wstring_view path) const {
+    return EndpointOf(PathHere(path), SpaceOf(context));
 }
 
 wmi::Object RemoteConnection::ObjectOf(const wmi::CallContext& context, const Element& element,
@@ -213,22 +217,22 @@ wmi::Outcome RemoteConnection::GetObject(const wmi::CallContext& context, std::w
         return HRESULT(WBEM_E_NOT_SUPPORTED); // an empty class to fill: the schema is not the client's
     }
     return Ask([&] {
-        Message message;
-        message.action = std::string(kGet);
-        message.endpoint = Target(context, path);
-        const auto parsed = wmi::ObjectPath::Parse(path);
-        if (parsed->IsClass()) {
-            found.definition = ClassOf(context, parsed->className);
+        const wmi::ObjectPath parsed = PathHere(path);
+        if (parsed.IsClass()) {
+            found.definition = ClassOf(context, parsed.className);
             if (found.definition == nullptr) {
                 throw RemoteError(HRESULT(WBEM_E_NOT_FOUND), m_peer->Host() + ": there is no class " +
-                                                                 wmi::ToUtf8(parsed->className) + " (" +
+                                                                 wmi::ToUtf8(parsed.className) + " (" +
                                                                  m_peer->Url() + ")");
             }
             return;
         }
+        Message message;
+        message.action = std::string(kGet);
+        message.endpoint = EndpointOf(parsed, SpaceOf(context));
         message.context = &context;
         message.repeatable = Repeatable::Yes;
-        if (const wmi::ClassPtr definition = ClassOf(context, parsed->className)) {
+        if (const wmi::ClassPtr definition = ClassOf(context, parsed.className)) {
             message.byteArrays = ByteArraysOf(definition->properties);
         }
         const auto answer = m_peer->Ask(message);

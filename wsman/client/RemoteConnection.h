@@ -47,7 +47,9 @@ class RemoteConnection final : public wmi::Connection {
                              const wmi::WqlQuery& query) const;
 
   private:
-    /// The endpoint of an object here. Throws RemoteError for a path that is none, or of another place.
+    /// A path of an object here, or its endpoint. Throws RemoteError for one that is none, or of another
+    /// place.
+    wmi::ObjectPath PathHere(std::wstring_view path) const;
     Endpoint Target(const wmi::CallContext& context, std::wstring_view path) const;
     bool IsThisMachine(std::wstring_view server) const;
     wmi::ClassPtr ClassOf(const wmi::CallContext& context, std::wstring_view name) const;

@@ -19,6 +19,7 @@ namespace quillet::wsman {
 namespace {
 
 constexpr std::size_t kLongestId = 2048;
+constexpr std::size_t kHeadSize = 2048; // of most messages
 constexpr std::size_t kMostOptions = 256;
 constexpr std::string_view kForProvider = "wmi:";
 constexpr std::string_view kArrayForProvider = "wmiarray:";
@@ -131,9 +132,15 @@ void ReadOptions(const Element& set, RequestHead& head) {
     }
 }
 
-void DeclareAll(XmlWriter& xml) {
-    xml.Declare("s", kSoap).Declare("a", kAddressing).Declare("w", kWsman).Declare("n", kEnumeration);
-    xml.Declare("x", kTransfer).Declare("cim", kCommon).Declare("xsi", kSchemaInstance);
+/// An envelope that has begun, the same for all messages.
+XmlWriter Begun() {
+    static const XmlWriter kBegun = [] {
+        XmlWriter xml;
+        xml.Open("s:Envelope").Declare("s", kSoap).Declare("a", kAddressing).Declare("w", kWsman);
+        xml.Declare("n", kEnumeration).Declare("x", kTransfer).Declare("cim", kCommon);
+        return std::move(xml.Declare("xsi", kSchemaInstance));
+    }();
+    return kBegun;
 }
 
 std::size_t ReadSize(const std::string& word) {
@@ -191,9 +198,8 @@ bool ReadBlock(const Element& block, RequestHead& head) {
 } // namespace
 
 std::string WriteRequest(const RequestHead& head, std::string_view body) {
-    XmlWriter xml;
-    xml.Open("s:Envelope");
-    DeclareAll(xml);
+    XmlWriter xml = Begun();
+    xml.Reserve(kHeadSize + body.size());
     xml.Declare("m", kMicrosoft).Open("s:Header").Leaf("a:To", head.to);
     const auto mustUnderstand = [&xml](std::string_view name, std::string_view text) {
         xml.Open(name).Attribute("s:mustUnderstand", "true").Text(text).Close();
@@ -244,9 +250,8 @@ RequestHead ReadRequestHead(const Element& envelope) {
 
 std::string WriteResponse(std::string_view action, std::string_view relatesTo, std::string_view body,
                           std::string_view notUnderstood) {
-    XmlWriter xml;
-    xml.Open("s:Envelope");
-    DeclareAll(xml);
+    XmlWriter xml = Begun();
+    xml.Reserve(kHeadSize + body.size());
     xml.Open("s:Header");
     if (!action.empty()) {
         xml.Leaf("a:Action", action).Leaf("a:MessageID", NewMessageId()).Leaf("a:To", kAnonymous);

@@ -304,14 +304,20 @@ bool MarksNullArrays(const Element& holder) {
 
 wmi::Value ReadValue(std::span<const Element> elements, const wmi::Property& property,
                      const Namespace& space) {
-    const bool isNull = elements.empty() ||
-                        (elements.size() == 1 && (elements.front().IsNil() || IsNullArray(elements.front())));
-    wmi::Value value;
+    const bool isNull = elements.empty() || (elements.size() == 1 && elements.front().HasAttributes() &&
+                                             (elements.front().IsNil() || IsNullArray(elements.front())));
     if (isNull) {
-        return value;
+        return {};
     }
+    const bool isText = ElementType(property.type) == CIM_STRING; // which fits as it is
+    wmi::Value value;
     if (IsArrayType(property.type)) {
         value = ReadArray(elements, property, space);
+        if (isText) {
+            return value;
+        }
+    } else if (isText && elements.size() == 1) {
+        return wmi::Value(wmi::Scalar(elements.front().Text()));
     } else if (elements.size() == 1) {
         std::optional<wmi::Scalar> scalar = ReadScalar(elements.front(), property.type, space);
         if (!scalar) {

@@ -123,22 +123,26 @@ void CheckAttributes(pugi::xml_node node) {
 }
 
 /// Goes through all nodes without a call for each level.
-void CheckTree(const pugi::xml_document& document) {
-    std::size_t roots = 0;
-    std::size_t nodes = 0;
-    std::size_t depth = 1;
-    for (pugi::xml_node node = document.first_child(); node;) {
+class TreeCheck final : public pugi::xml_tree_walker {
+  public:
+    bool for_each(pugi::xml_node& node) override {
+        if (++m_nodes > kMostNodes) {
+            throw XmlError("there are too many elements");
+        }
+        if (static_cast<std::size_t>(depth()) >= kDeepest) {
+            throw XmlError("the elements are nested too deeply");
+        }
         switch (node.type()) {
         case pugi::node_doctype:
         case pugi::node_pi:
             throw XmlError("document types and processing instructions are not taken");
         case pugi::node_element:
-            roots += depth == 1 ? 1 : 0;
+            m_roots += depth() == 0 ? 1U : 0U;
             CheckAttributes(node);
             break;
         case pugi::node_pcdata:
         case pugi::node_cdata:
-            if (depth == 1 &&
+            if (depth() == 0 &&
                 std::string_view(node.value()).find_first_not_of(" \t\r\n") != std::string_view::npos) {
                 throw XmlError("there is text outside the root element");
             }
@@ -146,26 +150,14 @@ void CheckTree(const pugi::xml_document& document) {
         default:
             break;
         }
-        if (++nodes > kMostNodes) {
-            throw XmlError("there are too many elements");
-        }
-        if (const pugi::xml_node child = node.first_child()) {
-            node = child;
-            if (++depth > kDeepest) {
-                throw XmlError("the elements are nested too deeply");
-            }
-            continue;
-        }
-        while (depth > 1 && !node.next_sibling()) {
-            node = node.parent();
-            --depth;
-        }
-        node = node.next_sibling();
+        return true;
     }
-    if (roots != 1) {
-        throw XmlError("there is not one root element");
-    }
-}
+    std::size_t Roots() const noexcept { return m_roots; }
+
+  private:
+    std::size_t m_nodes = 0;
+    std::size_t m_roots = 0;
+};
 
 } // namespace
 
@@ -179,7 +171,11 @@ XmlDocument::XmlDocument(std::string bytes) : m_bytes(AsUtf8(std::move(bytes))) 
     if (!parsed) {
         throw XmlError(std::string("it is no XML: ") + parsed.description());
     }
-    CheckTree(m_document);
+    TreeCheck check;
+    m_document.traverse(check);
+    if (check.Roots() != 1) {
+        throw XmlError("there is not one root element");
+    }
 }
 
 std::string_view Element::Name() const {

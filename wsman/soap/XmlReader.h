@@ -42,6 +42,7 @@ class Element {
     std::string Word() const;
     /// An attribute by its local name; nothing where there is none.
     std::optional<std::string> Attribute(std::string_view name) const;
+    bool HasAttributes() const { return static_cast<bool>(m_node.first_attribute()); }
     /// Whether "xsi:nil" says that there is no value.
     bool IsNil() const;
 

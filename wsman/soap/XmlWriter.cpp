@@ -2,6 +2,7 @@
 #include "soap/XmlWriter.h"
 
 #include <algorithm>
+#include <array>
 
 namespace quillet::wsman {
 
@@ -13,9 +14,19 @@ bool IsNoCharacter(std::string_view text, std::size_t place) {
 }
 
 /// Whether a character may have to be written as something else.
+constexpr auto kSpecial = [] {
+    std::array<bool, 256> special{};
+    for (std::size_t character = 0; character < 0x20; ++character) {
+        special[character] = true;
+    }
+    for (const unsigned character : {0x26U, 0x3CU, 0x3EU, 0x22U}) { // & < > "
+        special[character] = true;
+    }
+    special[0xEF] = true; // of what is no character
+    return special;
+}();
 constexpr bool IsSpecial(char character) noexcept {
-    return static_cast<unsigned char>(character) < 0x20 || character == '&' || character == '<' ||
-           character == '>' || character == '"' || character == '\xEF';
+    return kSpecial[static_cast<unsigned char>(character)];
 }
 
 /// @param inAttribute where white space would be read as blanks

@@ -26,6 +26,8 @@ class XmlWriter {
     /// An element with a text.
     XmlWriter& Leaf(std::string_view name, std::string_view text);
 
+    /// Makes room for so many bytes in all.
+    void Reserve(std::size_t size) { m_xml.reserve(size); }
     const std::string& Written() const noexcept { return m_xml; }
     /// Takes back all but the first so many bytes: elements that were begun and ended behind them.
     void CutTo(std::size_t size) { m_xml.resize(size); }
