@@ -124,8 +124,8 @@ struct HttpExchange::Callbacks {
             if (body.empty() && self.m_byteArrays.empty()) { // what nothing comes for is never touched
                 curl_off_t whole = 0;
                 curl_easy_getinfo(self.m_line->easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &whole);
-                body.reserve(
-                    std::clamp<std::size_t>(whole > 0 ? std::size_t(whole) : 0, length, self.m_most));
+                const auto told = static_cast<std::size_t>(std::max<curl_off_t>(whole, 0));
+                body.reserve(std::min({told, self.m_most, kMostKept})); // a peer may tell anything
             }
             self.m_runs->Append({bytes, length}, body);
         } catch (const std::exception&) {
