@@ -5,12 +5,6 @@
 #include <wbemidl.h>
 
 #include <algorithm>
-#include <cstring>
-
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 namespace quillet::wsman {
 
@@ -69,43 +63,23 @@ struct HttpClient::Line {
 
     CURLM* const multi;
     CURL* const easy;
-    curl_socket_t socket = CURL_SOCKET_BAD; ///< of the connection, while there is one
     std::unique_ptr<curl_slist, ListDeleter> headers;
     char detail[CURL_ERROR_SIZE] = {};
 };
 
 /// What libcurl calls while a request runs. Nothing may be thrown through it.
 struct HttpExchange::Callbacks {
-    static std::size_t Read(char* place, std::size_t size, std::size_t count, void* of) noexcept {
+    /// The request is about to be sent: for the first time, for the next step of an authentication, which the
+    /// server has asked for, or because the connection broke before there was any answer. In the last case
+    /// the server may have done already what was asked.
+    static int Before(void* of, char*, char*, int, int) noexcept {
         auto& self = *static_cast<HttpExchange*>(of);
-        const std::size_t length = std::min(size * count, self.m_body.size() - self.m_sent);
-        std::memcpy(place, self.m_body.data() + self.m_sent, length);
-        self.m_sent += length;
+        if (self.m_isSent && !self.m_hasAnswer && self.m_repeatable == Repeatable::No) {
+            return CURL_PREREQFUNC_ABORT;
+        }
+        self.m_isSent = true;
         self.m_hasAnswer = false;
-        return length;
-    }
-    /// The body is wanted from its beginning: for the next step of an authentication, which the server has
-    /// asked for, or because the connection broke before there was any answer. In the second case the server
-    /// may have done already what was asked.
-    static int Seek(void* of, curl_off_t offset, int origin) noexcept {
-        auto& self = *static_cast<HttpExchange*>(of);
-        if (origin != SEEK_SET || offset < 0 || static_cast<std::size_t>(offset) > self.m_body.size()) {
-            return CURL_SEEKFUNC_FAIL;
-        }
-        if (self.m_sent != 0 && !self.m_hasAnswer && self.m_repeatable == Repeatable::No) {
-            return CURL_SEEKFUNC_FAIL;
-        }
-        self.m_sent = static_cast<std::size_t>(offset);
-        return CURL_SEEKFUNC_OK;
-    }
-    static int Opened(void* of, curl_socket_t socket, curlsocktype) noexcept {
-        static_cast<HttpClient::Line*>(of)->socket = socket;
-        return CURL_SOCKOPT_OK;
-    }
-    static int Close(void* of, curl_socket_t socket) noexcept {
-        auto& line = *static_cast<HttpClient::Line*>(of);
-        line.socket = line.socket == socket ? CURL_SOCKET_BAD : line.socket;
-        return close(socket);
+        return CURL_PREREQFUNC_OK;
     }
     static std::size_t Header(char*, std::size_t size, std::size_t count, void* of) noexcept {
         static_cast<HttpExchange*>(of)->m_hasAnswer = true;
@@ -240,12 +214,7 @@ void HttpClient::SetUp(Line& line) const {
     line.headers.reset(list);
     set(CURLOPT_HTTPHEADER, list);
     set(CURLOPT_POST, 1L);
-    set(CURLOPT_SOCKOPTDATA, &line);
-    set(CURLOPT_SOCKOPTFUNCTION, &HttpExchange::Callbacks::Opened);
-    set(CURLOPT_CLOSESOCKETDATA, &line);
-    set(CURLOPT_CLOSESOCKETFUNCTION, &HttpExchange::Callbacks::Close);
-    set(CURLOPT_READFUNCTION, &HttpExchange::Callbacks::Read);
-    set(CURLOPT_SEEKFUNCTION, &HttpExchange::Callbacks::Seek);
+    set(CURLOPT_PREREQFUNCTION, &HttpExchange::Callbacks::Before);
     set(CURLOPT_HEADERFUNCTION, &HttpExchange::Callbacks::Header);
     set(CURLOPT_WRITEFUNCTION, &HttpExchange::Callbacks::Write);
 }
@@ -274,7 +243,7 @@ RemoteError HttpClient::ErrorOf(int code, const char* detail, bool isSent, bool 
         return error(kFailure, "the file of certificates " + m_options.authorities + " cannot be used");
     case CURLE_SSL_CONNECT_ERROR:
         return error(kFailure, "there is no TLS at this port");
-    case CURLE_SEND_FAIL_REWIND:
+    case CURLE_ABORTED_BY_CALLBACK:
     case CURLE_GOT_NOTHING:
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:
@@ -299,7 +268,7 @@ HttpExchange::~HttpExchange() {
 
 void HttpExchange::Start() {
     ++m_attempts;
-    m_sent = 0;
+    m_isSent = false;
     m_hasAnswer = false;
     m_answer = {};
     m_received = 0;
@@ -308,22 +277,13 @@ void HttpExchange::Start() {
     CURL* const easy = m_line->easy;
     m_line->detail[0] = '\0';
     curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(m_body.size()));
-    curl_easy_setopt(easy, CURLOPT_READDATA, this);
-    curl_easy_setopt(easy, CURLOPT_SEEKDATA, this);
+    curl_easy_setopt(easy, CURLOPT_POSTFIELDS, m_body.data());
+    curl_easy_setopt(easy, CURLOPT_PREREQDATA, this);
     curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
     curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
     curl_multi_add_handle(m_line->multi, easy);
-    // Over a connection that is there it goes out at once, head and body in one packet if they fit.
-    Cork(1);
     int running = 0;
-    curl_multi_perform(m_line->multi, &running);
-    Cork(0);
-}
-
-void HttpExchange::Cork(int isCorked) const noexcept {
-    if (m_line->socket != CURL_SOCKET_BAD) {
-        setsockopt(m_line->socket, IPPROTO_TCP, TCP_CORK, &isCorked, sizeof isCorked);
-    }
+    curl_multi_perform(m_line->multi, &running); // over a connection that is there it goes out at once
 }
 
 void HttpExchange::Stop() noexcept {
@@ -378,7 +338,7 @@ bool HttpExchange::Wait(LONG timeout) {
             const bool isBroken = code == CURLE_GOT_NOTHING || code == CURLE_RECV_ERROR ||
                                   code == CURLE_SEND_ERROR || code == CURLE_PARTIAL_FILE;
             if (!isBroken || m_repeatable == Repeatable::No || m_attempts == kAttempts) {
-                throw m_server.ErrorOf(code, detail.c_str(), m_sent != 0, m_hasAnswer);
+                throw m_server.ErrorOf(code, detail.c_str(), m_isSent, m_hasAnswer);
             }
             Start();
             continue;

@@ -104,8 +104,6 @@ class HttpExchange {
 
     void Start();
     void Stop() noexcept;
-    /// Whether the connection keeps what it has to send until there is enough of it. @param isCorked 0 or 1
-    void Cork(int isCorked) const noexcept;
     bool IsDone(int& code) const;
 
     HttpClient& m_server;
@@ -115,7 +113,7 @@ class HttpExchange {
     const std::vector<std::string> m_byteArrays;
     std::optional<ByteRuns> m_runs; ///< in the answer
     std::size_t m_received = 0;
-    std::size_t m_sent = 0;
+    bool m_isSent = false;    ///< or about to be
     bool m_hasAnswer = false; ///< since the request was sent last
     bool m_isTooLarge = false;
     int m_attempts = 0;

@@ -325,11 +325,15 @@ wmi::Outcome RemoteConnection::ExecMethod(const wmi::CallContext& context, std::
         if (known != nullptr) {
             message.byteArrays = ByteArraysOf(known->out);
         }
-        const auto answer = m_peer->Ask(message);
+        const std::unique_ptr<Call> call = m_peer->Begin(message);
+        wmi::ClassPtr signature =
+            known != nullptr ? wmi::OutSignature(*known) : nullptr; // while it is on its way
+        call->Wait(LONG(WBEM_INFINITE));
+        const std::unique_ptr<Answer> answer = call->Take();
         const Element output = answer->Body().First();
-        const wmi::ClassPtr signature = known != nullptr ? wmi::OutSignature(*known)
-                                        : output         ? Inferred(output)
-                                                         : nullptr;
+        if (known == nullptr && output) {
+            signature = Inferred(output);
+        }
         // A machine that hands out no object has no parameter to tell, not even one that is null.
         if (signature != nullptr && output.HasChildren()) {
             auto told = std::make_shared<wmi::Instance>(m_peer->Read(signature, output, space));
