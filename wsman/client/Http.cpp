@@ -42,10 +42,6 @@ std::string UrlOf(const RemoteOptions& options, const std::string& host) {
     return url + ':' + std::to_string(port) + "/wsman";
 }
 
-struct ListDeleter {
-    void operator()(curl_slist* list) const noexcept { curl_slist_free_all(list); }
-};
-
 } // namespace
 
 struct HttpClient::Line {
@@ -60,6 +56,10 @@ struct HttpClient::Line {
     }
     Line(const Line&) = delete;
     Line& operator=(const Line&) = delete;
+
+    struct ListDeleter {
+        void operator()(curl_slist* list) const noexcept { curl_slist_free_all(list); }
+    };
 
     CURLM* const multi;
     CURL* const easy;
