@@ -24,8 +24,8 @@ bool g_isRemote = false;
 
 /// The class of a name as this program knows it, for machines that do not tell theirs.
 quillet::wmi::ClassPtr KnownClass(std::wstring_view name) {
-    static const auto machine = quillet::simulator::Machine::Empty();
-    return machine->Store().FindClass(name);
+    static const auto kMachine = quillet::simulator::Machine::Empty();
+    return kMachine->Store().FindClass(name);
 }
 
 RemoteOptions OptionsFor(const GlobalOptions& options) {

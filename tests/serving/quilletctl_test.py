@@ -4,7 +4,6 @@ import json
 import os
 import subprocess
 import sys
-import unittest
 
 sys.dont_write_bytecode = True
 import served  # noqa: E402

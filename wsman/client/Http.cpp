@@ -42,10 +42,6 @@ std::string UrlOf(const RemoteOptions& options, const std::string& host) {
     return url + ':' + std::to_string(port) + "/wsman";
 }
 
-struct ListDeleter {
-    void operator()(curl_slist* list) const noexcept { curl_slist_free_all(list); }
-};
-
 } // namespace
 
 struct HttpClient::Line {
@@ -60,6 +56,10 @@ struct HttpClient::Line {
     }
     Line(const Line&) = delete;
     Line& operator=(const Line&) = delete;
+
+    struct ListDeleter {
+        void operator()(curl_slist* list) const noexcept { curl_slist_free_all(list); }
+    };
 
     CURLM* const multi;
     CURL* const easy;
@@ -98,8 +98,8 @@ struct HttpExchange::Callbacks {
             if (body.empty() && self.m_byteArrays.empty()) { // what nothing comes for is never touched
                 curl_off_t whole = 0;
                 curl_easy_getinfo(self.m_line->easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &whole);
-                body.reserve(
-                    std::clamp<std::size_t>(whole > 0 ? std::size_t(whole) : 0, length, self.m_most));
+                const auto told = static_cast<std::size_t>(std::max<curl_off_t>(whole, 0));
+                body.reserve(std::min({told, self.m_most, kMostKept})); // a peer may tell anything
             }
             self.m_runs->Append({bytes, length}, body);
         } catch (const std::exception&) {
@@ -125,8 +125,8 @@ std::unique_ptr<HttpExchange> HttpClient::Begin(std::string body, Repeatable rep
 void HttpClient::Cancel() noexcept {
     m_isCancelled = true;
     const std::lock_guard lock(m_mutex);
-    for (Line* line : m_busy) {
-        curl_multi_wakeup(line->multi);
+    for (void* multi : m_busy) {
+        curl_multi_wakeup(multi);
     }
 }
 
@@ -144,13 +144,13 @@ std::unique_ptr<HttpClient::Line> HttpClient::TakeLine() {
         SetUp(*line);
     }
     const std::lock_guard lock(m_mutex);
-    m_busy.push_back(line.get());
+    m_busy.push_back(line->multi);
     return line;
 }
 
 void HttpClient::GiveBack(std::unique_ptr<Line> line) {
     const std::lock_guard lock(m_mutex);
-    std::erase(m_busy, line.get());
+    std::erase(m_busy, line->multi);
     if (m_idle.size() < kMostIdle) {
         m_idle.push_back(std::move(line));
     }

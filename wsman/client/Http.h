@@ -79,7 +79,7 @@ class HttpClient {
     const std::string m_url;
     std::mutex m_mutex;
     std::vector<std::unique_ptr<Line>> m_idle;
-    std::vector<Line*> m_busy;
+    std::vector<void*> m_busy; ///< handles of libcurl that wait
     std::atomic<bool> m_isCancelled{false};
 };
 

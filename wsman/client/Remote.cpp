@@ -194,7 +194,7 @@ std::shared_ptr<wmi::Host> MakeRemoteHost(RemoteOptions options) {
 
 struct Remote::State {
     explicit State(RemoteOptions options) : host(Make(std::move(options))), registration(host) {}
-    std::shared_ptr<RemoteHost> host;
+    const std::shared_ptr<wmi::Host> host; ///< a RemoteHost
     wmi::ClassRegistration registration;
 };
 
@@ -207,7 +207,7 @@ HRESULT Remote::Result() const noexcept {
 }
 
 void Remote::Cancel() noexcept {
-    m_state->host->Cancel();
+    static_cast<RemoteHost&>(*m_state->host).Cancel();
 }
 
 void RememberFailure(std::string text) {

@@ -1,7 +1,5 @@
-// Peers that are broken, hostile, or of another make.
-#include "ScriptedPeer.h"
-
-#include <quillet-wmi/ObjectPath.h>
+// Peers that are broken or hostile.
+#include "PeerWithT.h"
 
 #include <wbemidl.h>
 
@@ -15,71 +13,6 @@ using std::chrono::milliseconds;
 using testing::HasSubstr;
 using testing::Not;
 using wmi::Object;
-
-/// A class "T" with a key "K", as a schema that is known here.
-wmi::ClassPtr ClassT() {
-    auto definition = std::make_shared<wmi::ClassDefinition>();
-    definition->name = L"T";
-    const auto add = [&](const wchar_t* name, CIMTYPE type) -> wmi::Property& {
-        wmi::Property property;
-        property.name = name;
-        property.type = type;
-        property.origin = L"T";
-        definition->properties.push_back(std::move(property));
-        return definition->properties.back();
-    };
-    wmi::Qualifier key;
-    key.name = L"key";
-    key.value = wmi::Value::Bool(true);
-    add(L"K", CIM_STRING).qualifiers.Set(key);
-    add(L"Number", CIM_UINT32);
-    add(L"Flag", CIM_BOOLEAN);
-    add(L"Since", CIM_DATETIME);
-    add(L"Ports", CIM_UINT16 | CIM_FLAG_ARRAY);
-    add(L"Owner", CIM_REFERENCE);
-    wmi::Method method;
-    method.name = L"Do";
-    definition->methods.push_back(method);
-    return definition;
-}
-
-wsman::RemoteOptions KnowingT(int port) {
-    wsman::RemoteOptions options = OptionsFor(port);
-    options.schema = [](std::wstring_view name) { return name == L"T" ? ClassT() : nullptr; };
-    options.isSchemaTrusted = true;
-    return options;
-}
-
-std::string Item(const std::string& key) {
-    return "<p:T><p:K>" + key + "</p:K></p:T>";
-}
-
-/// The names of all objects that a stream has, and how it ended.
-std::string Drain(wmi::ObjectStream& stream) {
-    std::string names;
-    for (;;) {
-        Object object;
-        ULONG returned = 0;
-        const HRESULT result = stream.Next(wmi::kInfiniteTimeout, {&object, 1}, returned);
-        if (returned == 0) {
-            return names + CodeOf(result);
-        }
-        const std::wstring key = object.instance->Text(L"K");
-        names += std::string(key.begin(), key.end()) + ' ';
-    }
-}
-
-HRESULT Get(wmi::Connection& connection, Object& found) {
-    return connection.GetObject({}, L"T.K=\"a\"", found).status;
-}
-HRESULT Get(wmi::Connection& connection) {
-    Object found;
-    return Get(connection, found);
-}
-HRESULT Do(wmi::Connection& connection) {
-    wmi::InstancePtr out;
-    return connection.ExecMethod({}, L"T.K=\"a\"", L"Do", nullptr, out).status;
-}
 
 /// What one answer to Get ends with.
 struct BadAnswer {
@@ -302,42 +235,6 @@ TEST(RemotePeersTest, PagesWithoutObjects_ComeToAnEnd) {
     EXPECT_THAT(wsman::LastFailure(), HasSubstr("does not come to an end"));
 }
 
-TEST(RemotePeersTest, Pages_GoByTheNewestContextWhateverTheirShape) {
-    int pages = 0;
-    ScriptedPeer peer(AfterIdentify([&pages](const PeerRequest& request) {
-        if (!request.Has("n:Pull")) {
-            // No page yet, and a context that changes.
-            return SoapAnswer(request, "<n:EnumerateResponse><n:EnumerationContext>c0</n:EnumerationContext>"
-                                       "</n:EnumerateResponse>");
-        }
-        EXPECT_EQ(request.TextOf("EnumerationContext"), "c" + std::to_string(pages));
-        switch (++pages) {
-        case 1: // a page without objects is no end
-            return SoapAnswer(request, "<n:PullResponse><n:EnumerationContext>c1</n:EnumerationContext>"
-                                       "</n:PullResponse>");
-        case 2: // in the other namespace, with references in another order
-            return SoapAnswer(
-                request,
-                "<n:PullResponse><w:Items><w:Item><a:EndpointReference><a:Address>http://elsewhere/"
-                "</a:Address><a:ReferenceParameters><w:ResourceURI>http://schemas.dmtf.org/wbem/wscim/1/"
-                "cim-schema/2/T</w:ResourceURI><w:SelectorSet><w:Selector Name='k'>a</w:Selector>"
-                "<w:Selector Name='__cimnamespace'>root/MarloLUM2</w:Selector></w:SelectorSet>"
-                "</a:ReferenceParameters></a:EndpointReference><p:T/></w:Item></w:Items>"
-                "<n:EnumerationContext>c2</n:EnumerationContext></n:PullResponse>");
-        default: // the end, with a context all the same
-            return SoapAnswer(request,
-                              "<n:PullResponse><n:EnumerationContext>c3</n:EnumerationContext><n:Items>" +
-                                  Item("b") + "</n:Items><n:EndOfSequence/></n:PullResponse>");
-        }
-    }));
-    const auto connection = ConnectTo(KnowingT(peer.Port()));
-    std::unique_ptr<wmi::ObjectStream> found;
-    ASSERT_EQ(CodeOf(connection->Instances({}, L"T", wmi::Depth::Deep, found).status), "0x00000000");
-    EXPECT_EQ(Drain(*found), "a b 0x00000001");
-    found.reset();
-    EXPECT_EQ(peer.Requests().size(), 4u) << "what is at its end is not released";
-}
-
 TEST(RemotePeersTest, GivenUp_AnEnumerationIsReleased) {
     ScriptedPeer peer(AfterIdentify([](const PeerRequest& request) {
         return SoapAnswer(
@@ -385,21 +282,6 @@ TEST(RemotePeersTest, PagesBehindTheSecond_AreAskedForAheadAndReleasedByTheirNew
     EXPECT_TRUE(requests[3].Has("enumeration/Release"));
 }
 
-TEST(RemotePeersTest, PagesThatAreTooLarge_AreAskedForSmaller) {
-    ScriptedPeer peer(AfterIdentify([](const PeerRequest& request) {
-        const int most = std::stoi(request.TextOf("MaxElements"));
-        if (most > 4) {
-            return FaultAnswer(request, "w:EncodingLimit");
-        }
-        return SoapAnswer(request, "<n:EnumerateResponse><w:Items>" + Item("a") +
-                                       "</w:Items><w:EndOfSequence/></n:EnumerateResponse>");
-    }));
-    const auto connection = ConnectTo(KnowingT(peer.Port()));
-    std::unique_ptr<wmi::ObjectStream> found;
-    ASSERT_EQ(CodeOf(connection->Instances({}, L"T", wmi::Depth::Deep, found).status), "0x00000000");
-    EXPECT_EQ(Drain(*found), "a 0x00000001");
-}
-
 TEST(RemotePeersTest, ANextThatMayNotWait_IsLate) {
     std::atomic<bool> mayAnswer{false};
     ScriptedPeer peer(AfterIdentify([&](const PeerRequest& request) {
@@ -422,99 +304,6 @@ TEST(RemotePeersTest, ANextThatMayNotWait_IsLate) {
     EXPECT_EQ(returned, 1u) << "the one that was there";
     mayAnswer = true;
     EXPECT_EQ(Drain(*found), "b 0x00000001") << "and nothing is lost";
-}
-
-TEST(RemotePeersTest, AnotherMake_IsReadAsItWrites) {
-    ScriptedPeer peer(AfterIdentify([](const PeerRequest&) {
-        // Other prefixes, no header, CDATA, blanks, capitals, a path as text, an array in pieces.
-        return HttpAnswerOf(
-            200, "text/xml; charset=\"utf-8\"",
-            R"(<?xml version="1.0" encoding="utf-8"?><e:Envelope xmlns:e="http://www.w3.org/2003/05/soap-envelope"
-  xmlns:i="http://www.w3.org/2001/XMLSchema-instance"> <e:Body> <T xmlns="urn:whatever" i:type="T_Type">
-   <Flag> TRUE </Flag> <Ports>+1</Ports><Number> 12 </Number><!-- now --><Ports> 2 </Ports>
-   <Since>20240403144550.468750+120</Since><k><![CDATA[<a>]]> &amp; b</k><Owner i:nil="1"/><Surplus>1</Surplus>
- </T> </e:Body> </e:Envelope>)");
-    }));
-    const auto connection = ConnectTo(KnowingT(peer.Port()));
-    Object found;
-    ASSERT_EQ(CodeOf(Get(*connection, found)), "0x00000000") << wsman::LastFailure();
-    EXPECT_EQ(found.instance->Text(L"K"), L"<a> & b");
-    EXPECT_EQ(found.instance->Number(L"Number"), 12);
-    EXPECT_EQ(*found.instance->Find(L"Flag"), wmi::Value::Bool(true));
-    EXPECT_EQ(found.instance->Text(L"Since"), L"20240403144550.468750+120");
-    EXPECT_EQ(found.instance->Find(L"Ports")->Size(), 2u);
-    EXPECT_TRUE(found.instance->Find(L"Owner")->IsNull());
-}
-
-TEST(RemotePeersTest, APeerThatTakesOnlyTheOtherForm_IsAskedInIt) {
-    ScriptedPeer peer(AfterIdentify([](const PeerRequest& request) {
-        if (request.Has("/wbem/wsman/1/wmi/")) {
-            return FaultAnswer(request, "a:DestinationUnreachable",
-                               R"(<f:WSManFault xmlns:f="x" Code="2150859065"/>)");
-        }
-        EXPECT_TRUE(request.Has("http://schemas.dmtf.org/wbem/wscim/1/cim-schema/2/T<"));
-        EXPECT_TRUE(request.Has(R"(Name="__cimnamespace">ROOT/MarloLUM2<)"));
-        return SoapAnswer(request, Item("a"));
-    }));
-    const auto connection = ConnectTo(KnowingT(peer.Port()));
-    EXPECT_EQ(CodeOf(Get(*connection)), "0x00000000");
-    EXPECT_EQ(CodeOf(Get(*connection)), "0x00000000");
-    EXPECT_EQ(peer.Requests().size(), 3u) << "the form is found out once";
-}
-
-TEST(RemotePeersTest, APeerThatTellsNoClasses_IsReadByTheKnownOnesOrAsTexts) {
-    ScriptedPeer peer(AfterIdentify([](const PeerRequest& request) {
-        if (request.Has("cim-xml")) {
-            return FaultAnswer(request, "a:ActionNotSupported");
-        }
-        return SoapAnswer(request,
-                          request.Has("wmi/ROOT/MarloLUM2/T<")
-                              ? Item("a")
-                              : "<p:Other><p:Name>x</p:Name><p:List>1</p:List><p:List>2</p:List></p:Other>");
-    }));
-    wsman::RemoteOptions options = KnowingT(peer.Port());
-    options.isSchemaTrusted = false;
-    const auto connection = ConnectTo(options);
-    Object found;
-    EXPECT_EQ(CodeOf(Get(*connection, found)), "0x00000000");
-    EXPECT_EQ(found.definition->properties.size(), 6u);
-    EXPECT_EQ(CodeOf(connection->GetObject({}, L"Other.Name=\"x\"", found).status), "0x00000000");
-    EXPECT_EQ(found.instance->Text(L"Name"), L"x");
-    EXPECT_EQ(found.instance->Find(L"List")->Size(), 2u);
-    std::size_t classes = 0;
-    for (const PeerRequest& request : peer.Requests()) {
-        classes += request.Has("cim-xml") ? 1U : 0U;
-    }
-    EXPECT_EQ(classes, 1u) << "whoever cannot tell one is not asked again";
-}
-
-TEST(RemotePeersTest, Faults_GiveTheCodeThatWmiWouldGive) {
-    const struct {
-        const char* subcode;
-        const char* detail;
-        long long code;
-    } cases[] = {
-        {"a:DestinationUnreachable", "", 0x80041002},
-        {"w:AccessDenied", R"(<f:WSManFault xmlns:f="x" Code="5"/>)", 0x80070005},
-        {"w:InternalError", "<p:MSFT_WmiError><p:error_Code>2147749889</p:error_Code></p:MSFT_WmiError>",
-         0x80041001},
-        {"w:InternalError", "<p:OMI_Error><p:MessageID>HRESULT 0x80041033</p:MessageID></p:OMI_Error>",
-         0x80041033},
-        {"w:InternalError",
-         R"(<f:WSManFault xmlns:f="x" Code="2150858752"><f:Message><f:ProviderFault><f:WSManFault Code="2147749890"/>)"
-         "</f:ProviderFault></f:Message></f:WSManFault>",
-         0x80041002},
-        {"w:TimedOut", R"(<f:WSManFault xmlns:f="x" Code="2150858793"/>)", 0x80041069},
-        {"nonsense", "", 0x80041001},
-    };
-    for (const auto& each : cases) {
-        SCOPED_TRACE(std::string(each.subcode) + each.detail);
-        ScriptedPeer peer(AfterIdentify(
-            [&](const PeerRequest& request) { return FaultAnswer(request, each.subcode, each.detail); }));
-        const auto connection = ConnectTo(KnowingT(peer.Port()));
-        EXPECT_EQ(CodeOf(Get(*connection)), CodeOf(each.code));
-        EXPECT_THAT(wsman::LastFailure(), HasSubstr("127.0.0.1: No."));
-    }
 }
 
 TEST(RemotePeersTest, OptionsThatAreNotSafe_AreRefused) {
