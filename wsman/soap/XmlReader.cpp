@@ -164,8 +164,10 @@ class TreeCheck final : public pugi::xml_tree_walker {
 XmlDocument::XmlDocument(std::string bytes) : m_bytes(AsUtf8(std::move(bytes))) {
     CheckCharacters(m_bytes);
     CheckReferences(m_bytes);
-    constexpr unsigned kOptions = pugi::parse_default | pugi::parse_ws_pcdata_single | pugi::parse_doctype |
-                                  pugi::parse_pi | pugi::parse_fragment;
+    // With the text of an element inside it there are half as many nodes.
+    constexpr unsigned kOptions = pugi::parse_default | pugi::parse_ws_pcdata_single |
+                                  pugi::parse_embed_pcdata | pugi::parse_doctype | pugi::parse_pi |
+                                  pugi::parse_fragment;
     const pugi::xml_parse_result parsed =
         m_document.load_buffer_inplace(m_bytes.data(), m_bytes.size(), kOptions, pugi::encoding_utf8);
     if (!parsed) {
@@ -195,21 +197,16 @@ std::string_view Element::SpaceOf(std::string_view qualified) const {
 }
 
 std::string_view Element::Pieces(std::string& joined) const {
-    std::string_view text;
-    std::size_t count = 0;
+    const std::string_view first = m_node.value(); // the parser keeps text that comes first in the element
+    std::size_t more = 0;
     for (pugi::xml_node piece = m_node.first_child(); piece; piece = piece.next_sibling()) {
         const pugi::xml_node_type type = piece.type();
-        if (type != pugi::node_pcdata && type != pugi::node_cdata) {
-            continue;
+        if (type == pugi::node_pcdata || type == pugi::node_cdata) {
+            joined = ++more == 1 ? std::string(first) : std::move(joined);
+            joined += piece.value();
         }
-        if (++count == 1) {
-            text = piece.value();
-            continue;
-        }
-        joined = count == 2 ? std::string(text) : std::move(joined);
-        joined += piece.value();
     }
-    return count > 1 ? std::string_view(joined) : text;
+    return more > 0 ? std::string_view(joined) : first;
 }
 
 std::wstring Element::Text() const {
