@@ -1,7 +1,7 @@
 // The message of an error.
 #include <quillet/client/Error.h>
 
-#include "Utf8.h"
+#include <quillet/client/Text.h>
 
 namespace quillet {
 

@@ -1,4 +1,4 @@
-// UTF-8 for messages.
+// UTF-8, for messages and documents.
 #pragma once
 
 #include <string>
@@ -8,5 +8,7 @@ namespace quillet {
 
 /// UTF-8 of a text; what is no character becomes U+FFFD.
 std::string ToUtf8(std::wstring_view text);
+/// The text of UTF-8; what is no character becomes U+FFFD.
+std::wstring FromUtf8(std::string_view utf8);
 
 } // namespace quillet

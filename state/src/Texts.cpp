@@ -1,0 +1,78 @@
+// By the system's own comparison of names.
+#include "Texts.h"
+
+#include <quillet/client/Text.h>
+
+#include <windows.h>
+
+namespace quillet::state {
+
+namespace {
+
+bool SameCharacter(wchar_t left, wchar_t right) {
+    return CompareStringOrdinal(&left, 1, &right, 1, TRUE) == CSTR_EQUAL;
+}
+
+} // namespace
+
+bool SameName(std::wstring_view left, std::wstring_view right) {
+    return left.size() == right.size() &&
+           CompareStringOrdinal(left.data(), static_cast<int>(left.size()), right.data(),
+                                static_cast<int>(right.size()), TRUE) == CSTR_EQUAL;
+}
+
+bool SameName(std::string_view left, std::string_view right) {
+    return left == right || SameName(FromUtf8(left), FromUtf8(right));
+}
+
+bool Fits(std::string_view name, std::string_view pattern) {
+    const std::wstring text = FromUtf8(name);
+    const std::wstring wanted = FromUtf8(pattern);
+    // After a mismatch the last asterisk takes one character more: no more than a product of the lengths.
+    std::size_t at = 0;
+    std::size_t next = 0;
+    std::size_t asterisk = std::wstring::npos;
+    std::size_t taken = 0;
+    while (at < text.size()) {
+        if (next < wanted.size() && wanted[next] == L'*') {
+            asterisk = next++;
+            taken = at;
+        } else if (next < wanted.size() && (wanted[next] == L'?' || SameCharacter(wanted[next], text[at]))) {
+            ++next;
+            ++at;
+        } else if (asterisk != std::wstring::npos) {
+            next = asterisk + 1;
+            at = ++taken;
+        } else {
+            return false;
+        }
+    }
+    return wanted.find_first_not_of(L'*', next) == std::wstring::npos;
+}
+
+std::string MacDigits(std::string_view text) {
+    std::string digits;
+    for (const char character : text) {
+        if (character == '-' || character == ':' || character == '.') {
+            continue;
+        }
+        const bool isLetter =
+            (character >= 'a' && character <= 'f') || (character >= 'A' && character <= 'F');
+        if (!isLetter && (character < '0' || character > '9')) {
+            return {};
+        }
+        digits += character >= 'a' ? static_cast<char>(character - 'a' + 'A') : character;
+    }
+    constexpr std::size_t kDigits = 12;
+    return digits.size() == kDigits ? digits : std::string();
+}
+
+std::string ListOf(const std::vector<std::string>& texts) {
+    std::string list;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        list += (i == 0 ? "" : i + 1 == texts.size() ? " and " : ", ") + texts[i];
+    }
+    return list;
+}
+
+} // namespace quillet::state
