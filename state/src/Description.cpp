@@ -146,14 +146,19 @@ Json Description::Whole(const TeamFacts& facts, NamedBy by) {
     return json;
 }
 
+/// In the order in which the machine lists its adapters: that of the members says nothing.
 Json Description::Members(const TeamFacts& facts, NamedBy by) {
-    Json members = Json::array();
+    std::vector<std::size_t> own;
     for (const TeamMember& member : facts.members) {
         // An adapter that was taken out of the machine may still be a member.
         if (const auto adapter = m_machine.Find(member.id)) {
-            members.push_back(by == NamedBy::Name ? Json(m_machine.NameOf(*adapter))
-                                                  : SelectorOf(*adapter, by));
+            own.push_back(*adapter);
         }
+    }
+    std::sort(own.begin(), own.end());
+    Json members = Json::array();
+    for (const std::size_t adapter : own) {
+        members.push_back(by == NamedBy::Name ? Json(m_machine.NameOf(adapter)) : SelectorOf(adapter, by));
     }
     return members;
 }
@@ -253,7 +258,8 @@ Json Description::Like(const WantedAdapter& wanted, std::size_t adapter, For pur
     }
     if (wanted.iscsi) {
         const IscsiAdapter* port = m_machine.Iscsi(adapter);
-        const auto word = port == nullptr ? std::nullopt : IscsiWord(port->status);
+        // One that cannot boot so is off.
+        const auto word = IscsiWord(port == nullptr ? IscsiStatus::NotBootPort : port->status);
         if (word) {
             json["iscsi"] = *word;
         }

@@ -17,6 +17,11 @@ constexpr std::size_t kMostBytes = std::size_t{16} << 20;
 constexpr int kDeepest = 32;
 constexpr std::int32_t kLastVlanId = 4094;
 
+/// Whether it is a whole number from 0 to `last`.
+bool IsWithin(const Json& json, std::int32_t last) {
+    return json.is_number_integer() && json >= Json(0) && json <= Json(last);
+}
+
 std::string Joined(const std::vector<std::string>& problems) {
     std::string text;
     for (const std::string& problem : problems) {
@@ -166,7 +171,7 @@ class Reader {
             const Step named(*this, name.empty() ? "\"\"" : name);
             const auto isOption = [&name = name](const auto& option) { return name == option.key; };
             if (number != nullptr && name == number) {
-                if (!value.is_number_unsigned() || value > Json(kLastPowerMode)) {
+                if (!IsWithin(value, kLastPowerMode)) {
                     Complain("a number from 0 to 2 is needed");
                 }
             } else if (std::none_of(options.begin(), options.end(), isOption)) {
@@ -222,6 +227,7 @@ class Reader {
         if (json.is_string() && !json.get_ref<const std::string&>().empty()) {
             Selector selector;
             selector.name = json.get<std::string>();
+            selector.isPlain = true;
             return selector;
         }
         return IsObject(json, {"name", "mac", "slot", "port"}) ? SelectorIn(json, false) : Selector();
@@ -262,7 +268,7 @@ class Reader {
             return vlan;
         }
         const auto id = json.find("id");
-        if (id == json.end() || !id->is_number_unsigned() || *id > Json(kLastVlanId)) {
+        if (id == json.end() || !IsWithin(*id, kLastVlanId)) {
             Complain("\"id\" is needed: a number from 1 to 4094, or 0 for the untagged VLAN");
         } else {
             vlan.id = id->get<std::int32_t>();
@@ -337,6 +343,9 @@ std::string Selector::Text() const {
 }
 
 Json Selector::AsJson() const {
+    if (isPlain) {
+        return name;
+    }
     Json json = Json::object();
     const auto add = [&json](const char* key, const std::string& text) {
         if (!text.empty()) {

@@ -33,6 +33,6 @@ inline constexpr std::array kWakeOptions{
     Option<WakeOptions>{"pattern", &WakeOptions::onPattern},
 };
 
-inline constexpr std::uint32_t kLastPowerMode = 2;
+inline constexpr std::int32_t kLastPowerMode = 2;
 
 } // namespace quillet::state

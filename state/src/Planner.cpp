@@ -178,8 +178,12 @@ std::map<std::size_t, std::string> Planner::Memberships() {
             }
         }
     }
-    for (std::size_t team = 0;
-         !m_document.isExclusive && !m_document.teams.empty() && team < m_machine.Teams().size(); ++team) {
+    const bool movesVlans = std::any_of(m_adapters.begin(), m_adapters.end(), [](const AdapterWish& wish) {
+        return std::any_of(wish.entries.begin(), wish.entries.end(),
+                           [](const WantedAdapter* entry) { return entry->vlans.has_value(); });
+    });
+    const bool othersStay = !m_document.isExclusive && (movesVlans || !m_teams.empty());
+    for (std::size_t team = 0; othersStay && team < m_machine.Teams().size(); ++team) {
         if (std::find(described.begin(), described.end(), team) == described.end()) {
             for (const std::size_t adapter : CurrentMembers(team)) {
                 kept.emplace(adapter, "team " + ToUtf8(m_machine.Teams()[team].team.name));

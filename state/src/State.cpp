@@ -139,6 +139,9 @@ Shown Show(Session& session, const ShowOptions& options) {
             teams.push_back(description.Whole(facts, options.by));
         }
     }
+    // A provider lists a team that was made again last.
+    std::stable_sort(teams.begin(), teams.end(),
+                     [](const Json& left, const Json& right) { return left.at("name") < right.at("name"); });
     shown.document["adapters"] = std::move(adapters);
     shown.document["teams"] = std::move(teams);
     return shown;
@@ -150,6 +153,9 @@ Json ShowLike(Session& session, const Document& document) {
 }
 
 Outcome Apply(Session& session, const Document& document, const Plan& plan, const ApplyOptions& options) {
+    if (!plan.problems.empty()) {
+        throw DocumentError(plan.problems);
+    }
     Outcome outcome;
     if (plan.steps.empty()) {
         outcome.restartNeeded = false;

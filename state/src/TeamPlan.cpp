@@ -57,8 +57,10 @@ void Planner::PlanDeletions() {
         Add(StepKind::TeamDeleted, "team " + name, "team", now, Json(),
             "delete the team " + name + " and its VLANs",
             [id = facts.id](Work& work) { work.session.RemoveTeam(id); });
-        m_plan.losses.push_back("team " + name +
-                                ": a team that is made again has another object ID, and so have its VLANs");
+        m_plan.losses.push_back(
+            "team " + name +
+            ": a team that is made again has another object ID, so have its VLANs, and its "
+            "settings are those of a new one where it has any");
     }
 }
 
@@ -181,8 +183,8 @@ void Planner::PlanRole(const TeamWish& wish, const TeamWish::Role& wanted, bool 
         wanted.adapter ? std::optional(m_machine.Adapters()[*wanted.adapter].id) : std::nullopt;
     Add(StepKind::Role, wish.subject, RoleWord(role), present.empty() ? Json() : Json(present),
         name.empty() ? Json() : Json(name),
-        (id ? "make " + name + " the " : std::string("leave nobody as the ")) +
-            RoleWord(role) + " member of " + wish.subject,
+        (id ? "make " + name + " the " : std::string("leave nobody as the ")) + RoleWord(role) +
+            " member of " + wish.subject,
         [known, team = wish.entry->name, id, role](Work& work) {
             Machine now(work.session);
             const std::optional<std::size_t> adapter = id ? now.Find(*id) : std::nullopt;

@@ -34,6 +34,8 @@ struct Selector {
     std::string
         match{}; ///< of names, with `*` for any text and `?` for any character: every adapter that fits
 
+    bool isPlain = false; ///< whether the document has the name alone, without an object around it
+
     bool IsPattern() const noexcept { return !match.empty(); }
     /// Whether it names nothing.
     bool IsEmpty() const noexcept { return name.empty() && mac.empty() && slot.empty() && match.empty(); }

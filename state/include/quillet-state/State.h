@@ -57,7 +57,8 @@ struct Outcome {
 };
 
 /// Makes the steps of a plan in one client set, reads the machine again and compares. A plan without steps
-/// asks the provider for nothing. Throws Error where nothing was changed yet.
+/// asks the provider for nothing. Throws Error where nothing was changed yet, and DocumentError for a plan
+/// with problems.
 Outcome Apply(Session& session, const Document& document, const Plan& plan, const ApplyOptions& options = {});
 
 } // namespace quillet::state
