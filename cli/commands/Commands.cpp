@@ -14,6 +14,7 @@ void AddAllCommands(CommandTree& tree) {
     AddDiagCommands(tree);
     AddBootCommands(tree);
     AddISCSICommands(tree);
+    AddConfigCommands(tree);
     AddWarningsCommand(tree);
     AddTraceCommand(tree);
     AddTransactionCommands(tree);

@@ -16,6 +16,7 @@ void AddPowerCommands(CommandTree& tree);
 void AddTeamCommands(CommandTree& tree);
 void AddLinksecCommands(CommandTree& tree);
 void AddVlanCommands(CommandTree& tree);
+void AddConfigCommands(CommandTree& tree);
 void AddWarningsCommand(CommandTree& tree);
 void AddTraceCommand(CommandTree& tree);
 void AddTransactionCommands(CommandTree& tree);

@@ -2,8 +2,8 @@
 # Nothing is run while it works: names of adapters and teams are not completed, for a machine would be asked.
 
 _quilletctl() {
-    local nouns="adapter setting profile power wol team linksec vlan diag boot iscsi warnings trace transaction version help"
-    local names="adapter setting profile power wol team linksec vlan diag boot iscsi warnings trace transaction version help add capabilities check create delete get identify import-pac inspect list modes modify pac-delete pac-show pmk ports primary read reapply remove run set set-auth set-keys show stats stop switch-test try verify write"
+    local nouns="adapter setting profile power wol team linksec vlan diag boot iscsi config warnings trace transaction version help"
+    local names="adapter setting profile power wol team linksec vlan diag boot iscsi config warnings trace transaction version help add apply capabilities check create delete diff get identify import-pac inspect list modes modify pac-delete pac-show pmk ports primary read reapply remove run schema set set-auth set-keys show stats stop switch-test try validate verify write"
     local everywhere="--machine --port --auth --user --password-fd --credentials --ca --insecure --plain-http --simulate --state --json --journal --yes --no-color --help --version"
     local optional="--simulate"
     local repeatable="--type --type"
@@ -19,6 +19,7 @@ _quilletctl() {
         ["diag"]="list run stop"
         ["boot"]="show read inspect verify write"
         ["iscsi"]="list show set"
+        ["config"]="show validate diff apply schema"
         ["transaction"]="try"
     )
     # Options, whether one takes a value and of what kind, and what the value may be, by the command.
@@ -44,6 +45,8 @@ _quilletctl() {
         ["diag run"]="--interval"
         ["boot verify"]="--type"
         ["boot write"]="--type"
+        ["config show"]="--changed --by --like"
+        ["config apply"]="--no-rollback --confirm"
         ["trace"]="--lines"
     )
     local -A takes=(
@@ -110,6 +113,9 @@ _quilletctl() {
         ["diag run --interval"]="NUMBER"
         ["boot verify --type"]="TYPE"
         ["boot write --type"]="TYPE"
+        ["config show --by"]="name|slot|mac"
+        ["config show --like"]="FILE"
+        ["config apply --confirm"]="NUMBER"
         ["trace  --lines"]="NUMBER"
     )
     local -A values=(
@@ -138,6 +144,7 @@ _quilletctl() {
         ["linksec set-auth --auto-pac"]="on off"
         ["linksec set-auth --random-mac"]="on off"
         ["linksec pmk --random-mac"]="on off"
+        ["config show --by"]="name slot mac"
     )
     # What the words behind noun and verb may be, by their place.
     local -A words=(
@@ -149,6 +156,9 @@ _quilletctl() {
         ["boot inspect 1"]="file"
         ["boot verify 1"]="file"
         ["boot write 1"]="file"
+        ["config validate 0"]="file"
+        ["config diff 0"]="file"
+        ["config apply 0"]="file"
     )
 
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}

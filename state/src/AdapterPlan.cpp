@@ -14,6 +14,18 @@ namespace {
 
 constexpr const char* kProfile = "PerformanceProfile";
 
+/// "magicPacket on, link off" of the keys and values of an object.
+std::string OptionsText(const Json& options) {
+    std::string text;
+    for (const auto& [key, value] : options.items()) {
+        text += (text.empty() ? "" : ", ") + key + ' ' +
+                (!value.is_boolean()   ? value.dump()
+                 : value == Json(true) ? "on"
+                                       : "off");
+    }
+    return text;
+}
+
 /// Takes over the options that differ; whether there are any. What the adapter does not have is `missing`.
 template <class Record, std::size_t Size>
 bool TakeOptions(const std::array<Option<Record>, Size>& options, const Json& wanted, const Record& present,
@@ -194,7 +206,7 @@ void Planner::PlanPower(std::size_t adapter, const std::string& subject, const J
     if (differs) {
         const AdapterId id = m_machine.Adapters()[adapter].id;
         Add(StepKind::Power, subject, "power", now, then,
-            "set the power options of " + subject + " to " + then.dump() + ", now " + now.dump(),
+            "set the power options of " + subject + ": " + OptionsText(then) + ", now " + OptionsText(now),
             [id, changed](Work& work) { work.session.SetPower(id, changed); });
     }
 }
@@ -214,7 +226,8 @@ void Planner::PlanWake(std::size_t adapter, const std::string& subject, const Js
     if (differs) {
         const AdapterId id = m_machine.Adapters()[adapter].id;
         Add(StepKind::WakeOnLan, subject, "wakeOnLan", now, then,
-            "set the wake-on-LAN options of " + subject + " to " + then.dump() + ", now " + now.dump(),
+            "set the wake-on-LAN options of " + subject + ": " + OptionsText(then) + ", now " +
+                OptionsText(now),
             [id, changed](Work& work) { work.session.SetWake(id, changed); });
     }
 }

@@ -52,6 +52,19 @@ Json OnlyKeysOf(const Json& all, const Json& keys) {
     return only;
 }
 
+/// Adds what another has; whether nothing contradicts.
+bool MergeAlike(Json& whole, const Json& part) {
+    for (const auto& [key, value] : part.items()) {
+        const auto known = whole.find(key);
+        if (known == whole.end()) {
+            whole[key] = value;
+        } else if (!(known->is_object() && value.is_object() ? MergeAlike(*known, value) : *known == value)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 /// The value that the setting has, as the document has it where that means the same.
 Json InOwnTerms(const Setting& setting, const Json& wanted) {
     try {
@@ -233,7 +246,7 @@ Json Description::Like(const std::vector<WantedVlan>& wanted, const std::vector<
 Json Description::Like(const WantedAdapter& wanted, std::size_t adapter, For purpose) {
     const AdapterId& id = m_machine.Adapters()[adapter].id;
     const bool isOwnName = purpose == For::Reading && !wanted.selector.IsPattern();
-    Json json = isOwnName ? wanted.selector.AsJson() : SelectorOf(adapter, NamedBy::Name);
+    Json json = isOwnName ? wanted.selector.written : SelectorOf(adapter, NamedBy::Name);
     Json settings = Settings(id, wanted.settings);
     if (!wanted.profile.is_null()) {
         const std::vector<Setting>& all = m_machine.Settings(id);
@@ -300,7 +313,7 @@ Json Description::Like(const WantedTeam& wanted, For purpose) {
         if (isSame && purpose == For::Reading) { // in the order and by the names of the document
             json["members"] = Json::array();
             for (const Selector& selector : *wanted.members) {
-                json["members"].push_back(selector.AsJson());
+                json["members"].push_back(selector.written);
             }
         }
     }
@@ -313,7 +326,7 @@ Json Description::Like(const WantedTeam& wanted, For purpose) {
                                purpose == For::Reading &&
                                m_machine.Select(*selector) ==
                                    std::vector<std::size_t>{m_machine.Find(holder->id).value_or(SIZE_MAX)};
-            json[key] = isOwn ? selector->AsJson() : Role(facts, role, NamedBy::Name);
+            json[key] = isOwn ? selector->written : Role(facts, role, NamedBy::Name);
         }
     }
     if (wanted.multiVendor) {
@@ -357,12 +370,21 @@ Json Description::Like(const Document& document) {
     Json adapters = Json::array();
     std::vector<std::size_t> described;
     for (const WantedAdapter& wanted : document.adapters) {
+        Json together = wanted.selector.written;
+        Json apart = Json::array();
+        bool isAlike = wanted.selector.IsPattern();
         for (const std::size_t adapter : Named(wanted.selector)) {
             Json one = Like(wanted, adapter, For::Reading);
             if (document.isExclusive && wanted.vlans) {
                 AddOthers(one["vlans"], m_machine.Adapters()[adapter].id);
             }
             described.push_back(adapter);
+            Json told = one;
+            told.erase("name");
+            isAlike = isAlike && MergeAlike(together, told);
+            apart.push_back(std::move(one));
+        }
+        for (Json& one : isAlike ? Json::array({together}) : apart) {
             adapters.push_back(std::move(one));
         }
     }

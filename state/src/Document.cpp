@@ -205,6 +205,12 @@ class Reader {
         selector.slot = NumberAsText(json, "slot");
         selector.port = NumberAsText(json, "port");
         selector.match = mayMatch ? Text(json, "match").value_or("") : "";
+        selector.written = Json::object();
+        for (const char* key : {"name", "mac", "slot", "port", "match"}) {
+            if (const auto found = json.find(key); found != json.end()) {
+                selector.written[key] = *found;
+            }
+        }
         const auto given = static_cast<int>(!selector.name.empty()) +
                            static_cast<int>(!selector.mac.empty()) +
                            static_cast<int>(!selector.slot.empty()) + static_cast<int>(selector.IsPattern());
@@ -227,7 +233,7 @@ class Reader {
         if (json.is_string() && !json.get_ref<const std::string&>().empty()) {
             Selector selector;
             selector.name = json.get<std::string>();
-            selector.isPlain = true;
+            selector.written = json;
             return selector;
         }
         return IsObject(json, {"name", "mac", "slot", "port"}) ? SelectorIn(json, false) : Selector();
@@ -340,24 +346,6 @@ std::string Selector::Text() const {
         return "slot " + slot + (port.empty() ? "" : ", port " + port);
     }
     return '"' + (!name.empty() ? name : !mac.empty() ? mac : match) + '"';
-}
-
-Json Selector::AsJson() const {
-    if (isPlain) {
-        return name;
-    }
-    Json json = Json::object();
-    const auto add = [&json](const char* key, const std::string& text) {
-        if (!text.empty()) {
-            json[key] = text;
-        }
-    };
-    add("name", name);
-    add("mac", mac);
-    add("slot", slot);
-    add("port", port);
-    add("match", match);
-    return json;
 }
 
 Document DocumentOf(const Json& json) {

@@ -54,6 +54,14 @@ TEST_F(ShowTest, Like_HasTheDocumentsOwnTerms) {
         "adapters": [{"slot": "2", "port": "1", "settings": {"Jumbo Packet": "9014 BYTES"}, "vlans": [{"id": 4000, "state": "absent"}]}],
         "teams": [{"name": "Nowhere", "state": "absent"}]})";
     EXPECT_EQ(state::ShowLike(*session, state::ReadDocument(text)), state::Json::parse(text));
+    // A pattern stays one where all that fit agree.
+    const char* pattern = R"({"adapters": [{"match": "Zorel 10G*", "settings": {"*JumboPacket": 9014}}]})";
+    EXPECT_EQ(state::ShowLike(*session, state::ReadDocument(pattern)), state::Json::parse(pattern));
+    EXPECT_THAT(state::ShowLike(*session,
+                                state::ReadDocument(
+                                    R"({"adapters": [{"match": "*", "settings": {"*JumboPacket": 9014}}]})"))
+                    .at("adapters"),
+                testing::SizeIs(10));
     const state::Json other = state::ShowLike(
         *session,
         state::ReadDocument(R"({"adapters": [{"slot": 2, "port": 1, "settings": {"*JumboPacket": 1514}}]})"));

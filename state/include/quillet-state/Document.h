@@ -34,15 +34,13 @@ struct Selector {
     std::string
         match{}; ///< of names, with `*` for any text and `?` for any character: every adapter that fits
 
-    bool isPlain = false; ///< whether the document has the name alone, without an object around it
+    Json written{}; ///< as the document has it; null where it was not read from one
 
     bool IsPattern() const noexcept { return !match.empty(); }
     /// Whether it names nothing.
     bool IsEmpty() const noexcept { return name.empty() && mac.empty() && slot.empty() && match.empty(); }
     /// For people: "slot 2, port 1".
     std::string Text() const;
-    /// As a document has it.
-    Json AsJson() const;
 };
 
 /// A VLAN under its adapter or team.
