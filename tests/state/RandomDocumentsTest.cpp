@@ -169,8 +169,6 @@ TEST_F(RandomDocumentsTest, ApplyShowCompareAndGoBack) {
         const state::Document document = state::DocumentOf(json);
         const state::Plan plan = state::MakePlan(*session, document);
         if (!plan.problems.empty()) {
-            for (const auto& each : plan.problems)
-                std::cout << "PP " << each << "\n";
             continue; // most of what chance writes is refused
         }
         const Json before = Whole();
