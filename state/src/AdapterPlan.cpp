@@ -12,8 +12,6 @@ namespace quillet::state {
 
 namespace {
 
-constexpr const char* kProfile = "PerformanceProfile";
-
 /// "magicPacket on, link off" of the keys and values of an object.
 std::string OptionsText(const Json& options) {
     std::string text;

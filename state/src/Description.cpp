@@ -14,8 +14,6 @@ namespace quillet::state {
 
 namespace {
 
-constexpr const char* kProfile = "PerformanceProfile";
-
 bool IsProfile(const Setting& setting) {
     return SameName(ToUtf8(setting.keyword), kProfile);
 }

@@ -10,6 +10,9 @@
 
 namespace quillet::state {
 
+/// The keyword of the setting that is the performance profile.
+inline constexpr const char* kProfile = "PerformanceProfile";
+
 /// A setting cannot have a value: why, as the end of a sentence.
 class ValueError : public std::runtime_error {
   public:
