@@ -19,7 +19,7 @@ wmi::ClassPtr EveryType() {
         int number = 0;
         for (const CIMTYPE type :
              {CIM_STRING, CIM_BOOLEAN, CIM_UINT8, CIM_SINT8, CIM_UINT16, CIM_SINT32, CIM_UINT64, CIM_SINT64,
-              CIM_REAL32, CIM_REAL64, CIM_CHAR16, CIM_DATETIME, CIM_REFERENCE}) {
+              CIM_REAL32, CIM_REAL64, CIM_CHAR16, CIM_DATETIME, CIM_REFERENCE, CIM_OBJECT}) {
             for (const CIMTYPE shape : {CIMTYPE(0), CIMTYPE(CIM_FLAG_ARRAY)}) {
                 wmi::Property property;
                 property.name = L"P" + std::to_wstring(number++);

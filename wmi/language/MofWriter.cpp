@@ -59,6 +59,20 @@ void AppendString(std::wstring& out, std::wstring_view text) {
     out += L'"';
 }
 
+void AppendValue(std::wstring& out, const Value& value);
+
+void AppendObject(std::wstring& out, const Instance& object) {
+    out += L"instance of " + object.definition->name + L" {";
+    for (std::size_t i = 0; i < object.values.size(); ++i) {
+        if (!object.values[i].IsNull()) {
+            out += L' ' + object.definition->properties[i].name + L" = ";
+            AppendValue(out, object.values[i]);
+            out += L';';
+        }
+    }
+    out += L" }";
+}
+
 void AppendScalar(std::wstring& out, const std::optional<Scalar>& scalar) {
     if (!scalar) {
         out += L"NULL";
@@ -70,6 +84,8 @@ void AppendScalar(std::wstring& out, const std::optional<Scalar>& scalar) {
         out += std::to_wstring(*magnitude);
     } else if (const auto* real = std::get_if<double>(&*scalar)) {
         out += RealText(*real);
+    } else if (const auto* object = std::get_if<Embedded>(&*scalar)) {
+        AppendObject(out, *object->object);
     } else {
         AppendString(out, std::get<std::wstring>(*scalar));
     }

@@ -78,7 +78,8 @@ std::optional<Number> NumberOf(const Scalar& scalar) {
     if (const auto* number = std::get_if<double>(&scalar)) {
         return Number::Of(*number);
     }
-    return NumberOfText(std::get<std::wstring>(scalar));
+    const auto* text = std::get_if<std::wstring>(&scalar);
+    return text != nullptr ? NumberOfText(*text) : std::nullopt; // an object is no number
 }
 
 /// The moment of a datetime in microseconds, brought to UTC; nothing for intervals and open digits.

@@ -59,6 +59,8 @@ bool FitsScalar(const Scalar& scalar, CIMTYPE type) noexcept {
         return number != nullptr && std::isfinite(*number) &&
                (type == CIM_REAL64 || std::fabs(*number) <= static_cast<double>(FLT_MAX));
     }
+    case CIM_OBJECT:
+        return std::holds_alternative<Embedded>(scalar);
     case CIM_STRING:
     case CIM_REFERENCE:
         return std::holds_alternative<std::wstring>(scalar);
@@ -126,6 +128,13 @@ std::size_t Value::Size() const noexcept {
     }
     const Bytes* bytes = AsBytes();
     return bytes != nullptr ? bytes->size() : 0;
+}
+
+bool operator==(const Embedded& left, const Embedded& right) {
+    return left.object == right.object ||
+           (left.object != nullptr && right.object != nullptr &&
+            SameName(left.object->definition->name, right.object->definition->name) &&
+            left.object->values == right.object->values);
 }
 
 bool operator==(const Value& left, const Value& right) {
@@ -225,6 +234,8 @@ const wchar_t* CimTypeName(CIMTYPE type) noexcept {
         return L"reference";
     case CIM_CHAR16:
         return L"char16";
+    case CIM_OBJECT:
+        return L"object";
     default:
         return nullptr;
     }
@@ -259,7 +270,7 @@ std::wstring CimTypeText(CIMTYPE type, std::wstring_view referenceClass) {
     case CIM_REFERENCE:
         return referenceClass.empty() ? L"ref" : L"ref:" + std::wstring(referenceClass);
     case CIM_OBJECT:
-        return L"object";
+        return referenceClass.empty() ? L"object" : L"object:" + std::wstring(referenceClass);
     default: {
         const wchar_t* name = CimTypeName(type);
         return name != nullptr ? name : L"string";

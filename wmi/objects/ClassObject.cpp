@@ -1,6 +1,7 @@
 // IWbemClassObject.
 #include "objects/ClassObject.h"
 
+#include "objects/EmbeddedObjects.h"
 #include "objects/QualifierSet.h"
 
 #include <quillet-wmi/Mof.h>
@@ -153,8 +154,9 @@ HRESULT ClassObject::Read(std::wstring_view name, const LocalCall* call, VARIANT
         }
     }
     if (value != nullptr) {
-        const HRESULT filled =
-            call != nullptr ? call->Fill(*found, foundType, value) : ToVariant(*found, foundType, value);
+        const HRESULT filled = IsObjectType(foundType) ? FillObjects(m_session, m_amended, *found, value)
+                               : call != nullptr       ? call->Fill(*found, foundType, value)
+                                                       : ToVariant(*found, foundType, value);
         if (FAILED(filled)) {
             return filled;
         }
@@ -206,7 +208,9 @@ HRESULT STDMETHODCALLTYPE ClassObject::Put(LPCWSTR name, LONG flags, VARIANT* va
         return call.Done(HRESULT(WBEM_E_TYPE_MISMATCH));
     }
     Value read;
-    if (const HRESULT converted = FromVariant(*value, property.type, read); FAILED(converted)) {
+    const HRESULT converted = IsObjectType(property.type) ? FromObjects(*value, property.type, read)
+                                                          : FromVariant(*value, property.type, read);
+    if (FAILED(converted)) {
         return call.Done(converted);
     }
     NamedValue put{property.name, V_VT(value), property.type, read};

@@ -10,6 +10,7 @@
 #include <wbemidl.h>
 
 #include <algorithm>
+#include <array>
 #include <set>
 
 namespace quillet::wsman {
@@ -27,7 +28,13 @@ constexpr CIMTYPE ElementType(CIMTYPE type) noexcept {
     return type & ~CIMTYPE(CIM_FLAG_ARRAY);
 }
 
+/// The qualifiers that make a text an object, and say of which class.
+constexpr std::array kEmbedded{L"EmbeddedInstance", L"EmbeddedObject"};
+
 std::string TypeName(CIMTYPE type) {
+    if (ElementType(type) == CIM_OBJECT) {
+        return "string"; // as the qualifier beside it says otherwise
+    }
     const wchar_t* name = wmi::CimTypeName(ElementType(type));
     return name == nullptr ? "string" : wmi::ToUtf8(name);
 }
@@ -105,7 +112,17 @@ void WriteTyped(XmlWriter& xml, const std::string& kind, const wmi::Property& pr
         xml.Attribute("PROPAGATED", "true");
     }
     WriteQualifiers(xml, property.qualifiers, locale);
-    WriteClassValue(xml, property.defaultValue);
+    const auto isSaid = [&](const wchar_t* name) { return property.qualifiers.Find(name) != nullptr; };
+    if (ElementType(property.type) == CIM_OBJECT &&
+        std::none_of(kEmbedded.begin(), kEmbedded.end(), isSaid)) {
+        const bool isAny = property.referenceClass.empty();
+        xml.Open("QUALIFIER").Attribute("NAME", isAny ? "EmbeddedObject" : "EmbeddedInstance");
+        xml.Attribute("TYPE", isAny ? "boolean" : "string");
+        xml.Leaf("VALUE", isAny ? "true" : wmi::ToUtf8(property.referenceClass)).Close();
+    }
+    if (ElementType(property.type) != CIM_OBJECT) {
+        WriteClassValue(xml, property.defaultValue);
+    }
     xml.Close();
 }
 
@@ -181,6 +198,17 @@ std::optional<wmi::Property> ReadTyped(const Element& element, const std::string
             .value_or(wmi::TextNumber())
             .magnitude;
     property.qualifiers = ReadQualifiers(element);
+    for (const wchar_t* mark : kEmbedded) {
+        const wmi::Qualifier* said = property.qualifiers.Find(mark);
+        if (said == nullptr || ElementType(property.type) != CIM_STRING) {
+            continue;
+        }
+        property.type = CIMTYPE(CIM_OBJECT) | (property.type & CIMTYPE(CIM_FLAG_ARRAY));
+        const wmi::Scalar* scalar = said->value.AsScalar();
+        const auto* className = scalar != nullptr ? std::get_if<std::wstring>(scalar) : nullptr;
+        property.referenceClass = className != nullptr ? *className : std::wstring();
+        return property;
+    }
     property.defaultValue = ReadClassValue(element, ElementType(property.type));
     return property;
 }

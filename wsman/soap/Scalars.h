@@ -19,8 +19,11 @@ inline std::string ScalarText(const wmi::Scalar& scalar) {
     if (const auto* natural = std::get_if<std::uint64_t>(&scalar)) {
         return std::to_string(*natural);
     }
+    if (const auto* real = std::get_if<double>(&scalar)) {
+        return wmi::ToUtf8(wmi::RealText(*real));
+    }
     const auto* text = std::get_if<std::wstring>(&scalar);
-    return wmi::ToUtf8(text != nullptr ? *text : wmi::RealText(std::get<double>(scalar)));
+    return text != nullptr ? wmi::ToUtf8(*text) : std::string(); // an object has none
 }
 
 } // namespace quillet::wsman

@@ -52,10 +52,20 @@ wmi::Scalar InOwnSign(const wmi::Scalar& scalar, CIMTYPE type) {
     }
 }
 
+/// An object inside the element of its property, which says its class.
+void WriteObject(XmlWriter& xml, const wmi::Instance& object, const Namespace& space, DateTimeForm form) {
+    const std::string name = wmi::ToUtf8(object.definition->name);
+    xml.Declare("q", ClassUri(space.name, object.definition->name));
+    xml.Attribute("xsi:type", "q:" + name + "_Type");
+    WriteProperties(xml, "q", object, space, form);
+}
+
 void WriteScalar(XmlWriter& xml, CIMTYPE type, const wmi::Scalar& scalar, const Namespace& space,
                  DateTimeForm form) {
     const auto* text = std::get_if<std::wstring>(&scalar);
-    if (text != nullptr && type == CIM_REFERENCE && wmi::ObjectPath::Parse(*text)) {
+    if (const auto* embedded = std::get_if<wmi::Embedded>(&scalar)) {
+        WriteObject(xml, *embedded->object, space, form);
+    } else if (text != nullptr && type == CIM_REFERENCE && wmi::ObjectPath::Parse(*text)) {
         WriteEndpoint(xml, EndpointOf(*text, space));
     } else if (text != nullptr && type == CIM_DATETIME) {
         const XmlDateTime written = form == DateTimeForm::Xml
@@ -119,8 +129,32 @@ std::optional<wmi::Scalar> DateTime(const Element& element) {
     return cim ? std::optional(wmi::Scalar(*cim)) : std::nullopt;
 }
 
-std::optional<wmi::Scalar> ReadScalar(const Element& element, CIMTYPE type, const Namespace& space) {
+/// An object: its class is told by the element, or is the one that the schema has. The elements may be
+/// nested no deeper than a document may be.
+std::optional<wmi::Scalar> ReadObject(const Element& element, const wmi::Property& property,
+                                      const Namespace& space) {
+    constexpr std::string_view kSuffix = "_Type";
+    std::string name = element.Attribute("type").value_or("");
+    name.erase(0, name.find(':') + 1);
+    if (name.ends_with(kSuffix)) {
+        name.resize(name.size() - kSuffix.size());
+    }
+    const std::wstring className = name.empty() ? property.referenceClass : Wide(name);
+    const wmi::ClassPtr definition =
+        space.classOf && wmi::IsIdentifier(className) ? space.classOf(className) : nullptr;
+    if (definition == nullptr) {
+        throw MessageError(wmi::ToUtf8(property.name) + " is an object of a class that is not known");
+    }
+    return wmi::Scalar(wmi::Embedded{
+        std::make_shared<const wmi::Instance>(ReadProperties(definition, element, space, Unknown::Ignored))});
+}
+
+std::optional<wmi::Scalar> ReadScalar(const Element& element, const wmi::Property& property,
+                                      const Namespace& space) {
+    const CIMTYPE type = ElementType(property.type);
     switch (type) {
+    case CIM_OBJECT:
+        return ReadObject(element, property, space);
     case CIM_STRING:
         return wmi::Scalar(element.Text());
     case CIM_BOOLEAN:
@@ -173,7 +207,7 @@ wmi::Value ReadArray(std::span<const Element> elements, const wmi::Property& pro
     array.reserve(elements.size());
     for (const Element& element : elements) {
         std::optional<wmi::Scalar> scalar;
-        if (!element.IsNil() && !(scalar = ReadScalar(element, type, space))) {
+        if (!element.IsNil() && !(scalar = ReadScalar(element, property, space))) {
             Reject(property);
         }
         array.push_back(std::move(scalar));
@@ -319,7 +353,7 @@ wmi::Value ReadValue(std::span<const Element> elements, const wmi::Property& pro
     } else if (isText && elements.size() == 1) {
         return wmi::Value(wmi::Scalar(elements.front().Text()));
     } else if (elements.size() == 1) {
-        std::optional<wmi::Scalar> scalar = ReadScalar(elements.front(), property.type, space);
+        std::optional<wmi::Scalar> scalar = ReadScalar(elements.front(), property, space);
         if (!scalar) {
             Reject(property);
         }

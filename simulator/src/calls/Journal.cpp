@@ -56,7 +56,8 @@ void AppendScalar(std::wstring& line, const std::optional<Scalar>& scalar) {
     } else if (const auto* natural = std::get_if<std::uint64_t>(&*scalar)) {
         line += std::to_wstring(*natural);
     } else {
-        line += std::to_wstring(std::get<double>(*scalar));
+        const auto* real = std::get_if<double>(&*scalar);
+        line += real != nullptr ? std::to_wstring(*real) : L"object";
     }
 }
 

@@ -34,9 +34,18 @@ struct NameLess {
     }
 };
 
+struct Instance;
+
+/// An instance that is the value of a property; never null.
+struct Embedded {
+    std::shared_ptr<const Instance> object;
+    /// Whether class and values are the same.
+    friend bool operator==(const Embedded& left, const Embedded& right);
+};
+
 /// One CIM scalar. Integers are held in the width of their signedness, strings, references and
 /// datetimes as text, char16 as an unsigned number. The CIM type itself belongs to the property.
-using Scalar = std::variant<bool, std::int64_t, std::uint64_t, double, std::wstring>;
+using Scalar = std::variant<bool, std::int64_t, std::uint64_t, double, std::wstring, Embedded>;
 
 /// A CIM value: null, one scalar, or an array whose elements may be null.
 ///
@@ -124,7 +133,7 @@ class Qualifiers {
 struct Property {
     std::wstring name;           ///< as it was declared
     CIMTYPE type = CIM_STRING;   ///< with CIM_FLAG_ARRAY for arrays
-    std::wstring referenceClass; ///< the class a CIM_REFERENCE points to
+    std::wstring referenceClass; ///< the class that a CIM_REFERENCE points to, or a CIM_OBJECT is one of
     Value defaultValue;          ///< what a new instance has
     Qualifiers qualifiers;       ///< its own and those that it inherits
     std::wstring origin;         ///< the class that declared it first
