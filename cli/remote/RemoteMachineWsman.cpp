@@ -8,7 +8,6 @@
 #include <quillet-simulator/Machine.h>
 #include <quillet-wsman/Remote.h>
 
-#include <mutex>
 #include <ostream>
 #include <stdexcept>
 

@@ -1,6 +1,8 @@
 // The power-saving and wake-on-LAN options by the keys that documents have them under.
 #pragma once
 
+#include <quillet-state/Document.h>
+
 #include <quillet/client/Power.h>
 
 #include <array>
@@ -34,5 +36,9 @@ inline constexpr std::array kWakeOptions{
 };
 
 inline constexpr std::int32_t kLastPowerMode = 2;
+
+/// What an adapter has, as documents have it.
+Json AsJson(const PowerOptions& power);
+Json AsJson(const WakeOptions& wake);
 
 } // namespace quillet::state

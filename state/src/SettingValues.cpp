@@ -204,6 +204,10 @@ const Setting* SettingCalled(const std::vector<Setting>& settings, const std::st
     return isOnly ? &*found : nullptr;
 }
 
+bool IsProfile(const Setting& setting) {
+    return SameName(ToUtf8(setting.keyword), kProfile);
+}
+
 Setting WithValue(const Setting& setting, const Json& value) {
     const bool isList = std::holds_alternative<SelectionValue>(setting.value) ||
                         std::holds_alternative<TextListValue>(setting.value);

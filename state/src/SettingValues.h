@@ -22,6 +22,9 @@ class ValueError : public std::runtime_error {
 /// The setting that a caption or, where only one has it, a display name means; null where there is none.
 const Setting* SettingCalled(const std::vector<Setting>& settings, const std::string& name);
 
+/// Whether it is the performance profile.
+bool IsProfile(const Setting& setting);
+
 /// A copy of the setting with another value. A number, or the text of one of its values; of a selection a
 /// list of these, or texts with "+" between them; of a list of texts a list. Throws ValueError.
 Setting WithValue(const Setting& setting, const Json& value);

@@ -10,8 +10,8 @@ namespace quillet::wsman {
 
 namespace {
 
-constexpr long kLongestIdle =
-    45; // seconds after which a connection is not used again: less than servers wait
+/// Seconds after which a connection is not used again: less than servers wait.
+constexpr long kLongestIdle = 45;
 constexpr int kAttempts = 2;
 constexpr std::size_t kMostKept = std::size_t{64} << 20; // bytes of an answer whose runs are folded
 constexpr std::size_t kMostIdle = 8;

@@ -10,10 +10,10 @@
 #include <wbemidl.h>
 
 #include <algorithm>
-#include <map>
 #include <mutex>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace quillet::wsman {
 
@@ -91,7 +91,7 @@ class RemoteHost final : public wmi::Host {
     void Cancel() noexcept {
         const std::lock_guard lock(m_mutex);
         m_isCancelled = true;
-        for (const auto& [host, peer] : m_peers) {
+        for (const auto& peer : m_peers) {
             peer->Cancel();
         }
     }
@@ -99,10 +99,7 @@ class RemoteHost final : public wmi::Host {
   private:
     /// The machine of a server's name; the one that the options name, for a name that means this computer.
     std::string HostOf(const std::wstring& server) const {
-        wchar_t own[256] = {};
-        DWORD length = 256;
-        const bool isOwn = server.empty() || server == L"." ||
-                           (GetComputerNameW(own, &length) != FALSE && wmi::SameName(server, own));
+        const bool isOwn = server.empty() || server == L"." || wmi::SameName(server, ThisComputer());
         std::string host = isOwn && !m_options.host.empty() ? m_options.host : wmi::ToUtf8(server);
         if (host.empty() || host == ".") {
             throw RemoteError(kServerUnavailable, "no machine is named");
@@ -128,10 +125,13 @@ class RemoteHost final : public wmi::Host {
             throw RemoteError(E_ACCESSDENIED, error.what());
         }
         const std::lock_guard lock(m_mutex);
-        std::shared_ptr<Peer>& peer = m_peers[{host, options.user}];
-        if (peer == nullptr) {
-            peer = std::make_shared<Peer>(options, host);
-        }
+        const auto known = std::find_if(m_peers.begin(), m_peers.end(), [&](const auto& each) {
+            // Whoever comes with another password has to show that it is right.
+            return each->Host() == host && each->Options().user == options.user &&
+                   each->Options().password.Reveal() == options.password.Reveal();
+        });
+        const std::shared_ptr<Peer> peer =
+            known != m_peers.end() ? *known : m_peers.emplace_back(std::make_shared<Peer>(options, host));
         if (m_isCancelled) {
             peer->Cancel();
         }
@@ -140,7 +140,7 @@ class RemoteHost final : public wmi::Host {
 
     const RemoteOptions m_options;
     std::mutex m_mutex;
-    std::map<std::pair<std::string, std::string>, std::shared_ptr<Peer>> m_peers; ///< by host and user
+    std::vector<std::shared_ptr<Peer>> m_peers; ///< one for each host and whoever asks it
     bool m_isCancelled = false;
 };
 

@@ -19,13 +19,6 @@ namespace quillet::wsman {
 
 namespace {
 
-std::wstring ThisComputer() {
-    std::array<wchar_t, 256> name{};
-    DWORD length = static_cast<DWORD>(name.size());
-    return GetComputerNameW(name.data(), &length) != FALSE ? std::wstring(name.data(), length)
-                                                           : std::wstring();
-}
-
 const std::wstring kAnyServer = L".";
 
 std::wstring_view FirstLabel(std::wstring_view name) {
@@ -100,6 +93,13 @@ bool BeginsPath(std::wstring_view text, std::size_t place) {
 
 } // namespace
 
+std::wstring ThisComputer() {
+    std::array<wchar_t, 256> name{};
+    DWORD length = static_cast<DWORD>(name.size());
+    return GetComputerNameW(name.data(), &length) != FALSE ? std::wstring(name.data(), length)
+                                                           : std::wstring();
+}
+
 wmi::Outcome Guarded(const std::function<void()>& request) {
     RememberFailure({});
     try {
@@ -167,16 +167,14 @@ Endpoint RemoteConnection::Target(const wmi::CallContext& context, std::wstring_
 }
 
 wmi::Object RemoteConnection::ObjectOf(const wmi::CallContext& context, const Element& element,
-                                       const Element& reference) const {
+                                       const Endpoint& reference) const {
     wmi::ClassPtr definition = ClassOf(context, Wide(element.Name()));
     if (definition == nullptr) {
         definition = Inferred(element);
     }
     const Namespace space = SpaceOf(context);
     auto instance = std::make_shared<wmi::Instance>(m_peer->Read(definition, element, space));
-    if (reference) {
-        TakeKeys(*instance, ReadEndpoint(reference), space);
-    }
+    TakeKeys(*instance, reference, space);
     return {definition, std::move(instance)};
 }
 
@@ -228,8 +226,7 @@ wmi::Outcome RemoteConnection::GetObject(const wmi::CallContext& context, std::w
         if (!element) {
             return; // said to be there, and not handed out
         }
-        found = ObjectOf(context, element, {});
-        TakeKeys(const_cast<wmi::Instance&>(*found.instance), message.endpoint, SpaceOf(context));
+        found = ObjectOf(context, element, message.endpoint);
     });
 }
 

@@ -8,6 +8,9 @@
 
 namespace quillet::wsman {
 
+/// The name of this computer; empty where it has none.
+std::wstring ThisComputer();
+
 /// Requests of the connection's clients as messages. Safe for many threads.
 class RemoteConnection final : public wmi::Connection {
   public:
@@ -41,7 +44,7 @@ class RemoteConnection final : public wmi::Connection {
     /// An object as an answer has it, and the reference to it where there is one: it has the keys that the
     /// object lacks. Throws MessageError, RemoteError.
     wmi::Object ObjectOf(const wmi::CallContext& context, const Element& element,
-                         const Element& reference) const;
+                         const Endpoint& reference) const;
     /// The same for one that consists of some properties of a class.
     wmi::Object ProjectionOf(const wmi::CallContext& context, const Element& element,
                              const wmi::WqlQuery& query) const;

@@ -153,7 +153,8 @@ std::optional<wmi::Object> RemoteStream::ObjectOf(const Element& item) const {
     }
     const bool isPart = m_asked.parsed && !m_asked.parsed->properties.empty();
     return isPart ? m_connection.ProjectionOf(m_context, element, *m_asked.parsed)
-                  : m_connection.ObjectOf(m_context, element, isPair ? reference : Element());
+                  : m_connection.ObjectOf(m_context, element,
+                                          isPair && reference ? ReadEndpoint(reference) : Endpoint());
 }
 
 HRESULT RemoteStream::Next(LONG timeout, std::span<wmi::Object> objects, ULONG& returned) {
