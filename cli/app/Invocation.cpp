@@ -2,6 +2,7 @@
 #include "app/Invocation.h"
 
 #include "app/SimulatedMachine.h"
+#include "files/Files.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -19,6 +20,9 @@ quillet::Session& Invocation::Session() {
                                   "--simulate it does so without this line\n";
             }
             m_machine.emplace(m_options.machineFile, m_options.stateFile, m_mayChange);
+            for (const quillet::simulator::FaultRule& fault : m_options.faults) {
+                m_machine->Machine()->Rules().Add(fault);
+            }
         }
         m_connection.emplace(m_options, m_terminal, m_machine ? m_machine->Machine() : nullptr);
     }
@@ -48,6 +52,15 @@ bool Invocation::Confirm(const std::string& question) {
     std::string answer;
     std::getline(*m_terminal.in, answer);
     return answer == "y" || answer == "Y" || answer == "yes";
+}
+
+bool Invocation::MayReplace(const std::string& file) {
+    if (FileExists(file) && !Confirm("Overwrite " + file + "?")) {
+        m_terminal.out << "nothing was written\n";
+        return false;
+    }
+    CheckReplaceable(file); // what comes before the writing may take a while
+    return true;
 }
 
 bool Invocation::ConfirmChange(const std::string& question) {

@@ -29,6 +29,8 @@ class Invocation {
     /// Disconnects, where there is a connection; what Session() yielded is gone.
     void Disconnect() noexcept { m_connection.reset(); }
 
+    /// The machine to manage; empty: this one.
+    const std::string& MachineName() const noexcept { return m_options.machine; }
     bool WantsJson() const noexcept { return m_options.json; }
     const Terminal& Screen() const noexcept { return m_terminal; }
     std::ostream& Out() noexcept { return m_terminal.out; }
@@ -39,6 +41,9 @@ class Invocation {
 
     /// Whether a person agrees, or --yes was given. Throws UsageError where nobody can be asked.
     bool Confirm(const std::string& question);
+    /// Whether a file may be written: there is none, or a person agrees to overwrite it, and else is told
+    /// that nothing was written. Throws UsageError where nobody can be asked, or it cannot be replaced.
+    bool MayReplace(const std::string& file);
     /// The same before something is deleted; a person who does not agree is told that nothing was changed.
     bool ConfirmChange(const std::string& question);
 

@@ -15,6 +15,8 @@ void AddAllCommands(CommandTree& tree) {
     AddBootCommands(tree);
     AddISCSICommands(tree);
     AddWarningsCommand(tree);
+    AddMachineCommands(tree);
+    AddReportCommand(tree);
     AddTraceCommand(tree);
     AddTransactionCommands(tree);
     AddVersionCommand(tree);

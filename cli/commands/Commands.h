@@ -16,6 +16,10 @@ void AddPowerCommands(CommandTree& tree);
 void AddTeamCommands(CommandTree& tree);
 void AddLinksecCommands(CommandTree& tree);
 void AddVlanCommands(CommandTree& tree);
+/// A whole machine: recording it.
+void AddMachineCommands(CommandTree& tree);
+/// A whole machine on one page.
+void AddReportCommand(CommandTree& tree);
 void AddWarningsCommand(CommandTree& tree);
 void AddTraceCommand(CommandTree& tree);
 void AddTransactionCommands(CommandTree& tree);

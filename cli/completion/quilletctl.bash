@@ -2,11 +2,11 @@
 # Nothing is run while it works: names of adapters and teams are not completed, for a machine would be asked.
 
 _quilletctl() {
-    local nouns="adapter setting profile power wol team linksec vlan diag boot iscsi warnings trace transaction version help"
-    local names="adapter setting profile power wol team linksec vlan diag boot iscsi warnings trace transaction version help add capabilities check create delete get identify import-pac inspect list modes modify pac-delete pac-show pmk ports primary read reapply remove run set set-auth set-keys show stats stop switch-test try verify write"
-    local everywhere="--machine --port --auth --user --password-fd --credentials --ca --insecure --plain-http --simulate --state --json --journal --yes --no-color --help --version"
+    local nouns="adapter setting profile power wol team linksec vlan diag boot iscsi warnings machine report trace transaction version help"
+    local names="adapter setting profile power wol team linksec vlan diag boot iscsi warnings machine report trace transaction version help add capabilities check create delete get identify import-pac inspect list modes modify pac-delete pac-show pmk ports primary read reapply record remove run set set-auth set-keys show stats stop switch-test try verify write"
+    local everywhere="--machine --port --auth --user --password-fd --credentials --ca --insecure --plain-http --simulate --state --fault --json --journal --yes --no-color --help --version"
     local optional="--simulate"
-    local repeatable="--type --type"
+    local repeatable="--fault --type --type"
     local -A verbs=(
         ["adapter"]="list show capabilities ports identify"
         ["setting"]="list get set"
@@ -19,6 +19,7 @@ _quilletctl() {
         ["diag"]="list run stop"
         ["boot"]="show read inspect verify write"
         ["iscsi"]="list show set"
+        ["machine"]="record"
         ["transaction"]="try"
     )
     # Options, whether one takes a value and of what kind, and what the value may be, by the command.
@@ -56,6 +57,7 @@ _quilletctl() {
         ["--ca"]="FILE"
         ["--simulate"]="FILE"
         ["--state"]="FILE"
+        ["--fault"]="RULE"
         ["adapter identify --seconds"]="NUMBER"
         ["setting list --of"]="adapter|team|vlan|boot-agent"
         ["setting get --of"]="adapter|team|vlan|boot-agent"
@@ -149,6 +151,8 @@ _quilletctl() {
         ["boot inspect 1"]="file"
         ["boot verify 1"]="file"
         ["boot write 1"]="file"
+        ["machine record 0"]="file"
+        ["report 0"]="file"
     )
 
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
