@@ -19,15 +19,8 @@ constexpr std::array<std::wstring_view, 5> kSecretWords{L"password", L"secret", 
                                                         L"passphrase"};
 
 bool IsSecretSetting(const Instance& instance) {
-    if (!instance.definition->IsA(L"Zorel_Setting")) {
-        return false;
-    }
-    std::wstring keyword = instance.Text(L"Caption") + L' ' + instance.Text(L"Description");
-    std::ranges::transform(keyword, keyword.begin(), [](wchar_t each) {
-        return static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(each)));
-    });
-    return std::ranges::any_of(
-        kSecretWords, [&](std::wstring_view word) { return keyword.find(word) != std::wstring::npos; });
+    return instance.definition->IsA(L"Zorel_Setting") &&
+           NamesASecret(instance.Text(L"Caption") + L' ' + instance.Text(L"Description"));
 }
 
 bool IsValueOfSetting(const Property& property) {
@@ -54,6 +47,14 @@ Value StandInFor(const Value& value) {
 }
 
 } // namespace
+
+bool NamesASecret(std::wstring names) {
+    std::ranges::transform(names, names.begin(), [](wchar_t each) {
+        return static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(each)));
+    });
+    return std::ranges::any_of(
+        kSecretWords, [&](std::wstring_view word) { return names.find(word) != std::wstring::npos; });
+}
 
 std::size_t HideSecrets(Instance& instance) {
     const bool isSecretSetting = IsSecretSetting(instance);

@@ -1,6 +1,7 @@
 // Holding values against their defaults.
 #include "commands/report/Differences.h"
 
+#include "recording/Secrets.h"
 #include "texts/Text.h"
 
 #include <algorithm>
@@ -31,6 +32,11 @@ Setting WithDefault(Setting setting) {
 /// The current value, in words where the provider has some.
 std::string ValueText(const Setting& setting) {
     const std::wstring current = quillet::CurrentText(setting);
+    // A page goes through many hands.
+    if (!quillet::CurrentNumber(setting) && !current.empty() &&
+        NamesASecret(setting.keyword + L' ' + setting.description)) {
+        return ToUtf8(kSecretStandIn);
+    }
     const auto* choice = std::get_if<quillet::ChoiceValue>(&setting.value);
     if (choice != nullptr) {
         const auto found = std::ranges::find(choice->choices, current, &quillet::Choice::value);

@@ -122,7 +122,9 @@ void DrawLink(Canvas& canvas, const Link& link) {
                     (link.isActive ? "" : " q-inactive"));
     // Beside the frame of the slot, which ends where the port's does, but for a gap.
     const int x = link.fromX + 2 * kPadding;
-    canvas.SmallText(x, link.fromY - kBesideLine, link.role, kRoleWidth - 2 * kPadding);
+    if (!link.role.empty()) {
+        canvas.SmallText(x, link.fromY - kBesideLine, link.role, kRoleWidth - 2 * kPadding);
+    }
     if (!link.status.empty()) {
         canvas.SmallText(x, link.fromY + kDetailSize + 3, link.status, kRoleWidth - 2 * kPadding);
     }

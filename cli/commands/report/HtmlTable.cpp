@@ -12,25 +12,26 @@ HtmlTable::HtmlTable(std::vector<HtmlColumn> columns) : m_columns(std::move(colu
 void HtmlTable::AddRow(const std::vector<std::string>& cells) {
     m_rows += "<tr role=\"row\">";
     for (std::size_t i = 0; i < m_columns.size(); ++i) {
-        constexpr std::size_t kShort = 20;
-        const auto& [title, wrap] = m_columns[i];
         const std::string cell = i < cells.size() && !cells[i].empty() ? Escaped(cells[i]) : "–";
-        const std::string look = wrap == Wrap::Seldom && cell.size() <= kShort ? " class=\"short\"" : "";
         m_rows +=
             i == 0 ? "<th scope=\"row\" role=\"rowheader\">" + cell + "</th>"
-                   : "<td role=\"cell\"" + look + " data-title=\"" + Escaped(title) + "\">" + cell + "</td>";
+                   : "<td role=\"cell\" data-title=\"" + Escaped(m_columns[i].title) + "\">" + cell + "</td>";
     }
     m_rows += "</tr>\n";
 }
 
 std::string HtmlTable::Markup(const std::string& none) const {
     if (m_rows.empty()) {
-        return Paragraph(none);
+        return none.empty() ? none : Paragraph(none);
     }
     // The roles stay when narrow screens show cells as blocks.
-    std::string markup = "<table role=\"table\"><thead role=\"rowgroup\"><tr role=\"row\">";
-    for (const auto& [title, wrap] : m_columns) {
-        markup += "<th scope=\"col\" role=\"columnheader\">" + Escaped(title) + "</th>";
+    std::string markup = "<table role=\"table\"><colgroup>";
+    for (const HtmlColumn& column : m_columns) {
+        markup += "<col style=\"width: " + std::to_string(column.share) + "%\">";
+    }
+    markup += "</colgroup><thead role=\"rowgroup\"><tr role=\"row\">";
+    for (const HtmlColumn& column : m_columns) {
+        markup += "<th scope=\"col\" role=\"columnheader\">" + Escaped(column.title) + "</th>";
     }
     return markup + "</tr></thead>\n<tbody role=\"rowgroup\">\n" + m_rows + "</tbody></table>\n";
 }

@@ -6,12 +6,9 @@
 
 namespace quilletctl {
 
-/// Whether a cell may be broken into lines.
-enum class Wrap { Usually, Seldom };
-
 struct HtmlColumn {
     std::string title;
-    Wrap wrap = Wrap::Usually; ///< `Seldom`: only texts that are longer than they should be
+    int share; ///< of the table's width, in per cent
 };
 
 /// Rows under titles (UTF-8, escaped here). Where the screen is narrow each cell stands below its title, so
@@ -21,7 +18,7 @@ class HtmlTable {
     explicit HtmlTable(std::vector<HtmlColumn> columns);
     /// One cell per title; the first one names the row.
     void AddRow(const std::vector<std::string>& cells);
-    /// The markup; the sentence where there are no rows.
+    /// The markup; the sentence (which may be empty) where there are no rows.
     std::string Markup(const std::string& none) const;
 
   private:

@@ -22,17 +22,17 @@ h2 { font-size: 1.2rem; margin: 2rem 0 .5rem; }
 p, ul { margin: .5rem 0; }
 .made { color: var(--q-muted); }
 .drawing { overflow-x: auto; border: 1px solid var(--q-line); border-radius: 6px; }
-.drawing svg { display: block; width: 100%; height: auto; }
+.drawing svg { display: block; width: 100%; height: auto; margin: 0 auto; }
 .drawing:focus-visible { outline: 3px solid var(--q-accent); outline-offset: 2px; }
-table { width: 100%; border-collapse: collapse; font-size: .9rem; }
-th, td { text-align: left; vertical-align: top; padding: .35rem .6rem; border-bottom: 1px solid var(--q-line); }
+table { width: 100%; table-layout: fixed; border-collapse: collapse; font-size: .9rem; }
+th, td { text-align: left; vertical-align: top; padding: .35rem .5rem; border-bottom: 1px solid var(--q-line); }
 thead th { color: var(--q-muted); font-weight: 600; }
 tbody th { font-weight: 600; }
 ul { padding-left: 1.4rem; }
 .untold, .notice { border-left: .3rem solid var(--q-bad); padding-left: .7rem; }
 .notice { padding-left: 1.7rem; }
-.short { white-space: nowrap; }
-@media (max-width: 40rem) {
+
+@media (max-width: 48rem) {
   thead { position: absolute; clip-path: inset(50%); width: 1px; height: 1px; overflow: hidden; }
   table, tbody, tr, th, td { display: block; }
   tr { border-bottom: 1px solid var(--q-line); padding: .4rem 0; }
@@ -76,6 +76,24 @@ std::string DrawingStyle(const MachineFacts& facts) {
            "px; min-width: " + std::to_string(width * 4 / 5) + "px; } }\n";
 }
 
+/// What the tables call a member: its display name may be that of others, too.
+std::string MemberName(const quillet::TeamMember& member, const MachineFacts& facts) {
+    const auto found = std::ranges::find_if(facts.adapters.value, [&](const AdapterFacts& each) {
+        return SameIgnoringCase(ToUtf8(each.overview.objectId), ObjectIdIn(member.id));
+    });
+    return found == facts.adapters.value.end() ? ToUtf8(member.displayName) : NameOf(found->overview);
+}
+
+/// What stands in place of a table without rows.
+std::string NoRows(const std::string& failure) {
+    return failure.empty() ? "There are none." : "";
+}
+/// The same of a table about adapters and teams, which may not be known.
+std::string NoRows(const MachineFacts& facts) {
+    return facts.adapters.failure.empty() && facts.teams.failure.empty() ? "There are none."
+                                                                         : "None is told.";
+}
+
 /// What somebody should look at, first of all.
 std::string Notices(const MachineFacts& facts) {
     std::string notices;
@@ -100,13 +118,13 @@ std::string Notices(const MachineFacts& facts) {
     for (const TeamFacts& team : facts.teams.value) {
         for (const quillet::TeamMember& member : team.members.value) {
             if (member.status != quillet::MemberStatus::Active) {
-                notices += Notice("Team " + ToUtf8(team.team.name) + ": " + ToUtf8(member.displayName) +
+                notices += Notice("Team " + ToUtf8(team.team.name) + ": " + MemberName(member, facts) +
                                   " is " + ToUtf8(quillet::Text(member.status)));
             }
         }
     }
-    return Heading("Warnings") +
-           (notices.empty() ? Paragraph("None is pending.")
+    return Heading("Warnings") + NotTold("the pending warnings of the machine", facts.warnings.failure) +
+           (notices.empty() ? (facts.warnings.failure.empty() ? Paragraph("None is pending.") : "")
                             : "<ul class=\"notice\">\n" + notices + "</ul>\n") +
            Paragraph("Whether a restart is needed a provider tells only when something is changed; the "
                      "command that "
@@ -114,12 +132,12 @@ std::string Notices(const MachineFacts& facts) {
 }
 
 std::string Adapters(const MachineFacts& facts) {
-    HtmlTable table({{"Adapter"},
-                     {"Slot and port", Wrap::Seldom},
-                     {"Hardware"},
-                     {"Link"},
-                     {"MAC address", Wrap::Seldom},
-                     {"Team"}});
+    HtmlTable table({{"Adapter", 26},
+                     {"Slot and port", 15},
+                     {"State", 12},
+                     {"Link", 14},
+                     {"MAC address", 22},
+                     {"Team", 11}});
     for (const auto& [overview, failure, warnings, settings, vlans, agent, bootSettings, tests] :
          facts.adapters.value) {
         const auto& state = overview.state;
@@ -133,15 +151,15 @@ std::string Adapters(const MachineFacts& facts) {
              hardware ? ToUtf8(hardware->macAddress) : "not told", ToUtf8(overview.teamName)});
     }
     return Heading("Adapters") + NotTold("all adapters", facts.adapters.failure) +
-           table.Markup("There are none.");
+           table.Markup(NoRows(facts.adapters.failure));
 }
 
 std::string Teams(const MachineFacts& facts) {
-    HtmlTable table({{"Team"}, {"Mode"}, {"Status"}, {"Members"}});
+    HtmlTable table({{"Team", 20}, {"Mode", 22}, {"Status", 13}, {"Members", 45}});
     for (const TeamFacts& team : facts.teams.value) {
         std::string members;
         for (const quillet::TeamMember& member : team.members.value) {
-            members += (members.empty() ? "" : "; ") + ToUtf8(member.displayName) + " (" +
+            members += (members.empty() ? "" : "; ") + MemberName(member, facts) + " (" +
                        ToUtf8(quillet::Text(member.role)) + ", " + ToUtf8(quillet::Text(member.status)) + ")";
         }
         table.AddRow({ToUtf8(team.team.name), ToUtf8(quillet::Text(team.team.mode)),
@@ -150,11 +168,12 @@ std::string Teams(const MachineFacts& facts) {
                                  : members.empty()            ? "not told"
                                                               : "; others are not told")});
     }
-    return Heading("Teams") + NotTold("all teams", facts.teams.failure) + table.Markup("There are none.");
+    return Heading("Teams") + NotTold("all teams", facts.teams.failure) +
+           table.Markup(NoRows(facts.teams.failure));
 }
 
 std::string Vlans(const MachineFacts& facts) {
-    HtmlTable table({{"On"}, {"VLAN", Wrap::Seldom}, {"Name"}, {"Status"}});
+    HtmlTable table({{"On", 40}, {"VLAN", 15}, {"Name", 25}, {"Status", 20}});
     std::string untold;
     const auto add = [&](const std::string& parent, const Told<std::vector<quillet::Vlan>>& vlans) {
         for (const quillet::Vlan& vlan : vlans.value) {
@@ -169,11 +188,11 @@ std::string Vlans(const MachineFacts& facts) {
     for (const AdapterFacts& adapter : facts.adapters.value) {
         add(NameOf(adapter.overview), adapter.vlans);
     }
-    return Heading("VLANs") + untold + table.Markup("There are none.");
+    return Heading("VLANs") + untold + table.Markup(NoRows(facts));
 }
 
 std::string Settings(const MachineFacts& facts) {
-    HtmlTable table({{"Of"}, {"Setting"}, {"Value"}, {"Default"}});
+    HtmlTable table({{"Of", 30}, {"Setting", 22}, {"Value", 26}, {"Default", 22}});
     for (const Difference& each : DifferencesFromDefaults(facts)) {
         table.AddRow({each.owner, each.setting, each.value, each.standard});
     }
@@ -181,7 +200,7 @@ std::string Settings(const MachineFacts& facts) {
     for (const AdapterFacts& adapter : facts.adapters.value) {
         untold += NotTold("all settings of " + NameOf(adapter.overview), adapter.settings.failure);
     }
-    return Heading("Settings that differ from their defaults") + untold + table.Markup("There are none.");
+    return Heading("Settings that differ from their defaults") + untold + table.Markup(NoRows(facts));
 }
 
 std::string IscsiText(const MachineFacts& facts, const std::wstring& objectId) {
@@ -203,7 +222,8 @@ std::string IscsiText(const MachineFacts& facts, const std::wstring& objectId) {
 }
 
 std::string BootAgents(const MachineFacts& facts) {
-    HtmlTable table({{"Boot agent of"}, {"Version"}, {"Image in flash"}, {"Update"}, {"iSCSI boot"}});
+    HtmlTable table(
+        {{"Boot agent of", 32}, {"Version", 16}, {"Image in flash", 20}, {"Update", 14}, {"iSCSI boot", 18}});
     for (const AdapterFacts& adapter : facts.adapters.value) {
         const auto& agent = adapter.bootAgent.value;
         if (agent) {
@@ -215,11 +235,11 @@ std::string BootAgents(const MachineFacts& facts) {
         }
     }
     return Heading("Boot agents and iSCSI") + NotTold("the places in iSCSI boot", facts.iscsi.failure) +
-           table.Markup("There are none.");
+           table.Markup(NoRows(facts));
 }
 
 std::string Diagnostics(const MachineFacts& facts) {
-    HtmlTable table({{"Adapter"}, {"Test"}, {"State"}, {"Result"}});
+    HtmlTable table({{"Adapter", 28}, {"Test", 30}, {"State", 15}, {"Result", 27}});
     for (const AdapterFacts& adapter : facts.adapters.value) {
         for (const auto& [test, result] : adapter.tests.value) {
             table.AddRow({NameOf(adapter.overview), ToUtf8(test.name), ToUtf8(result.stateText),
@@ -229,7 +249,8 @@ std::string Diagnostics(const MachineFacts& facts) {
             table.AddRow({NameOf(adapter.overview), "not told"});
         }
     }
-    return Heading("Last results of diagnostic tests") + table.Markup("No test has been run.");
+    return Heading("Last results of diagnostic tests") +
+           table.Markup(facts.adapters.failure.empty() ? "No test has been run." : "None is told.");
 }
 
 std::string Untold(const MachineFacts& facts) {

@@ -25,14 +25,17 @@ Json Ask(const Words& machine, const Words& line) {
     return Json{{"status", run.status}, {"answer", Json::parse(run.out)}};
 }
 
-/// Every command that only reads, about everything that the machine has.
-std::vector<Words> ReadingCommands(const Words& machine) {
+/// Every command that only reads, about everything that the machine has, or about its first adapters.
+std::vector<Words> ReadingCommands(const Words& machine, std::size_t adapters) {
     std::vector<Words> lines{{"adapter", "list"}, {"profile", "list"}, {"vlan", "list"}, {"team", "list"},
                              {"team", "modes"},   {"iscsi", "list"},   {"warnings"}};
     const auto listed = [&](const char* noun, const char* key) {
         return Json(Ask(machine, {noun, "list"})["answer"][key]);
     };
     for (const Json& adapter : listed("adapter", "adapters")) {
+        if (adapters-- == 0) {
+            break;
+        }
         const std::string name = adapter["path"];
         for (const Words& verb : {Words{"adapter", "show"},
                                   {"adapter", "capabilities"},
@@ -68,12 +71,12 @@ std::vector<Words> ReadingCommands(const Words& machine) {
 class RecordTest : public CommandLine {
   protected:
     /// Records a machine, and holds what the record answers against what the machine does.
-    void ExpectSameAnswers(const Words& machine) {
+    void ExpectSameAnswers(const Words& machine, std::size_t adapters = 10) {
         const std::string record = Utf8(InFolder("record.mof"));
         const Outcome recorded = RunCommandLine(machine + Words{"machine", "record", record});
         ASSERT_EQ(recorded.status, 0) << recorded.out << recorded.err;
-        const std::vector<Words> lines = ReadingCommands(machine);
-        EXPECT_GT(lines.size(), 100U);
+        const std::vector<Words> lines = ReadingCommands(machine, adapters);
+        EXPECT_GT(lines.size(), 16 * adapters);
         for (const Words& line : lines) {
             EXPECT_EQ(Ask(machine, line), Ask({"--simulate", record}, line)) << testing::PrintToString(line);
         }
@@ -98,7 +101,7 @@ TEST_F(RecordTest, MachineAfterChanges_AnswersAsItself) {
         const Outcome run = RunCommandLine(machine + change);
         ASSERT_EQ(run.status, 0) << run.err;
     }
-    ExpectSameAnswers(machine);
+    ExpectSameAnswers(machine, 3);
 }
 
 TEST_F(RecordTest, FlashMemory_IsTheSame) {
