@@ -29,6 +29,14 @@ quillet::Session& Invocation::Session() {
     return m_connection->Session();
 }
 
+quillet::Session& Invocation::Reconnect() {
+    if (IsOutdated()) {
+        m_connection.reset();
+        m_machine.reset();
+    }
+    return m_connection ? m_connection->Reconnect() : Session();
+}
+
 void PrintJson(const Json& json, std::ostream& out) {
     constexpr int kIndent = 2;
     out << json.dump(kIndent, ' ', false, Json::error_handler_t::replace) << '\n';
@@ -37,6 +45,11 @@ void PrintJson(const Json& json, std::ostream& out) {
 void Invocation::Print(const Json& json) {
     m_hasAnswered = true;
     PrintJson(json, m_terminal.out);
+}
+
+void Invocation::PrintLine(const Json& json) {
+    m_hasAnswered = true;
+    m_terminal.out << json.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
 bool Invocation::Confirm(const std::string& question) {

@@ -26,6 +26,11 @@ class Invocation {
 
     /// The session with the provider; connects when it is first asked for. Throws Refusal or UsageError.
     quillet::Session& Session();
+    /// The session anew: after a failure, or where the simulated machine is another now in its state file.
+    /// Throws as Session(), and can be tried again then.
+    quillet::Session& Reconnect();
+    /// Whether somebody else has changed the simulated machine's state file since it was read.
+    bool IsOutdated() const { return m_machine && m_machine->IsOutdated(); }
     /// Disconnects, where there is a connection; what Session() yielded is gone.
     void Disconnect() noexcept { m_connection.reset(); }
 
@@ -36,6 +41,8 @@ class Invocation {
     std::ostream& Out() noexcept { return m_terminal.out; }
     /// Writes the command's answer for programs.
     void Print(const Json& json);
+    /// Writes one of several such answers, on a line of its own.
+    void PrintLine(const Json& json);
     /// Whether that was done.
     bool HasAnswered() const noexcept { return m_hasAnswered; }
 

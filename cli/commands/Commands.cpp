@@ -17,6 +17,7 @@ void AddAllCommands(CommandTree& tree) {
     AddWarningsCommand(tree);
     AddMachineCommands(tree);
     AddReportCommand(tree);
+    AddMonitorCommand(tree);
     AddTraceCommand(tree);
     AddTransactionCommands(tree);
     AddVersionCommand(tree);

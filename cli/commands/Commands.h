@@ -18,6 +18,8 @@ void AddLinksecCommands(CommandTree& tree);
 void AddVlanCommands(CommandTree& tree);
 /// A whole machine: recording it.
 void AddMachineCommands(CommandTree& tree);
+/// What changes, as it happens.
+void AddMonitorCommand(CommandTree& tree);
 /// A whole machine on one page.
 void AddReportCommand(CommandTree& tree);
 void AddWarningsCommand(CommandTree& tree);

@@ -2,8 +2,8 @@
 # Nothing is run while it works: names of adapters and teams are not completed, for a machine would be asked.
 
 _quilletctl() {
-    local nouns="adapter setting profile power wol team linksec vlan diag boot iscsi warnings machine report trace transaction version help"
-    local names="adapter setting profile power wol team linksec vlan diag boot iscsi warnings machine report trace transaction version help add capabilities check create delete get identify import-pac inspect list modes modify pac-delete pac-show pmk ports primary read reapply record remove run set set-auth set-keys show stats stop switch-test try verify write"
+    local nouns="adapter setting profile power wol team linksec vlan diag boot iscsi warnings machine report monitor trace transaction version help"
+    local names="adapter setting profile power wol team linksec vlan diag boot iscsi warnings machine report monitor trace transaction version help add capabilities check create delete get identify import-pac inspect list modes modify pac-delete pac-show pmk ports primary read reapply record remove run set set-auth set-keys show stats stop switch-test try verify write"
     local everywhere="--machine --port --auth --user --password-fd --credentials --ca --insecure --plain-http --simulate --state --fault --json --journal --yes --no-color --help --version"
     local optional="--simulate"
     local repeatable="--fault --type --type"
@@ -45,6 +45,7 @@ _quilletctl() {
         ["diag run"]="--interval"
         ["boot verify"]="--type"
         ["boot write"]="--type"
+        ["monitor"]="--interval --for --count"
         ["trace"]="--lines"
     )
     local -A takes=(
@@ -112,6 +113,9 @@ _quilletctl() {
         ["diag run --interval"]="NUMBER"
         ["boot verify --type"]="TYPE"
         ["boot write --type"]="TYPE"
+        ["monitor  --interval"]="NUMBER"
+        ["monitor  --for"]="NUMBER"
+        ["monitor  --count"]="NUMBER"
         ["trace  --lines"]="NUMBER"
     )
     local -A values=(

@@ -6,27 +6,17 @@
 #include "files/Files.h"
 #include "terminal/Progress.h"
 #include "texts/Text.h"
+#include "texts/UtcText.h"
 
 #include <nlohmann/json.hpp>
 
-#include <array>
 #include <chrono>
-#include <ctime>
 #include <memory>
 #include <optional>
 
 namespace quilletctl {
 
 namespace {
-
-std::string Now() {
-    const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
-    const std::tm* parts = std::gmtime(&now);
-    std::array<char, 32> text{};
-    const std::size_t length =
-        parts == nullptr ? 0 : std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M UTC", parts);
-    return {text.data(), length};
-}
 
 bool EndsIn(const std::string& file, std::string_view ending) {
     return file.size() > ending.size() &&
@@ -51,8 +41,10 @@ class WriteReport final : public Command {
         }
         const MachineFacts facts = Read(run, isDrawing ? Detail::Drawing : Detail::All);
         run.HoldInterrupts();
-        ReplaceFile(m_file, isDrawing ? DrawMachine(facts)
-                                      : PageOf(facts, "Made by quilletctl " QUILLETCTL_VERSION ", " + Now()));
+        ReplaceFile(m_file, isDrawing
+                                ? DrawMachine(facts)
+                                : PageOf(facts, "Made by quilletctl " QUILLETCTL_VERSION ", " +
+                                                    UtcText(std::chrono::system_clock::now(), " ") + " UTC"));
         Tell(run, facts);
         return ExitStatus::Done;
     }
