@@ -103,15 +103,14 @@ std::string NameOf(const quillet::AdapterOverview& overview) {
 }
 
 MachineFacts ReadMachineFacts(quillet::Session& session, const std::string& machine, Detail detail,
-                              const std::function<void(const std::string&)>& progress) {
+                              const FactsProgress& progress) {
     MachineFacts facts{.machine = machine};
     Reader reader(session, facts);
-    progress("reading the adapters");
+    progress("Reading the adapters", 0, 0);
     auto overviews = reader.Ask("the adapters", [&] { return session.AdapterOverviews(); });
     facts.adapters.failure = overviews.failure;
     for (quillet::AdapterOverview& overview : overviews.value) {
-        progress("reading adapter " + std::to_string(facts.adapters.value.size() + 1) + " of " +
-                 std::to_string(overviews.value.size()));
+        progress("Reading " + NameOf(overview), facts.adapters.value.size(), overviews.value.size());
         AdapterFacts adapter{.overview = std::move(overview)};
         const std::string name = NameOf(adapter.overview);
         if (adapter.overview.failure) {
@@ -124,7 +123,7 @@ MachineFacts ReadMachineFacts(quillet::Session& session, const std::string& mach
         }
         facts.adapters.value.push_back(std::move(adapter));
     }
-    progress("reading the teams");
+    progress("Reading the teams", overviews.value.size(), overviews.value.size());
     const auto teams = reader.Ask("the teams", [&] { return session.Teams(); });
     facts.teams.failure = teams.failure;
     for (const quillet::Team& team : teams.value) {

@@ -58,11 +58,13 @@ enum class Detail {
     All
 };
 
+using FactsProgress = std::function<void(const std::string& what, std::size_t done, std::size_t all)>;
+
 /// Asks for everything; what fails is told in its place.
 /// @param machine  what the machine is called
-/// @param progress told what is read next
+/// @param progress told what is read next, and how many of how many adapters are read
 MachineFacts ReadMachineFacts(quillet::Session& session, const std::string& machine, Detail detail,
-                              const std::function<void(const std::string&)>& progress);
+                              const FactsProgress& progress);
 
 /// What an adapter is called (UTF-8).
 std::string NameOf(const quillet::AdapterOverview& overview);

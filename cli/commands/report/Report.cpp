@@ -57,11 +57,12 @@ class WriteReport final : public Command {
             bar.emplace(run.Screen());
         }
         const std::string machine = run.MachineName().empty() ? "this machine" : run.MachineName();
-        return ReadMachineFacts(session, machine, detail, [&](const std::string& what) {
-            if (bar) {
-                bar->Show(what);
-            }
-        });
+        return ReadMachineFacts(
+            session, machine, detail, [&](const std::string& what, std::size_t done, std::size_t all) {
+                if (bar) {
+                    bar->Show(what, all == 0 ? std::nullopt : std::optional(Pieces{done, all}));
+                }
+            });
     }
 
     void Tell(Invocation& run, const MachineFacts& facts) const {

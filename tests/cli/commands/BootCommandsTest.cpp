@@ -355,6 +355,37 @@ TEST(BarTest, MovesThereAndBack) {
     EXPECT_EQ(quilletctl::BarPicture(32), quilletctl::BarPicture(0));
 }
 
+TEST(BarTest, WithPieces_FillsUp) {
+    EXPECT_EQ(quilletctl::BarPicture(quilletctl::Pieces{0, 10}), "[                    ]");
+    EXPECT_EQ(quilletctl::BarPicture(quilletctl::Pieces{5, 10}), "[##########          ]");
+    EXPECT_EQ(quilletctl::BarPicture(quilletctl::Pieces{10, 10}), "[####################]");
+    EXPECT_EQ(quilletctl::BarPicture(quilletctl::Pieces{3, 0}), "[                    ]");
+}
+
+TEST(BarTest, TimeLeft_IsToldWhereItCanBeKnown) {
+    using quilletctl::Pieces;
+    using quilletctl::TimeText;
+    using namespace std::chrono_literals;
+    EXPECT_EQ(TimeText(7s, std::nullopt), "7 s");
+    EXPECT_EQ(TimeText(185s, std::nullopt), "3 min 5 s");
+    EXPECT_EQ(TimeText(10s, Pieces{1, 4}), "10 s, about 30 s left");
+    EXPECT_EQ(TimeText(90s, Pieces{2, 4}), "1 min 30 s, about 1 min 30 s left");
+    EXPECT_EQ(TimeText(1s, Pieces{1, 4}), "1 s") << "too early to tell";
+    EXPECT_EQ(TimeText(10s, Pieces{0, 4}), "10 s");
+    EXPECT_EQ(TimeText(10s, Pieces{4, 4}), "10 s");
+}
+
+TEST_F(BootCommandsTest, BootWrite_OnATerminal_TellsTheTimeThatHasGone) {
+    const std::string file = File("new.img", Image());
+    const Outcome outcome =
+        Run({"boot", "write", "{A}", file, "--yes", "--fault", "ExecMethod:ProgramFlashEx=Delay:1300"},
+            {.isTerminal = true});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_THAT(outcome.out, HasSubstr("do not switch off  0 s"));
+    EXPECT_THAT(outcome.out, HasSubstr("do not switch off  1 s"));
+    EXPECT_THAT(outcome.out, Not(HasSubstr("left")));
+}
+
 TEST(BarTest, KeepsMovingWhileACallDoesNotReturn) {
     std::ostringstream out;
     const quilletctl::Terminal terminal{.out = out, .err = out, .outIsTerminal = true, .width = 30};
