@@ -134,7 +134,7 @@ Json AsJson(const Event& event, Moment when) {
 }
 
 std::string AsText(const Event& event, Moment when, const Terminal& screen) {
-    constexpr std::size_t kLeast = 16;
+    constexpr std::size_t kLeastName = 16;
     // A person knows the day; whoever reads a file may not.
     const std::string time = UtcText(when, " ");
     const std::string before =
@@ -143,8 +143,8 @@ std::string AsText(const Event& event, Moment when, const Terminal& screen) {
     std::string name = event.name;
     if (screen.outIsTerminal) {
         const std::size_t others = DisplayWidth(before) + DisplayWidth(Printable(after));
-        name =
-            Shortened(Printable(name), std::max(kLeast, screen.width > others ? screen.width - others : 0));
+        name = Shortened(Printable(name),
+                         std::max(kLeastName, screen.width > others ? screen.width - others : 0));
     }
     return Printable(before + name + after);
 }

@@ -2,6 +2,7 @@
 #include "commands/monitor/Snapshot.h"
 
 #include "names/ObjectPath.h"
+#include "texts/LinkText.h"
 #include "texts/Text.h"
 
 #include <windows.h>
@@ -24,13 +25,6 @@ constexpr std::size_t CallsOfList(std::size_t count) {
 constexpr std::size_t kCallsOfState = 1;
 /// Its adapter is asked for its state and its names, on top of the list.
 constexpr std::size_t kCallsOfMember = 4;
-
-std::string LinkText(const quillet::AdapterState& state) {
-    if (state.hardware != quillet::HardwareStatus::LinkPresent) {
-        return ToUtf8(quillet::Text(state.hardware));
-    }
-    return ToUtf8(quillet::Text(state.speed)) + ", " + ToUtf8(quillet::Text(state.duplex));
-}
 
 /// Does something about one thing; what does not exist any more is no failure.
 template <class Step>

@@ -18,7 +18,7 @@ constexpr const char* kStrong = "q-strong";
 /// The part of a link that is straight, with its role.
 constexpr int kRoleWidth = 92;
 
-constexpr const char* kStyle = R"(
+constexpr const char* kDrawingStyle = R"(
 .q-drawing text { fill: var(--q-text); font: 13px system-ui, "Segoe UI", "DejaVu Sans", sans-serif; }
 .q-drawing .q-small { fill: var(--q-muted); font-size: 11px; }
 .q-drawing .q-strong { font-weight: 600; }
@@ -215,7 +215,7 @@ std::string DrawMachine(const MachineFacts& facts) {
            width + "\" height=\"" + height + "\" viewBox=\"0 0 " + width + ' ' + height +
            "\">\n<title id=\"q-title\">" + Escaped("Network adapters of " + facts.machine) +
            "</title>\n<desc id=\"q-summary\">" + Escaped(Summary(facts, layout)) + "</desc>\n<style>" +
-           SharedStyle() + kStyle + "</style>\n" +
+           SharedStyle() + kDrawingStyle + "</style>\n" +
            "<rect class=\"q-paper\" width=\"100%\" height=\"100%\"/>\n" + canvas.Svg() + "</svg>\n";
 }
 

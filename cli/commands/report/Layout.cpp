@@ -2,6 +2,7 @@
 #include "commands/report/Layout.h"
 
 #include "names/ObjectPath.h"
+#include "texts/LinkText.h"
 #include "texts/Text.h"
 
 #include <algorithm>
@@ -29,13 +30,6 @@ constexpr int kVlanPadding = 6;
 constexpr std::size_t kVlansInAColumn = 8;
 constexpr int kBandGap = 18;
 constexpr int kLeastHeight = 60;
-
-std::string LinkText(const quillet::AdapterState& state) {
-    if (state.hardware != quillet::HardwareStatus::LinkPresent) {
-        return ToUtf8(quillet::Text(state.hardware));
-    }
-    return ToUtf8(quillet::Text(state.speed)) + ", " + ToUtf8(quillet::Text(state.duplex));
-}
 
 PortSign SignOf(const quillet::AdapterState& state) {
     const bool isTroubled = state.conditions.Has(quillet::AdapterCondition::DriverProblem) ||

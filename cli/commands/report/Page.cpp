@@ -14,7 +14,7 @@ namespace quilletctl {
 
 namespace {
 
-constexpr const char* kStyle = R"(* { box-sizing: border-box; }
+constexpr const char* kPageStyle = R"(* { box-sizing: border-box; }
 body { margin: 0 auto; max-width: 62rem; padding: 1rem; background: var(--q-paper); color: var(--q-text);
   font: 1rem/1.5 system-ui, "Segoe UI", "DejaVu Sans", sans-serif; overflow-wrap: anywhere; }
 h1 { font-size: 1.6rem; line-height: 1.25; margin: .5rem 0; }
@@ -273,8 +273,9 @@ std::string PageOf(const MachineFacts& facts, const std::string& made) {
            "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src "
            "'unsafe-inline'\">\n"
            "<style>\n" +
-           SharedStyle() + kStyle + DrawingStyle(facts) + "</style>\n</head>\n<body>\n<main>\n<h1>" + title +
-           "</h1>\n<p class=\"made\">" + Escaped(made) + "</p>\n" + Notices(facts) + Heading("Connections") +
+           SharedStyle() + kPageStyle + DrawingStyle(facts) + "</style>\n</head>\n<body>\n<main>\n<h1>" +
+           title + "</h1>\n<p class=\"made\">" + Escaped(made) + "</p>\n" + Notices(facts) +
+           Heading("Connections") +
            "<div class=\"drawing\" tabindex=\"0\" role=\"region\" aria-label=\"Drawing of the "
            "connections\">\n" +
            DrawMachine(facts) + "</div>\n" + Adapters(facts) + Teams(facts) + Vlans(facts) + Settings(facts) +

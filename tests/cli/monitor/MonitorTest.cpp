@@ -58,8 +58,9 @@ TEST(EventsTest, OnATerminal_LongNamesGiveWayAndNothingSteersIt) {
         return Snapshot{
             {{{Kind::Link, "A"}, {"Zorel Quad Port Gigabit Server Adapter \x1b[2J #2", "", state}}}};
     };
-    EXPECT_THAT(Told(with("cable removed"), with("1 Gbit/s, full duplex"), true),
-                ElementsAre("17:24:13Z  link Zorel Quad P…ter �[2J #2: cable removed -> 1 Gbit/s, full duplex"));
+    EXPECT_THAT(
+        Told(with("cable removed"), with("1 Gbit/s, full duplex"), true),
+        ElementsAre("17:24:13Z  link Zorel Quad P…ter �[2J #2: cable removed -> 1 Gbit/s, full duplex"));
 }
 
 TEST(EventsTest, Json_HasTheObjectsIdentifier) {
