@@ -38,7 +38,7 @@ class OwnedVariant {
     const VARIANT& Get() const noexcept { return m_value; }
 
   private:
-    VARIANT m_value;
+    VARIANT m_value{};
 };
 
 std::wstring SystemText(IWbemClassObject& object, const wchar_t* name) {

@@ -85,7 +85,7 @@ class Round {
             const std::string adapter = ObjectIdIn(member.id);
             const auto known = m_names.find(adapter);
             m_members.insert(adapter);
-            Add(Kind::Member, id + ' ' + adapter,
+            Add(Kind::Member, std::string(id).append(1, ' ').append(adapter),
                 {known == m_names.end() ? ToUtf8(member.displayName) : known->second, name,
                  ToUtf8(quillet::Text(member.role)) + ", " + ToUtf8(quillet::Text(member.status))});
         }

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <tuple>
 
 namespace quilletctl {
 
@@ -16,7 +17,9 @@ struct WatchedKey {
     Kind kind{};
     std::string id{};
 
-    friend auto operator<=>(const WatchedKey&, const WatchedKey&) = default;
+    friend bool operator<(const WatchedKey& left, const WatchedKey& right) noexcept {
+        return std::tie(left.kind, left.id) < std::tie(right.kind, right.id);
+    }
 };
 
 /// What there is to tell of it. Texts are UTF-8.

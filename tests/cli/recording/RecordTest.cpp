@@ -25,16 +25,18 @@ Json Ask(const Words& machine, const Words& line) {
     return Json{{"status", run.status}, {"answer", Json::parse(run.out)}};
 }
 
-/// Every command that only reads, about everything that the machine has, or about its first adapters.
-std::vector<Words> ReadingCommands(const Words& machine, std::size_t adapters) {
+/// Every command that only reads, about everything that the machine has; of the adapters about every
+/// so manieth.
+std::vector<Words> ReadingCommands(const Words& machine, std::size_t step) {
     std::vector<Words> lines{{"adapter", "list"}, {"profile", "list"}, {"vlan", "list"}, {"team", "list"},
                              {"team", "modes"},   {"iscsi", "list"},   {"warnings"}};
     const auto listed = [&](const char* noun, const char* key) {
         return Json(Ask(machine, {noun, "list"})["answer"][key]);
     };
+    std::size_t number = 0;
     for (const Json& adapter : listed("adapter", "adapters")) {
-        if (adapters-- == 0) {
-            break;
+        if (number++ % step != 0) {
+            continue;
         }
         const std::string name = adapter["path"];
         for (const Words& verb : {Words{"adapter", "show"},
@@ -71,12 +73,12 @@ std::vector<Words> ReadingCommands(const Words& machine, std::size_t adapters) {
 class RecordTest : public CommandLine {
   protected:
     /// Records a machine, and holds what the record answers against what the machine does.
-    void ExpectSameAnswers(const Words& machine, std::size_t adapters = 10) {
+    void ExpectSameAnswers(const Words& machine, std::size_t step) {
         const std::string record = Utf8(InFolder("record.mof"));
         const Outcome recorded = RunCommandLine(machine + Words{"machine", "record", record});
         ASSERT_EQ(recorded.status, 0) << recorded.out << recorded.err;
-        const std::vector<Words> lines = ReadingCommands(machine, adapters);
-        EXPECT_GT(lines.size(), 16 * adapters);
+        const std::vector<Words> lines = ReadingCommands(machine, step);
+        EXPECT_GT(lines.size(), 16 * (10 / step));
         for (const Words& line : lines) {
             EXPECT_EQ(Ask(machine, line), Ask({"--simulate", record}, line)) << testing::PrintToString(line);
         }
@@ -90,7 +92,7 @@ class RecordTest : public CommandLine {
 };
 
 TEST_F(RecordTest, MachineAsShipped_AnswersAsItself) {
-    ExpectSameAnswers({"--simulate"});
+    ExpectSameAnswers({"--simulate"}, 2);
 }
 
 TEST_F(RecordTest, MachineAfterChanges_AnswersAsItself) {
@@ -101,7 +103,7 @@ TEST_F(RecordTest, MachineAfterChanges_AnswersAsItself) {
         const Outcome run = RunCommandLine(machine + change);
         ASSERT_EQ(run.status, 0) << run.err;
     }
-    ExpectSameAnswers(machine, 3);
+    ExpectSameAnswers(machine, 4);
 }
 
 TEST_F(RecordTest, FlashMemory_IsTheSame) {
