@@ -96,8 +96,8 @@ class RecordVerb final : public Command {
                   << Printable(m_file) << '\n';
         run.Out() << "secrets left out: " << record.secrets << '\n';
         for (const Unrecorded& each : record.unrecorded) {
-            run.Out() << "not all recorded: " << Printable(ToUtf8(each.className)) << " ("
-                      << Printable(ReasonOf(each)) << ")\n";
+            run.Out() << "not all recorded: " << Printable(ToUtf8(each.className)) << "\n  "
+                      << Printable(ReasonOf(each)) << '\n';
         }
     }
 

@@ -171,7 +171,7 @@ TEST_F(RecordTest, ProviderThatRefusesAClass_RecordsTheOthersAndSaysSo) {
                         "CreateInstanceEnum:Zorel_VLANSettingInt:1+=0x80041003", "--fault",
                         "CreateInstanceEnum:Zorel_VLANSetting:1+=0x80041003", "machine", "record", record});
     EXPECT_EQ(run.status, 1);
-    EXPECT_THAT(run.out, HasSubstr("not all recorded: Zorel_VLANSettingInt (access is denied"));
+    EXPECT_THAT(run.out, HasSubstr("not all recorded: Zorel_VLANSettingInt\n  access is denied"));
     EXPECT_THAT(run.err, HasSubstr("could not record Zorel_VLANSettingInt: access is denied"));
     const std::string text = ReadFile(InFolder("record.mof"));
     EXPECT_THAT(text, Not(HasSubstr("instance of Zorel_VLANSettingInt\n")));
@@ -209,7 +209,7 @@ TEST_F(RecordTest, ValuesOfTheWrongKind_AreLeftOutAndTold) {
     Recorded(kAdapter, {"--yes", "--fault", "Get:Speed:1+=WrongType"});
     EXPECT_THAT(
         m_run.out,
-        HasSubstr("not all recorded: Zorel_PhysicalEthernetAdapter (the value of property \"Speed\""));
+        HasSubstr("not all recorded: Zorel_PhysicalEthernetAdapter\n  the value of property \"Speed\""));
 }
 
 TEST_F(RecordTest, FileThatIsThere_IsOnlyReplacedOnRequest) {
