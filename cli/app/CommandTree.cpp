@@ -1,6 +1,7 @@
 // The command line: global options, nouns and verbs.
 #include "app/CommandTree.h"
 
+#include "app/FaultRules.h"
 #include "app/ParsedLine.h"
 #include "app/SimulatedMachine.h"
 #include "names/HostName.h"
@@ -52,6 +53,7 @@ CommandTree::CommandTree() : m_app(std::make_unique<CLI::App>("", "quilletctl"))
                         "Talk to a simulated machine: that of a MOF file, or the built-in one");
     syntax.Text("--state", m_state, "FILE",
                 "Keep the simulated machine in a file from one command to the next");
+    syntax.Texts("--fault", m_faults, "RULE", std::string("Let the simulated machine fail: ") + kFaultForm);
     syntax.Flag("--json", m_options.json, "Answer as JSON");
     syntax.Flag("--journal", m_options.journal, "Print the calls that the simulated provider received");
     syntax.Flag("--yes", m_options.yes, "Answer yes to every question");
@@ -196,8 +198,15 @@ void CommandTree::CheckGlobalOptions() {
             "--machine: this host has no WMI, and this program was built without WS-Management; run "
             "quilletctl on Windows, or add --simulate");
     }
-    if (m_options.journal && (isRemote || !UsesSimulator(m_options))) {
+    const bool isSimulated = !isRemote && UsesSimulator(m_options);
+    if (m_options.journal && !isSimulated) {
         throw UsageError("--journal: only a simulated machine keeps a journal; add --simulate");
+    }
+    if (!m_faults.empty() && !isSimulated) {
+        throw UsageError("--fault: only a simulated machine fails as it is told; add --simulate");
+    }
+    for (const std::string& rule : m_faults) {
+        m_options.faults.push_back(ParseFault(rule));
     }
 }
 

@@ -77,6 +77,7 @@ class CommandTree {
     GlobalOptions m_options;
     std::optional<std::string> m_machine; ///< --machine
     std::optional<std::string> m_state;   ///< --state
+    std::vector<std::string> m_faults;    ///< --fault
     TreeDescription m_description;
     std::unique_ptr<CLI::App> m_app;
     struct Leaf {

@@ -22,6 +22,9 @@ class Connection {
                std::shared_ptr<quillet::simulator::Machine> simulated);
 
     quillet::Session& Session() noexcept { return *m_session; }
+    /// Ends the session, whatever became of it, and begins another. Throws Refusal; there is none then, and
+    /// it can be tried again.
+    quillet::Session& Reconnect();
 
   private:
     // The order matters: the session ends before what stands in WMI's place is taken out, and all before COM.
@@ -29,6 +32,7 @@ class Connection {
     std::optional<quillet::simulator::Registration> m_simulator;
     std::optional<RemoteMachine> m_remote;
     std::optional<quillet::Session> m_session;
+    std::string m_machine;
 };
 
 } // namespace quilletctl

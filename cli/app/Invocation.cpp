@@ -2,6 +2,7 @@
 #include "app/Invocation.h"
 
 #include "app/SimulatedMachine.h"
+#include "files/Files.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -19,10 +20,21 @@ quillet::Session& Invocation::Session() {
                                   "--simulate it does so without this line\n";
             }
             m_machine.emplace(m_options.machineFile, m_options.stateFile, m_mayChange);
+            for (const quillet::simulator::FaultRule& fault : m_options.faults) {
+                m_machine->Machine()->Rules().Add(fault);
+            }
         }
         m_connection.emplace(m_options, m_terminal, m_machine ? m_machine->Machine() : nullptr);
     }
     return m_connection->Session();
+}
+
+quillet::Session& Invocation::Reconnect() {
+    if (IsOutdated()) {
+        m_connection.reset();
+        m_machine.reset();
+    }
+    return m_connection ? m_connection->Reconnect() : Session();
 }
 
 void PrintJson(const Json& json, std::ostream& out) {
@@ -33,6 +45,11 @@ void PrintJson(const Json& json, std::ostream& out) {
 void Invocation::Print(const Json& json) {
     m_hasAnswered = true;
     PrintJson(json, m_terminal.out);
+}
+
+void Invocation::PrintLine(const Json& json) {
+    m_hasAnswered = true;
+    m_terminal.out << json.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
 bool Invocation::Confirm(const std::string& question) {
@@ -48,6 +65,15 @@ bool Invocation::Confirm(const std::string& question) {
     std::string answer;
     std::getline(*m_terminal.in, answer);
     return answer == "y" || answer == "Y" || answer == "yes";
+}
+
+bool Invocation::MayReplace(const std::string& file) {
+    if (FileExists(file) && !Confirm("Overwrite " + file + "?")) {
+        m_terminal.out << "nothing was written\n";
+        return false;
+    }
+    CheckReplaceable(file); // what comes before the writing may take a while
+    return true;
 }
 
 bool Invocation::ConfirmChange(const std::string& question) {

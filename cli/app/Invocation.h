@@ -26,19 +26,31 @@ class Invocation {
 
     /// The session with the provider; connects when it is first asked for. Throws Refusal or UsageError.
     quillet::Session& Session();
+    /// The session anew: after a failure, or where the simulated machine is another now in its state file.
+    /// Throws as Session(), and can be tried again then.
+    quillet::Session& Reconnect();
+    /// Whether somebody else has changed the simulated machine's state file since it was read.
+    bool IsOutdated() const { return m_machine && m_machine->IsOutdated(); }
     /// Disconnects, where there is a connection; what Session() yielded is gone.
     void Disconnect() noexcept { m_connection.reset(); }
 
+    /// The machine to manage; empty: this one.
+    const std::string& MachineName() const noexcept { return m_options.machine; }
     bool WantsJson() const noexcept { return m_options.json; }
     const Terminal& Screen() const noexcept { return m_terminal; }
     std::ostream& Out() noexcept { return m_terminal.out; }
     /// Writes the command's answer for programs.
     void Print(const Json& json);
+    /// Writes one of several such answers, on a line of its own.
+    void PrintLine(const Json& json);
     /// Whether that was done.
     bool HasAnswered() const noexcept { return m_hasAnswered; }
 
     /// Whether a person agrees, or --yes was given. Throws UsageError where nobody can be asked.
     bool Confirm(const std::string& question);
+    /// Whether a file may be written: there is none, or a person agrees to overwrite it, and else is told
+    /// that nothing was written. Throws UsageError where nobody can be asked, or it cannot be replaced.
+    bool MayReplace(const std::string& file);
     /// The same before something is deleted; a person who does not agree is told that nothing was changed.
     bool ConfirmChange(const std::string& question);
 

@@ -3,7 +3,10 @@
 
 #include "remote/RemoteAccess.h"
 
+#include <quillet-simulator/Faults.h>
+
 #include <string>
+#include <vector>
 
 namespace quilletctl {
 
@@ -13,11 +16,12 @@ struct GlobalOptions {
     bool simulate = false;   ///< --simulate
     std::string machineFile; ///< the MOF file of --simulate; empty: the built-in machine
     std::string stateFile;   ///< --state
-    bool json = false;       ///< --json
-    bool journal = false;    ///< --journal
-    bool yes = false;        ///< --yes
-    bool noColour = false;   ///< --no-color
-    RemoteAccess remote{};   ///< how --machine is reached where this host has no WMI
+    std::vector<quillet::simulator::FaultRule> faults{}; ///< --fault
+    bool json = false;                                   ///< --json
+    bool journal = false;                                ///< --journal
+    bool yes = false;                                    ///< --yes
+    bool noColour = false;                               ///< --no-color
+    RemoteAccess remote{}; ///< how --machine is reached where this host has no WMI
 };
 
 } // namespace quilletctl

@@ -16,6 +16,9 @@ void AddAllCommands(CommandTree& tree) {
     AddISCSICommands(tree);
     AddConfigCommands(tree);
     AddWarningsCommand(tree);
+    AddMachineCommands(tree);
+    AddReportCommand(tree);
+    AddMonitorCommand(tree);
     AddTraceCommand(tree);
     AddTransactionCommands(tree);
     AddVersionCommand(tree);

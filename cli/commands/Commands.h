@@ -17,6 +17,12 @@ void AddTeamCommands(CommandTree& tree);
 void AddLinksecCommands(CommandTree& tree);
 void AddVlanCommands(CommandTree& tree);
 void AddConfigCommands(CommandTree& tree);
+/// A whole machine: recording it.
+void AddMachineCommands(CommandTree& tree);
+/// What changes, as it happens.
+void AddMonitorCommand(CommandTree& tree);
+/// A whole machine on one page.
+void AddReportCommand(CommandTree& tree);
 void AddWarningsCommand(CommandTree& tree);
 void AddTraceCommand(CommandTree& tree);
 void AddTransactionCommands(CommandTree& tree);

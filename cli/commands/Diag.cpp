@@ -195,16 +195,10 @@ class Watch {
         if (m_run.WantsJson()) {
             return;
         }
-        std::string text = *m_text;
-        if (m_run.Screen().outIsTerminal) {
-            const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - m_start);
-            text += "  " + std::to_string(seconds.count()) + " s";
-        }
-        m_progress.Show(text);
+        m_progress.Show(*m_text);
     }
 
     Invocation& m_run;
-    const Clock::time_point m_start = Clock::now();
     std::mutex m_mutex;
     std::condition_variable_any m_changed;
     std::optional<std::string> m_text; ///< nothing before the first look

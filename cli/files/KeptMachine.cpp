@@ -31,10 +31,17 @@ std::shared_ptr<quillet::simulator::Machine> FromFile(const std::string& file, s
     }
 }
 
+std::optional<std::filesystem::file_time_type> TimeOf(const std::string& file) {
+    std::error_code error;
+    const auto time = std::filesystem::last_write_time(FilePath(file), error);
+    return error ? std::nullopt : std::optional(time);
+}
+
 } // namespace
 
 KeptMachine::KeptMachine(const std::string& machineFile, const std::string& stateFile, bool mayChange)
-    : m_stateFile(mayChange ? stateFile : std::string()) {
+    : m_readFile(stateFile), m_written(TimeOf(stateFile)),
+      m_stateFile(mayChange ? stateFile : std::string()) {
     if (!m_stateFile.empty()) {
         try {
             m_lock.emplace(FollowLinks(FilePath(m_stateFile)));
@@ -54,6 +61,10 @@ KeptMachine::KeptMachine(const std::string& machineFile, const std::string& stat
     }
     // Whoever sits before it waits for tests and flash memories as before a real one.
     m_machine->FollowRealTime(true);
+}
+
+bool KeptMachine::IsOutdated() const {
+    return !m_readFile.empty() && TimeOf(m_readFile) != m_written;
 }
 
 void KeptMachine::Save() {

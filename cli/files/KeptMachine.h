@@ -6,6 +6,7 @@
 #include <quillet-simulator/Machine.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,11 +24,19 @@ class KeptMachine {
 
     const std::shared_ptr<quillet::simulator::Machine>& Machine() const noexcept { return m_machine; }
 
+    /// Whether the state file has been written since it was read, by somebody else.
+    bool IsOutdated() const;
+
     /// Writes it into the state file, as a whole or not at all, where it has changed since it was last there,
     /// and where it is the first one. Throws UsageError.
     void Save();
 
   private:
+    /// When a file was written; nothing where there is none.
+    using Written = std::optional<std::filesystem::file_time_type>;
+
+    std::string m_readFile;  ///< the state file; empty: there is none
+    Written m_written;       ///< before it was read
     std::string m_stateFile; ///< empty: there is none, or it is only read
     std::optional<FileLock> m_lock;
     std::shared_ptr<quillet::simulator::Machine> m_machine;

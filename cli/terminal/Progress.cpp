@@ -3,7 +3,8 @@
 
 #include "texts/Text.h"
 
-#include <chrono>
+#include <algorithm>
+#include <cmath>
 
 namespace quilletctl {
 
@@ -12,6 +13,14 @@ namespace {
 constexpr std::size_t kBar = 20;
 constexpr std::size_t kBlock = 4;
 constexpr auto kFrame = std::chrono::milliseconds(100);
+
+/// "12 s", "3 min 5 s".
+std::string DurationText(std::chrono::seconds duration) {
+    constexpr long long kMinute = 60;
+    const long long seconds = duration.count();
+    return (seconds < kMinute ? "" : std::to_string(seconds / kMinute) + " min ") +
+           std::to_string(seconds % kMinute) + " s";
+}
 
 } // namespace
 
@@ -23,13 +32,29 @@ std::string BarPicture(std::size_t frame) {
     return "[" + std::string(at, ' ') + std::string(kBlock, '#') + std::string(kWay - at, ' ') + "]";
 }
 
+std::string BarPicture(Pieces pieces) {
+    const std::size_t full = pieces.all == 0 ? 0 : std::min(kBar, kBar * pieces.done / pieces.all);
+    return "[" + std::string(full, '#') + std::string(kBar - full, ' ') + "]";
+}
+
+std::string TimeText(std::chrono::seconds gone, std::optional<Pieces> pieces) {
+    constexpr std::chrono::seconds kEnough{2};
+    std::string text = DurationText(gone);
+    if (pieces && pieces->done > 0 && pieces->done < pieces->all && gone >= kEnough) {
+        const double pace = static_cast<double>(gone.count()) / static_cast<double>(pieces->done);
+        const auto left = std::llround(pace * static_cast<double>(pieces->all - pieces->done));
+        text += ", about " + DurationText(std::chrono::seconds(left)) + " left";
+    }
+    return text;
+}
+
 Progress::~Progress() {
     if (m_width > 0) {
         m_terminal.out << '\r' << std::string(m_width, ' ') << '\r' << std::flush;
     }
 }
 
-void Progress::Show(const std::string& text) {
+void Progress::Show(const std::string& text, std::optional<Pieces> pieces) {
     if (!m_terminal.outIsTerminal) {
         if (text != m_last) {
             m_terminal.out << Printable(text) << '\n' << std::flush;
@@ -39,7 +64,10 @@ void Progress::Show(const std::string& text) {
     }
     // A line that is full would break, and the next picture begin on another.
     const std::size_t room = m_terminal.width > 1 ? m_terminal.width - 1 : 1;
-    const std::string line = Shortened(BarPicture(m_frame++) + " " + Printable(text), room);
+    const auto gone =
+        std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - m_start);
+    const std::string bar = pieces ? BarPicture(*pieces) : BarPicture(m_frame++);
+    const std::string line = Shortened(bar + " " + Printable(text) + "  " + TimeText(gone, pieces), room);
     const std::size_t width = DisplayWidth(line);
     m_terminal.out << '\r' << line << std::string(m_width > width ? m_width - width : 0, ' ') << std::flush;
     m_width = width;

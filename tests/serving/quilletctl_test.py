@@ -44,6 +44,15 @@ class QuilletctlTest(served.ServingTest):
                 remote = self.run_tool("--ca", "cert.pem", "--credentials", "credentials", *words)
                 self.assertEqual(remote, simulated)
 
+    def test_records_and_draws_what_a_simulated_machine_is(self):
+        for noun in (("machine", "record"), ("report",)):
+            with self.subTest(noun):
+                ending = "mof" if noun == ("machine", "record") else "svg"
+                self.answer(*noun, f"remote.{ending}")
+                self.run_tool("--simulate", *noun, f"here.{ending}", machine="")
+                remote, here = ((self.folder / f"{place}.{ending}").read_text(encoding="utf-8") for place in ("remote", "here"))
+                self.assertEqual(remote.replace("adapters of localhost", "adapters of this machine"), here)
+
     def test_changes_the_machine_and_reads_back(self):
         free = [each["objectId"] for each in json.loads(self.answer("adapter", "list", "--json"))["adapters"][4:6]]
         self.answer("team", "create", "Pair", *free, "--yes")

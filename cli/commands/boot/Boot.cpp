@@ -50,11 +50,9 @@ class ReadBootAgent final : public BootCommand {
 
   private:
     ExitStatus RunForAgent(const ListedAdapter&, const quillet::BootAgent& agent, Invocation& run) override {
-        if (FileExists(m_file) && !run.Confirm("Overwrite " + m_file + "?")) {
-            run.Out() << "nothing was written\n";
+        if (!run.MayReplace(m_file)) {
             return ExitStatus::Done;
         }
-        CheckReplaceable(m_file); // reading takes a while
         const std::vector<std::byte> flash =
             Attempt("read the flash memory", [&] { return run.Session().ReadFlash(agent.id); });
         run.HoldInterrupts();

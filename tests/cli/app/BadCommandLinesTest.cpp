@@ -87,9 +87,9 @@ constexpr const char* kFree = "Zorel Gigabit Server Adapter (東京)";
 constexpr const char* kOnboard = "Zorel Fast Ethernet Adapter";
 constexpr const char* kSecure = "Zorel Quad Port Gigabit Server Adapter";
 constexpr const char* kTeam = "TEAM : Zürich";
-constexpr const char* kNouns =
-    "adapter, setting, profile, power, wol, team, linksec, vlan, diag, boot, iscsi, warnings, "
-    "trace, transaction, version, help";
+constexpr const char* kNouns = "adapter, setting, profile, power, wol, team, linksec, vlan, diag, boot, "
+                               "iscsi, warnings, machine, report, monitor, "
+                               "trace, transaction, version, help";
 constexpr const char* kNotRepeated = " takes no such word or option; it is not repeated here, for it may be "
                                      "a secret: secrets are typed at a prompt "
                                      "or read with --secret-fd, never given on the command line";

@@ -3,8 +3,6 @@
 
 #include <quillet-simulator/FlashImage.h>
 
-#include <terminal/Progress.h>
-
 #include <nlohmann/json.hpp>
 
 #include <gmock/gmock.h>
@@ -347,33 +345,15 @@ TEST_F(BootCommandsTest, Iscsi_ListShowSet) {
               "no adapter can boot from iSCSI\n");
 }
 
-TEST(BarTest, MovesThereAndBack) {
-    EXPECT_EQ(quilletctl::BarPicture(0), "[####                ]");
-    EXPECT_EQ(quilletctl::BarPicture(1), "[ ####               ]");
-    EXPECT_EQ(quilletctl::BarPicture(16), "[                ####]");
-    EXPECT_EQ(quilletctl::BarPicture(17), "[               #### ]");
-    EXPECT_EQ(quilletctl::BarPicture(32), quilletctl::BarPicture(0));
-}
-
-TEST(BarTest, KeepsMovingWhileACallDoesNotReturn) {
-    std::ostringstream out;
-    const quilletctl::Terminal terminal{.out = out, .err = out, .outIsTerminal = true, .width = 30};
-    {
-        const quilletctl::ProgressWhileBusy progress(terminal,
-                                                     "a text that is longer than the terminal is wide");
-        std::this_thread::sleep_for(std::chrono::milliseconds(450));
-    }
-    std::istringstream frames(out.str());
-    std::string frame;
-    std::set<std::string> pictures;
-    while (std::getline(frames, frame, '\r')) {
-        if (frame.starts_with("[")) {
-            EXPECT_LT(frame.size(), 33u) << "cut, with three bytes of an ellipsis";
-            pictures.insert(frame);
-        }
-    }
-    EXPECT_GE(pictures.size(), 3u);
-    EXPECT_TRUE(out.str().ends_with("\r" + std::string(29, ' ') + "\r"));
+TEST_F(BootCommandsTest, BootWrite_OnATerminal_TellsTheTimeThatHasGone) {
+    const std::string file = File("new.img", Image());
+    const Outcome outcome =
+        Run({"boot", "write", "{A}", file, "--yes", "--fault", "ExecMethod:ProgramFlashEx=Delay:1300"},
+            {.isTerminal = true});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_THAT(outcome.out, HasSubstr("do not switch off  0 s"));
+    EXPECT_THAT(outcome.out, HasSubstr("do not switch off  1 s"));
+    EXPECT_THAT(outcome.out, Not(HasSubstr("left")));
 }
 
 } // namespace

@@ -70,6 +70,7 @@ LINES = [
     (["diag", "list", FREE],), (["diag", "run", FREE, "1", "--interval", "10"],), (["diag", "stop", FREE, "1"],),
     (["boot", "show", FREE],), (["boot", "read", FREE, "flash.bin"],), (["boot", "inspect", FREE, "new.img"],),
     (["boot", "verify", FREE, "new.img"],), (["boot", "write", FREE, "new.img", "--yes"],),
+    (["machine", "record", "record.mof"],), (["report", "report.html"],), (["monitor", "--for", "1"],),
     (["iscsi", "list"],), (["iscsi", "show", FREE],), (["iscsi", "set", FREE, "primary"],),
     (["config", "show"],), (["config", "schema"],), (["config", "validate", "fits.json"],),
     (["config", "validate", "none.json"], 3), (["config", "diff", "fits.json"], 3), (["config", "apply", "none.json"], 3),
@@ -150,8 +151,8 @@ class Schemas(unittest.TestCase):
 
     @staticmethod
     def schema_for(line, answer):
-        return "error" if set(answer) == {"error"} else "-".join(line[:2] if line[0] not in
-                                                                 ("warnings", "trace", "version", "help") else line[:1])
+        alone = ("warnings", "report", "monitor", "trace", "version", "help")
+        return "error" if set(answer) == {"error"} else "-".join(line[:1] if line[0] in alone else line[:2])
 
     def test_every_answer_fits_and_nothing_else_does(self):
         used = set()
