@@ -50,7 +50,7 @@ struct SessionOptions {
 /// Whatever fails throws Error; lists that were begun throw PartialError of the list. What a check finds,
 /// what a provider says to an image, whether a restart is needed are answers, and returned. No operation
 /// makes a provider call that the one of CQuillet of the same purpose does not make, and none starts a
-/// thread.
+/// thread unless it is told how many.
 ///
 /// Several threads may use a session at once, whether they have initialised COM or not. A Transaction belongs
 /// to the session: whatever any thread changes meanwhile is in it.
@@ -73,9 +73,13 @@ class Session {
 
     /// The machine's adapters. Throws PartialError<std::vector<Adapter>>.
     std::vector<Adapter> Adapters();
-    /// The adapters with all that a list shows of them: slot, link, speed, MAC address, team. Asks each
-    /// adapter three times and each team once; throws only where the adapters cannot be listed.
-    std::vector<AdapterOverview> AdapterOverviews();
+    /// The adapters with all that a list shows of them: slot, link, speed, MAC address, team. Fetches each
+    /// adapter once, and asks each team for its members; throws only where the adapters cannot be listed.
+    /// @param threads how many ask side by side: where every question travels over a network, waiting for one
+    ///                answer after the other is what takes the time
+    std::vector<AdapterOverview> AdapterOverviews(unsigned threads = 1);
+    /// The same of some adapters. Throws nothing of the provider's.
+    std::vector<AdapterOverview> AdapterOverviews(std::vector<Adapter> adapters, unsigned threads = 1);
     /// The object identifier (GUID text) in an adapter's path; empty where there is none.
     std::wstring ObjectIdOf(const AdapterId& adapter);
     /// The adapter of an object identifier on this computer. Asks nobody.
@@ -351,7 +355,27 @@ class Session {
                                                                      /// @}
 
   private:
+    friend class FetchOnce;
     friend class Transaction;
+    struct State;
+
+    void NoteTeams(std::vector<AdapterOverview>& overviews);
+    void Complete(AdapterOverview& overview);
+
+    const std::unique_ptr<State> m_state;
+};
+
+/// While one lives, what the calling thread reads of one object by several operations it fetches once: the
+/// operations yield a picture of one moment, at the price of one. A change that the thread makes ends that
+/// moment, and the next one begins. Threads beside it are not concerned.
+class FetchOnce {
+  public:
+    [[nodiscard]] explicit FetchOnce(Session& session);
+    ~FetchOnce();
+    FetchOnce(const FetchOnce&) = delete;
+    FetchOnce& operator=(const FetchOnce&) = delete;
+
+  private:
     struct State;
 
     const std::unique_ptr<State> m_state;
