@@ -25,6 +25,11 @@ quillet::Session& Invocation::Session() {
     return m_connection->Session();
 }
 
+unsigned Invocation::SideBySide() const noexcept {
+    constexpr unsigned kOverANetwork = 8;
+    return m_options.machine.empty() || AsksForSimulator(m_options) ? 1 : kOverANetwork;
+}
+
 void PrintJson(const Json& json, std::ostream& out) {
     constexpr int kIndent = 2;
     out << json.dump(kIndent, ' ', false, Json::error_handler_t::replace) << '\n';

@@ -30,6 +30,9 @@ class Invocation {
     void Disconnect() noexcept { m_connection.reset(); }
 
     bool WantsJson() const noexcept { return m_options.json; }
+    /// How many questions to the provider may well be under way at once: over a network each waits for its
+    /// answer.
+    unsigned SideBySide() const noexcept;
     const Terminal& Screen() const noexcept { return m_terminal; }
     std::ostream& Out() noexcept { return m_terminal.out; }
     /// Writes the command's answer for programs.

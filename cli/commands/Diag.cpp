@@ -1,9 +1,9 @@
 // quilletctl diag: the diagnostic tests of an adapter.
-#include "app/Answers.h"
 #include "commands/AdapterCommand.h"
 #include "commands/Commands.h"
 #include "names/ObjectPath.h"
 #include "terminal/Progress.h"
+#include "terminal/Sheet.h"
 #include "texts/JsonParts.h"
 #include "texts/Text.h"
 
@@ -122,19 +122,22 @@ void Print(Invocation& run, const Diagnostic& test, const TestResult& result) {
     }
 }
 
-class ListTests final : public AdapterCommand {
+class ListTests final : public AdapterListCommand {
+  public:
+    ListTests() : AdapterListCommand({{"ID"}, {"TEST", Fit::MayShorten}, {"GROUP"}}) {}
+
+  private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        Json list = Json::array();
-        Table table({{"ID", Fit::Whole}, {"TEST", Fit::MayShorten}, {"GROUP", Fit::Whole}});
+        List list = NewList();
         for (const Diagnostic& test : ReadTests(run.Session(), adapter)) {
             const std::string name = ToUtf8(test.name);
-            list.push_back(Json{{"name", name},
-                                {"testId", test.number},
-                                {"group", test.group ? Json(*test.group) : Json()},
-                                {"path", PathOf(test.id)}});
-            table.AddRow({std::to_string(test.number), name, test.group ? std::to_string(*test.group) : "-"});
+            list.AddRow({std::to_string(test.number), name, test.group ? std::to_string(*test.group) : ""},
+                        Json{{"name", name},
+                             {"testId", test.number},
+                             {"group", test.group ? Json(*test.group) : Json()},
+                             {"path", PathOf(test.id)}});
         }
-        return AnswerList(run, Json{{"tests", std::move(list)}}, table, "no tests");
+        return list.Answer(run, Under("tests"), "no tests");
     }
 };
 

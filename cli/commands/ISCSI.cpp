@@ -56,23 +56,42 @@ std::vector<IscsiAdapter> ReadPorts(quillet::Session& session) {
     return Attempt("list the adapters that can boot from iSCSI", [&] { return session.IscsiAdapters(); });
 }
 
-ExitStatus ListPorts(Invocation& run) {
-    const std::vector<IscsiAdapter> ports = ReadPorts(run.Session());
-    const std::vector<ListedAdapter> adapters = ReadAdapters(run.Session());
-    Json list = Json::array();
-    Table table({{"ADAPTER", Fit::MayShorten}, {"PLACE", Fit::Whole}, {"BOOT AGENT ID", Fit::Whole}});
-    for (const IscsiAdapter& port : ports) {
-        const ListedAdapter* adapter = AdapterOf(adapters, port);
-        const std::string name = NameOf(adapter, port);
-        list.push_back(Json{{"adapter", adapter == nullptr ? Json() : Json(adapter->path)},
-                            {"name", name},
-                            {"bootAgentId", ToUtf8(port.objectId)},
-                            {"status", PlaceAsJson(port.status)},
-                            {"path", PathOf(port.bootAgent)}});
-        table.AddRow({name, PlaceText(port.status), ToUtf8(port.objectId)});
+class ListPorts final : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Arguments(
+            "adapter", m_adapters, 0, kMostNames,
+            "Adapters that can: names or boot agent IDs; a pattern names several (default: all)");
+        m_options.Declare(syntax);
     }
-    return AnswerList(run, Json{{"adapters", std::move(list)}}, table, "no adapter can boot from iSCSI");
-}
+
+    ExitStatus Run(Invocation& run) override {
+        const std::vector<IscsiAdapter> ports = ReadPorts(run.Session());
+        const std::vector<ListedAdapter> adapters = ReadAdapters(run.Session());
+        std::vector<Named> names;
+        for (const IscsiAdapter& port : ports) {
+            const std::string id = ToUtf8(port.objectId);
+            const std::string name = NameOf(AdapterOf(adapters, port), port);
+            names.push_back({id, name, {PathOf(port.bootAgent), id, name}});
+        }
+        List list(m_options);
+        for (const std::size_t i : ChooseNamed(names, m_adapters, "adapter that can boot from iSCSI")) {
+            const IscsiAdapter& port = ports[i];
+            const ListedAdapter* adapter = AdapterOf(adapters, port);
+            list.AddRow({names[i].called, PlaceText(port.status), names[i].id},
+                        Json{{"adapter", adapter == nullptr ? Json() : Json(adapter->path)},
+                             {"name", names[i].called},
+                             {"bootAgentId", names[i].id},
+                             {"status", PlaceAsJson(port.status)},
+                             {"path", PathOf(port.bootAgent)}});
+        }
+        return list.Answer(run, Under("adapters"), "no adapter can boot from iSCSI");
+    }
+
+  private:
+    std::vector<std::string> m_adapters;
+    ListOptions m_options{{{"ADAPTER", Fit::MayShorten}, {"PLACE"}, {"BOOT AGENT ID"}}};
+};
 
 class SetPlace final : public AdapterCommand {
   public:
@@ -156,7 +175,7 @@ class ShowPort final : public AdapterCommand {
 
 void AddISCSICommands(CommandTree& tree) {
     tree.AddNoun("iscsi", "Booting from an iSCSI target")
-        .Query("list", "List the adapters that can, and their places", ListPorts)
+        .Query("list", "List the adapters that can, and their places", std::make_unique<ListPorts>())
         .Query("show", "Show an adapter's place, and what the system can do", std::make_unique<ShowPort>())
         .Verb("set", "Change an adapter's place", std::make_unique<SetPlace>());
 }

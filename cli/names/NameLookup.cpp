@@ -113,4 +113,28 @@ std::optional<std::size_t> FindOneNamed(const std::vector<Named>& things, const 
     return found.empty() ? std::nullopt : std::optional(found.front());
 }
 
+std::vector<std::size_t> ChooseNamed(const std::vector<Named>& things, const std::vector<std::string>& texts,
+                                     const std::string& kind) {
+    std::vector<bool> isChosen(things.size(), texts.empty());
+    for (const std::string& text : texts) {
+        std::vector<std::size_t> found;
+        for (const Match match : {Match::Whole, Match::Shortened, Match::Pattern}) {
+            found = found.empty() ? FindNamed(things, text, match) : found;
+        }
+        if (found.empty()) {
+            throw UsageError("no " + kind + " is called \"" + text + '"');
+        }
+        for (const std::size_t i : found) {
+            isChosen[i] = true;
+        }
+    }
+    std::vector<std::size_t> chosen;
+    for (std::size_t i = 0; i < things.size(); ++i) {
+        if (isChosen[i]) {
+            chosen.push_back(i);
+        }
+    }
+    return chosen;
+}
+
 } // namespace quilletctl

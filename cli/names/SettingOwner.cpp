@@ -155,15 +155,19 @@ std::vector<quillet::Setting> ReadQueueSettings(quillet::Session& session, const
     return Attempt("read the queue settings of " + called, [&] { return session.QueueSettings(adapter); });
 }
 
-const quillet::Setting* LookForSetting(const std::vector<quillet::Setting>& settings,
-                                       const std::string& text) {
+std::vector<Named> NamesOf(const std::vector<quillet::Setting>& settings) {
     std::vector<Named> names;
     for (const quillet::Setting& setting : settings) {
         const std::string caption = ToUtf8(setting.keyword);
         const std::string path = PathOf(setting.id);
         names.push_back({path, caption, {path, caption, ToUtf8(setting.description)}});
     }
-    const std::optional<std::size_t> found = FindOneNamed(names, text, "settings");
+    return names;
+}
+
+const quillet::Setting* LookForSetting(const std::vector<quillet::Setting>& settings,
+                                       const std::string& text) {
+    const std::optional<std::size_t> found = FindOneNamed(NamesOf(settings), text, "settings");
     return found ? &settings[*found] : nullptr;
 }
 

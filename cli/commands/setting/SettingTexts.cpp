@@ -194,6 +194,21 @@ std::string DefaultText(const Setting& setting) {
         setting.value);
 }
 
+bool IsChanged(const Setting& setting) {
+    return std::visit(Overloaded{
+                          [](const TextListValue& list) {
+                              // The provider has the default as one text.
+                              std::wstring current;
+                              for (const std::wstring& text : list.current) {
+                                  current += (current.empty() ? L"" : L",") + text;
+                              }
+                              return current != list.standard;
+                          },
+                          [](const auto& value) { return value.current != value.standard; },
+                      },
+                      setting.value);
+}
+
 std::string PossibleText(const Setting& setting) {
     return std::visit(
         Overloaded{
