@@ -2,6 +2,7 @@
 #include "app/List.h"
 
 #include "ending/Failure.h"
+#include "texts/Nearest.h"
 #include "texts/Text.h"
 
 #include <algorithm>
@@ -129,7 +130,7 @@ std::size_t ListOptions::Find(const std::string& word) const {
         for (const std::string& each : words) {
             known += (known.empty() ? "" : ", ") + each;
         }
-        throw UsageError("there is no column \"" + word + "\", only " + known);
+        throw UsageError("there is no column \"" + word + "\", only " + known + DidYouMean(word, words));
     }
     return static_cast<std::size_t>(found - words.begin());
 }

@@ -2,6 +2,7 @@
 #include "names/NameLookup.h"
 
 #include "ending/Failure.h"
+#include "texts/Nearest.h"
 #include "texts/Text.h"
 
 #include <algorithm>
@@ -122,7 +123,11 @@ std::vector<std::size_t> ChooseNamed(const std::vector<Named>& things, const std
             found = found.empty() ? FindNamed(things, text, match) : found;
         }
         if (found.empty()) {
-            throw UsageError("no " + kind + " is called \"" + text + '"');
+            std::vector<std::string> names;
+            for (const Named& thing : things) {
+                names.insert(names.end(), thing.names.begin(), thing.names.end());
+            }
+            throw UsageError("no " + kind + " is called \"" + text + '"' + DidYouMean(text, names));
         }
         for (const std::size_t i : found) {
             isChosen[i] = true;

@@ -6,6 +6,7 @@
 #include "names/ObjectPath.h"
 #include "names/TeamLookup.h"
 #include "names/VlanParent.h"
+#include "texts/Nearest.h"
 #include "texts/Text.h"
 
 #include <algorithm>
@@ -175,7 +176,14 @@ const quillet::Setting& FindSetting(const std::vector<quillet::Setting>& setting
                                     const SettingOwner& owner) {
     const quillet::Setting* setting = LookForSetting(settings, text);
     if (setting == nullptr) {
-        throw UsageError(owner.called + " has no setting \"" + text + "\"; see quilletctl setting list");
+        std::vector<std::string> names;
+        for (const quillet::Setting& each : settings) {
+            names.push_back(ToUtf8(each.keyword));
+            names.push_back(ToUtf8(each.description));
+        }
+        const std::string meant = DidYouMean(text, names);
+        throw UsageError(owner.called + " has no setting \"" + text + '"' +
+                         (meant.empty() ? "; see quilletctl setting list" : meant));
     }
     return *setting;
 }

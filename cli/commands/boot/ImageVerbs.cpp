@@ -58,7 +58,10 @@ class VerifyImageFile final : public ChosenImagesCommand {
         const std::vector<std::wstring> types = ChooseImages(file, Types());
         const quillet::FlashVerdict verdict = VerifyImages(run.Session(), agent, file, types);
         if (run.WantsJson()) {
-            run.Print(Json{{"file", File()}, {"code", verdict.code}, {"types", ImageNamesJson(types)}});
+            run.Print(Json{{"file", File()},
+                           {"code", verdict.code},
+                           {"text", VerdictText(verdict)},
+                           {"types", ImageNamesJson(types)}});
         } else {
             run.Out() << VerdictText(verdict) << '\n';
         }

@@ -42,7 +42,8 @@ std::string ChosenText(const std::vector<Choice>& choices, std::int32_t number) 
     const std::wstring value = std::to_wstring(number);
     const auto found = std::find_if(choices.begin(), choices.end(),
                                     [&value](const Choice& each) { return each.value == value; });
-    return WithMeaning(found == choices.end() ? std::wstring() : found->text, std::to_string(number));
+    return found == choices.end() ? std::to_string(number) + " (unknown)"
+                                  : WithMeaning(found->text, std::to_string(number));
 }
 
 /// The texts of the bits that are set.

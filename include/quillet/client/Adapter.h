@@ -180,7 +180,7 @@ struct AdapterOverview {
 };
 
 /// @name Words for people, in English
-/// A number that has no word is "code 7".
+/// A number that has no word is `UnknownNumber`.
 /// @{
 std::wstring Text(LinkSpeed speed);
 std::wstring Text(Duplex duplex);

@@ -12,6 +12,7 @@
 #include <quillet/client/Setting.h>
 #include <quillet/client/Team.h>
 #include <quillet/client/Vlan.h>
+#include <quillet/client/Words.h>
 
 #include <chrono>
 #include <cstddef>
