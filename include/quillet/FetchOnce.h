@@ -17,7 +17,9 @@ class FetchedObjects;
 /// and thread changes nothing. It must end on the thread that it began on, and before the session does.
 class QUILLET_API CFetchOnce {
   public:
+    /// Begins. @param quillet the session
     explicit CFetchOnce(const CQuillet& quillet);
+    /// Ends; what was fetched is released.
     ~CFetchOnce();
     CFetchOnce(const CFetchOnce&) = delete;
     CFetchOnce& operator=(const CFetchOnce&) = delete;

@@ -37,6 +37,10 @@ Cell StateCell(const AdapterOverview& overview) {
     if (state.conditions.Has(quillet::AdapterCondition::DriverProblem)) {
         return {InWords(quillet::Flags(quillet::AdapterCondition::DriverProblem)), Tone::Bad};
     }
+    // Some providers tell the one, some the other.
+    if (state.statusInfo == quillet::StatusInfo()) {
+        return state.conditions.Any() ? Cell(InWords(state.conditions)) : Cell("");
+    }
     return {InWords(state.statusInfo), ToneOf(state.statusInfo)};
 }
 

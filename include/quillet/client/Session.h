@@ -371,7 +371,9 @@ class Session {
 /// moment, and the next one begins. Threads beside it are not concerned.
 class FetchOnce {
   public:
+    /// Begins. One within another of the same session changes nothing.
     [[nodiscard]] explicit FetchOnce(Session& session);
+    /// Ends, on the thread that it began on.
     ~FetchOnce();
     FetchOnce(const FetchOnce&) = delete;
     FetchOnce& operator=(const FetchOnce&) = delete;
