@@ -72,7 +72,8 @@ class ListPorts final : public Command {
 
   private:
     std::vector<std::string> m_adapters;
-    ListOptions m_options{{{"ADAPTER", Fit::MayShorten}, {"PLACE"}, {"BOOT AGENT ID"}}};
+    ListOptions m_options{
+        {{"ADAPTER", Fit::MayShorten}, {"PLACE"}, {"BOOT AGENT ID", Fit::Whole, {}, Stay::WhileAllFits}}};
 };
 
 class SetPlace final : public AdapterCommand {

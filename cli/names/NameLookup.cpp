@@ -18,17 +18,6 @@ std::string_view WithoutBraces(std::string_view id) {
     return id.size() > 2 && id.front() == '{' && id.back() == '}' ? id.substr(1, id.size() - 2) : id;
 }
 
-/// The characters, with ASCII letters in one case.
-std::u32string Folded(std::string_view text) {
-    std::u32string characters = Characters(text);
-    for (char32_t& character : characters) {
-        if (character >= U'A' && character <= U'Z') {
-            character += U'a' - U'A';
-        }
-    }
-    return characters;
-}
-
 /// Whether a text fits a pattern. Steps back to the last gap where a letter does not fit, so that the time is
 /// bounded by the product of the lengths.
 bool Fits(const std::u32string& text, const std::u32string& pattern, char32_t any, char32_t one) {

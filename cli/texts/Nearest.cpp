@@ -14,16 +14,6 @@ namespace {
 /// What was typed may be of any length; names are short.
 constexpr std::size_t kLongest = 128;
 
-std::u32string Folded(std::string_view text) {
-    std::u32string characters = Characters(text);
-    for (char32_t& character : characters) {
-        if (character >= U'A' && character <= U'Z') {
-            character += U'a' - U'A';
-        }
-    }
-    return characters;
-}
-
 /// How many characters are to be put in, left out, changed or swapped with their neighbour to make one text
 /// of the other.
 std::size_t Distance(const std::u32string& left, const std::u32string& right) {

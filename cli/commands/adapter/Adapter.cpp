@@ -40,7 +40,10 @@ class ListCapabilities final : public AdapterListCommand {
 
 class ListPorts final : public AdapterListCommand {
   public:
-    ListPorts() : AdapterListCommand({{"PORT", Fit::MayShorten}, {"OBJECT ID"}, {"TEAM", Fit::MayShorten}}) {}
+    ListPorts()
+        : AdapterListCommand({{"PORT", Fit::MayShorten},
+                              {"OBJECT ID", Fit::Whole, {}, Stay::WhileAllFits},
+                              {"TEAM", Fit::MayShorten}}) {}
 
   private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {

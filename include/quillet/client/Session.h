@@ -5,6 +5,7 @@
 #include <quillet/client/Boot.h>
 #include <quillet/client/Diagnostics.h>
 #include <quillet/client/Error.h>
+#include <quillet/client/FetchOnce.h>
 #include <quillet/client/Flags.h>
 #include <quillet/client/Id.h>
 #include <quillet/client/LinkSecurity.h>
@@ -362,24 +363,6 @@ class Session {
 
     void NoteTeams(std::vector<AdapterOverview>& overviews);
     void Complete(AdapterOverview& overview);
-
-    const std::unique_ptr<State> m_state;
-};
-
-/// While one lives, what the calling thread reads of one object by several operations it fetches once: the
-/// operations yield a picture of one moment, at the price of one. A change that the thread makes ends that
-/// moment, and the next one begins. Threads beside it are not concerned.
-class FetchOnce {
-  public:
-    /// Begins. One within another of the same session changes nothing.
-    [[nodiscard]] explicit FetchOnce(Session& session);
-    /// Ends, on the thread that it began on.
-    ~FetchOnce();
-    FetchOnce(const FetchOnce&) = delete;
-    FetchOnce& operator=(const FetchOnce&) = delete;
-
-  private:
-    struct State;
 
     const std::unique_ptr<State> m_state;
 };
