@@ -69,7 +69,8 @@ std::vector<Field> Fields(const Wake& info) {
 
 std::vector<Field> Fields(const Power& info) {
     std::vector<Field> fields = FieldsOf(kPowerOptions, info);
-    fields.insert(fields.begin(), {"mode", "Power-saving mode", info.mode, false, UnknownText(info.mode, L"mode")});
+    fields.insert(fields.begin(),
+                  {"mode", "Power-saving mode", info.mode, false, UnknownText(info.mode, L"mode")});
     return fields;
 }
 
