@@ -1,6 +1,7 @@
 // What the provider's numbers about adapters mean. A number that has no word is shown as it is, for a later
 // provider may know more of them.
 #include <quillet/client/Adapter.h>
+#include <quillet/client/Words.h>
 
 #include <cstddef>
 
@@ -21,7 +22,7 @@ std::wstring Find(const Word<Number> (&words)[Size], Number number) {
             return word.text;
         }
     }
-    return L"code " + std::to_wstring(static_cast<std::int32_t>(number));
+    return UnknownNumber(static_cast<std::int32_t>(number));
 }
 
 } // namespace
@@ -171,7 +172,7 @@ std::wstring Text(Flags<AdapterCondition> conditions) {
             add(L"hardware missing");
             break;
         default:
-            add(L"condition " + std::to_wstring(number));
+            add(UnknownNumber(number, L"condition"));
         }
     }
     return text.empty() ? L"nothing reported" : text;

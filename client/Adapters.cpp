@@ -54,50 +54,6 @@ std::vector<Adapter> Session::Adapters() {
         [](CAdapter&& record) { return FromRecord(std::move(record)); });
 }
 
-std::vector<AdapterOverview> Session::AdapterOverviews() {
-    std::vector<AdapterOverview> overviews;
-    for (Adapter& adapter : Adapters()) {
-        AdapterOverview overview;
-        overview.adapter = std::move(adapter);
-        const AdapterId& id = overview.adapter.id;
-        overview.objectId = ObjectIdOf(id);
-        const auto attempt = [&overview](auto read) {
-            try {
-                read();
-            } catch (const Error& failure) {
-                overview.failure = overview.failure ? overview.failure : failure.code();
-            }
-        };
-        attempt([&] { overview.adapter.slot = ReadAdapter(id).slot; });
-        attempt([&] { overview.state = ReadState(id); });
-        attempt([&] { overview.hardware = ReadHardware(id); });
-        overviews.push_back(std::move(overview));
-    }
-    const auto noteTeams = [&] {
-        for (const Team& team : Teams()) {
-            for (const TeamMember& member : Members(team.id)) {
-                // A membership may name its adapter by a path of another form; the object identifier is one.
-                const std::wstring objectId = ObjectIdOf(member.id);
-                const auto found =
-                    std::find_if(overviews.begin(), overviews.end(),
-                                 [&](const AdapterOverview& each) { return each.objectId == objectId; });
-                if (found != overviews.end()) {
-                    found->team = team.id;
-                    found->teamName = team.name;
-                }
-            }
-        }
-    };
-    try {
-        noteTeams();
-    } catch (const Error& failure) {
-        for (AdapterOverview& each : overviews) {
-            each.failure = each.failure ? each.failure : failure.code();
-        }
-    }
-    return overviews;
-}
-
 std::wstring Session::ObjectIdOf(const AdapterId& adapter) {
     std::wstring objectId;
     // A path without one is odd, and no failure of anything.

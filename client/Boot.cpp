@@ -1,6 +1,8 @@
 // Boot agents, flash images, booting from iSCSI.
 #include "Operations.h"
 
+#include <array>
+
 #include <algorithm>
 #include <limits>
 
@@ -148,6 +150,30 @@ IscsiSupport Session::ReadIscsiSupport(const AdapterId& adapter) {
     Do("GetiSCSI_Info", adapter.Path(),
        [&] { return m_state->quillet.GetiSCSI_Info(adapter.Path(), record); });
     return {record.m_lStatus, record.m_bOSSupported, record.m_bPatchPresent, record.m_bHotFixPresent};
+}
+
+std::wstring Text(IscsiStatus status) {
+    switch (status) {
+    case IscsiStatus::NotBootPort:
+        return L"off";
+    case IscsiStatus::PrimaryPort:
+        return L"primary";
+    case IscsiStatus::SecondaryPort:
+        return L"secondary";
+    }
+    return {};
+}
+
+std::vector<std::wstring> ImageTypes(std::int32_t mask) {
+    static constexpr std::array kTypes{L"PXE", L"EFI", L"iSCSI"};
+    std::vector<std::wstring> types;
+    for (std::size_t bit = 0; bit < 32; ++bit) {
+        if ((static_cast<std::uint32_t>(mask) >> bit & 1U) != 0) {
+            types.push_back(bit < kTypes.size() ? std::wstring(kTypes[bit])
+                                                : UnknownNumber(static_cast<std::int64_t>(bit), L"type"));
+        }
+    }
+    return types;
 }
 
 } // namespace quillet

@@ -241,7 +241,10 @@ std::string ExplainResult(std::int32_t code, const std::string& reason) {
     } else if (words.empty() && code >= 0) {
         words = "a code of the provider's own";
     }
-    return words.empty() ? DescribeResult(code) : words + ": " + DescribeResult(code);
+    if (words.empty()) {
+        return known == nullptr ? DescribeResult(code) + " (unknown)" : DescribeResult(code);
+    }
+    return words + ": " + DescribeResult(code);
 }
 
 } // namespace quillet

@@ -1,5 +1,6 @@
 #include "Provider/ProviderInstance.h"
 
+#include "Provider/FetchedObjects.h"
 #include "Provider/Trace.h"
 
 ProviderInstance::ProviderInstance(const ProviderSession& session, const std::wstring& path,
@@ -8,7 +9,12 @@ ProviderInstance::ProviderInstance(const ProviderSession& session, const std::ws
     if (Failed()) {
         return;
     }
-    m_result = session.Service()->GetObject(_bstr_t(path.c_str()), 0, session.Context(), &m_object, nullptr);
+    const auto fetch = [&](IWbemClassObject** object) {
+        return session.Service()->GetObject(_bstr_t(path.c_str()), 0, session.Context(), object, nullptr);
+    };
+    // An object of which only a part was asked for would be missing the rest for the next one.
+    m_result = session.IsPartial() ? fetch(&m_object)
+                                   : FetchedObjects::Get(session.Quillet(), path, fetch, m_object);
     if (Failed()) {
         TraceText(failure);
     } else if (!m_object) {
@@ -18,6 +24,7 @@ ProviderInstance::ProviderInstance(const ProviderSession& session, const std::ws
 }
 
 HRESULT PutProperty(IWbemClassObject* object, const ProviderName& property, _variant_t value) {
+    FetchedObjects::Forget();
     const HRESULT result = object->Put(property.name, 0, &value, 0);
     if (FAILED(result)) {
         TraceText(L"Put -> ", property.symbol);

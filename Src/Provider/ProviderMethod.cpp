@@ -1,5 +1,6 @@
 #include "Provider/ProviderMethod.h"
 
+#include "Provider/FetchedObjects.h"
 #include "Variants/SafeArray.h"
 #include "Variants/SecretVariant.h"
 #include "Provider/Trace.h"
@@ -113,6 +114,7 @@ ProviderMethod& ProviderMethod::Exec(const std::wstring& path, const wchar_t* va
     if (Failed()) {
         return *this;
     }
+    FetchedObjects::Forget();
     CComPtr<IWbemCallResult> callResult;
     m_result = m_session.Service()->ExecMethod(_bstr_t(path.c_str()), _bstr_t(m_method.name), 0,
                                                m_session.Context(), m_in, &m_out, &callResult);

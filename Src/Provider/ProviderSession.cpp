@@ -1,5 +1,7 @@
 #include "Provider/ProviderSession.h"
 
+#include "Provider/FetchedObjects.h"
+
 ProviderSession::ProviderSession(CQuillet& quillet, const wchar_t* missing)
     : ProviderSession(quillet, Refusal{false, nullptr}, missing) {}
 
@@ -62,6 +64,7 @@ HRESULT ProviderSession::Commit(IWbemClassObject* instance, const wchar_t* failu
         }
         return code;
     };
+    FetchedObjects::Forget();
     ATL::CComPtr<IWbemCallResult> callResult;
     HRESULT result = m_service->PutInstance(
         instance, WBEM_FLAG_USE_AMENDED_QUALIFIERS | WBEM_FLAG_RETURN_IMMEDIATELY, m_context, &callResult);
@@ -81,6 +84,7 @@ HRESULT ProviderSession::Delete(const std::wstring& path, const wchar_t* failure
     if (Failed()) {
         return Result();
     }
+    FetchedObjects::Forget();
     const HRESULT result = m_service->DeleteInstance(_bstr_t(path.c_str()), 0, m_context, nullptr);
     if (FAILED(result)) {
         TraceText(failure);

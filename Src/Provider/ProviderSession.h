@@ -49,8 +49,13 @@ class ProviderSession {
     CQuillet& Quillet() const { return m_quillet; }
 
     /// Asks for partial data (a mode) or for everything (-1) in the calls that follow.
-    void Retrieve(LONG mode) const { CQuillet::ChangeContext(m_context, mode); }
+    void Retrieve(LONG mode) const {
+        CQuillet::ChangeContext(m_context, mode);
+        m_isPartial = mode != kEverything;
+    }
     static constexpr LONG kEverything = -1;
+    /// Whether it asks for partial data.
+    bool IsPartial() const { return m_isPartial; }
 
     /// Runs a WQL query with the thread's context. @param failure the trace text of a failed one.
     ProviderEnum Query(const std::wstring& text, const wchar_t* failure) const;
@@ -75,6 +80,7 @@ class ProviderSession {
     ATL::CComPtr<IWbemServices> m_service;
     ATL::CComPtr<IWbemContext> m_context;
     HRESULT m_result = S_OK;
+    mutable bool m_isPartial = false; ///< of the context, which is no part of this object
 };
 
 /// Partial retrieval for a while: what is asked for in between brings only the data of a mode.

@@ -26,7 +26,8 @@ inline std::wstring TextOf(TextTable table, LONG lValue) {
     return pszText != nullptr ? pszText : L"";
 }
 
-/// A sentence for each bit of a mask, lowest first; one without a text is the other words and its number.
+/// A sentence for each bit of a mask, lowest first; one without a text is the other words, its number and
+/// that it is unknown.
 inline std::vector<std::wstring> SentencesOf(TextTable table, ULONGLONG ullMask,
                                              const std::wstring& rwsOther) {
     std::vector<std::wstring> sentences;
@@ -34,7 +35,8 @@ inline std::vector<std::wstring> SentencesOf(TextTable table, ULONGLONG ullMask,
         const ULONGLONG value = ULONGLONG{1} << bit;
         if ((ullMask & value) != 0) {
             const wchar_t* const pszText = FindText(table, value);
-            sentences.push_back(pszText != nullptr ? pszText : rwsOther + std::to_wstring(bit));
+            sentences.push_back(pszText != nullptr ? pszText
+                                                   : rwsOther + std::to_wstring(bit) + L" (unknown)");
         }
     }
     return sentences;

@@ -37,6 +37,11 @@ quillet::Session& Invocation::Reconnect() {
     return m_connection ? m_connection->Reconnect() : Session();
 }
 
+unsigned Invocation::SideBySide() const noexcept {
+    constexpr unsigned kOverANetwork = 8;
+    return m_options.machine.empty() || AsksForSimulator(m_options) ? 1 : kOverANetwork;
+}
+
 void PrintJson(const Json& json, std::ostream& out) {
     constexpr int kIndent = 2;
     out << json.dump(kIndent, ' ', false, Json::error_handler_t::replace) << '\n';

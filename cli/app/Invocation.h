@@ -37,6 +37,9 @@ class Invocation {
     /// The machine to manage; empty: this one.
     const std::string& MachineName() const noexcept { return m_options.machine; }
     bool WantsJson() const noexcept { return m_options.json; }
+    /// How many questions to the provider may well be under way at once: over a network each waits for its
+    /// answer.
+    unsigned SideBySide() const noexcept;
     const Terminal& Screen() const noexcept { return m_terminal; }
     std::ostream& Out() noexcept { return m_terminal.out; }
     /// Writes the command's answer for programs.

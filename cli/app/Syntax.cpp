@@ -2,6 +2,7 @@
 // that do not fit are not repeated in messages: what was typed in a wrong place may be a secret.
 #include "app/Syntax.h"
 
+#include "ending/Failure.h"
 #include "texts/Number.h"
 
 #include <CLI/CLI.hpp>
@@ -80,6 +81,21 @@ void Syntax::Text(const std::string& name, std::optional<std::string>& value, co
     option.value = kind;
     option.words = proposals;
     m_app.add_option_function<std::string>(name, [&value](const std::string& given) { value = given; });
+}
+
+void Syntax::Text(const std::string& name, std::function<void(const std::string&)> take,
+                  const std::string& kind, const std::string& description,
+                  const std::vector<std::string>& proposals) {
+    OptionDescription& option = Describe(name, description);
+    option.value = kind;
+    option.words = proposals;
+    m_app.add_option_function<std::string>(name, [name, take = std::move(take)](const std::string& given) {
+        try {
+            take(given);
+        } catch (const UsageError& mistake) {
+            throw UsageError(name + ": " + mistake.what());
+        }
+    });
 }
 
 void Syntax::OptionalText(const std::string& name, bool& isGiven, std::string& value, const std::string& kind,

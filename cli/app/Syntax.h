@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +18,8 @@ class App;
 
 namespace quilletctl {
 
+/// How many names a command takes at most where it takes any number of them.
+inline constexpr std::size_t kMostNames = 64;
 /// The words of a choice that is a switch.
 inline const std::vector<std::string> kOnOff{"on", "off"};
 
@@ -34,7 +37,10 @@ class Syntax {
     /// proposed.
     void Text(const std::string& name, std::optional<std::string>& value, const std::string& kind,
               const std::string& description, const std::vector<std::string>& proposals = {});
-    /// The same, but it may also stand without the text.
+    /// An option whose text the command takes itself: `take` throws UsageError for one that it cannot use.
+    void Text(const std::string& name, std::function<void(const std::string&)> take, const std::string& kind,
+              const std::string& description, const std::vector<std::string>& proposals);
+    /// The first, but it may also stand without the text.
     void OptionalText(const std::string& name, bool& isGiven, std::string& value, const std::string& kind,
                       const std::string& description);
     /// An option with one of a few words, such as "--of".

@@ -1,10 +1,13 @@
-// The shape of a command about one adapter.
+// The shapes of commands about one adapter.
 #pragma once
 
 #include "app/Command.h"
+#include "app/List.h"
 #include "names/AdapterLookup.h"
 
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace quilletctl {
 
@@ -21,6 +24,22 @@ class AdapterCommand : public Command {
     virtual ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) = 0;
 
     std::string m_adapter;
+};
+
+/// A command that lists what an adapter has.
+class AdapterListCommand : public AdapterCommand {
+  public:
+    explicit AdapterListCommand(std::vector<Column> columns) : m_options(std::move(columns)) {}
+    void Declare(Syntax& syntax) override {
+        AdapterCommand::Declare(syntax);
+        m_options.Declare(syntax);
+    }
+
+  protected:
+    List NewList() const { return List(m_options); }
+
+  private:
+    ListOptions m_options;
 };
 
 } // namespace quilletctl

@@ -1,10 +1,10 @@
 // quilletctl diag: the diagnostic tests of an adapter.
-#include "app/Answers.h"
 #include "commands/AdapterCommand.h"
 #include "commands/Commands.h"
 #include "names/ObjectPath.h"
 #include "terminal/Progress.h"
-#include "texts/JsonParts.h"
+#include "terminal/Sheet.h"
+#include "texts/InWords.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -76,11 +76,17 @@ Json Members(const TestResult& package) {
     return members;
 }
 
+/// The state in the provider's words.
+std::string StateText(const TestResult& result) {
+    return result.stateText.empty() ? UnknownText(static_cast<std::int32_t>(result.state))
+                                    : ToUtf8(result.stateText);
+}
+
 Json AsJson(const Diagnostic& test, const TestResult& result) {
     return Json{{"test", ToUtf8(test.name)},
                 {"testId", test.number},
                 {"passed", result.Passed()},
-                {"state", Coded(static_cast<std::int32_t>(result.state), ToUtf8(result.stateText))},
+                {"state", Coded(static_cast<std::int32_t>(result.state), StateText(result))},
                 {"title", ToUtf8(result.title)},
                 {"result", ToUtf8(result.result)},
                 {"description", ToUtf8(result.description)},
@@ -89,10 +95,16 @@ Json AsJson(const Diagnostic& test, const TestResult& result) {
                 {"members", Members(result)}};
 }
 
+/// The outcome in the provider's words, with its number.
+std::string OutcomeText(const TestResult& result) {
+    return result.result.empty() ? UnknownText(result.code)
+                                 : ToUtf8(result.result) + " (" + std::to_string(result.code) + ')';
+}
+
 void AddMembers(Table& table, const TestResult& package, const std::string& indentation) {
     for (const TestResult& member : package.members) {
         const std::wstring& name = member.name.empty() ? member.title : member.name;
-        table.AddRow({indentation + ToUtf8(name), std::to_string(member.code), ToUtf8(member.result)});
+        table.AddRow({indentation + ToUtf8(name), OutcomeText(member)});
         AddMembers(table, member, indentation + "  ");
     }
 }
@@ -104,37 +116,39 @@ void Print(Invocation& run, const Diagnostic& test, const TestResult& result) {
     }
     std::string messages;
     for (const quillet::TestMessage& message : result.messages) {
-        messages += (messages.empty() ? "" : ", ") + std::to_string(message.id);
+        messages += (messages.empty() ? "" : ", ") + UnknownText(message.id, L"message");
     }
     Sheet sheet;
     sheet.Add("Test", ToUtf8(test.name))
-        .Add("State", ToUtf8(result.stateText))
-        .Add("Result", ToUtf8(result.result))
+        .Add("State", StateText(result))
+        .Add("Result", OutcomeText(result))
         .Add("Details", ToUtf8(result.description))
-        .Add("Code", std::to_string(result.code))
         .Add("Messages", messages);
     sheet.Print(run.Screen());
     if (!result.members.empty()) {
         run.Out() << '\n';
-        Table table({{"MEMBER", Fit::MayShorten}, {"CODE", Fit::Whole}, {"RESULT", Fit::MayShorten}});
+        Table table({{"MEMBER", Fit::MayShorten}, {"RESULT", Fit::MayShorten}});
         AddMembers(table, result, "");
         table.Print(run.Screen());
     }
 }
 
-class ListTests final : public AdapterCommand {
+class ListTests final : public AdapterListCommand {
+  public:
+    ListTests() : AdapterListCommand({{"ID"}, {"TEST", Fit::MayShorten}, {"GROUP"}}) {}
+
+  private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        Json list = Json::array();
-        Table table({{"ID", Fit::Whole}, {"TEST", Fit::MayShorten}, {"GROUP", Fit::Whole}});
+        List list = NewList();
         for (const Diagnostic& test : ReadTests(run.Session(), adapter)) {
             const std::string name = ToUtf8(test.name);
-            list.push_back(Json{{"name", name},
-                                {"testId", test.number},
-                                {"group", test.group ? Json(*test.group) : Json()},
-                                {"path", PathOf(test.id)}});
-            table.AddRow({std::to_string(test.number), name, test.group ? std::to_string(*test.group) : "-"});
+            list.AddRow({std::to_string(test.number), name, test.group ? std::to_string(*test.group) : ""},
+                        Json{{"name", name},
+                             {"testId", test.number},
+                             {"group", test.group ? Json(*test.group) : Json()},
+                             {"path", PathOf(test.id)}});
         }
-        return AnswerList(run, Json{{"tests", std::move(list)}}, table, "no tests");
+        return list.Answer(run, Under("tests"), "no tests");
     }
 };
 
@@ -272,7 +286,7 @@ class StopTest final : public TestCommand {
         if (run.WantsJson()) {
             run.Print(AsJson(test, last));
         } else {
-            run.Out() << Printable(name) << ": " << Printable(ToUtf8(last.stateText)) << '\n';
+            run.Out() << Printable(name) << ": " << Printable(StateText(last)) << '\n';
         }
         if (last.state == TestState::InProgress) {
             throw NotTaken("stop " + name, "it still runs");

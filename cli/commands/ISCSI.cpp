@@ -4,7 +4,7 @@
 #include "commands/AdapterCommand.h"
 #include "commands/Commands.h"
 #include "names/ObjectPath.h"
-#include "texts/JsonParts.h"
+#include "texts/InWords.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -19,25 +19,7 @@ namespace {
 using quillet::IscsiAdapter;
 using quillet::IscsiStatus;
 
-struct Place {
-    IscsiStatus status;
-    const char* word;
-};
-
-constexpr std::array kPlaces{Place{IscsiStatus::NotBootPort, "off"},
-                             Place{IscsiStatus::PrimaryPort, "primary"},
-                             Place{IscsiStatus::SecondaryPort, "secondary"}};
-
-std::string PlaceText(IscsiStatus status) {
-    const auto* found = std::find_if(kPlaces.begin(), kPlaces.end(),
-                                     [status](const Place& place) { return place.status == status; });
-    return found != kPlaces.end() ? found->word
-                                  : "place " + std::to_string(static_cast<std::int32_t>(status));
-}
-
-Json PlaceAsJson(IscsiStatus status) {
-    return Coded(static_cast<std::int32_t>(status), PlaceText(status));
-}
+constexpr std::array kPlaces{IscsiStatus::NotBootPort, IscsiStatus::PrimaryPort, IscsiStatus::SecondaryPort};
 
 /// The adapter of a port, which its boot agent is called after; null where the machine has none.
 const ListedAdapter* AdapterOf(const std::vector<ListedAdapter>& adapters, const IscsiAdapter& port) {
@@ -56,32 +38,51 @@ std::vector<IscsiAdapter> ReadPorts(quillet::Session& session) {
     return Attempt("list the adapters that can boot from iSCSI", [&] { return session.IscsiAdapters(); });
 }
 
-ExitStatus ListPorts(Invocation& run) {
-    const std::vector<IscsiAdapter> ports = ReadPorts(run.Session());
-    const std::vector<ListedAdapter> adapters = ReadAdapters(run.Session());
-    Json list = Json::array();
-    Table table({{"ADAPTER", Fit::MayShorten}, {"PLACE", Fit::Whole}, {"BOOT AGENT ID", Fit::Whole}});
-    for (const IscsiAdapter& port : ports) {
-        const ListedAdapter* adapter = AdapterOf(adapters, port);
-        const std::string name = NameOf(adapter, port);
-        list.push_back(Json{{"adapter", adapter == nullptr ? Json() : Json(adapter->path)},
-                            {"name", name},
-                            {"bootAgentId", ToUtf8(port.objectId)},
-                            {"status", PlaceAsJson(port.status)},
-                            {"path", PathOf(port.bootAgent)}});
-        table.AddRow({name, PlaceText(port.status), ToUtf8(port.objectId)});
+class ListPorts final : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Arguments(
+            "adapter", m_adapters, 0, kMostNames,
+            "Adapters that can: names or boot agent IDs; a pattern names several (default: all)");
+        m_options.Declare(syntax);
     }
-    return AnswerList(run, Json{{"adapters", std::move(list)}}, table, "no adapter can boot from iSCSI");
-}
+
+    ExitStatus Run(Invocation& run) override {
+        const std::vector<IscsiAdapter> ports = ReadPorts(run.Session());
+        const std::vector<ListedAdapter> adapters = ReadAdapters(run.Session());
+        std::vector<Named> names;
+        for (const IscsiAdapter& port : ports) {
+            const std::string id = ToUtf8(port.objectId);
+            const std::string name = NameOf(AdapterOf(adapters, port), port);
+            names.push_back({id, name, {PathOf(port.bootAgent), id, name}});
+        }
+        List list(m_options);
+        for (const std::size_t i : ChooseNamed(names, m_adapters, "adapter that can boot from iSCSI")) {
+            const IscsiAdapter& port = ports[i];
+            const ListedAdapter* adapter = AdapterOf(adapters, port);
+            list.AddRow({names[i].called, InWords(port.status), names[i].id},
+                        Json{{"adapter", adapter == nullptr ? Json() : Json(adapter->path)},
+                             {"name", names[i].called},
+                             {"bootAgentId", names[i].id},
+                             {"status", Coded(port.status)},
+                             {"path", PathOf(port.bootAgent)}});
+        }
+        return list.Answer(run, Under("adapters"), "no adapter can boot from iSCSI");
+    }
+
+  private:
+    std::vector<std::string> m_adapters;
+    ListOptions m_options{
+        {{"ADAPTER", Fit::MayShorten}, {"PLACE"}, {"BOOT AGENT ID", Fit::Whole, {}, Stay::WhileAllFits}}};
+};
 
 class SetPlace final : public AdapterCommand {
   public:
     void Declare(Syntax& syntax) override {
         AdapterCommand::Declare(syntax);
         std::vector<std::string> words;
-        words.reserve(std::size(kPlaces));
-        for (const Place& place : kPlaces) {
-            words.emplace_back(place.word);
+        for (const IscsiStatus place : kPlaces) {
+            words.push_back(InWords(place));
         }
         syntax.Argument("place", m_place, "Its place", words);
     }
@@ -89,7 +90,7 @@ class SetPlace final : public AdapterCommand {
   private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         const auto* place = std::find_if(kPlaces.begin(), kPlaces.end(),
-                                         [this](const Place& each) { return m_place == each.word; });
+                                         [this](IscsiStatus each) { return m_place == InWords(each); });
         const std::optional<IscsiAdapter> port = PortOf(adapter, ReadPorts(run.Session()));
         if (!port) {
             throw UsageError(adapter.Called() + " cannot boot from iSCSI; see quilletctl iscsi list");
@@ -97,25 +98,27 @@ class SetPlace final : public AdapterCommand {
         const std::string asked = "change the place of " + adapter.Called();
         ClientSet changes(run);
         const unsigned code =
-            Attempt(asked, [&] { return run.Session().SetIscsiStatus(port->bootAgent, place->status); });
+            Attempt(asked, [&] { return run.Session().SetIscsiStatus(port->bootAgent, *place); });
         const std::optional<bool> restartNeeded = changes.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
             const std::optional<IscsiAdapter> now = PortOf(adapter, ReadPorts(run.Session()));
             compare.Compare({{"status", "its place", m_place}},
-                            {{"status", "", now ? Json(PlaceText(now->status)) : Json()}});
+                            {{"status", "", now ? Json(InWords(now->status)) : Json()}});
         });
         if (run.WantsJson()) {
-            Json answer{{"code", code}, {"restartNeeded", RestartJson(restartNeeded)}};
+            Json answer{{"code", code},
+                        {"text", code == 0 ? "done" : UnknownText(code)},
+                        {"restartNeeded", RestartJson(restartNeeded)}};
             taken.AddTo(answer);
             run.Print(answer);
         } else if (code != 0) {
-            run.Out() << "the provider refused: code " << code << '\n';
+            run.Out() << "the provider refused: " << UnknownText(code) << '\n';
         } else {
             run.Out() << Printable(taken.Text(adapter.Called() + " is " + m_place)) << "; "
                       << RestartText(restartNeeded) << '\n';
         }
         if (code != 0) {
-            throw NotTaken(asked, "the provider refused, code " + std::to_string(code));
+            throw NotTaken(asked, "the provider refused: " + UnknownText(code));
         }
         taken.End(asked);
         return ExitStatus::Done;
@@ -139,13 +142,13 @@ class ShowPort final : public AdapterCommand {
             ReadRecord(run.Session(), &quillet::Session::ReadIscsiSupport, adapter, "the iSCSI boot status");
         const auto status = static_cast<IscsiStatus>(info.status);
         return AnswerSheet(run,
-                           Json{{"status", PlaceAsJson(status)},
+                           Json{{"status", Coded(status)},
                                 {"systemSupported", info.byOperatingSystem},
                                 {"patchPresent", info.patchPresent},
                                 {"hotFixPresent", info.hotFixPresent}},
                            Sheet()
                                .Add("Adapter", adapter.Called())
-                               .Add("Place", PlaceText(status))
+                               .Add("Place", InWords(status))
                                .Add("System supports it", YesOrNo(info.byOperatingSystem))
                                .Add("Patch present", YesOrNo(info.patchPresent))
                                .Add("Hot fix present", YesOrNo(info.hotFixPresent)));
@@ -156,7 +159,7 @@ class ShowPort final : public AdapterCommand {
 
 void AddISCSICommands(CommandTree& tree) {
     tree.AddNoun("iscsi", "Booting from an iSCSI target")
-        .Query("list", "List the adapters that can, and their places", ListPorts)
+        .Query("list", "List the adapters that can, and their places", std::make_unique<ListPorts>())
         .Query("show", "Show an adapter's place, and what the system can do", std::make_unique<ShowPort>())
         .Verb("set", "Change an adapter's place", std::make_unique<SetPlace>());
 }

@@ -3,6 +3,7 @@
 #include "changes/ClientSet.h"
 #include "commands/AdapterCommand.h"
 #include "commands/Commands.h"
+#include "texts/InWords.h"
 
 #include <nlohmann/json.hpp>
 
@@ -68,7 +69,8 @@ std::vector<Field> Fields(const Wake& info) {
 
 std::vector<Field> Fields(const Power& info) {
     std::vector<Field> fields = FieldsOf(kPowerOptions, info);
-    fields.insert(fields.begin(), {"mode", "Power-saving mode", info.mode});
+    fields.insert(fields.begin(),
+                  {"mode", "Power-saving mode", info.mode, false, UnknownText(info.mode, L"mode")});
     return fields;
 }
 
@@ -78,7 +80,7 @@ ExitStatus Show(const ListedAdapter& adapter, const Record& info, Invocation& ru
     Sheet sheet;
     for (const Field& field : Fields(info)) {
         json[field.key] = field.value;
-        sheet.Add(field.label, TextOf(field.value));
+        sheet.Add(field.label, TextOf(field));
     }
     return AnswerSheet(run, json, sheet);
 }

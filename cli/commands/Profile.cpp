@@ -1,49 +1,70 @@
 // quilletctl profile: the performance profiles of adapters.
-#include "app/Answers.h"
+#include "app/List.h"
 #include "commands/Commands.h"
 #include "names/AdapterLookup.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+
 namespace quilletctl {
 
 namespace {
 
+/// Profiles that stand one by one, by their adapters.
+Json GroupedByAdapter(Json entries) {
+    Json adapters = Json::array();
+    for (Json& entry : entries) {
+        auto adapter = std::find_if(adapters.begin(), adapters.end(), [&](const Json& each) {
+            return each.at("adapter") == entry.at("adapter");
+        });
+        if (adapter == adapters.end()) {
+            adapters.push_back(Json{{"adapter", entry.at("adapter")}, {"profiles", Json::array()}});
+            adapter = adapters.end() - 1;
+        }
+        if (!entry.at("profile").is_null()) {
+            (*adapter)["profiles"].push_back(std::move(entry.at("profile")));
+        }
+    }
+    return Json{{"adapters", std::move(adapters)}};
+}
+
 class ListProfiles final : public Command {
   public:
     void Declare(Syntax& syntax) override {
-        syntax.Arguments("adapter", m_adapters, 0, 1,
-                         "The adapter: its name, object ID or object path; a pattern names several "
-                         "(default: all)");
+        syntax.Arguments(
+            "adapter", m_adapters, 0, kMostNames,
+            "Adapters: names, object IDs or object paths; a pattern names several (default: all)");
+        syntax.Flag("--current", m_currentOnly, "Only the profiles that the adapters have");
+        m_options.Declare(syntax);
     }
 
     ExitStatus Run(Invocation& run) override {
         quillet::Session& session = run.Session();
-        const std::vector<ListedAdapter> adapters =
-            m_adapters.empty() ? ReadAdapters(session) : FindAdapters(session, m_adapters);
-        Json list = Json::array();
-        Table table({{"ADAPTER", Fit::MayShorten},
-                     {"PROFILE", Fit::Whole},
-                     {"DESCRIPTION", Fit::MayShorten},
-                     {"CURRENT", Fit::Whole}});
-        for (const ListedAdapter& adapter : adapters) {
+        List list(m_options);
+        for (const ListedAdapter& adapter :
+             m_adapters.empty() ? ReadAdapters(session) : FindAdapters(session, m_adapters)) {
             const std::vector<quillet::OfferedProfile> profiles = Profiles(session, adapter);
-            if (profiles.empty()) {
-                table.AddRow({adapter.Called(), "-", "no profiles", ""});
+            if (profiles.empty() && !m_currentOnly) {
+                list.AddRow({adapter.Called(), "", "no profiles", ""},
+                            Json{{"adapter", adapter.path}, {"profile", nullptr}});
             }
-            Json offered = Json::array();
             for (const quillet::OfferedProfile& each : profiles) {
                 const auto number = static_cast<std::int32_t>(each.profile);
                 const std::string description = ToUtf8(each.description);
-                table.AddRow(
-                    {adapter.Called(), std::to_string(number), description, each.isCurrent ? "yes" : ""});
-                offered.push_back(
-                    Json{{"profile", number}, {"description", description}, {"current", each.isCurrent}});
+                if (each.isCurrent || !m_currentOnly) {
+                    list.AddRow({adapter.Called(), std::to_string(number), description,
+                                 each.isCurrent ? Cell("yes", Tone::Good) : Cell("")},
+                                Json{{"adapter", adapter.path},
+                                     {"profile",
+                                      {{"profile", number},
+                                       {"description", description},
+                                       {"current", each.isCurrent}}}});
+                }
             }
-            list.push_back(Json{{"adapter", adapter.path}, {"profiles", std::move(offered)}});
         }
-        return AnswerList(run, Json{{"adapters", std::move(list)}}, table, "no adapters");
+        return list.Answer(run, GroupedByAdapter, "no profiles");
     }
 
   private:
@@ -63,6 +84,9 @@ class ListProfiles final : public Command {
     }
 
     std::vector<std::string> m_adapters;
+    bool m_currentOnly = false;
+    ListOptions m_options{
+        {{"ADAPTER", Fit::MayShorten}, {"PROFILE"}, {"DESCRIPTION", Fit::MayShorten}, {"CURRENT"}}};
 };
 
 } // namespace

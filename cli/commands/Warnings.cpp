@@ -1,6 +1,7 @@
 // quilletctl warnings: what the provider wants the machine's keeper to know.
 #include "commands/Commands.h"
 #include "texts/BitMask.h"
+#include "texts/InWords.h"
 
 #include <nlohmann/json.hpp>
 
@@ -14,17 +15,18 @@ ExitStatus ShowWarnings(Invocation& run) {
     if (!warnings) {
         throw NotTaken(kAsked, "the provider does not tell them");
     }
-    const std::vector<unsigned> bits = SetBits(warnings->Mask());
+    // The meaning of these bits is the provider's own and differs between its versions.
+    const std::vector<std::string> texts = InWords(*warnings, L"warning");
     if (run.WantsJson()) {
-        run.Print(Json{{"mask", HexMask(warnings->Mask())}, {"bits", bits}});
+        run.Print(
+            Json{{"mask", HexMask(warnings->Mask())}, {"bits", SetBits(warnings->Mask())}, {"texts", texts}});
         return ExitStatus::Done;
     }
-    if (bits.empty()) {
+    if (texts.empty()) {
         run.Out() << "no pending warnings\n";
     }
-    // The meaning of these bits is the provider's own and differs between its versions.
-    for (const unsigned bit : bits) {
-        run.Out() << "provider warning " << bit << '\n';
+    for (const std::string& text : texts) {
+        run.Out() << text << '\n';
     }
     return ExitStatus::Done;
 }

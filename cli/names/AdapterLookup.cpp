@@ -53,6 +53,11 @@ std::vector<ListedAdapter> ReadAdapters(quillet::Session& session) {
     return listed;
 }
 
+std::string PlaceText(const std::string& slot, const std::string& port) {
+    return slot.empty() || port.empty() ? std::string()
+                                        : slot.substr(slot.find_last_of(' ') + 1) + ':' + port;
+}
+
 Named NamesOf(const ListedAdapter& adapter) {
     return {adapter.objectId.empty() ? adapter.path : adapter.objectId,
             adapter.Called(),
@@ -133,6 +138,7 @@ void AdapterFinder::ReadPlaces() {
         return;
     }
     for (std::size_t i = 0; i < m_adapters.size(); ++i) {
+        const quillet::FetchOnce once(m_session);
         // One that cannot tell its place must not hide the others.
         const auto hardware = IfTold([&] { return m_session.ReadHardware(m_adapters[i].id); });
         const auto known = IfTold([&] { return m_session.ReadAdapter(m_adapters[i].id); });
@@ -149,10 +155,9 @@ void AdapterFinder::ReadPlaces() {
         }
         const std::string slot = ToUtf8(known->slot);
         const std::string port = ToUtf8(hardware->portNumber);
-        if (!slot.empty() && !port.empty()) {
-            const std::string number = slot.substr(slot.find_last_of(' ') + 1); // "2:1" for "Slot 2:1"
+        place.names[3] = PlaceText(slot, port);
+        if (!place.names[3].empty()) {
             place.names[2].append(slot).append(":").append(port);
-            place.names[3].append(number).append(":").append(port);
         }
     }
 }

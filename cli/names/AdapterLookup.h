@@ -30,6 +30,9 @@ struct ListedAdapter {
 /// All adapters, in the provider's order. Throws Refusal.
 std::vector<ListedAdapter> ReadAdapters(quillet::Session& session);
 
+/// Where an adapter is: "2:1" for port 1 of "Slot 2". Empty where that is not known.
+std::string PlaceText(const std::string& slot, const std::string& port);
+
 /// The adapter as a thing with names.
 Named NamesOf(const ListedAdapter& adapter);
 

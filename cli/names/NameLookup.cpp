@@ -2,6 +2,7 @@
 #include "names/NameLookup.h"
 
 #include "ending/Failure.h"
+#include "texts/Nearest.h"
 #include "texts/Text.h"
 
 #include <algorithm>
@@ -15,17 +16,6 @@ constexpr char32_t kEllipsis = 0x2026;
 /// An identifier is often typed without its braces.
 std::string_view WithoutBraces(std::string_view id) {
     return id.size() > 2 && id.front() == '{' && id.back() == '}' ? id.substr(1, id.size() - 2) : id;
-}
-
-/// The characters, with ASCII letters in one case.
-std::u32string Folded(std::string_view text) {
-    std::u32string characters = Characters(text);
-    for (char32_t& character : characters) {
-        if (character >= U'A' && character <= U'Z') {
-            character += U'a' - U'A';
-        }
-    }
-    return characters;
 }
 
 /// Whether a text fits a pattern. Steps back to the last gap where a letter does not fit, so that the time is
@@ -111,6 +101,34 @@ std::optional<std::size_t> FindOneNamed(const std::vector<Named>& things, const 
         throw UsageError("several " + kind + " are called \"" + text + "\": " + candidates);
     }
     return found.empty() ? std::nullopt : std::optional(found.front());
+}
+
+std::vector<std::size_t> ChooseNamed(const std::vector<Named>& things, const std::vector<std::string>& texts,
+                                     const std::string& kind) {
+    std::vector<bool> isChosen(things.size(), texts.empty());
+    for (const std::string& text : texts) {
+        std::vector<std::size_t> found;
+        for (const Match match : {Match::Whole, Match::Shortened, Match::Pattern}) {
+            found = found.empty() ? FindNamed(things, text, match) : found;
+        }
+        if (found.empty()) {
+            std::vector<std::string> names;
+            for (const Named& thing : things) {
+                names.insert(names.end(), thing.names.begin(), thing.names.end());
+            }
+            throw UsageError("no " + kind + " is called \"" + text + '"' + DidYouMean(text, names));
+        }
+        for (const std::size_t i : found) {
+            isChosen[i] = true;
+        }
+    }
+    std::vector<std::size_t> chosen;
+    for (std::size_t i = 0; i < things.size(); ++i) {
+        if (isChosen[i]) {
+            chosen.push_back(i);
+        }
+    }
+    return chosen;
 }
 
 } // namespace quilletctl

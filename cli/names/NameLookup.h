@@ -42,4 +42,10 @@ std::optional<std::size_t>
 FindOneNamed(const std::vector<Named>& things, const std::string& text, const std::string& kind,
              std::initializer_list<Match> matches = {Match::Whole, Match::Shortened});
 
+/// The places of the things that any of the texts names, by a name or as a pattern, in the order of the
+/// things; all of them without a text. Throws UsageError where a text names none.
+/// @param kind what the message calls a thing of this kind: "team"
+std::vector<std::size_t> ChooseNamed(const std::vector<Named>& things, const std::vector<std::string>& texts,
+                                     const std::string& kind);
+
 } // namespace quilletctl

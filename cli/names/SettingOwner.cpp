@@ -6,6 +6,7 @@
 #include "names/ObjectPath.h"
 #include "names/TeamLookup.h"
 #include "names/VlanParent.h"
+#include "texts/Nearest.h"
 #include "texts/Text.h"
 
 #include <algorithm>
@@ -155,15 +156,19 @@ std::vector<quillet::Setting> ReadQueueSettings(quillet::Session& session, const
     return Attempt("read the queue settings of " + called, [&] { return session.QueueSettings(adapter); });
 }
 
-const quillet::Setting* LookForSetting(const std::vector<quillet::Setting>& settings,
-                                       const std::string& text) {
+std::vector<Named> NamesOf(const std::vector<quillet::Setting>& settings) {
     std::vector<Named> names;
     for (const quillet::Setting& setting : settings) {
         const std::string caption = ToUtf8(setting.keyword);
         const std::string path = PathOf(setting.id);
         names.push_back({path, caption, {path, caption, ToUtf8(setting.description)}});
     }
-    const std::optional<std::size_t> found = FindOneNamed(names, text, "settings");
+    return names;
+}
+
+const quillet::Setting* LookForSetting(const std::vector<quillet::Setting>& settings,
+                                       const std::string& text) {
+    const std::optional<std::size_t> found = FindOneNamed(NamesOf(settings), text, "settings");
     return found ? &settings[*found] : nullptr;
 }
 
@@ -171,7 +176,14 @@ const quillet::Setting& FindSetting(const std::vector<quillet::Setting>& setting
                                     const SettingOwner& owner) {
     const quillet::Setting* setting = LookForSetting(settings, text);
     if (setting == nullptr) {
-        throw UsageError(owner.called + " has no setting \"" + text + "\"; see quilletctl setting list");
+        std::vector<std::string> names;
+        for (const quillet::Setting& each : settings) {
+            names.push_back(ToUtf8(each.keyword));
+            names.push_back(ToUtf8(each.description));
+        }
+        const std::string meant = DidYouMean(text, names);
+        throw UsageError(owner.called + " has no setting \"" + text + '"' +
+                         (meant.empty() ? "; see quilletctl setting list" : meant));
     }
     return *setting;
 }

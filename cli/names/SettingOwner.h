@@ -1,6 +1,8 @@
 // Whose settings a command is about: an adapter, a team, a VLAN or a boot agent.
 #pragma once
 
+#include "names/NameLookup.h"
+
 #include <quillet/client/Session.h>
 
 #include <string>
@@ -36,6 +38,8 @@ std::vector<quillet::Setting> ReadSettings(quillet::Session& session, const Sett
 std::vector<quillet::Setting> ReadQueueSettings(quillet::Session& session, const quillet::AdapterId& adapter,
                                                 const std::string& called);
 
+/// The settings as things with names: path, caption, description.
+std::vector<Named> NamesOf(const std::vector<quillet::Setting>& settings);
 /// The setting that a text names: by path, caption, or description where only one has it. Null where there is
 /// none; throws UsageError where it names several.
 const quillet::Setting* LookForSetting(const std::vector<quillet::Setting>& settings,

@@ -14,18 +14,37 @@ namespace {
 constexpr std::size_t kGap = 2;
 /// Below this a shortened text says nothing any more.
 constexpr std::size_t kNarrowest = 8;
+/// Down to this it is read with ease.
+constexpr std::size_t kReadable = 24;
 
-void PrintRow(std::ostream& out, const std::vector<std::string>& cells,
-              const std::vector<std::size_t>& widths) {
+std::string Coloured(const std::string& text, Tone tone) {
+    switch (tone) {
+    case Tone::Plain:
+        break;
+    case Tone::Good:
+        return "\x1b[32m" + text + "\x1b[0m";
+    case Tone::Warning:
+        return "\x1b[33m" + text + "\x1b[0m";
+    case Tone::Bad:
+        return "\x1b[31m" + text + "\x1b[0m";
+    }
+    return text;
+}
+
+/// One line of a row: that of each cell which has so many.
+void PrintLine(const Terminal& terminal, const std::vector<Cell>& cells,
+               const std::vector<std::size_t>& widths, std::size_t line) {
     std::size_t blanks = 0;
     for (std::size_t i = 0; i < cells.size(); ++i) {
-        const std::string cell = Shortened(cells[i], widths[i]);
+        const std::vector<std::string>& lines = cells[i].lines;
+        const std::string text = line < lines.size() ? Shortened(lines[line], widths[i]) : std::string();
         // Blanks are owed until the next text comes, so that no line ends with them.
-        if (!cell.empty()) {
-            out << std::string(blanks, ' ') << cell;
+        if (!text.empty()) {
+            terminal.out << std::string(blanks, ' ')
+                         << (terminal.outColour ? Coloured(text, cells[i].tone) : text);
             blanks = 0;
         }
-        blanks += widths[i] - DisplayWidth(cell) + kGap;
+        blanks += widths[i] - DisplayWidth(text) + kGap;
     }
 }
 
@@ -41,21 +60,47 @@ std::size_t CommonBeginning(const std::vector<std::string_view>& texts) {
     return *least == *greatest ? 0 : common.find_last_of(" -:.") + 1;
 }
 
+/// The cell with all of it on one line.
+Cell Joined(const Cell& cell) {
+    Cell joined(cell.Text());
+    joined.tone = cell.tone;
+    return joined;
+}
+
+std::size_t WidthOf(const Cell& cell) {
+    std::size_t width = 0;
+    for (const std::string& line : cell.lines) {
+        width = std::max(width, DisplayWidth(line));
+    }
+    return width;
+}
+
 } // namespace
+
+std::string Cell::Text() const {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += (text.empty() ? "" : ", ") + line;
+    }
+    return text;
+}
 
 Table::Table(std::vector<Column> columns) : m_columns(std::move(columns)) {}
 
-void Table::AddRow(const std::vector<std::string>& cells) {
-    std::vector<std::string>& row = m_rows.emplace_back();
+void Table::AddRow(const std::vector<Cell>& cells) {
+    std::vector<Cell>& row = m_rows.emplace_back();
     for (std::size_t i = 0; i < m_columns.size(); ++i) {
-        row.push_back(i < cells.size() ? Printable(cells[i]) : std::string());
+        row.push_back(i < cells.size() ? cells[i] : Cell(""));
+        for (std::string& line : row.back().lines) {
+            line = Printable(line);
+        }
     }
 }
 
 std::size_t Table::WidthOf(std::size_t column) const {
     std::size_t width = DisplayWidth(m_columns[column].title);
     for (const auto& row : m_rows) {
-        width = std::max(width, DisplayWidth(row[column]));
+        width = std::max(width, quilletctl::WidthOf(row[column]));
     }
     return width;
 }
@@ -68,7 +113,17 @@ std::size_t Table::TotalWidth() const {
     return total;
 }
 
-std::size_t Table::IndexOf(const std::string& title) const {
+std::size_t Table::LeastWidth() const {
+    std::size_t total = 0;
+    for (std::size_t i = 0; i < m_columns.size(); ++i) {
+        const std::size_t width = WidthOf(i);
+        total +=
+            (m_columns[i].fit == Fit::MayShorten ? std::min(width, kReadable) : width) + (i == 0 ? 0 : kGap);
+    }
+    return total;
+}
+
+std::size_t Table::IndexOf(std::string_view title) const {
     const auto found = std::find_if(m_columns.begin(), m_columns.end(),
                                     [&](const Column& each) { return each.title == title; });
     return static_cast<std::size_t>(found - m_columns.begin());
@@ -76,18 +131,30 @@ std::size_t Table::IndexOf(const std::string& title) const {
 
 bool Table::Repeats(std::size_t column, std::size_t other) const {
     return other < m_columns.size() && std::all_of(m_rows.begin(), m_rows.end(), [&](const auto& row) {
-               return row[other].starts_with(row[column]);
+               return row[other].Text().starts_with(row[column].Text());
            });
+}
+
+void Table::Remove(std::size_t column) {
+    const auto place = static_cast<std::ptrdiff_t>(column);
+    m_columns.erase(m_columns.begin() + place);
+    for (auto& row : m_rows) {
+        row.erase(row.begin() + place);
+    }
 }
 
 void Table::RemoveRepeatedColumns(std::size_t width) {
     for (std::size_t i = m_columns.size(); i-- > 0 && TotalWidth() > width;) {
         if (!m_columns[i].repeats.empty() && Repeats(i, IndexOf(m_columns[i].repeats))) {
-            const auto place = static_cast<std::ptrdiff_t>(i);
-            m_columns.erase(m_columns.begin() + place);
-            for (auto& row : m_rows) {
-                row.erase(row.begin() + place);
-            }
+            Remove(i);
+        }
+    }
+}
+
+void Table::RemoveColumns(Stay stay, std::size_t width, std::size_t (Table::*widthNow)() const) {
+    for (std::size_t i = m_columns.size(); i-- > 0 && (this->*widthNow)() > width;) {
+        if (m_columns[i].stay == stay) {
+            Remove(i);
         }
     }
 }
@@ -99,14 +166,14 @@ void Table::RemoveCommonBeginnings(std::size_t width) {
         }
         std::vector<std::string_view> cells;
         for (const auto& row : m_rows) {
-            cells.push_back(row[i]);
+            cells.emplace_back(row[i].lines.front());
         }
         const std::size_t common = CommonBeginning(cells);
         // Fewer would not be worth the mark.
         constexpr std::size_t kLeast = 4;
         for (auto& row : m_rows) {
             if (common >= kLeast) {
-                row[i].replace(0, common, "…");
+                row[i].lines.front().replace(0, common, "…");
             }
         }
     }
@@ -134,28 +201,43 @@ std::vector<std::size_t> Table::WidthsWithin(std::size_t width) const {
     return widths;
 }
 
-void Table::Print(const Terminal& terminal) const {
+void Table::Print(const Terminal& terminal, bool withTitles) const {
+    Table fitted(*this);
     if (!terminal.outIsTerminal) {
-        Print(terminal, WidthsWithin(TotalWidth()));
+        for (auto& row : fitted.m_rows) {
+            std::transform(row.begin(), row.end(), row.begin(), Joined);
+        }
+        fitted.Print(terminal, fitted.WidthsWithin(fitted.TotalWidth()), withTitles);
         return;
     }
-    Table fitted(*this);
     fitted.RemoveRepeatedColumns(terminal.width);
+    fitted.RemoveColumns(Stay::WhileAllFits, terminal.width, &Table::TotalWidth);
+    for (const Stay stay : {Stay::Third, Stay::Second, Stay::First}) {
+        fitted.RemoveColumns(stay, terminal.width, &Table::LeastWidth);
+    }
     fitted.RemoveCommonBeginnings(terminal.width);
-    fitted.Print(terminal, fitted.WidthsWithin(terminal.width));
+    fitted.Print(terminal, fitted.WidthsWithin(terminal.width), withTitles);
 }
 
-void Table::Print(const Terminal& terminal, const std::vector<std::size_t>& widths) const {
-    std::vector<std::string> titles;
-    for (const Column& column : m_columns) {
-        titles.push_back(column.title);
+void Table::Print(const Terminal& terminal, const std::vector<std::size_t>& widths, bool withTitles) const {
+    if (withTitles) {
+        std::vector<Cell> titles;
+        for (const Column& column : m_columns) {
+            titles.emplace_back(column.title);
+        }
+        terminal.out << (terminal.outColour ? "\x1b[1m" : "");
+        PrintLine(terminal, titles, widths, 0);
+        terminal.out << (terminal.outColour ? "\x1b[0m\n" : "\n");
     }
-    terminal.out << (terminal.outColour ? "\x1b[1m" : "");
-    PrintRow(terminal.out, titles, widths);
-    terminal.out << (terminal.outColour ? "\x1b[0m\n" : "\n");
     for (const auto& row : m_rows) {
-        PrintRow(terminal.out, row, widths);
-        terminal.out << '\n';
+        std::size_t lines = 1;
+        for (const Cell& cell : row) {
+            lines = std::max(lines, cell.lines.size());
+        }
+        for (std::size_t line = 0; line < lines; ++line) {
+            PrintLine(terminal, row, widths, line);
+            terminal.out << '\n';
+        }
     }
 }
 

@@ -31,4 +31,8 @@ std::string TextOf(const Json& value) {
     return value.is_string() ? '"' + value.get<std::string>() + '"' : value.dump();
 }
 
+std::string TextOf(const Field& field) {
+    return field.text.empty() ? TextOf(field.value) : field.text;
+}
+
 } // namespace quilletctl

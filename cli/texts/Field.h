@@ -17,11 +17,14 @@ struct Field {
     std::string label;
     Json value;
     bool isSecret = false; ///< the value only tells whether there is one
+    std::string text{};    ///< what it means to people; empty: the value says it
 };
 
 /// The values as an object.
 Json AsJson(const std::vector<Field>& fields);
 /// A value as sentences have it: `on`, `7`, `1, 2`, `"text"`, `not available`.
 std::string TextOf(const Json& value);
+/// The value of a field as people read it.
+std::string TextOf(const Field& field);
 
 } // namespace quilletctl

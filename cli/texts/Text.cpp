@@ -190,6 +190,16 @@ std::u32string Characters(std::string_view utf8) {
     return characters;
 }
 
+std::u32string Folded(std::string_view utf8) {
+    std::u32string characters = Characters(utf8);
+    for (char32_t& character : characters) {
+        if (character >= U'A' && character <= U'Z') {
+            character += U'a' - U'A';
+        }
+    }
+    return characters;
+}
+
 std::wstring ToWide(std::string_view utf8) {
     std::wstring text;
     text.reserve(utf8.size());

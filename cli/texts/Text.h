@@ -15,6 +15,9 @@ std::wstring ToWide(std::string_view utf8);
 /// The characters of a UTF-8 text; malformed bytes become U+FFFD.
 std::u32string Characters(std::string_view utf8);
 
+/// The same, with ASCII letters in one case.
+std::u32string Folded(std::string_view utf8);
+
 /// Whether every byte belongs to a character; no copy of the text is made.
 bool IsUtf8(std::string_view text) noexcept;
 /// Whether no unit is a surrogate by itself or beyond Unicode; no copy of the text is made.

@@ -32,6 +32,7 @@ class QUILLET_API CTeamTexts {
     /// A `CTeamedAdapter::MemberStatus`.
     static std::wstring MemberStatus(LONG lStatus);
     /// The bits of a check's mask, or of a validation word of the provider's, as sentences without a full
-    /// stop, lowest bit first. A bit that has no sentence is "the provider's reason <number of the bit>".
+    /// stop, lowest bit first. A bit that has no sentence is "the provider's reason 9 (unknown)", with its
+    /// number.
     static std::vector<std::wstring> Problems(ULONGLONG ullMask);
 };

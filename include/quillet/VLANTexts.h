@@ -15,7 +15,7 @@ class QUILLET_API CVLANTexts {
     /// A `CVLAN::VlanStatus`; empty for a number without a text.
     static std::wstring Status(LONG lStatus);
     /// The bits of a check's mask (`CVLAN::Problem`) as sentences without a full stop, lowest bit first. A
-    /// bit that has no sentence is "problem <number of the bit>".
+    /// bit that has no sentence is "problem 9 (unknown)", with its number.
     static std::vector<std::wstring> Problems(ULONGLONG ullMask);
     /// Why an adapter cannot carry VLANs when `ParentSupportingVLAN` returned `CVLAN::ParentIsTeamMember`, as
     /// such a sentence.

@@ -43,7 +43,7 @@ TEST(ResultCodesTest, ExplainResult_SaysItInWordsFirst) {
     EXPECT_EQ(explained(0x80041001), "0x80041001 WBEM_E_FAILED") << "that it failed is said already";
     EXPECT_EQ(explained(0x80041001, "the adapter is in no team"),
               "the adapter is in no team: 0x80041001 WBEM_E_FAILED");
-    EXPECT_EQ(explained(0x80041FFF), "0x80041FFF");
+    EXPECT_EQ(explained(0x80041FFF), "0x80041FFF (unknown)");
     EXPECT_EQ(explained(5), "a code of the provider's own: 0x00000005");
 }
 

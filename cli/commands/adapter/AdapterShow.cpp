@@ -65,6 +65,7 @@ class ShowAdapter final : public AdapterCommand {
         quillet::Adapter known;
         quillet::AdapterState state;
         quillet::AdapterHardware hardware;
+        const quillet::FetchOnce once(session);
         Attempt("read the adapter " + adapter.Called(), [&] {
             known = session.ReadAdapter(adapter.id);
             state = session.ReadState(adapter.id);
@@ -106,6 +107,7 @@ class ShowAdapter final : public AdapterCommand {
                 {"ndisVersion", ndis.AsJson(version)},
                 {"hbaPath", hba.AsJson([](const std::wstring& told) { return TextOrNull(ToUtf8(told)); })},
                 {"warnings", warnings.AsJson([](WarningBits bits) { return HexMask(bits.Mask()); })},
+                {"warningTexts", warnings.AsJson([](WarningBits bits) { return InWords(bits, L"warning"); })},
             });
             return ExitStatus::Done;
         }
@@ -145,10 +147,9 @@ class ShowAdapter final : public AdapterCommand {
     }
 
     static std::string WarningText(WarningBits warnings) {
-        // The meaning of the bits is the provider's own.
         std::string text;
-        for (const unsigned bit : SetBits(warnings.Mask())) {
-            text += (text.empty() ? "provider warning " : ", ") + std::to_string(bit);
+        for (const std::string& each : InWords(warnings, L"warning")) {
+            text += (text.empty() ? "" : ", ") + each;
         }
         return text.empty() ? "none" : text;
     }

@@ -5,6 +5,8 @@
 
 namespace quilletctl {
 
+/// "list".
+void AddAdapterList(CommandTree::Noun& adapter);
 /// "show".
 void AddAdapterShow(CommandTree::Noun& adapter);
 

@@ -2,10 +2,11 @@
 #include "app/Answers.h"
 #include "commands/boot/BootCommand.h"
 #include "commands/boot/BootVerbs.h"
+#include "commands/boot/ImageFile.h"
 #include "commands/Commands.h"
 #include "files/Files.h"
 #include "names/ObjectPath.h"
-#include "texts/JsonParts.h"
+#include "texts/InWords.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -21,7 +22,10 @@ class ShowBootAgent final : public BootCommand {
                            Invocation& run) override {
         const std::string path = PathOf(agent.id);
         const std::string version = ToUtf8(agent.version);
-        const std::string imageType = ToUtf8(agent.imageTypeText);
+        const std::string imageType =
+            agent.imageTypeText.empty() ? UnknownText(agent.imageType) : ToUtf8(agent.imageTypeText);
+        const auto place = static_cast<quillet::IscsiStatus>(agent.iscsiStatus);
+        const std::vector<std::wstring> images = quillet::ImageTypes(agent.installedImageTypes);
         return AnswerSheet(run,
                            Json{{"path", path},
                                 {"version", version},
@@ -29,14 +33,16 @@ class ShowBootAgent final : public BootCommand {
                                 {"updateAvailable", agent.updateAvailable},
                                 {"imageType", Coded(agent.imageType, imageType)},
                                 {"iSCSIStatus", agent.iscsiStatus},
-                                {"installedImageTypes", agent.installedImageTypes}},
+                                {"installedImageTypes", agent.installedImageTypes},
+                                {"iSCSI", Coded(place)},
+                                {"installedImages", ImageNamesJson(images)}},
                            Sheet()
                                .Add("Adapter", adapter.Called())
                                .Add("Version", version)
                                .Add("Update available", YesOrNo(agent.updateAvailable))
                                .Add("Image in flash", imageType)
-                               .Add("Installed types", std::to_string(agent.installedImageTypes))
-                               .Add("iSCSI status", std::to_string(agent.iscsiStatus))
+                               .Add("Installed images", ImageNames(images))
+                               .Add("iSCSI status", InWords(place))
                                .Add("Path", path));
     }
 };

@@ -101,6 +101,7 @@ class WriteBootAgent final : public ChosenImagesCommand {
             run.Print(Json{{"file", File()},
                            {"types", ImageNamesJson(types)},
                            {"code", writing.verdict.code},
+                           {"text", VerdictText(writing.verdict)},
                            {"result", writing.refusal ? Json(DescribeResult(*writing.refusal)) : Json()},
                            {"written", writing.isWritten ? Json(*writing.isWritten && isGood) : Json()},
                            {"restartNeeded", RestartJson(writing.restartNeeded)}});

@@ -3,6 +3,7 @@
 
 #include "ending/Failure.h"
 #include "files/Files.h"
+#include "texts/InWords.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -68,7 +69,7 @@ std::string VerdictText(quillet::FlashVerdict verdict) {
         return "the image file is right";
     }
     return "the image file is refused: " + std::string(verdict.IsReadable() ? "" : "it cannot be read: ") +
-           "code " + std::to_string(verdict.code);
+           UnknownText(verdict.code);
 }
 
 } // namespace quilletctl

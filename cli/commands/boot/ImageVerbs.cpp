@@ -1,8 +1,8 @@
 // quilletctl boot inspect, verify: image files.
+#include "app/List.h"
 #include "commands/boot/BootCommand.h"
 #include "commands/boot/BootVerbs.h"
 #include "commands/boot/ImageFile.h"
-#include "terminal/Table.h"
 #include "texts/Number.h"
 #include "texts/Text.h"
 
@@ -14,48 +14,42 @@ namespace quilletctl {
 
 namespace {
 
-Json ImagesAsJson(const std::vector<quillet::FlashImage>& images) {
-    Json list = Json::array();
-    for (const quillet::FlashImage& image : images) {
-        list.push_back(Json{{"type", ToUtf8(image.type)},
-                            {"version", ToUtf8(image.version)},
-                            {"group", image.group},
-                            {"exposeLevel", NumberIn(ToUtf8(image.exposeLevel)).value_or(0)}});
-    }
-    return list;
-}
-
 class InspectImageFile final : public BootCommand {
   public:
     void Declare(Syntax& syntax) override {
         BootCommand::Declare(syntax);
         syntax.Argument("file", m_file, "The image file");
+        m_options.Declare(syntax);
     }
 
   private:
     ExitStatus RunForAgent(const ListedAdapter&, const quillet::BootAgent& agent, Invocation& run) override {
         const auto [verdict, images] = ReadImageFile(run.Session(), agent, m_file).contents;
-        if (run.WantsJson()) {
-            run.Print(Json{{"file", m_file}, {"code", verdict.code}, {"images", ImagesAsJson(images)}});
-        } else if (!verdict.IsGood()) {
-            run.Out() << VerdictText(verdict) << '\n';
-        } else if (images.empty()) {
-            run.Out() << "no images\n";
-        } else {
-            Table table({{"TYPE", Fit::Whole},
-                         {"VERSION", Fit::Whole},
-                         {"GROUP", Fit::Whole},
-                         {"LEVEL", Fit::Whole}});
-            for (const quillet::FlashImage& image : images) {
-                table.AddRow({ToUtf8(image.type), ToUtf8(image.version), std::to_string(image.group),
-                              ToUtf8(image.exposeLevel)});
-            }
-            table.Print(run.Screen());
+        List list(m_options);
+        for (const quillet::FlashImage& image : images) {
+            list.AddRow({ToUtf8(image.type), ToUtf8(image.version), std::to_string(image.group),
+                         ToUtf8(image.exposeLevel)},
+                        Json{{"type", ToUtf8(image.type)},
+                             {"version", ToUtf8(image.version)},
+                             {"group", image.group},
+                             {"exposeLevel", NumberIn(ToUtf8(image.exposeLevel)).value_or(0)}});
         }
-        return verdict.IsGood() ? ExitStatus::Done : ExitStatus::Findings;
+        if (!verdict.IsGood() && !run.WantsJson()) {
+            run.Out() << VerdictText(verdict) << '\n';
+            return ExitStatus::Findings;
+        }
+        const auto answer = [&, said = verdict](Json entries) {
+            return Json{{"file", m_file},
+                        {"code", said.code},
+                        {"text", VerdictText(said)},
+                        {"images", std::move(entries)}};
+        };
+        const ExitStatus status = list.Answer(run, answer, "no images");
+        return verdict.IsGood() ? status : ExitStatus::Findings;
     }
 
     std::string m_file;
+    ListOptions m_options{{{"TYPE"}, {"VERSION"}, {"GROUP"}, {"LEVEL"}}};
 };
 
 class VerifyImageFile final : public ChosenImagesCommand {
@@ -64,7 +58,10 @@ class VerifyImageFile final : public ChosenImagesCommand {
         const std::vector<std::wstring> types = ChooseImages(file, Types());
         const quillet::FlashVerdict verdict = VerifyImages(run.Session(), agent, file, types);
         if (run.WantsJson()) {
-            run.Print(Json{{"file", File()}, {"code", verdict.code}, {"types", ImageNamesJson(types)}});
+            run.Print(Json{{"file", File()},
+                           {"code", verdict.code},
+                           {"text", VerdictText(verdict)},
+                           {"types", ImageNamesJson(types)}});
         } else {
             run.Out() << VerdictText(verdict) << '\n';
         }

@@ -1,6 +1,7 @@
 // What the records of link security hold.
 #include "commands/linksec/LinksecFields.h"
 
+#include "texts/InWords.h"
 #include "texts/Text.h"
 
 namespace quilletctl {
@@ -10,6 +11,11 @@ namespace {
 /// All that is ever told of a secret: whether there is one.
 Field Masked(const char* key, const char* label, const quillet::Secret& secret) {
     return {key, label, secret.IsEmpty() ? Json() : Json("***"), true};
+}
+
+/// A number whose meaning is the provider's own.
+Field Numbered(const char* key, const char* label, std::int32_t number) {
+    return {key, label, number, false, UnknownText(number)};
 }
 
 } // namespace
@@ -49,16 +55,17 @@ std::vector<Field> FieldsOf(const quillet::ManualKeys& keys) {
 
 std::vector<Field> FieldsOf(const quillet::Authentication& authentication) {
     const quillet::AuthenticationMethods& methods = authentication.methods;
-    return {{"outerEap", "Outer EAP method", methods.outer},
-            {"innerEap", "Inner EAP method", methods.inner},
+    return {Numbered("outerEap", "Outer EAP method", methods.outer),
+            Numbered("innerEap", "Inner EAP method", methods.inner),
             {"userName", "User name", ToUtf8(authentication.userName)},
             Masked("password", "Password", authentication.password),
             {"machineDomainName", "Machine and domain", ToUtf8(authentication.machineDomainName)},
             {"machineCredentials", "Machine's credentials", authentication.machineCredentials},
-            {"windowsCredentials", "Windows credentials", authentication.windowsCredentials},
+            {"windowsCredentials", "Windows credentials", authentication.windowsCredentials, false,
+             YesOrNo(authentication.windowsCredentials != 0)},
             {"autoPac", "Automatic PAC", authentication.autoPac},
             {"pacAuthority", "PAC authority", ToUtf8(authentication.pac)},
-            {"keyType", "Kind of keys", methods.keySecurity},
+            Numbered("keyType", "Kind of keys", methods.keySecurity),
             {"randomMac", "Random MAC address", methods.randomMac}};
 }
 
@@ -77,7 +84,8 @@ std::vector<Field> FieldsOf(const quillet::MasterKey& key) {
 void AddTo(Sheet& sheet, const std::vector<Field>& fields) {
     for (const Field& field : fields) {
         const Json& value = field.value;
-        sheet.Add(field.label, value.is_null()      ? std::string()
+        sheet.Add(field.label, !field.text.empty()  ? field.text
+                               : value.is_null()    ? std::string()
                                : value.is_boolean() ? YesOrNo(value.get<bool>())
                                : value.is_string()  ? value.get<std::string>()
                                                     : TextOf(value));

@@ -5,6 +5,7 @@
 #include "commands/linksec/LinksecOptions.h"
 #include "commands/linksec/LinksecVerbs.h"
 #include "secrets/SecretInput.h"
+#include "texts/InWords.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -97,7 +98,7 @@ class ShowPac final : public PacCommand {
                                 {"expiryTime", pac.expires}},
                            Sheet()
                                .Add("File", m_file)
-                               .Add("Kind", std::to_string(pac.type))
+                               .Add("Kind", UnknownText(pac.type))
                                .Add("Description", ToUtf8(pac.description))
                                .Add("Authority", ToUtf8(pac.authority))
                                .Add("Authority's description", ToUtf8(pac.authorityText))

@@ -1,5 +1,6 @@
 // quilletctl setting: the advanced settings of adapters, teams, VLANs and boot agents.
 #include "app/Answers.h"
+#include "app/List.h"
 #include "commands/Commands.h"
 #include "commands/setting/SettingTexts.h"
 #include "commands/setting/SettingVerbs.h"
@@ -43,25 +44,34 @@ class ListSettings final : public SettingCommand {
   public:
     void Declare(Syntax& syntax) override {
         SettingCommand::Declare(syntax);
+        syntax.Arguments("setting", m_settings, 0, kMostNames,
+                         "Settings: captions or names; a pattern names several (default: all)");
         syntax.Flag("--vmq", m_vmqOnly, "Only the settings of an adapter's virtual machine queues");
+        syntax.Flag("--changed", m_changedOnly, "Only settings whose value is not the default");
+        m_options.Declare(syntax);
     }
 
   private:
     ExitStatus RunFor(const SettingOwner& owner, Invocation& run) override {
-        Json list = Json::array();
-        Table table({{"SETTING", Fit::Whole},
-                     {"KIND", Fit::MayShorten},
-                     {"CURRENT", Fit::MayShorten},
-                     {"DEFAULT", Fit::MayShorten},
-                     {"POSSIBLE VALUES", Fit::MayShorten}});
-        for (const quillet::Setting& setting : Settings(owner, run.Session())) {
-            list.push_back(AsJson(setting));
-            table.AddRow({ToUtf8(setting.keyword),
-                          KindText(setting) + (setting.writable ? "" : ", read only"), ValueText(setting),
-                          DefaultText(setting), PossibleText(setting)});
+        const std::vector<quillet::Setting> settings = Settings(owner, run.Session());
+        List list(m_options);
+        for (const std::size_t i : ChooseNamed(NamesOf(settings), m_settings, "setting")) {
+            const quillet::Setting& setting = settings[i];
+            const bool isChanged = IsChanged(setting);
+            if (isChanged || !m_changedOnly) {
+                list.AddRow({ToUtf8(setting.keyword), ToUtf8(setting.description),
+                             KindText(setting) + (setting.writable ? "" : ", read only"),
+                             Cell(ValueText(setting), isChanged ? Tone::Warning : Tone::Plain),
+                             DefaultText(setting), PossibleText(setting)},
+                            AsJson(setting));
+            }
         }
-        return AnswerList(run, Json{{"owner", OwnerAsJson(owner)}, {"settings", std::move(list)}}, table,
-                          "no settings");
+        return list.Answer(
+            run,
+            [&](Json entries) {
+                return Json{{"owner", OwnerAsJson(owner)}, {"settings", std::move(entries)}};
+            },
+            m_changedOnly ? "every setting has its default" : "no settings");
     }
 
     std::vector<quillet::Setting> Settings(const SettingOwner& owner, quillet::Session& session) const {
@@ -75,7 +85,15 @@ class ListSettings final : public SettingCommand {
         return ReadQueueSettings(session, *adapter, owner.called);
     }
 
+    std::vector<std::string> m_settings;
     bool m_vmqOnly = false;
+    bool m_changedOnly = false;
+    ListOptions m_options{{{"SETTING"},
+                           {"NAME", Fit::MayShorten, {}, Stay::WhileAllFits},
+                           {"KIND", Fit::MayShorten, {}, Stay::Second},
+                           {"CURRENT", Fit::MayShorten},
+                           {"DEFAULT", Fit::MayShorten},
+                           {"POSSIBLE VALUES", Fit::MayShorten, {}, Stay::Third}}};
 };
 
 class GetSetting final : public SettingCommand {

@@ -6,7 +6,7 @@
 #include "commands/setting/SettingVerbs.h"
 #include "names/AdapterLookup.h"
 #include "names/SettingOwner.h"
-#include "texts/BitMask.h"
+#include "texts/InWords.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -173,9 +173,8 @@ class SetSetting final : public Command {
         } else if (const auto* vlan = std::get_if<quillet::VlanId>(&target.owner.id)) {
             objections = session.ValidateSetting(*vlan, keyword, value);
         }
-        // The meaning of these bits is the provider's own.
-        for (const unsigned bit : SetBits(objections.Mask())) {
-            target.warnings.push_back(objector + (" objects, provider reason " + std::to_string(bit)));
+        for (const std::string& reason : InWords(objections, L"reason")) {
+            target.warnings.push_back(objector + (" objects: " + reason));
         }
     }
 

@@ -42,7 +42,8 @@ std::string ChosenText(const std::vector<Choice>& choices, std::int32_t number) 
     const std::wstring value = std::to_wstring(number);
     const auto found = std::find_if(choices.begin(), choices.end(),
                                     [&value](const Choice& each) { return each.value == value; });
-    return WithMeaning(found == choices.end() ? std::wstring() : found->text, std::to_string(number));
+    return found == choices.end() ? std::to_string(number) + " (unknown)"
+                                  : WithMeaning(found->text, std::to_string(number));
 }
 
 /// The texts of the bits that are set.
@@ -192,6 +193,21 @@ std::string DefaultText(const Setting& setting) {
             [](const auto& number) { return std::to_string(number.standard); },
         },
         setting.value);
+}
+
+bool IsChanged(const Setting& setting) {
+    return std::visit(Overloaded{
+                          [](const TextListValue& list) {
+                              // The provider has the default as one text.
+                              std::wstring current;
+                              for (const std::wstring& text : list.current) {
+                                  current += (current.empty() ? L"" : L",") + text;
+                              }
+                              return current != list.standard;
+                          },
+                          [](const auto& value) { return value.current != value.standard; },
+                      },
+                      setting.value);
 }
 
 std::string PossibleText(const Setting& setting) {

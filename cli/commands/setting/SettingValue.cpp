@@ -4,6 +4,7 @@
 #include "commands/setting/SettingTexts.h"
 #include "ending/Failure.h"
 #include "names/HostName.h"
+#include "texts/Nearest.h"
 #include "texts/Number.h"
 #include "texts/Text.h"
 
@@ -30,9 +31,15 @@ std::vector<std::string> Pieces(const std::string& text, char separator) {
     return pieces;
 }
 
-[[noreturn]] void Reject(const quillet::Setting& setting, const std::string& text) {
+/// @param choices by the texts of which it might have been called
+[[noreturn]] void Reject(const quillet::Setting& setting, const std::string& text,
+                         const std::vector<quillet::Choice>& choices = {}) {
+    std::vector<std::string> texts;
+    for (const quillet::Choice& choice : choices) {
+        texts.push_back(ToUtf8(choice.text));
+    }
     throw UsageError("\"" + text + "\" is no value of " + ToUtf8(setting.keyword) + ": " +
-                     PossibleText(setting));
+                     PossibleText(setting) + DidYouMean(text, texts));
 }
 
 /// Whether a text that the setting takes for an address is one. An empty text is none, and takes it away.
@@ -88,17 +95,17 @@ struct Taker {
     }
 
   private:
-    std::int32_t Number(const std::string& piece) const {
+    std::int32_t Number(const std::string& piece, const std::vector<quillet::Choice>& choices = {}) const {
         const std::optional<std::int32_t> number = NumberIn(piece);
         if (!number) {
-            Reject(setting, piece);
+            Reject(setting, piece, choices);
         }
         return *number;
     }
     /// A text of the setting's own wins over the number that it may look like.
     std::int32_t Chosen(const std::vector<quillet::Choice>& choices, const std::string& piece) const {
         const std::optional<std::int32_t> named = NumberOfText(choices, piece);
-        return named ? *named : Number(piece);
+        return named ? *named : Number(piece, choices);
     }
 };
 

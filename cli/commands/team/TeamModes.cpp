@@ -1,5 +1,6 @@
 // quilletctl team modes: the modes that adapters can be teamed in.
 #include "app/Answers.h"
+#include "app/List.h"
 #include "commands/team/TeamMembers.h"
 #include "commands/team/TeamTexts.h"
 #include "commands/team/TeamVerbs.h"
@@ -25,6 +26,7 @@ class ListModes final : public Command {
             "adapter", m_adapters, 0, 64,
             "The adapters, by name, object ID, object path or pattern; none: all that are in no team");
         syntax.Text("--team", m_team, "TEAM", "Ask which mode suits this team best instead");
+        m_options.Declare(syntax);
     }
 
     ExitStatus Run(Invocation& run) override {
@@ -44,16 +46,19 @@ class ListModes final : public Command {
             modes =
                 Attempt("find the modes of the adapters", [&] { return session.CommonTeamModes(adapters); });
         }
-        Json list = Json::array();
-        Table table({{"MODE", Fit::Whole}, {"NAME", Fit::MayShorten}, {"DESCRIPTION", Fit::MayShorten}});
+        List list(m_options);
         for (const quillet::OfferedTeamMode& each : modes) {
             const auto number = static_cast<std::int32_t>(each.mode);
             const std::string description = ToUtf8(each.description);
-            list.push_back(Coded(number, description));
-            table.AddRow({std::to_string(number), InWords(each.mode), description});
+            list.AddRow({std::to_string(number), InWords(each.mode), description},
+                        Coded(number, description));
         }
-        return AnswerList(run, Json{{"adapters", adapters.size()}, {"modes", std::move(list)}}, table,
-                          "these adapters cannot be teamed in any mode");
+        return list.Answer(
+            run,
+            [&](Json entries) {
+                return Json{{"adapters", adapters.size()}, {"modes", std::move(entries)}};
+            },
+            "these adapters cannot be teamed in any mode");
     }
 
     static std::vector<quillet::AdapterId> Free(quillet::Session& session) {
@@ -89,6 +94,7 @@ class ListModes final : public Command {
 
     std::vector<std::string> m_adapters;
     std::optional<std::string> m_team;
+    ListOptions m_options{{{"MODE"}, {"NAME", Fit::MayShorten}, {"DESCRIPTION", Fit::MayShorten}}};
 };
 
 } // namespace

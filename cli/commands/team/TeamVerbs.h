@@ -5,6 +5,7 @@
 
 namespace quilletctl {
 
+void AddTeamList(CommandTree::Noun& team);
 void AddTeamModes(CommandTree::Noun& team);
 void AddTeamCreation(CommandTree::Noun& team);
 /// "add" and "remove".

@@ -1,9 +1,10 @@
 // quilletctl vlan list: the VLANs of adapters and teams.
-#include "app/Answers.h"
+#include "app/List.h"
 #include "commands/Commands.h"
 #include "commands/vlan/VlanTexts.h"
 #include "commands/vlan/VlanVerbs.h"
 #include "names/VlanParent.h"
+#include "texts/States.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -20,32 +21,35 @@ class ListVlans final : public Command {
         syntax.Arguments("parent", m_parents, 0, 1,
                          "An adapter or a team: its name, object ID or object path; a pattern names several "
                          "(default: all)");
+        m_options.Declare(syntax);
     }
 
     ExitStatus Run(Invocation& run) override {
         quillet::Session& session = run.Session();
         const std::vector<VlanParent> parents =
             m_parents.empty() ? ReadVlanParents(session) : FindVlanParents(session, m_parents.front());
-        Json list = Json::array();
-        Table table({{"PARENT", Fit::MayShorten},
-                     {"VLAN", Fit::Whole},
-                     {"NAME", Fit::MayShorten},
-                     {"STATUS", Fit::Whole},
-                     {"OBJECT ID", Fit::Whole}});
+        List list(m_options);
         for (const VlanParent& parent : parents) {
             for (const quillet::Vlan& vlan : ReadVlans(session, parent)) {
                 Json entry{{"parent", AsJson(parent)}};
                 entry.update(AsJson(vlan));
-                list.push_back(std::move(entry));
-                table.AddRow({parent.name, NumberText(vlan), ToUtf8(vlan.name), StatusText(vlan),
-                              ToUtf8(vlan.objectId)});
+                list.AddRow({parent.name, parent.IsTeam() ? "team" : "adapter",
+                             Cell(NumberText(vlan), vlan.number), ToUtf8(vlan.name),
+                             Cell(StatusText(vlan), ToneOf(vlan.status)), ToUtf8(vlan.objectId)},
+                            std::move(entry));
             }
         }
-        return AnswerList(run, Json{{"vlans", std::move(list)}}, table, "no VLANs");
+        return list.Answer(run, Under("vlans"), "no VLANs");
     }
 
   private:
     std::vector<std::string> m_parents;
+    ListOptions m_options{{{"PARENT", Fit::MayShorten},
+                           {"KIND", Fit::Whole, {}, Stay::Second},
+                           {"VLAN"},
+                           {"NAME", Fit::MayShorten},
+                           {"STATUS"},
+                           {"OBJECT ID", Fit::Whole, {}, Stay::WhileAllFits}}};
 };
 
 } // namespace

@@ -164,6 +164,8 @@ struct NdisVersion {
     int minor = -1;
 };
 
+enum class MemberRole : std::int32_t; // in Team.h
+
 /// What a list of adapters shows of one. What an adapter cannot tell must not hide the others: it is missing
 /// here, and `failure` says why the first of it is.
 struct AdapterOverview {
@@ -173,11 +175,12 @@ struct AdapterOverview {
     std::optional<AdapterHardware> hardware; ///< MAC address, port
     TeamId team;                             ///< empty for an adapter that is in no team
     std::wstring teamName;                   ///< the team's display name
+    MemberRole role{};                       ///< what it is to its team
     std::error_code failure;
 };
 
 /// @name Words for people, in English
-/// A number that has no word is "code 7".
+/// A number that has no word is `UnknownNumber`.
 /// @{
 std::wstring Text(LinkSpeed speed);
 std::wstring Text(Duplex duplex);

@@ -79,4 +79,12 @@ struct IscsiSupport {
     bool hotFixPresent = false;     ///< whether the hot fix that it needs is there
 };
 
+/// @name Words for people, in English
+/// @{
+/// The part that an adapter plays; empty for a number without a word.
+std::wstring Text(IscsiStatus status);
+/// The kinds of images in a mask of them (`BootAgent::installedImageTypes`).
+std::vector<std::wstring> ImageTypes(std::int32_t mask);
+/// @}
+
 } // namespace quillet

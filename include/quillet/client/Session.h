@@ -5,6 +5,7 @@
 #include <quillet/client/Boot.h>
 #include <quillet/client/Diagnostics.h>
 #include <quillet/client/Error.h>
+#include <quillet/client/FetchOnce.h>
 #include <quillet/client/Flags.h>
 #include <quillet/client/Id.h>
 #include <quillet/client/LinkSecurity.h>
@@ -12,6 +13,7 @@
 #include <quillet/client/Setting.h>
 #include <quillet/client/Team.h>
 #include <quillet/client/Vlan.h>
+#include <quillet/client/Words.h>
 
 #include <chrono>
 #include <cstddef>
@@ -50,7 +52,7 @@ struct SessionOptions {
 /// Whatever fails throws Error; lists that were begun throw PartialError of the list. What a check finds,
 /// what a provider says to an image, whether a restart is needed are answers, and returned. No operation
 /// makes a provider call that the one of CQuillet of the same purpose does not make, and none starts a
-/// thread.
+/// thread unless it is told how many.
 ///
 /// Several threads may use a session at once, whether they have initialised COM or not. A Transaction belongs
 /// to the session: whatever any thread changes meanwhile is in it.
@@ -73,9 +75,13 @@ class Session {
 
     /// The machine's adapters. Throws PartialError<std::vector<Adapter>>.
     std::vector<Adapter> Adapters();
-    /// The adapters with all that a list shows of them: slot, link, speed, MAC address, team. Asks each
-    /// adapter three times and each team once; throws only where the adapters cannot be listed.
-    std::vector<AdapterOverview> AdapterOverviews();
+    /// The adapters with all that a list shows of them: slot, link, speed, MAC address, team. Fetches each
+    /// adapter once, and asks each team for its members; throws only where the adapters cannot be listed.
+    /// @param threads how many ask side by side: where every question travels over a network, waiting for one
+    ///                answer after the other is what takes the time
+    std::vector<AdapterOverview> AdapterOverviews(unsigned threads = 1);
+    /// The same of some adapters. Throws nothing of the provider's.
+    std::vector<AdapterOverview> AdapterOverviews(std::vector<Adapter> adapters, unsigned threads = 1);
     /// The object identifier (GUID text) in an adapter's path; empty where there is none.
     std::wstring ObjectIdOf(const AdapterId& adapter);
     /// The adapter of an object identifier on this computer. Asks nobody.
@@ -351,8 +357,12 @@ class Session {
                                                                      /// @}
 
   private:
+    friend class FetchOnce;
     friend class Transaction;
     struct State;
+
+    void NoteTeams(std::vector<AdapterOverview>& overviews);
+    void Complete(AdapterOverview& overview);
 
     const std::unique_ptr<State> m_state;
 };

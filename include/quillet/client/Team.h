@@ -81,7 +81,7 @@ enum class TeamProblem : std::uint64_t {
     MixedSpeeds = 0x8000
 };
 /// The problems as sentences without a full stop, the lowest bit first. A bit that has no sentence is "the
-/// provider's reason <number of the bit>".
+/// provider's reason 9 (unknown)", with its number.
 std::vector<std::wstring> Texts(Flags<TeamProblem> problems);
 
 /// What `Session::CheckNewTeam` looks at.

@@ -35,7 +35,7 @@ TEST(VLANTextsTest, EveryProblemIsASentenceOfItsOwn) {
 
 TEST(VLANTextsTest, AnUnknownBitIsSaidAllTheSame) {
     EXPECT_EQ(CVLANTexts::Problems(0x8000000000000001ull),
-              (std::vector<std::wstring>{L"problem 0", L"problem 63"}));
+              (std::vector<std::wstring>{L"problem 0 (unknown)", L"problem 63 (unknown)"}));
 }
 
 } // namespace

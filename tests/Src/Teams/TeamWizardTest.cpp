@@ -379,7 +379,7 @@ TEST(TeamTextsTest, AMaskIsOneSentencePerBitLowestFirst) {
     EXPECT_THAT(CTeamTexts::Problems(0), IsEmpty());
     EXPECT_THAT(CTeamTexts::Problems(CTeam::ProblemNameTaken | CTeam::ProblemTooManyMembers),
                 ElementsAre(L"a team has at most 8 members", L"a team with this name exists"));
-    EXPECT_THAT(CTeamTexts::Problems(1ull << 63), ElementsAre(L"the provider's reason 63"));
+    EXPECT_THAT(CTeamTexts::Problems(1ull << 63), ElementsAre(L"the provider's reason 63 (unknown)"));
     EXPECT_EQ(CTeamTexts::Problems(~0ull).size(), 64u);
     for (const auto problem :
          {CTeam::ProblemTooManyMembers, CTeam::ProblemModeNotSupported, CTeam::ProblemNoVLANs,

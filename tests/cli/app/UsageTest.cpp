@@ -37,9 +37,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         BadLine{{}, "a command is needed: adapter, "}, BadLine{{"adapter"}, "adapter needs a verb: list"},
         BadLine{{"adaptor", "list"}, "adaptor"}, BadLine{{"adapter", "lost"}, "lost"},
-        BadLine{{"adapter", "list", "more"}, "more"}, BadLine{{"adapter", "list", "--colour"}, "--colour"},
-        BadLine{{"adapter", "list", "/json"}, "/json"},
-        BadLine{{"warnings", "version"}, "takes no further word"},
+        BadLine{{"version", "more"}, "more"}, BadLine{{"adapter", "list", "--colour"}, "--colour"},
+        BadLine{{"version", "/json"}, "/json"}, BadLine{{"warnings", "version"}, "takes no further word"},
         BadLine{{"adapter", "list", "--machine"}, "--machine"},
         BadLine{{"adapter", "list", "--machine", "\\\\"}, "--machine"},
         BadLine{{"adapter", "list", "--state"}, "--state"},

@@ -51,7 +51,10 @@ TEST_F(AdaptersTest, List_JsonHasItsKeysInOrderAndReadsBack) {
     const Json json = Json::parse(outcome.out);
     ASSERT_EQ(json.at("adapters").size(), 3u);
     const Json& first = json.at("adapters").at(0);
-    EXPECT_EQ(Keys(first), (std::vector<std::string>{"path", "objectId", "name", "displayName", "deviceId"}));
+    EXPECT_EQ(Keys(first),
+              (std::vector<std::string>{"path", "objectId", "name", "displayName", "deviceId", "link",
+                                        "speed", "duplex", "slot", "slotId", "portNumber", "macAddress",
+                                        "team", "hardwareStatus", "statusInfo", "failure"}));
     EXPECT_EQ(first.at("path"), "\\\\LAB-SERVER\\ROOT\\MarloLUM2:Zorel_PhysicalEthernetAdapter."
                                 "DeviceID=\"{00000000-0000-0000-0000-000000000001}\"");
     EXPECT_EQ(first.at("objectId"), "{00000000-0000-0000-0000-000000000001}");
@@ -63,7 +66,8 @@ TEST_F(AdaptersTest, List_JsonHasItsKeysInOrderAndReadsBack) {
 }
 
 TEST_F(AdaptersTest, List_TextIsAlignedAndCannotSteerTheTerminal) {
-    const Outcome outcome = RunCommandLine({"--simulate", TestMachine("names.mof"), "adapter", "list"});
+    const Outcome outcome = RunCommandLine({"--simulate", TestMachine("names.mof"), "adapter", "list",
+                                            "--columns", "name,display-name,object-id"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.out,
               "NAME      DISPLAY NAME  OBJECT ID\n"
@@ -74,8 +78,9 @@ TEST_F(AdaptersTest, List_TextIsAlignedAndCannotSteerTheTerminal) {
 }
 
 TEST_F(AdaptersTest, List_FitsANarrowTerminalWithoutCuttingIdentifiers) {
-    const Outcome outcome = RunCommandLine(
-        {"--simulate", TestMachine("golden.mof"), "adapter", "list", "--no-color"}, {true, 72});
+    const Outcome outcome = RunCommandLine({"--simulate", TestMachine("golden.mof"), "adapter", "list",
+                                            "--no-color", "--columns", "name,link,object-id"},
+                                           {true, 72});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_NE(outcome.out.find("…"), std::string::npos);
     std::istringstream lines(outcome.out);
@@ -202,7 +207,7 @@ TEST_F(WarningsTest, NoneIsSaidInWords) {
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.out, "no pending warnings\n");
     EXPECT_EQ(RunCommandLine({"--simulate", "warnings", "--json"}).out,
-              "{\n  \"mask\": \"0x0000000000000000\",\n  \"bits\": []\n}\n");
+              "{\n  \"mask\": \"0x0000000000000000\",\n  \"bits\": [],\n  \"texts\": []\n}\n");
 }
 
 TEST_F(WarningsTest, EachIsALine) {
@@ -215,7 +220,7 @@ TEST_F(WarningsTest, EachIsALine) {
 
     const Outcome outcome = RunCommandLine({"--simulate", machine, "warnings"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_EQ(outcome.out, "provider warning 0\nprovider warning 2\nprovider warning 63\n");
+    EXPECT_EQ(outcome.out, "warning 0 (unknown)\nwarning 2 (unknown)\nwarning 63 (unknown)\n");
     const Json json = Json::parse(RunCommandLine({"--simulate", machine, "warnings", "--json"}).out);
     EXPECT_EQ(json.at("mask"), "0x8000000000000005");
     EXPECT_EQ(json.at("bits"), (Json{0, 2, 63}));
@@ -257,7 +262,7 @@ TEST_P(ProviderRefusesTest, IsOneLineWithCodeAndNameAndStatusOne) {
             // Not every code has a name.
             const Json& name = error.at("name");
             EXPECT_TRUE(message.ends_with(": " + error.at("code").get<std::string>() +
-                                          (name.is_null() ? "" : ' ' + name.get<std::string>())));
+                                          (name.is_null() ? " (unknown)" : ' ' + name.get<std::string>())));
         } else {
             EXPECT_EQ(outcome.out, "");
         }
@@ -286,7 +291,7 @@ INSTANTIATE_TEST_SUITE_P(
                 "open a client set: 0x80041001 WBEM_E_FAILED"},
         Refused{"Operation = \"ExecMethod\"; MethodName = \"Apply\"; Code = 0x80041FFF;",
                 {"transaction", "try"},
-                "close the client set: 0x80041FFF"}));
+                "close the client set: 0x80041FFF (unknown)"}));
 
 TEST_F(RefusalsTest, ABrokenMachineFileIsNamedWithItsPosition) {
     const std::string machine = Utf8(InFolder("broken.mof"));

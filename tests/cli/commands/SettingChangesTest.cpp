@@ -78,8 +78,8 @@ TEST_F(SettingSetTest, AllAdaptersOfTheBuiltInMachine_ChangeInOneClientSet) {
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     const std::string answer = outcome.out.substr(0, outcome.out.find("\nCalls to the provider: "));
     EXPECT_EQ(answer,
-              "warning: Zorel Quad Port Gigabit Server Adapter: its team objects, provider reason 5\n"
-              "warning: Zorel Quad Port Gigabit Server Adapter #2: its team objects, provider reason 5\n"
+              "warning: Zorel Quad Port Gigabit Server Adapter: its team objects: reason 5 (unknown)\n"
+              "warning: Zorel Quad Port Gigabit Server Adapter #2: its team objects: reason 5 (unknown)\n"
               "Zorel 10G Dual Port Server Adapter: is 9014 Bytes (9014) already\n"
               "Zorel 10G Dual Port Server Adapter #2: is 9014 Bytes (9014) already\n"
               "Zorel Quad Port Gigabit Server Adapter: set to 9014 Bytes (9014)\n"
@@ -153,7 +153,7 @@ TEST_F(SettingSetTest, ARestartIsToldWhereItIsNeeded) {
     const Outcome outcome =
         RunCommandLine({"--simulate", MachineFile(kLab), "setting", "set", "First", "*VMQ", "1"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_EQ(outcome.out, "warning: First: its team objects, provider reason 3\n"
+    EXPECT_EQ(outcome.out, "warning: First: its team objects: reason 3 (unknown)\n"
                            "First: set to Enabled (1)\n"
                            "a restart is needed\n");
 }
@@ -177,14 +177,14 @@ TEST_F(SettingSetTest, WarningsComeBeforeTheChange) {
         RunCommandLine({"--simulate", MachineFile(kLab), "setting", "set", "First", "*JumboPacket", "9014"});
     EXPECT_EQ(adapter.status, 0) << adapter.err;
     EXPECT_EQ(adapter.out, "warning: First: not every member of its team has a jumbo-frame setting\n"
-                           "warning: First: its team objects, provider reason 3\n"
+                           "warning: First: its team objects: reason 3 (unknown)\n"
                            "First: set to 9014 Bytes (9014)\n"
                            "no restart is needed\n");
     const std::string vlan = "{00000000-0000-0000-0000-0000000000F1}";
     const Outcome onVlan = RunCommandLine(
         {"--simulate", MachineFile(kLab), "setting", "set", "--of", "vlan", vlan, "*JumboPacket", "9014"});
     EXPECT_EQ(onVlan.status, 0) << onVlan.err;
-    EXPECT_EQ(onVlan.out, "warning: " + vlan + ": the VLAN objects, provider reason 6\n" + vlan +
+    EXPECT_EQ(onVlan.out, "warning: " + vlan + ": the VLAN objects: reason 6 (unknown)\n" + vlan +
                               ": set to 9014 Bytes (9014)\nno restart is needed\n");
 }
 
@@ -219,9 +219,9 @@ TEST_F(ProfilesTest, AreListedForAllAdaptersOrForOne) {
     const Outcome all = RunCommandLine({"--simulate", machine, "profile", "list"});
     EXPECT_EQ(all.status, 0) << all.err;
     EXPECT_EQ(all.out, "ADAPTER  PROFILE  DESCRIPTION     CURRENT\n"
-                       "First    2        Standard\n"
+                       "First    2        Standard        -\n"
                        "First    5        Virtualization  yes\n"
-                       "Second   -        no profiles\n");
+                       "Second   -        no profiles     -\n");
     const Outcome one = RunCommandLine({"--simulate", machine, "profile", "list", "First", "--json"});
     EXPECT_EQ(one.status, 0) << one.err;
     const Json json = Json::parse(one.out);

@@ -137,11 +137,11 @@ TEST_F(SettingsTest, List_ValuesWithoutTextsAndTextsThatSteer_AreShownSafely) {
     const std::string machine = Odd();
     const Outcome text = RunCommandLine({"--simulate", machine, "setting", "list", "one"});
     EXPECT_EQ(text.status, 0) << text.err;
-    EXPECT_EQ(text.out, "SETTING  KIND               CURRENT          DEFAULT   POSSIBLE VALUES\n"
-                        "Enum     choice, read only  7                on (1)    on (1), 2, three\n"
-                        "Bits     selection          b + 4 (6)        none (0)  a (1), b (2), 4\n"
-                        "Int      number             -5               0         -10 to 10\n"
-                        "List     list               x, (empty), a\xEF\xBF\xBD"
+    EXPECT_EQ(text.out, "SETTING  NAME  KIND               CURRENT          DEFAULT   POSSIBLE VALUES\n"
+                        "Enum     -     choice, read only  7 (unknown)      on (1)    on (1), 2, three\n"
+                        "Bits     -     selection          b + 4 (6)        none (0)  a (1), b (2), 4\n"
+                        "Int      -     number             -5               0         -10 to 10\n"
+                        "List     -     list               x, (empty), a\xEF\xBF\xBD"
                         "b  d         texts of up to 1 character\n");
     const Json json =
         Json::parse(RunCommandLine({"--simulate", machine, "setting", "list", "one", "--json"}).out);

@@ -44,18 +44,30 @@ class TeamsTest : public CommandLine {
 TEST_F(TeamsTest, List_IsATable) {
     const Outcome outcome = Run({"team", "list"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_EQ(outcome.out, "NAME           MODE                     STATUS   MEMBERS  OBJECT ID\n"
-                           "TEAM : Zürich  adaptive load balancing  enabled  2        "
+    EXPECT_EQ(outcome.out, "NAME           MODE                     STATUS   MEMBERS                    "
+                           "                                                                  OBJECT ID\n"
+                           "TEAM : Zürich  adaptive load balancing  enabled  Zorel Quad Port Gigabit "
+                           "Server Adapter (up), Zorel Quad Port Gigabit Server Adapter #2 (up)  "
                            "{233D64CB-B845-581B-A807-C628FFE690C9}\n");
 }
 
 TEST_F(TeamsTest, List_JsonHasItsKeysInOrder) {
-    EXPECT_EQ(RunJson({"team", "list"}).dump(),
-              R"({"teams":[{"path":"\\\\LAB-SERVER\\ROOT\\MarloLUM2:Zorel_TeamOfAdapters.)"
-              R"(Name=\"{233D64CB-B845-581B-A807-C628FFE690C9}\"",)"
-              R"("objectId":"{233D64CB-B845-581B-A807-C628FFE690C9}","name":"TEAM : Zürich",)"
-              R"("mode":{"code":1,"text":"adaptive load balancing"},"status":{"code":3,"text":"enabled"},)"
-              R"("members":2}]})");
+    EXPECT_EQ(
+        RunJson({"team", "list"}).dump(),
+        R"({"teams":[{"path":"\\\\LAB-SERVER\\ROOT\\MarloLUM2:Zorel_TeamOfAdapters.)"
+        R"(Name=\"{233D64CB-B845-581B-A807-C628FFE690C9}\"",)"
+        R"("objectId":"{233D64CB-B845-581B-A807-C628FFE690C9}","name":"TEAM : Zürich",)"
+        R"("mode":{"code":1,"text":"adaptive load balancing"},"status":{"code":3,"text":"enabled"},)"
+        R"("members":2,"adapters":[)"
+        R"({"path":"\\\\LAB-SERVER\\ROOT\\MarloLUM2:Zorel_PhysicalEthernetAdapter.)"
+        R"(DeviceID=\"{DF69224E-BBCB-576F-A929-C8858BAF7155}\"",)"
+        R"("objectId":"{DF69224E-BBCB-576F-A929-C8858BAF7155}",)"
+        R"("name":"Zorel Quad Port Gigabit Server Adapter","role":{"code":1,"text":"primary"},"link":"up"},)"
+        R"({"path":"\\\\LAB-SERVER\\ROOT\\MarloLUM2:Zorel_PhysicalEthernetAdapter.)"
+        R"(DeviceID=\"{D2BC81D1-8495-5F60-84AD-B2450A03D882}\"",)"
+        R"("objectId":"{D2BC81D1-8495-5F60-84AD-B2450A03D882}",)"
+        R"("name":"Zorel Quad Port Gigabit Server Adapter #2","role":{"code":2,"text":"secondary"},)"
+        R"("link":"up"}]}]})");
 }
 
 TEST_F(TeamsTest, List_OfAMachineWithoutTeams) {
@@ -78,10 +90,10 @@ TEST_F(TeamsTest, Show_TellsTheTeamAndItsMembers) {
                            "Bound to Hyper-V:          no\n"
                            "Enabled members:           2 of 2\n"
                            "\n"
-                           "MEMBER                                     ROLE       STATUS  OBJECT ID\n"
-                           "Zorel Quad Port Gigabit Server Adapter     primary    active  "
+                           "MEMBER                                     ROLE       STATUS  LINK  OBJECT ID\n"
+                           "Zorel Quad Port Gigabit Server Adapter     primary    active  up    "
                            "{DF69224E-BBCB-576F-A929-C8858BAF7155}\n"
-                           "Zorel Quad Port Gigabit Server Adapter #2  secondary  active  "
+                           "Zorel Quad Port Gigabit Server Adapter #2  secondary  active  up    "
                            "{D2BC81D1-8495-5F60-84AD-B2450A03D882}\n");
     const Json member = RunJson({"team", "show", kTeamId}).at("members").at(1);
     EXPECT_EQ(member.at("name"), "Zorel Quad Port Gigabit Server Adapter #2");

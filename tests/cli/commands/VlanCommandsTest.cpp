@@ -54,10 +54,10 @@ class VlanCommandsTest : public CommandLine {
 
 TEST_F(VlanCommandsTest, List_OfATeam_IsATable) {
     ExpectText(Run({"list", kTeam}), 0,
-               "PARENT         VLAN      NAME      STATUS   OBJECT ID\n"
-               "TEAM : Zürich  untagged  Untagged  enabled  {1A168EBD-0D7A-586D-9410-EF345AD0CFDB}\n"
-               "TEAM : Zürich  12        Büro      enabled  {063ED469-BA26-5EFF-991F-22031C2B1C4A}\n"
-               "TEAM : Zürich  340       VoIP      enabled  {709617B6-441D-542D-A0CC-BC23D94665A0}\n");
+               "PARENT         KIND  VLAN      NAME      STATUS   OBJECT ID\n"
+               "TEAM : Zürich  team  untagged  Untagged  enabled  {1A168EBD-0D7A-586D-9410-EF345AD0CFDB}\n"
+               "TEAM : Zürich  team  12        Büro      enabled  {063ED469-BA26-5EFF-991F-22031C2B1C4A}\n"
+               "TEAM : Zürich  team  340       VoIP      enabled  {709617B6-441D-542D-A0CC-BC23D94665A0}\n");
 }
 
 TEST_F(VlanCommandsTest, List_OfAllParents_IsTheSameHere) {

@@ -98,9 +98,8 @@ TEST_F(OnPosixTest, AFile_GetsPlainLines) {
     EXPECT_EQ(output, "In Progress\n"
                       "Test:      Link test\n"
                       "State:     Passed\n"
-                      "Result:    The test passed.\n"
+                      "Result:    The test passed. (0)\n"
                       "Details:   -\n"
-                      "Code:      0\n"
                       "Messages:  -\n");
 }
 

@@ -104,4 +104,38 @@ TEST(TableTest, AddRow_CellsCannotBreakTheTable) {
                               "only one\n");
 }
 
+TEST(TableTest, Print_InANarrowTerminalColumnsGoInTheirOrder) {
+    Table table({{"NAME", Fit::MayShorten},
+                 {"TEAM", Fit::Whole, {}, Stay::First},
+                 {"MAC", Fit::Intact, {}, Stay::Third},
+                 {"ID", Fit::Whole, {}, Stay::WhileAllFits}});
+    table.AddRow({"0123456789 0123456789 0123456789", "Front", "02-00-01", "{1}"});
+    const auto titles = [&](std::size_t width) {
+        const std::string printed = Printed(table, true, width);
+        return printed.substr(0, printed.find('\n'));
+    };
+    EXPECT_EQ(titles(54), "NAME                              TEAM   MAC       ID");
+    EXPECT_EQ(titles(53), "NAME                              TEAM   MAC") << "a text would be cut";
+    EXPECT_EQ(titles(41), "NAME                      TEAM   MAC");
+    EXPECT_EQ(titles(40), "NAME                              TEAM") << "the name would be hard to read";
+    EXPECT_EQ(titles(30), "NAME") << "and again";
+    EXPECT_EQ(Printed(table, false, 10).substr(0, 53),
+              "NAME                              TEAM   MAC       ID");
+}
+
+TEST(TableTest, Print_ACellOfSeveralTexts) {
+    Table table({{"TEAM"}, {"MEMBERS"}});
+    table.AddRow({"Front", Cell(std::vector<std::string>{"left", "right"})});
+    table.AddRow({"Back", Cell(std::vector<std::string>())});
+    EXPECT_EQ(Printed(table, true), "TEAM   MEMBERS\nFront  left\n       right\nBack\n");
+    EXPECT_EQ(Printed(table), "TEAM   MEMBERS\nFront  left, right\nBack\n") << "one line for programs";
+}
+
+TEST(TableTest, Print_TonesColourTheTextAlone) {
+    Table table({{"LINK"}, {"X"}});
+    table.AddRow({Cell("up", Tone::Good), "1"});
+    EXPECT_EQ(Printed(table, true, 80, true), "\x1b[1mLINK  X\x1b[0m\n\x1b[32mup\x1b[0m    1\n");
+    EXPECT_EQ(Printed(table, true), "LINK  X\nup    1\n");
+}
+
 } // namespace
