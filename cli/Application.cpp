@@ -42,6 +42,8 @@ Ending Guarded(const Terminal& terminal, const std::function<ExitStatus()>& step
     } catch (const TextRequest& request) {
         terminal.out << request.text;
         return {};
+    } catch (const DryRunEnd&) {
+        return {};
     } catch (const UsageError& mistake) {
         return {ExitStatus::BadUsage, mistake.what()};
     } catch (const Interruption& interruption) {
@@ -121,7 +123,7 @@ ExitStatus Run(const std::vector<std::string>& arguments, Terminal& terminal) {
     ChooseColours(terminal, tree.Options());
     tell(ending);
     if (command != nullptr) {
-        Invocation run(tree.Options(), terminal, !command->OnlyReads());
+        Invocation run(tree.Options(), terminal, !command->OnlyReads() && !tree.Options().dryRun);
         ending = Guarded(terminal, [&] { return command->Run(run); });
         hasAnswered = hasAnswered || run.HasAnswered();
         restartNeeded = run.RestartNeeded();

@@ -37,11 +37,19 @@ class Invocation {
     /// Whether that was done.
     bool HasAnswered() const noexcept { return m_hasAnswered; }
 
-    /// Whether a person agrees, or --yes was given. Throws UsageError where nobody can be asked.
+    /// Whether a person agrees, or --yes was given, or it is a dry run. Throws UsageError where nobody can be
+    /// asked.
     bool Confirm(const std::string& question);
     /// The same before something is deleted; a person who does not agree is told that nothing was changed.
     bool ConfirmChange(const std::string& question);
 
+    /// Whether the command only tells what it would change.
+    bool IsDryRun() const noexcept { return m_options.dryRun; }
+    /// Between the last check and the first change: every command that changes something calls it. A dry run
+    /// answers with the steps and throws DryRunEnd; otherwise HoldInterrupts().
+    /// @param steps complete "would …"; none: there is nothing to change
+    /// @param remarks what else there is to say of it, a sentence each
+    void BeginChanges(const std::vector<std::string>& steps, const std::vector<std::string>& remarks = {});
     /// From here on a request to end is remembered: what is begun is brought to an end. Before, it ends the
     /// process at once.
     void HoldInterrupts() noexcept;

@@ -31,4 +31,16 @@ std::string TextOf(const Json& value) {
     return value.is_string() ? '"' + value.get<std::string>() + '"' : value.dump();
 }
 
+std::string WithValues(const std::string& asked, const std::vector<Field>& fields) {
+    std::string text = asked;
+    const char* separator = ": ";
+    for (const Field& field : fields) {
+        if (!field.value.is_null()) {
+            text += separator + field.label + " = " + TextOf(field.value);
+            separator = ", ";
+        }
+    }
+    return text;
+}
+
 } // namespace quilletctl

@@ -24,4 +24,7 @@ Json AsJson(const std::vector<Field>& fields);
 /// A value as sentences have it: `on`, `7`, `1, 2`, `"text"`, `not available`.
 std::string TextOf(const Json& value);
 
+/// What is asked for with its values: "set the keys of A: Encryption = on". Null values are left out.
+std::string WithValues(const std::string& asked, const std::vector<Field>& fields);
+
 } // namespace quilletctl

@@ -49,12 +49,16 @@ class ReadBootAgent final : public BootCommand {
     }
 
   private:
-    ExitStatus RunForAgent(const ListedAdapter&, const quillet::BootAgent& agent, Invocation& run) override {
+    ExitStatus RunForAgent(const ListedAdapter& adapter, const quillet::BootAgent& agent,
+                           Invocation& run) override {
         if (FileExists(m_file) && !run.Confirm("Overwrite " + m_file + "?")) {
             run.Out() << "nothing was written\n";
             return ExitStatus::Done;
         }
         CheckReplaceable(m_file); // reading takes a while
+        if (run.IsDryRun()) {
+            run.BeginChanges({"read the flash memory of " + adapter.Called() + " into " + m_file});
+        }
         const std::vector<std::byte> flash =
             Attempt("read the flash memory", [&] { return run.Session().ReadFlash(agent.id); });
         run.HoldInterrupts();

@@ -48,8 +48,12 @@ class ChangeMembers : public Command {
             return ExitStatus::Done;
         }
         // One by one, so that it is known which ones were changed.
+        std::vector<std::string> asked;
+        for (const ListedAdapter& adapter : changing) {
+            asked.push_back(Asked(team, adapter));
+        }
         const ChangesInTurn changes =
-            ChangeInTurn(run, changing.size(), [&](std::size_t i) { Change(session, team, changing[i]); });
+            ChangeInTurn(run, asked, [&](std::size_t i) { Change(session, team, changing[i]); });
         changes.Settle(run);
         return Answer(run, team, changing, changes, current);
     }
@@ -62,6 +66,8 @@ class ChangeMembers : public Command {
     virtual bool Offers(const Members&, const quillet::AdapterId&) const { return true; }
     /// Whether the person agrees, where that is asked.
     virtual bool MayChange(Invocation&, const quillet::Team&, const Adapters&) const { return true; }
+    /// What is done with an adapter; completes "could not …".
+    virtual std::string Asked(const quillet::Team& team, const ListedAdapter& adapter) const = 0;
     virtual void Change(quillet::Session& session, const quillet::Team& team,
                         const ListedAdapter& adapter) const = 0;
     /// The members that there are to be when these adapters were changed.
@@ -114,10 +120,12 @@ class AddMembers final : public ChangeMembers {
         }
         return added;
     }
+    std::string Asked(const quillet::Team& team, const ListedAdapter& adapter) const override {
+        return "add " + adapter.Called() + " to " + Called(team);
+    }
     void Change(quillet::Session& session, const quillet::Team& team,
                 const ListedAdapter& adapter) const override {
-        Attempt("add " + adapter.Called() + " to " + Called(team),
-                [&] { session.AddMember(team.id, adapter.id); });
+        session.AddMember(team.id, adapter.id);
     }
     std::vector<quillet::AdapterId> MembersAfter(const Members& before,
                                                  std::vector<quillet::AdapterId> changed) const override {
@@ -147,10 +155,12 @@ class RemoveMembers final : public ChangeMembers {
                                  (removed.size() == 1 ? " adapter" : " adapters") + " out of " +
                                  Called(team) + "?");
     }
+    std::string Asked(const quillet::Team& team, const ListedAdapter& adapter) const override {
+        return "take " + adapter.Called() + " out of " + Called(team);
+    }
     void Change(quillet::Session& session, const quillet::Team& team,
                 const ListedAdapter& adapter) const override {
-        Attempt("take " + adapter.Called() + " out of " + Called(team),
-                [&] { session.RemoveMember(team.id, adapter.id); });
+        session.RemoveMember(team.id, adapter.id);
     }
     std::vector<quillet::AdapterId> MembersAfter(const Members& before,
                                                  std::vector<quillet::AdapterId> changed) const override {

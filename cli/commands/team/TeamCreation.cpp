@@ -36,7 +36,8 @@ class CreateTeam final : public Command {
     ExitStatus Run(Invocation& run) override {
         quillet::Session& session = run.Session();
         quillet::NewTeam wanted;
-        wanted.members = IdsOf(FindAdapters(session, m_adapters));
+        const std::vector<ListedAdapter> members = FindAdapters(session, m_adapters);
+        wanted.members = IdsOf(members);
         wanted.mode = TeamModeFrom(m_mode.value_or("1"));
         wanted.name = Name(session);
         wanted.profile = static_cast<quillet::Profile>(m_profile);
@@ -49,7 +50,7 @@ class CreateTeam final : public Command {
             }
         }
         const std::string asked = "create the team " + ToUtf8(wanted.name);
-        ClientSet set(run);
+        ClientSet set(run, {asked + " of " + NamesIn(members) + " in the mode " + InWords(wanted.mode)});
         const quillet::Team team = Attempt(asked, [&] {
             try {
                 return session.CreateTeam(wanted);
@@ -84,6 +85,14 @@ class CreateTeam final : public Command {
             m_prefix ? Attempt("read the prefix of team names", [&] { return session.TeamNamePrefix(); })
                      : std::wstring();
         return prefix + ToWide(m_name);
+    }
+
+    static std::string NamesIn(const std::vector<ListedAdapter>& members) {
+        std::string names;
+        for (const ListedAdapter& member : members) {
+            names += (names.empty() ? "" : ", ") + member.Called();
+        }
+        return names;
     }
 
     /// The library's own check, and then the provider's.

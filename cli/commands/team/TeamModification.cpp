@@ -47,7 +47,7 @@ class ModifyTeam final : public TeamCommand {
             return problems.Report(run);
         }
         const std::string asked = "change " + Called(team);
-        ClientSet set(run);
+        ClientSet set(run, Steps(team, changed));
         Attempt(asked, [&] { session.ModifyTeam(team.id, changed.name, changed.mode); });
         const std::optional<bool> restartNeeded = set.Close();
         const Verification taken = Verification::By([&](Verification& compare) {
@@ -57,6 +57,17 @@ class ModifyTeam final : public TeamCommand {
             changed.mode = now.mode;
         });
         return EndTeamChange(run, changed, asked, "changed " + Called(team), restartNeeded, taken);
+    }
+
+    static std::vector<std::string> Steps(const quillet::Team& team, const quillet::Team& changed) {
+        std::vector<std::string> steps;
+        if (changed.name != team.name) {
+            steps.push_back("rename " + Called(team) + " to " + Called(changed));
+        }
+        if (changed.mode != team.mode) {
+            steps.push_back("change the mode of " + Called(team) + " to " + InWords(changed.mode));
+        }
+        return steps;
     }
 
     std::optional<std::string> m_newName;
@@ -70,7 +81,7 @@ class DeleteTeam final : public TeamCommand {
         }
         quillet::Session& session = run.Session();
         const std::string asked = "delete " + Called(team);
-        ClientSet set(run);
+        ClientSet set(run, {asked + " and its VLANs"});
         Attempt(asked, [&] { session.RemoveTeam(team.id); });
         const std::optional<bool> restartNeeded = set.Close();
         const Verification taken = Verification::By([&](Verification& compare) {

@@ -119,7 +119,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{{"team", "create", "T"},
                 "words are missing; usage: quilletctl team create NAME ADAPTER... [OPTION...]"},
         BadLine{{"setting", "set", "*JumboPacket"},
-                "words are missing; usage: quilletctl setting set [OWNER] SETTING VALUE [OPTION...]"},
+                "an owner (or --all-adapters), a setting and a value are needed"},
         BadLine{{"diag", "run", kFree},
                 "words are missing; usage: quilletctl diag run ADAPTER TEST [OPTION...]"},
         BadLine{{"iscsi", "set", kFree}, "words are missing; usage: quilletctl iscsi set ADAPTER PLACE"}));
