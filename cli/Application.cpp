@@ -3,6 +3,7 @@
 
 #include "changes/ClientSet.h"
 #include "commands/Commands.h"
+#include "completion/Complete.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -102,6 +103,9 @@ void ChooseColours(Terminal& terminal, const GlobalOptions& options) {
 ExitStatus Run(const std::vector<std::string>& arguments, Terminal& terminal) {
     CommandTree tree;
     AddAllCommands(tree);
+    if (!arguments.empty() && arguments.front() == "complete") {
+        return Complete(tree, {arguments.begin() + 1, arguments.end()}, terminal);
+    }
     Command* command = nullptr;
     bool hasAnswered = !AsksForJson(arguments);
     std::optional<bool> restartNeeded;

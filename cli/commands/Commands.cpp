@@ -17,6 +17,7 @@ void AddAllCommands(CommandTree& tree) {
     AddWarningsCommand(tree);
     AddTraceCommand(tree);
     AddTransactionCommands(tree);
+    AddCompletionCommand(tree);
     AddVersionCommand(tree);
     AddHelpCommand(tree);
 }

@@ -77,7 +77,7 @@ LINES = [
     (["boot", "show", FREE],), (["boot", "read", FREE, "flash.bin"],), (["boot", "inspect", FREE, "new.img"],),
     (["boot", "verify", FREE, "new.img"],), (["boot", "write", FREE, "new.img", "--yes"],),
     (["iscsi", "list"],), (["iscsi", "show", FREE],), (["iscsi", "set", FREE, "primary"],),
-    (["warnings"],), (["trace"],), (["transaction", "try"],), (["version"],), (["help"],), (["help", "vlan", "add"],),
+    (["warnings"],), (["trace"],), (["transaction", "try"],), (["version"],), (["completion", "zsh"],), (["help"],), (["help", "vlan", "add"],),
     (["adapter", "show", "nobody"], 2), (["adapter", "shew"], 2), (["linksec", "stats", FREE], 1),
     (["vlan", "add", TEAM, "200", "Lab", "--through", "202"], 1, "faulty.mof"),
     (["team", "add", TEAM, PORT, OTHER_PORT], 1, "faulty.mof"),
@@ -167,7 +167,7 @@ class Schemas(unittest.TestCase):
     @staticmethod
     def schema_for(line, answer):
         return "error" if set(answer) == {"error"} else "-".join(line[:2] if line[0] not in
-                                                                 ("warnings", "trace", "version", "help") else line[:1])
+                                                                 ("warnings", "trace", "version", "completion", "help") else line[:1])
 
     def test_every_answer_fits_and_nothing_else_does(self):
         used = set()
