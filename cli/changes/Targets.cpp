@@ -157,7 +157,8 @@ ExitStatus ChangeTarget(Invocation& run, const Target& target) {
         Verification::By([&](Verification& compare) { target.compare(run.Session(), compare); }));
 }
 
-ExitStatus ChangeTargets(Invocation& run, std::vector<Target> targets, bool needsAll, Json answer) {
+ExitStatus ChangeTargets(Invocation& run, std::vector<Target> targets, bool needsAll, Json answer,
+                         const std::function<void()>& settle) {
     const bool isFinding = needsAll && Has(targets, Outcome::ReadOnly);
     if (isFinding) {
         for (Target& target : targets) {
@@ -175,6 +176,9 @@ ExitStatus ChangeTargets(Invocation& run, std::vector<Target> targets, bool need
         }
     }
     const std::optional<bool> restartNeeded = Write(run, targets);
+    if (settle && Has(targets, Outcome::Changed)) {
+        settle();
+    }
     ReadBack(run, targets);
     Answer(run, targets, restartNeeded, std::move(answer));
     for (const Target& target : targets) {

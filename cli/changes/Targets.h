@@ -41,7 +41,8 @@ ExitStatus ChangeTarget(Invocation& run, const Target& target);
 /// client set is opened. Throws Refusal or NotTaken of the first that failed.
 /// @param needsAll whether a target that is read only keeps the others from being changed; that is a finding
 /// @param answer what stands before "targets" in the answer for programs
+/// @param settle is called after the changes, before they are read back
 ExitStatus ChangeTargets(Invocation& run, std::vector<Target> targets, bool needsAll,
-                         Json answer = Json::object());
+                         Json answer = Json::object(), const std::function<void()>& settle = {});
 
 } // namespace quilletctl

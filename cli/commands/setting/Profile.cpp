@@ -72,6 +72,7 @@ class SetProfile final : public Command {
         syntax.Argument("adapter", m_adapter,
                         "The adapter: its name, object ID or object path; a pattern names several");
         syntax.Argument("profile", m_profile, "The profile: its number or its description");
+        m_wait.Declare(syntax);
     }
 
     ExitStatus Run(Invocation& run) override {
@@ -80,12 +81,13 @@ class SetProfile final : public Command {
             targets.Add({adapter.id, adapter.path, adapter.objectId, adapter.Called()},
                         {{"PerformanceProfile", m_profile}});
         }
-        return targets.Change();
+        return targets.Change(m_wait);
     }
 
   private:
     std::string m_adapter;
     std::string m_profile;
+    WaitOption m_wait;
 };
 
 } // namespace

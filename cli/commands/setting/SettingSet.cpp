@@ -21,6 +21,7 @@ class ChangeSettings : public Command {
         syntax.Flag("--all-adapters", m_allAdapters, "Every adapter, instead of an owner");
         syntax.Choice("--of", m_kind, OwnerKindWords(),
                       "What the owner is, where its path does not say (default: adapter)");
+        m_wait.Declare(syntax);
     }
 
   protected:
@@ -38,6 +39,7 @@ class ChangeSettings : public Command {
         m_owner = words.front();
         words.erase(words.begin());
     }
+    const WaitOption& Wait() const noexcept { return m_wait; }
     bool IsOfAllAdapters() const noexcept { return m_allAdapters; }
     bool IsOfSeveral() const { return m_allAdapters || (IsPattern(m_owner) && !IsObjectPath(m_owner)); }
 
@@ -56,6 +58,7 @@ class ChangeSettings : public Command {
     bool m_allAdapters = false;
     std::string m_kind;
     std::string m_owner;
+    WaitOption m_wait;
 };
 
 class SetSettings final : public ChangeSettings {
@@ -92,11 +95,11 @@ class SetSettings final : public ChangeSettings {
             targets.Add(owner, assignments);
         }
         if (areAssignments) {
-            return targets.Change();
+            return targets.Change(Wait());
         }
         const std::string caption = targets.Caption();
-        return targets.Change(Json{{"setting", caption.empty() ? m_words.front() : caption}, //
-                                   {"value", m_words.back()}});
+        return targets.Change(Wait(), Json{{"setting", caption.empty() ? m_words.front() : caption}, //
+                                           {"value", m_words.back()}});
     }
 
   private:
@@ -136,7 +139,7 @@ class ResetSettings final : public ChangeSettings {
         if (targets.IsEmpty() && !run.WantsJson() && !run.IsDryRun()) {
             run.Out() << "every setting that can be written has its default\n";
         }
-        return targets.Change();
+        return targets.Change(Wait());
     }
 
   private:

@@ -182,13 +182,34 @@ std::string SettingTargets::Caption() const {
     return known == m_wanted.end() ? std::string() : known->caption;
 }
 
-ExitStatus SettingTargets::Change(const Json& answer) {
+std::vector<Watched> SettingTargets::WatchedOnes() const {
+    std::vector<Watched> watched;
+    const std::string* last = nullptr;
+    for (const Wanted& wanted : m_wanted) {
+        const SettingOwner& owner = wanted.owner;
+        if (wanted.target.outcome != Outcome::Changed || (last != nullptr && *last == owner.path)) {
+            continue;
+        }
+        last = &owner.path;
+        if (const auto* adapter = std::get_if<quillet::AdapterId>(&owner.id)) {
+            watched.push_back(LinkOf(*adapter, owner.called));
+        } else if (const auto* team = std::get_if<quillet::TeamId>(&owner.id)) {
+            watched.push_back(StatusOf(*team, owner.called));
+        } else if (const auto* vlan = std::get_if<quillet::VlanId>(&owner.id)) {
+            watched.push_back(StatusOf(*vlan, owner.called));
+        }
+    }
+    return watched;
+}
+
+ExitStatus SettingTargets::Change(const WaitOption& wait, const Json& answer) {
+    const std::vector<Watched> up = wait.Up(m_run.Session(), WatchedOnes());
     std::vector<Target> targets;
     for (Wanted& wanted : m_wanted) {
         Attempt("check " + wanted.caption + " of " + wanted.owner.called, [&] { Check(wanted); });
         targets.push_back(std::move(wanted.target));
     }
-    return ChangeTargets(m_run, std::move(targets), !m_isOfSeveral, answer);
+    return ChangeTargets(m_run, std::move(targets), !m_isOfSeveral, answer, [&] { wait.Until(m_run, up); });
 }
 
 } // namespace quilletctl

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "changes/Targets.h"
+#include "changes/Wait.h"
 #include "names/SettingOwner.h"
 
 #include <optional>
@@ -38,7 +39,7 @@ class SettingTargets {
     std::string Caption() const;
 
     /// Asks the teams and the VLANs what they think of it, and changes them all (ChangeTargets).
-    ExitStatus Change(const Json& answer = Json::object());
+    ExitStatus Change(const WaitOption& wait, const Json& answer = Json::object());
 
   private:
     struct Wanted {
@@ -56,6 +57,8 @@ class SettingTargets {
     void Want(Wanted& wanted, const quillet::Setting& setting, const quillet::Setting& changed,
               const std::string& value) const;
     void Check(Wanted& wanted);
+    /// What a change may take down.
+    std::vector<Watched> WatchedOnes() const;
 
     Invocation& m_run;
     bool m_isOfSeveral;

@@ -1,6 +1,7 @@
 // quilletctl team add, remove: the members of a team.
 #include "app/Command.h"
 #include "changes/ClientSet.h"
+#include "changes/Wait.h"
 #include "commands/team/TeamChange.h"
 #include "commands/team/TeamChecks.h"
 #include "commands/team/TeamMembers.h"
@@ -31,6 +32,7 @@ class ChangeMembers : public Command {
         syntax.Argument("team", m_team, "The team: its name, object ID or object path");
         syntax.Arguments("adapter", m_adapters, 1, 64,
                          "The adapters, by name, object ID, object path or pattern");
+        m_wait.Declare(syntax);
     }
 
     ExitStatus Run(Invocation& run) final {
@@ -47,6 +49,7 @@ class ChangeMembers : public Command {
         if (!MayChange(run, team, changing)) {
             return ExitStatus::Done;
         }
+        const std::vector<Watched> up = m_wait.Up(session, {StatusOf(team.id, "the team " + Called(team))});
         // One by one, so that it is known which ones were changed.
         std::vector<std::string> asked;
         for (const ListedAdapter& adapter : changing) {
@@ -55,6 +58,7 @@ class ChangeMembers : public Command {
         const ChangesInTurn changes =
             ChangeInTurn(run, asked, [&](std::size_t i) { Change(session, team, changing[i]); });
         changes.Settle(run);
+        m_wait.Until(run, up);
         return Answer(run, team, changing, changes, current);
     }
 
@@ -105,6 +109,7 @@ class ChangeMembers : public Command {
 
     std::string m_team;
     std::vector<std::string> m_adapters;
+    WaitOption m_wait;
 };
 
 class AddMembers final : public ChangeMembers {

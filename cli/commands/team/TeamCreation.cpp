@@ -1,6 +1,7 @@
 // quilletctl team create: checking and making a team.
 #include "app/Command.h"
 #include "changes/ClientSet.h"
+#include "changes/Wait.h"
 #include "commands/team/TeamChange.h"
 #include "commands/team/TeamChecks.h"
 #include "commands/team/TeamMembers.h"
@@ -31,6 +32,7 @@ class CreateTeam final : public Command {
         syntax.Flag("--mfo", m_mfo, "Allow adapters of other makers");
         syntax.Flag("--link-security", m_linkSecurity, "Secure the team's link");
         syntax.Flag("--force", m_force, "Make it whatever the checks find");
+        m_wait.Declare(syntax);
     }
 
     ExitStatus Run(Invocation& run) override {
@@ -63,6 +65,7 @@ class CreateTeam final : public Command {
             }
         });
         const std::optional<bool> restartNeeded = set.Close();
+        m_wait.Until(run, {StatusOf(team.id, "the team " + ToUtf8(wanted.name))});
         const Verification taken = Verification::By([&](Verification& compare) {
             const quillet::Team now = ReadTeam(session, team);
             compare.Compare(FieldsOf(team), FieldsOf(now));
@@ -116,6 +119,7 @@ class CreateTeam final : public Command {
     bool m_mfo = false;
     bool m_linkSecurity = false;
     bool m_force = false;
+    WaitOption m_wait;
 };
 
 } // namespace

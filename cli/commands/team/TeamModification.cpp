@@ -1,5 +1,6 @@
 // quilletctl team modify, delete: the name and the mode of a team, and its end.
 #include "changes/ClientSet.h"
+#include "changes/Wait.h"
 #include "commands/team/TeamChange.h"
 #include "commands/team/TeamChecks.h"
 #include "commands/team/TeamCommand.h"
@@ -23,6 +24,7 @@ class ModifyTeam final : public TeamCommand {
         TeamCommand::Declare(syntax);
         syntax.Text("--name", m_newName, "NAME", "The team's new name");
         syntax.Text("--mode", m_mode, "MODE", "The team's new mode, by number or name", TeamModeNumbers());
+        m_wait.Declare(syntax);
     }
 
   private:
@@ -47,9 +49,11 @@ class ModifyTeam final : public TeamCommand {
             return problems.Report(run);
         }
         const std::string asked = "change " + Called(team);
+        const std::vector<Watched> up = m_wait.Up(session, {StatusOf(team.id, "the team " + Called(team))});
         ClientSet set(run, Steps(team, changed));
         Attempt(asked, [&] { session.ModifyTeam(team.id, changed.name, changed.mode); });
         const std::optional<bool> restartNeeded = set.Close();
+        m_wait.Until(run, up);
         const Verification taken = Verification::By([&](Verification& compare) {
             const quillet::Team now = ReadTeam(session, team);
             compare.Compare(FieldsOf(changed), FieldsOf(now));
@@ -72,6 +76,7 @@ class ModifyTeam final : public TeamCommand {
 
     std::optional<std::string> m_newName;
     std::optional<std::string> m_mode;
+    WaitOption m_wait;
 };
 
 class DeleteTeam final : public TeamCommand {
