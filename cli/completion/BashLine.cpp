@@ -1,6 +1,8 @@
 // Quotes of bash.
 #include "completion/BashLine.h"
 
+#include <algorithm>
+
 namespace quilletctl {
 
 namespace {
@@ -76,7 +78,7 @@ void BashLine::EndWord() {
 
 std::string BashLine::Completed(std::string_view word) const {
     std::string text;
-    for (const char character : word.substr(m_begin)) {
+    for (const char character : word.substr(std::min(m_begin, word.size()))) {
         if (m_quote == '\'') {
             text += character == '\'' ? "'\\''" : std::string(1, character);
         } else if (m_quote == '"' && character == '!') {
