@@ -25,9 +25,10 @@ NAMES = ['Ab"quote"', "Bc'tick'", "Cd $HOME $(touch x) `touch y`", "De\\back\\",
 # Characters that would steer a terminal are shown as U+FFFD, and such a name is a name as well.
 SHOWN = [name.replace("\n", "\ufffd").replace("\t", "\ufffd").replace("\x1b", "\ufffd") for name in NAMES]
 
-# Stands for the program on the terminal: answers the shell's questions, and notes what else it is called with.
+# Stands for the program on the terminal: answers the shell's questions, however long that takes where much else runs, and
+# notes what else it is called with.
 STAND_IN = """#!/bin/sh
-[ "$1" = complete ] && exec "$PROGRAM" "$@"
+[ "$1 $2" = "complete --within=500" ] && shift 2 && exec "$PROGRAM" complete "$@"
 for argument; do printf '%s\\0' "$argument"; done > "$NOTES.new"
 mv "$NOTES.new" "$NOTES"
 """
@@ -220,6 +221,7 @@ class Answers(unittest.TestCase):
         for shell, script in scripts.items():
             file = folder / ("quilletctl." + {"powershell": "ps1"}.get(shell, shell))
             self.assertEqual(script, file.read_text(encoding="utf-8"))
+            self.assertIn(" complete --within=500 ", script)
         for shell in ("bash", "zsh", "fish"):
             run = subprocess.run([shell, "-n"], input=scripts[shell], capture_output=True, text=True, check=False)
             self.assertEqual((run.returncode, run.stderr), (0, ""), shell)
