@@ -89,7 +89,7 @@ constexpr const char* kSecure = "Zorel Quad Port Gigabit Server Adapter";
 constexpr const char* kTeam = "TEAM : Zürich";
 constexpr const char* kNouns =
     "adapter, setting, profile, power, wol, team, linksec, vlan, diag, boot, iscsi, warnings, "
-    "trace, transaction, version, help";
+    "trace, transaction, completion, version, help";
 constexpr const char* kNotRepeated = " takes no such word or option; it is not repeated here, for it may be "
                                      "a secret: secrets are typed at a prompt "
                                      "or read with --secret-fd, never given on the command line";

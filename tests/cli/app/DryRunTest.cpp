@@ -14,11 +14,11 @@ using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr const char* kTeam = "TEAM : Zürich";
-constexpr const char* kMember = "Zorel Quad Port Gigabit Server Adapter #2";
-
 class DryRunTest : public CommandLine {
   protected:
+    static constexpr const char* kTeam = "TEAM : Zürich";
+    static constexpr const char* kMember = "Zorel Quad Port Gigabit Server Adapter #2";
+
     Outcome Run(std::vector<std::string> line, Screen screen = {}) const {
         line.insert(line.begin(), {"--dry-run", "--simulate", TestMachine("golden.mof"), "--state",
                                    Utf8(InFolder("lab.mof")), "--journal"});
