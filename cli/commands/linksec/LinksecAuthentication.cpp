@@ -55,7 +55,8 @@ class SetAuthentication final : public AdapterCommand {
         Take(m_authority, wanted.pac);
         Take(m_randomMac, wanted.methods.randomMac);
         return ChangeInSet(
-            run, "set the authentication of " + adapter.Called(), "authentication set", Named(FieldsOf(wanted)),
+            run, "set the authentication of " + adapter.Called(), "authentication set",
+            Named(FieldsOf(wanted)),
             [&](quillet::Session& session) {
                 session.SetAuthentication(adapter.id, wanted, m_reload.Chosen());
             },
