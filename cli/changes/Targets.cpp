@@ -134,7 +134,7 @@ void Answer(Invocation& run, const Targets& targets, std::optional<bool> restart
     }
     Json list = Json::array();
     for (const Target& target : targets) {
-        Json each = target.named;
+        Json each = AsJson(target.named);
         each["outcome"] = NameOf(target.outcome);
         each["warnings"] = target.warnings;
         each["code"] = FAILED(target.code) ? Json(DescribeResult(target.code)) : Json();

@@ -3,6 +3,7 @@
 
 #include "app/Invocation.h"
 #include "changes/Verification.h"
+#include "texts/Field.h"
 
 #include <quillet/client/Session.h>
 
@@ -18,11 +19,11 @@ namespace quilletctl {
 struct Target {
     enum class Outcome { Changed, Unchanged, ReadOnly, Missing, Refused, NotTaken, Unknown, NotTried };
 
-    std::string called{};   ///< what its line begins with
-    Json named{};           ///< which it is, for programs: an object
-    std::string asked{};    ///< completes "could not …"
-    std::string step{};     ///< completes "would …"
-    std::string text{};     ///< what was done where it took, or why it is left alone
+    std::string called{};       ///< what its line begins with
+    std::vector<Field> named{}; ///< which it is, for programs; people read `called`
+    std::string asked{};        ///< completes "could not …"
+    std::string step{};         ///< completes "would …"
+    std::string text{};         ///< what was done where it took, or why it is left alone
     std::string possible{}; ///< what a value could have been, where the provider says that it is out of range
     std::vector<std::string> warnings{};
     Outcome outcome = Outcome::Missing; ///< Changed: `change` is to be made

@@ -181,7 +181,7 @@ class ChangeAdapters : public Command {
             target.asked = "read the options of " + adapter.Called();
         }
         target.called = adapter.Called();
-        target.named = Json{{"path", adapter.path}};
+        target.named = {{"path", {}, adapter.path}};
         return target;
     }
 

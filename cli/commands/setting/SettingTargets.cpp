@@ -108,10 +108,10 @@ void SettingTargets::AddOne(const SettingOwner& owner, const std::vector<quillet
     Wanted wanted{owner, caption, {}, {}};
     Target& target = wanted.target;
     target.called = owner.called;
-    target.named = Json{{"kind", WordFor(owner)}, {"path", owner.path}};
+    target.named = {{"kind", {}, WordFor(owner)}, {"path", {}, owner.path}};
     if (m_told == Told::Settings) {
-        target.named["setting"] = caption;
-        target.named["value"] = assignment.value ? Json(*assignment.value) : Json();
+        target.named.push_back({"setting", {}, caption});
+        target.named.push_back({"value", {}, assignment.value ? Json(*assignment.value) : Json()});
     }
     if (setting == nullptr) {
         target.text = "has no " + caption + ", left alone";
@@ -142,7 +142,7 @@ void SettingTargets::Want(Wanted& wanted, const quillet::Setting& setting, const
     target.step = what + text;
     if (m_told == Told::Settings) {
         target.called += ": " + wanted.caption;
-        target.named["value"] = value;
+        target.named.back().value = value;
     }
     wanted.setting = changed;
 }
