@@ -94,6 +94,7 @@ class AddVlans final : public NewVlans {
         }
         std::vector<quillet::Vlan> made;
         std::vector<std::string> asked;
+        asked.reserve(wanted.size());
         for (const quillet::NewVlan& vlan : wanted) {
             asked.push_back("add " + Called(vlan) + " to " + parent.name);
         }
