@@ -45,14 +45,12 @@ class Invocation {
 
     /// Whether the command only tells what it would change.
     bool IsDryRun() const noexcept { return m_options.dryRun; }
-    /// Between the last check and the first change: every command that changes something calls it. A dry run
-    /// answers with the steps and throws DryRunEnd; otherwise HoldInterrupts().
+    /// Between the last check and the first change: every command that changes something calls it. From here
+    /// on a request to end is remembered: what is begun is brought to an end. Before, it ends the process at
+    /// once. A dry run answers with the steps instead, and throws DryRunEnd.
     /// @param steps complete "would …"; none: there is nothing to change
     /// @param remarks what else there is to say of it, a sentence each
     void BeginChanges(const std::vector<std::string>& steps, const std::vector<std::string>& remarks = {});
-    /// From here on a request to end is remembered: what is begun is brought to an end. Before, it ends the
-    /// process at once.
-    void HoldInterrupts() noexcept;
     /// Whether to begin the next of several steps. No longer after a request to end; the command then answers
     /// with what was done and what not.
     bool MayGoOn() noexcept;
@@ -73,6 +71,9 @@ class Invocation {
     void Finish();
 
   private:
+    /// From here on a request to end is remembered: what is begun is brought to an end. Before, it ends the
+    /// process at once.
+    void HoldInterrupts() noexcept;
     void PrintJournal();
 
     const GlobalOptions& m_options;

@@ -56,12 +56,9 @@ class ReadBootAgent final : public BootCommand {
             return ExitStatus::Done;
         }
         CheckReplaceable(m_file); // reading takes a while
-        if (run.IsDryRun()) {
-            run.BeginChanges({"read the flash memory of " + adapter.Called() + " into " + m_file});
-        }
         const std::vector<std::byte> flash =
             Attempt("read the flash memory", [&] { return run.Session().ReadFlash(agent.id); });
-        run.HoldInterrupts();
+        run.BeginChanges({"write what the flash memory of " + adapter.Called() + " holds to " + m_file});
         ReplaceFile(m_file, {reinterpret_cast<const char*>(flash.data()), flash.size()});
         if (run.WantsJson()) {
             run.Print(Json{{"file", m_file}, {"bytes", flash.size()}});

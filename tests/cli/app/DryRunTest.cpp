@@ -78,7 +78,8 @@ TEST_F(DryRunTest, ReadingTheFlashMemory_WritesNoFile) {
     const Outcome outcome = RunCommandLine({"--simulate", "--dry-run", "boot", "read", "2:1", file});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.out,
-              "would read the flash memory of Zorel 10G Dual Port Server Adapter into " + file + "\n");
+              "would write what the flash memory of Zorel 10G Dual Port Server Adapter holds to " + file +
+                  "\n");
     EXPECT_FALSE(std::filesystem::exists(InFolder("flash.bin")));
 }
 
