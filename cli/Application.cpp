@@ -3,6 +3,7 @@
 
 #include "changes/ClientSet.h"
 #include "commands/Commands.h"
+#include "completion/Complete.h"
 #include "texts/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -41,6 +42,8 @@ Ending Guarded(const Terminal& terminal, const std::function<ExitStatus()>& step
         return {step()};
     } catch (const TextRequest& request) {
         terminal.out << request.text;
+        return {};
+    } catch (const DryRunEnd&) {
         return {};
     } catch (const UsageError& mistake) {
         return {ExitStatus::BadUsage, mistake.what()};
@@ -100,6 +103,9 @@ void ChooseColours(Terminal& terminal, const GlobalOptions& options) {
 ExitStatus Run(const std::vector<std::string>& arguments, Terminal& terminal) {
     CommandTree tree;
     AddAllCommands(tree);
+    if (!arguments.empty() && arguments.front() == "complete") {
+        return Complete(tree, {arguments.begin() + 1, arguments.end()}, terminal);
+    }
     Command* command = nullptr;
     bool hasAnswered = !AsksForJson(arguments);
     std::optional<bool> restartNeeded;
@@ -121,7 +127,7 @@ ExitStatus Run(const std::vector<std::string>& arguments, Terminal& terminal) {
     ChooseColours(terminal, tree.Options());
     tell(ending);
     if (command != nullptr) {
-        Invocation run(tree.Options(), terminal, !command->OnlyReads());
+        Invocation run(tree.Options(), terminal, !command->OnlyReads() && !tree.Options().dryRun);
         ending = Guarded(terminal, [&] { return command->Run(run); });
         hasAnswered = hasAnswered || run.HasAnswered();
         restartNeeded = run.RestartNeeded();

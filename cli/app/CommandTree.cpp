@@ -56,6 +56,8 @@ CommandTree::CommandTree() : m_app(std::make_unique<CLI::App>("", "quilletctl"))
     syntax.Texts("--fault", m_faults, "RULE", std::string("Let the simulated machine fail: ") + kFaultForm);
     syntax.Flag("--json", m_options.json, "Answer as JSON");
     syntax.Flag("--journal", m_options.journal, "Print the calls that the simulated provider received");
+    syntax.Flag("--dry-run", m_options.dryRun,
+                "Make all checks and tell what would be changed; change nothing");
     syntax.Flag("--yes", m_options.yes, "Answer yes to every question");
     syntax.Flag("--no-color", m_options.noColour, "Print without colours (as with NO_COLOR set)");
     m_description.options = std::move(everywhere.options);

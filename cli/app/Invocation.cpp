@@ -58,7 +58,7 @@ void Invocation::PrintLine(const Json& json) {
 }
 
 bool Invocation::Confirm(const std::string& question) {
-    if (m_options.yes) {
+    if (m_options.yes || m_options.dryRun) {
         return true;
     }
     // A program that reads JSON is no person, whoever sits before the terminal.
@@ -87,6 +87,26 @@ bool Invocation::ConfirmChange(const std::string& question) {
         m_terminal.out << "nothing was changed\n";
     }
     return agreed;
+}
+
+void Invocation::BeginChanges(const std::vector<std::string>& steps,
+                              const std::vector<std::string>& remarks) {
+    if (!m_options.dryRun) {
+        HoldInterrupts();
+        return;
+    }
+    if (WantsJson()) {
+        Print(Json{{"dryRun", true}, {"steps", steps}, {"remarks", remarks}});
+        throw DryRunEnd();
+    }
+    for (const std::string& remark : remarks) {
+        m_terminal.out << Printable(remark) << '\n';
+    }
+    for (const std::string& step : steps) {
+        m_terminal.out << Printable("would " + step) << '\n';
+    }
+    m_terminal.out << (steps.empty() ? "nothing would be changed\n" : "");
+    throw DryRunEnd();
 }
 
 void Invocation::HoldInterrupts() noexcept {

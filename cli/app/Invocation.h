@@ -49,7 +49,8 @@ class Invocation {
     /// Whether that was done.
     bool HasAnswered() const noexcept { return m_hasAnswered; }
 
-    /// Whether a person agrees, or --yes was given. Throws UsageError where nobody can be asked.
+    /// Whether a person agrees, or --yes was given, or it is a dry run. Throws UsageError where nobody can be
+    /// asked.
     bool Confirm(const std::string& question);
     /// Whether a file may be written: there is none, or a person agrees to overwrite it, and else is told
     /// that nothing was written. Throws UsageError where nobody can be asked, or it cannot be replaced.
@@ -57,9 +58,14 @@ class Invocation {
     /// The same before something is deleted; a person who does not agree is told that nothing was changed.
     bool ConfirmChange(const std::string& question);
 
-    /// From here on a request to end is remembered: what is begun is brought to an end. Before, it ends the
-    /// process at once.
-    void HoldInterrupts() noexcept;
+    /// Whether the command only tells what it would change.
+    bool IsDryRun() const noexcept { return m_options.dryRun; }
+    /// Between the last check and the first change: every command that changes something calls it. From here
+    /// on a request to end is remembered: what is begun is brought to an end. Before, it ends the process at
+    /// once. A dry run answers with the steps instead, and throws DryRunEnd.
+    /// @param steps complete "would …"; none: there is nothing to change
+    /// @param remarks what else there is to say of it, a sentence each
+    void BeginChanges(const std::vector<std::string>& steps, const std::vector<std::string>& remarks = {});
     /// Whether to begin the next of several steps. No longer after a request to end; the command then answers
     /// with what was done and what not.
     bool MayGoOn() noexcept;
@@ -80,6 +86,9 @@ class Invocation {
     void Finish();
 
   private:
+    /// From here on a request to end is remembered: what is begun is brought to an end. Before, it ends the
+    /// process at once.
+    void HoldInterrupts() noexcept;
     void PrintJournal();
 
     const GlobalOptions& m_options;

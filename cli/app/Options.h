@@ -20,6 +20,7 @@ struct GlobalOptions {
     bool json = false;                                   ///< --json
     bool journal = false;                                ///< --journal
     bool yes = false;                                    ///< --yes
+    bool dryRun = false;                                 ///< --dry-run
     bool noColour = false;                               ///< --no-color
     RemoteAccess remote{}; ///< how --machine is reached where this host has no WMI
 };

@@ -7,9 +7,11 @@
 
 namespace quilletctl {
 
-ClientSet::ClientSet(Invocation& run) : m_run(run) {
+ClientSet::ClientSet(Invocation& run, const std::vector<std::string>& steps,
+                     const std::vector<std::string>& remarks)
+    : m_run(run) {
     quillet::Session& session = run.Session();
-    run.HoldInterrupts();
+    run.BeginChanges(steps, remarks);
     Attempt("open a client set", [&] { m_changes.emplace(session); });
     if (!run.MayGoOn()) {
         run.NoteRestart(Close());
@@ -49,13 +51,13 @@ void ChangesInTurn::Settle(Invocation& run) const {
     run.FailAfterAnswer(*refusal);
 }
 
-ChangesInTurn ChangeInTurn(Invocation& run, std::size_t count,
+ChangesInTurn ChangeInTurn(Invocation& run, const std::vector<std::string>& asked,
                            const std::function<void(std::size_t)>& change) {
-    ChangesInTurn outcome{count};
-    ClientSet set(run);
+    ChangesInTurn outcome{asked.size()};
+    ClientSet set(run, asked);
     try {
-        while (outcome.done < count && run.MayGoOn()) {
-            change(outcome.done);
+        while (outcome.done < asked.size() && run.MayGoOn()) {
+            Attempt(asked[outcome.done], [&] { change(outcome.done); });
             ++outcome.done;
         }
     } catch (const Refusal& refusal) {

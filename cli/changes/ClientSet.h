@@ -10,6 +10,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quilletctl {
 
@@ -17,9 +18,11 @@ namespace quilletctl {
 /// takes effect, and no later change gets into a set that nobody closes.
 class ClientSet {
   public:
-    /// Opens it; from here on requests to end are held back. Throws Refusal, and Interruption when one came
-    /// meanwhile.
-    explicit ClientSet(Invocation& run);
+    /// Opens it (Invocation::BeginChanges); from here on requests to end are held back. Throws Refusal, and
+    /// Interruption when one came meanwhile.
+    /// @param steps what is to be done in it; completes "would …"
+    ClientSet(Invocation& run, const std::vector<std::string>& steps,
+              const std::vector<std::string>& remarks = {});
     ~ClientSet();
     ClientSet(const ClientSet&) = delete;
     ClientSet& operator=(const ClientSet&) = delete;
@@ -54,8 +57,9 @@ struct ChangesInTurn {
 };
 
 /// Makes changes in a client set, until one is refused or the command is interrupted.
-/// @param change makes the change of a number, or throws Refusal
-ChangesInTurn ChangeInTurn(Invocation& run, std::size_t count,
+/// @param asked what each change is: completes "could not …"
+/// @param change makes the change of a number, or throws quillet::Error
+ChangesInTurn ChangeInTurn(Invocation& run, const std::vector<std::string>& asked,
                            const std::function<void(std::size_t)>& change);
 
 /// The answer of a command that made one change. Throws NotTaken or Refusal.
@@ -66,12 +70,13 @@ ExitStatus AnswerChange(Invocation& run, const std::string& asked, const char* d
 /// Makes one change in a client set of its own, reads back what became of it, and answers whether it took and
 /// whether a restart is needed. Throws Refusal and NotTaken.
 /// @param asked completes "could not …"; `done` says what was done where it took
+/// @param values what is asked for, where a dry run is to tell it
 /// @param compare reads back into a Verification, once the set is closed: a provider may keep changes until
 /// then
 template <class Change, class Compare>
-ExitStatus ChangeInSet(Invocation& run, const std::string& asked, const char* done, Change change,
-                       Compare compare) {
-    ClientSet set(run);
+ExitStatus ChangeInSet(Invocation& run, const std::string& asked, const char* done,
+                       const std::vector<Field>& values, Change change, Compare compare) {
+    ClientSet set(run, {WithValues(asked, values)});
     Attempt(asked, [&] { change(run.Session()); });
     const std::optional<bool> restartNeeded = set.Close();
     return AnswerChange(run, asked, done, restartNeeded,

@@ -21,6 +21,7 @@ void AddAllCommands(CommandTree& tree) {
     AddMonitorCommand(tree);
     AddTraceCommand(tree);
     AddTransactionCommands(tree);
+    AddCompletionCommand(tree);
     AddVersionCommand(tree);
     AddHelpCommand(tree);
 }

@@ -7,6 +7,7 @@ namespace quilletctl {
 
 void AddAdapterCommands(CommandTree& tree);
 void AddBootCommands(CommandTree& tree);
+void AddCompletionCommand(CommandTree& tree);
 void AddDiagCommands(CommandTree& tree);
 void AddISCSICommands(CommandTree& tree);
 void AddSettingCommands(CommandTree& tree);

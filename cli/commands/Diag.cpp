@@ -231,10 +231,10 @@ class RunTest final : public TestCommand {
 
   private:
     ExitStatus RunForTest(const ListedAdapter& adapter, const Diagnostic& test, Invocation& run) override {
-        // Before the start: a test that was started is stopped, whenever the person loses patience.
-        run.HoldInterrupts();
-        const quillet::FollowedRun followed = Follow(adapter, test, run);
         const std::string name = ToUtf8(test.name);
+        // Before the start: a test that was started is stopped, whenever the person loses patience.
+        run.BeginChanges({"run " + name + " on " + adapter.Called()});
+        const quillet::FollowedRun followed = Follow(adapter, test, run);
         switch (followed.end) {
         case quillet::RunEnd::NoResult:
             throw Refusal("follow " + name, WBEM_S_FALSE, "the provider has no result of it");
@@ -270,7 +270,7 @@ class StopTest final : public TestCommand {
     ExitStatus RunForTest(const ListedAdapter& adapter, const Diagnostic& test, Invocation& run) override {
         quillet::Session& session = run.Session();
         const std::string name = ToUtf8(test.name);
-        run.HoldInterrupts();
+        run.BeginChanges({"stop " + name + " on " + adapter.Called()});
         Attempt("stop " + name, [&] { session.StopDiagnostic(test.id, adapter.id); });
         // A test may need a moment to come to its end.
         const auto until = Clock::now() + kPatience;

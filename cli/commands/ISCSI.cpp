@@ -96,7 +96,7 @@ class SetPlace final : public AdapterCommand {
             throw UsageError(adapter.Called() + " cannot boot from iSCSI; see quilletctl iscsi list");
         }
         const std::string asked = "change the place of " + adapter.Called();
-        ClientSet changes(run);
+        ClientSet changes(run, {asked + " to " + m_place});
         const unsigned code =
             Attempt(asked, [&] { return run.Session().SetIscsiStatus(port->bootAgent, *place); });
         const std::optional<bool> restartNeeded = changes.Close();

@@ -66,7 +66,7 @@ class RecordVerb final : public Command {
             ResourceOf(run); // first: the session is what makes this process a client
         ProviderNamespace provider(resource);
         const Record record = RecordMachine(provider);
-        run.HoldInterrupts();
+        run.BeginChanges({"write what the provider holds to " + m_file});
         // Names and addresses of a machine are not everybody's, though no secret is among them.
         ReplaceFile(m_file,
                     "// Recorded by quilletctl. Secrets are left out: *** stands for each.\n" + record.mof,

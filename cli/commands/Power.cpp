@@ -1,6 +1,6 @@
 // quilletctl power and quilletctl wol: the power-saving and wake-on-LAN options of an adapter.
 #include "app/Answers.h"
-#include "changes/ClientSet.h"
+#include "changes/Targets.h"
 #include "commands/AdapterCommand.h"
 #include "commands/Commands.h"
 #include "texts/InWords.h"
@@ -116,19 +116,24 @@ class Switches {
         }
         return false;
     }
-    /// A record of nothing but the named options. Throws UsageError for one that the adapter does not have.
-    Record Chosen(const Record& present, const ListedAdapter& adapter) const {
+    /// A record of nothing but the named options.
+    Record Chosen() const {
         Record chosen;
         for (std::size_t i = 0; i < Size; ++i) {
-            if (m_words[i].empty()) {
-                continue;
+            if (!m_words[i].empty()) {
+                chosen.*m_options[i].field = m_words[i] == "on";
             }
-            if (!(present.*m_options[i].field)) {
-                throw UsageError(std::string(m_options[i].word) + ": not available on " + adapter.Called());
-            }
-            chosen.*m_options[i].field = m_words[i] == "on";
         }
         return chosen;
+    }
+    /// The first of the named options that the adapter does not have; empty where it has them all.
+    std::string Missing(const Record& present) const {
+        for (std::size_t i = 0; i < Size; ++i) {
+            if (!m_words[i].empty() && !(present.*m_options[i].field)) {
+                return m_options[i].word;
+            }
+        }
+        return {};
     }
 
   private:
@@ -136,66 +141,151 @@ class Switches {
     std::array<std::string, Size> m_words;
 };
 
-class SetPower final : public AdapterCommand {
+/// A command that changes the adapter, or the adapters, that its first word names.
+class ChangeAdapters : public Command {
   public:
     void Declare(Syntax& syntax) override {
-        AdapterCommand::Declare(syntax);
+        syntax.Argument("adapter", m_adapter,
+                        "The adapter: its name, object ID or object path; a pattern names several");
+    }
+    ExitStatus Run(Invocation& run) final {
+        CheckOptions();
+        const std::vector<ListedAdapter> adapters = FindAdapters(run.Session(), {m_adapter});
+        if (!IsPattern(m_adapter)) {
+            const Target target = TargetFor(run.Session(), adapters.front());
+            if (target.outcome == Target::Outcome::Missing) {
+                throw UsageError(target.text + " on " + target.called);
+            }
+            return ChangeTarget(run, target);
+        }
+        std::vector<Target> targets;
+        targets.reserve(adapters.size());
+        for (const ListedAdapter& adapter : adapters) {
+            targets.push_back(TargetOrRefusal(run.Session(), adapter));
+        }
+        return ChangeTargets(run, std::move(targets), false);
+    }
+
+  private:
+    /// Throws UsageError where there is nothing to do.
+    virtual void CheckOptions() const {}
+    /// What is to be done with an adapter; Missing, and what, where it cannot be done. Throws Refusal.
+    virtual Target TargetFor(quillet::Session& session, const ListedAdapter& adapter) const = 0;
+
+    /// Among many adapters one that cannot be read keeps nobody from changing the others.
+    Target TargetOrRefusal(quillet::Session& session, const ListedAdapter& adapter) const {
+        Target target;
+        try {
+            target = TargetFor(session, adapter);
+        } catch (const Refusal& refusal) {
+            target.outcome = Target::Outcome::Refused;
+            target.code = refusal.Code();
+            target.asked = "read the options of " + adapter.Called();
+        }
+        target.called = adapter.Called();
+        target.named = {{"path", {}, adapter.path}};
+        return target;
+    }
+
+    std::string m_adapter;
+};
+
+Target ChangeOf(const std::string& asked, const char* done, const std::vector<Field>& values) {
+    Target target;
+    target.asked = asked;
+    target.step = WithValues(asked, values);
+    target.text = done;
+    target.outcome = Target::Outcome::Changed;
+    return target;
+}
+
+Target WithoutOption(const ListedAdapter& adapter, const std::string& option) {
+    Target target;
+    target.called = adapter.Called();
+    target.text = option + ": not available";
+    return target;
+}
+
+class SetPower final : public ChangeAdapters {
+  public:
+    void Declare(Syntax& syntax) override {
+        ChangeAdapters::Declare(syntax);
         syntax.Choice("--mode", m_mode, kModes, "Power-saving mode");
         m_switches.Declare(syntax);
     }
 
   private:
-    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+    void CheckOptions() const override {
         if (m_mode.empty() && !m_switches.IsAnyGiven()) {
             throw UsageError("an option to set is needed; see quilletctl power set --help");
         }
-        // The mode always travels with the options, so it must be known.
-        const Power present = ReadPower(run.Session(), adapter);
-        Power chosen = m_switches.Chosen(present, adapter);
-        chosen.mode = m_mode.empty() ? present.mode : static_cast<std::uint32_t>(m_mode.front() - '0');
-        return ChangeInSet(
-            run, "set the power options of " + adapter.Called(), "power options set",
-            [&](quillet::Session& session) { session.SetPower(adapter.id, chosen); },
-            [&](quillet::Session& session, Verification& taken) {
-                taken.Compare(Fields(chosen), Fields(ReadPower(session, adapter)));
-            });
     }
+    Target TargetFor(quillet::Session& session, const ListedAdapter& adapter) const override {
+        const Power present = ReadPower(session, adapter);
+        const std::string missing = m_switches.Missing(present);
+        if (!missing.empty()) {
+            return WithoutOption(adapter, missing);
+        }
+        Power chosen = m_switches.Chosen();
+        std::vector<Field> named = Fields(chosen);
+        named.front().value = m_mode.empty() ? Json() : Json(ModeNumber());
+        // The mode always travels with the options, so it must be known.
+        chosen.mode = m_mode.empty() ? present.mode : ModeNumber();
+        Target target = ChangeOf("set the power options of " + adapter.Called(), "power options set", named);
+        target.change = [adapter, chosen](quillet::Session& connected) {
+            connected.SetPower(adapter.id, chosen);
+        };
+        target.compare = [adapter, chosen](quillet::Session& connected, Verification& taken) {
+            taken.Compare(Fields(chosen), Fields(ReadPower(connected, adapter)));
+        };
+        return target;
+    }
+    std::uint32_t ModeNumber() const { return static_cast<std::uint32_t>(m_mode.front() - '0'); }
 
     std::string m_mode;
     Switches<Power, kPowerOptions.size()> m_switches{kPowerOptions};
 };
 
-class SetWake final : public AdapterCommand {
+class SetWake final : public ChangeAdapters {
   public:
     void Declare(Syntax& syntax) override {
-        AdapterCommand::Declare(syntax);
+        ChangeAdapters::Declare(syntax);
         m_switches.Declare(syntax);
     }
 
   private:
-    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
+    void CheckOptions() const override {
         if (!m_switches.IsAnyGiven()) {
             throw UsageError("an option to set is needed; see quilletctl wol set --help");
         }
-        const Wake chosen = m_switches.Chosen(ReadWake(run.Session(), adapter), adapter);
-        return ChangeInSet(
-            run, "set the wake-on-LAN options of " + adapter.Called(), "wake-on-LAN options set",
-            [&](quillet::Session& session) { session.SetWake(adapter.id, chosen); },
-            [&](quillet::Session& session, Verification& taken) {
-                taken.Compare(Fields(chosen), Fields(ReadWake(session, adapter)));
-            });
+    }
+    Target TargetFor(quillet::Session& session, const ListedAdapter& adapter) const override {
+        const std::string missing = m_switches.Missing(ReadWake(session, adapter));
+        if (!missing.empty()) {
+            return WithoutOption(adapter, missing);
+        }
+        const Wake chosen = m_switches.Chosen();
+        Target target = ChangeOf("set the wake-on-LAN options of " + adapter.Called(),
+                                 "wake-on-LAN options set", Fields(chosen));
+        target.change = [adapter, chosen](quillet::Session& connected) {
+            connected.SetWake(adapter.id, chosen);
+        };
+        target.compare = [adapter, chosen](quillet::Session& connected, Verification& taken) {
+            taken.Compare(Fields(chosen), Fields(ReadWake(connected, adapter)));
+        };
+        return target;
     }
 
     Switches<Wake, kWakeOptions.size()> m_switches{kWakeOptions};
 };
 
-class ReapplyPower final : public AdapterCommand {
-    ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
-        return ChangeInSet(
-            run, "apply the power-management capabilities of " + adapter.Called() + " again",
-            "power-management capabilities applied",
-            [&](quillet::Session& session) { session.ReapplyPower(adapter.id); },
-            [](quillet::Session&, Verification& taken) { taken.LeaveOpen(); });
+class ReapplyPower final : public ChangeAdapters {
+    Target TargetFor(quillet::Session&, const ListedAdapter& adapter) const override {
+        Target target = ChangeOf("apply the power-management capabilities of " + adapter.Called() + " again",
+                                 "power-management capabilities applied", {});
+        target.change = [adapter](quillet::Session& session) { session.ReapplyPower(adapter.id); };
+        target.compare = [](quillet::Session&, Verification& taken) { taken.LeaveOpen(); };
+        return target;
     }
 };
 

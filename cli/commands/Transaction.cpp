@@ -9,7 +9,7 @@ namespace quilletctl {
 namespace {
 
 ExitStatus TryTransaction(Invocation& run) {
-    ClientSet set(run);
+    ClientSet set(run, {"open a client set and close it again"});
     const std::optional<bool> restartNeeded = set.Close();
     if (!restartNeeded) {
         return ExitStatus::Refused; // to close it was all there was to try

@@ -63,4 +63,7 @@ class Interruption : public std::runtime_error {
     Interruption() : std::runtime_error("interrupted; nothing was changed") {}
 };
 
+/// A dry run has told what the command would change, and nothing more is to be done.
+struct DryRunEnd {};
+
 } // namespace quilletctl

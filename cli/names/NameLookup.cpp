@@ -2,6 +2,7 @@
 #include "names/NameLookup.h"
 
 #include "ending/Failure.h"
+#include "names/ObjectPath.h"
 #include "texts/Nearest.h"
 #include "texts/Text.h"
 
@@ -72,8 +73,11 @@ std::vector<std::size_t> FindNamed(const std::vector<Named>& things, const std::
     for (std::size_t kind = 0; kind < kinds && found.empty() && !text.empty(); ++kind) {
         for (std::size_t i = 0; i < things.size(); ++i) {
             const std::string name = kind < things[i].names.size() ? things[i].names[kind] : std::string();
-            if (!name.empty() && (IsNamed(name, text, match) || IsNamed(Printable(name), text, match) ||
-                                  IsNamed(WithoutBraces(name), WithoutBraces(text), match))) {
+            // A pattern is meant for names that people see; nearly any would fit somewhere in a path.
+            const bool isHidden = match == Match::Pattern && IsObjectPath(name);
+            if (!name.empty() && !isHidden &&
+                (IsNamed(name, text, match) || IsNamed(Printable(name), text, match) ||
+                 IsNamed(WithoutBraces(name), WithoutBraces(text), match))) {
                 found.push_back(i);
             }
         }

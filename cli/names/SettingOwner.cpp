@@ -83,21 +83,46 @@ SettingOwner OwnerAt(const std::string& path, const ObjectName& name, const std:
     throw UsageError("a " + name.className + " has no settings: " + path);
 }
 
-/// The VLAN that a text names, of whatever parent. Throws UsageError where there is none, or more than one.
-SettingOwner VlanCalled(quillet::Session& session, const std::string& text) {
+SettingOwner OwnerOf(const ListedAdapter& adapter, SettingOwner::Kind kind) {
+    if (kind == SettingOwner::Kind::Adapter) {
+        return {adapter.id, adapter.path, adapter.objectId, adapter.Called()};
+    }
+    const OwnerClass& agent = ClassOf(kind);
+    return Owner(kind, PathOf(agent.name, agent.key, adapter.objectId), adapter.objectId,
+                 "the boot agent of " + adapter.Called());
+}
+
+SettingOwner OwnerOf(const quillet::Team& team) {
+    const std::string path = PathOf(team.id);
+    return {team.id, path, NameInPath(path).key, Called(team)};
+}
+
+/// Owners that can be looked for, and their names.
+struct Owners {
     std::vector<SettingOwner> owners;
     std::vector<Named> names;
+};
+
+Owners TeamOwners(quillet::Session& session) {
+    const std::vector<quillet::Team> teams = ReadTeams(session);
+    Owners all{{}, NamesOf(teams)};
+    for (const quillet::Team& team : teams) {
+        all.owners.push_back(OwnerOf(team));
+    }
+    return all;
+}
+
+/// The VLANs of all parents.
+Owners VlanOwners(quillet::Session& session) {
+    Owners all;
     for (const VlanParent& parent : ReadVlanParents(session)) {
         for (const quillet::Vlan& vlan : ReadVlans(session, parent)) {
-            names.push_back(NamesOf(vlan, parent));
-            owners.push_back(
+            all.names.push_back(NamesOf(vlan, parent));
+            all.owners.push_back(
                 {vlan.id, PathOf(vlan.id), ToUtf8(vlan.objectId), Called(vlan) + " of " + parent.name});
         }
     }
-    if (const std::optional<std::size_t> found = FindOneNamed(names, text, "VLANs")) {
-        return owners[*found];
-    }
-    throw UsageError("no VLAN is called \"" + text + "\"; see quilletctl vlan list");
+    return all;
 }
 
 } // namespace
@@ -125,24 +150,44 @@ SettingOwner FindSettingOwner(quillet::Session& session, const std::string& text
         return OwnerAt(text, name, kind);
     }
     if (isOfAdapter) {
-        const ListedAdapter adapter = FindAdapter(session, text);
-        if (wanted == SettingOwner::Kind::Adapter) {
-            return {adapter.id, adapter.path, adapter.objectId, adapter.Called()};
-        }
-        const OwnerClass& agent = ClassOf(wanted);
-        return Owner(wanted, PathOf(agent.name, agent.key, adapter.objectId), adapter.objectId,
-                     "the boot agent of " + adapter.Called());
+        return OwnerOf(FindAdapter(session, text), wanted);
     }
     if (wanted == SettingOwner::Kind::Team) {
-        const quillet::Team team = FindTeam(session, text);
-        const std::string path = PathOf(team.id);
-        return {team.id, path, NameInPath(path).key, Called(team)};
+        return OwnerOf(FindTeam(session, text));
     }
     const std::string objectId = ObjectIdFrom(text);
-    if (objectId.empty()) {
-        return VlanCalled(session, text);
+    if (!objectId.empty()) {
+        return Owner(wanted, PathOf(ClassOf(wanted).name, ClassOf(wanted).key, objectId), objectId, objectId);
     }
-    return Owner(wanted, PathOf(ClassOf(wanted).name, ClassOf(wanted).key, objectId), objectId, objectId);
+    const Owners vlans = VlanOwners(session);
+    if (const std::optional<std::size_t> found = FindOneNamed(vlans.names, text, "VLANs")) {
+        return vlans.owners[*found];
+    }
+    throw UsageError("no VLAN is called \"" + text + "\"; see quilletctl vlan list");
+}
+
+std::vector<SettingOwner> FindSettingOwners(quillet::Session& session, const std::string& text,
+                                            const std::string& kind) {
+    if (!IsPattern(text) || IsObjectPath(text)) {
+        return {FindSettingOwner(session, text, kind)};
+    }
+    std::vector<SettingOwner> owners;
+    const SettingOwner::Kind wanted = KindByWord(kind);
+    if (wanted == SettingOwner::Kind::Adapter || wanted == SettingOwner::Kind::BootAgent) {
+        for (const ListedAdapter& adapter : FindAdapters(session, {text})) {
+            owners.push_back(OwnerOf(adapter, wanted));
+        }
+        return owners;
+    }
+    const Owners all = wanted == SettingOwner::Kind::Team ? TeamOwners(session) : VlanOwners(session);
+    std::vector<std::size_t> found = FindNamed(all.names, text, Match::Whole);
+    if (found.empty()) {
+        found = FindNamed(all.names, text, Match::Pattern);
+    }
+    for (const std::size_t i : found) {
+        owners.push_back(all.owners[i]);
+    }
+    return owners.empty() ? std::vector{FindSettingOwner(session, text, kind)} : owners;
 }
 
 std::vector<quillet::Setting> ReadSettings(quillet::Session& session, const SettingOwner& owner) {

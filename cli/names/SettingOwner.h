@@ -32,6 +32,10 @@ const std::string& WordFor(const SettingOwner& owner);
 /// NamesOf(). Throws UsageError, Refusal.
 SettingOwner FindSettingOwner(quillet::Session& session, const std::string& text, const std::string& kind);
 
+/// The same, but a pattern names several.
+std::vector<SettingOwner> FindSettingOwners(quillet::Session& session, const std::string& text,
+                                            const std::string& kind);
+
 /// All settings of an owner. Throws Refusal.
 std::vector<quillet::Setting> ReadSettings(quillet::Session& session, const SettingOwner& owner);
 /// Those of an adapter's virtual machine queues. Throws Refusal.

@@ -73,6 +73,10 @@ void SecretInput::ReadLine(const std::string& asked, std::wstring& secret) const
     line.MoveTo(secret);
 }
 
+quillet::Secret SecretInput::Read(const Invocation& run, const std::string& asked, Blank blank) const {
+    return run.IsDryRun() && !m_descriptor ? quillet::Secret(L"***") : Read(asked, blank);
+}
+
 quillet::Secret SecretInput::Read(const std::string& asked, Blank blank) const {
     struct Overwritten {
         ~Overwritten() { SecureZeroMemory(text.data(), text.size() * sizeof(wchar_t)); }

@@ -2,6 +2,7 @@
 // typed. Never the command line, which every user of a machine can read.
 #pragma once
 
+#include "app/Invocation.h"
 #include "app/Syntax.h"
 
 #include <quillet/client/Secret.h>
@@ -54,6 +55,9 @@ class SecretInput {
     /// never set) and where it is no text.
     /// @param asked what the prompt asks for
     quillet::Secret Read(const std::string& asked, Blank blank = Blank::Refused) const;
+    /// The same for a change. A dry run of it asks nobody: it yields a text that only shows that there would
+    /// be one.
+    quillet::Secret Read(const Invocation& run, const std::string& asked, Blank blank = Blank::Refused) const;
 
   private:
     void ReadLine(const std::string& asked, std::wstring& secret) const;

@@ -35,4 +35,16 @@ std::string TextOf(const Field& field) {
     return field.text.empty() ? TextOf(field.value) : field.text;
 }
 
+std::string WithValues(const std::string& asked, const std::vector<Field>& fields) {
+    std::string text = asked;
+    const char* separator = ": ";
+    for (const Field& field : fields) {
+        if (!field.value.is_null()) {
+            text += separator + field.label + " = " + TextOf(field);
+            separator = ", ";
+        }
+    }
+    return text;
+}
+
 } // namespace quilletctl

@@ -27,4 +27,7 @@ std::string TextOf(const Json& value);
 /// The value of a field as people read it.
 std::string TextOf(const Field& field);
 
+/// What is asked for with its values: "set the keys of A: Encryption = on". Null values are left out.
+std::string WithValues(const std::string& asked, const std::vector<Field>& fields);
+
 } // namespace quilletctl

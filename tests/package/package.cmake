@@ -38,7 +38,8 @@ file(REMOVE_RECURSE ${WORK_DIR})
 set(installed ${WORK_DIR}/installed)
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${installed})
 
-foreach(file IN ITEMS share/man/man1/quilletctl.1 share/bash-completion/completions/quilletctl)
+foreach(file IN ITEMS share/man/man1/quilletctl.1 share/bash-completion/completions/quilletctl
+    share/zsh/site-functions/_quilletctl share/fish/vendor_completions.d/quilletctl.fish)
   if(NOT EXISTS ${installed}/${file})
     message(FATAL_ERROR "${file} was not installed")
   endif()

@@ -97,7 +97,7 @@ class IdentifyAdapter final : public AdapterCommand {
   private:
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         quillet::Session& session = run.Session();
-        run.HoldInterrupts();
+        run.BeginChanges({"let " + adapter.Called() + " blink for " + Duration()});
         Attempt("identify " + adapter.Called(),
                 [&] { session.Identify(adapter.id, std::chrono::seconds(m_seconds)); });
         // Only who stands before the rack sees whether it does.
@@ -108,10 +108,14 @@ class IdentifyAdapter final : public AdapterCommand {
             taken.AddTo(answer);
             run.Print(answer);
         } else {
-            run.Out() << Printable(adapter.Called()) << " was asked to blink for " << m_seconds
-                      << (m_seconds == 1 ? " second" : " seconds") << "; it does not tell whether it does\n";
+            run.Out() << Printable(adapter.Called()) << " was asked to blink for " << Duration()
+                      << "; it does not tell whether it does\n";
         }
         return ExitStatus::Done;
+    }
+
+    std::string Duration() const {
+        return std::to_string(m_seconds) + (m_seconds == 1 ? " second" : " seconds");
     }
 
     std::uint32_t m_seconds = 10;

@@ -55,13 +55,14 @@ class ReadBootAgent final : public BootCommand {
     }
 
   private:
-    ExitStatus RunForAgent(const ListedAdapter&, const quillet::BootAgent& agent, Invocation& run) override {
+    ExitStatus RunForAgent(const ListedAdapter& adapter, const quillet::BootAgent& agent,
+                           Invocation& run) override {
         if (!run.MayReplace(m_file)) {
             return ExitStatus::Done;
         }
         const std::vector<std::byte> flash =
             Attempt("read the flash memory", [&] { return run.Session().ReadFlash(agent.id); });
-        run.HoldInterrupts();
+        run.BeginChanges({"write what the flash memory of " + adapter.Called() + " holds to " + m_file});
         ReplaceFile(m_file, {reinterpret_cast<const char*>(flash.data()), flash.size()});
         if (run.WantsJson()) {
             run.Print(Json{{"file", m_file}, {"bytes", flash.size()}});

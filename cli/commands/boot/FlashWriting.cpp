@@ -32,7 +32,8 @@ class WriteBootAgent final : public ChosenImagesCommand {
             run.Out() << "nothing was written\n";
             return ExitStatus::Done;
         }
-        ClientSet changes(run);
+        ClientSet changes(run,
+                          {"write " + ImageNames(types) + " into the flash memory of " + adapter.Called()});
         // Nothing stops it from here on, for what is half written may not start any more.
         run.Screen().err
             << "About to program the flash memory of " << Printable(adapter.Called())

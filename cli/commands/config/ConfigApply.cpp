@@ -61,6 +61,9 @@ class ApplyConfig final : public Command {
         if (!plan.problems.empty()) {
             return EndUnchanged(run, plan);
         }
+        if (run.IsDryRun()) {
+            Begin(run, plan);
+        }
         if (!run.WantsJson()) {
             PrintLines(run, "warning", plan.warnings);
             PrintLines(run, "cannot be undone", plan.losses);
@@ -78,6 +81,18 @@ class ApplyConfig final : public Command {
     }
 
   private:
+    static void Begin(Invocation& run, const Plan& plan) {
+        std::vector<std::string> steps;
+        for (const quillet::state::Step& step : plan.steps) {
+            steps.push_back(step.words);
+        }
+        std::vector<std::string> remarks = plan.warnings;
+        for (const std::string& loss : plan.losses) {
+            remarks.push_back("cannot be undone: " + loss);
+        }
+        run.BeginChanges(steps, remarks);
+    }
+
     static ExitStatus EndUnchanged(Invocation& run, const Plan& plan) {
         if (run.WantsJson()) {
             run.Print(AsJson(plan));
@@ -104,7 +119,7 @@ class ApplyConfig final : public Command {
             };
         }
         quillet::Session& session = run.Session();
-        run.HoldInterrupts();
+        Begin(run, plan);
         return Attempt("read what the machine is like before",
                        [&] { return quillet::state::Apply(session, document, plan, options); });
     }

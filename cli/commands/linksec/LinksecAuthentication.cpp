@@ -42,7 +42,7 @@ class SetAuthentication final : public AdapterCommand {
         // A password that is not sent stays; there is no need to send it around.
         wanted.password.Clear();
         if (m_askPassword || m_secrets.IsNamed()) {
-            wanted.password = m_secrets.Read("Password");
+            wanted.password = m_secrets.Read(run, "Password");
         }
         Take(m_outer, wanted.methods.outer);
         Take(m_inner, wanted.methods.inner);
@@ -56,6 +56,7 @@ class SetAuthentication final : public AdapterCommand {
         Take(m_randomMac, wanted.methods.randomMac);
         return ChangeInSet(
             run, "set the authentication of " + adapter.Called(), "authentication set",
+            Named(FieldsOf(wanted)),
             [&](quillet::Session& session) {
                 session.SetAuthentication(adapter.id, wanted, m_reload.Chosen());
             },
@@ -74,6 +75,7 @@ class SetAuthentication final : public AdapterCommand {
         const std::map<std::string, bool> named{{"outerEap", m_outer.has_value()},
                                                 {"innerEap", m_inner.value_or(0) != 0},
                                                 {"userName", m_user.has_value()},
+                                                {"password", m_askPassword || m_secrets.IsNamed()},
                                                 {"machineCredentials", !m_machine.empty()},
                                                 {"windowsCredentials", m_windows.has_value()},
                                                 {"autoPac", !m_autoPac.empty()},

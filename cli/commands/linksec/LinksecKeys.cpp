@@ -36,10 +36,10 @@ class SetKeys final : public AdapterCommand {
     ExitStatus RunFor(const ListedAdapter& adapter, Invocation& run) override {
         quillet::ManualKeys wanted = ReadKeys(run.Session(), adapter);
         if (m_keys != "rx" && m_keys != "none") {
-            Ask("Key for outgoing frames", wanted.outgoing.key);
+            Ask(run, "Key for outgoing frames", wanted.outgoing.key);
         }
         if (m_keys != "tx" && m_keys != "none") {
-            Ask("Key for incoming frames", wanted.incoming.key);
+            Ask(run, "Key for incoming frames", wanted.incoming.key);
         }
         Take(m_txNumber1, wanted.outgoing.firstNumber);
         Take(m_txNumber2, wanted.outgoing.secondNumber);
@@ -50,7 +50,7 @@ class SetKeys final : public AdapterCommand {
         Take(m_rxSci, wanted.incoming.channelId);
         Take(m_encryption, wanted.encryption);
         return ChangeInSet(
-            run, "set the keys of " + adapter.Called(), "keys set",
+            run, "set the keys of " + adapter.Called(), "keys set", FieldsOf(wanted),
             [&](quillet::Session& session) { session.SetManualKeys(adapter.id, wanted, m_reload.Chosen()); },
             [&](quillet::Session& session, Verification& taken) {
                 const quillet::ManualKeys now = ReadKeys(session, adapter);
@@ -61,8 +61,8 @@ class SetKeys final : public AdapterCommand {
             });
     }
 
-    void Ask(const char* asked, quillet::Secret& key) const {
-        quillet::Secret given = m_secrets.Read(asked, Blank::KeepsAtPrompt);
+    void Ask(const Invocation& run, const char* asked, quillet::Secret& key) const {
+        quillet::Secret given = m_secrets.Read(run, asked, Blank::KeepsAtPrompt);
         if (!given.IsEmpty()) {
             key = std::move(given);
         }

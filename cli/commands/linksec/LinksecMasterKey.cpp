@@ -39,13 +39,14 @@ class MasterKey final : public AdapterCommand {
             return Show(adapter, wanted, run);
         }
         if (IsNew()) {
-            wanted.key = m_secrets.Read("Pairwise master key");
+            wanted.key = m_secrets.Read(run, "Pairwise master key");
         } else if (m_remove) {
             wanted.key.Clear();
         }
         Take(m_randomMac, wanted.randomMac);
         return ChangeInSet(
             run, "set the pairwise master key of " + adapter.Called(), "pairwise master key set",
+            FieldsOf(wanted),
             [&](quillet::Session& session) { session.SetMasterKey(adapter.id, wanted, m_reload.Chosen()); },
             [&](quillet::Session& session, Verification& taken) {
                 const quillet::MasterKey now = ReadMasterKey(session, adapter);

@@ -46,12 +46,12 @@ class ImportPac final : public AdapterCommand {
             throw UsageError("--no-password: not together with --secret-fd");
         }
         if (!m_noPassword) {
-            file.password = m_secrets.Read("Password of the file");
+            file.password = m_secrets.Read(run, "Password of the file");
         }
         const std::string name = m_file.substr(m_file.find_last_of("/\\") + 1);
         const Pac before = LookForPac(run.Session(), adapter, name);
         return ChangeInSet(
-            run, "import " + m_file + " into " + adapter.Called(), "PAC file imported",
+            run, "import " + m_file + " into " + adapter.Called(), "PAC file imported", {},
             [&](quillet::Session& session) { session.ImportPac(adapter.id, file, m_reload.Chosen()); },
             [&](quillet::Session& session, Verification& taken) {
                 const Pac now = LookForPac(session, adapter, name);
@@ -114,7 +114,7 @@ class DeletePac final : public PacCommand {
         }
         const Pac before = LookForPac(run.Session(), adapter, m_file);
         return ChangeInSet(
-            run, "delete " + m_file + " from " + adapter.Called(), "PAC file deleted",
+            run, "delete " + m_file + " from " + adapter.Called(), "PAC file deleted", {},
             [&](quillet::Session& session) { session.DeletePac(adapter.id, ToWide(m_file)); },
             [&](quillet::Session& session, Verification& taken) {
                 const Pac now = LookForPac(session, adapter, m_file);

@@ -40,7 +40,7 @@ class WriteReport final : public Command {
             return ExitStatus::Done;
         }
         const MachineFacts facts = Read(run, isDrawing ? Detail::Drawing : Detail::All);
-        run.HoldInterrupts();
+        run.BeginChanges({"write the report to " + m_file});
         ReplaceFile(m_file, isDrawing
                                 ? DrawMachine(facts)
                                 : PageOf(facts, "Made by quilletctl " QUILLETCTL_VERSION ", " +

@@ -8,6 +8,7 @@
 #include "texts/Number.h"
 #include "texts/Text.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace quilletctl {
@@ -109,7 +110,53 @@ struct Taker {
     }
 };
 
+bool IsAmong(const std::vector<quillet::Choice>& choices, std::int32_t value) {
+    return std::any_of(choices.begin(), choices.end(), [value](const quillet::Choice& each) {
+        return NumberIn(ToUtf8(each.value)) == value;
+    });
+}
+
+/// Takes the default over as the value; false where it is none that there can be.
+struct DefaultTaker {
+    bool operator()(quillet::NumberValue& value) const {
+        value.current = value.standard;
+        return value.standard >= value.minimum && value.standard <= value.maximum;
+    }
+    bool operator()(quillet::SliderValue& value) const {
+        value.current = value.standard;
+        return std::find(value.possible.begin(), value.possible.end(), value.standard) !=
+               value.possible.end();
+    }
+    bool operator()(quillet::ChoiceValue& value) const {
+        value.current = value.standard;
+        return IsAmong(value.choices, value.standard);
+    }
+    bool operator()(quillet::SelectionValue& value) const {
+        value.current = value.standard;
+        return true;
+    }
+    bool operator()(quillet::TextValue& value) const {
+        value.current = value.standard;
+        return true;
+    }
+    bool operator()(quillet::TextListValue& value) const {
+        value.current.clear();
+        for (const std::string& piece : Pieces(ToUtf8(value.standard), ',')) {
+            value.current.push_back(ToWide(piece));
+        }
+        if (value.standard.empty()) {
+            value.current.clear();
+        }
+        return true;
+    }
+};
+
 } // namespace
+
+std::optional<quillet::Setting> WithDefault(const quillet::Setting& setting) {
+    quillet::Setting changed = setting;
+    return std::visit(DefaultTaker(), changed.value) ? std::optional(changed) : std::nullopt;
+}
 
 quillet::Setting WithValue(const quillet::Setting& setting, const std::string& text) {
     quillet::Setting changed = setting;

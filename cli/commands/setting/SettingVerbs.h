@@ -5,7 +5,7 @@
 
 namespace quilletctl {
 
-/// "set".
+/// "set" and "reset".
 void AddSettingSet(CommandTree::Noun& setting);
 
 } // namespace quilletctl

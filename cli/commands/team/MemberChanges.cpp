@@ -1,6 +1,7 @@
 // quilletctl team add, remove: the members of a team.
 #include "app/Command.h"
 #include "changes/ClientSet.h"
+#include "changes/Wait.h"
 #include "commands/team/TeamChange.h"
 #include "commands/team/TeamChecks.h"
 #include "commands/team/TeamMembers.h"
@@ -31,6 +32,7 @@ class ChangeMembers : public Command {
         syntax.Argument("team", m_team, "The team: its name, object ID or object path");
         syntax.Arguments("adapter", m_adapters, 1, 64,
                          "The adapters, by name, object ID, object path or pattern");
+        m_wait.Declare(syntax);
     }
 
     ExitStatus Run(Invocation& run) final {
@@ -47,10 +49,16 @@ class ChangeMembers : public Command {
         if (!MayChange(run, team, changing)) {
             return ExitStatus::Done;
         }
+        const std::vector<Watched> up = m_wait.Up(session, {StatusOf(team.id, "the team " + Called(team))});
         // One by one, so that it is known which ones were changed.
+        std::vector<std::string> asked;
+        for (const ListedAdapter& adapter : changing) {
+            asked.push_back(Asked(team, adapter));
+        }
         const ChangesInTurn changes =
-            ChangeInTurn(run, changing.size(), [&](std::size_t i) { Change(session, team, changing[i]); });
+            ChangeInTurn(run, asked, [&](std::size_t i) { Change(session, team, changing[i]); });
         changes.Settle(run);
+        m_wait.Until(run, up);
         return Answer(run, team, changing, changes, current);
     }
 
@@ -62,6 +70,8 @@ class ChangeMembers : public Command {
     virtual bool Offers(const Members&, const quillet::AdapterId&) const { return true; }
     /// Whether the person agrees, where that is asked.
     virtual bool MayChange(Invocation&, const quillet::Team&, const Adapters&) const { return true; }
+    /// What is done with an adapter; completes "could not …".
+    virtual std::string Asked(const quillet::Team& team, const ListedAdapter& adapter) const = 0;
     virtual void Change(quillet::Session& session, const quillet::Team& team,
                         const ListedAdapter& adapter) const = 0;
     /// The members that there are to be when these adapters were changed.
@@ -99,6 +109,7 @@ class ChangeMembers : public Command {
 
     std::string m_team;
     std::vector<std::string> m_adapters;
+    WaitOption m_wait;
 };
 
 class AddMembers final : public ChangeMembers {
@@ -114,10 +125,12 @@ class AddMembers final : public ChangeMembers {
         }
         return added;
     }
+    std::string Asked(const quillet::Team& team, const ListedAdapter& adapter) const override {
+        return "add " + adapter.Called() + " to " + Called(team);
+    }
     void Change(quillet::Session& session, const quillet::Team& team,
                 const ListedAdapter& adapter) const override {
-        Attempt("add " + adapter.Called() + " to " + Called(team),
-                [&] { session.AddMember(team.id, adapter.id); });
+        session.AddMember(team.id, adapter.id);
     }
     std::vector<quillet::AdapterId> MembersAfter(const Members& before,
                                                  std::vector<quillet::AdapterId> changed) const override {
@@ -147,10 +160,12 @@ class RemoveMembers final : public ChangeMembers {
                                  (removed.size() == 1 ? " adapter" : " adapters") + " out of " +
                                  Called(team) + "?");
     }
+    std::string Asked(const quillet::Team& team, const ListedAdapter& adapter) const override {
+        return "take " + adapter.Called() + " out of " + Called(team);
+    }
     void Change(quillet::Session& session, const quillet::Team& team,
                 const ListedAdapter& adapter) const override {
-        Attempt("take " + adapter.Called() + " out of " + Called(team),
-                [&] { session.RemoveMember(team.id, adapter.id); });
+        session.RemoveMember(team.id, adapter.id);
     }
     std::vector<quillet::AdapterId> MembersAfter(const Members& before,
                                                  std::vector<quillet::AdapterId> changed) const override {

@@ -1,6 +1,7 @@
 // quilletctl team create: checking and making a team.
 #include "app/Command.h"
 #include "changes/ClientSet.h"
+#include "changes/Wait.h"
 #include "commands/team/TeamChange.h"
 #include "commands/team/TeamChecks.h"
 #include "commands/team/TeamMembers.h"
@@ -31,12 +32,14 @@ class CreateTeam final : public Command {
         syntax.Flag("--mfo", m_mfo, "Allow adapters of other makers");
         syntax.Flag("--link-security", m_linkSecurity, "Secure the team's link");
         syntax.Flag("--force", m_force, "Make it whatever the checks find");
+        m_wait.Declare(syntax);
     }
 
     ExitStatus Run(Invocation& run) override {
         quillet::Session& session = run.Session();
         quillet::NewTeam wanted;
-        wanted.members = IdsOf(FindAdapters(session, m_adapters));
+        const std::vector<ListedAdapter> members = FindAdapters(session, m_adapters);
+        wanted.members = IdsOf(members);
         wanted.mode = TeamModeFrom(m_mode.value_or("1"));
         wanted.name = Name(session);
         wanted.profile = static_cast<quillet::Profile>(m_profile);
@@ -49,7 +52,7 @@ class CreateTeam final : public Command {
             }
         }
         const std::string asked = "create the team " + ToUtf8(wanted.name);
-        ClientSet set(run);
+        ClientSet set(run, {asked + " of " + NamesIn(members) + " in the mode " + InWords(wanted.mode)});
         const quillet::Team team = Attempt(asked, [&] {
             try {
                 return session.CreateTeam(wanted);
@@ -62,6 +65,7 @@ class CreateTeam final : public Command {
             }
         });
         const std::optional<bool> restartNeeded = set.Close();
+        m_wait.Until(run, {StatusOf(team.id, "the team " + ToUtf8(wanted.name))});
         const Verification taken = Verification::By([&](Verification& compare) {
             const quillet::Team now = ReadTeam(session, team);
             compare.Compare(FieldsOf(team), FieldsOf(now));
@@ -86,6 +90,14 @@ class CreateTeam final : public Command {
         return prefix + ToWide(m_name);
     }
 
+    static std::string NamesIn(const std::vector<ListedAdapter>& members) {
+        std::string names;
+        for (const ListedAdapter& member : members) {
+            names += (names.empty() ? "" : ", ") + member.Called();
+        }
+        return names;
+    }
+
     /// The library's own check, and then the provider's.
     static TeamProblems Check(quillet::Session& session, const quillet::NewTeam& team) {
         TeamProblems problems;
@@ -107,6 +119,7 @@ class CreateTeam final : public Command {
     bool m_mfo = false;
     bool m_linkSecurity = false;
     bool m_force = false;
+    WaitOption m_wait;
 };
 
 } // namespace

@@ -1,5 +1,6 @@
 // quilletctl team modify, delete: the name and the mode of a team, and its end.
 #include "changes/ClientSet.h"
+#include "changes/Wait.h"
 #include "commands/team/TeamChange.h"
 #include "commands/team/TeamChecks.h"
 #include "commands/team/TeamCommand.h"
@@ -23,6 +24,7 @@ class ModifyTeam final : public TeamCommand {
         TeamCommand::Declare(syntax);
         syntax.Text("--name", m_newName, "NAME", "The team's new name");
         syntax.Text("--mode", m_mode, "MODE", "The team's new mode, by number or name", TeamModeNumbers());
+        m_wait.Declare(syntax);
     }
 
   private:
@@ -47,9 +49,11 @@ class ModifyTeam final : public TeamCommand {
             return problems.Report(run);
         }
         const std::string asked = "change " + Called(team);
-        ClientSet set(run);
+        const std::vector<Watched> up = m_wait.Up(session, {StatusOf(team.id, "the team " + Called(team))});
+        ClientSet set(run, Steps(team, changed));
         Attempt(asked, [&] { session.ModifyTeam(team.id, changed.name, changed.mode); });
         const std::optional<bool> restartNeeded = set.Close();
+        m_wait.Until(run, up);
         const Verification taken = Verification::By([&](Verification& compare) {
             const quillet::Team now = ReadTeam(session, team);
             compare.Compare(FieldsOf(changed), FieldsOf(now));
@@ -59,8 +63,20 @@ class ModifyTeam final : public TeamCommand {
         return EndTeamChange(run, changed, asked, "changed " + Called(team), restartNeeded, taken);
     }
 
+    static std::vector<std::string> Steps(const quillet::Team& team, const quillet::Team& changed) {
+        std::vector<std::string> steps;
+        if (changed.name != team.name) {
+            steps.push_back("rename " + Called(team) + " to " + Called(changed));
+        }
+        if (changed.mode != team.mode) {
+            steps.push_back("change the mode of " + Called(team) + " to " + InWords(changed.mode));
+        }
+        return steps;
+    }
+
     std::optional<std::string> m_newName;
     std::optional<std::string> m_mode;
+    WaitOption m_wait;
 };
 
 class DeleteTeam final : public TeamCommand {
@@ -70,7 +86,7 @@ class DeleteTeam final : public TeamCommand {
         }
         quillet::Session& session = run.Session();
         const std::string asked = "delete " + Called(team);
-        ClientSet set(run);
+        ClientSet set(run, {asked + " and its VLANs"});
         Attempt(asked, [&] { session.RemoveTeam(team.id); });
         const std::optional<bool> restartNeeded = set.Close();
         const Verification taken = Verification::By([&](Verification& compare) {

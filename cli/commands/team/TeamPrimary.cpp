@@ -38,7 +38,7 @@ class MakePrimary final : public Command {
                                 : m_secondary ? MemberRole::Secondary
                                               : MemberRole::Primary;
         const std::string asked = "change the role of " + adapter.Called();
-        ClientSet set(run);
+        ClientSet set(run, {asked + " to " + InWords(role)});
         try {
             session.SetRole(adapter.id, role);
         } catch (const quillet::Error& failure) {

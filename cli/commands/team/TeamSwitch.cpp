@@ -35,7 +35,7 @@ class TestSwitch final : public TeamCommand {
             throw UsageError(Called(team) + ": " + InWords(team.mode) +
                              " asks nothing of the switch, so there is nothing to test");
         }
-        run.HoldInterrupts();
+        run.BeginChanges({"test the switch of " + Called(team)});
         const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(m_seconds);
         SwitchTest test = Send(session, team, SwitchCommand::Start);
         while (test.status == SwitchTestStatus::Running) {

@@ -93,10 +93,13 @@ class AddVlans final : public NewVlans {
             return EndUnchanged(run, parent, findings);
         }
         std::vector<quillet::Vlan> made;
-        ChangesInTurn adding = ChangeInTurn(run, wanted.size(), [&](std::size_t i) {
-            made.push_back(Attempt("add " + Called(wanted[i]) + " to " + parent.name,
-                                   [&] { return run.Session().AddVlan(parent.id, wanted[i]); }));
-        });
+        std::vector<std::string> asked;
+        asked.reserve(wanted.size());
+        for (const quillet::NewVlan& vlan : wanted) {
+            asked.push_back("add " + Called(vlan) + " to " + parent.name);
+        }
+        ChangesInTurn adding = ChangeInTurn(
+            run, asked, [&](std::size_t i) { made.push_back(run.Session().AddVlan(parent.id, wanted[i])); });
         if (adding.refusal) {
             if (const auto there = Look(run, parent, wanted[adding.done].id)) {
                 made.push_back(*there);

@@ -64,7 +64,7 @@ class ModifyVlan final : public ExistingVlan {
             return EndUnchanged(run, parent, findings);
         }
         const std::string asked = "change " + Called(vlan) + " of " + parent.name;
-        ClientSet set(run);
+        ClientSet set(run, {asked + " to " + Called(wanted)});
         Attempt(asked, [&] { session.ModifyVlan(vlan.id, wanted); });
         const std::optional<bool> restartNeeded = set.Close();
         // As it is now, for the provider may have taken it differently.
@@ -103,7 +103,7 @@ class RemoveVlan final : public ExistingVlan {
         }
         quillet::Session& session = run.Session();
         const std::string asked = "remove " + Called(vlan) + " from " + parent.name;
-        ClientSet set(run);
+        ClientSet set(run, {asked});
         Attempt(asked, [&] { session.RemoveVlan(vlan.id); });
         const std::optional<bool> restartNeeded = set.Close();
         const Verification taken = Verification::By([&](Verification& compare) {

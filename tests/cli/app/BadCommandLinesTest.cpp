@@ -88,8 +88,8 @@ constexpr const char* kOnboard = "Zorel Fast Ethernet Adapter";
 constexpr const char* kSecure = "Zorel Quad Port Gigabit Server Adapter";
 constexpr const char* kTeam = "TEAM : Zürich";
 constexpr const char* kNouns = "adapter, setting, profile, power, wol, team, linksec, vlan, diag, boot, "
-                               "iscsi, warnings, machine, report, monitor, "
-                               "trace, transaction, version, help";
+                               "iscsi, config, warnings, machine, report, monitor, "
+                               "trace, transaction, completion, version, help";
 constexpr const char* kNotRepeated = " takes no such word or option; it is not repeated here, for it may be "
                                      "a secret: secrets are typed at a prompt "
                                      "or read with --secret-fd, never given on the command line";
@@ -119,7 +119,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{{"team", "create", "T"},
                 "words are missing; usage: quilletctl team create NAME ADAPTER... [OPTION...]"},
         BadLine{{"setting", "set", "*JumboPacket"},
-                "words are missing; usage: quilletctl setting set [OWNER] SETTING VALUE [OPTION...]"},
+                "an owner (or --all-adapters), a setting and a value are needed"},
         BadLine{{"diag", "run", kFree},
                 "words are missing; usage: quilletctl diag run ADAPTER TEST [OPTION...]"},
         BadLine{{"iscsi", "set", kFree}, "words are missing; usage: quilletctl iscsi set ADAPTER PLACE"}));

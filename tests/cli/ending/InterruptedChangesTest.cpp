@@ -88,6 +88,23 @@ TEST_P(ManyVlansTest, StopBetweenTwo) {
 
 INSTANTIATE_TEST_SUITE_P(Signals, ManyVlansTest, testing::Values(SIGINT, SIGTERM, SIGHUP));
 
+TEST_F(InterruptedTest, WaitingAfterAChange_EndsAtOnce) {
+    // The link is up before the change, and cannot be read afterwards.
+    WriteFile(
+        InFolder("down.mof"),
+        ReadFile(QUILLET_SOURCE_DIR "/simulator/machines/builtin.mof") +
+            "instance of QuilletSimulator_Fault { Id = 1; Operation = \"Get\"; Target = \"HardwareStatus\"; "
+            "Effect = \"NullValue\"; Nth = 2; Repeat = TRUE; };\n");
+    RunningProgram program(Folder(), {"--simulate", Utf8(InFolder("down.mof")), "--state", State(), "setting",
+                                      "set", kFree, "*SpeedDuplex=0", "--wait", "600"});
+    program.WaitForTrace("Entering CQuillet::GetAdapterDynamicInfo", 3);
+    program.Signal(SIGINT);
+    const Outcome outcome = program.Finish();
+    EXPECT_EQ(outcome.status, 130);
+    EXPECT_THAT(outcome.out, HasSubstr(": *SpeedDuplex: set to "));
+    EXPECT_EQ(Ask({"setting", "get", kFree, "*SpeedDuplex"}).at("setting").at("current"), 0);
+}
+
 TEST_F(InterruptedTest, SettingOfAllAdapters_StopsBetweenTwo) {
     RunningProgram program(Folder(),
                            Slow({"setting", "set", "--all-adapters", "*JumboPacket", "9014", "--json"},

@@ -2,12 +2,13 @@
 """Holds what every command of quilletctl answers with --json against its JSON Schema in docs/json.
 
 Each schema is strict: every answer is also tried with a key too many and with a key too few, everywhere, and must be
-refused then. Usage: json_schemas_test.py PROGRAM SCHEMAS MACHINE MAKE_FLASH_IMAGE (needs Debian's python3-jsonschema)
+refused then. Each line is also tried with --dry-run, which must tell what it would do and do nothing. Usage: json_schemas_test.py PROGRAM SCHEMAS MACHINE MAKE_FLASH_IMAGE (needs Debian's python3-jsonschema)
 """
 import copy
 import json
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -51,8 +52,13 @@ LINES = [
     (["setting", "set", FREE, "*JumboPacket", "9014"],), (["setting", "set", FREE, "*JumboPacket", "9014"],),
     (["setting", "set", FREE, "DriverDate", "2012-01-01"], 3), (["setting", "set", FREE, "*TransmitBuffers", "7"], 1),
     (["setting", "set", "--all-adapters", "*JumboPacket", "4088"],),
+    (["setting", "set", FREE, "*JumboPacket=9014", "*FlowControl=0"],), (["setting", "set", "*", "*TransmitBuffers=7"], 1),
+    (["setting", "set", FREE, "*JumboPacket=1514", "DriverDate=2012"], 3),
+    (["setting", "reset", FREE, "*FlowControl"],), (["setting", "reset", FREE, "DriverDate"], 3), (["setting", "reset", "*"],),
+    (["setting", "reset", "*"],), (["profile", "set", FREE, "5"],), (["profile", "set", "*", "2"],),
     (["profile", "list"],), (["power", "show", FREE],), (["power", "set", FREE, "--mode", "1"],),
-    (["power", "reapply", FREE],), (["wol", "show", FREE],), (["wol", "set", FREE, "--magic-packet", "on"],),
+    (["power", "reapply", FREE],), (["power", "reapply", "*"], 1), (["power", "set", "*", "--smart-power-down", "off"],),
+    (["wol", "set", "*", "--magic-packet", "off"],), (["wol", "show", FREE],), (["wol", "set", FREE, "--magic-packet", "on"],),
     (["vlan", "list"],), (["vlan", "check", TEAM, "12", "VoIP"], 3), (["vlan", "check", TEAM, "100", "Lab"],),
     (["vlan", "add", TEAM, "12", "VoIP"], 3), (["vlan", "add", TEAM, "100", "Lab", "--through", "101"],),
     (["vlan", "modify", TEAM, "100", "--name", "Labor"],), (["vlan", "modify", TEAM, "101", "--id", "100"], 3),
@@ -76,7 +82,8 @@ LINES = [
     (["config", "validate", "none.json"], 3), (["config", "diff", "fits.json"], 3), (["config", "apply", "none.json"], 3),
     (["config", "apply", "fits.json"],), (["config", "show", "--like", "fits.json"],), (["config", "diff", "fits.json"],),
     (["config", "apply", "fits.json"], 1, "faulty.mof"),
-    (["warnings"],), (["trace"],), (["transaction", "try"],), (["version"],), (["help"],), (["help", "vlan", "add"],),
+    (["warnings"],), (["trace"],), (["transaction", "try"],), (["version"],), (["completion", "zsh"],),
+    (["help"],), (["help", "vlan", "add"],),
     (["adapter", "show", "nobody"], 2), (["adapter", "shew"], 2), (["linksec", "stats", FREE], 1),
     (["vlan", "add", TEAM, "200", "Lab", "--through", "202"], 1, "faulty.mof"),
     (["team", "add", TEAM, PORT, OTHER_PORT], 1, "faulty.mof"),
@@ -92,6 +99,18 @@ DOCUMENTS = {
 LOOSE = {"config-show", "config-schema"}
 # What these read from a descriptor.
 SECRETS = {"set-keys": "one\ntwo\n", "set-auth": "one\n", "import-pac": "secret\n"}
+# What a provider is asked without anything being changed. Every other method counts as a change.
+ASKING = re.compile(r"Get\w+|Validate\w+|Verify\w+|Read\w+|Is\w+")
+
+
+def changing_calls(journal):
+    """The calls of a journal that open a client set or change something."""
+    calls = []
+    for call in journal.splitlines():
+        method = re.search(r"^  ExecMethod .*, (\w+)\(", call)
+        if method and not ASKING.fullmatch(method[1]) or call.startswith(("  PutInstance", "  DeleteInstance")):
+            calls.append(call)
+    return calls
 
 
 def objects_in(document, path=(), most=None):
@@ -122,21 +141,34 @@ class Schemas(unittest.TestCase):
             (folder / name).write_text(json.dumps(document), encoding="utf-8")
         subprocess.run([MAKE_FLASH_IMAGE, folder / "new.img", "PXE:1.4.0", "iSCSI:2.1.7:1:3"], check=True,
                        capture_output=True)
-        environment = {**os.environ, "Temp": cls.folder.name}
-        cls.answers = []
+        cls.answers, cls.dry_runs = [], []
         for line, *more in LINES:
             status, machine = (*more, 0)[0], ["--simulate", more[1]] if more[1:] else ["--state", "lab.mof"]
-            words, descriptors = [PROGRAM, *machine, "--json", *line], ()
-            secret = SECRETS.get(line[1]) if len(line) > 1 else None
-            if secret:
-                reading, writing = os.pipe()
-                os.write(writing, secret.encode())
-                os.close(writing)
-                words, descriptors = [*words, "--secret-fd", str(reading)], (reading,)
-            run = subprocess.run(words, cwd=folder, env=environment, capture_output=True, pass_fds=descriptors, check=False)
-            for descriptor in descriptors:
-                os.close(descriptor)
+            before = cls.files_in(folder)
+            dry = cls.run_line(folder, [*machine, "--journal", "--dry-run", *line])
+            changed = cls.files_in(folder) != before
+            run = cls.run_line(folder, [*machine, "--journal", *line])
             cls.answers.append((line, status, run))
+            cls.dry_runs.append((line, dry, changed, run))
+
+    @staticmethod
+    def files_in(folder):
+        return {file.name: file.read_bytes() for file in folder.iterdir() if file.suffix in (".mof", ".bin", ".img")}
+
+    @staticmethod
+    def run_line(folder, line):
+        words, descriptors = [PROGRAM, "--json", *line], ()
+        secret = next((SECRETS[word] for word in line if word in SECRETS), None)
+        if secret:
+            reading, writing = os.pipe()
+            os.write(writing, secret.encode())
+            os.close(writing)
+            words, descriptors = [*words, "--secret-fd", str(reading)], (reading,)
+        run = subprocess.run(words, cwd=folder, env={**os.environ, "Temp": str(folder)}, capture_output=True,
+                             pass_fds=descriptors, check=False)
+        for descriptor in descriptors:
+            os.close(descriptor)
+        return run
 
     @classmethod
     def tearDownClass(cls):
@@ -151,7 +183,7 @@ class Schemas(unittest.TestCase):
 
     @staticmethod
     def schema_for(line, answer):
-        alone = ("warnings", "report", "monitor", "trace", "version", "help")
+        alone = ("warnings", "report", "monitor", "trace", "version", "completion", "help")
         return "error" if set(answer) == {"error"} else "-".join(line[:1] if line[0] in alone else line[:2])
 
     def test_every_answer_fits_and_nothing_else_does(self):
@@ -174,12 +206,30 @@ class Schemas(unittest.TestCase):
                         changed = copy.deepcopy(answer)
                         del at(changed, path)[key]
                         self.assertFalse(validator.is_valid(changed), f"without {key} at {path}")
-        self.assertEqual(used, set(self.schemas) - {"common"}, "every schema is used, and every answer has one")
+        self.assertEqual(used, set(self.schemas) - {"common", "dry-run"}, "every schema is used, and every answer has one")
+
+    def test_a_dry_run_tells_what_it_would_change_and_changes_nothing(self):
+        changing = 0
+        for line, dry, changed, run in self.dry_runs:
+            with self.subTest(line=" ".join(line)):
+                self.assertFalse(changed, "a file is another")
+                self.assertEqual(changing_calls(dry.stderr.decode()), [])
+                answer = json.loads(dry.stdout)
+                if changing_calls(run.stderr.decode()) or line[:2] == ["boot", "read"]:
+                    changing += 1
+                    self.assertEqual(dry.returncode, 0, dry.stderr.decode())
+                    self.validator("dry-run").validate(answer)
+                    self.assertTrue(answer["steps"])
+                elif "dryRun" not in answer:
+                    # A command that only tells something, or whose checks found something. Traces tell the time.
+                    self.assertEqual(dry.returncode, run.returncode)
+                    self.assertEqual(dry.stdout, run.stdout if line != ["trace"] else dry.stdout)
+        self.assertGreater(changing, 30)
 
     def test_every_command_has_a_schema(self):
         tree = next(json.loads(run.stdout) for line, _, run in self.answers if line == ["help"])
         self.assertEqual({command["name"].replace(" ", "-") for command in tree["commands"]},
-                         set(self.schemas) - {"common", "error"})
+                         set(self.schemas) - {"common", "error", "dry-run"})
 
     def test_the_schemas_are_schemas_and_strict(self):
         for name, schema in self.schemas.items():

@@ -1,6 +1,7 @@
 // quilletctl profile: the performance profiles of adapters.
 #include "app/List.h"
 #include "commands/Commands.h"
+#include "commands/setting/SettingTargets.h"
 #include "names/AdapterLookup.h"
 #include "texts/Text.h"
 
@@ -89,12 +90,37 @@ class ListProfiles final : public Command {
         {{"ADAPTER", Fit::MayShorten}, {"PROFILE"}, {"DESCRIPTION", Fit::MayShorten}, {"CURRENT"}}};
 };
 
+class SetProfile final : public Command {
+  public:
+    void Declare(Syntax& syntax) override {
+        syntax.Argument("adapter", m_adapter,
+                        "The adapter: its name, object ID or object path; a pattern names several");
+        syntax.Argument("profile", m_profile, "The profile: its number or its description");
+        m_wait.Declare(syntax);
+    }
+
+    ExitStatus Run(Invocation& run) override {
+        SettingTargets targets(run, IsPattern(m_adapter), Told::Settings);
+        for (const ListedAdapter& adapter : FindAdapters(run.Session(), {m_adapter})) {
+            targets.Add({adapter.id, adapter.path, adapter.objectId, adapter.Called()},
+                        {{"PerformanceProfile", m_profile}});
+        }
+        return targets.Change(m_wait);
+    }
+
+  private:
+    std::string m_adapter;
+    std::string m_profile;
+    WaitOption m_wait;
+};
+
 } // namespace
 
 void AddProfileCommands(CommandTree& tree) {
     tree.AddNoun("profile", "The performance profiles of adapters")
         .Query("list", "List the profiles that an adapter offers, and which it has",
-               std::make_unique<ListProfiles>());
+               std::make_unique<ListProfiles>())
+        .Verb("set", "Give an adapter another profile", std::make_unique<SetProfile>());
 }
 
 } // namespace quilletctl
