@@ -18,6 +18,8 @@ namespace quilletctl {
 
 /// Writes JSON as every command does.
 void PrintJson(const Json& json, std::ostream& out);
+/// Writes JSON in one line, for readers that take a line for a document.
+void PrintJsonLine(const Json& json, std::ostream& out);
 
 class Invocation {
   public:
@@ -34,6 +36,8 @@ class Invocation {
     std::ostream& Out() noexcept { return m_terminal.out; }
     /// Writes the command's answer for programs.
     void Print(const Json& json);
+    /// The same in one line.
+    void PrintLine(const Json& json);
     /// Whether that was done.
     bool HasAnswered() const noexcept { return m_hasAnswered; }
 

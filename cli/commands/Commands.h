@@ -17,6 +17,7 @@ void AddTeamCommands(CommandTree& tree);
 void AddLinksecCommands(CommandTree& tree);
 void AddVlanCommands(CommandTree& tree);
 void AddConfigCommands(CommandTree& tree);
+void AddDscCommands(CommandTree& tree);
 void AddWarningsCommand(CommandTree& tree);
 void AddTraceCommand(CommandTree& tree);
 void AddTransactionCommands(CommandTree& tree);

@@ -2,8 +2,8 @@
 # Nothing is run while it works: names of adapters and teams are not completed, for a machine would be asked.
 
 _quilletctl() {
-    local nouns="adapter setting profile power wol team linksec vlan diag boot iscsi config warnings trace transaction version help"
-    local names="adapter setting profile power wol team linksec vlan diag boot iscsi config warnings trace transaction version help add apply capabilities check create delete diff get identify import-pac inspect list modes modify pac-delete pac-show pmk ports primary read reapply remove run schema set set-auth set-keys show stats stop switch-test try validate verify write"
+    local nouns="adapter setting profile power wol team linksec vlan diag boot iscsi config dsc warnings trace transaction version help"
+    local names="adapter setting profile power wol team linksec vlan diag boot iscsi config dsc warnings trace transaction version help add apply capabilities check create delete diff export get identify import-pac inspect list modes modify pac-delete pac-show pmk ports primary read reapply remove run schema set set-auth set-keys show stats stop switch-test test try validate verify what-if write"
     local everywhere="--machine --port --auth --user --password-fd --credentials --ca --insecure --plain-http --simulate --state --json --journal --yes --no-color --help --version"
     local optional="--simulate"
     local repeatable="--type --type"
@@ -20,6 +20,7 @@ _quilletctl() {
         ["boot"]="show read inspect verify write"
         ["iscsi"]="list show set"
         ["config"]="show validate diff apply schema"
+        ["dsc"]="get set test what-if export schema"
         ["transaction"]="try"
     )
     # Options, whether one takes a value and of what kind, and what the value may be, by the command.
