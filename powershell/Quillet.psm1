@@ -17,7 +17,7 @@ $Commands = @{
     SettingGet     = 'setting get --of {Of} -- {Owner} {Caption}'
     SettingSet     = 'setting set --of {Of} -- {Owner} {Caption} {Value}'
     ConfigShow     = 'config show'
-    ConfigShowSome = 'config show -- {Pattern}'
+    ConfigShowSome = 'config show {Pattern}'
     ConfigValidate = 'config validate -'
     ConfigDiff     = 'config diff -'
     ConfigApply    = 'config apply - --yes'
@@ -206,7 +206,7 @@ function Get-QuilletConfig {
     Get-QuilletConfig | ConvertTo-Json -Depth 32 | Set-Content machine.json -Encoding UTF8
     #>
     [CmdletBinding()]
-    param([Parameter(Position = 0)] [string[]] $Pattern)
+    param([Parameter(Position = 0)] [ValidatePattern('^[^-]')] [string[]] $Pattern)
     if ($Pattern) { Invoke-Quillet ConfigShowSome @{ Pattern = $Pattern } } else { Invoke-Quillet ConfigShow }
 }
 

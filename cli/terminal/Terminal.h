@@ -16,8 +16,8 @@ struct Terminal {
     bool outColour = false; ///< escape sequences are understood, and wanted
     bool errColour = false;
     bool errIsForEngine = false; ///< errors are JSON objects, one a line
-    std::size_t width = 80;     ///< columns, where the output is a terminal
-    std::istream* in = nullptr; ///< where a person answers; null when nobody does
+    std::size_t width = 80;      ///< columns, where the output is a terminal
+    std::istream* in = nullptr;  ///< where a person answers; null when nobody does
 };
 
 } // namespace quilletctl

@@ -2,8 +2,8 @@
 
     fleet_test.py SOURCE_DIR QUILLETCTL SIMULATOR WORK_DIR
 
-One machine refuses a VLAN half-way through its changes, and is brought back to what it was. What the machines are afterwards is asked of quilletctl, not of
-the role, while nobody serves them: then their files have all of it.
+One machine refuses a VLAN half-way through its changes, and is brought back to what it was. What the machines are
+afterwards is asked of quilletctl, not of the role, while nobody serves them: then their files have all of it.
 """
 
 import json

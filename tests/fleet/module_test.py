@@ -230,7 +230,8 @@ class ModuleTest(OnAMachine):
         told = ["sh", "-c", 'printf "%s" "$*" >&2; exit 1', "quilletctl"]
         way = {"machine": "host", "port": 5987, "auth": "ntlm", "credentials": "/c", "ca": "/a.pem"}
         words = "--json --yes --machine=host --port=5987 --auth=ntlm --credentials=/c --ca=/a.pem config"
-        for check, rollback, verb in ((True, True, "diff -"), (False, True, "apply -"), (False, False, "apply - --no-rollback")):
+        verbs = ((True, True, "diff -"), (False, True, "apply -"), (False, False, "apply - --no-rollback"))
+        for check, rollback, verb in verbs:
             answer = self.module(check, command=told, rollback=rollback, **way)
             self.assertEqual(answer["msg"], f"quilletctl did not answer in JSON: {words} {verb}")
 

@@ -332,7 +332,9 @@ ARGUMENTS = {
             "profile": {"type": "str"},
             "power": {
                 "type": "dict",
-                "options": {"mode": {"type": "int", "choices": [0, 1, 2]}, **{name: {"type": "bool"} for name in POWER}},
+                "options": {
+                    "mode": {"type": "int", "choices": [0, 1, 2]}, **{name: {"type": "bool"} for name in POWER},
+                },
             },
             "wakeOnLan": {"type": "dict", "options": {name: {"type": "bool"} for name in WAKE_ON_LAN}},
             "iscsi": {"type": "str", "choices": ["primary", "secondary", "off"]},
