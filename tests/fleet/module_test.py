@@ -139,6 +139,15 @@ class ModuleTest(OnAMachine):
             },
         )
 
+    def test_what_is_shown_is_a_description(self):
+        make_machine(8)
+        for by in ("name", "slot", "mac"):
+            shown = json.loads(run([*ON_THE_MACHINE, "config", "show", "--by", by])[1])
+            self.assertEqual((len(shown["adapters"]), len(shown["teams"])), (8, 1))
+            answer = self.module(**shown)
+            self.assertNotIn("failed", answer)
+            self.assertFalse(answer["changed"], answer["changes"])
+
     def test_a_restart_that_the_provider_asks_for(self):
         make_machine(2, 'instance of QuilletSimulator_FollowUp { ClassName = "Zorel_VLAN"; Action = 1; };\n')
         adapter = {"name": GIGABIT, "settings": {"*JumboPacket": 9014}}
