@@ -32,6 +32,10 @@ Ending As(const Refusal& refusal) {
 void PrintError(const Terminal& terminal, const std::string& message) {
     // The two streams may end on one screen; the error belongs below what came before it.
     terminal.out.flush();
+    if (terminal.errIsForEngine) {
+        PrintJsonLine(Json{{"error", message}}, terminal.err);
+        return;
+    }
     terminal.err << (terminal.errColour ? "\x1b[1;31mquilletctl:\x1b[0m " : "quilletctl: ")
                  << Printable(message) << '\n';
 }
@@ -127,6 +131,7 @@ ExitStatus Run(const std::vector<std::string>& arguments, Terminal& terminal) {
     ChooseColours(terminal, tree.Options());
     tell(ending);
     if (command != nullptr) {
+        terminal.errIsForEngine = command->ServesEngine();
         Invocation run(tree.Options(), terminal, !command->OnlyReads() && !tree.Options().dryRun);
         ending = Guarded(terminal, [&] { return command->Run(run); });
         hasAnswered = hasAnswered || run.HasAnswered();

@@ -62,6 +62,12 @@ foreach(file IN ITEMS quillet.pc quillet-client.pc quillet-simulator.pc)
   install(FILES ${PROJECT_BINARY_DIR}/${file} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endforeach()
 
+# For users of PowerShell, in a folder that is called like the module.
+configure_file(powershell/Quillet.psd1.in powershell/Quillet.psd1 @ONLY)
+if(WIN32)
+  install(FILES powershell/Quillet.psm1 ${PROJECT_BINARY_DIR}/powershell/Quillet.psd1 DESTINATION powershell/Quillet)
+endif()
+
 set(CPACK_PACKAGE_VENDOR "Quillet")
 set(CPACK_PACKAGE_CONTACT "Quillet developers <quillet@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})

@@ -22,6 +22,8 @@ class Command {
     /// other, and whatever became of its simulated machine is forgotten.
     virtual bool OnlyReads() const noexcept { return m_isQuery; }
     void MarkAsQuery() noexcept { m_isQuery = true; }
+    /// Whether errors are told as an engine reads them: a JSON object a line.
+    virtual bool ServesEngine() const noexcept { return false; }
 
   private:
     bool m_isQuery = false;

@@ -47,6 +47,10 @@ void PrintJson(const Json& json, std::ostream& out) {
     out << json.dump(kIndent, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
+void PrintJsonLine(const Json& json, std::ostream& out) {
+    out << json.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
 void Invocation::Print(const Json& json) {
     m_hasAnswered = true;
     PrintJson(json, m_terminal.out);
@@ -54,7 +58,7 @@ void Invocation::Print(const Json& json) {
 
 void Invocation::PrintLine(const Json& json) {
     m_hasAnswered = true;
-    m_terminal.out << json.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+    PrintJsonLine(json, m_terminal.out);
 }
 
 bool Invocation::Confirm(const std::string& question) {

@@ -18,6 +18,8 @@ namespace quilletctl {
 
 /// Writes JSON as every command does.
 void PrintJson(const Json& json, std::ostream& out);
+/// Writes JSON in one line, for readers that take a line for a document.
+void PrintJsonLine(const Json& json, std::ostream& out);
 
 class Invocation {
   public:

@@ -15,6 +15,7 @@ void AddAllCommands(CommandTree& tree) {
     AddBootCommands(tree);
     AddISCSICommands(tree);
     AddConfigCommands(tree);
+    AddDscCommands(tree);
     AddWarningsCommand(tree);
     AddMachineCommands(tree);
     AddReportCommand(tree);

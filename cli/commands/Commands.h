@@ -24,6 +24,7 @@ void AddMachineCommands(CommandTree& tree);
 void AddMonitorCommand(CommandTree& tree);
 /// A whole machine on one page.
 void AddReportCommand(CommandTree& tree);
+void AddDscCommands(CommandTree& tree);
 void AddWarningsCommand(CommandTree& tree);
 void AddTraceCommand(CommandTree& tree);
 void AddTransactionCommands(CommandTree& tree);

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <fstream>
+#include <iostream>
 #include <random>
 #include <system_error>
 
@@ -125,6 +126,15 @@ std::vector<std::uint8_t> ReadWholeFile(const std::string& file) {
         throw UsageError(file + ": cannot be read");
     }
     return bytes;
+}
+
+std::string ReadStandardInput(std::size_t most) {
+    std::string text;
+    std::array<char, 4096> part{};
+    while (text.size() <= most && std::cin.read(part.data(), part.size()).gcount() > 0) {
+        text.append(part.data(), static_cast<std::size_t>(std::cin.gcount()));
+    }
+    return text;
 }
 
 void CheckReplaceable(const std::string& file) {

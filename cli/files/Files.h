@@ -1,6 +1,7 @@
 // Files that a command reads or writes as a whole.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -16,6 +17,8 @@ bool FileExists(const std::string& file);
 void CheckReadable(const std::string& file);
 /// As CheckReadable.
 std::vector<std::uint8_t> ReadWholeFile(const std::string& file);
+/// Standard input up to its end. Of more than so many bytes only the beginning, which is longer than they.
+std::string ReadStandardInput(std::size_t most);
 
 /// Who may read what is written.
 enum class Access { Usual, OwnerOnly };

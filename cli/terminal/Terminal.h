@@ -15,8 +15,9 @@ struct Terminal {
     bool errIsTerminal = false;
     bool outColour = false; ///< escape sequences are understood, and wanted
     bool errColour = false;
-    std::size_t width = 80;     ///< columns, where the output is a terminal
-    std::istream* in = nullptr; ///< where a person answers; null when nobody does
+    std::size_t width = 80;      ///< columns, where the output is a terminal
+    std::istream* in = nullptr;  ///< where a person answers; null when nobody does
+    bool errIsForEngine = false; ///< errors are JSON objects, one a line
 };
 
 } // namespace quilletctl

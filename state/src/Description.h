@@ -36,7 +36,7 @@ class Description {
 
     std::vector<std::size_t> Named(const Selector& selector);
     Json UndescribedTeams(const Document& document);
-    void AddOthers(Json& vlans, const VlanParentId& parent);
+    void AddOthers(Json& owner, const VlanParentId& parent);
     Json Like(const WantedAdapter& wanted, std::size_t adapter, For purpose);
     Json Like(const WantedTeam& wanted, For purpose);
     Json Like(const std::vector<WantedVlan>& wanted, const std::vector<Vlan>& vlans);

@@ -214,8 +214,8 @@ Json Description::Like(const Document& document) {
         bool isAlike = wanted.selector.IsPattern();
         for (const std::size_t adapter : Named(wanted.selector)) {
             Json one = Like(wanted, adapter, For::Reading);
-            if (document.isExclusive && wanted.vlans) {
-                AddOthers(one["vlans"], m_machine.Adapters()[adapter].id);
+            if (document.isExclusive) {
+                AddOthers(one, m_machine.Adapters()[adapter].id);
             }
             described.push_back(adapter);
             Json told = one;
@@ -239,8 +239,8 @@ Json Description::Like(const Document& document) {
     for (const WantedTeam& wanted : document.teams) {
         Json one = Like(wanted, For::Reading);
         const std::vector<std::size_t> found = m_machine.TeamsCalled(wanted.name);
-        if (document.isExclusive && !found.empty() && !wanted.isAbsent && wanted.vlans) {
-            AddOthers(one["vlans"], m_machine.Teams()[found.front()].team.id);
+        if (document.isExclusive && !found.empty() && !wanted.isAbsent) {
+            AddOthers(one, m_machine.Teams()[found.front()].team.id);
         }
         teams.push_back(std::move(one));
     }
@@ -261,12 +261,13 @@ Json Description::Like(const Document& document) {
     return json;
 }
 
-/// Adds the VLANs that are there beside those of a list.
-void Description::AddOthers(Json& vlans, const VlanParentId& parent) {
+/// Adds the VLANs that an adapter or a team has beside those that it is described with.
+void Description::AddOthers(Json& owner, const VlanParentId& parent) {
     for (const Json& vlan : Vlans(parent)) {
         const auto isSame = [&vlan](const Json& each) { return each.at("id") == vlan.at("id"); };
-        if (std::none_of(vlans.begin(), vlans.end(), isSame)) {
-            vlans.push_back(vlan);
+        const auto described = owner.find("vlans");
+        if (described == owner.end() || std::none_of(described->begin(), described->end(), isSame)) {
+            owner["vlans"].push_back(vlan);
         }
     }
 }

@@ -13,7 +13,6 @@ namespace quillet::state {
 
 namespace {
 
-constexpr std::size_t kMostBytes = std::size_t{16} << 20;
 constexpr int kDeepest = 32;
 constexpr std::int32_t kLastVlanId = 4094;
 

@@ -247,6 +247,15 @@ Json Planner::NamesOf(const std::vector<std::size_t>& adapters) {
     return names;
 }
 
+std::vector<std::string> WordsOf(const Plan& plan) {
+    std::vector<std::string> words;
+    words.reserve(plan.steps.size());
+    for (const Step& step : plan.steps) {
+        words.push_back(step.words);
+    }
+    return words;
+}
+
 Plan MakePlan(Session& session, const Document& document, Checks checks) {
     Machine machine(session);
     return Planner(machine, document).Make(checks);

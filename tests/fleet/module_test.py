@@ -6,7 +6,6 @@
 import io
 import json
 import os
-import random
 import re
 import shutil
 import subprocess
@@ -17,8 +16,6 @@ from contextlib import redirect_stdout
 import role
 import yaml
 from ansible.module_utils import basic
-from ansible.module_utils.quillet_plan import TEAM_MODES, DescriptionError, plan, read
-from ansible.module_utils.quillet_tool import Tool
 
 QUILLETCTL, WORK = (os.path.abspath(argument) for argument in sys.argv[1:3])
 STATE = os.path.join(WORK, "machine.mof")
@@ -88,7 +85,7 @@ class ModuleTest(OnAMachine):
             {
                 "before": f"adapter {GIGABIT}, *SpeedDuplex: 0\n",
                 "after": f"adapter {GIGABIT}, *SpeedDuplex: 4\n"
-                f'team Ä "1" -, team: {{"mode": 1, "members": ["{FAST}"]}}\n'
+                f'team Ä "1" -, team: {{"mode": "adaptive load balancing", "members": ["{FAST}"]}}\n'
                 'team Ä "1" -, VLAN 5: -büro\n',
             },
         )
@@ -97,6 +94,59 @@ class ModuleTest(OnAMachine):
         self.assertEqual((again["changed"], again["changes"], again["restart_required"]), (False, [], False))
         self.assertEqual(again["diff"], {"before": "", "after": ""})
         self.assertEqual(saved(), after)
+
+    def test_all_that_a_document_can_say(self):
+        make_machine(8)
+        ports = [{"slot": "Slot 2", "port": 1}, {"slot": 2, "port": "2"}]
+        adapters = [
+            {"match": "Zorel*#[!x]", "settings": {"*TransmitBuffers": "1024"}},
+            {
+                "name": GIGABIT, "profile": "2", "power": {"reduceSpeed": True}, "iscsi": "off",
+                "wakeOnLan": {"magicPacket": "no"}, "vlans": [{"id": "7", "name": "Lab", "settings": {}}],
+            },
+        ]
+        teams = [
+            {
+                "name": "Front", "mode": "1", "members": ports, "primary": ports[1], "secondary": ports[0],
+                "multiVendor": False, "linkSecurity": False, "settings": {}, "vlans": [{"id": 100, "name": "Web"}],
+            },
+            {"name": "TEAM : 4", "primary": "", "secondary": ""},
+        ]
+        documents = []
+        spy = 'tee "$DOCUMENT" | "$0" "$@"'
+        os.environ["DOCUMENT"] = os.path.join(WORK, "document")
+        for check in (True, False):
+            self.module(check, command=["sh", "-c", spy, *ON_THE_MACHINE], adapters=adapters, teams=teams)
+            with open(os.environ["DOCUMENT"], encoding="utf-8") as file:
+                documents.append(json.load(file))
+        self.assertEqual(documents[0], documents[1])
+        present = {"state": "present"}
+        self.assertEqual(
+            documents[0],
+            {
+                "adapters": [
+                    adapters[0],
+                    {
+                        **adapters[1], "wakeOnLan": {"magicPacket": False},
+                        "vlans": [{"id": 7, "name": "Lab", "settings": {}, **present}],
+                    },
+                ],
+                "teams": [
+                    {**teams[0], **present, "vlans": [{"id": 100, "name": "Web", **present}]},
+                    {"name": "TEAM : 4", "primary": None, "secondary": None, **present},
+                ],
+                "exclusive": False,
+            },
+        )
+
+    def test_what_is_shown_is_a_description(self):
+        make_machine(8)
+        for by in ("name", "slot", "mac"):
+            shown = json.loads(run([*ON_THE_MACHINE, "config", "show", "--by", by])[1])
+            self.assertEqual((len(shown["adapters"]), len(shown["teams"])), (8, 1))
+            answer = self.module(**shown)
+            self.assertNotIn("failed", answer)
+            self.assertFalse(answer["changed"], answer["changes"])
 
     def test_a_restart_that_the_provider_asks_for(self):
         make_machine(2, 'instance of QuilletSimulator_FollowUp { ClassName = "Zorel_VLAN"; Action = 1; };\n')
@@ -107,157 +157,96 @@ class ModuleTest(OnAMachine):
     def test_a_description_that_does_not_fit_changes_nothing(self):
         make_machine(2)
         before = saved()
-        settings = {"*JumboPacket": 9014, "*None": 1}
-        answer = self.module(adapters=[{"name": GIGABIT, "settings": settings}, {"name": "Nobody"}])
-        problems = ["adapters: there is no adapter with name Nobody", f"{GIGABIT} has no setting *None"]
-        self.assertEqual(answer["problems"], problems)
-        self.assertEqual(answer["msg"], "the description does not fit the machine: " + "; ".join(problems))
+        adapters = [{"name": GIGABIT, "settings": {"*JumboPacket": 9014, "*None": 1}}, {"name": "Nobody"}]
+        problems = ["adapters: there is no adapter \"Nobody\"", f"adapter {GIGABIT}: it has no setting *None"]
+        for check in (True, False):
+            answer = self.module(check, adapters=adapters)
+            self.assertEqual(answer["problems"], problems)
+            self.assertEqual(answer["msg"], "the description does not fit the machine: " + "; ".join(problems))
+            self.assertTrue(answer["failed"])
+            self.assertFalse(answer["changed"])
+            self.assertEqual(saved(), before)
+
+    def test_what_no_document_can_say_is_told_at_once(self):
+        make_machine(2)
+        before = saved()
+        answer = self.module(
+            adapters=[{"name": GIGABIT, "settings": {"*RSS": True}}], teams=[{"name": "x", "mode": "sideways"}]
+        )
         self.assertTrue(answer["failed"])
-        self.assertFalse(answer["changed"])
+        self.assertIn("adapters[0].settings.*RSS: a whole number, a text", answer["msg"])
+        self.assertIn('teams[0]: no team mode is called "sideways"', answer["msg"])
+        self.assertNotIn("\n", answer["msg"])
         self.assertEqual(saved(), before)
 
     def test_an_adapter_is_named_in_one_way(self):
         make_machine(2)
-        for entry in ({}, {"name": GIGABIT, "slot": "Slot 1"}, {"name": GIGABIT, "port": "1"}):
+        for entry in ({}, {"name": GIGABIT, "slot": "Slot 1"}, {"name": GIGABIT, "match": "*"}, {"match": "*", "port": 1}):
             answer = self.module(adapters=[entry])
             self.assertTrue(answer["failed"], entry)
             self.assertIn("found in adapters", answer["msg"])
-
-    def test_what_the_checks_find_is_told(self):
-        # The two are made alike only in part.
-        make_machine(8)
-        teams = [{"name": "Mixed", "mode": "static link aggregation", "members": [GIGABIT, FAST]}]
-        adapters = [{"name": GIGABIT, "settings": {"*JumboPacket": 9014}}]
-        answer = self.module(adapters=adapters, teams=teams)
-        self.assertTrue(answer["failed"])
-        self.assertIn("the adapters differ in a setting that a team needs to be alike", answer["problems"])
-        self.assertEqual([change["what"] for change in answer["changes"]], ["*JumboPacket"])
-        self.assertEqual(answer["failed_change"]["subject"], "team Mixed")
-        self.assertEqual(answer["pending_changes"], [])
-        self.assertTrue(answer["changed"])
-        self.assertIsNone(answer["provider_code"])
 
     def test_a_machine_that_cannot_be_read(self):
         make_machine(2, fault(Operation="CreateInstanceEnum", Target="Zorel_TeamOfAdapters", Code=0x80041003))
         answer = self.module(teams=[{"name": "Gone", "state": "absent"}])
         self.assertTrue(answer["failed"])
         self.assertEqual((answer["provider_code"], answer["changes"]), ("0x80041003", []))
+        self.assertEqual(answer["provider_code_name"], "WBEM_E_ACCESS_DENIED")
 
-    def test_a_value_that_the_provider_refuses(self):
-        make_machine(2, fault(Operation="PutInstance", Code=0x80041001))
-        answer = self.module(adapters=[{"name": GIGABIT, "settings": {"*JumboPacket": 9014}}])
-        self.assertEqual(answer["provider_code"], "0x80041001")
-        self.assertEqual((answer["changed"], answer["failed_change"]["what"]), (False, "*JumboPacket"))
-        self.assertEqual(answer["restart_required"], False)
+    # Two changes, of which the provider refuses the second.
+    HALF_WAY = {
+        "adapters": [
+            {"name": GIGABIT, "settings": {"*JumboPacket": 9014}, "vlans": [{"id": 5, "name": "x"}, {"id": 6, "name": "y"}]}
+        ]
+    }
+
+    def fail_half_way(self, **parameters):
+        make_machine(2, fault(Operation="ExecMethod", MethodName="CreateVLAN", Code=0x80041003, Repeat=True))
+        answer = self.module(**self.HALF_WAY, **parameters)
+        self.assertTrue(answer["failed"])
+        self.assertEqual((answer["provider_code"], answer["provider_code_name"]), ("0x80041003", "WBEM_E_ACCESS_DENIED"))
+        self.assertEqual(answer["failed_change"]["what"], "VLAN 5")
+        self.assertEqual([change["what"] for change in answer["pending_changes"]], ["VLAN 6"])
+        self.assertIn("1 of 3 changes were made, then: ", answer["msg"])
+        self.assertIn("WBEM_E_ACCESS_DENIED", answer["msg"])
+        shown = run([*ON_THE_MACHINE, "config", "show", GIGABIT])[1]
+        return answer, json.loads(shown)["adapters"][0]["settings"]["*JumboPacket"]
+
+    def test_what_was_made_is_taken_back(self):
+        answer, jumbo = self.fail_half_way()
+        self.assertEqual((answer["went_back"], answer["not_restored"], jumbo), (True, [], 1514))
+        self.assertEqual((answer["changed"], answer["changes"]), (False, []))
+        self.assertTrue(answer["msg"].endswith("; everything is as it was before"), answer["msg"])
+        self.assertEqual(answer["diff"], {"before": "", "after": ""})
+
+    def test_what_was_made_stays_without_rollback(self):
+        answer, jumbo = self.fail_half_way(rollback=False)
+        self.assertEqual((answer["went_back"], answer["not_restored"], jumbo), (False, [], 9014))
+        self.assertEqual((answer["changed"], [change["what"] for change in answer["changes"]]), (True, ["*JumboPacket"]))
+        self.assertEqual(answer["diff"]["after"], f"adapter {GIGABIT}, *JumboPacket: 9014\n")
 
     def test_a_provider_that_says_yes_and_does_nothing(self):
-        make_machine(2)
-        liar = 'case "$*" in *"setting set"*) echo "{}";; *) exec "$0" "$@";; esac'
-        parameters = {"adapters": [{"name": GIGABIT, "settings": {"*JumboPacket": 9014}}]}
-        answer = self.module(command=["sh", "-c", liar, *ON_THE_MACHINE], **parameters)
+        make_machine(2, fault(Operation="PutInstance", Effect="FailStatus", Code=0, Repeat=True))
+        answer = self.module(adapters=[{"name": GIGABIT, "settings": {"*JumboPacket": 9014}}])
         self.assertTrue(answer["failed"])
-        self.assertEqual(
-            answer["msg"],
-            "the machine took every change and still differs from the description: "
-            f"adapter {GIGABIT}, *JumboPacket is 1514",
-        )
-        self.assertEqual(len(answer["pending_changes"]), 1)
-        unverified = self.module(command=["sh", "-c", liar, *ON_THE_MACHINE], verify=False, **parameters)
-        self.assertNotIn("failed", unverified)
+        self.assertEqual(answer["differences"], [f"adapter {GIGABIT}, *JumboPacket: it is 1514, not 9014"])
+        self.assertIn(answer["differences"][0], answer["msg"])
+        self.assertEqual((answer["changed"], answer["went_back"]), (False, True))
+        self.assertNotIn("failed_change", answer)
 
     def test_the_way_to_the_machine(self):
         """What the module takes for it is what quilletctl is told."""
-        answer = self.module(
-            command=["sh", "-c", 'echo "$*" >&2; exit 1', "quilletctl"],
-            machine="host", port=5987, auth="ntlm", credentials="/c", ca="/a.pem",
-        )
-        words = "--json --yes --machine=host --port=5987 --auth=ntlm --credentials=/c --ca=/a.pem adapter list"
-        self.assertEqual(answer["msg"], words)
+        told = ["sh", "-c", 'printf "%s" "$*" >&2; exit 1', "quilletctl"]
+        way = {"machine": "host", "port": 5987, "auth": "ntlm", "credentials": "/c", "ca": "/a.pem"}
+        words = "--json --yes --machine=host --port=5987 --auth=ntlm --credentials=/c --ca=/a.pem config"
+        verbs = ((True, True, "diff -"), (False, True, "apply -"), (False, False, "apply - --no-rollback"))
+        for check, rollback, verb in verbs:
+            answer = self.module(check, command=told, rollback=rollback, **way)
+            self.assertEqual(answer["msg"], f"quilletctl did not answer in JSON: {words} {verb}")
 
     def test_a_program_that_is_not_there(self):
         answer = self.module(command=["/nowhere/quilletctl"])
         self.assertIn("cannot run /nowhere/quilletctl: ", answer["msg"])
-
-
-class ConvergenceTest(OnAMachine):
-    """Descriptions by chance, one after the other, on one machine: each leads where it says, and nowhere twice."""
-
-    ROUNDS = 12
-
-    def description(self, chance, names):
-        free = names[:]
-        chance.shuffle(free)
-        teams = []
-        for name in ("TEAM : 4", "Blue", "Gr\u00fcn"):
-            if chance.random() < 0.3:
-                teams.append({"name": name, "state": "absent"})
-                continue
-            members = [free.pop() for _ in range(chance.randint(1, 3))]
-            teams.append(
-                {
-                    "name": name, "mode": chance.choice([0, 1, "fault tolerance"]), "members": members,
-                    "primary": chance.choice(members), "vlans": self.vlans(chance),
-                }
-            )
-        jumbo = chance.choice(["Disabled", 4088, 9014])  # the members of a team are to be alike
-        adapters = []
-        for name in names:
-            settings = {"*JumboPacket": jumbo, "*TransmitBuffers": 80 + 8 * chance.randint(0, 246)}
-            vlans = self.vlans(chance) if name in free else []
-            adapters.append({"name": name, "settings": settings, "vlans": vlans})
-        return adapters, teams
-
-    @staticmethod
-    def vlans(chance):
-        numbers = chance.sample(range(1, 9), chance.randint(0, 4))
-        described = [{"id": number, "name": f"{chance.choice('XYZ')} {number}"} for number in numbers]
-        return described + ([{"id": 0, "name": "untagged"}] if described and chance.random() < 0.3 else [])
-
-    def test_descriptions_by_chance(self):
-        make_machine(8, "instance of QuilletSimulator_Machine { Name = \"strict\"; Strict = TRUE; };\n")
-        chance = random.Random(20)
-        tool = Tool(run, ON_THE_MACHINE)
-        names = [adapter.name for adapter in tool.read_adapters()]
-        made = 0
-        for number in range(self.ROUNDS):
-            adapters, teams = self.description(chance, names)
-            with self.subTest(round=number, adapters=adapters, teams=teams):
-                try:
-                    changes = plan(read(tool, adapters, teams, True), adapters, teams, True)
-                except DescriptionError as mistake:
-                    # Only what two teams do to each other is more than one run can do.
-                    self.assertTrue(all("in one run" in problem for problem in mistake.problems), mistake)
-                    continue
-                handles = {}
-                for change in changes:
-                    tool.make(change, handles)
-                left = plan(read(tool, adapters, teams, True), adapters, teams, True)
-                self.assertEqual([change.told() for change in left], [])
-                made += len(changes)
-        self.assertGreater(made, 10 * self.ROUNDS)
-
-    def test_whatever_fails_the_next_run_goes_on_from_there(self):
-        make_machine(8)
-        chance = random.Random(7)
-        tool = Tool(run, ON_THE_MACHINE)
-        names = [adapter.name for adapter in tool.read_adapters()]
-        adapters, teams = self.description(chance, names)
-        fresh = saved()
-        count = len(plan(read(tool, adapters, teams), adapters, teams))
-        self.assertGreater(count, 10)
-        for stop in range(0, count, 4):
-            with open(STATE, "w", encoding="utf-8") as output:
-                output.write(fresh)
-            changes = plan(read(tool, adapters, teams), adapters, teams)
-            handles = {}
-            for change in changes[:stop]:
-                tool.make(change, handles)
-            rest = plan(read(tool, adapters, teams), adapters, teams)
-            self.assertEqual([each.told() for each in rest], [each.told() for each in changes[stop:]])
-        handles = {}
-        for change in rest:
-            tool.make(change, handles)
-        self.assertEqual(plan(read(tool, adapters, teams), adapters, teams), [])
 
 
 class DocumentsTest(unittest.TestCase):
@@ -290,7 +279,7 @@ class DocumentsTest(unittest.TestCase):
         self.assertEqual(set(options), {"quillet_" + name for name in NETWORK.ARGUMENTS} | {"quillet_controller"})
         plain = self.options(options, "options")
         module = self.options(NETWORK.ARGUMENTS, "options")
-        for name in ("adapters", "teams", "exclusive", "command", "verify"):
+        for name in ("adapters", "teams", "exclusive", "rollback", "command"):
             self.assertEqual(plain["quillet_" + name], module[name], name)
 
     def test_examples_and_returns_are_yaml(self):
@@ -298,11 +287,20 @@ class DocumentsTest(unittest.TestCase):
             self.assertLessEqual(set(task["quillet_network"]), set(NETWORK.ARGUMENTS))
         self.assertIn("restart_required", yaml.safe_load(NETWORK.RETURN))
 
-    def test_team_modes_are_called_as_quilletctl_calls_them(self):
-        errors = run([QUILLETCTL, "--simulate", "team", "create", "x", "Zorel Fast Ethernet Adapter", "--mode", "?"])[2]
-        self.assertEqual(
-            re.findall(r"(\d) \(([^)]*)\)", errors), [(str(number), mode) for number, mode in enumerate(TEAM_MODES)]
-        )
+    def test_the_module_takes_what_a_document_takes(self):
+        schema = json.loads(run([QUILLETCTL, "--simulate", "config", "schema"])[1])
+        parts = schema["$defs"]
+
+        def keys(part):
+            return set(part["properties"])
+
+        adapter, team = (NETWORK.ARGUMENTS[name]["options"] for name in ("adapters", "teams"))
+        self.assertEqual(set(adapter), keys(parts["adapter"]))
+        self.assertEqual(set(team), keys(parts["team"]))
+        self.assertEqual(set(adapter["vlans"]["options"]), keys(parts["vlans"]["items"]))
+        for key in ("power", "wakeOnLan"):
+            self.assertEqual(set(adapter[key]["options"]), keys(parts["adapter"]["properties"][key]))
+        self.assertEqual({"adapters", "teams", "exclusive"}, keys(schema) - {"$schema"})
 
 
 if __name__ == "__main__":

@@ -67,6 +67,23 @@ file(RENAME ${installed} ${WORK_DIR}/moved)
 expect_start(${WORK_DIR}/moved)
 expect_start(${prefix})
 
+if(TOOLCHAIN)
+  # The program is where the manifest of DSC has it, and answers as it says.
+  file(READ ${prefix}/bin/quillet.dsc.resource.json manifest)
+  string(JSON program GET "${manifest}" schema command executable)
+  string(JSON noun GET "${manifest}" schema command args 0)
+  string(JSON verb GET "${manifest}" schema command args 1)
+  run(${EMULATOR} ${prefix}/bin/${program}${SUFFIX} ${noun} ${verb})
+  if(NOT out MATCHES "\"_inDesiredState\"")
+    message(FATAL_ERROR "${program} ${noun} ${verb} printed\n${out}")
+  endif()
+  foreach(file IN ITEMS Quillet.psd1 Quillet.psm1)
+    if(NOT EXISTS ${prefix}/powershell/Quillet/${file})
+      message(FATAL_ERROR "${file} is not in the package")
+    endif()
+  endforeach()
+endif()
+
 # The outside project must not find its way back into this tree.
 file(COPY ${SOURCE_DIR}/consumer DESTINATION ${WORK_DIR})
 # It is about the first program of the page that tells how to install, as it stands there.

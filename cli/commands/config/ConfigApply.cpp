@@ -82,15 +82,11 @@ class ApplyConfig final : public Command {
 
   private:
     static void Begin(Invocation& run, const Plan& plan) {
-        std::vector<std::string> steps;
-        for (const quillet::state::Step& step : plan.steps) {
-            steps.push_back(step.words);
-        }
         std::vector<std::string> remarks = plan.warnings;
         for (const std::string& loss : plan.losses) {
             remarks.push_back("cannot be undone: " + loss);
         }
-        run.BeginChanges(steps, remarks);
+        run.BeginChanges(WordsOf(plan), remarks);
     }
 
     static ExitStatus EndUnchanged(Invocation& run, const Plan& plan) {

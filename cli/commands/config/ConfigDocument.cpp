@@ -6,30 +6,12 @@
 
 #include <nlohmann/json.hpp>
 
-#include <array>
-#include <iostream>
-
 namespace quilletctl {
-
-namespace {
-
-constexpr std::size_t kMostBytes = std::size_t{17} << 20; // a little more than any document may have
-
-std::string ReadStandardInput() {
-    std::string text;
-    std::array<char, 4096> part{};
-    while (text.size() < kMostBytes && std::cin.read(part.data(), part.size()).gcount() > 0) {
-        text.append(part.data(), static_cast<std::size_t>(std::cin.gcount()));
-    }
-    return text;
-}
-
-} // namespace
 
 quillet::state::Document ReadConfig(const std::string& file) {
     std::string text;
     if (file == "-") {
-        text = ReadStandardInput();
+        text = ReadStandardInput(quillet::state::kMostBytes);
     } else {
         const std::vector<std::uint8_t> bytes = ReadWholeFile(file);
         text.assign(bytes.begin(), bytes.end());

@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <stdexcept>
@@ -84,7 +85,8 @@ struct Document {
     bool isExclusive = false; ///< whether teams and VLANs that it does not name go
 };
 
-/// The document of a text: UTF-8, at most 16 MiB. Throws DocumentError.
+inline constexpr std::size_t kMostBytes = std::size_t{16} << 20;
+/// The document of a text: UTF-8, at most kMostBytes. Throws DocumentError.
 Document ReadDocument(std::string_view text);
 /// The same from JSON that was read.
 Document DocumentOf(const Json& json);

@@ -61,6 +61,9 @@ struct Plan {
     std::vector<std::string> losses{};   ///< what going back would not bring back
 };
 
+/// The steps in words, in their order.
+std::vector<std::string> WordsOf(const Plan& plan);
+
 /// Whether the provider is asked what it thinks of the steps.
 enum class Checks { All, None };
 

@@ -88,7 +88,7 @@ constexpr const char* kOnboard = "Zorel Fast Ethernet Adapter";
 constexpr const char* kSecure = "Zorel Quad Port Gigabit Server Adapter";
 constexpr const char* kTeam = "TEAM : Zürich";
 constexpr const char* kNouns = "adapter, setting, profile, power, wol, team, linksec, vlan, diag, boot, "
-                               "iscsi, config, warnings, machine, report, monitor, "
+                               "iscsi, config, dsc, warnings, machine, report, monitor, "
                                "trace, transaction, completion, version, help";
 constexpr const char* kNotRepeated = " takes no such word or option; it is not repeated here, for it may be "
                                      "a secret: secrets are typed at a prompt "

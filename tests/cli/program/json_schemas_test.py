@@ -228,7 +228,9 @@ class Schemas(unittest.TestCase):
 
     def test_every_command_has_a_schema(self):
         tree = next(json.loads(run.stdout) for line, _, run in self.answers if line == ["help"])
-        self.assertEqual({command["name"].replace(" ", "-") for command in tree["commands"]},
+        # What a configuration engine reads has a schema of its own, and dsc_test.py holds the answers against that.
+        names = {command["name"] for command in tree["commands"] if not command["name"].startswith("dsc ")}
+        self.assertEqual({name.replace(" ", "-") for name in names},
                          set(self.schemas) - {"common", "error", "dry-run"})
 
     def test_the_schemas_are_schemas_and_strict(self):

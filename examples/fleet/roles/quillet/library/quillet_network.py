@@ -6,18 +6,19 @@ DOCUMENTATION = r"""
 module: quillet_network
 short_description: Bring adapters' settings, teams and VLANs of a machine to a described state
 description:
-  - Reads a machine through C(quilletctl --json), finds out what differs from the description, and makes these changes
-    and no others. When nothing differs nothing is sent to the provider but questions.
+  - Makes of its options the document that C(quilletctl config apply) takes, and hands it over. What differs is found, put
+    into an order and changed there, in one client set of the provider's own. When nothing differs nothing is sent to the
+    provider but questions.
   - The module runs where C(quilletctl) runs, which need not be the machine that is managed; usually it is delegated to
     the controller. It is written in Python and therefore cannot be sent to a Windows host.
   - A description that does not fit the machine (an adapter that is not there, a value that a setting cannot have) is
     refused as a whole before anything is changed, with everything that is wrong in one message.
-  - Each change is made in a client set of the provider's own, one after the other. The first that fails ends the work
-    on this machine; what was changed before stays, and the next run goes on from there.
+  - The first change that fails ends the work on this machine. Unless I(rollback) is false, what was changed before is
+    then taken back.
 options:
   adapters:
     description:
-      - The adapters that are described, each named by one of I(name), I(mac) and I(slot).
+      - The adapters that are described, each named by one of I(name), I(mac), I(slot) and I(match).
     type: list
     elements: dict
     default: []
@@ -34,24 +35,58 @@ options:
         type: str
       slot:
         description:
-          - Slot of the adapter's board, as C(quilletctl adapter show) tells it.
+          - Slot of the adapter's board, as C(quilletctl adapter show) tells it, or only its number.
         type: str
       port:
         description:
           - Port number on the board in I(slot), where the board has several.
         type: str
-      settings:
+      match:
+        description:
+          - Every adapter whose name fits; C(*) stands for any text and C(?) for any character.
+        type: str
+      settings: &settings
         description:
           - Values by the caption of the setting, such as C(*JumboPacket). A value is a number or its text; of a
             selection also a list of these; of a list of texts a list. Settings that are not named stay as they are.
         type: dict
-        default: {}
+      profile:
+        description:
+          - The performance profile, by number or text.
+        type: str
+      power:
+        description:
+          - Power options, as C(quilletctl power show) tells them.
+        type: dict
+        suboptions:
+          mode: {type: int, choices: [0, 1, 2], description: The power mode.}
+          autoPowerSave: {type: bool, description: Automatic power saving.}
+          reduceSpeed: {type: bool, description: Reduce speed on power-down.}
+          smartPowerDown: {type: bool, description: Power down when unused.}
+          aspm: {type: bool, description: Enhanced bus power saving.}
+          batteryConnection: {type: bool, description: Automatic connection battery saver.}
+          batterySpeed: {type: bool, description: Reduce speed on battery.}
+          systemIdle: {type: bool, description: Save power on an idle system.}
+      wakeOnLan:
+        description:
+          - Wake-on-LAN options, as C(quilletctl wol show) tells them.
+        type: dict
+        suboptions:
+          powerOff: {type: bool, description: Wake from power off.}
+          link: {type: bool, description: Wake on link.}
+          magicPacket: {type: bool, description: Wake on magic packet.}
+          directedPacket: {type: bool, description: Wake on directed packet.}
+          pattern: {type: bool, description: Wake on packet pattern.}
+      iscsi:
+        description:
+          - The part in booting from iSCSI.
+        type: str
+        choices: [primary, secondary, "off"]
       vlans:
         description:
           - VLANs on the adapter itself. Those that are not named stay, unless I(exclusive).
         type: list
         elements: dict
-        default: []
         suboptions: &vlan
           id:
             description:
@@ -68,6 +103,7 @@ options:
             type: str
             choices: [present, absent]
             default: present
+          settings: *settings
   teams:
     description:
       - The teams that are described. Those that are not named stay, unless I(exclusive).
@@ -99,21 +135,38 @@ options:
         elements: raw
       primary:
         description:
-          - The member that is to be primary, named like a member. Left out, that is left to the provider, and the first
-            member of a new team.
+          - The member that is to be primary, named like a member; an empty text, nobody. Left out, that is left to the
+            provider.
         type: raw
+      secondary:
+        description:
+          - The member that is to be secondary, in the same way.
+        type: raw
+      multiVendor:
+        description:
+          - Whether adapters of other makers are allowed, when the team is made.
+        type: bool
+      linkSecurity:
+        description:
+          - Whether the team has link security, when it is made.
+        type: bool
+      settings: *settings
       vlans:
         description:
           - VLANs on the team. Those that are not named stay, unless I(exclusive).
         type: list
         elements: dict
-        default: []
         suboptions: *vlan
   exclusive:
     description:
       - Whether teams and VLANs that are not described are removed, wherever on the machine they are.
     type: bool
     default: false
+  rollback:
+    description:
+      - Whether a machine goes back to what was before when a change fails, or when it still differs after the last one.
+    type: bool
+    default: true
   machine:
     description:
       - The machine to manage, by name or address; left out, the one where C(quilletctl) runs. From Linux it is reached
@@ -143,17 +196,10 @@ options:
     type: list
     elements: str
     default: [quilletctl]
-  verify:
-    description:
-      - Whether the machine is read again after changes. It is a failure when it still differs from the description.
-    type: bool
-    default: true
 notes:
-  - Supports C(check_mode); what it foretells is exactly what a run without it then does. The checks that the provider
-    makes before a change are left to that run.
+  - Supports C(check_mode); what it foretells is exactly what a run without it then does.
   - Supports C(diff).
-  - No option takes a secret, only the name of a file that has one. What is described is on the command lines of
-    C(quilletctl).
+  - No option takes a secret, only the name of a file that has one. The document reaches C(quilletctl) on standard input.
 author:
   - The Quillet developers
 """
@@ -196,21 +242,29 @@ EXAMPLES = r"""
 RETURN = r"""
 changes:
   description:
-    - The changes in the order in which they were made (with C(check_mode) would be made).
+    - The changes in the order in which they were made (with C(check_mode) would be made); none where they were taken back.
     - Each has I(subject) (the adapter or team), I(what) (a setting, C(team), C(mode), C(members), C(primary) or C(VLAN n)),
-      I(before) and I(after); null where there is nothing before or after.
-  returned: unless the machine could not be read
+      I(before) and I(after), null where there is nothing before or after, and I(step), all of it in a sentence.
+  returned: always
   type: list
   elements: dict
   sample:
-    - {subject: adapter Zorel Gigabit Server Adapter, what: "*JumboPacket", before: 1514, after: 9014}
-    - {subject: team Front, what: VLAN 100, before: null, after: Web}
+    - subject: adapter Zorel Gigabit Server Adapter
+      what: "*JumboPacket"
+      before: 1514
+      after: 9014
+      step: set *JumboPacket of adapter Zorel Gigabit Server Adapter to 9014 Bytes (9014), now Disabled (1514)
 restart_required:
   description:
-    - Whether the provider asked for a restart after any of the changes. Null with C(check_mode), for only the change
-      itself can tell.
+    - Whether the provider asked for a restart, also for what was taken back. Null with C(check_mode), for only the change
+      itself can tell, and where the provider did not say.
   returned: always
   type: bool
+losses:
+  description: What going back would not bring back, a sentence each.
+  returned: when the machine could be read
+  type: list
+  elements: str
 failed_change:
   description: The change that failed.
   returned: when a change failed
@@ -220,6 +274,20 @@ pending_changes:
   returned: when a change failed
   type: list
   elements: dict
+differences:
+  description: What the machine accepted and did not take, a sentence each.
+  returned: when a run failed after it had begun
+  type: list
+  elements: str
+went_back:
+  description: Whether the machine was brought back to what was before.
+  returned: when a run failed after it had begun
+  type: bool
+not_restored:
+  description: What is not as it was before all the same, a sentence each.
+  returned: when a run failed after it had begun
+  type: list
+  elements: str
 provider_code:
   description: The result code of the provider.
   returned: when the provider refused something
@@ -231,34 +299,49 @@ provider_code_name:
   type: str
   sample: WBEM_E_ACCESS_DENIED
 problems:
-  description: What the description has against the machine, or what the provider's checks have against the failed change.
+  description: What the description has against the machine, a sentence each.
   returned: when there are such
   type: list
   elements: str
 """
 
 import json
+import os
+import subprocess
 
 from ansible.module_utils.basic import AnsibleModule
-from ansible.module_utils.quillet_plan import DescriptionError, plan, read
-from ansible.module_utils.quillet_tool import Tool, ToolFailure
 
-PLACE = {"name": {"type": "str"}, "mac": {"type": "str"}, "slot": {"type": "str"}, "port": {"type": "str"}}
+PLACE = {name: {"type": "str"} for name in ("name", "mac", "slot", "port", "match")}
 STATE = {"type": "str", "choices": ["present", "absent"], "default": "present"}
+SETTINGS = {"type": "dict"}
 VLANS = {
     "type": "list",
     "elements": "dict",
-    "default": [],
-    "options": {"id": {"type": "int", "required": True}, "name": {"type": "str"}, "state": STATE},
+    "options": {"id": {"type": "int", "required": True}, "name": {"type": "str"}, "state": STATE, "settings": SETTINGS},
 }
+POWER = ("autoPowerSave", "reduceSpeed", "smartPowerDown", "aspm", "batteryConnection", "batterySpeed", "systemIdle")
+WAKE_ON_LAN = ("powerOff", "link", "magicPacket", "directedPacket", "pattern")
 ARGUMENTS = {
     "adapters": {
         "type": "list",
         "elements": "dict",
         "default": [],
-        "options": {**PLACE, "settings": {"type": "dict", "default": {}}, "vlans": VLANS},
-        "mutually_exclusive": [["name", "mac", "slot"]],
-        "required_one_of": [["name", "mac", "slot"]],
+        "options": {
+            **PLACE,
+            "settings": SETTINGS,
+            "profile": {"type": "str"},
+            "power": {
+                "type": "dict",
+                "options": {
+                    "mode": {"type": "int", "choices": [0, 1, 2]}, **{name: {"type": "bool"} for name in POWER},
+                },
+            },
+            "wakeOnLan": {"type": "dict", "options": {name: {"type": "bool"} for name in WAKE_ON_LAN}},
+            "iscsi": {"type": "str", "choices": ["primary", "secondary", "off"]},
+            "vlans": VLANS,
+        },
+        "mutually_exclusive": [["name", "mac", "slot", "match"]],
+        "required_one_of": [["name", "mac", "slot", "match"]],
         "required_by": {"port": ["slot"]},
     },
     "teams": {
@@ -271,123 +354,159 @@ ARGUMENTS = {
             "mode": {"type": "str"},
             "members": {"type": "list", "elements": "raw"},
             "primary": {"type": "raw"},
+            "secondary": {"type": "raw"},
+            "multiVendor": {"type": "bool"},
+            "linkSecurity": {"type": "bool"},
+            "settings": SETTINGS,
             "vlans": VLANS,
         },
     },
     "exclusive": {"type": "bool", "default": False},
+    "rollback": {"type": "bool", "default": True},
     "machine": {"type": "str"},
     "port": {"type": "int"},
     "auth": {"type": "str", "choices": ["negotiate", "ntlm", "basic"]},
     "credentials": {"type": "path"},
     "ca": {"type": "path"},
     "command": {"type": "list", "elements": "str", "default": ["quilletctl"]},
-    "verify": {"type": "bool", "default": True},
 }
 # What says which machine, and how it is reached; quilletctl calls it the same.
 ACCESS = ("machine", "port", "auth", "credentials", "ca")
 
 
+def given(value):
+    """The same without the options that were left out. Values of settings are quilletctl's to judge."""
+    if isinstance(value, list):
+        return [given(each) for each in value]
+    if not isinstance(value, dict):
+        return value
+    return {
+        key: each if key == "settings" else given(each) for key, each in value.items() if each is not None
+    }
+
+
+def document_of(parameters):
+    """What quilletctl takes."""
+    document = given({key: parameters[key] for key in ("adapters", "teams", "exclusive")})
+    for team in document["teams"]:
+        for key in ("primary", "secondary"):
+            if team.get(key) == "":
+                team[key] = None  # nobody; to Ansible null is what was left out
+    return document
+
+
+def told(change):
+    """A change under the names that this module has for its parts."""
+    return {
+        "subject": change["subject"], "what": change["what"], "before": change["now"], "after": change["wanted"],
+        "step": change["step"],
+    }
+
+
+def diff(changes):
+    """A line for each thing that changes, as it was and as it is."""
+    sides = {"before": "", "after": ""}
+    for change in changes:
+        for side in sides:
+            value = change[side]
+            if value is not None:
+                text = value if isinstance(value, str) else json.dumps(value, ensure_ascii=False)
+                sides[side] += f"{change['subject']}, {change['what']}: {text}\n"
+    return sides
+
+
 class Run:
-    """One run of the module: what it changed so far, and the ways in which it ends."""
+    """One run of the module: what quilletctl answered, and the ways in which that ends it."""
 
     def __init__(self, module):
         self.module = module
-        self.parameters = module.params
-        access = {option: self.parameters[option] for option in ACCESS}
-        self.tool = Tool(self.execute, self.parameters["command"], access)
-        self.machine = None
-        self.made = []
-        self.restart_required = None if module.check_mode else False
 
-    def execute(self, words):
+    def end(self, end, changes=(), **fields):
+        changes = list(changes)
+        end(changes=changes, diff=diff(changes), **{"changed": bool(changes), "restart_required": None, **fields})
+
+    def fail(self, message, changes=(), **fields):
+        self.end(self.module.fail_json, changes, msg=message, **fields)
+
+    def ask(self):
+        """The answer of quilletctl."""
+        parameters = self.module.params
+        # Whoever runs the role has agreed already.
+        words = [*parameters["command"], "--json", "--yes"]
+        words += [f"--{option}={parameters[option]}" for option in ACCESS if parameters[option]]
+        if self.module.check_mode:
+            words += ["config", "diff", "-"]
+        else:
+            words += ["config", "apply", "-"] + ([] if parameters["rollback"] else ["--no-rollback"])
         try:
-            # Names are more than ASCII, whatever the controller's own language.
-            return self.module.run_command(
+            # Ansible's own way to run a command takes offence at one that ends before it has read its input.
+            done = subprocess.run(
                 words,
-                handle_exceptions=False,
-                environ_update={"LANG": "C.UTF-8", "LC_ALL": "C.UTF-8"},
+                input=json.dumps(document_of(parameters)).encode(),
+                capture_output=True,
+                check=False,
+                # Names are more than ASCII, whatever the controller's own language.
+                env={**os.environ, "LANG": "C.UTF-8", "LC_ALL": "C.UTF-8"},
             )
         except OSError as error:
-            raise ToolFailure(f"cannot run {words[0]}: {error}") from error
+            self.fail(f"cannot run {words[0]}: {error}")
+        try:
+            answer = json.loads(done.stdout)
+        except ValueError:
+            answer = None
+        if not isinstance(answer, dict):
+            said = done.stderr.decode(errors="replace").strip().splitlines()
+            self.fail(f"quilletctl did not answer in JSON: {said[-1] if said else f'status {done.returncode}'}")
+        return answer
 
     def main(self):
-        changes = self.plan()
-        if not self.module.check_mode:
-            self.make(changes)
-            if changes and self.parameters["verify"]:
-                self.verify()
-        self.module.exit_json(
-            changed=bool(changes),
-            changes=[change.told() for change in changes],
-            restart_required=self.restart_required,
-            diff=self.diff(changes),
+        answer = self.ask()
+        if "error" in answer:
+            error = answer["error"]
+            self.fail(
+                error["message"].replace("\n", "; "), restart_required=error["restartNeeded"], provider_code=error["code"],
+                provider_code_name=error["name"],
+            )
+        for warning in answer["warnings"]:
+            self.module.warn(warning)
+        if answer["problems"]:
+            self.fail(
+                "the description does not fit the machine: " + "; ".join(answer["problems"]),
+                problems=answer["problems"], losses=answer["losses"],
+            )
+        changes = [told(change) for change in answer["changes"]]
+        if not self.module.check_mode and (answer["failure"] or answer["differences"]):
+            self.fail_half_way(answer, changes)
+        self.end(
+            self.module.exit_json, changes, losses=answer["losses"], restart_required=answer.get("restartNeeded")
         )
 
-    def plan(self):
-        adapters, teams = self.parameters["adapters"], self.parameters["teams"]
-        try:
-            self.machine = read(self.tool, adapters, teams, self.parameters["exclusive"], self.machine)
-            return plan(self.machine, adapters, teams, self.parameters["exclusive"])
-        except ToolFailure as failure:
-            self.fail(str(failure), **self.fields(failure))
-        except DescriptionError as mistake:
-            self.fail(f"the description does not fit the machine: {mistake}", problems=mistake.problems)
-
-    def make(self, changes):
-        new_teams = {}
-        for index, change in enumerate(changes):
-            try:
-                restart, warnings = self.tool.make(change, new_teams)
-            except ToolFailure as failure:
-                self.fail(
-                    f"{len(self.made)} of {len(changes)} changes were made, then: {failure}",
-                    failed_change=change.told(),
-                    pending_changes=[each.told() for each in changes[index + 1 :]],
-                    **self.fields(failure),
-                )
-            self.restart_required = self.restart_required or restart
-            self.made.append(change)
-            for warning in warnings:
-                self.module.warn(f"{change.subject}, {change.what}: {warning}")
-
-    def verify(self):
-        left = self.plan()
-        if left:
-            told = [change.told() for change in left]
-            self.fail(
-                "the machine took every change and still differs from the description: "
-                + "; ".join(f"{each['subject']}, {each['what']} is {each['before']}" for each in told),
-                pending_changes=told,
-            )
-
-    @staticmethod
-    def fields(failure):
-        fields = {"provider_code": failure.provider_code, "provider_code_name": failure.provider_code_name}
-        if not failure.problems:
-            return fields
-        return {**fields, "problems": failure.problems}
-
-    def fail(self, message, **fields):
-        self.module.fail_json(
-            msg=message,
-            changed=bool(self.made),
-            changes=[change.told() for change in self.made],
-            restart_required=self.restart_required,
-            diff=self.diff(self.made),
+    def fail_half_way(self, answer, changes):
+        code, _, name = (answer["code"] or "").partition(" ")
+        done = answer["done"]
+        fields = {"provider_code": code or None, "provider_code_name": name or None}
+        if answer["failure"] and done < len(changes):
+            fields.update(failed_change=changes[done], pending_changes=changes[done + 1 :])
+        if answer["failure"]:
+            message = f"{done} of {len(changes)} changes were made, then: {answer['failure']}"
+        else:
+            message = "the machine took every change and still differs from the description: "
+            message += "; ".join(answer["differences"])
+        if answer["notRestored"]:
+            message += "; not everything is as it was before: " + "; ".join(answer["notRestored"])
+        elif answer["wentBack"]:
+            message += "; everything is as it was before"
+        self.fail(
+            message,
+            [] if answer["wentBack"] else changes[:done],
+            changed=bool(answer["notRestored"]) if answer["wentBack"] else done > 0,
+            restart_required=answer["restartNeeded"],
+            losses=answer["losses"],
+            differences=answer["differences"],
+            went_back=answer["wentBack"],
+            not_restored=answer["notRestored"],
             **fields,
         )
-
-    @staticmethod
-    def diff(changes):
-        """A line for each thing that changes, as it was and as it is."""
-        sides = {"before": "", "after": ""}
-        for change in changes:
-            for side in sides:
-                value = getattr(change, side)
-                if value is not None:
-                    text = value if isinstance(value, str) else json.dumps(value, ensure_ascii=False)
-                    sides[side] += f"{change.subject}, {change.what}: {text}\n"
-        return sides
 
 
 def main():
