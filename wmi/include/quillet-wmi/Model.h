@@ -38,7 +38,7 @@ struct Instance;
 
 /// An instance that is the value of a property; never null.
 struct Embedded {
-    std::shared_ptr<const Instance> object;
+    std::shared_ptr<const Instance> object; ///< the instance
     /// Whether class and values are the same.
     friend bool operator==(const Embedded& left, const Embedded& right);
 };
