@@ -33,7 +33,7 @@ std::string ReasonOf(const Unrecorded& each) {
     return FAILED(each.code) ? ExplainResult(each.code) : ToUtf8(each.reason);
 }
 
-Json AsJson(const Record& record) {
+Json RecordJson(const Record& record) {
     Json classes = Json::array();
     for (const auto& [name, count] : record.found) {
         classes.push_back(Json{{"class", ToUtf8(name)}, {"instances", count}});
@@ -83,7 +83,7 @@ class RecordVerb final : public Command {
   private:
     void Tell(Invocation& run, const Record& record) const {
         Json answer{{"file", m_file}};
-        answer.update(AsJson(record));
+        answer.update(RecordJson(record));
         if (run.WantsJson()) {
             run.Print(answer);
             return;

@@ -100,7 +100,7 @@ class SetProfile final : public Command {
     }
 
     ExitStatus Run(Invocation& run) override {
-        SettingTargets targets(run, IsPattern(m_adapter), Told::Settings);
+        SettingTargets targets(run, IsPattern(m_adapter), ToldBy::Settings);
         for (const ListedAdapter& adapter : FindAdapters(run.Session(), {m_adapter})) {
             targets.Add({adapter.id, adapter.path, adapter.objectId, adapter.Called()},
                         {{"PerformanceProfile", m_profile}});

@@ -90,7 +90,7 @@ class SetSettings final : public ChangeSettings {
         if (!areAssignments) {
             assignments = {{m_words.front(), m_words.back()}};
         }
-        SettingTargets targets(run, IsOfSeveral(), areAssignments ? Told::Settings : Told::Owners);
+        SettingTargets targets(run, IsOfSeveral(), areAssignments ? ToldBy::Settings : ToldBy::Owners);
         for (const SettingOwner& owner : Owners(run.Session())) {
             targets.Add(owner, assignments);
         }
@@ -128,7 +128,7 @@ class ResetSettings final : public ChangeSettings {
         for (const std::string& word : m_words) {
             assignments.push_back({word, std::nullopt});
         }
-        SettingTargets targets(run, IsOfSeveral() || assignments.empty(), Told::Settings);
+        SettingTargets targets(run, IsOfSeveral() || assignments.empty(), ToldBy::Settings);
         for (const SettingOwner& owner : Owners(run.Session())) {
             if (assignments.empty()) {
                 targets.AddDiffering(owner);

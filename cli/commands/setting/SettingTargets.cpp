@@ -109,7 +109,7 @@ void SettingTargets::AddOne(const SettingOwner& owner, const std::vector<quillet
     Target& target = wanted.target;
     target.called = owner.called;
     target.named = {{"kind", {}, WordFor(owner)}, {"path", {}, owner.path}};
-    if (m_told == Told::Settings) {
+    if (m_told == ToldBy::Settings) {
         target.named.push_back({"setting", {}, caption});
         target.named.push_back({"value", {}, assignment.value ? Json(*assignment.value) : Json()});
     }
@@ -140,7 +140,7 @@ void SettingTargets::Want(Wanted& wanted, const quillet::Setting& setting, const
     target.possible = PossibleText(setting);
     target.asked = what + value;
     target.step = what + text;
-    if (m_told == Told::Settings) {
+    if (m_told == ToldBy::Settings) {
         target.called += ": " + wanted.caption;
         target.named.back().value = value;
     }

@@ -18,7 +18,7 @@ struct Assignment {
 };
 
 /// How the targets of a command are told.
-enum class Told {
+enum class ToldBy {
     Owners,  ///< by their owners, for all are about one setting
     Settings ///< by owner and setting
 };
@@ -27,7 +27,7 @@ class SettingTargets {
   public:
     /// @param isOfSeveral whether the command is about several owners: one without the setting, or with one
     /// that is read only, is passed over then
-    SettingTargets(Invocation& run, bool isOfSeveral, Told told) noexcept
+    SettingTargets(Invocation& run, bool isOfSeveral, ToldBy told) noexcept
         : m_run(run), m_isOfSeveral(isOfSeveral), m_told(told) {}
 
     /// Throws UsageError where an owner that was meant has no such setting, and Refusal.
@@ -62,7 +62,7 @@ class SettingTargets {
 
     Invocation& m_run;
     bool m_isOfSeveral;
-    Told m_told;
+    ToldBy m_told;
     std::vector<Wanted> m_wanted;
 };
 
