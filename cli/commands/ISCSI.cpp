@@ -81,6 +81,7 @@ class SetPlace final : public AdapterCommand {
     void Declare(Syntax& syntax) override {
         AdapterCommand::Declare(syntax);
         std::vector<std::string> words;
+        words.reserve(std::size(kPlaces));
         for (const IscsiStatus place : kPlaces) {
             words.push_back(InWords(place));
         }

@@ -120,7 +120,8 @@ std::vector<std::size_t> ChooseNamed(const std::vector<Named>& things, const std
             for (const Named& thing : things) {
                 names.insert(names.end(), thing.names.begin(), thing.names.end());
             }
-            throw UsageError("no " + kind + " is called \"" + text + '"' + DidYouMean(text, names));
+            throw UsageError(std::string("no ").append(kind) + " is called \"" + text + '"' +
+                             DidYouMean(text, names));
         }
         for (const std::size_t i : found) {
             isChosen[i] = true;

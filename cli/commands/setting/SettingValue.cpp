@@ -36,6 +36,7 @@ std::vector<std::string> Pieces(const std::string& text, char separator) {
 [[noreturn]] void Reject(const quillet::Setting& setting, const std::string& text,
                          const std::vector<quillet::Choice>& choices = {}) {
     std::vector<std::string> texts;
+    texts.reserve(choices.size());
     for (const quillet::Choice& choice : choices) {
         texts.push_back(ToUtf8(choice.text));
     }
