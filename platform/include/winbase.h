@@ -4,6 +4,8 @@
 #include <windef.h>
 #include <winnt.h>
 
+#include <pthread.h>
+
 #pragma GCC visibility push(default)
 
 // --- Last error and memory -----------------------------------------------------------------------------
@@ -99,6 +101,18 @@ void WINAPI EnterCriticalSection(LPCRITICAL_SECTION section);
 BOOL WINAPI TryEnterCriticalSection(LPCRITICAL_SECTION section);
 void WINAPI LeaveCriticalSection(LPCRITICAL_SECTION section);
 void WINAPI DeleteCriticalSection(LPCRITICAL_SECTION section);
+
+/// A lock for many readers or one writer, which nobody has to delete.
+struct SRWLOCK {
+    pthread_rwlock_t Lock;
+};
+using PSRWLOCK = SRWLOCK*;
+#define SRWLOCK_INIT                                                                                         \
+    { PTHREAD_RWLOCK_INITIALIZER }
+void WINAPI AcquireSRWLockShared(PSRWLOCK lock);
+void WINAPI ReleaseSRWLockShared(PSRWLOCK lock);
+void WINAPI AcquireSRWLockExclusive(PSRWLOCK lock);
+void WINAPI ReleaseSRWLockExclusive(PSRWLOCK lock);
 
 inline LONG InterlockedIncrement(volatile LONG* value) noexcept {
     return __atomic_add_fetch(value, 1, __ATOMIC_SEQ_CST);

@@ -7,12 +7,23 @@
 
 namespace quillet::platform {
 
+/// Which part of something that is divided among the threads is the calling thread's. Two threads may have
+/// the same. The simulated WMI has the same for itself: on Windows there is nothing of ours below it.
+struct OwnPart {
+    static constexpr std::size_t kCount = 16;
+    static std::size_t Index() noexcept {
+        static std::atomic<std::size_t> threads{0};
+        thread_local const std::size_t kOwn = threads.fetch_add(1, std::memory_order_relaxed) % kCount;
+        return kOwn;
+    }
+};
+
 /// A number that every thread changes all the time and that is read seldom. Each thread changes a part of its
 /// own: a single number would travel between the cores with every BSTR.
 class Counter {
   public:
     void Add(long difference) noexcept {
-        m_parts[OwnPart()].value.fetch_add(difference, std::memory_order_relaxed);
+        m_parts[OwnPart::Index()].value.fetch_add(difference, std::memory_order_relaxed);
     }
     long Value() const noexcept {
         long sum = 0;
@@ -27,15 +38,7 @@ class Counter {
     struct alignas(64) Part {
         std::atomic<long> value{0};
     };
-    static constexpr std::size_t kParts = 16;
-
-    static std::size_t OwnPart() noexcept {
-        static std::atomic<std::size_t> threads{0};
-        thread_local const std::size_t kOwn = threads.fetch_add(1, std::memory_order_relaxed) % kParts;
-        return kOwn;
-    }
-
-    std::array<Part, kParts> m_parts;
+    std::array<Part, OwnPart::kCount> m_parts;
 };
 
 struct Counters {

@@ -1,4 +1,4 @@
-// CRITICAL_SECTION over a re-entrant mutex.
+// CRITICAL_SECTION over a re-entrant mutex, SRWLOCK over the system's lock for readers and writers.
 #include <windows.h>
 
 #include <mutex>
@@ -35,4 +35,20 @@ void WINAPI LeaveCriticalSection(LPCRITICAL_SECTION section) {
 void WINAPI DeleteCriticalSection(LPCRITICAL_SECTION section) {
     delete MutexOf(section);
     section->LockSemaphore = nullptr;
+}
+
+void WINAPI AcquireSRWLockShared(PSRWLOCK lock) {
+    pthread_rwlock_rdlock(&lock->Lock);
+}
+
+void WINAPI ReleaseSRWLockShared(PSRWLOCK lock) {
+    pthread_rwlock_unlock(&lock->Lock);
+}
+
+void WINAPI AcquireSRWLockExclusive(PSRWLOCK lock) {
+    pthread_rwlock_wrlock(&lock->Lock);
+}
+
+void WINAPI ReleaseSRWLockExclusive(PSRWLOCK lock) {
+    pthread_rwlock_unlock(&lock->Lock);
 }

@@ -3,11 +3,13 @@
 #include "Apartment.h"
 #include "Counters.h"
 
+#include <array>
 #include <cstddef>
+#include <memory>
 #include <mutex>
 #include <new>
-#include <shared_mutex>
 #include <unordered_map>
+#include <vector>
 
 namespace quillet::platform {
 namespace {
@@ -42,12 +44,16 @@ class Table final : public IGlobalInterfaceTable {
         if (FAILED(hr)) {
             return hr;
         }
-        const std::unique_lock guard(m_lock);
+        const auto registered = std::make_shared<const Registered>(asked);
+        const std::lock_guard guard(m_changes);
         // Counts on, so that a cookie kept too long does not soon name something else.
         do {
             ++m_lastCookie;
-        } while (m_lastCookie == 0 || m_entries.count(m_lastCookie) != 0);
-        m_entries.emplace(m_lastCookie, asked);
+        } while (m_lastCookie == 0 || m_parts.front().entries.count(m_lastCookie) != 0);
+        for (Part& part : m_parts) {
+            const std::lock_guard lock(part.mutex);
+            part.entries.emplace(m_lastCookie, std::make_shared<const Entry>(Entry{registered}));
+        }
         *cookie = m_lastCookie;
         g_counters.interfaceTableEntries.Add(1);
         return S_OK;
@@ -57,19 +63,22 @@ class Table final : public IGlobalInterfaceTable {
         if (!IsComInitialised()) {
             return CO_E_NOTINITIALIZED;
         }
-        IUnknown* object = nullptr;
+        // They go when all locks are released: the last release of an object may run any code.
+        std::vector<EntryPtr> revoked;
         {
-            const std::unique_lock guard(m_lock);
-            const auto found = m_entries.find(cookie);
-            if (found == m_entries.end()) {
-                return E_INVALIDARG;
+            const std::lock_guard guard(m_changes);
+            for (Part& part : m_parts) {
+                const std::lock_guard lock(part.mutex);
+                if (const auto found = part.entries.find(cookie); found != part.entries.end()) {
+                    revoked.push_back(std::move(found->second));
+                    part.entries.erase(found);
+                }
             }
-            object = found->second;
-            m_entries.erase(found);
+        }
+        if (revoked.empty()) {
+            return E_INVALIDARG;
         }
         g_counters.interfaceTableEntries.Add(-1);
-        // Outside the lock: the last release may run any code.
-        object->Release();
         return S_OK;
     }
 
@@ -81,43 +90,73 @@ class Table final : public IGlobalInterfaceTable {
             return E_INVALIDARG;
         }
         *object = nullptr;
-        IUnknown* registered = nullptr;
+        EntryPtr entry;
         {
-            const std::shared_lock guard(m_lock);
-            const auto found = m_entries.find(cookie);
-            if (found == m_entries.end()) {
+            Part& part = m_parts[OwnPart::Index()];
+            const std::lock_guard lock(part.mutex);
+            const auto found = part.entries.find(cookie);
+            if (found == part.entries.end()) {
                 return E_INVALIDARG;
             }
-            registered = found->second;
-            registered->AddRef();
+            entry = found->second;
         }
-        const HRESULT hr = HandOut(registered, riid, object);
-        registered->Release();
-        return hr;
+        return entry->registered->HandOut(riid, object);
     }
 
   private:
-    static HRESULT HandOut(IUnknown* registered, REFIID riid, void** object) {
-        IClientSecurity* security = nullptr;
-        if (FAILED(registered->QueryInterface(IID_IClientSecurity, reinterpret_cast<void**>(&security)))) {
-            return registered->QueryInterface(riid, object);
+    /// An interface and what copies it, asked for once.
+    class Registered {
+      public:
+        /// @param object whose reference it takes over
+        explicit Registered(IUnknown* object) : m_object(object) {
+            if (FAILED(object->QueryInterface(IID_IClientSecurity, reinterpret_cast<void**>(&m_security)))) {
+                m_security = nullptr;
+            }
         }
-        IUnknown* copy = nullptr;
-        HRESULT hr = security->CopyProxy(registered, &copy);
-        security->Release();
-        if (FAILED(hr)) {
+        ~Registered() {
+            if (m_security) {
+                m_security->Release();
+            }
+            m_object->Release();
+        }
+        Registered(const Registered&) = delete;
+        Registered& operator=(const Registered&) = delete;
+
+        HRESULT HandOut(REFIID riid, void** object) const {
+            if (!m_security) {
+                return m_object->QueryInterface(riid, object);
+            }
+            IUnknown* copy = nullptr;
+            HRESULT hr = m_security->CopyProxy(m_object, &copy);
+            if (FAILED(hr)) {
+                return hr;
+            }
+            if (!copy) {
+                return E_NOINTERFACE;
+            }
+            hr = copy->QueryInterface(riid, object);
+            copy->Release();
             return hr;
         }
-        if (!copy) {
-            return E_NOINTERFACE;
-        }
-        hr = copy->QueryInterface(riid, object);
-        copy->Release();
-        return hr;
-    }
 
-    std::shared_mutex m_lock;
-    std::unordered_map<DWORD, IUnknown*> m_entries;
+      private:
+        IUnknown* const m_object;
+        IClientSecurity* m_security = nullptr;
+    };
+    /// What a thread holds while it retrieves: the count is its part's, and lies apart from those of others.
+    struct alignas(64) Entry {
+        std::shared_ptr<const Registered> registered;
+    };
+    using EntryPtr = std::shared_ptr<const Entry>;
+    /// All interfaces, for some of the threads. Every operation of every thread looks into the table: with
+    /// one for all they would wait for its lock and its counts rather than for each other's calls.
+    struct alignas(64) Part {
+        std::mutex mutex;
+        std::unordered_map<DWORD, EntryPtr> entries;
+    };
+
+    std::mutex m_changes; ///< keeps the parts alike
+    std::array<Part, OwnPart::kCount> m_parts;
     DWORD m_lastCookie = 0xff;
 };
 

@@ -221,6 +221,24 @@ TEST(ThreadsTest, CriticalSectionGuardsWhatItGuards) {
     DeleteCriticalSection(&section);
 }
 
+TEST(ThreadsTest, SharedLockGuardsWhatItGuards) {
+    SRWLOCK lock = SRWLOCK_INIT;
+    int counter = 0;
+    InParallel([&](int) {
+        int last = 0;
+        for (int i = 0; i < kRounds; ++i) {
+            AcquireSRWLockExclusive(&lock);
+            ++counter;
+            ReleaseSRWLockExclusive(&lock);
+            AcquireSRWLockShared(&lock);
+            EXPECT_GT(counter, last);
+            last = counter;
+            ReleaseSRWLockShared(&lock);
+        }
+    });
+    EXPECT_EQ(counter, kThreads * kRounds);
+}
+
 TEST(ThreadsTest, HooksAndStateOfThreadsDoNotMeet) {
     InParallel([&](int thread) {
         for (int i = 0; i < kRounds; ++i) {

@@ -233,6 +233,26 @@ TEST(CriticalSectionsTest, WithSpinCountAreTheSame) {
     DeleteCriticalSection(&section);
 }
 
+TEST(SharedLocksTest, LetReadersInTogetherAndWritersAlone) {
+    SRWLOCK lock = SRWLOCK_INIT;
+    AcquireSRWLockShared(&lock);
+    std::thread([&lock] {
+        AcquireSRWLockShared(&lock);
+        ReleaseSRWLockShared(&lock);
+    }).join(); // it would never end if readers kept each other out
+    std::atomic<bool> wrote = false;
+    std::thread writer([&] {
+        AcquireSRWLockExclusive(&lock);
+        wrote = true;
+        ReleaseSRWLockExclusive(&lock);
+    });
+    Sleep(20);
+    EXPECT_FALSE(wrote) << "beside a reader";
+    ReleaseSRWLockShared(&lock);
+    writer.join();
+    EXPECT_TRUE(wrote);
+}
+
 TEST(InterlockedTest, CountersReturnTheNewValueAndExchangesTheOld) {
     LONG value = 5;
     EXPECT_EQ(InterlockedIncrement(&value), 6);

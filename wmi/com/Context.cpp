@@ -3,10 +3,13 @@
 
 #include "connection/Session.h"
 
+#include <quillet-wmi/OwnCounts.h>
+#include <quillet-wmi/SharedMutex.h>
 #include <quillet-wmi/Variant.h>
 
 #include <map>
 #include <mutex>
+#include <shared_mutex>
 
 namespace quillet::wmi {
 
@@ -25,6 +28,8 @@ class OwnedVariant {
     }
     ~OwnedVariant() { VariantClear(&m_variant); }
     VARIANT* Get() noexcept { return &m_variant; }
+    /// To be copied from, which OLE declares as if it might change.
+    VARIANT* Get() const noexcept { return const_cast<VARIANT*>(&m_variant); }
 
   private:
     VARIANT m_variant{};
@@ -40,7 +45,7 @@ class Context final : public ComObject<IWbemContext, IID_IWbemContext> {
         if (!ClearOut(copy)) {
             return HRESULT(WBEM_E_INVALID_PARAMETER);
         }
-        *copy = Copy();
+        *copy = Copy(m_host.Shared());
         return *copy != nullptr ? HRESULT(S_OK) : HRESULT(WBEM_E_OUT_OF_MEMORY);
     }
 
@@ -110,7 +115,7 @@ class Context final : public ComObject<IWbemContext, IID_IWbemContext> {
         ObservedCall seen;
         seen.operation = Operation::SetContextValue;
         seen.target = name;
-        const LocalCall call(m_host->Observer(), seen);
+        const LocalCall call(m_host.Shared()->Observer(), seen);
         if (call.Stopped()) {
             return call.Done(*call.Stopped());
         }
@@ -160,13 +165,14 @@ class Context final : public ComObject<IWbemContext, IID_IWbemContext> {
 
   protected:
     // On a real machine a context is marshalled by value: what one thread sets in its own, no other sees.
-    IUnknown* CopyForRetrieval() override { return static_cast<IWbemContext*>(Copy()); }
+    IUnknown* CopyForRetrieval() override { return static_cast<IWbemContext*>(Copy(m_host.Taken())); }
 
   private:
-    Context* Copy() {
-        ComOwner<Context> copy(new Context(m_host));
-        const std::lock_guard lock(m_mutex);
-        for (auto& [name, value] : m_values) {
+    Context* Copy(std::shared_ptr<Host> host) {
+        ComOwner<Context> copy(new Context(std::move(host)));
+        // Every operation of every thread begins with a copy of one context.
+        const std::shared_lock lock(m_mutex);
+        for (const auto& [name, value] : m_values) {
             if (FAILED(VariantCopy(copy->m_values[name].Get(), value.Get()))) {
                 return nullptr;
             }
@@ -182,8 +188,8 @@ class Context final : public ComObject<IWbemContext, IID_IWbemContext> {
         return names;
     }
 
-    std::shared_ptr<Host> m_host;
-    std::mutex m_mutex;
+    const CountedByThreads<Host> m_host;
+    SharedMutex m_mutex;
     Values m_values;
     std::vector<std::wstring> m_enumerated;
     std::size_t m_position = 0;

@@ -189,7 +189,7 @@ class ServicesProxy final : public ServicesBase {
 
   protected:
     // Each thread that retrieves the service gets a proxy of its own, and a new proxy has no blanket.
-    IUnknown* CopyForRetrieval() override { return MakeServices(OwnSession()); }
+    IUnknown* CopyForRetrieval() override { return MakeServices(SessionForCopy()); }
 
   private:
     static WriteMode WriteModeOf(LONG flags) {

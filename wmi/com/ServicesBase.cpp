@@ -3,25 +3,14 @@
 
 namespace quillet::wmi {
 
-namespace {
-
-/// The same session with a count of its own. Each thread has its own proxy; whatever that hands out holds the
-/// session, and would otherwise share its count with the objects of all other threads.
-SessionPtr CountedAlone(SessionPtr session) {
-    const Session* const same = session.get();
-    return SessionPtr(std::make_shared<const SessionPtr>(std::move(session)), same);
-}
-
-} // namespace
-
-ServicesBase::ServicesBase(SessionPtr session) : m_session(CountedAlone(std::move(session))) {}
+ServicesBase::ServicesBase(SessionPtr session) : m_session(std::move(session)) {}
 
 HRESULT ServicesBase::Unsupported(const wchar_t* method) const {
-    const ServiceCall call(*m_session, Operation::Unsupported, {}, 0, nullptr, false, method);
+    const ServiceCall call(*OwnSession(), Operation::Unsupported, {}, 0, nullptr, false, method);
     if (const HRESULT admitted = call.Admit(m_blanket, true); FAILED(admitted)) {
         return admitted;
     }
-    const LocalCall refused(m_session->observer, call.seen);
+    const LocalCall refused(OwnSession()->observer, call.seen);
     return refused.Done(refused.Stopped().value_or(HRESULT(WBEM_E_NOT_SUPPORTED)));
 }
 
@@ -124,7 +113,7 @@ HRESULT STDMETHODCALLTYPE ServicesBase::SetBlanket(IUnknown* proxy, DWORD authen
     ObservedCall seen;
     seen.operation = Operation::SetBlanket;
     seen.target = L"IWbemServices";
-    const LocalCall call(m_session->observer, seen);
+    const LocalCall call(OwnSession()->observer, seen);
     if (call.Stopped()) {
         return call.Done(*call.Stopped());
     }

@@ -4,6 +4,8 @@
 #include "com/ComObject.h"
 #include "com/ServiceCall.h"
 
+#include <quillet-wmi/OwnCounts.h>
+
 namespace quillet::wmi {
 
 /// A session with a security blanket. It refuses what is not done: calls that end at a sink, notifications,
@@ -47,13 +49,16 @@ class ServicesBase : public ComObject<IWbemServices, IID_IWbemServices> {
   protected:
     explicit ServicesBase(SessionPtr session);
 
-    const SessionPtr& OwnSession() const noexcept { return m_session; }
+    const SessionPtr& OwnSession() const noexcept { return m_session.Shared(); }
+    /// The same for another proxy. Each thread has its own; whatever that hands out holds the session, and
+    /// would otherwise share its count with the objects of all other threads.
+    SessionPtr SessionForCopy() const { return m_session.Taken(); }
     const Blanket& OwnBlanket() const noexcept { return m_blanket; }
 
   private:
     HRESULT Unsupported(const wchar_t* method) const;
 
-    const SessionPtr m_session;
+    const CountedByThreads<const Session> m_session;
     Blanket m_blanket;
 };
 

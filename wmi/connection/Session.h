@@ -42,6 +42,8 @@ class LocalCall {
     bool Withheld() const noexcept { return m_interference.withhold; }
     /// The status that GetCallStatus tells instead of the true one.
     const std::optional<HRESULT>& Status() const noexcept { return m_interference.status; }
+    /// Whether the VARIANT that is handed out holds something else than the object does.
+    bool Damages() const noexcept { return m_interference.fill != nullptr; }
     /// Fills the VARIANT that is handed out.
     HRESULT Fill(const Value& value, CIMTYPE type, VARIANT* variant) const;
     /// Whether Done will tell anybody.

@@ -43,7 +43,10 @@ class Repository : public MofTarget {
     /// another class of the family has the keys), WBEM_E_NOT_FOUND, WBEM_E_INVALID_OBJECT,
     /// WBEM_E_TYPE_MISMATCH; the reason in words, if asked for.
     HRESULT PutInstance(Instance instance, WriteMode mode = WriteMode::CreateOrUpdate,
-                        std::wstring* reason = nullptr) override;
+                        std::wstring* reason = nullptr);
+    /// The same; one that is not taken has the values that it had, and `kept` is one that is.
+    HRESULT StoreInstance(Instance& instance, WriteMode mode, InstancePtr& kept,
+                          std::wstring* reason) override;
     /// Removes an instance; WBEM_E_NOT_FOUND when there is none. Associations that refer to it stay, and
     /// lead nowhere.
     HRESULT DeleteInstance(const ObjectPath& path);
@@ -55,6 +58,9 @@ class Repository : public MofTarget {
     InstancePtr FindInstance(std::wstring_view path) const override;
     /// The instances of a class, and of its subclasses unless shallow, in order of creation.
     std::vector<InstancePtr> Instances(std::wstring_view className, bool shallow = false) const;
+    /// The same as one list that is shared by all who ask, until anything changes.
+    std::shared_ptr<const std::vector<InstancePtr>> InstanceList(std::wstring_view className,
+                                                                 bool shallow = false) const;
     /// All instances, in order of creation.
     std::vector<InstancePtr> AllInstances() const;
 

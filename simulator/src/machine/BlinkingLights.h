@@ -1,9 +1,12 @@
 // Which adapters blink so that a person finds them, and until when.
 #pragma once
 
+#include "machine/BriefMutex.h"
+
 #include <quillet-wmi/Model.h>
 
 #include <chrono>
+#include <map>
 #include <mutex>
 
 namespace quillet::simulator {
@@ -25,7 +28,7 @@ class BlinkingLights {
     }
 
   private:
-    mutable std::mutex m_mutex;
+    mutable BriefMutex m_mutex;
     std::map<std::wstring, std::chrono::milliseconds, wmi::NameLess> m_until;
 };
 

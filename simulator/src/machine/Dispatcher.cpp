@@ -3,6 +3,8 @@
 
 #include "machine/MachineState.h"
 
+#include <quillet-wmi/OwnCounts.h>
+
 #include <algorithm>
 #include <set>
 
@@ -40,10 +42,14 @@ HRESULT Missing(const Repository& store, const ObjectPath& path) {
                                                       : HRESULT(WBEM_E_NOT_FOUND);
 }
 
+/// What one client alone holds.
+auto OwnList(std::vector<InstancePtr> instances) {
+    return std::make_shared<const std::vector<InstancePtr>>(std::move(instances));
+}
+
 /// Instances with all their properties, counted with the answer that they are part of: it is one client's
 /// alone, and their own counts are shared by the threads of all clients.
-std::vector<Object> Whole(std::vector<InstancePtr> instances) {
-    const auto answer = std::make_shared<const std::vector<InstancePtr>>(std::move(instances));
+std::vector<Object> Whole(const std::shared_ptr<const std::vector<InstancePtr>>& answer) {
     std::vector<Object> objects;
     objects.reserve(answer->size());
     for (const InstancePtr& instance : *answer) {
@@ -126,7 +132,8 @@ HRESULT Dispatcher::GetObject(std::wstring_view text, Object& found) const {
     }
     const auto& store = m_machine.Store();
     if (path.IsClass()) {
-        found.definition = store.FindClass(path.className);
+        // Nearly every operation asks for a class.
+        found.definition = CountedAlone(store.FindClass(path.className));
         return found.definition != nullptr ? HRESULT(S_OK) : HRESULT(WBEM_E_NOT_FOUND);
     }
     found.instance = store.FindInstance(path);
@@ -143,7 +150,7 @@ HRESULT Dispatcher::InstancesOf(std::wstring_view className, Depth depth, std::v
     if (store.FindClass(className) == nullptr) {
         return HRESULT(WBEM_E_INVALID_CLASS);
     }
-    found = Whole(store.Instances(className, depth == Depth::Shallow));
+    found = Whole(CountedAlone(store.InstanceList(className, depth == Depth::Shallow)));
     return S_OK;
 }
 
@@ -175,7 +182,7 @@ HRESULT Dispatcher::Query(std::wstring_view text, std::vector<Object>& found) co
     if (query->kind != WqlQuery::Kind::Select) {
         const HRESULT result = store.Associations(*query, instances);
         if (SUCCEEDED(result)) {
-            found = query->classDefsOnly ? ClassesOf(instances) : Whole(std::move(instances));
+            found = query->classDefsOnly ? ClassesOf(instances) : Whole(OwnList(std::move(instances)));
         }
         return result;
     }
@@ -191,7 +198,7 @@ HRESULT Dispatcher::Query(std::wstring_view text, std::vector<Object>& found) co
         return result;
     }
     if (query->properties.empty()) {
-        found = Whole(std::move(instances));
+        found = Whole(OwnList(std::move(instances)));
     } else {
         found = Projected(instances, query->properties);
     }
@@ -244,7 +251,10 @@ HRESULT Dispatcher::ExecMethod(Request& request, std::wstring_view text, std::ws
             return *cut;
         }
         machine.clock.Pass(duration);
-        const std::lock_guard lock(machine.changes);
+        std::unique_lock lock(machine.changes, std::defer_lock);
+        if (provider.Changes(call)) {
+            lock.lock();
+        }
         if (call.instance != nullptr) {
             call.instance = store.FindInstance(path);
             if (call.instance == nullptr) {

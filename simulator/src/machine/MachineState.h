@@ -11,6 +11,7 @@
 
 namespace quillet::simulator {
 
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): what is read and what is written lie apart
 struct Machine::State {
     /// @param prototype what the store holds at first
     State(const Repository& prototype, const MachineOptions& options);

@@ -1,6 +1,8 @@
 // A clock that stands still until it is told otherwise.
 #include "machine/SimulatedClock.h"
 
+#include <mutex>
+#include <shared_mutex>
 #include <thread>
 
 namespace quillet::simulator {
@@ -14,7 +16,7 @@ std::chrono::milliseconds SimulatedClock::Read() const {
 }
 
 std::chrono::milliseconds SimulatedClock::Now() const {
-    const std::lock_guard lock(m_mutex);
+    const std::shared_lock lock(m_mutex);
     return Read();
 }
 

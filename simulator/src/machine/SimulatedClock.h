@@ -1,6 +1,8 @@
 // A clock that stands still until it is told otherwise.
 #pragma once
 
+#include <quillet-wmi/ReadMostlyMutex.h>
+
 #include <chrono>
 #include <cstdint>
 #include <mutex>
@@ -24,7 +26,7 @@ class SimulatedClock {
   private:
     std::chrono::milliseconds Read() const;
 
-    mutable std::mutex m_mutex;
+    mutable wmi::ReadMostlyMutex m_mutex; ///< the clock is read far more often than set
     std::chrono::milliseconds m_elapsed{0};
     bool m_follows = false;
     std::chrono::steady_clock::time_point m_since;

@@ -66,6 +66,8 @@ class ClassProvider {
     virtual HRESULT ExecMethod(MethodCall& call);
     /// How much simulated time a method takes; it has passed when ExecMethod is called.
     virtual std::chrono::milliseconds Duration(const MethodCall& call) const;
+    /// Whether a method may change instances, so that all such calls run one after the other.
+    virtual bool Changes(const MethodCall&) const { return true; }
     /// Stores an instance.
     virtual HRESULT PutInstance(Request& request, const Instance& instance, WriteMode mode);
     /// Removes an instance.

@@ -58,6 +58,11 @@ class PhysicalAdapterProvider final : public ClassProvider {
         return call.instance != nullptr ? handler->second(call) : HRESULT(WBEM_E_INVALID_METHOD_PARAMETERS);
     }
 
+    /// To blink is all that an adapter does that finds it.
+    bool Changes(const MethodCall& call) const override {
+        return !SameName(call.method.name, L"IdentifyAdapter");
+    }
+
     HRESULT PutInstance(Request& request, const Instance& instance, WriteMode mode) override {
         const HRESULT result = ClassProvider::PutInstance(request, instance, mode);
         if (SUCCEEDED(result)) {

@@ -63,9 +63,15 @@ std::vector<ClassPtr> Repository::ClassAndSubclasses(std::wstring_view name) con
 }
 
 HRESULT Repository::PutInstance(Instance instance, WriteMode mode, std::wstring* reason) {
+    InstancePtr kept;
+    return StoreInstance(instance, mode, kept, reason);
+}
+
+HRESULT Repository::StoreInstance(Instance& instance, WriteMode mode, InstancePtr& kept,
+                                  std::wstring* reason) {
     std::wstring ignored;
     const Unique lock(m_state->mutex);
-    return m_state->PutInstance(std::move(instance), mode, reason != nullptr ? *reason : ignored);
+    return m_state->StoreInstance(instance, mode, kept, reason != nullptr ? *reason : ignored);
 }
 
 HRESULT Repository::DeleteInstance(const ObjectPath& path) {
@@ -88,6 +94,14 @@ std::vector<InstancePtr> Repository::Instances(std::wstring_view className, bool
     const Shared lock(m_state->mutex);
     ClassEntry* entry = m_state->FindEntry(className);
     return entry != nullptr ? m_state->Instances(entry, shallow) : std::vector<InstancePtr>();
+}
+
+std::shared_ptr<const std::vector<InstancePtr>> Repository::InstanceList(std::wstring_view className,
+                                                                         bool shallow) const {
+    const Shared lock(m_state->mutex);
+    ClassEntry* entry = m_state->FindEntry(className);
+    return entry != nullptr ? m_state->InstanceList(entry, shallow)
+                            : std::make_shared<const std::vector<InstancePtr>>();
 }
 
 std::vector<InstancePtr> Repository::AllInstances() const {

@@ -52,7 +52,7 @@ void Repository::State::AppendKey(std::wstring& canonical, CIMTYPE type, const S
                                   std::set<std::wstring>* unknown, unsigned depth) const {
     // Lengths in front of texts keep one key's text from posing as the next key.
     const auto append = [&canonical](const std::wstring& text) {
-        canonical += std::to_wstring(text.size());
+        AppendNumber(canonical, std::uint64_t{text.size()});
         canonical += L':';
         canonical += text;
     };
@@ -62,9 +62,9 @@ void Repository::State::AppendKey(std::wstring& canonical, CIMTYPE type, const S
     } else if (const auto* flag = std::get_if<bool>(&value)) {
         canonical += *flag ? L'1' : L'0';
     } else if (const auto* number = std::get_if<std::int64_t>(&value)) {
-        canonical += std::to_wstring(*number);
+        AppendNumber(canonical, *number);
     } else if (const auto* magnitude = std::get_if<std::uint64_t>(&value)) {
-        canonical += std::to_wstring(*magnitude);
+        AppendNumber(canonical, *magnitude);
     }
 }
 

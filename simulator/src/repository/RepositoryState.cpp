@@ -13,7 +13,7 @@ Repository::State::State(std::wstring server, std::wstring nameSpace)
     : serverName(std::move(server)), namespaceName(std::move(nameSpace)) {}
 
 ClassEntry* Repository::State::FindEntry(std::wstring_view name) const {
-    const auto found = classes.find(Folded(name));
+    const auto found = classes.find(name);
     return found != classes.end() ? found->second.get() : nullptr;
 }
 
@@ -44,6 +44,7 @@ HRESULT Repository::State::AddClass(ClassDefinition definition, std::wstring& re
         }
     }
     std::wstring folded = Folded(definition.name);
+    entry->abstract = definition.qualifiers.Has(L"abstract");
     entry->singleton = entry->keys.empty() && definition.qualifiers.Has(L"singleton");
     entry->family = superclass != nullptr && !superclass->keys.empty() ? superclass->family : folded;
     entry->definition = std::make_shared<const ClassDefinition>(std::move(definition));
@@ -51,11 +52,11 @@ HRESULT Repository::State::AddClass(ClassDefinition definition, std::wstring& re
         superclass->subclasses.push_back(entry.get());
     }
     classOrder.push_back(entry.get());
-    classes.emplace(folded, std::move(entry));
+    classes.emplace(entry->definition->name, std::move(entry));
     if (unknownClasses.erase(folded) != 0) {
         Rebuild();
     }
-    ++generation;
+    Changed();
     return 0;
 }
 
@@ -84,21 +85,22 @@ HRESULT Repository::State::CheckValues(Instance& instance, std::wstring& reason)
     return 0;
 }
 
-HRESULT Repository::State::PutInstance(Instance instance, WriteMode mode, std::wstring& reason) {
+HRESULT Repository::State::StoreInstance(Instance& instance, WriteMode mode, InstancePtr& kept,
+                                         std::wstring& reason) {
     ClassEntry* entry = instance.definition ? FindEntry(instance.definition->name) : nullptr;
     if (entry == nullptr || entry->definition != instance.definition ||
         instance.values.size() != entry->definition->properties.size()) {
         reason = L"the instance does not belong to a class of this repository";
         return Code(WBEM_E_INVALID_OBJECT);
     }
-    if (entry->definition->qualifiers.Has(L"abstract")) {
+    if (entry->abstract) {
         reason = L"class " + Quoted(entry->definition->name) + L" is abstract";
         return Code(WBEM_E_INVALID_OBJECT);
     }
     if (const HRESULT result = CheckValues(instance, reason); result != 0) {
         return result;
     }
-    const std::optional<std::wstring> canonical = CanonicalPath(instance, *entry, reason);
+    std::optional<std::wstring> canonical = CanonicalPath(instance, *entry, reason);
     if (!canonical) {
         return Code(WBEM_E_INVALID_OBJECT);
     }
@@ -123,15 +125,20 @@ HRESULT Repository::State::PutInstance(Instance instance, WriteMode mode, std::w
     } else {
         ++nextNumber;
     }
-    stored.instance = std::make_shared<const Instance>(std::move(instance));
-    NoteUnknownClasses(*stored.instance);
+    kept = std::make_shared<const Instance>(std::move(instance));
+    stored.instance = kept;
+    NoteUnknownClasses(stored);
     Link(stored);
-    instances.insert_or_assign(*canonical, std::move(stored));
-    ++generation;
+    instances.insert_or_assign(*std::move(canonical), std::move(stored));
+    Changed();
     return 0;
 }
 
-void Repository::State::NoteUnknownClasses(const Instance& instance) {
+void Repository::State::NoteUnknownClasses(const Stored& stored) {
+    if (!stored.entry->references.empty()) {
+        return; // an association, whose references are looked at when they are linked
+    }
+    const Instance& instance = *stored.instance;
     for (std::size_t i = 0; i < instance.values.size(); ++i) {
         const Scalar* target = instance.values[i].AsScalar();
         if (target != nullptr && instance.definition->properties[i].type == CIM_REFERENCE) {
@@ -142,10 +149,11 @@ void Repository::State::NoteUnknownClasses(const Instance& instance) {
 
 void Repository::State::Link(const Stored& stored) {
     ClassEntry& entry = *stored.entry;
-    entry.extent.insert_or_assign(stored.number, stored.instance);
+    entry.extent.insert_or_assign(entry.extent.end(), stored.number, stored.instance);
     for (const std::size_t index : entry.references) {
         if (const Scalar* target = stored.instance->values[index].AsScalar()) {
-            referrers[Identity(std::get<std::wstring>(*target))][{stored.number, index}] = stored.instance;
+            referrers[Identity(std::get<std::wstring>(*target), &unknownClasses)][{stored.number, index}] =
+                stored.instance;
         }
     }
     for (auto& [property, index] : entry.indexes) {
@@ -198,7 +206,7 @@ void Repository::State::Rebuild() {
     for (auto& [number, stored] : all) {
         std::wstring reason;
         const auto canonical = CanonicalPath(*stored.instance, *stored.entry, reason);
-        NoteUnknownClasses(*stored.instance);
+        NoteUnknownClasses(stored);
         // Paths that looked different before the class was known may name one object: the first one stays.
         if (instances.try_emplace(*canonical, stored).second) {
             Link(stored);
@@ -229,7 +237,7 @@ bool Repository::State::DeleteInstance(const ObjectPath& path) {
     std::wstring reason;
     Unlink(stored);
     instances.erase(*CanonicalPath(*stored.instance, *stored.entry, reason));
-    ++generation;
+    Changed();
     return true;
 }
 
@@ -243,6 +251,20 @@ void Repository::State::Collect(ClassEntry* entry, std::vector<ClassEntry*>& res
         const std::vector<ClassEntry*>& subclasses = result[next]->subclasses;
         result.insert(result.end(), subclasses.begin(), subclasses.end());
     }
+}
+
+void Repository::State::Changed() {
+    ++generation;
+    lists.clear();
+}
+
+Repository::State::ListPtr Repository::State::InstanceList(ClassEntry* entry, bool shallow) const {
+    const std::lock_guard lock(listsMutex);
+    ListPtr& list = lists[{entry, shallow}];
+    if (list == nullptr) {
+        list = std::make_shared<const std::vector<InstancePtr>>(Instances(entry, shallow));
+    }
+    return list;
 }
 
 std::vector<InstancePtr> Repository::State::Instances(ClassEntry* entry, bool shallow) const {

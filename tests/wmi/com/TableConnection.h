@@ -37,9 +37,15 @@ class Table : public wmi::MofTarget {
         });
         return found != instances.end() ? *found : nullptr;
     }
-    HRESULT PutInstance(wmi::Instance instance, wmi::WriteMode, std::wstring*) override {
-        std::erase(instances, FindInstance(wmi::RelativePath(instance)));
-        instances.push_back(std::make_shared<const wmi::Instance>(std::move(instance)));
+    HRESULT StoreInstance(wmi::Instance& instance, wmi::WriteMode mode, wmi::InstancePtr& kept,
+                          std::wstring*) override {
+        const wmi::InstancePtr present = FindInstance(wmi::RelativePath(instance));
+        if (present && mode == wmi::WriteMode::CreateOnly) {
+            return static_cast<HRESULT>(WBEM_E_ALREADY_EXISTS);
+        }
+        std::erase(instances, present);
+        kept = std::make_shared<const wmi::Instance>(std::move(instance));
+        instances.push_back(kept);
         return S_OK;
     }
     std::optional<wmi::QualifierDeclaration> FindQualifierDeclaration(std::wstring_view) const override {
@@ -105,7 +111,9 @@ class TableConnection : public wmi::Connection {
     }
     wmi::Outcome PutInstance(const wmi::CallContext&, const wmi::Filled& instance,
                              wmi::WriteMode mode) override {
-        return m_table.PutInstance(instance.values, mode, nullptr);
+        wmi::Instance written = instance.values;
+        wmi::InstancePtr kept;
+        return m_table.StoreInstance(written, mode, kept, nullptr);
     }
     wmi::Outcome DeleteInstance(const wmi::CallContext&, std::wstring_view path) override {
         return std::erase(m_table.instances, m_table.FindInstance(path)) != 0 ? HRESULT(S_OK)

@@ -1,10 +1,11 @@
 // A lock for what is read by every call and written by few, and the division of shared state by threads.
 #pragma once
 
+#include <quillet-wmi/SharedMutex.h>
+
 #include <array>
 #include <atomic>
 #include <cstddef>
-#include <shared_mutex>
 
 namespace quillet::wmi {
 
@@ -48,7 +49,7 @@ class ReadMostlyMutex {
 
   private:
     struct alignas(64) Part {
-        std::shared_mutex mutex;
+        SharedMutex mutex;
     };
     std::array<Part, OwnPart::kCount> m_parts;
 };
