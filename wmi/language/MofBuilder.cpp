@@ -50,11 +50,13 @@ CIMTYPE InferredType(const MofInitialiser& initialiser) {
 
 } // namespace
 
-std::optional<Scalar> MofBuilder::ScalarOf(const MofToken& token, CIMTYPE type) const {
+std::optional<Scalar> MofBuilder::ScalarOf(MofToken& token, CIMTYPE type) const {
     if (token.Is(L"NULL")) {
         return std::nullopt;
     }
-    const std::wstring typeName = CimTypeName(type);
+    const auto expected = [&] {
+        return L"a value of type " + std::wstring(CimTypeName(type)) + L" was expected";
+    };
     Scalar scalar;
     if (token.kind == Kind::Integer || (token.kind == Kind::Character && type == CIM_CHAR16)) {
         scalar = IntegerOf(token);
@@ -65,28 +67,29 @@ std::optional<Scalar> MofBuilder::ScalarOf(const MofToken& token, CIMTYPE type) 
     } else if (token.kind == Kind::Real) {
         scalar = token.real;
     } else if (token.kind == Kind::String) {
-        scalar = token.text;
+        scalar = std::move(token.text);
     } else if (token.kind == Kind::Identifier) {
         scalar = token.Is(L"TRUE");
     } else {
-        Fail(token.offset, L"a value of type " + typeName + L" was expected");
+        Fail(token.offset, expected());
     }
-    if (Fits(Value(scalar), type)) {
+    if (Fits(scalar, type)) {
         return scalar;
     }
     const bool number = token.kind == Kind::Integer || token.kind == Kind::Real;
     const bool numeric = IsIntegerType(type) || type == CIM_CHAR16 || type == CIM_REAL32;
     if ((number && numeric) || token.kind == Kind::Character) {
-        Fail(token.offset, L"value " + token.text + L" does not fit " + typeName);
+        Fail(token.offset, L"value " + FromUtf8(token.written).value_or(std::wstring()) + L" does not fit " +
+                               CimTypeName(type));
     }
     if (token.kind == Kind::String && type == CIM_DATETIME) {
         Fail(token.offset,
              L"a datetime has the form \"yyyymmddHHMMSS.mmmmmm+utc\" or \"ddddddddHHMMSS.mmmmmm:000\"");
     }
-    Fail(token.offset, L"a value of type " + typeName + L" was expected");
+    Fail(token.offset, expected());
 }
 
-Value MofBuilder::ValueOf(const MofInitialiser& initialiser, CIMTYPE type, std::size_t limit) const {
+Value MofBuilder::ValueOf(MofInitialiser& initialiser, CIMTYPE type, std::size_t limit) const {
     const bool isNull = !initialiser.isArray && initialiser.items.front().Is(L"NULL");
     if (isNull) {
         return Value();
@@ -97,14 +100,15 @@ Value MofBuilder::ValueOf(const MofInitialiser& initialiser, CIMTYPE type, std::
                                                      : L"an array in braces was expected");
     }
     if (!initialiser.isArray) {
-        return Normalised(Value(*ScalarOf(initialiser.items.front(), element)), type);
+        return Normalised(Value(*std::move(ScalarOf(initialiser.items.front(), element))), type);
     }
     if (limit != 0 && initialiser.items.size() > limit) {
         Fail(initialiser.items[limit].offset,
              L"the array holds at most " + std::to_wstring(limit) + L" elements");
     }
     Value::Array array;
-    for (const MofToken& item : initialiser.items) {
+    array.reserve(initialiser.items.size());
+    for (MofToken& item : initialiser.items) {
         array.push_back(ScalarOf(item, element));
     }
     return Normalised(Value(std::move(array)), type);
@@ -123,17 +127,17 @@ QualifierDeclaration MofBuilder::DeclarationOf(const MofQualifierUse& use, std::
     return inferred;
 }
 
-Value MofBuilder::QualifierValue(const MofQualifierUse& use, const QualifierDeclaration& declaration) const {
+Value MofBuilder::QualifierValue(MofQualifierUse& use, const QualifierDeclaration& declaration) const {
     if (use.value) {
         return ValueOf(*use.value, declaration.type);
     }
     return declaration.type == CIM_BOOLEAN ? Value::Bool(true) : Value();
 }
 
-Qualifiers MofBuilder::QualifiersOf(const std::vector<MofQualifierUse>& uses, unsigned scope,
+Qualifiers MofBuilder::QualifiersOf(std::vector<MofQualifierUse>& uses, unsigned scope,
                                     const wchar_t* element) const {
     Qualifiers qualifiers;
-    for (const MofQualifierUse& use : uses) {
+    for (MofQualifierUse& use : uses) {
         if (!SplitLocale(use.name)) {
             const QualifierDeclaration declaration = DeclarationOf(use, use.name);
             if ((declaration.scope & scope) == 0) {
@@ -148,7 +152,7 @@ Qualifiers MofBuilder::QualifiersOf(const std::vector<MofQualifierUse>& uses, un
             qualifiers.Set(std::move(qualifier));
         }
     }
-    for (const MofQualifierUse& use : uses) {
+    for (MofQualifierUse& use : uses) {
         if (const std::optional<LocalisedName> name = SplitLocale(use.name)) {
             Localise(qualifiers, use, *name);
         }
@@ -162,8 +166,7 @@ Qualifiers MofBuilder::QualifiersOf(const std::vector<MofQualifierUse>& uses, un
     return qualifiers;
 }
 
-void MofBuilder::Localise(Qualifiers& qualifiers, const MofQualifierUse& use,
-                          const LocalisedName& name) const {
+void MofBuilder::Localise(Qualifiers& qualifiers, MofQualifierUse& use, const LocalisedName& name) const {
     const Qualifier* base = qualifiers.Find(name.base);
     if (base == nullptr) {
         Fail(use.offset, L"qualifier " + Quoted(use.name) + L" translates " + Quoted(name.base) +

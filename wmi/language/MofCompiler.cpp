@@ -6,8 +6,6 @@
 #include "language/MofBuilder.h"
 #include "language/MofUnit.h"
 
-#include <set>
-
 namespace quillet::wmi {
 
 namespace {
@@ -35,7 +33,7 @@ class FileCompiler : private MofParser {
         } else if (Token().Is(L"Qualifier")) {
             QualifierDeclaration();
         } else {
-            const std::vector<MofQualifierUse> qualifiers = QualifierList();
+            std::vector<MofQualifierUse> qualifiers = QualifierList();
             const std::size_t offset = Token().offset;
             if (Accept(L"class")) {
                 Class(qualifiers, offset);
@@ -90,7 +88,8 @@ class FileCompiler : private MofParser {
         std::size_t limit = 0;
         declaration.type |= ArraySuffix(limit);
         if (Accept('=')) {
-            declaration.defaultValue = m_builder.ValueOf(Initialiser(false), declaration.type, limit);
+            ReadInitialiser(false, m_value);
+            declaration.defaultValue = m_builder.ValueOf(m_value, declaration.type, limit);
         }
         while (Accept(',')) {
             if (Accept(L"Scope")) {
@@ -134,7 +133,7 @@ class FileCompiler : private MofParser {
         }
     }
 
-    void Class(const std::vector<MofQualifierUse>& uses, std::size_t offset) {
+    void Class(std::vector<MofQualifierUse>& uses, std::size_t offset) {
         ClassDefinition definition;
         definition.name = Name(L"a class name");
         if (Token().Is(L"as")) {
@@ -172,7 +171,7 @@ class FileCompiler : private MofParser {
     }
 
     void Feature(ClassDefinition& definition) {
-        const std::vector<MofQualifierUse> uses = QualifierList();
+        std::vector<MofQualifierUse> uses = QualifierList();
         Property property;
         bool isVoid = false;
         const std::size_t offset = Token().offset;
@@ -196,14 +195,15 @@ class FileCompiler : private MofParser {
         property.qualifiers = isReference ? m_builder.QualifiersOf(uses, ScopeReference, L"reference")
                                           : m_builder.QualifiersOf(uses, ScopeProperty, L"property");
         if (Accept('=')) {
-            property.defaultValue = m_builder.ValueOf(Initialiser(false), property.type, property.arrayLimit);
+            ReadInitialiser(false, m_value);
+            property.defaultValue = m_builder.ValueOf(m_value, property.type, property.arrayLimit);
         }
         Require(';');
         definition.properties.push_back(std::move(property));
     }
 
     void MethodOf(ClassDefinition& definition, const Property& signature, bool isVoid,
-                  const std::vector<MofQualifierUse>& uses) {
+                  std::vector<MofQualifierUse>& uses) {
         Method method;
         method.name = signature.name;
         method.returnType = signature.type;
@@ -221,7 +221,7 @@ class FileCompiler : private MofParser {
     }
 
     void Parameter(Method& method) {
-        const std::vector<MofQualifierUse> uses = QualifierList();
+        std::vector<MofQualifierUse> uses = QualifierList();
         Property parameter;
         TypeOrReference(parameter, nullptr);
         parameter.name = Name(L"the name of a parameter");
@@ -250,10 +250,10 @@ class FileCompiler : private MofParser {
             Fail(classOffset, L"unknown class " + Quoted(className));
         }
         MofUnit::Waiting entry{Instance(definition), {}, AliasOf(definition), Here(offset)};
-        std::set<std::size_t> seen;
+        m_given.assign(definition->properties.size(), false);
         Require('{');
         while (!Accept('}')) {
-            PropertyValue(entry, seen);
+            PropertyValue(entry);
         }
         Require(';');
         if (m_unit.Resolve(entry)) {
@@ -278,42 +278,56 @@ class FileCompiler : private MofParser {
         return alias;
     }
 
-    void PropertyValue(MofUnit::Waiting& entry, std::set<std::size_t>& seen) {
-        // An instance may repeat the qualifiers of its class; they say nothing new.
-        m_builder.QualifiersOf(QualifierList(), ScopeAny, L"property");
-        const ClassDefinition& definition = *entry.instance.definition;
+    /// The place among the properties of a class of the property that is named here.
+    std::size_t GivenProperty(const ClassDefinition& definition) {
         const std::size_t offset = Token().offset;
+        if (Token().kind != Kind::Identifier) {
+            Expected(L"a property or '}'");
+        }
+        const std::optional<std::size_t> index = definition.PropertyIndex(Token().text);
+        if (index && !m_given[*index]) {
+            m_given[*index] = true;
+            Advance();
+            return *index;
+        }
         const std::wstring name = Name(L"a property or '}'");
-        const std::optional<std::size_t> index = definition.PropertyIndex(name);
-        if (!index) {
-            Fail(offset, L"property " + Quoted(name) + L" is not in class " + Quoted(definition.name));
+        Fail(offset, L"property " + Quoted(name) +
+                         (index ? L" is given twice" : L" is not in class " + Quoted(definition.name)));
+    }
+
+    void PropertyValue(MofUnit::Waiting& entry) {
+        if (Token().Is('[')) {
+            // An instance may repeat the qualifiers of its class; they say nothing new.
+            std::vector<MofQualifierUse> uses = QualifierList();
+            m_builder.QualifiersOf(uses, ScopeAny, L"property");
         }
-        if (!seen.insert(*index).second) {
-            Fail(offset, L"property " + Quoted(name) + L" is given twice");
-        }
+        const ClassDefinition& definition = *entry.instance.definition;
+        const std::size_t index = GivenProperty(definition);
         Require('=');
-        const Property& property = definition.properties[*index];
-        const MofInitialiser initialiser = Initialiser(property.type == CIM_REFERENCE);
+        const Property& property = definition.properties[index];
+        ReadInitialiser(property.type == CIM_REFERENCE, m_value);
         Require(';');
-        if (property.type == CIM_REFERENCE && !initialiser.isArray &&
-            initialiser.items.front().kind == Kind::Alias) {
-            const MofToken& item = initialiser.items.front();
-            entry.instance.values[*index] = Value();
-            entry.uses.push_back({*index, item.text, Here(item.offset)});
+        if (property.type == CIM_REFERENCE && !m_value.isArray && m_value.items.front().kind == Kind::Alias) {
+            MofToken& item = m_value.items.front();
+            entry.instance.values[index] = Value();
+            entry.uses.push_back({index, std::move(item.text), Here(item.offset)});
             return;
         }
-        Value value = m_builder.ValueOf(initialiser, property.type, property.arrayLimit);
+        const std::size_t offset = m_value.offset;
+        Value value = m_builder.ValueOf(m_value, property.type, property.arrayLimit);
         const Scalar* reference = property.type == CIM_REFERENCE ? value.AsScalar() : nullptr;
         std::wstring error;
         if (reference != nullptr && !ObjectPath::Parse(std::get<std::wstring>(*reference), &error)) {
-            Fail(initialiser.offset, L"this is no object path: " + error);
+            Fail(offset, L"this is no object path: " + error);
         }
-        entry.instance.values[*index] = std::move(value);
+        entry.instance.values[index] = std::move(value);
     }
 
     MofUnit& m_unit;
     std::filesystem::path m_folder;
     MofBuilder m_builder;
+    MofInitialiser m_value;    ///< the one that is read now
+    std::vector<bool> m_given; ///< which properties the instance that is read now has already
 };
 
 } // namespace
@@ -334,7 +348,8 @@ void CompileMofFile(MofTarget& target, const std::filesystem::path& file, Instan
 
 std::optional<std::string> LeadingComments(const std::filesystem::path& file) {
     const std::shared_ptr<const MofSource> source = ReadMofFile(file).source;
-    const MofToken first = MofLexer(*source).Next();
+    MofToken first;
+    MofLexer(*source).Next(first);
     const bool hasNone = first.kind == MofToken::Kind::End;
     return hasNone ? std::nullopt : std::optional(std::string(source->Text().substr(0, first.offset)));
 }

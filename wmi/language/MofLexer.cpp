@@ -4,6 +4,7 @@
 #include <quillet-wmi/Text.h>
 
 #include <algorithm>
+#include <array>
 
 namespace quillet::wmi {
 
@@ -13,9 +14,61 @@ constexpr bool IsDigit(char c) noexcept {
     return c >= '0' && c <= '9';
 }
 
-constexpr bool IsWordCharacter(char c) noexcept {
-    return IsDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
-           static_cast<unsigned char>(c) >= 0x80;
+// What a byte may be part of: every byte of a text is asked for it.
+constexpr unsigned char kWord = 1;
+constexpr unsigned char kAsciiWord = 2;
+constexpr unsigned char kBlank = 4;
+constexpr unsigned char kPlain = 8; ///< stands in a literal for itself
+
+constexpr std::array<unsigned char, 256> PartsOfBytes() {
+    std::array<unsigned char, 256> parts{};
+    for (std::size_t byte = 0; byte < parts.size(); ++byte) {
+        const bool letter = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || byte == '_';
+        const bool digit = byte >= '0' && byte <= '9';
+        const bool ascii = byte < 0x80;
+        const bool ends = byte == '"' || byte == '\\' || byte == '\n' || byte == '\r';
+        parts[byte] |= letter || digit || !ascii ? kWord : 0;
+        parts[byte] |= letter || digit ? kAsciiWord : 0;
+        parts[byte] |= byte == ' ' || (byte >= '\t' && byte <= '\r') ? kBlank : 0;
+        parts[byte] |= ascii && !ends ? kPlain : 0;
+    }
+    return parts;
+}
+
+constexpr std::array<unsigned char, 256> kParts = PartsOfBytes();
+
+bool Is(char c, unsigned char part) noexcept {
+    return (kParts[static_cast<unsigned char>(c)] & part) != 0;
+}
+
+/// How far characters of a kind go on.
+std::size_t EndOf(std::string_view text, std::size_t position, unsigned char part) noexcept {
+    while (position < text.size() && Is(text[position], part)) {
+        ++position;
+    }
+    return position;
+}
+
+void AppendAscii(std::wstring& text, std::string_view ascii) {
+    const std::size_t before = text.size();
+    text.resize(before + ascii.size());
+    std::copy(ascii.begin(), ascii.end(), text.begin() + static_cast<std::ptrdiff_t>(before));
+}
+
+/// How many of the bytes from a position on are ASCII at least; looks at many at a time.
+std::size_t AsciiRun(std::string_view text, std::size_t position) noexcept {
+    constexpr std::size_t kAtATime = 64;
+    const std::size_t start = position;
+    for (; text.size() - position >= kAtATime; position += kAtATime) {
+        unsigned all = 0;
+        for (std::size_t i = 0; i < kAtATime; ++i) {
+            all |= static_cast<unsigned char>(text[position + i]);
+        }
+        if (all >= 0x80) {
+            break;
+        }
+    }
+    return position - start;
 }
 
 std::optional<unsigned> HexDigit(char c) noexcept {
@@ -48,8 +101,9 @@ MofSource::MofSource(std::string fileName, std::string_view text) : m_fileName(s
     }
     m_text = text;
     for (std::size_t position = 0; position < m_text.size();) {
+        position += AsciiRun(m_text, position);
         const std::size_t start = position;
-        if (!DecodeUtf8(m_text, position)) {
+        if (start < m_text.size() && !DecodeUtf8(m_text, position)) {
             const bool wide =
                 start == 0 && (m_text.substr(0, 2) == "\xFF\xFE" || m_text.substr(0, 2) == "\xFE\xFF");
             throw Error(start, wide ? L"the text is UTF-16; MOF is read as UTF-8" : L"this is not UTF-8");
@@ -76,8 +130,8 @@ void MofLexer::Fail(std::size_t offset, const std::wstring& message) const {
 void MofLexer::SkipBlanks() {
     while (!AtEnd()) {
         const char c = Peek();
-        if (c == ' ' || (c >= '\t' && c <= '\r')) {
-            ++m_position;
+        if (Is(c, kBlank)) {
+            m_position = EndOf(m_text, m_position, kBlank);
         } else if (c == '/' && Peek(1) == '/') {
             m_position = std::min(m_text.find('\n', m_position), m_text.size());
         } else if (c == '/' && Peek(1) == '*') {
@@ -92,29 +146,36 @@ void MofLexer::SkipBlanks() {
     }
 }
 
-std::wstring MofLexer::Identifier() {
+void MofLexer::Identifier(std::wstring& text) {
     const std::size_t start = m_position;
-    while (!AtEnd() && IsWordCharacter(Peek())) {
-        ++m_position;
+    const std::size_t ascii = EndOf(m_text, start, kAsciiWord);
+    m_position = EndOf(m_text, ascii, kWord);
+    if (m_position == ascii) {
+        AppendAscii(text, m_text.substr(start, ascii - start));
+    } else {
+        text = Wide(m_text.substr(start, m_position - start));
     }
-    return Wide(m_text.substr(start, m_position - start));
 }
 
-MofToken MofLexer::Next() {
+void MofLexer::Next(MofToken& token) {
     SkipBlanks();
-    MofToken token;
+    token.kind = MofToken::Kind::End;
     token.offset = m_position;
+    token.text.clear();
+    token.negative = false;
+    token.magnitude = 0;
+    token.symbol = '\0';
     if (AtEnd()) {
-        return token;
+        return;
     }
     const char c = Peek();
     const bool sign = c == '+' || c == '-';
     const char digit = sign ? Peek(1) : c;
     if (IsDigit(digit) || (digit == '.' && IsDigit(Peek(sign ? 2 : 1)))) {
         Number(token);
-    } else if (IsWordCharacter(c)) {
+    } else if (Is(c, kWord)) {
         token.kind = MofToken::Kind::Identifier;
-        token.text = Identifier();
+        Identifier(token.text);
     } else if (c == '"') {
         String(token);
     } else if (c == '\'') {
@@ -122,13 +183,14 @@ MofToken MofLexer::Next() {
     } else if (c == '$') {
         ++m_position;
         token.kind = MofToken::Kind::Alias;
-        token.text = Identifier();
+        Identifier(token.text);
         if (!IsIdentifier(token.text)) {
             Fail(token.offset, L"an alias has a name after the dollar sign");
         }
     } else if (c == '#') {
         ++m_position;
-        if (!SameName(Identifier(), L"pragma")) {
+        Identifier(token.text);
+        if (!SameName(token.text, L"pragma")) {
             Fail(token.offset, L"only #pragma begins with a number sign");
         }
         token.kind = MofToken::Kind::Pragma;
@@ -139,7 +201,6 @@ MofToken MofLexer::Next() {
     } else {
         Fail(m_position, L"this character has no place here");
     }
-    return token;
 }
 
 void MofLexer::Number(MofToken& token) {
@@ -154,13 +215,13 @@ void MofLexer::Number(MofToken& token) {
         const char c = Peek();
         const char before = m_position > digits ? m_text[m_position - 1] : '\0';
         const bool exponentSign = (c == '+' || c == '-') && !hexadecimal && (before == 'e' || before == 'E');
-        if (!IsWordCharacter(c) && c != '.' && !exponentSign) {
+        if (!Is(c, kWord) && c != '.' && !exponentSign) {
             break;
         }
         ++m_position;
     }
     const std::string_view magnitude = m_text.substr(digits, m_position - digits);
-    token.text = Wide(m_text.substr(start, m_position - start));
+    token.written = m_text.substr(start, m_position - start);
     if (magnitude.find('.') == std::string_view::npos) {
         Integer(token, magnitude);
         return;
@@ -171,7 +232,7 @@ void MofLexer::Number(MofToken& token) {
     });
     const std::optional<double> real = plain ? ParseReal(Wide(magnitude)) : std::nullopt;
     if (!real) {
-        Fail(start, L"'" + token.text + L"' is no number, or too large or small for one");
+        Fail(start, Quoted(Wide(token.written)) + L" is no number, or too large or small for one");
     }
     token.real = token.negative ? -*real : *real;
 }
@@ -189,18 +250,21 @@ void MofLexer::Integer(MofToken& token, std::string_view digits) const {
         base = 8;
         digits.remove_prefix(1);
     }
+    // So few digits of any base fit, and a division for each takes longer than all else.
+    constexpr std::size_t kAlwaysFit = 15;
+    const bool mayOverflow = digits.size() > kAlwaysFit;
     for (const char c : digits) {
         const std::optional<unsigned> digit = HexDigit(c);
         if (!digit || *digit >= base) {
-            Fail(token.offset, L"'" + token.text + L"' is no number");
+            Fail(token.offset, Quoted(Wide(token.written)) + L" is no number");
         }
-        if (token.magnitude > (UINT64_MAX - *digit) / base) {
-            Fail(token.offset, L"value " + token.text + L" does not fit 64 bits");
+        if (mayOverflow && token.magnitude > (UINT64_MAX - *digit) / base) {
+            Fail(token.offset, L"value " + Wide(token.written) + L" does not fit 64 bits");
         }
         token.magnitude = token.magnitude * base + *digit;
     }
     if (token.negative && token.magnitude > std::uint64_t{1} << 63) {
-        Fail(token.offset, L"value " + token.text + L" does not fit 64 bits");
+        Fail(token.offset, L"value " + Wide(token.written) + L" does not fit 64 bits");
     }
 }
 
@@ -218,10 +282,16 @@ void MofLexer::String(MofToken& token) {
 
 void MofLexer::Literal(std::wstring& text) {
     const std::size_t start = m_position++;
-    while (Peek() != '"' || AtEnd()) {
+    for (;;) {
+        const std::size_t run = m_position;
+        m_position = EndOf(m_text, run, kPlain);
+        AppendAscii(text, m_text.substr(run, m_position - run));
+        if (Peek() == '"') {
+            ++m_position;
+            return;
+        }
         AppendCharacter(text, LiteralCharacter(start));
     }
-    ++m_position;
 }
 
 void MofLexer::Character(MofToken& token) {
@@ -235,7 +305,7 @@ void MofLexer::Character(MofToken& token) {
         Fail(token.offset, L"an apostrophe after one character was expected");
     }
     ++m_position;
-    token.text = Wide(m_text.substr(token.offset, m_position - token.offset));
+    token.written = m_text.substr(token.offset, m_position - token.offset);
 }
 
 char32_t MofLexer::LiteralCharacter(std::size_t literalStart) {

@@ -26,7 +26,8 @@ struct MofToken {
 
     Kind kind = Kind::End;
     std::size_t offset = 0;
-    std::wstring text; ///< identifiers, aliases (without $), strings; numbers as written
+    std::wstring text;        ///< identifiers, aliases (without $), strings
+    std::string_view written; ///< numbers and characters, as they stand in the source
     bool negative = false;
     std::uint64_t magnitude = 0; ///< of an integer, or the code of a character
     double real = 0;
@@ -42,8 +43,9 @@ struct MofToken {
 class MofLexer {
   public:
     explicit MofLexer(const MofSource& source) : m_source(source), m_text(source.Text()) {}
-    /// The next token; adjacent string literals come as one. Throws MofError.
-    MofToken Next();
+    /// Reads the next token into one that is not needed any more, whose memory then serves again; adjacent
+    /// string literals come as one. Throws MofError.
+    void Next(MofToken& token);
 
   private:
     [[noreturn]] void Fail(std::size_t offset, const std::wstring& message) const;
@@ -52,7 +54,7 @@ class MofLexer {
         return m_position + ahead < m_text.size() ? m_text[m_position + ahead] : '\0';
     }
     void SkipBlanks();
-    std::wstring Identifier();
+    void Identifier(std::wstring& text);
     void Number(MofToken& token);
     void Integer(MofToken& token, std::string_view digits) const;
     void String(MofToken& token);

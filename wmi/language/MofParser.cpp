@@ -62,20 +62,25 @@ std::wstring MofParser::Name(const wchar_t* what) {
 
 MofInitialiser MofParser::Initialiser(bool withAliases) {
     MofInitialiser initialiser;
+    ReadInitialiser(withAliases, initialiser);
+    return initialiser;
+}
+
+void MofParser::ReadInitialiser(bool withAliases, MofInitialiser& initialiser) {
     initialiser.offset = m_token.offset;
-    if (!Accept('{')) {
+    initialiser.items.clear();
+    initialiser.isArray = Accept('{');
+    if (!initialiser.isArray) {
         initialiser.items.push_back(Item(withAliases));
-        return initialiser;
+        return;
     }
-    initialiser.isArray = true;
     if (Accept('}')) {
-        return initialiser;
+        return;
     }
     do {
         initialiser.items.push_back(Item(withAliases));
     } while (Accept(','));
     Require('}');
-    return initialiser;
 }
 
 MofToken MofParser::Item(bool withAliases) {

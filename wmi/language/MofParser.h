@@ -36,7 +36,7 @@ class MofParser {
 
     /// The token that is not yet taken.
     const MofToken& Token() const noexcept { return m_token; }
-    void Advance() { m_token = m_lexer.Next(); }
+    void Advance() { m_lexer.Next(m_token); }
     MofToken Take();
     bool Accept(char symbol);
     bool Accept(std::wstring_view keyword);
@@ -44,6 +44,8 @@ class MofParser {
     std::wstring Name(const wchar_t* what);
 
     MofInitialiser Initialiser(bool withAliases);
+    /// The same into one that is not needed any more, whose memory then serves again.
+    void ReadInitialiser(bool withAliases, MofInitialiser& initialiser);
     std::vector<MofQualifierUse> QualifierList();
     void Flavor(LONG& set, LONG& cleared);
     unsigned Scopes();

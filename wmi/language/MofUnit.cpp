@@ -9,25 +9,33 @@
 namespace quillet::wmi {
 
 void MofUnit::Store(Instance instance, const MofPlace& place) {
-    const std::wstring path = RelativePath(instance);
-    std::wstring reason;
-    const ClassPtr definition = instance.definition;
-    // A text may bring anew what an earlier one stored, but not say two things about one object.
-    const InstancePtr present = target.FindInstance(path);
-    if (present && stored.find(present) != stored.end()) {
-        place.Fail(L"duplicate key: " + path + L" is there already");
-    }
     if (check) {
         try {
             check(instance);
         } catch (const std::invalid_argument& refused) {
+            RefuseSecond(instance, place);
             place.Fail(FromUtf8(refused.what()).value_or(L"it cannot be used"));
         }
     }
-    if (target.PutInstance(std::move(instance), WriteMode::CreateOrUpdate, &reason) != 0) {
-        place.Fail(L"instance of " + Quoted(definition->name) + L": " + reason);
+    // Nearly every instance is new: what else there may be is looked at only when this one is not taken.
+    InstancePtr kept;
+    if (target.StoreInstance(instance, WriteMode::CreateOnly, kept, nullptr) != 0) {
+        RefuseSecond(instance, place);
+        std::wstring reason;
+        if (target.StoreInstance(instance, WriteMode::CreateOrUpdate, kept, &reason) != 0) {
+            place.Fail(L"instance of " + Quoted(instance.definition->name) + L": " + reason);
+        }
     }
-    stored.insert(target.FindInstance(path));
+    stored.insert(std::move(kept));
+}
+
+void MofUnit::RefuseSecond(const Instance& instance, const MofPlace& place) const {
+    // A text may bring anew what an earlier one stored, but not say two things about one object.
+    const std::wstring path = RelativePath(instance);
+    const InstancePtr present = target.FindInstance(path);
+    if (present && stored.find(present) != stored.end()) {
+        place.Fail(L"duplicate key: " + path + L" is there already");
+    }
 }
 
 bool MofUnit::Resolve(Waiting& entry) {

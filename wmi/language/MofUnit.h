@@ -4,7 +4,7 @@
 #include "language/MofFiles.h"
 
 #include <map>
-#include <set>
+#include <unordered_set>
 
 namespace quillet::wmi {
 
@@ -38,11 +38,13 @@ struct MofUnit {
     std::map<std::wstring, Alias, NameLess> aliases;
     std::vector<Waiting> waiting;
     std::vector<ClassUse> referencedClasses;
-    std::set<InstancePtr> stored; ///< what this compilation stored
+    std::unordered_set<InstancePtr> stored; ///< what this compilation stored
     MofFiles files;
 
     /// Stores a whole instance. Throws MofError.
     void Store(Instance instance, const MofPlace& place);
+    /// Throws MofError when this compilation has stored an instance of the same path.
+    void RefuseSecond(const Instance& instance, const MofPlace& place) const;
     /// Replaces the aliases that are known by paths; true when none is left.
     bool Resolve(Waiting& entry);
     /// Stores the instances that still wait. Throws MofError.

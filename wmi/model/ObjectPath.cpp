@@ -266,9 +266,9 @@ void AppendKeyValue(std::wstring& out, const Scalar& value) {
     if (const auto* flag = std::get_if<bool>(&value)) {
         out += *flag ? L"TRUE" : L"FALSE";
     } else if (const auto* number = std::get_if<std::int64_t>(&value)) {
-        out += std::to_wstring(*number);
+        AppendNumber(out, *number);
     } else if (const auto* magnitude = std::get_if<std::uint64_t>(&value)) {
-        out += std::to_wstring(*magnitude);
+        AppendNumber(out, *magnitude);
     } else if (const auto* real = std::get_if<double>(&value)) {
         // A real number is no key value; as text it at least stays readable.
         out += L'"' + RealText(*real) + L'"';

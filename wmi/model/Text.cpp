@@ -95,6 +95,24 @@ wchar_t FoldCase(wchar_t character) noexcept {
     return static_cast<wchar_t>(Fold(Unsigned(character)));
 }
 
+void AppendNumber(std::wstring& text, std::uint64_t number) {
+    std::array<wchar_t, 20> digits{};
+    auto first = digits.end();
+    do {
+        *--first = static_cast<wchar_t>(L'0' + number % 10);
+        number /= 10;
+    } while (number != 0);
+    text.append(first, digits.end());
+}
+
+void AppendNumber(std::wstring& text, std::int64_t number) {
+    if (number < 0) {
+        text += L'-';
+    }
+    const auto magnitude = static_cast<std::uint64_t>(number);
+    AppendNumber(text, number < 0 ? 0 - magnitude : magnitude);
+}
+
 std::wstring Folded(std::wstring_view text) {
     std::wstring result(text);
     std::transform(result.begin(), result.end(), result.begin(), FoldCase);
@@ -130,8 +148,10 @@ void AppendCharacter(std::wstring& text, char32_t character) {
 
 void JoinSurrogates(std::wstring& text) {
     if constexpr (sizeof(wchar_t) > 2) {
-        std::size_t written = 0;
-        for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto first =
+            std::find_if(text.begin(), text.end(), [](wchar_t c) { return IsHighSurrogate(Unsigned(c)); });
+        auto written = static_cast<std::size_t>(first - text.begin());
+        for (std::size_t i = written; i < text.size(); ++i) {
             char32_t c = Unsigned(text[i]);
             if (IsHighSurrogate(c) && i + 1 < text.size() && IsLowSurrogate(Unsigned(text[i + 1]))) {
                 c = 0x10000 + ((c - 0xD800) << 10) + (Unsigned(text[i + 1]) - 0xDC00);

@@ -41,7 +41,13 @@ std::optional<Range> IntegerRange(CIMTYPE type) noexcept {
     }
 }
 
-bool FitsScalar(const Scalar& scalar, CIMTYPE type) noexcept {
+bool IsDigitOrOpen(wchar_t c) noexcept {
+    return (c >= L'0' && c <= L'9') || c == L'*';
+}
+
+} // namespace
+
+bool Fits(const Scalar& scalar, CIMTYPE type) noexcept {
     if (const std::optional<Range> range = IntegerRange(type)) {
         if (const auto* number = std::get_if<std::int64_t>(&scalar)) {
             return *number >= range->low &&
@@ -73,6 +79,8 @@ bool FitsScalar(const Scalar& scalar, CIMTYPE type) noexcept {
     }
 }
 
+namespace {
+
 Scalar NormalisedScalar(Scalar scalar, CIMTYPE type) {
     if (IntegerRange(type)) {
         const bool isSigned = IntegerRange(type)->low < 0;
@@ -100,10 +108,6 @@ std::optional<Value::Bytes> BytesOf(const Value::Array& array) {
             static_cast<std::uint8_t>(std::get<std::uint64_t>(NormalisedScalar(*scalar, CIM_UINT8))));
     }
     return bytes;
-}
-
-bool IsDigitOrOpen(wchar_t c) noexcept {
-    return (c >= L'0' && c <= L'9') || c == L'*';
 }
 
 } // namespace
@@ -165,10 +169,10 @@ bool Fits(const Value& value, CIMTYPE type) noexcept {
     if (const Value::Array* array = value.AsArray()) {
         return (type & kArray) != 0 &&
                std::all_of(array->begin(), array->end(), [element](const std::optional<Scalar>& scalar) {
-                   return !scalar || FitsScalar(*scalar, element);
+                   return !scalar || Fits(*scalar, element);
                });
     }
-    return (type & kArray) == 0 && FitsScalar(*value.AsScalar(), element);
+    return (type & kArray) == 0 && Fits(*value.AsScalar(), element);
 }
 
 Value Normalised(Value value, CIMTYPE type) {

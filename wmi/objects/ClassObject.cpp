@@ -66,18 +66,27 @@ std::optional<std::wstring> ClassObject::Path() const {
 }
 
 std::optional<std::wstring> ClassObject::FullPath() const {
-    if (m_path && !m_own) {
-        return m_path;
-    }
     const auto relative = RelativePath();
-    if (!relative) {
-        return std::nullopt;
+    return relative ? std::optional(FullPathOf(*m_session->connection, *relative)) : std::nullopt;
+}
+
+HRESULT ClassObject::ReadPath(VARIANT* value, CIMTYPE* type, LONG* flavor) const {
+    if (!m_path) {
+        m_path = FullPath();
     }
-    std::wstring path = FullPathOf(*m_session->connection, *relative);
-    if (!m_own) {
-        m_path = path;
+    V_VT(value) = m_path ? VT_BSTR : VT_NULL;
+    V_BSTR(value) = m_path ? MakeBstr(*m_path) : nullptr;
+    if (m_path && V_BSTR(value) == nullptr) {
+        V_VT(value) = VT_EMPTY;
+        return HRESULT(WBEM_E_OUT_OF_MEMORY);
     }
-    return path;
+    if (type != nullptr) {
+        *type = CIM_STRING;
+    }
+    if (flavor != nullptr) {
+        *flavor = WBEM_FLAVOR_ORIGIN_SYSTEM;
+    }
+    return S_OK;
 }
 
 Instance& ClassObject::Writable() {
@@ -128,6 +137,10 @@ HRESULT ClassObject::Read(std::wstring_view name, const LocalCall* call, VARIANT
     LONG foundFlavor = WBEM_FLAVOR_ORIGIN_SYSTEM;
     std::optional<SystemProperty> system;
     if (IsSystemName(name)) {
+        if (!m_own && value != nullptr && (call == nullptr || !call->Damages()) &&
+            (name == L"__PATH" || SameName(name, L"__PATH"))) {
+            return ReadPath(value, type, flavor);
+        }
         system = System(name);
         if (!system) {
             return HRESULT(WBEM_E_NOT_FOUND);

@@ -79,6 +79,8 @@ class ClassObject final : public ComObject<IWbemClassObject, IID_IWbemClassObjec
     std::optional<SystemProperty> System(std::wstring_view name) const;
     std::optional<std::wstring> RelativePath() const;
     std::optional<std::wstring> FullPath() const;
+    /// "__PATH" of the shared values. It is kept, and goes the short way: nearly every operation asks for it.
+    HRESULT ReadPath(VARIANT* value, CIMTYPE* type, LONG* flavor) const;
     LONG FlavorOf(std::size_t index) const;
     /// Reads a property under the lock; the VARIANT is filled as the call says, if there is one.
     HRESULT Read(std::wstring_view name, const LocalCall* call, VARIANT* value, CIMTYPE* type,

@@ -237,6 +237,8 @@ enum class WriteMode { CreateOrUpdate, CreateOnly, UpdateOnly };
 /// Whether a value may stand in a property of this CIM type (shape and range); null always may.
 /// Integers of either signedness fit where their number does.
 bool Fits(const Value& value, CIMTYPE type) noexcept;
+/// The same for one element, whose type has no array flag.
+bool Fits(const Scalar& scalar, CIMTYPE type) noexcept;
 /// A value that fits, in the form in which values of the type are held (see Scalar), so that equal values
 /// compare equal.
 Value Normalised(Value value, CIMTYPE type);

@@ -40,8 +40,10 @@ class MofTarget {
     virtual HRESULT AddClass(ClassDefinition definition, std::wstring* reason) = 0;
     /// The instance that the text of a path names; null when there is none.
     virtual InstancePtr FindInstance(std::wstring_view path) const = 0;
-    /// Takes an instance of one of its classes; the reason of a failure as above.
-    virtual HRESULT PutInstance(Instance instance, WriteMode mode, std::wstring* reason) = 0;
+    /// Takes an instance of one of its classes, and tells as what it is kept. One that is not taken has the
+    /// values that it had; the reason of a failure as above.
+    virtual HRESULT StoreInstance(Instance& instance, WriteMode mode, InstancePtr& kept,
+                                  std::wstring* reason) = 0;
     /// The declaration of a qualifier; nothing when there is none.
     virtual std::optional<QualifierDeclaration> FindQualifierDeclaration(std::wstring_view name) const = 0;
     /// Takes the declaration of a qualifier. WBEM_E_TYPE_MISMATCH when it is there with another type.

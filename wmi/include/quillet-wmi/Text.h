@@ -11,6 +11,9 @@ namespace quillet::wmi {
 /// The lower-case form of a character; other characters unchanged. A table of its own: what the C library
 /// folds depends on the locale of the process.
 wchar_t FoldCase(wchar_t character) noexcept;
+/// Appends a number in decimal digits, which the C library's formats take many times as long for.
+void AppendNumber(std::wstring& text, std::uint64_t number);
+void AppendNumber(std::wstring& text, std::int64_t number);
 /// A text with every character folded; for keys of look-ups without regard to case.
 std::wstring Folded(std::wstring_view text);
 /// Three-way comparison of two texts without regard to case.
