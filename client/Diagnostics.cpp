@@ -2,7 +2,7 @@
 #include "Operations.h"
 
 #include <algorithm>
-#include <semaphore>
+#include <thread>
 
 namespace quillet {
 
@@ -41,11 +41,14 @@ TestResult FromRecord(CDiagResult&& record) {
     return result;
 }
 
-/// Sleeps, but not through a request to stop.
+/// Sleeps, but not through a request to stop. It looks for one instead of being woken: where the system has
+/// no futex, libstdc++'s semaphores, and the stop_callback that is made of one, can lose a wake-up.
 void Wait(std::chrono::milliseconds time, const std::stop_token& stop) {
-    std::binary_semaphore stopped(0);
-    const std::stop_callback wake(stop, [&stopped] { stopped.release(); });
-    static_cast<void>(stopped.try_acquire_for(time));
+    const Clock::time_point end = Clock::now() + time;
+    constexpr Clock::duration kLook = std::chrono::milliseconds(10);
+    for (auto now = Clock::now(); now < end && !stop.stop_requested(); now = Clock::now()) {
+        std::this_thread::sleep_for(stop.stop_possible() ? std::min(end - now, kLook) : end - now);
+    }
 }
 
 } // namespace

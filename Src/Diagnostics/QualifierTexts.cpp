@@ -5,7 +5,10 @@
 #include "Provider/Trace.h"
 #include "Variants/VariantValue.h"
 
+#include <quillet/ValueTexts.h>
+
 #include <algorithm>
+#include <map>
 
 using ATL::CComBSTR;
 using ATL::CComPtr;
@@ -57,16 +60,9 @@ std::wstring TextAt(const std::vector<std::wstring>& texts, LONGLONG position) {
 }
 
 /// The text of a code: at the position of the code itself, or where the map has the code.
-HRESULT ReadDisplayText(CQuillet& quillet, const ProviderName& className, const ProviderName& property,
-                        LONG code, std::wstring& text, bool mapped) {
-    text.clear();
-    const ProviderSession session(quillet);
-    CComPtr<IWbemQualifierSet> qualifiers;
-    HRESULT result = PropertyQualifiers(session, className, property, qualifiers);
+HRESULT ReadDisplayText(IWbemQualifierSet* qualifiers, LONG code, std::wstring& text, bool mapped) {
     std::vector<std::wstring> codes;
-    if (SUCCEEDED(result) && mapped) {
-        result = ReadTexts(qualifiers, L"ValueMap", codes);
-    }
+    HRESULT result = mapped ? ReadTexts(qualifiers, L"ValueMap", codes) : S_OK;
     std::vector<std::wstring> texts;
     if (SUCCEEDED(result)) {
         result = ReadTexts(qualifiers, L"Values", texts);
@@ -83,16 +79,22 @@ HRESULT ReadDisplayText(CQuillet& quillet, const ProviderName& className, const 
     return result;
 }
 
-} // namespace
+HRESULT ReadDisplayText(CQuillet& quillet, const ProviderName& className, const ProviderName& property,
+                        LONG code, std::wstring& text, bool mapped) {
+    text.clear();
+    const ProviderSession session(quillet);
+    CComPtr<IWbemQualifierSet> qualifiers;
+    const HRESULT result = PropertyQualifiers(session, className, property, qualifiers);
+    return FAILED(result) ? result : ReadDisplayText(qualifiers, code, text, mapped);
+}
 
-HRESULT PropertyQualifiers(const ProviderSession& session, const ProviderName& className,
-                           const ProviderName& property, CComPtr<IWbemQualifierSet>& qualifiers) {
+HRESULT FetchClass(const ProviderSession& session, const ProviderName& className,
+                   CComPtr<IWbemClassObject>& classObject) {
     if (session.Failed()) {
         return session.Result();
     }
-    CComPtr<IWbemClassObject> classObject;
-    HRESULT result = session.Service()->GetObject(_bstr_t(className.name), WBEM_FLAG_USE_AMENDED_QUALIFIERS,
-                                                  session.Context(), &classObject, nullptr);
+    const HRESULT result = session.Service()->GetObject(
+        _bstr_t(className.name), WBEM_FLAG_USE_AMENDED_QUALIFIERS, session.Context(), &classObject, nullptr);
     if (FAILED(result)) {
         TraceText(L"GetObject -> ", className.symbol);
         return result;
@@ -101,7 +103,12 @@ HRESULT PropertyQualifiers(const ProviderSession& session, const ProviderName& c
         LumTrace().Print(L"GetObject -> %s -> NULL", className.symbol);
         return kResultWbemFailed;
     }
-    result = classObject->GetPropertyQualifierSet(property.name, &qualifiers);
+    return result;
+}
+
+HRESULT QualifiersOf(IWbemClassObject* classObject, const ProviderName& property,
+                     CComPtr<IWbemQualifierSet>& qualifiers) {
+    const HRESULT result = classObject->GetPropertyQualifierSet(property.name, &qualifiers);
     if (FAILED(result)) {
         TraceText(L"GetPropertyQualifierSet -> ", property.symbol);
         return result;
@@ -111,6 +118,47 @@ HRESULT PropertyQualifiers(const ProviderSession& session, const ProviderName& c
         return kResultWbemFailed;
     }
     return result;
+}
+
+} // namespace
+
+HRESULT PropertyQualifiers(const ProviderSession& session, const ProviderName& className,
+                           const ProviderName& property, CComPtr<IWbemQualifierSet>& qualifiers) {
+    CComPtr<IWbemClassObject> classObject;
+    const HRESULT result = FetchClass(session, className, classObject);
+    return FAILED(result) ? result : QualifiersOf(classObject, property, qualifiers);
+}
+
+struct CValueTexts::Classes {
+    struct Fetched {
+        HRESULT result;
+        CComPtr<IWbemClassObject> object;
+    };
+    std::map<std::wstring, Fetched> byName;
+};
+
+CValueTexts::CValueTexts(CQuillet& quillet) : m_quillet(quillet), m_classes(std::make_unique<Classes>()) {}
+
+CValueTexts::~CValueTexts() = default;
+
+HRESULT CValueTexts::GetText(const std::wstring& className, const std::wstring& property, LONG code,
+                             std::wstring& text) {
+    const OperationTrace trace(L"GetValueText");
+    text.clear();
+    auto known = m_classes->byName.find(className);
+    if (known == m_classes->byName.end()) {
+        CComPtr<IWbemClassObject> object;
+        const ProviderSession session(m_quillet);
+        const HRESULT result = FetchClass(session, {className.c_str(), className.c_str()}, object);
+        known = m_classes->byName.emplace(className, Classes::Fetched{result, object}).first;
+    }
+    const Classes::Fetched& fetched = known->second;
+    CComPtr<IWbemQualifierSet> qualifiers;
+    const HRESULT result =
+        FAILED(fetched.result)
+            ? fetched.result
+            : QualifiersOf(fetched.object, {property.c_str(), property.c_str()}, qualifiers);
+    return FAILED(result) ? result : ReadDisplayText(qualifiers, code, text, true);
 }
 
 HRESULT CQuillet::GetDataFromValues(const ProviderName& className, const ProviderName& property, LONG code,

@@ -6,11 +6,14 @@
 
 #include <wbemidl.h>
 
+#include <string>
+#include <vector>
+
 /// The frame of every getter: what differs is the value's type, what it passes through, and what the
 /// operation is called in traces.
 /// @param isRead if asked for: whether there was a value of a type that could be read. Success alone does not
 ///               say so: a provider may have no more data, or answer in a type that is no such value.
-template <typename Holder = _variant_t, typename Value>
+template <typename Holder = FilledVariant, typename Value>
 HRESULT GetProperty(IWbemClassObject* instance, const wchar_t* name, Value& value, bool& isNull, bool* isRead,
                     const wchar_t* missing, bool verbose = false) {
     if (isRead) {
@@ -40,3 +43,7 @@ HRESULT GetProperty(IWbemClassObject* instance, const wchar_t* name, Value& valu
     }
     return result;
 }
+
+/// As CQuillet::GetPropertyArray, but straight into the texts of a record.
+HRESULT GetPropertyTexts(IWbemClassObject* instance, const wchar_t* name, std::vector<std::wstring>& values,
+                         int* count);

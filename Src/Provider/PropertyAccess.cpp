@@ -19,8 +19,30 @@ void Append(std::vector<LONG>& values, LONG element) {
     values.push_back(element);
 }
 
-void Append(std::vector<CComBSTR>& values, CComBSTR& element) {
+template <typename Text>
+void Append(std::vector<Text>& values, Text& element) {
     values.push_back(std::move(element));
+}
+
+/// Appends what the texts of an array read as; false for an array that holds anything else.
+template <typename Element>
+bool AppendInPlace(SAFEARRAY* array, LONGLONG length, std::vector<Element>& values) {
+    const TextsInPlace found(array, length);
+    values.reserve(values.size() + found.Texts().size());
+    for (const BSTR text : found.Texts()) {
+        VARIANT borrowed;
+        borrowed.vt = VT_BSTR;
+        V_BSTR(&borrowed) = text;
+        Element element{};
+        ReadVariant(borrowed, element);
+        Append(values, element);
+    }
+    return found.Found();
+}
+
+/// Whoever asks for these keeps them: they have to be copies of their own.
+bool AppendInPlace(SAFEARRAY*, LONGLONG, std::vector<CComBSTR>&) {
+    return false;
 }
 
 /// Appends the elements of an array property. One that cannot be read is skipped but still counted: the
@@ -31,7 +53,7 @@ HRESULT GetArray(IWbemClassObject* instance, const wchar_t* name, std::vector<El
         TraceText(L"GetPropertyArray -> pIWbemClassObject == NULL");
         return E_FAIL;
     }
-    _variant_t variant;
+    FilledVariant variant;
     HRESULT result = instance->Get(name, 0, &variant, nullptr, nullptr);
     if (FAILED(result)) {
         TraceText(L"GetPropertyArray -> Get");
@@ -59,15 +81,18 @@ HRESULT GetArray(IWbemClassObject* instance, const wchar_t* name, std::vector<El
         return result;
     }
     // 64 bits: the bounds may be the ends of the range of LONG.
-    for (LONGLONG index = lower; index <= upper; ++index) {
-        Element element{};
-        result = ReadElement(array, static_cast<LONG>(index), element);
-        if (SUCCEEDED(result)) {
-            Append(values, element);
+    const LONGLONG length = static_cast<LONGLONG>(upper) - lower + 1;
+    if (!AppendInPlace(array, length, values)) {
+        for (LONGLONG index = lower; index <= upper; ++index) {
+            Element element{};
+            result = ReadElement(array, static_cast<LONG>(index), element);
+            if (SUCCEEDED(result)) {
+                Append(values, element);
+            }
         }
     }
     if (count) {
-        *count = static_cast<int>(static_cast<LONGLONG>(upper) - lower + 1);
+        *count = static_cast<int>(length);
     }
     return result;
 }
@@ -114,6 +139,11 @@ HRESULT CQuillet::GetPropertyAsSecret(IWbemClassObject* instance, const wchar_t*
                                       bool& isNull, bool* isRead) {
     return GetProperty<SecretVariant>(instance, name, value, isNull, isRead,
                                       L"GetPropertyAsString -> pInstance == NULL");
+}
+
+HRESULT GetPropertyTexts(IWbemClassObject* instance, const wchar_t* name, std::vector<std::wstring>& values,
+                         int* count) {
+    return GetArray(instance, name, values, count);
 }
 
 HRESULT CQuillet::GetPropertyArray(IWbemClassObject* instance, const wchar_t* name, std::vector<LONG>& values,

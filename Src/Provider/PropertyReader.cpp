@@ -27,15 +27,32 @@ PropertyReader& PropertyReader::Read(Getter getter, const wchar_t* accessor, con
     return *this;
 }
 
+namespace {
+
+// As the accessors of CQuillet, but straight into the record: this is most of what reading a machine is.
+constexpr auto kGetText = [](IWbemClassObject* instance, const wchar_t* name, auto& target, bool& isNull,
+                             bool* isRead) {
+    return GetProperty(instance, name, target, isNull, isRead, L"GetPropertyAsString -> pInstance == NULL");
+};
+constexpr auto kGetBool = [](IWbemClassObject* instance, const wchar_t* name, bool& target, bool& isNull,
+                             bool* isRead) {
+    return GetProperty(instance, name, target, isNull, isRead, L"GetPropertyAsBool -> pInstance == NULL");
+};
+constexpr auto kGetLong = [](IWbemClassObject* instance, const wchar_t* name, LONG& target, bool& isNull,
+                             bool* isRead) {
+    return GetProperty(instance, name, target, isNull, isRead, L"GetPropertyAsLong -> pInstance == NULL",
+                       true);
+};
+
+} // namespace
+
 PropertyReader& PropertyReader::String(const ProviderName& property, std::wstring& value,
                                        const wchar_t* failure) {
-    // As GetPropertyAsString, but straight into the record: most of what is read is text.
-    const auto getter = [](IWbemClassObject* instance, const wchar_t* name, std::wstring& target,
-                           bool& isNull, bool* isRead) {
-        return GetProperty(instance, name, target, isNull, isRead,
-                           L"GetPropertyAsString -> pInstance == NULL");
-    };
-    return Read(getter, L"GetPropertyAsString", property, value, failure);
+    return Read(kGetText, L"GetPropertyAsString", property, value, failure);
+}
+
+PropertyReader& PropertyReader::Text(const ProviderName& property, CComBSTR& value) {
+    return Read(kGetText, L"GetPropertyAsString", property, value, nullptr);
 }
 
 PropertyReader& PropertyReader::Secret(const ProviderName& property, std::wstring& value,
@@ -44,7 +61,7 @@ PropertyReader& PropertyReader::Secret(const ProviderName& property, std::wstrin
 }
 
 PropertyReader& PropertyReader::Bool(const ProviderName& property, bool& value, const wchar_t* failure) {
-    return Read(CQuillet::GetPropertyAsBool, L"GetPropertyAsBool", property, value, failure);
+    return Read(kGetBool, L"GetPropertyAsBool", property, value, failure);
 }
 
 PropertyReader& PropertyReader::Int(const ProviderName& property, int& value, const wchar_t* failure) {
@@ -52,7 +69,7 @@ PropertyReader& PropertyReader::Int(const ProviderName& property, int& value, co
 }
 
 PropertyReader& PropertyReader::Long(const ProviderName& property, LONG& value, const wchar_t* failure) {
-    return Read(CQuillet::GetPropertyAsLong, L"GetPropertyAsLong", property, value, failure);
+    return Read(kGetLong, L"GetPropertyAsLong", property, value, failure);
 }
 
 PropertyReader& PropertyReader::UInt64(const ProviderName& property, ULONGLONG& value,
@@ -61,15 +78,15 @@ PropertyReader& PropertyReader::UInt64(const ProviderName& property, ULONGLONG& 
 }
 
 template <typename Element>
-PropertyReader& PropertyReader::ReadArray(const ProviderName& property, std::vector<Element>& values,
-                                          Gaps gaps, const wchar_t* failure) {
+PropertyReader& PropertyReader::ReadArray(ArrayGetter<Element> getter, const ProviderName& property,
+                                          std::vector<Element>& values, Gaps gaps, const wchar_t* failure) {
     m_found = false;
     if (Failed()) {
         return *this;
     }
     const std::size_t before = values.size();
     int count = 0;
-    m_result = CQuillet::GetPropertyArray(m_instance, property.name, values, &count);
+    m_result = getter(m_instance, property.name, values, &count);
     if (!Failed() && gaps == Gaps::Fail && values.size() - before != static_cast<std::size_t>(count)) {
         m_result = E_FAIL;
     }
@@ -82,18 +99,18 @@ PropertyReader& PropertyReader::ReadArray(const ProviderName& property, std::vec
 
 PropertyReader& PropertyReader::Array(const ProviderName& property, std::vector<LONG>& values, Gaps gaps,
                                       const wchar_t* failure) {
-    return ReadArray(property, values, gaps, failure);
+    return ReadArray<LONG>(CQuillet::GetPropertyArray, property, values, gaps, failure);
 }
 
 PropertyReader& PropertyReader::Array(const ProviderName& property, std::vector<CComBSTR>& values, Gaps gaps,
                                       const wchar_t* failure) {
-    return ReadArray(property, values, gaps, failure);
+    return ReadArray<CComBSTR>(CQuillet::GetPropertyArray, property, values, gaps, failure);
 }
 
 PropertyReader& PropertyReader::Texts(const ProviderName& property, std::vector<std::wstring>& texts) {
-    std::vector<CComBSTR> elements;
-    if (Array(property, elements).Found()) {
-        texts = TextsOf(elements);
+    std::vector<std::wstring> elements;
+    if (ReadArray(GetPropertyTexts, property, elements, Gaps::Skip, nullptr).Found()) {
+        texts = std::move(elements);
     }
     return *this;
 }

@@ -42,6 +42,8 @@ class PropertyReader {
     /// Each reads one property; `failure` replaces the usual trace text of a failed read.
     PropertyReader& String(const ProviderName& property, std::wstring& value,
                            const wchar_t* failure = nullptr);
+    /// As String, for a text that is only looked at: it stays where the provider put it.
+    PropertyReader& Text(const ProviderName& property, ATL::CComBSTR& value);
     /// As String, for a text that is a secret: no copy of it is left behind.
     PropertyReader& Secret(const ProviderName& property, std::wstring& value,
                            const wchar_t* failure = nullptr);
@@ -110,8 +112,10 @@ class PropertyReader {
     PropertyReader& Read(Getter getter, const wchar_t* accessor, const ProviderName& property, Value& value,
                          const wchar_t* failure);
     template <typename Element>
-    PropertyReader& ReadArray(const ProviderName& property, std::vector<Element>& values, Gaps gaps,
-                              const wchar_t* failure);
+    using ArrayGetter = HRESULT (*)(IWbemClassObject*, const wchar_t*, std::vector<Element>&, int*);
+    template <typename Element>
+    PropertyReader& ReadArray(ArrayGetter<Element> getter, const ProviderName& property,
+                              std::vector<Element>& values, Gaps gaps, const wchar_t* failure);
     void Trace(const wchar_t* accessor, const ProviderName& property, const wchar_t* failure,
                const wchar_t* ending) const;
 

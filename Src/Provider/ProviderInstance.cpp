@@ -13,8 +13,9 @@ ProviderInstance::ProviderInstance(const ProviderSession& session, const std::ws
         return session.Service()->GetObject(_bstr_t(path.c_str()), 0, session.Context(), object, nullptr);
     };
     // An object of which only a part was asked for would be missing the rest for the next one.
-    m_result = session.IsPartial() ? fetch(&m_object)
-                                   : FetchedObjects::Get(session.Quillet(), path, fetch, m_object);
+    m_result = session.IsPartial() || PartialRetrieval::IsUnderWay()
+                   ? fetch(&m_object)
+                   : FetchedObjects::Get(session.Quillet(), path, fetch, m_object);
     if (Failed()) {
         TraceText(failure);
     } else if (!m_object) {

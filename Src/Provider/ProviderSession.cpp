@@ -2,6 +2,26 @@
 
 #include "Provider/FetchedObjects.h"
 
+namespace {
+
+thread_local unsigned g_partialRetrievals = 0;
+
+} // namespace
+
+PartialRetrieval::PartialRetrieval(const ProviderSession& session, LONG mode) : m_session(session) {
+    m_session.Retrieve(mode);
+    ++g_partialRetrievals;
+}
+
+PartialRetrieval::~PartialRetrieval() {
+    --g_partialRetrievals;
+    m_session.Retrieve(ProviderSession::kEverything);
+}
+
+bool PartialRetrieval::IsUnderWay() noexcept {
+    return g_partialRetrievals != 0;
+}
+
 ProviderSession::ProviderSession(CQuillet& quillet, const wchar_t* missing)
     : ProviderSession(quillet, Refusal{false, nullptr}, missing) {}
 

@@ -86,13 +86,15 @@ class ProviderSession {
 /// Partial retrieval for a while: what is asked for in between brings only the data of a mode.
 class PartialRetrieval {
   public:
-    PartialRetrieval(const ProviderSession& session, LONG mode) : m_session(session) {
-        m_session.Retrieve(mode);
-    }
+    PartialRetrieval(const ProviderSession& session, LONG mode);
     /// On every path: the context may be the very one that the next operation gets.
-    ~PartialRetrieval() { m_session.Retrieve(ProviderSession::kEverything); }
+    ~PartialRetrieval();
     PartialRetrieval(const PartialRetrieval&) = delete;
     PartialRetrieval& operator=(const PartialRetrieval&) = delete;
+
+    /// Whether the calling thread is within one. What an operation within it fetches may be partial as well:
+    /// its context may be this one.
+    static bool IsUnderWay() noexcept;
 
   private:
     const ProviderSession& m_session;

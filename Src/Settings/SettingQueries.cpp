@@ -34,7 +34,7 @@ void AddOnce(std::vector<std::wstring>& objectIds, const std::wstring& objectId)
 
 /// Reads a setting of one kind and appends it. @param readerName what trace lines call the reader.
 template <class Setting>
-HRESULT Append(IWbemClassObject* instance, const std::wstring& path, CSettings& settings,
+HRESULT Append(IWbemClassObject* instance, const ATL::CComBSTR& path, CSettings& settings,
                HRESULT (*reader)(IWbemClassObject*, Setting*), const wchar_t* readerName) {
     return AppendRecord<Setting>(settings, kNoSetting, [&](Setting& setting) {
         const HRESULT result = reader(instance, &setting);
@@ -42,7 +42,7 @@ HRESULT Append(IWbemClassObject* instance, const std::wstring& path, CSettings& 
             TraceText(readerName);
             return result;
         }
-        setting.m_wsPath = path;
+        setting.m_wsPath.assign(path ? path.m_str : L"", path.Length());
         return S_OK;
     });
 }
@@ -74,14 +74,15 @@ HRESULT CQuillet::GetSettingFromClassOnAdapter(const _bstr_t& className, const _
 }
 
 HRESULT CQuillet::AppendSetting(IWbemClassObject* instance, CSettings& settings) {
-    std::wstring className;
-    std::wstring path;
+    ATL::CComBSTR className;
+    ATL::CComBSTR path;
     PropertyReader read(instance, L"pIWbemSetting");
-    if (read.String(L_ZOREL_CLASS, className).String(L_ZOREL_PATH, path).Failed()) {
+    if (read.Text(L_ZOREL_CLASS, className).Text(L_ZOREL_PATH, path).Failed()) {
         return read.Result();
     }
     // The order decides for a name that holds two of the words.
-    const auto isA = [&](const wchar_t* word) { return className.find(word) != std::wstring::npos; };
+    const std::wstring_view kind(className ? className.m_str : L"", className.Length());
+    const auto isA = [kind](const wchar_t* word) { return kind.find(word) != kind.npos; };
     if (isA(L"Int")) {
         return Append(instance, path, settings, GetIntSetting, L"GetIntSetting");
     }
@@ -101,7 +102,7 @@ HRESULT CQuillet::AppendSetting(IWbemClassObject* instance, CSettings& settings)
         return Append(instance, path, settings, GetMultiSetting, L"GetMultiSetting");
     }
     // A kind that a later provider knows must not hide the settings that are known.
-    LumTrace().Print(L"PROBLEM%s", className.c_str());
+    LumTrace().Print(L"PROBLEM%s", kind.data());
     return S_OK;
 }
 

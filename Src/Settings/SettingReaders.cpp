@@ -4,6 +4,9 @@
 #include "Provider/PropertyReader.h"
 #include "Provider/Trace.h"
 
+#include <charconv>
+#include <limits>
+
 namespace {
 
 constexpr const wchar_t* kInstance = L"pIWbemSetting";
@@ -12,8 +15,8 @@ constexpr const wchar_t* kInstance = L"pIWbemSetting";
 void ReadNumberAsText(PropertyReader& read, const ProviderName& property, std::wstring& text) {
     read.Code(property, text, [](LONG number) {
         // std::to_wstring goes through a format and costs more than the read.
-        const std::string digits = std::to_string(number);
-        return std::wstring(digits.begin(), digits.end());
+        char digits[std::numeric_limits<LONG>::digits10 + 2];
+        return std::wstring(digits, std::to_chars(std::begin(digits), std::end(digits), number).ptr);
     });
 }
 

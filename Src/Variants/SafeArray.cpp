@@ -80,13 +80,38 @@ HRESULT ReadElement(SAFEARRAY* array, LONG index, ATL::CComBSTR& element) {
     return result;
 }
 
-std::vector<std::wstring> TextsOf(const std::vector<ATL::CComBSTR>& elements) {
-    std::vector<std::wstring> texts;
-    texts.reserve(elements.size());
-    for (const ATL::CComBSTR& element : elements) {
-        texts.push_back(TextOf(element));
+HRESULT ReadElement(SAFEARRAY* array, LONG index, std::wstring& element) {
+    ATL::CComBSTR text;
+    const HRESULT result = ReadElement(array, index, text);
+    if (SUCCEEDED(result)) {
+        element = TextOf(text);
     }
-    return texts;
+    return result;
+}
+
+TextsInPlace::TextsInPlace(SAFEARRAY* array, LONGLONG length) : m_array(array) {
+    VARTYPE type = VT_EMPTY;
+    // What the VARIANT says of its array is not enough: the elements would be taken for pointers.
+    if (length < 0 || SafeArrayGetDim(array) != 1 || FAILED(SafeArrayGetVartype(array, &type)) ||
+        type != VT_BSTR || SafeArrayGetElemsize(array) != sizeof(BSTR)) {
+        return;
+    }
+    void* data = nullptr;
+    if (FAILED(SafeArrayAccessData(array, &data))) {
+        return;
+    }
+    m_locked = length == 0 || data != nullptr;
+    if (m_locked) {
+        m_texts = {static_cast<const BSTR*>(data), static_cast<std::size_t>(length)};
+    } else {
+        SafeArrayUnaccessData(array);
+    }
+}
+
+TextsInPlace::~TextsInPlace() {
+    if (m_locked) {
+        SafeArrayUnaccessData(m_array);
+    }
 }
 
 bool MakeTextArray(const std::vector<std::wstring>& texts, _variant_t& result, EmptyText empty) {

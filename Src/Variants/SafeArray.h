@@ -6,6 +6,7 @@
 #include <comutil.h>
 #include <atlbase.h>
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -18,9 +19,26 @@ SAFEARRAY* ArrayOf(const VARIANT& value);
 /// raises _com_error(E_OUTOFMEMORY) for a text that cannot be allocated.
 HRESULT ReadElement(SAFEARRAY* array, LONG index, LONG& element);
 HRESULT ReadElement(SAFEARRAY* array, LONG index, ATL::CComBSTR& element);
+HRESULT ReadElement(SAFEARRAY* array, LONG index, std::wstring& element);
 
-/// The texts of a list that was read.
-std::vector<std::wstring> TextsOf(const std::vector<ATL::CComBSTR>& elements);
+/// The texts of a one-dimensional array that holds texts and nothing else, where they lie: most arrays are
+/// such, and a copy of each element would cost more than all the rest of reading them. Any other array has
+/// none.
+class TextsInPlace {
+  public:
+    /// @param length how many elements its bounds say
+    TextsInPlace(SAFEARRAY* array, LONGLONG length);
+    ~TextsInPlace();
+    TextsInPlace(const TextsInPlace&) = delete;
+    TextsInPlace& operator=(const TextsInPlace&) = delete;
+    bool Found() const { return m_locked; }
+    std::span<const BSTR> Texts() const { return m_texts; }
+
+  private:
+    SAFEARRAY* m_array;
+    bool m_locked = false;
+    std::span<const BSTR> m_texts;
+};
 
 /// What stands for an empty text in an array.
 enum class EmptyText { Empty, Null };

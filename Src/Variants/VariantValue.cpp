@@ -89,6 +89,10 @@ bool ReadVariant(const VARIANT& value, bool& result) {
 }
 
 bool ReadVariant(const VARIANT& value, LONG& result) {
+    if (value.vt == VT_I4) {
+        result = V_I4(&value);
+        return true;
+    }
     if (value.vt == VT_BSTR) {
         result = LongFromText(TextOf(value));
         return true;
@@ -135,6 +139,16 @@ bool ReadVariant(VARIANT& value, _bstr_t& result) {
     BSTR text = V_BSTR(&value);
     value.vt = VT_EMPTY;
     result.Attach(text);
+    return true;
+}
+
+bool ReadVariant(VARIANT& value, ATL::CComBSTR& result) {
+    result.Empty();
+    if (value.vt != VT_BSTR) {
+        return false;
+    }
+    result.Attach(V_BSTR(&value));
+    value.vt = VT_EMPTY;
     return true;
 }
 

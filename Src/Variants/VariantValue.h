@@ -9,6 +9,23 @@
 
 #include <string>
 
+/// A VARIANT for a provider to fill. Most of what is read is a number or a text: for those OLE is not asked
+/// to clear it.
+class FilledVariant : public VARIANT {
+  public:
+    // cppcheck-suppress uninitDerivedMemberVar; all of it is zero
+    FilledVariant() noexcept : VARIANT{} {}
+    ~FilledVariant() {
+        if (vt == VT_BSTR) {
+            ::SysFreeString(V_BSTR(this));
+        } else if (vt != VT_EMPTY && vt != VT_NULL && vt != VT_I4 && vt != VT_BOOL) {
+            ::VariantClear(this);
+        }
+    }
+    FilledVariant(const FilledVariant&) = delete;
+    FilledVariant& operator=(const FilledVariant&) = delete;
+};
+
 /// Whether the property exists but holds no value.
 inline bool HoldsNothing(const VARIANT& value) {
     return value.vt == VT_EMPTY || value.vt == VT_NULL;
@@ -23,6 +40,7 @@ bool ReadVariant(const VARIANT& value, ULONGLONG& result);
 bool ReadVariant(const VARIANT& value, std::wstring& result);
 /// Takes the text out of the VARIANT instead of copying it. Anything but a BSTR reads as an empty text.
 bool ReadVariant(VARIANT& value, _bstr_t& result);
+bool ReadVariant(VARIANT& value, ATL::CComBSTR& result);
 
 /// The text of a BSTR, embedded zeros and all; a null BSTR is an empty text.
 std::wstring TextOf(const ATL::CComBSTR& text);

@@ -2,5 +2,6 @@
 #pragma once
 
 #include <quillet/client/Error.h>
+#include <quillet/client/ProviderTexts.h>
 #include <quillet/client/Secret.h>
 #include <quillet/client/Session.h>

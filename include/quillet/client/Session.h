@@ -358,6 +358,7 @@ class Session {
 
   private:
     friend class FetchOnce;
+    friend class ProviderTexts;
     friend class Transaction;
     struct State;
 

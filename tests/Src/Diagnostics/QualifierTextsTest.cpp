@@ -4,6 +4,8 @@
 #include "ProviderTest.h"
 #include "RegistryScope.h"
 
+#include <quillet/ValueTexts.h>
+
 namespace {
 
 using testing::Contains;
@@ -75,6 +77,41 @@ TEST_F(QualifierTextsTest, ValueMap_PropertyWithoutOne_TakesThePosition) {
 TEST_F(QualifierTextsTest, Class_IsFetchedOnceWithAmendedQualifiersAndTheContext) {
     EXPECT_EQ(ByMap(kMapped, 10), L"ten");
     EXPECT_THAT(Called(), ElementsAre("GetObject Test_Texts, flags 0x20000 -> 0x00000000 {ClientSetId=0}"));
+}
+
+TEST_F(QualifierTextsTest, ValueTexts_FetchEachClassOnce) {
+    CValueTexts texts(quillet);
+    const auto text = [&](const wchar_t* property, LONG code) {
+        std::wstring found = L"before";
+        EXPECT_EQ(Code(texts.GetText(L"Test_Texts", property, code, found)), "0x00000000");
+        return found;
+    };
+    EXPECT_THAT(Called(), testing::IsEmpty());
+    EXPECT_EQ(text(L"Mapped", 20), L"twenty");
+    EXPECT_EQ(text(L"Mapped", 1), L"");
+    EXPECT_EQ(text(L"Indexed", 2), L"two");
+    EXPECT_EQ(text(L"Plain", 0), L"");
+    EXPECT_THAT(Called(), ElementsAre("GetObject Test_Texts, flags 0x20000 -> 0x00000000 {ClientSetId=0}"));
+    std::wstring none = L"before";
+    EXPECT_EQ(Code(texts.GetText(L"Test_Texts", L"Nothing", 1, none)), "0x80041002");
+    EXPECT_EQ(none, L"");
+}
+
+TEST_F(QualifierTextsTest, ValueTexts_OfAClassThatCannotBeFetched_AreNotAskedForAgain) {
+    Fail(Operation::GetObject, WBEM_E_ACCESS_DENIED, L"Test_Texts");
+    CValueTexts texts(quillet);
+    std::wstring found = L"before";
+    EXPECT_EQ(Code(texts.GetText(L"Test_Texts", L"Mapped", 20, found)), "0x80041003");
+    EXPECT_EQ(found, L"");
+    EXPECT_EQ(Code(texts.GetText(L"Test_Texts", L"Indexed", 2, found)), "0x80041003");
+    EXPECT_EQ(Called().size(), 1U);
+    EXPECT_THAT(Traced(), Contains("GetObject -> Test_Texts"));
+    Spoil(Operation::GetObject, Effect::NullObject, L"Test_Texts");
+    CValueTexts others(quillet);
+    EXPECT_EQ(Code(others.GetText(L"Test_Texts", L"Mapped", 20, found)), "0x80041001");
+    CQuillet unconnected;
+    CValueTexts nowhere(unconnected);
+    EXPECT_EQ(Code(nowhere.GetText(L"Test_Texts", L"Mapped", 20, found)), "0x80041001");
 }
 
 TEST_F(QualifierTextsTest, UnknownClassOrProperty_IsNamedAndEmptiesTheText) {

@@ -329,6 +329,48 @@ TEST_F(PropertyReaderTest, Array_Missing_IsAFailure) {
         ElementsAre("GetPropertyArray -> ((vValues.vt == VT_EMPTY) || (vValues.vt == VT_NULL))", "own text"));
 }
 
+TEST_F(PropertyReaderTest, Texts_OfAnArrayOfTexts_ReplaceWhatWasThere) {
+    Holds(TextArray({L"a", L"", std::wstring(L"b\0c", 3)}, 5));
+    std::vector<std::wstring> texts{L"old"};
+    EXPECT_TRUE(PropertyReader(&instance, L"pInstance").Texts(kFirst, texts).Found());
+    EXPECT_THAT(texts, ElementsAre(L"a", L"", std::wstring(L"b\0c", 3)));
+    Holds(TextArray({}));
+    EXPECT_TRUE(PropertyReader(&instance, L"pInstance").Texts(kFirst, texts).Found());
+    EXPECT_THAT(texts, IsEmpty());
+}
+
+TEST_F(PropertyReaderTest, Texts_OfMixedElements_LeavesOutWhatIsNoText) {
+    Holds(MixedArray({_variant_t(L"a"), _variant_t(LONG{2}), _variant_t(L"c")}));
+    std::vector<std::wstring> texts{L"old"};
+    EXPECT_TRUE(PropertyReader(&instance, L"pInstance").Texts(kFirst, texts).Found());
+    EXPECT_THAT(texts, ElementsAre(L"a", L"c"));
+}
+
+TEST_F(PropertyReaderTest, Texts_OfNumbersThatAreCalledTexts_AreNotFollowed) {
+    _variant_t lie = NumberArray({1, 2});
+    V_VT(&lie) = VT_ARRAY | VT_BSTR;
+    instance.AnswerWith([&lie](VARIANT& target) {
+        std::swap(target, static_cast<VARIANT&>(lie));
+        return S_OK;
+    });
+    std::vector<std::wstring> texts{L"old"};
+    PropertyReader read(&instance, L"pInstance");
+    EXPECT_EQ(Code(read.Texts(kFirst, texts).Result()), "0x80020005");
+    EXPECT_THAT(texts, ElementsAre(L"old"));
+}
+
+TEST_F(PropertyReaderTest, Text_IsTakenAsItIs_AndAnythingElseIsEmpty) {
+    CComBSTR text(L"old");
+    Holds(_variant_t(L"new"));
+    EXPECT_TRUE(PropertyReader(&instance, L"pInstance").Text(kFirst, text).Found());
+    EXPECT_STREQ(text.m_str, L"new");
+    Holds(_variant_t(LONG{7}));
+    PropertyReader read(&instance, L"pInstance");
+    EXPECT_FALSE(read.Text(kFirst, text).Found());
+    EXPECT_FALSE(read.Failed());
+    EXPECT_EQ(text.Length(), 0u);
+}
+
 TEST_F(PropertyReaderTest, Plain_HandsOutTheValueAsItCame) {
     Holds(_variant_t(static_cast<BYTE>(7)));
     _variant_t value;
