@@ -46,6 +46,14 @@ bool TakeOptions(const std::array<Option<Record>, Size>& options, const Json& wa
     return !then.empty();
 }
 
+std::string NewSettingText(const std::string& name, const std::string& subject, const Json& value) {
+    return "set " + name + " of " + subject + " to " + value.dump();
+}
+
+std::string NoSettingText(const std::string& name, const std::string& subject) {
+    return subject + " has no setting " + name;
+}
+
 } // namespace
 
 void Planner::PlanAdapter(const AdapterWish& wish) {
@@ -164,14 +172,13 @@ void Planner::PlanSetting(const Owner& owner, const std::string& subject, const 
 void Planner::PlanNewSettings(const std::function<Owner(Work&)>& owner, const std::string& subject,
                               const Json& values) {
     for (const auto& [name, value] : values.items()) {
-        Add(StepKind::NewSetting, subject, name, Json(), value,
-            "set " + name + " of " + subject + " to " + value.dump(),
+        Add(StepKind::NewSetting, subject, name, Json(), value, NewSettingText(name, subject, value),
             [owner, subject, name = name, value = value](Work& work) {
                 const std::vector<Setting> settings =
                     std::visit([&](const auto& id) { return work.session.Settings(id); }, owner(work));
                 const Setting* setting = SettingCalled(settings, name);
                 if (setting == nullptr) {
-                    throw ValueError(subject + " has no setting " + name);
+                    throw ValueError(NoSettingText(name, subject));
                 }
                 const Setting changed = WithValue(*setting, value);
                 if (!HasSameValue(*setting, changed)) {

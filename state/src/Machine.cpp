@@ -138,7 +138,7 @@ std::vector<std::size_t> Machine::TeamsCalled(const std::string& name) {
 
 std::string Machine::NameOf(std::size_t adapter) {
     const auto& adapters = Adapters();
-    const std::string name = ToUtf8(adapters[adapter].name);
+    std::string name = ToUtf8(adapters[adapter].name);
     const auto count = std::count_if(adapters.begin(), adapters.end(),
                                      [&](const Adapter& each) { return SameName(ToUtf8(each.name), name); });
     const std::string objectId = ToUtf8(m_session.ObjectIdOf(adapters[adapter].id));

@@ -75,6 +75,7 @@ std::optional<std::size_t> Planner::OneAdapter(const Selector& selector, const s
         return std::nullopt;
     }
     std::vector<std::string> names;
+    names.reserve(found.size());
     for (const std::size_t adapter : found) {
         names.push_back(m_machine.NameOf(adapter));
     }
@@ -233,6 +234,7 @@ std::vector<std::size_t> Planner::CurrentMembers(std::size_t team) {
 
 std::vector<AdapterId> Planner::IdsOf(const std::vector<std::size_t>& adapters) {
     std::vector<AdapterId> ids;
+    ids.reserve(adapters.size());
     for (const std::size_t adapter : adapters) {
         ids.push_back(m_machine.Adapters()[adapter].id);
     }

@@ -45,6 +45,7 @@ std::string TextOf(const Choice& choice) {
 
 [[noreturn]] void RejectChoice(const std::vector<Choice>& choices) {
     std::vector<std::string> texts;
+    texts.reserve(choices.size());
     for (const Choice& choice : choices) {
         texts.push_back(TextOf(choice));
     }

@@ -26,28 +26,7 @@ bool SameName(std::string_view left, std::string_view right) {
 }
 
 bool Fits(std::string_view name, std::string_view pattern) {
-    const std::wstring text = FromUtf8(name);
-    const std::wstring wanted = FromUtf8(pattern);
-    // After a mismatch the last asterisk takes one character more: no more than a product of the lengths.
-    std::size_t at = 0;
-    std::size_t next = 0;
-    std::size_t asterisk = std::wstring::npos;
-    std::size_t taken = 0;
-    while (at < text.size()) {
-        if (next < wanted.size() && wanted[next] == L'*') {
-            asterisk = next++;
-            taken = at;
-        } else if (next < wanted.size() && (wanted[next] == L'?' || SameCharacter(wanted[next], text[at]))) {
-            ++next;
-            ++at;
-        } else if (asterisk != std::wstring::npos) {
-            next = asterisk + 1;
-            at = ++taken;
-        } else {
-            return false;
-        }
-    }
-    return wanted.find_first_not_of(L'*', next) == std::wstring::npos;
+    return FitsPattern(FromUtf8(name), FromUtf8(pattern), L'*', L'?', SameCharacter);
 }
 
 std::string MacDigits(std::string_view text) {

@@ -1,6 +1,8 @@
 // Comparing names and addresses as they stand in documents.
 #pragma once
 
+#include <quillet-state/Matching.h>
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,8 +14,6 @@ bool SameName(std::string_view left, std::string_view right);
 bool SameName(std::wstring_view left, std::wstring_view right);
 /// Whether a name fits a pattern with `*` and `?`; case does not count.
 bool Fits(std::string_view name, std::string_view pattern);
-/// The twelve digits of a MAC address in capital letters, however they are set apart; empty for what is none.
-std::string MacDigits(std::string_view text);
 /// "a, b and c".
 std::string ListOf(const std::vector<std::string>& texts);
 

@@ -33,12 +33,16 @@ VlanParentId ParentIn(const Work& work, const std::optional<VlanParentId>& known
 /// A name that nothing has, for a VLAN whose new name another has still.
 std::string FreeName(const std::string& name, const std::map<std::int32_t, std::string>& names) {
     for (int number = 2;; ++number) {
-        const std::string free = name + " " + std::to_string(number);
+        std::string free = name + " " + std::to_string(number);
         const auto isTaken = [&free](const auto& each) { return SameName(each.second, free); };
         if (std::none_of(names.begin(), names.end(), isTaken)) {
             return free;
         }
     }
+}
+
+std::string AdditionText(std::int32_t id, const std::string& name, const std::string& subject) {
+    return "add " + VlanText(id) + " \"" + name + "\" to " + subject;
 }
 
 } // namespace
@@ -130,7 +134,7 @@ std::map<std::int32_t, std::string> Planner::PlanVlans(const std::optional<VlanP
         const NewVlan vlan{id, FromUtf8(name)};
         added.vlans.push_back(vlan);
         Add(id == 0 ? StepKind::UntaggedVlanAdded : StepKind::VlanAdded, subject, WhatOf(id), Json(), name,
-            "add " + VlanText(id) + " \"" + name + "\" to " + subject, [parent, newTeam, vlan](Work& work) {
+            AdditionText(id, name, subject), [parent, newTeam, vlan](Work& work) {
                 work.session.AddVlan(ParentIn(work, parent, newTeam), vlan);
             });
     }
