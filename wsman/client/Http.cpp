@@ -22,8 +22,8 @@ constexpr HRESULT Code(long long value) noexcept {
 
 /// libcurl wants to be told once, before any thread uses it.
 void InitialiseOnce() {
-    static const CURLcode result = curl_global_init(CURL_GLOBAL_DEFAULT);
-    if (result != CURLE_OK) {
+    static const CURLcode kResult = curl_global_init(CURL_GLOBAL_DEFAULT);
+    if (kResult != CURLE_OK) {
         throw RemoteError(HRESULT(WBEM_E_TRANSPORT_FAILURE), "libcurl cannot be used");
     }
 }
@@ -309,7 +309,8 @@ bool HttpExchange::Wait(LONG timeout) {
     const bool isEndless = timeout == LONG(WBEM_INFINITE);
     const Clock::time_point end = Clock::now() + std::chrono::milliseconds(isEndless ? 0 : timeout);
     while (m_line != nullptr) {
-        if (m_server.m_isCancelled) {
+        if (m_server.m_isCancelled ||
+            (m_server.m_options.isInterrupted && m_server.m_options.isInterrupted())) {
             Stop();
             throw RemoteError(HRESULT(WBEM_E_CALL_CANCELLED),
                               m_server.m_host + ": the request was cancelled");
@@ -343,15 +344,15 @@ bool HttpExchange::Wait(LONG timeout) {
             Start();
             continue;
         }
-        constexpr int kLongestWait = 60'000;
-        int wait = kLongestWait;
+        const int longest = m_server.m_options.isInterrupted ? 100 : 60'000;
+        int wait = longest;
         if (!isEndless) {
             const auto left =
                 std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
             if (left <= 0) {
                 return false;
             }
-            wait = static_cast<int>(std::min<long long>(left, kLongestWait));
+            wait = static_cast<int>(std::min<long long>(left, longest));
         }
         curl_multi_poll(m_line->multi, nullptr, 0, wait, nullptr);
     }

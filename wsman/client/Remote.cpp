@@ -130,7 +130,7 @@ class RemoteHost final : public wmi::Host {
             return each->Host() == host && each->Options().user == options.user &&
                    each->Options().password.Reveal() == options.password.Reveal();
         });
-        const std::shared_ptr<Peer> peer =
+        std::shared_ptr<Peer> peer =
             known != m_peers.end() ? *known : m_peers.emplace_back(std::make_shared<Peer>(options, host));
         if (m_isCancelled) {
             peer->Cancel();
@@ -171,8 +171,11 @@ Password::Password(std::string_view text) : m_text(text) {}
 
 Password::Password(const Password& other) = default;
 
-Password::Password(Password&& other) noexcept : m_text(other.m_text) {
-    other = Password();
+Password::Password(Password&& other) noexcept {
+    m_text.swap(other.m_text);
+    // A short one was copied out of the other's own memory, which has it still.
+    other.m_text.assign(other.m_text.capacity(), '\0');
+    other.m_text.clear();
 }
 
 Password& Password::operator=(Password other) noexcept {

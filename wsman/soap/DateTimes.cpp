@@ -156,6 +156,11 @@ std::optional<std::string> FromDuration(std::string_view given) {
                                                       minutes % 60, seconds % 60, fraction));
 }
 
+/// The number at the beginning of a text; 0 where there is none.
+int NumberIn(const std::string& digits) {
+    return int(std::strtol(digits.c_str(), nullptr, 10));
+}
+
 } // namespace
 
 XmlDateTime ToXmlDateTime(std::wstring_view cim) {
@@ -167,13 +172,13 @@ XmlDateTime ToXmlDateTime(std::wstring_view cim) {
     const auto piece = [&text](std::size_t place, std::size_t length) { return text.substr(place, length); };
     if (text[21] == ':') {
         const auto number = [&](std::size_t place, std::size_t length) {
-            return std::to_string(std::atoi(piece(place, length).c_str()));
+            return std::to_string(NumberIn(piece(place, length)));
         };
         const std::string fraction = piece(15, 6) == "000000" ? std::string() : "." + piece(15, 6);
         return {"Interval", "P" + number(0, 8) + "DT" + number(8, 2) + "H" + number(10, 2) + "M" +
                                 number(12, 2) + fraction + "S"};
     }
-    const int offset = std::atoi(piece(22, 3).c_str());
+    const int offset = NumberIn(piece(22, 3));
     const std::string zone = offset == 0 ? "Z" : text[21] + Formatted("%02d:%02d", offset / 60, offset % 60);
     return {"Datetime", piece(0, 4) + "-" + piece(4, 2) + "-" + piece(6, 2) + "T" + piece(8, 2) + ":" +
                             piece(10, 2) + ":" + piece(12, 2) + "." + piece(15, 6) + zone};

@@ -173,6 +173,28 @@ TEST(RemotePeersTest, Cancelled_EndsWhatWaitsAndWhatComes) {
     EXPECT_EQ(peer.Requests().size(), 1u);
 }
 
+TEST(RemotePeersTest, Interrupted_EndsWhatThisThreadWaitsForAndNothingElse) {
+    std::atomic<bool> isSilent{true};
+    ScriptedPeer peer(AfterIdentify([&](const PeerRequest& request) {
+        return isSilent ? ScriptedPeer::kSilence : SoapAnswer(request, Item("a"));
+    }));
+    wsman::RemoteOptions options = KnowingT(peer.Port());
+    options.timeout = std::chrono::hours(1);
+    int asked = 0;
+    const std::thread::id waiting = std::this_thread::get_id();
+    options.isInterrupted = [&] {
+        EXPECT_EQ(std::this_thread::get_id(), waiting);
+        // The first request is answered at once, and the others only when there is nobody to say yes.
+        return isSilent && !peer.Requests().empty() && ++asked >= 3;
+    };
+    const auto connection = ConnectTo(options);
+    ASSERT_NE(connection, nullptr);
+    EXPECT_EQ(CodeOf(Get(*connection)), "0x80041032");
+    EXPECT_THAT(wsman::LastFailure(), HasSubstr("cancelled"));
+    isSilent = false;
+    EXPECT_EQ(CodeOf(Get(*connection)), "0x00000000");
+}
+
 TEST(RemotePeersTest, AMethodWhoseAnswerIsLost_IsNeverSentTwice) {
     std::atomic<bool> dies{false};
     ScriptedPeer peer(AfterIdentify([&](const PeerRequest& request) {

@@ -63,6 +63,9 @@ struct RemoteOptions {
     /// Asks the machine only for classes that `schema` does not have: fewer requests, but properties that the
     /// machine's provider has and `schema` has not are not seen.
     bool isSchemaTrusted = false;
+    /// Asked about ten times a second by whoever waits for an answer, on the waiting thread. Once it says
+    /// yes, the request ends as with Remote::Cancel, on this thread alone. Empty: nobody is asked.
+    std::function<bool()> isInterrupted{};
 };
 
 /// Where connections to machines come from. Safe for many threads; sessions of one machine share its HTTP
