@@ -17,6 +17,14 @@ constexpr std::size_t kColumn = 28;
 
 using Lines = std::vector<std::pair<std::string, std::string>>;
 
+/// The description of that name; null where there is none.
+template <class Description>
+const Description* Find(const std::vector<Description>& descriptions, const std::string& name) {
+    const auto found = std::find_if(descriptions.begin(), descriptions.end(),
+                                    [&](const Description& each) { return each.name == name; });
+    return found == descriptions.end() ? nullptr : &*found;
+}
+
 std::string Upper(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
                    [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
@@ -139,9 +147,17 @@ std::string HelpOfCommand(const CommandDescription& command) {
 } // namespace
 
 const OptionDescription* CommandDescription::Option(const std::string& wanted) const {
-    const auto found = std::find_if(options.begin(), options.end(),
-                                    [&](const OptionDescription& each) { return each.name == wanted; });
-    return found == options.end() ? nullptr : &*found;
+    return Find(options, wanted);
+}
+
+const CommandDescription* TreeDescription::Command(const std::string& name) const {
+    return Find(commands, name);
+}
+
+const OptionDescription* TreeDescription::Option(const CommandDescription* command,
+                                                 const std::string& name) const {
+    const OptionDescription* own = command == nullptr ? nullptr : command->Option(name);
+    return own == nullptr ? Find(options, name) : own;
 }
 
 std::string ShownName(const ArgumentDescription& argument) {
@@ -186,17 +202,11 @@ std::optional<std::string> HelpText(const TreeDescription& tree, const std::vect
     for (const std::string& word : words) {
         name += (name.empty() ? "" : " ") + word;
     }
-    for (const CommandDescription& command : tree.commands) {
-        if (command.name == name) {
-            return HelpOfCommand(command);
-        }
+    if (const CommandDescription* command = tree.Command(name)) {
+        return HelpOfCommand(*command);
     }
-    for (const NounDescription& noun : tree.nouns) {
-        if (noun.name == name) {
-            return HelpOfNoun(tree, noun);
-        }
-    }
-    return std::nullopt;
+    const NounDescription* noun = Find(tree.nouns, name);
+    return noun == nullptr ? std::nullopt : std::optional(HelpOfNoun(tree, *noun));
 }
 
 } // namespace quilletctl

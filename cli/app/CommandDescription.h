@@ -52,6 +52,13 @@ struct TreeDescription {
     std::vector<OptionDescription> options; ///< of every command
     std::vector<NounDescription> nouns;     ///< in the order of the help
     std::vector<CommandDescription> commands;
+
+    /// The command of a name, noun and verb; null where there is none.
+    const CommandDescription* Command(const std::string& name) const;
+    /// The option of a name that can stand beside a command: one of its own, or one of every command. Null
+    /// where there is none.
+    /// @param command null: none is known yet
+    const OptionDescription* Option(const CommandDescription* command, const std::string& name) const;
 };
 
 /// "quilletctl vlan add PARENT ID NAME [OPTION...]".

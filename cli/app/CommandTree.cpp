@@ -94,6 +94,9 @@ void CommandTree::Attach(CLI::App& app, const std::string& name, const std::stri
     described.description = description;
     Syntax syntax(app, described);
     command->Declare(syntax);
+    // Once it has all the words that it needs, the parser hands "--" to the noun, and takes what follows for
+    // options. A word that is never needed keeps it here.
+    app.add_option("further words", m_further);
     m_description.commands.push_back(std::move(described));
     m_leaves.push_back({&app, std::move(command)});
 }
@@ -148,6 +151,17 @@ std::vector<std::string> CommandTree::WithSimulateApart(const std::vector<std::s
     if (isMoved) {
         line.insert(std::find(line.begin(), line.end(), "--"), "--simulate");
     }
+    const auto end = std::find(line.begin(), line.end(), "--");
+    const auto isSimulate = [&](std::ptrdiff_t before) {
+        return end - line.begin() >= before && *(end - before) == "--simulate";
+    };
+    const bool isBehindCommand =
+        std::any_of(line.begin(), end, [this](const std::string& word) { return m_names.contains(word); });
+    // The parser has one for the end of the option's values, and one for the end of all options.
+    if (end != line.end() && isBehindCommand &&
+        (isSimulate(1) || (isSimulate(2) && !(end - 1)->starts_with('-')))) {
+        line.insert(end, "--");
+    }
     return line;
 }
 
@@ -161,9 +175,12 @@ Command& CommandTree::Parse(const std::vector<std::string>& arguments) {
     } catch (const CLI::CallForVersion& version) {
         throw TextRequest{std::string(version.what()) + "\n"};
     } catch (const CLI::ExtrasError&) {
-        throw UsageError(parsed.SuperfluousText());
+        throw UsageError(parsed.SuperfluousText(m_further));
     } catch (const CLI::ParseError& mistake) {
         throw UsageError(parsed.MistakeText(mistake.what()));
+    }
+    if (!m_further.empty()) {
+        throw UsageError(parsed.SuperfluousText(m_further));
     }
     CheckGlobalOptions();
 

@@ -70,7 +70,7 @@ class CommandTree {
     void Attach(CLI::App& app, const std::string& name, const std::string& description,
                 std::unique_ptr<Command> command);
     /// The line with each "--simulate" that has no file moved to its end, where it cannot take the name of a
-    /// command for one.
+    /// command for one; the option takes no "--" behind it either.
     std::vector<std::string> WithSimulateApart(const std::vector<std::string>& arguments) const;
     void CheckGlobalOptions();
 
@@ -78,6 +78,7 @@ class CommandTree {
     std::optional<std::string> m_machine; ///< --machine
     std::optional<std::string> m_state;   ///< --state
     std::vector<std::string> m_faults;    ///< --fault
+    std::vector<std::string> m_further;   ///< words beyond those that the command takes
     TreeDescription m_description;
     std::unique_ptr<CLI::App> m_app;
     struct Leaf {

@@ -25,9 +25,11 @@ Connection::Connection(const GlobalOptions& options, const Terminal& terminal,
 }
 
 quillet::Session& Connection::Reconnect() {
+    m_words.reset();
     m_session.reset();
     Attempt("connect to " + (m_machine.empty() ? std::string("this machine") : m_machine),
             [&] { m_session.emplace(quillet::SessionOptions{ToWide(m_machine)}); });
+    m_words.emplace(*m_session);
     return *m_session;
 }
 

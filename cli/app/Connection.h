@@ -3,6 +3,7 @@
 #pragma once
 
 #include "remote/RemoteMachine.h"
+#include "texts/ProviderWords.h"
 
 #include <quillet/client/Session.h>
 
@@ -27,11 +28,13 @@ class Connection {
     quillet::Session& Reconnect();
 
   private:
-    // The order matters: the session ends before what stands in WMI's place is taken out, and all before COM.
+    // The order matters: words and session end before what stands in WMI's place is taken out, and all before
+    // COM.
     std::optional<quillet::ComUsage> m_com;
     std::optional<quillet::simulator::Registration> m_simulator;
     std::optional<RemoteMachine> m_remote;
     std::optional<quillet::Session> m_session;
+    std::optional<ProviderWords> m_words;
     std::string m_machine;
 };
 

@@ -137,7 +137,7 @@ std::size_t ListOptions::Find(const std::string& word) const {
 
 void List::AddRow(std::vector<Cell> cells, Json entry) {
     cells.resize(m_options.m_columns.size(), Cell(""));
-    m_rows.push_back({std::move(cells), std::move(entry)});
+    m_rows.push_back({std::move(cells), std::move(entry), m_groups.size()});
 }
 
 void List::LeaveOut(std::string_view title) {
@@ -151,6 +151,9 @@ void List::Sort() {
     const auto [column, isDescending] = *m_options.m_order;
     std::stable_sort(m_rows.begin(), m_rows.end(),
                      [&, at = column, down = isDescending](const Row& a, const Row& b) {
+                         if (a.group != b.group) {
+                             return a.group < b.group;
+                         }
                          const Cell& left = a.cells[at];
                          const Cell& right = b.cells[at];
                          // What is missing comes last, whichever way round.
@@ -189,6 +192,21 @@ void List::PrintLines(std::ostream& out) const {
 }
 
 void List::PrintTable(const Terminal& screen) const {
+    const char* separator = "";
+    for (std::size_t group = 0; group <= m_groups.size(); ++group) {
+        if (std::none_of(m_rows.begin(), m_rows.end(), [&](const Row& row) { return row.group == group; })) {
+            continue;
+        }
+        if (group > 0 && !m_options.m_isWithoutHeadings) {
+            const std::string heading = Printable(m_groups[group - 1]) + ':';
+            screen.out << separator << (screen.outColour ? "\x1b[1m" + heading + "\x1b[0m" : heading) << '\n';
+            separator = "\n";
+        }
+        PrintTable(screen, group);
+    }
+}
+
+void List::PrintTable(const Terminal& screen, std::size_t group) const {
     const std::vector<std::size_t> shown = Shown();
     std::vector<Column> columns;
     for (const std::size_t column : shown) {
@@ -201,9 +219,15 @@ void List::PrintTable(const Terminal& screen) const {
     }
     Table table(std::move(columns));
     for (const Row& row : m_rows) {
+        if (row.group != group) {
+            continue;
+        }
         std::vector<Cell> cells;
         for (const std::size_t column : shown) {
             cells.push_back(row.cells[column]);
+            if (!m_options.m_chosen.empty()) {
+                cells.back().brief.clear();
+            }
             if (IsMissing(cells.back())) {
                 cells.back().lines = {"-"};
             }

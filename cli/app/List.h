@@ -46,6 +46,8 @@ class List {
     /// The options must live as long.
     explicit List(const ListOptions& options) : m_options(options) {}
 
+    /// What follows stands together, for people under a heading.
+    void BeginGroup(std::string heading) { m_groups.push_back(std::move(heading)); }
     /// One cell for each column; an empty one for what is missing.
     void AddRow(std::vector<Cell> cells, Json entry);
     /// A column that tells nothing this time, and that people do not see unless they ask for it.
@@ -59,15 +61,18 @@ class List {
     struct Row {
         std::vector<Cell> cells;
         Json entry;
+        std::size_t group; ///< how many have begun
     };
 
     void Sort();
     std::vector<std::size_t> Shown() const;
     void PrintLines(std::ostream& out) const;
     void PrintTable(const Terminal& screen) const;
+    void PrintTable(const Terminal& screen, std::size_t group) const;
 
     const ListOptions& m_options;
     std::vector<Row> m_rows;
+    std::vector<std::string> m_groups; ///< their headings
     std::vector<std::string_view> m_leftOut;
 };
 

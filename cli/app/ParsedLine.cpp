@@ -1,6 +1,8 @@
 // What a line chose, and what is wrong with it.
 #include "app/ParsedLine.h"
 
+#include "texts/Nearest.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -19,12 +21,18 @@ std::string Joined(const std::vector<std::string>& words, const char* separator 
 }
 
 /// The nouns, or the verbs of one noun.
-std::string NamesWithin(const CLI::App& app) {
+std::vector<std::string> NamesWithin(const CLI::App& app) {
     std::vector<std::string> names;
     for (const CLI::App* each : app.get_subcommands([](const CLI::App*) { return true; })) {
         names.push_back(each->get_name());
     }
-    return Joined(names, ", ");
+    return names;
+}
+
+/// What a message about a word that is none of these goes on with: the one that may be meant, or all.
+std::string InsteadOf(const std::string& word, const CLI::App& app) {
+    const std::vector<std::string> names = NamesWithin(app);
+    return DidYouMeanOr(word, names, ", only " + Joined(names, ", "));
 }
 
 /// The name of the option that a word of the line is, without its value; empty when it is none.
@@ -48,32 +56,23 @@ std::vector<std::string> ParsedLine::Chosen() const {
 }
 
 const CommandDescription* ParsedLine::Command() const {
-    const std::string name = Joined(Chosen());
-    const auto found = std::find_if(m_tree.commands.begin(), m_tree.commands.end(),
-                                    [&](const CommandDescription& each) { return each.name == name; });
-    return found == m_tree.commands.end() ? nullptr : &*found;
+    return m_tree.Command(Joined(Chosen()));
 }
 
-const OptionDescription* ParsedLine::FindOption(const std::string& name) const {
-    const CommandDescription* command = Command();
-    if (const OptionDescription* own = command == nullptr ? nullptr : command->Option(name)) {
-        return own;
-    }
-    const auto found = std::find_if(m_tree.options.begin(), m_tree.options.end(),
-                                    [&](const OptionDescription& each) { return each.name == name; });
-    return found == m_tree.options.end() ? nullptr : &*found;
-}
-
-std::string ParsedLine::SuperfluousText() const {
+std::string ParsedLine::SuperfluousText(const std::vector<std::string>& further) const {
     const std::vector<std::string> chosen = Chosen();
     const std::string name = Joined(chosen);
     const CommandDescription* command = Command();
     if (command != nullptr && command->takesSecrets) {
         return name + kNotRepeated;
     }
-    const std::vector<std::string> words = m_app.remaining(true);
+    std::vector<std::string> words = m_app.remaining(true);
+    words.erase(std::remove(words.begin(), words.end(), "--"), words.end());
+    // An option that is none leaves its value behind.
+    const bool isOption = !words.empty() && words.front().starts_with('-') && words.front().size() > 1;
+    words.insert(isOption ? words.end() : words.begin(), further.begin(), further.end());
     const std::string word = words.empty() ? std::string() : words.front();
-    if (word.starts_with('-') && word.size() > 1) {
+    if (isOption) {
         return (name.empty() ? "there is" : name + " has") + " no option " + word.substr(0, word.find('=')) +
                "; see quilletctl help" + (name.empty() ? "" : ' ' + name);
     }
@@ -81,8 +80,8 @@ std::string ParsedLine::SuperfluousText() const {
         return name + " takes no further word: \"" + word + '"';
     }
     return chosen.empty()
-               ? "there is no command \"" + word + "\", only " + NamesWithin(m_app)
-               : name + " has no verb \"" + word + "\", only " + NamesWithin(*m_app.get_subcommand(name));
+               ? "there is no command \"" + word + '"' + InsteadOf(word, m_app)
+               : name + " has no verb \"" + word + '"' + InsteadOf(word, *m_app.get_subcommand(name));
 }
 
 std::string ParsedLine::MistakeText(const std::string& parserText) const {
@@ -92,7 +91,7 @@ std::string ParsedLine::MistakeText(const std::string& parserText) const {
     std::map<std::string, int> given;
     for (auto word = m_words.begin(); word != end; ++word) {
         const std::string name = OptionIn(*word);
-        const OptionDescription* option = name.empty() ? nullptr : FindOption(name);
+        const OptionDescription* option = name.empty() ? nullptr : m_tree.Option(command, name);
         if (option != nullptr && option->value.empty() && name.size() < word->size()) {
             return name + ": takes no value";
         }
@@ -101,7 +100,7 @@ std::string ParsedLine::MistakeText(const std::string& parserText) const {
         }
     }
     const std::string subject = parserText.substr(0, parserText.find(": "));
-    if (const OptionDescription* option = FindOption(subject)) {
+    if (const OptionDescription* option = m_tree.Option(command, subject)) {
         return subject + ": " + ValueText(*option) + " is needed";
     }
     const auto isSubject = [&](const ArgumentDescription& each) { return each.name == subject; };
@@ -121,8 +120,9 @@ std::string ParsedLine::MistakeText(const std::string& parserText) const {
 std::string ParsedLine::UnfinishedText() const {
     const std::vector<std::string> chosen = Chosen();
     return chosen.empty()
-               ? "a command is needed: " + NamesWithin(m_app)
-               : chosen.front() + " needs a verb: " + NamesWithin(*m_app.get_subcommand(chosen.front()));
+               ? "a command is needed: " + Joined(NamesWithin(m_app), ", ")
+               : chosen.front() +
+                     " needs a verb: " + Joined(NamesWithin(*m_app.get_subcommand(chosen.front())), ", ");
 }
 
 } // namespace quilletctl

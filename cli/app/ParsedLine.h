@@ -26,16 +26,14 @@ class ParsedLine {
 
     // What is wrong with it, in words.
 
-    /// It has words too many.
-    std::string SuperfluousText() const;
+    /// It has words or options too many. @param further words that its command takes no more
+    std::string SuperfluousText(const std::vector<std::string>& further) const;
     /// The parser refused it for any other reason.
     std::string MistakeText(const std::string& parserText) const;
     /// It ends before there is a command.
     std::string UnfinishedText() const;
 
   private:
-    const OptionDescription* FindOption(const std::string& name) const;
-
     const CLI::App& m_app;
     const TreeDescription& m_tree;
     const std::vector<std::string>& m_words;

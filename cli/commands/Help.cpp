@@ -1,5 +1,6 @@
 // quilletctl help: what can stand on a command line, for people and, with --json, for programs.
 #include "commands/Commands.h"
+#include "texts/Nearest.h"
 
 #include <nlohmann/json.hpp>
 
@@ -31,6 +32,18 @@ Json AsJson(const OptionDescription& option) {
                 {"description", option.description}};
 }
 
+/// What a message about a command that there is not goes on with.
+std::string InsteadOf(const std::string& asked, const TreeDescription& tree) {
+    std::vector<std::string> names;
+    for (const NounDescription& noun : tree.nouns) {
+        names.push_back(noun.name);
+    }
+    for (const CommandDescription& command : tree.commands) {
+        names.push_back(command.name);
+    }
+    return DidYouMeanOr(asked, names, "; see quilletctl help");
+}
+
 template <class Description>
 Json AsJson(const std::vector<Description>& descriptions) {
     Json list = Json::array();
@@ -56,7 +69,7 @@ class HelpCommand final : public Command {
             for (const std::string& word : m_words) {
                 asked += (asked.empty() ? "" : " ") + word;
             }
-            throw UsageError("there is no command \"" + asked + "\"; see quilletctl help");
+            throw UsageError("there is no command \"" + asked + '"' + InsteadOf(asked, tree));
         }
         if (run.WantsJson()) {
             run.Print(AsJson(tree));

@@ -68,9 +68,9 @@ class RecordVerb final : public Command {
         const Record record = RecordMachine(provider);
         run.BeginChanges({"write what the provider holds to " + m_file});
         // Names and addresses of a machine are not everybody's, though no secret is among them.
-        ReplaceFile(m_file,
-                    "// Recorded by quilletctl. Secrets are left out: *** stands for each.\n" + record.mof,
-                    Access::OwnerOnly);
+        ReplaceWholeFile(
+            m_file, "// Recorded by quilletctl. Secrets are left out: *** stands for each.\n" + record.mof,
+            Access::OwnerOnly);
         Tell(run, record);
         for (const Unrecorded& each : record.unrecorded) {
             if (FAILED(each.code)) {

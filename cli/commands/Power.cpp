@@ -76,10 +76,11 @@ std::vector<Field> Fields(const Power& info) {
 
 template <class Record>
 ExitStatus Show(const ListedAdapter& adapter, const Record& info, Invocation& run) {
+    const std::vector<Field> fields = Fields(info);
     Json json{{"adapter", adapter.path}};
+    json.update(AsJson(fields));
     Sheet sheet;
-    for (const Field& field : Fields(info)) {
-        json[field.key] = field.value;
+    for (const Field& field : fields) {
         sheet.Add(field.label, TextOf(field));
     }
     return AnswerSheet(run, json, sheet);

@@ -30,7 +30,7 @@ CompletedLine::CompletedLine(const TreeDescription& tree, const std::vector<std:
     }
     const std::size_t equals = m_current.find('=');
     const bool isOption = !m_isEnded && m_current.starts_with('-');
-    if (const OptionDescription* awaiting = FindOption(m_awaiting)) {
+    if (const OptionDescription* awaiting = m_tree.Option(Command(), m_awaiting)) {
         ProposeValues(*awaiting);
         if (!awaiting->isValueOptional) {
             return;
@@ -38,7 +38,7 @@ CompletedLine::CompletedLine(const TreeDescription& tree, const std::vector<std:
     }
     if (isOption && equals != std::string::npos) {
         m_prefix = m_current.substr(0, equals + 1);
-        if (const OptionDescription* option = FindOption(m_current.substr(0, equals))) {
+        if (const OptionDescription* option = m_tree.Option(Command(), m_current.substr(0, equals))) {
             ProposeValues(*option);
         }
     } else if (isOption) {
@@ -53,7 +53,7 @@ CompletedLine::CompletedLine(const TreeDescription& tree, const std::vector<std:
 }
 
 void CompletedLine::TakeWord(const std::string& word) {
-    const OptionDescription* awaiting = FindOption(m_awaiting);
+    const OptionDescription* awaiting = m_tree.Option(Command(), m_awaiting);
     // A value that may be left out is none where a name of a command stands.
     if (awaiting != nullptr && (!awaiting->isValueOptional || (!word.starts_with('-') && !IsName(word)))) {
         m_options[std::exchange(m_awaiting, {})] = word;
@@ -77,7 +77,7 @@ void CompletedLine::TakeOption(const std::string& word) {
     const std::size_t equals = word.find('=');
     const std::string name = word.substr(0, equals);
     m_options[name] = equals == std::string::npos ? std::string() : word.substr(equals + 1);
-    const OptionDescription* option = FindOption(name);
+    const OptionDescription* option = m_tree.Option(Command(), name);
     if (equals == std::string::npos && option != nullptr && !option->value.empty()) {
         m_awaiting = name;
     }
@@ -106,20 +106,7 @@ std::vector<std::string> CompletedLine::MachineOptions() const {
 }
 
 const CommandDescription* CompletedLine::Command() const {
-    const std::string name = m_verb.empty() ? m_noun : m_noun + ' ' + m_verb;
-    const auto found = std::find_if(m_tree.commands.begin(), m_tree.commands.end(),
-                                    [&](const CommandDescription& each) { return each.name == name; });
-    return found == m_tree.commands.end() ? nullptr : &*found;
-}
-
-const OptionDescription* CompletedLine::FindOption(const std::string& name) const {
-    const CommandDescription* command = Command();
-    if (const OptionDescription* own = command == nullptr ? nullptr : command->Option(name)) {
-        return own;
-    }
-    const auto found = std::find_if(m_tree.options.begin(), m_tree.options.end(),
-                                    [&](const OptionDescription& each) { return each.name == name; });
-    return found == m_tree.options.end() ? nullptr : &*found;
+    return m_tree.Command(m_verb.empty() ? m_noun : m_noun + ' ' + m_verb);
 }
 
 bool CompletedLine::HasVerbs(const std::string& noun) const {

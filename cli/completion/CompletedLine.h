@@ -59,7 +59,6 @@ class CompletedLine {
     void TakeOption(const std::string& word);
     std::string OptionValue(const std::string& name) const;
     const CommandDescription* Command() const;
-    const OptionDescription* FindOption(const std::string& name) const;
     bool HasVerbs(const std::string& noun) const;
     bool IsName(const std::string& word) const;
     void ProposeValues(const OptionDescription& option);

@@ -141,7 +141,7 @@ void CheckReplaceable(const std::string& file) {
     const Replacement tried(file, Access::OwnerOnly);
 }
 
-void ReplaceFile(const std::string& file, std::string_view bytes, Access access) {
+void ReplaceWholeFile(const std::string& file, std::string_view bytes, Access access) {
     Replacement(file, access).Commit(bytes);
 }
 

@@ -27,6 +27,6 @@ enum class Access { Usual, OwnerOnly };
 void CheckReplaceable(const std::string& file);
 /// Replaces a file, as a whole or not at all. One that is there keeps its rights, its owner and the links
 /// that lead to it; who may read a new one is said here. Throws UsageError.
-void ReplaceFile(const std::string& file, std::string_view bytes, Access access = Access::Usual);
+void ReplaceWholeFile(const std::string& file, std::string_view bytes, Access access = Access::Usual);
 
 } // namespace quilletctl

@@ -76,7 +76,7 @@ void KeptMachine::Save() {
     const std::uint64_t generation = m_machine->Store().Generation();
     if (m_generation != generation) {
         // A machine holds credentials (iSCSI, link security), so a new file is its owner's alone.
-        ReplaceFile(m_stateFile, text, Access::OwnerOnly);
+        ReplaceWholeFile(m_stateFile, text, Access::OwnerOnly);
         m_generation = generation;
     }
 }

@@ -1,15 +1,18 @@
 // Listing adapters, and finding one.
 #include "names/AdapterLookup.h"
 
-#include "names/HostName.h"
 #include "names/ObjectPath.h"
 #include "texts/Text.h"
+
+#include <quillet-state/Matching.h>
 
 #include <algorithm>
 
 namespace quilletctl {
 
 namespace {
+
+using quillet::state::MacDigits;
 
 /// What is read; nothing where it is refused.
 template <class Read>
@@ -19,17 +22,6 @@ auto IfTold(Read read) -> std::optional<decltype(read())> {
     } catch (const quillet::Error&) {
         return std::nullopt;
     }
-}
-
-/// The twelve digits of a MAC address, however they are set apart; empty when the text is none.
-std::string MacDigits(std::string_view text) {
-    std::string digits;
-    for (const char character : text) {
-        if (character != '-' && character != ':' && character != '.') {
-            digits += character;
-        }
-    }
-    return IsMacAddress(digits) ? digits : std::string();
 }
 
 /// Whether a path names the adapter or its boot agent, which go by the same identifier.
@@ -71,7 +63,7 @@ AdapterFinder::AdapterFinder(quillet::Session& session)
     }
 }
 
-ListedAdapter AdapterFinder::One(const std::string& text) {
+ListedAdapter AdapterFinder::One(const std::string& text, const std::vector<Named>& others) {
     if (text.empty()) {
         throw UsageError("an adapter is needed: its name, object ID or path");
     }
@@ -82,7 +74,7 @@ ListedAdapter AdapterFinder::One(const std::string& text) {
         const quillet::AdapterId id(ToWide(text));
         return {id, text, ToUtf8(m_session.ObjectIdOf(id)), {}, {}, {}};
     }
-    ThrowUnknown(text);
+    ThrowUnknown(text, others);
 }
 
 std::vector<ListedAdapter> AdapterFinder::Several(const std::string& text) {
@@ -186,14 +178,18 @@ void AdapterFinder::ReadCaptions() {
     }
 }
 
-void AdapterFinder::ThrowUnknown(const std::string& text) const {
+void AdapterFinder::ThrowUnknown(const std::string& text, std::vector<Named> others) const {
     std::string reason = "no adapter is called \"" + text + "\"";
     if (m_placeless > 0) {
         reason += "; " + std::to_string(m_placeless) +
                   (m_placeless == 1 ? " adapter does not tell its slot, port and MAC address"
                                     : " adapters do not tell their slots, ports and MAC addresses");
     }
-    throw UsageError(reason + "; see quilletctl adapter list");
+    // Places are numbers, of which any two are alike.
+    for (const std::vector<Named>* known : {&m_names, &m_captions}) {
+        others.insert(others.end(), known->begin(), known->end());
+    }
+    throw UsageError(reason + MeantOrListed(others, text, "adapter list"));
 }
 
 ListedAdapter FindAdapter(quillet::Session& session, const std::string& text) {

@@ -49,7 +49,8 @@ class AdapterFinder {
     /// The adapter that a text names. A path that is not among the machine's adapters is taken as it is, for
     /// the provider may know it in another form. Throws UsageError where nothing, or more than one adapter,
     /// is named.
-    ListedAdapter One(const std::string& text);
+    /// @param others what else might have been meant
+    ListedAdapter One(const std::string& text, const std::vector<Named>& others = {});
     /// The adapters that a pattern names; where it has no `*` or `?`, or is a name itself, as One(). Throws
     /// UsageError where it names none.
     std::vector<ListedAdapter> Several(const std::string& text);
@@ -58,7 +59,7 @@ class AdapterFinder {
     std::optional<std::size_t> Find(const std::string& text);
     void ReadPlaces();
     void ReadCaptions();
-    [[noreturn]] void ThrowUnknown(const std::string& text) const;
+    [[noreturn]] void ThrowUnknown(const std::string& text, std::vector<Named> others = {}) const;
 
     quillet::Session& m_session;
     std::vector<ListedAdapter> m_adapters;

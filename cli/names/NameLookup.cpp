@@ -6,7 +6,11 @@
 #include "texts/Nearest.h"
 #include "texts/Text.h"
 
+#include <quillet-state/Matching.h>
+
 #include <algorithm>
+#include <functional>
+#include <iterator>
 
 namespace quilletctl {
 
@@ -19,28 +23,8 @@ std::string_view WithoutBraces(std::string_view id) {
     return id.size() > 2 && id.front() == '{' && id.back() == '}' ? id.substr(1, id.size() - 2) : id;
 }
 
-/// Whether a text fits a pattern. Steps back to the last gap where a letter does not fit, so that the time is
-/// bounded by the product of the lengths.
-bool Fits(const std::u32string& text, const std::u32string& pattern, char32_t any, char32_t one) {
-    std::size_t at = 0;
-    std::size_t in = 0;
-    std::optional<std::size_t> gap;
-    std::size_t gapEnd = 0;
-    while (at < text.size()) {
-        if (in < pattern.size() && pattern[in] == any) {
-            gap = in++;
-            gapEnd = at;
-        } else if (in < pattern.size() && (pattern[in] == text[at] || pattern[in] == one)) {
-            ++in;
-            ++at;
-        } else if (gap) {
-            in = *gap + 1;
-            at = ++gapEnd;
-        } else {
-            return false;
-        }
-    }
-    return pattern.find_first_not_of(any, in) == std::u32string::npos;
+bool Fits(std::string_view name, std::string_view text, char32_t any, char32_t one) {
+    return quillet::state::FitsPattern(Folded(name), Folded(text), any, one, std::equal_to<>());
 }
 
 bool IsNamed(std::string_view name, std::string_view text, Match match) {
@@ -50,12 +34,21 @@ bool IsNamed(std::string_view name, std::string_view text, Match match) {
     case Match::Beginning:
         return SameIgnoringCase(name.substr(0, text.size()), text);
     case Match::Shortened:
-        return text.find("…") != std::string_view::npos &&
-               Fits(Folded(name), Folded(text), kEllipsis, kEllipsis);
+        return text.find("…") != std::string_view::npos && Fits(name, text, kEllipsis, kEllipsis);
     case Match::Pattern:
-        return Fits(Folded(name), Folded(text), U'*', U'?');
+        return Fits(name, text, U'*', U'?');
     }
     return false;
+}
+
+/// The names that people see.
+std::vector<std::string> VisibleNames(const std::vector<Named>& things) {
+    std::vector<std::string> names;
+    for (const Named& thing : things) {
+        std::copy_if(thing.names.begin(), thing.names.end(), std::back_inserter(names),
+                     [](const std::string& name) { return !IsObjectPath(name); });
+    }
+    return names;
 }
 
 } // namespace
@@ -107,21 +100,22 @@ std::optional<std::size_t> FindOneNamed(const std::vector<Named>& things, const 
     return found.empty() ? std::nullopt : std::optional(found.front());
 }
 
+std::vector<std::size_t> FindNamedOrFitting(const std::vector<Named>& things, const std::string& text) {
+    std::vector<std::size_t> found;
+    for (const Match match : {Match::Whole, Match::Shortened, Match::Pattern}) {
+        found = found.empty() ? FindNamed(things, text, match) : found;
+    }
+    return found;
+}
+
 std::vector<std::size_t> ChooseNamed(const std::vector<Named>& things, const std::vector<std::string>& texts,
                                      const std::string& kind) {
     std::vector<bool> isChosen(things.size(), texts.empty());
     for (const std::string& text : texts) {
-        std::vector<std::size_t> found;
-        for (const Match match : {Match::Whole, Match::Shortened, Match::Pattern}) {
-            found = found.empty() ? FindNamed(things, text, match) : found;
-        }
+        const std::vector<std::size_t> found = FindNamedOrFitting(things, text);
         if (found.empty()) {
-            std::vector<std::string> names;
-            for (const Named& thing : things) {
-                names.insert(names.end(), thing.names.begin(), thing.names.end());
-            }
             throw UsageError(std::string("no ").append(kind) + " is called \"" + text + '"' +
-                             DidYouMean(text, names));
+                             DidYouMean(text, VisibleNames(things)));
         }
         for (const std::size_t i : found) {
             isChosen[i] = true;
@@ -134,6 +128,11 @@ std::vector<std::size_t> ChooseNamed(const std::vector<Named>& things, const std
         }
     }
     return chosen;
+}
+
+std::string MeantOrListed(const std::vector<Named>& things, const std::string& text,
+                          const std::string& list) {
+    return DidYouMeanOr(text, VisibleNames(things), "; see quilletctl " + list);
 }
 
 } // namespace quilletctl

@@ -42,10 +42,17 @@ std::optional<std::size_t>
 FindOneNamed(const std::vector<Named>& things, const std::string& text, const std::string& kind,
              std::initializer_list<Match> matches = {Match::Whole, Match::Shortened});
 
+/// The places of the things that a text names, by a name or as a pattern.
+std::vector<std::size_t> FindNamedOrFitting(const std::vector<Named>& things, const std::string& text);
+
 /// The places of the things that any of the texts names, by a name or as a pattern, in the order of the
 /// things; all of them without a text. Throws UsageError where a text names none.
 /// @param kind what the message calls a thing of this kind: "team"
 std::vector<std::size_t> ChooseNamed(const std::vector<Named>& things, const std::vector<std::string>& texts,
                                      const std::string& kind);
+
+/// What a message about a text that names none of the things goes on with: the name that may have been meant,
+/// or else the command that lists them ("team list").
+std::string MeantOrListed(const std::vector<Named>& things, const std::string& text, const std::string& list);
 
 } // namespace quilletctl

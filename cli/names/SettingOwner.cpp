@@ -163,7 +163,7 @@ SettingOwner FindSettingOwner(quillet::Session& session, const std::string& text
     if (const std::optional<std::size_t> found = FindOneNamed(vlans.names, text, "VLANs")) {
         return vlans.owners[*found];
     }
-    throw UsageError("no VLAN is called \"" + text + "\"; see quilletctl vlan list");
+    throw UsageError("no VLAN is called \"" + text + '"' + MeantOrListed(vlans.names, text, "vlan list"));
 }
 
 std::vector<SettingOwner> FindSettingOwners(quillet::Session& session, const std::string& text,
@@ -226,9 +226,8 @@ const quillet::Setting& FindSetting(const std::vector<quillet::Setting>& setting
             names.push_back(ToUtf8(each.keyword));
             names.push_back(ToUtf8(each.description));
         }
-        const std::string meant = DidYouMean(text, names);
         throw UsageError(owner.called + " has no setting \"" + text + '"' +
-                         (meant.empty() ? "; see quilletctl setting list" : meant));
+                         DidYouMeanOr(text, names, "; see quilletctl setting list"));
     }
     return *setting;
 }

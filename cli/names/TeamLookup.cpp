@@ -44,10 +44,11 @@ quillet::Team FindTeam(quillet::Session& session, const std::string& text) {
     if (const std::optional<quillet::Team> team = TeamAtPath(session, teams, text)) {
         return *team;
     }
-    if (const std::optional<std::size_t> found = FindOneNamed(NamesOf(teams), text, "teams")) {
+    const std::vector<Named> names = NamesOf(teams);
+    if (const std::optional<std::size_t> found = FindOneNamed(names, text, "teams")) {
         return teams[*found];
     }
-    throw UsageError("no team is called \"" + text + "\"; see quilletctl team list");
+    throw UsageError("no team is called \"" + text + '"' + MeantOrListed(names, text, "team list"));
 }
 
 std::string Called(const quillet::Team& team) {

@@ -5,6 +5,7 @@
 #include "names/AdapterLookup.h"
 #include "names/ObjectPath.h"
 #include "names/TeamLookup.h"
+#include "texts/States.h"
 #include "texts/Text.h"
 
 #include <optional>
@@ -40,7 +41,7 @@ class ParentFinder {
             return Of(*team);
         }
         const std::optional<std::size_t> found = FindOneNamed(m_names, text, "adapters and teams");
-        return found ? At(*found) : Of(m_adapters.One(text));
+        return found ? At(*found) : Of(m_adapters.One(text, m_names));
     }
     std::vector<VlanParent> Several(const std::string& text) {
         const std::vector<std::size_t> found = FindNamed(m_names, text, Match::Pattern);
@@ -67,6 +68,15 @@ class ParentFinder {
     std::vector<Named> m_names;
 };
 
+/// Nothing where the adapter does not tell, which keeps nobody from telling of others.
+std::optional<bool> LinkOf(quillet::Session& session, const quillet::AdapterId& adapter) {
+    try {
+        return IsUp(session.ReadState(adapter));
+    } catch (const quillet::Error&) {
+        return std::nullopt;
+    }
+}
+
 } // namespace
 
 std::vector<VlanParent> ReadVlanParents(quillet::Session& session) {
@@ -86,6 +96,21 @@ VlanParent FindVlanParent(quillet::Session& session, const std::string& text) {
 
 std::vector<VlanParent> FindVlanParents(quillet::Session& session, const std::string& text) {
     return ParentFinder(session).Several(text);
+}
+
+std::optional<bool> LinkOf(quillet::Session& session, const VlanParent& parent) {
+    try {
+        if (const auto* adapter = std::get_if<quillet::AdapterId>(&parent.id)) {
+            return LinkOf(session, *adapter);
+        }
+        std::optional<bool> link = false;
+        for (const quillet::TeamMember& member : session.Members(std::get<quillet::TeamId>(parent.id))) {
+            link = IsAnyUp(link, LinkOf(session, member.id));
+        }
+        return link;
+    } catch (const quillet::Error&) {
+        return std::nullopt;
+    }
 }
 
 std::vector<quillet::Vlan> ReadVlans(quillet::Session& session, const VlanParent& parent) {
@@ -114,9 +139,11 @@ quillet::Vlan FindVlan(quillet::Session& session, const VlanParent& parent, cons
     if (const std::optional<std::size_t> found = FindOneNamed(names, text, "VLANs of " + parent.name)) {
         return vlans[*found];
     }
+    // Any two numbers are alike; to name another one would be a guess.
     const bool isNumber = text.find_first_not_of("0123456789") == std::string::npos;
-    throw UsageError(parent.name + " has no VLAN " + (isNumber ? text : '"' + text + '"') +
-                     "; see quilletctl vlan list");
+    throw UsageError(parent.name + " has no VLAN " +
+                     (isNumber ? text + "; see quilletctl vlan list"
+                               : '"' + text + '"' + MeantOrListed(names, text, "vlan list")));
 }
 
 std::optional<quillet::Vlan> LookForVlan(quillet::Session& session, const VlanParent& parent,

@@ -31,6 +31,10 @@ VlanParent FindVlanParent(quillet::Session& session, const std::string& text);
 /// The same, but a pattern names several.
 std::vector<VlanParent> FindVlanParents(quillet::Session& session, const std::string& text);
 
+/// Whether a parent has a link: an adapter its own, a team while any member has one. Nothing where that is
+/// not told.
+std::optional<bool> LinkOf(quillet::Session& session, const VlanParent& parent);
+
 /// The VLANs of a parent. Throws Refusal.
 std::vector<quillet::Vlan> ReadVlans(quillet::Session& session, const VlanParent& parent);
 

@@ -77,6 +77,16 @@ std::size_t WidthOf(const Cell& cell) {
 
 } // namespace
 
+Cell Cell::Briefly(std::string text) && {
+    brief = std::move(text);
+    return std::move(*this);
+}
+
+Cell Cell::Below(std::string text) && {
+    below = std::move(text);
+    return std::move(*this);
+}
+
 std::string Cell::Text() const {
     std::string text;
     for (const std::string& line : lines) {
@@ -94,6 +104,8 @@ void Table::AddRow(const std::vector<Cell>& cells) {
         for (std::string& line : row.back().lines) {
             line = Printable(line);
         }
+        row.back().brief = Printable(row.back().brief);
+        row.back().below = Printable(row.back().below);
     }
 }
 
@@ -179,6 +191,35 @@ void Table::RemoveCommonBeginnings(std::size_t width) {
     }
 }
 
+void Table::UseBriefTexts() {
+    for (auto& row : m_rows) {
+        for (Cell& cell : row) {
+            if (!cell.brief.empty()) {
+                cell.lines = {cell.brief};
+            }
+        }
+    }
+}
+
+void Table::MoveBelow() {
+    for (auto& row : m_rows) {
+        std::string below;
+        for (std::size_t i = 0; i < m_columns.size(); ++i) {
+            if (m_columns[i].stay == Stay::Below && !row[i].below.empty()) {
+                below += (below.empty() ? "  " : ", ") + row[i].below;
+            }
+        }
+        if (!below.empty()) {
+            row.front().lines.push_back(std::move(below));
+        }
+    }
+    for (std::size_t i = m_columns.size(); i-- > 0;) {
+        if (m_columns[i].stay == Stay::Below) {
+            Remove(i);
+        }
+    }
+}
+
 std::vector<std::size_t> Table::WidthsWithin(std::size_t width) const {
     std::vector<std::size_t> widths;
     for (std::size_t i = 0; i < m_columns.size(); ++i) {
@@ -212,6 +253,12 @@ void Table::Print(const Terminal& terminal, bool withTitles) const {
     }
     fitted.RemoveRepeatedColumns(terminal.width);
     fitted.RemoveColumns(Stay::WhileAllFits, terminal.width, &Table::TotalWidth);
+    if (fitted.TotalWidth() > terminal.width) {
+        fitted.UseBriefTexts();
+    }
+    if (fitted.LeastWidth() > terminal.width) {
+        fitted.MoveBelow();
+    }
     for (const Stay stay : {Stay::Third, Stay::Second, Stay::First}) {
         fitted.RemoveColumns(stay, terminal.width, &Table::LeastWidth);
     }

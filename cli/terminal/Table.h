@@ -24,6 +24,7 @@ enum class Stay : std::uint8_t {
     Third,        ///< until texts would have to be cut so short that they are no longer read with ease
     Second,       ///< likewise, and after all the others of that kind
     First,
+    Below, ///< likewise, before any of those; what its cells say of a row then stands below the row
     Always
 };
 
@@ -48,12 +49,19 @@ struct Cell {
         lines.resize(std::max<std::size_t>(lines.size(), 1));
     }
 
+    /// The cell with a shorter text for a table that is too wide.
+    Cell Briefly(std::string text) &&;
+    /// The cell of a column that may go below (Stay::Below), with what it says there; empty: nothing.
+    Cell Below(std::string text) &&;
+
     /// All of it on one line.
     std::string Text() const;
 
     std::vector<std::string> lines;
     Tone tone = Tone::Plain;
     std::optional<std::int64_t> number{}; ///< what it is sorted by; else the text
+    std::string brief{};                  ///< empty: there is no shorter text
+    std::string below{};
 };
 
 /// Rows of cells (UTF-8) under titles. Columns are as wide as their widest cell on the screen.
@@ -63,8 +71,9 @@ class Table {
     /// One cell per column; characters that would steer the terminal are replaced.
     void AddRow(const std::vector<Cell>& cells);
     bool IsEmpty() const noexcept { return m_rows.empty(); }
-    /// In a terminal that is too narrow, what repeats is left out first, then the columns that may go, and
-    /// then long texts are cut in their middle. Elsewhere nothing is cut, and a row is one line.
+    /// In a terminal that is too narrow, what repeats is left out first, then short texts take the place of
+    /// long ones, then columns go below or go as a whole, and then long texts are cut in their middle.
+    /// Elsewhere nothing is cut, and a row is one line.
     void Print(const Terminal& terminal, bool withTitles = true) const;
 
   private:
@@ -79,6 +88,9 @@ class Table {
     /// Removes columns that stay no longer than so, the last first, while the table is too wide.
     void RemoveColumns(Stay stay, std::size_t width, std::size_t (Table::*widthNow)() const);
     void RemoveCommonBeginnings(std::size_t width);
+    void UseBriefTexts();
+    /// Columns that may go below do, as lines of the first column.
+    void MoveBelow();
     /// The columns' widths, with the widest texts giving way.
     std::vector<std::size_t> WidthsWithin(std::size_t width) const;
     void Print(const Terminal& terminal, const std::vector<std::size_t>& widths, bool withTitles) const;

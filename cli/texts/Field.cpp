@@ -8,7 +8,11 @@ Json AsJson(const std::vector<Field>& fields) {
     for (const Field& field : fields) {
         const std::size_t dot = field.key.find('.');
         Json& object = dot == std::string::npos ? json : json[field.key.substr(0, dot)];
-        object[dot == std::string::npos ? field.key : field.key.substr(dot + 1)] = field.value;
+        const std::string key = dot == std::string::npos ? field.key : field.key.substr(dot + 1);
+        object[key] = field.value;
+        if (field.value.is_number() && !field.text.empty()) {
+            object[key + "Text"] = field.text;
+        }
     }
     return json;
 }

@@ -20,7 +20,8 @@ struct Field {
     std::string text{};    ///< what it means to people; empty: the value says it
 };
 
-/// The values as an object.
+/// The values as an object; a number that means something has its text beside it, as "modeText" beside
+/// "mode".
 Json AsJson(const std::vector<Field>& fields);
 /// A value as sentences have it: `on`, `7`, `1, 2`, `"text"`, `not available`.
 std::string TextOf(const Json& value);

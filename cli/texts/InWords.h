@@ -2,6 +2,7 @@
 #pragma once
 
 #include "texts/JsonParts.h"
+#include "texts/ProviderWords.h"
 #include "texts/Text.h"
 
 #include <quillet/client/Flags.h>
@@ -21,8 +22,13 @@ inline std::string UnknownText(std::int64_t number, const wchar_t* what = L"code
 /// What a number of an enumeration means.
 template <class Number>
 std::string InWords(Number number) {
+    const auto code = static_cast<std::int32_t>(number);
     const std::wstring words = Text(number); // found where the enumeration is
-    return words.empty() ? UnknownText(static_cast<std::int32_t>(number)) : ToUtf8(words);
+    if (!words.empty() && words != quillet::UnknownNumber(code)) {
+        return ToUtf8(words);
+    }
+    const std::string told = ProviderWords::Of(quillet::kValueSource<Number>, code);
+    return told.empty() ? UnknownText(code) : told;
 }
 template <class Bit>
 std::string InWords(quillet::Flags<Bit> flags) {

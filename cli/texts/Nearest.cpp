@@ -58,4 +58,10 @@ std::string DidYouMean(std::string_view typed, const std::vector<std::string>& w
     return nearest.empty() ? std::string() : "; did you mean \"" + nearest + "\"?";
 }
 
+std::string DidYouMeanOr(std::string_view typed, const std::vector<std::string>& words,
+                         const std::string& otherwise) {
+    const std::string meant = DidYouMean(typed, words);
+    return meant.empty() ? otherwise : meant;
+}
+
 } // namespace quilletctl

@@ -12,5 +12,8 @@ std::string Nearest(std::string_view typed, const std::vector<std::string>& word
 /// What a message about what was typed goes on with: `; did you mean "word"?`. Empty where nothing is like
 /// it.
 std::string DidYouMean(std::string_view typed, const std::vector<std::string>& words);
+/// The same; where nothing is like it, what the message goes on with else.
+std::string DidYouMeanOr(std::string_view typed, const std::vector<std::string>& words,
+                         const std::string& otherwise);
 
 } // namespace quilletctl

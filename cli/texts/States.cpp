@@ -14,16 +14,24 @@ Tone ToneOf(quillet::StatusInfo status) noexcept {
     }
 }
 
-bool IsUp(const quillet::AdapterState& state) noexcept {
-    return state.hardware == quillet::HardwareStatus::LinkPresent;
+std::optional<bool> IsUp(const std::optional<quillet::AdapterState>& state) noexcept {
+    return state ? std::optional(state->hardware == quillet::HardwareStatus::LinkPresent) : std::nullopt;
+}
+
+std::optional<bool> IsAnyUp(std::optional<bool> one, std::optional<bool> other) noexcept {
+    const bool isTold = one && other;
+    return one == true || other == true ? std::optional(true)
+                                        : (isTold ? std::optional(false) : std::nullopt);
 }
 
 std::string LinkText(const std::optional<quillet::AdapterState>& state) {
-    return !state ? "" : IsUp(*state) ? "up" : "down";
+    const std::optional<bool> isUp = IsUp(state);
+    return !isUp ? "" : *isUp ? "up" : "down";
 }
 
 Tone LinkTone(const std::optional<quillet::AdapterState>& state) noexcept {
-    return !state ? Tone::Plain : IsUp(*state) ? Tone::Good : Tone::Bad;
+    const std::optional<bool> isUp = IsUp(state);
+    return !isUp ? Tone::Plain : *isUp ? Tone::Good : Tone::Bad;
 }
 
 } // namespace quilletctl

@@ -44,10 +44,34 @@ Cell StateCell(const AdapterOverview& overview) {
     return {InWords(state.statusInfo), ToneOf(state.statusInfo)};
 }
 
+/// The state below the adapter's name: only one that is not the usual one.
+Cell StateCellOrBelow(const AdapterOverview& overview) {
+    Cell cell = StateCell(overview);
+    const std::string below = cell.tone == Tone::Good ? std::string() : cell.Text();
+    return std::move(cell).Below(below);
+}
+
+/// "10G" for "10 Gbit/s"; empty where it cannot be said shorter.
+std::string BriefSpeed(const std::string& speed) {
+    constexpr std::string_view kUnit = "bit/s";
+    const std::size_t blank = speed.find(' ');
+    return blank != std::string::npos && speed.size() == blank + 2 + kUnit.size() && speed.ends_with(kUnit)
+               ? speed.substr(0, blank) + speed[blank + 1]
+               : std::string();
+}
+
 Cell SpeedCell(const AdapterOverview& overview) {
-    return overview.state && overview.state->speed != LinkSpeed::None
-               ? Cell(InWords(overview.state->speed), static_cast<std::int64_t>(overview.state->speed))
-               : Cell("");
+    if (!overview.state || overview.state->speed == LinkSpeed::None) {
+        return "";
+    }
+    const std::string speed = InWords(overview.state->speed);
+    return Cell(speed, static_cast<std::int64_t>(overview.state->speed)).Briefly(BriefSpeed(speed));
+}
+
+Cell TeamCell(const AdapterOverview& overview) {
+    const std::string name = ToUtf8(overview.teamName);
+    return overview.team.IsEmpty() ? Cell("")
+                                   : Cell(name).Below("in " + name + ", " + InWords(overview.role));
 }
 
 std::string PlaceOf(const AdapterOverview& overview) {
@@ -71,9 +95,9 @@ std::vector<Column> GlanceColumns() {
             {"SPEED"},
             {"MAC", Fit::Intact, {}, Stay::Third},
             {"SLOT"},
-            {"TEAM", Fit::MayShorten, {}, Stay::First},
-            {"ROLE", Fit::Whole, {}, Stay::Second},
-            {"STATE", Fit::MayShorten, {}, Stay::First},
+            {"TEAM", Fit::MayShorten, {}, Stay::Below},
+            {"ROLE", Fit::Whole, {}, Stay::Below},
+            {"STATE", Fit::MayShorten, {}, Stay::Below},
             {"DISPLAY NAME", Fit::MayShorten, "NAME", Stay::WhileAllFits},
             {"OBJECT ID", Fit::Whole, {}, Stay::WhileAllFits},
             {"DEVICE ID", Fit::Whole, {}, Stay::WhileAllFits}};
@@ -81,15 +105,14 @@ std::vector<Column> GlanceColumns() {
 
 std::vector<Cell> GlanceCells(const AdapterOverview& overview) {
     const quillet::Adapter& adapter = overview.adapter;
-    const bool isMember = !overview.team.IsEmpty();
     return {ToUtf8(adapter.name.empty() ? adapter.id.Path() : adapter.name),
             Cell(LinkText(overview.state), LinkTone(overview.state)),
             SpeedCell(overview),
             overview.hardware ? ToUtf8(overview.hardware->macAddress) : std::string(),
             PlaceOf(overview),
-            isMember ? ToUtf8(overview.teamName) : std::string(),
-            isMember ? InWords(overview.role) : std::string(),
-            StateCell(overview),
+            TeamCell(overview),
+            overview.team.IsEmpty() ? std::string() : InWords(overview.role),
+            StateCellOrBelow(overview),
             ToUtf8(adapter.displayName),
             ToUtf8(overview.objectId),
             ToUtf8(adapter.deviceId)};

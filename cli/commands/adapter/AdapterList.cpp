@@ -1,4 +1,5 @@
 // quilletctl adapter list: the adapters at a glance.
+#include "app/LinkFilter.h"
 #include "app/List.h"
 #include "commands/adapter/AdapterGlance.h"
 #include "commands/adapter/AdapterVerbs.h"
@@ -23,23 +24,20 @@ class ListAdapters final : public Command {
         syntax.Arguments(
             "adapter", m_adapters, 0, kMostNames,
             "Adapters: names, object IDs or object paths; a pattern names several (default: all)");
-        syntax.Flag("--up", m_isUp, "Only adapters with a link");
-        syntax.Flag("--down", m_isDown, "Only adapters without a link");
+        m_link.Declare(syntax, "adapters");
         syntax.Text("--team", m_team, "TEAM", "Only the members of a team");
         m_options.Declare(syntax);
     }
 
     ExitStatus Run(Invocation& run) override {
-        if (m_isUp && m_isDown) {
-            throw UsageError("--up, --down: no adapter is both");
-        }
+        m_link.Check();
         quillet::Session& session = run.Session();
         const std::optional<quillet::Team> team =
             m_team ? std::optional(FindTeam(session, *m_team)) : std::nullopt;
         List list(m_options);
         bool hasTwoIds = false;
         for (const AdapterOverview& each : Overviews(run)) {
-            if (IsWanted(each) && (!team || IsMemberOf(each, *team))) {
+            if (m_link.Takes(IsUp(each.state)) && (!team || IsMemberOf(each, *team))) {
                 hasTwoIds = hasTwoIds || each.adapter.deviceId != each.objectId;
                 list.AddRow(GlanceCells(each), AsJson(each));
             }
@@ -64,17 +62,12 @@ class ListAdapters final : public Command {
         return session.AdapterOverviews(std::move(adapters), run.SideBySide());
     }
 
-    /// An adapter that does not tell is neither up nor down.
-    bool IsWanted(const AdapterOverview& overview) const {
-        return (!m_isUp && !m_isDown) || (overview.state && IsUp(*overview.state) == m_isUp);
-    }
     static bool IsMemberOf(const AdapterOverview& overview, const quillet::Team& team) {
         return !overview.team.IsEmpty() && NameTheSameObject(overview.team, team.id);
     }
 
     std::vector<std::string> m_adapters;
-    bool m_isUp = false;
-    bool m_isDown = false;
+    LinkFilter m_link;
     std::optional<std::string> m_team;
     ListOptions m_options{GlanceColumns()};
 };

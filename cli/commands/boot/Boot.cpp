@@ -63,7 +63,7 @@ class ReadBootAgent final : public BootCommand {
         const std::vector<std::byte> flash =
             Attempt("read the flash memory", [&] { return run.Session().ReadFlash(agent.id); });
         run.BeginChanges({"write what the flash memory of " + adapter.Called() + " holds to " + m_file});
-        ReplaceFile(m_file, {reinterpret_cast<const char*>(flash.data()), flash.size()});
+        ReplaceWholeFile(m_file, {reinterpret_cast<const char*>(flash.data()), flash.size()});
         if (run.WantsJson()) {
             run.Print(Json{{"file", m_file}, {"bytes", flash.size()}});
         } else {

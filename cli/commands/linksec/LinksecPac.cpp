@@ -91,6 +91,7 @@ class ShowPac final : public PacCommand {
                            Json{{"path", adapter.path},
                                 {"file", m_file},
                                 {"type", pac.type},
+                                {"typeText", UnknownText(pac.type)},
                                 {"info", ToUtf8(pac.description)},
                                 {"authority", ToUtf8(pac.authority)},
                                 {"authorityInfo", ToUtf8(pac.authorityText)},

@@ -41,10 +41,10 @@ class WriteReport final : public Command {
         }
         const MachineFacts facts = Read(run, isDrawing ? Detail::Drawing : Detail::All);
         run.BeginChanges({"write the report to " + m_file});
-        ReplaceFile(m_file, isDrawing
-                                ? DrawMachine(facts)
-                                : PageOf(facts, "Made by quilletctl " QUILLETCTL_VERSION ", " +
-                                                    UtcText(std::chrono::system_clock::now(), " ") + " UTC"));
+        ReplaceWholeFile(
+            m_file, isDrawing ? DrawMachine(facts)
+                              : PageOf(facts, "Made by quilletctl " QUILLETCTL_VERSION ", " +
+                                                  UtcText(std::chrono::system_clock::now(), " ") + " UTC"));
         Tell(run, facts);
         return ExitStatus::Done;
     }

@@ -1,9 +1,8 @@
 // quilletctl setting set, reset: settings of one owner, or of several at once.
 #include "app/Command.h"
+#include "commands/setting/OwnersOption.h"
 #include "commands/setting/SettingTargets.h"
 #include "commands/setting/SettingVerbs.h"
-#include "names/AdapterLookup.h"
-#include "names/NameLookup.h"
 #include "names/ObjectPath.h"
 
 #include <nlohmann/json.hpp>
@@ -18,46 +17,16 @@ namespace {
 class ChangeSettings : public Command {
   public:
     void Declare(Syntax& syntax) override {
-        syntax.Flag("--all-adapters", m_allAdapters, "Every adapter, instead of an owner");
-        syntax.Choice("--of", m_kind, OwnerKindWords(),
-                      "What the owner is, where its path does not say (default: adapter)");
+        m_owners.Declare(syntax);
         m_wait.Declare(syntax);
     }
 
   protected:
-    /// Takes the owner from the words. Throws UsageError.
-    void TakeOwner(std::vector<std::string>& words) {
-        if (m_allAdapters && !m_kind.empty() && m_kind != WordFor(SettingOwner::Kind::Adapter)) {
-            throw UsageError("--all-adapters: not together with --of " + m_kind);
-        }
-        if (m_allAdapters) {
-            return;
-        }
-        if (words.empty()) {
-            throw UsageError("an owner (or --all-adapters) is needed");
-        }
-        m_owner = words.front();
-        words.erase(words.begin());
-    }
+    OwnersOption& Owners() noexcept { return m_owners; }
     const WaitOption& Wait() const noexcept { return m_wait; }
-    bool IsOfAllAdapters() const noexcept { return m_allAdapters; }
-    bool IsOfSeveral() const { return m_allAdapters || (IsPattern(m_owner) && !IsObjectPath(m_owner)); }
-
-    std::vector<SettingOwner> Owners(quillet::Session& session) const {
-        if (!m_allAdapters) {
-            return FindSettingOwners(session, m_owner, m_kind);
-        }
-        std::vector<SettingOwner> owners;
-        for (const ListedAdapter& adapter : ReadAdapters(session)) {
-            owners.push_back({adapter.id, adapter.path, adapter.objectId, adapter.Called()});
-        }
-        return owners;
-    }
 
   private:
-    bool m_allAdapters = false;
-    std::string m_kind;
-    std::string m_owner;
+    OwnersOption m_owners;
     WaitOption m_wait;
 };
 
@@ -74,11 +43,11 @@ class SetSettings final : public ChangeSettings {
     }
 
     ExitStatus Run(Invocation& run) override {
-        TakeOwner(m_words);
+        Owners().Take(m_words);
         const bool areAssignments =
             !m_words.empty() && std::all_of(m_words.begin(), m_words.end(), IsAssignment);
         if (!areAssignments && m_words.size() != 2) {
-            throw UsageError(IsOfAllAdapters()
+            throw UsageError(Owners().IsAllAdapters()
                                  ? "--all-adapters: a setting and a value are needed, and no owner"
                                  : "an owner (or --all-adapters), a setting and a value are needed");
         }
@@ -90,8 +59,9 @@ class SetSettings final : public ChangeSettings {
         if (!areAssignments) {
             assignments = {{m_words.front(), m_words.back()}};
         }
-        SettingTargets targets(run, IsOfSeveral(), areAssignments ? ToldBy::Settings : ToldBy::Owners);
-        for (const SettingOwner& owner : Owners(run.Session())) {
+        SettingTargets targets(run, Owners().AreSeveral(),
+                               areAssignments ? ToldBy::Settings : ToldBy::Owners);
+        for (const SettingOwner& owner : Owners().Find(run.Session())) {
             targets.Add(owner, assignments);
         }
         if (areAssignments) {
@@ -123,13 +93,13 @@ class ResetSettings final : public ChangeSettings {
     }
 
     ExitStatus Run(Invocation& run) override {
-        TakeOwner(m_words);
+        Owners().Take(m_words);
         std::vector<Assignment> assignments;
         for (const std::string& word : m_words) {
             assignments.push_back({word, std::nullopt});
         }
-        SettingTargets targets(run, IsOfSeveral() || assignments.empty(), ToldBy::Settings);
-        for (const SettingOwner& owner : Owners(run.Session())) {
+        SettingTargets targets(run, Owners().AreSeveral() || assignments.empty(), ToldBy::Settings);
+        for (const SettingOwner& owner : Owners().Find(run.Session())) {
             if (assignments.empty()) {
                 targets.AddDiffering(owner);
             } else {

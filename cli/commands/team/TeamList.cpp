@@ -1,4 +1,5 @@
 // quilletctl team list: the teams, their members and their links.
+#include "app/LinkFilter.h"
 #include "app/List.h"
 #include "commands/team/TeamGlance.h"
 #include "commands/team/TeamTexts.h"
@@ -19,22 +20,35 @@ class ListTeams final : public Command {
     void Declare(Syntax& syntax) override {
         syntax.Arguments("team", m_teams, 0, kMostNames,
                          "Teams: names, object IDs or object paths; a pattern names several (default: all)");
+        m_link.Declare(syntax, "teams");
         m_options.Declare(syntax);
     }
 
     ExitStatus Run(Invocation& run) override {
+        m_link.Check();
         quillet::Session& session = run.Session();
         const std::vector<quillet::Team> teams = ReadTeams(session);
         const std::vector<std::size_t> chosen = ChooseNamed(NamesOf(teams), m_teams, "team");
         const auto adapters = chosen.empty() ? std::vector<ListedAdapter>() : ReadAdapters(session);
         List list(m_options);
         for (const std::size_t i : chosen) {
-            AddRow(list, session, teams[i], ReadShownMembers(session, teams[i], adapters));
+            const std::vector<ShownMember> members = ReadShownMembers(session, teams[i], adapters);
+            if (m_link.Takes(LinkOf(members))) {
+                AddRow(list, session, teams[i], members);
+            }
         }
         return list.Answer(run, Under("teams"), "no teams");
     }
 
   private:
+    /// A team has a link while any member has one.
+    static std::optional<bool> LinkOf(const std::vector<ShownMember>& members) {
+        std::optional<bool> link = false;
+        for (const ShownMember& each : members) {
+            link = IsAnyUp(link, IsUp(each.state));
+        }
+        return link;
+    }
     static void AddRow(List& list, quillet::Session& session, const quillet::Team& team,
                        const std::vector<ShownMember>& members) {
         const TeamState state(session, team);
@@ -59,6 +73,7 @@ class ListTeams final : public Command {
     }
 
     std::vector<std::string> m_teams;
+    LinkFilter m_link;
     ListOptions m_options{{{"NAME", Fit::MayShorten},
                            {"MODE", Fit::MayShorten, {}, Stay::Second},
                            {"STATUS", Fit::MayShorten},

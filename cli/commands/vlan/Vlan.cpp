@@ -1,4 +1,5 @@
 // quilletctl vlan list: the VLANs of adapters and teams.
+#include "app/LinkFilter.h"
 #include "app/List.h"
 #include "commands/Commands.h"
 #include "commands/vlan/VlanTexts.h"
@@ -21,16 +22,23 @@ class ListVlans final : public Command {
         syntax.Arguments("parent", m_parents, 0, 1,
                          "An adapter or a team: its name, object ID or object path; a pattern names several "
                          "(default: all)");
+        m_link.Declare(syntax, "VLANs of adapters and teams");
         m_options.Declare(syntax);
     }
 
     ExitStatus Run(Invocation& run) override {
+        m_link.Check();
         quillet::Session& session = run.Session();
         const std::vector<VlanParent> parents =
             m_parents.empty() ? ReadVlanParents(session) : FindVlanParents(session, m_parents.front());
         List list(m_options);
         for (const VlanParent& parent : parents) {
-            for (const quillet::Vlan& vlan : ReadVlans(session, parent)) {
+            const std::vector<quillet::Vlan> vlans = ReadVlans(session, parent);
+            const bool asksForLink = m_link.IsWanted() && !vlans.empty();
+            if (asksForLink && !m_link.Takes(LinkOf(session, parent))) {
+                continue;
+            }
+            for (const quillet::Vlan& vlan : vlans) {
                 Json entry{{"parent", AsJson(parent)}};
                 entry.update(AsJson(vlan));
                 list.AddRow({parent.name, parent.IsTeam() ? "team" : "adapter",
@@ -44,6 +52,7 @@ class ListVlans final : public Command {
 
   private:
     std::vector<std::string> m_parents;
+    LinkFilter m_link;
     ListOptions m_options{{{"PARENT", Fit::MayShorten},
                            {"KIND", Fit::Whole, {}, Stay::Second},
                            {"VLAN"},

@@ -98,21 +98,25 @@ INSTANTIATE_TEST_SUITE_P(
     Commands, BadCommandLinesTest,
     testing::Values(
         BadLine{{}, "a command is needed: " + std::string(kNouns)},
-        BadLine{{"adaptor", "list"}, "there is no command \"adaptor\", only " + std::string(kNouns)},
+        BadLine{{"adaptor", "list"}, "there is no command \"adaptor\"; did you mean \"adapter\"?"},
+        BadLine{{"network", "list"}, "there is no command \"network\", only " + std::string(kNouns)},
         BadLine{{""}, "there is no command \"\", only " + std::string(kNouns)},
-        BadLine{{"ADAPTER", "list"}, "there is no command \"ADAPTER\", only " + std::string(kNouns)},
+        BadLine{{"ADAPTER", "list"}, "there is no command \"ADAPTER\"; did you mean \"adapter\"?"},
         BadLine{{"adapter"}, "adapter needs a verb: list, show, capabilities, ports, identify"},
         BadLine{{"transaction"}, "transaction needs a verb: try"},
-        BadLine{{"adapter", "lost"},
-                "adapter has no verb \"lost\", only list, show, capabilities, ports, identify"},
+        BadLine{{"adapter", "lost"}, "adapter has no verb \"lost\"; did you mean \"list\"?"},
         BadLine{{"power", "off"}, "power has no verb \"off\", only show, set, reapply"},
         BadLine{{"adapter", "show", "A", "more"}, "adapter show takes no further word: \"more\""},
+        BadLine{{"adapter", "show", "A", "--", "-more"}, "adapter show takes no further word: \"-more\""},
+        BadLine{{"--", "--nothing"}, "there is no option --nothing; see quilletctl help"},
         BadLine{{"warnings", "version"}, "warnings takes no further word: \"version\""},
         BadLine{{"trace", "--lines", "5", "x"}, "trace takes no further word: \"x\""},
         BadLine{{"vlan", "list", "A", "B"},
                 "too many words; usage: quilletctl vlan list [PARENT] [OPTION...]"},
         BadLine{{"help", "a", "b", "c"}, "too many words; usage: quilletctl help [NOUN [VERB]]"},
-        BadLine{{"help", "adapter", "lost"}, "there is no command \"adapter lost\"; see quilletctl help"},
+        BadLine{{"help", "adapter", "lost"},
+                "there is no command \"adapter lost\"; did you mean \"adapter list\"?"},
+        BadLine{{"help", "nothing"}, "there is no command \"nothing\"; see quilletctl help"},
         BadLine{{"adapter", "show"}, "words are missing; usage: quilletctl adapter show ADAPTER"},
         BadLine{{"vlan", "add", kTeam, "5"},
                 "words are missing; usage: quilletctl vlan add PARENT ID NAME [OPTION...]"},
@@ -208,12 +212,21 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{{"adapter", "show", "nobody"},
                 "no adapter is called \"nobody\"; see quilletctl adapter list"},
         BadLine{{"adapter", "show", ""}, "an adapter is needed: its name, object ID or path"},
-        BadLine{{"adapter", "show", "Zorel Quad Port Gigabit Server Adapter #9"},
-                "no adapter is called \"Zorel Quad Port Gigabit Server Adapter #9\"; see quilletctl adapter "
-                "list"},
         BadLine{
-            {"adapter", "show", "{64D1BF82-B507-5E42-AED2-547CA8AAC36Z}"},
-            "no adapter is called \"{64D1BF82-B507-5E42-AED2-547CA8AAC36Z}\"; see quilletctl adapter list"},
+            {"adapter", "show", "Zorel Quad Port Gigabit Server Adapter #9"},
+            "no adapter is called \"Zorel Quad Port Gigabit Server Adapter #9\"; did you mean \"Zorel Quad "
+            "Port Gigabit Server Adapter #2\"?"},
+        BadLine{{"adapter", "show", "{64D1BF82-B507-5E42-AED2-547CA8AAC36Z}"},
+                "no adapter is called \"{64D1BF82-B507-5E42-AED2-547CA8AAC36Z}\"; did you mean "
+                "\"{64D1BF82-B507-5E42-AED2-547CA8AAC36A}\"?"},
+        BadLine{{"team", "show", "TEAM: Zurich"},
+                "no team is called \"TEAM: Zurich\"; did you mean \"TEAM : Zürich\"?"},
+        BadLine{{"vlan", "list", "TEAM: Zurich"},
+                "no adapter is called \"TEAM: Zurich\"; did you mean \"TEAM : Zürich\"?"},
+        BadLine{{"vlan", "remove", kTeam, "Buro"},
+                "TEAM : Zürich has no VLAN \"Buro\"; did you mean \"Büro\"?"},
+        BadLine{{"setting", "list", "Buro", "--of", "vlan"},
+                "no VLAN is called \"Buro\"; did you mean \"Büro\"?"},
         BadLine{{"adapter", "show", "0000:03:00.0"},
                 "no adapter is called \"0000:03:00.0\"; see quilletctl adapter list"},
         BadLine{{"adapter", "show", "--", "-x"}, "no adapter is called \"-x\"; see quilletctl adapter list"},
@@ -311,7 +324,8 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{{"linksec", "set-pasword", kSecure, "hunter2"},
                 "linksec has no verb \"set-pasword\", only show, set-keys, set-auth, import-pac, pac-show, "
                 "pac-delete, "
-                "pmk, stats"}));
+                "pmk, stats"},
+        BadLine{{"linksec", "pmk", kSecure, "--", "-hunter2"}, "linksec pmk" + std::string(kNotRepeated)}));
 
 INSTANTIATE_TEST_SUITE_P(
     Files, BadCommandLinesTest,

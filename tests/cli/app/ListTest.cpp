@@ -145,8 +145,61 @@ TEST_F(ListTest, Adapters_AreChosenByLinkTeamAndName) {
     EXPECT_EQ(slots({"--team", "team : zürich"}), "4:1\n4:2\n");
     EXPECT_EQ(Run({"adapter", "list", "--team", "nobody"}).err,
               "quilletctl: no team is called \"nobody\"; see quilletctl team list\n");
-    EXPECT_EQ(Run({"adapter", "list", "--up", "--down"}).err,
-              "quilletctl: --up, --down: no adapter is both\n");
+    EXPECT_EQ(Run({"adapter", "list", "--up", "--down"}).err, "quilletctl: --up, --down: nothing is both\n");
+}
+
+TEST_F(ListTest, TeamsAndVlans_AreChosenByTheLinksOfMembersAndAdapters) {
+    const std::string machine = MachineFile(R"(
+        instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Name = "Cold"; OriginalDisplayName = "m";
+            HardwareStatus = 2; Capabilities = {4, 9}; };
+        instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{B}"; Name = "Warm"; OriginalDisplayName = "m";
+            HardwareStatus = 3; Capabilities = {4, 9}; };
+        instance of Zorel_802dot1QVLANService { Name = "{A}"; };
+        instance of Zorel_802dot1QVLANService { Name = "{B}"; };)");
+    const std::string state = Utf8(InFolder("lab.mof"));
+    const auto run = [&](std::vector<std::string> line) {
+        line.insert(line.begin(), {"--simulate", machine, "--state", state});
+        const Outcome outcome = RunCommandLine(line);
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        return outcome.out;
+    };
+    run({"vlan", "add", "Cold", "7", "Seven"});
+    run({"vlan", "add", "Warm", "8", "Eight"});
+    const auto vlans = [&](const char* option) {
+        return run({"vlan", "list", option, "--columns", "vlan", "--no-headings"});
+    };
+    EXPECT_EQ(vlans("--up"), "8\n");
+    EXPECT_EQ(vlans("--down"), "7\n");
+    EXPECT_EQ(Out({"team", "list", "--up", "--columns", "name", "--no-headings"}), "TEAM : Zürich\n");
+    EXPECT_EQ(Out({"team", "list", "--down"}), "no teams\n");
+    EXPECT_EQ(Answer({"vlan", "list", "TEAM : Zürich", "--up"}).at("vlans").size(), 3u);
+    EXPECT_EQ(Answer({"vlan", "list", "TEAM : Zürich", "--down"}).at("vlans").size(), 0u);
+    for (const char* noun : {"team", "vlan"}) {
+        EXPECT_EQ(Run({noun, "list", "--up", "--down"}).err, "quilletctl: --up, --down: nothing is both\n");
+    }
+}
+
+TEST_F(ListTest, Vlans_OfATeamThatDoesNotTellItsLinkAreNeitherUpNorDown) {
+    const auto vlans = [](std::vector<std::string> line) {
+        line.insert(line.begin(), {"vlan", "list", "--fault", "Get:Speed:1+"});
+        return Answer(line).at("vlans").size();
+    };
+    EXPECT_EQ(vlans({}), 3u);
+    EXPECT_EQ(vlans({"--up"}), 0u);
+    EXPECT_EQ(vlans({"--down"}), 0u);
+}
+
+TEST_F(ListTest, Vlans_TheLinkIsAskedForWhereItIsWanted) {
+    const auto fetches = [](std::vector<std::string> more) {
+        more.insert(more.begin(), {"vlan", "list", "TEAM : Zürich", "--journal"});
+        const std::string out = Out(more);
+        std::size_t count = 0;
+        for (auto at = out.find("GetObject "); at != std::string::npos; at = out.find("GetObject ", at + 1)) {
+            ++count;
+        }
+        return count;
+    };
+    EXPECT_LT(fetches({}), fetches({"--up"}));
 }
 
 TEST_F(ListTest, AdapterThatTellsNothing_IsListedAndSaysWhy) {
@@ -220,9 +273,21 @@ TEST_F(ListTest, Colours_AreOfWordsThatStandThere) {
 }
 
 TEST_F(ListTest, AdapterList_FitsTerminalsOf80Columns) {
-    const std::string out = Out({"adapter", "list", "--no-color"}, {true, 80});
-    EXPECT_TRUE(out.starts_with("NAME                                  LINK  SPEED       SLOT       TEAM\n"))
-        << out;
+    // All that tells one adapter from another stands there; what only few have stands below them.
+    EXPECT_EQ(Out({"adapter", "list", "2:1", "4:1", "4:4", "--no-color"}, {true, 80}),
+              "NAME                                       LINK  SPEED  MAC                SLOT\n"
+              "Zorel 10G Dual Port Server Adapter         up    10G    02-00-5E-00-10-01  2:1\n"
+              "Zorel Quad Port Gigabit Server Adapter     up    1G     02-00-5E-00-20-01  4:1\n"
+              "  in TEAM : Zürich, primary\n"
+              "Zorel Quad Port Gigabit Server Adapter #4  down  -      02-00-5E-00-20-04  4:4\n"
+              "  cable removed\n");
+    EXPECT_EQ(
+        Out({"adapter", "list", "4:1", "--no-color", "--columns", "speed,team,role,state,mac,object-id"},
+            {true, 80}),
+        "SPEED     TEAM      ROLE     STATE    MAC                OBJECT ID\n"
+        "1 Gbit/s  TEAM…ich  primary  enabled  02-00-5E-00-20-01  "
+        "{DF69224E-BBCB-576F-A929-C8858BAF7155}\n")
+        << "what was asked for stays as it is";
 }
 
 } // namespace

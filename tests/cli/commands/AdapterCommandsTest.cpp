@@ -4,6 +4,7 @@
 #include <quillet/Adapter.h>
 #include <quillet/client/Adapter.h>
 
+#include <app/Connection.h>
 #include <texts/InWords.h>
 
 #include <nlohmann/json.hpp>
@@ -14,6 +15,20 @@ namespace {
 
 using namespace quillet::tests;
 using Json = nlohmann::ordered_json;
+
+/// What only the provider of the test has words for.
+enum class Odd : std::int32_t { Known = 1, Told = 2, Untold = 3 };
+
+std::wstring Text(Odd number) {
+    return number == Odd::Known ? L"ours" : quillet::UnknownNumber(static_cast<std::int32_t>(number));
+}
+
+} // namespace
+
+template <>
+inline constexpr quillet::ValueSource quillet::kValueSource<Odd>{L"Test_Texts", L"Odd"};
+
+namespace {
 
 constexpr const char* kFirst = "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}";
 
@@ -117,6 +132,54 @@ TEST_F(OneAdapterTest, Show_MethodRefused_DoesNotHideTheRest) {
     EXPECT_TRUE(Json::parse(json.out).at("ndisVersion").is_null());
     EXPECT_TRUE(Json::parse(json.out).at("hbaPath").is_null());
     EXPECT_EQ(Json::parse(json.out).at("warnings"), "0x0000000000000000");
+}
+
+TEST_F(OneAdapterTest, WordsAreOursThenTheProvidersThenNone) {
+    EXPECT_EQ(quilletctl::InWords(Odd::Told), "code 2 (unknown)") << "nobody can be asked";
+    quilletctl::GlobalOptions options;
+    std::ostringstream out;
+    const quilletctl::Terminal terminal{out, out, false, false, false, false, 80, nullptr};
+    {
+        quilletctl::Connection connection(
+            options, terminal,
+            quillet::simulator::Machine::FromText(
+                "class Test_Texts { [Key] string Name; [ValueMap{\"1\", \"2\"}, "
+                "Values{\"theirs\", \"told by them\"}] uint16 Odd; };"
+                "instance of Zorel_NetService { Name = \"ZorelNetService\"; };",
+                "test.mof"));
+        EXPECT_EQ(quilletctl::InWords(Odd::Known), "ours");
+        EXPECT_EQ(quilletctl::InWords(Odd::Told), "told by them");
+        EXPECT_EQ(quilletctl::InWords(Odd::Untold), "code 3 (unknown)");
+        connection.Reconnect();
+        EXPECT_EQ(quilletctl::InWords(Odd::Told), "told by them");
+    }
+    EXPECT_EQ(quilletctl::InWords(Odd::Told), "code 2 (unknown)") << "and again nobody";
+}
+
+TEST_F(OneAdapterTest, ForNumbersWithoutAWord_TheProviderIsAskedOnceForAll) {
+    std::string odd = ReadFile(QUILLET_SOURCE_DIR "/simulator/machines/builtin.mof");
+    const std::string present = "HardwareStatus = 3;";
+    for (auto at = odd.find(present); at != std::string::npos; at = odd.find(present, at)) {
+        odd.replace(at, present.size(), "HardwareStatus = 77;");
+    }
+    WriteFile(InFolder("odd.mof"), odd);
+    const auto list = [&](std::vector<std::string> line) {
+        line.insert(line.begin(), {"adapter", "list", "--columns", "state", "--no-headings", "--journal"});
+        return RunCommandLine(line).out;
+    };
+    const auto count = [](const std::string& out, const std::string& part) {
+        std::size_t found = 0;
+        for (auto at = out.find(part); at != std::string::npos; at = out.find(part, at + 1)) {
+            ++found;
+        }
+        return found;
+    };
+    const std::string fetch = "GetObject Zorel_PhysicalEthernetAdapter, ";
+    const std::string asked = list({"--simulate", Utf8(InFolder("odd.mof"))});
+    EXPECT_GT(count(asked, "code 77 (unknown)\n"), 1U) << asked;
+    EXPECT_EQ(count(asked, fetch), 1U) << asked;
+    EXPECT_EQ(count(list({"--simulate", TestMachine("golden.mof")}), fetch), 0U)
+        << "numbers that have words cost no call";
 }
 
 TEST_F(OneAdapterTest, Capabilities_MatchTheGoldenFileAndHaveAWordEach) {

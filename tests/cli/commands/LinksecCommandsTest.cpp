@@ -54,15 +54,19 @@ TEST_F(LinksecTest, Show_TellsEverythingButTheSecrets) {
     }
     const Json json = RunJson({"show", "A"});
     EXPECT_EQ(json.at("authentication"), (Json{{"outerEap", 2},
+                                               {"outerEapText", "code 2 (unknown)"},
                                                {"innerEap", 3},
+                                               {"innerEapText", "code 3 (unknown)"},
                                                {"userName", "user"},
                                                {"password", "***"},
                                                {"machineDomainName", "host.domain"},
                                                {"machineCredentials", true},
                                                {"windowsCredentials", 1},
+                                               {"windowsCredentialsText", "yes"},
                                                {"autoPac", true},
                                                {"pacAuthority", "authority"},
                                                {"keyType", 4},
+                                               {"keyTypeText", "code 4 (unknown)"},
                                                {"randomMac", false}}));
     EXPECT_EQ(json.at("keys").dump(),
               R"({"outgoing":{"key":"***","associationNumbers":[1,2],"channelIdentifier":"tx",)"
@@ -185,6 +189,7 @@ TEST_F(LinksecTest, Pac_IsShownAndDeleted) {
     EXPECT_EQ(RunJson({"pac-show", "A", "old.pac"}), (Json{{"path", RunJson({"show", "A"}).at("path")},
                                                            {"file", "old.pac"},
                                                            {"type", 2},
+                                                           {"typeText", "code 2 (unknown)"},
                                                            {"info", "info"},
                                                            {"authority", "aid"},
                                                            {"authorityInfo", "aid info"},

@@ -167,6 +167,78 @@ TEST_F(SettingsTest, List_Refused_IsTheProvidersCode) {
                            "the query: 0x80041017 WBEM_E_INVALID_QUERY\n");
 }
 
+TEST_F(SettingsTest, List_OfSeveralOwners_HasAHeadingForEach) {
+    const Outcome outcome =
+        Run({"setting", "list", "2:*", "*FlowControl", "*Jumbo*", "--columns", "setting,current"});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out, "Zorel 10G Dual Port Server Adapter:\n"
+                           "SETTING       CURRENT\n"
+                           "*FlowControl  Rx & Tx Enabled (3)\n"
+                           "*JumboPacket  9014 Bytes (9014)\n"
+                           "\n"
+                           "Zorel 10G Dual Port Server Adapter #2:\n"
+                           "SETTING       CURRENT\n"
+                           "*FlowControl  Rx & Tx Enabled (3)\n"
+                           "*JumboPacket  9014 Bytes (9014)\n");
+    EXPECT_EQ(Run({"setting", "list", "2:*", "*FlowControl", "--terse", "--columns", "owner,current"}).out,
+              "Zorel 10G Dual Port Server Adapter:Rx & Tx Enabled (3)\n"
+              "Zorel 10G Dual Port Server Adapter #2:Rx & Tx Enabled (3)\n");
+    const std::string sorted = Run({"setting", "list", "2:*", "*FlowControl", "*Jumbo*", "--sort", "-setting",
+                                    "--terse", "--columns", "setting"})
+                                   .out;
+    EXPECT_EQ(sorted, "*JumboPacket\n*FlowControl\n*JumboPacket\n*FlowControl\n") << "within its owner";
+    EXPECT_EQ(Run({"setting", "list", "2:*", "--columns", "setting", "--no-headings", "*FlowControl"}).out,
+              "*FlowControl\n*FlowControl\n");
+    const Outcome screen =
+        RunCommandLine({"setting", "list", "2:1*", "*FlowControl", "--simulate", TestMachine("golden.mof")},
+                       {.isTerminal = true});
+    EXPECT_TRUE(screen.out.starts_with("\x1b[1mZorel 10G Dual Port Server Adapter:\x1b[0m\n")) << screen.out;
+}
+
+TEST_F(SettingsTest, List_OfSeveralOwners_AnswersWithAListOfThem) {
+    const Json one = RunJson({"setting", "list", kAdapter});
+    const Json several = RunJson({"setting", "list", "2:*"});
+    ASSERT_EQ(several.at("owners").size(), 2u);
+    EXPECT_EQ(several.at("owners").at(0), one);
+    const Json all = RunJson({"setting", "list", "--all-adapters", "*JumboPacket", "--changed"});
+    std::size_t changed = 0;
+    for (const Json& each : all.at("owners")) {
+        EXPECT_EQ(each.at("owner").at("kind"), "adapter");
+        changed += each.at("settings").size();
+    }
+    EXPECT_EQ(all.at("owners").size(), RunJson({"adapter", "list"}).at("adapters").size());
+    EXPECT_GT(changed, 0u);
+    EXPECT_EQ(RunJson({"setting", "list", "TEAM*", "--of", "team"}).at("owners").at(0),
+              RunJson({"setting", "list", kTeam, "--of", "team"}));
+    EXPECT_GT(RunJson({"setting", "list", "*", "--of", "boot-agent"}).at("owners").size(), 1u);
+}
+
+TEST_F(SettingsTest, List_OfSeveralOwners_PassesOverThoseWithoutTheSetting) {
+    const std::string machine = MachineFile(R"(
+        instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Name = "one"; OriginalDisplayName = "m"; };
+        instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{B}"; Name = "two"; OriginalDisplayName = "m"; };
+        instance of Zorel_AdapterSettingInt { Caption = "Int"; ParentId = "{B}"; ParentType = "NIC";
+            CurrentValue = -5; DefaultValue = 0; Min = -10; Max = 10; Step = 1; Base = 10; Scale = 1; };)");
+    const auto list = [&](std::vector<std::string> more) {
+        more.insert(more.begin(), {"--simulate", machine, "setting", "list", "--all-adapters"});
+        return RunCommandLine(more);
+    };
+    EXPECT_EQ(list({"Int", "--columns", "setting"}).out, "two:\nSETTING\nInt\n");
+    const Outcome unknown = list({"Int", "Nothing"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_EQ(unknown.out, "");
+    EXPECT_EQ(unknown.err, "quilletctl: no setting is called \"Nothing\"\n");
+    EXPECT_EQ(list({"--of", "team"}).err, "quilletctl: --all-adapters: not together with --of team\n");
+    EXPECT_EQ(RunCommandLine({"--simulate", machine, "setting", "list"}).err,
+              "quilletctl: an owner (or --all-adapters) is needed\n");
+
+    // One that cannot be read hides none of the others, and the status tells.
+    const Outcome failed = list({"--columns", "setting", "--fault", "ExecQuery:*:1"});
+    EXPECT_EQ(failed.status, 1);
+    EXPECT_EQ(failed.out, "two:\nSETTING\nInt\n");
+    EXPECT_EQ(failed.err, "quilletctl: could not read the settings of one: 0x80041001 WBEM_E_FAILED\n");
+}
+
 TEST_F(SettingsTest, Get_ShowsOneSettingByItsCaption) {
     EXPECT_EQ(Run({"setting", "get", kAdapter, "*FlowControl", "--json"}).out, Golden("setting-get.json"));
     const Outcome text = Run({"setting", "get", kAdapter, "*flowcontrol"});

@@ -47,7 +47,8 @@ instance of QuilletSimulator_Fault { Id = 3; Operation = "ExecMethod"; MethodNam
 LINES = [
     (["adapter", "list"],), (["adapter", "show", FREE],), (["adapter", "capabilities", FREE],),
     (["adapter", "ports", MEMBER],), (["adapter", "identify", FREE, "--seconds", "1"],),
-    (["setting", "list", FREE],), (["setting", "list", TEAM, "--of", "team"],), (["setting", "list", "VoIP", "--of=vlan"],),
+    (["setting", "list", FREE],), (["setting", "list", "*Quad*", "*JumboPacket"],),
+    (["setting", "list", "--all-adapters", "--changed"],), (["team", "list", "--up"],), (["vlan", "list", "--down"],), (["setting", "list", TEAM, "--of", "team"],), (["setting", "list", "VoIP", "--of=vlan"],),
     (["setting", "list", FREE, "--of", "boot-agent"],), (["setting", "get", FREE, "*FlowControl"],),
     (["setting", "set", FREE, "*JumboPacket", "9014"],), (["setting", "set", FREE, "*JumboPacket", "9014"],),
     (["setting", "set", FREE, "DriverDate", "2012-01-01"], 3), (["setting", "set", FREE, "*TransmitBuffers", "7"], 1),

@@ -123,6 +123,38 @@ TEST(TableTest, Print_InANarrowTerminalColumnsGoInTheirOrder) {
               "NAME                              TEAM   MAC       ID");
 }
 
+TEST(TableTest, Print_InANarrowTerminalShortTextsComeFirstAndThenColumnsGoBelow) {
+    Table table({{"NAME", Fit::MayShorten},
+                 {"SPEED"},
+                 {"TEAM", Fit::Whole, {}, Stay::Below},
+                 {"STATE", Fit::Whole, {}, Stay::Below}});
+    const auto add = [&](const char* name, const char* team, const char* state, const char* below) {
+        table.AddRow({name, Cell("10 Gbit/s").Briefly("10G"),
+                      Cell(team).Below(*team == '\0' ? "" : std::string("in ") + team),
+                      Cell(state).Below(below)});
+    };
+    add("0123456789 0123456789 0123456789", "Front", "enabled", "");
+    add("Left", "Front\x1B[2J", "cable removed", "cable removed");
+    add("Right", "", "enabled", "");
+    EXPECT_EQ(Printed(table, true, 69).substr(0, 58),
+              "NAME                              SPEED      TEAM       ST");
+    EXPECT_EQ(Printed(table, true, 68).substr(0, 58),
+              "NAME                              SPEED  TEAM       STATE\n");
+    EXPECT_EQ(Printed(table, true, 57),
+              "NAME                      SPEED  TEAM       STATE\n"
+              "0123456789 0… 0123456789  10G    Front      enabled\n"
+              "Left                      10G    Front\xEF\xBF\xBD[2J  cable removed\n"
+              "Right                     10G               enabled\n");
+    EXPECT_EQ(Printed(table, true, 40), "NAME                              SPEED\n"
+                                        "0123456789 0123456789 0123456789  10G\n"
+                                        "  in Front\n"
+                                        "Left                              10G\n"
+                                        "  in Front\xEF\xBF\xBD[2J, cable removed\n"
+                                        "Right                             10G\n");
+    EXPECT_NE(Printed(table).find("10 Gbit/s  Front      enabled\n"), std::string::npos)
+        << "a file is as wide as it likes";
+}
+
 TEST(TableTest, Print_ACellOfSeveralTexts) {
     Table table({{"TEAM"}, {"MEMBERS"}});
     table.AddRow({"Front", Cell(std::vector<std::string>{"left", "right"})});
