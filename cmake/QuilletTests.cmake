@@ -54,7 +54,7 @@ add_executable(quillet_test_headers EXCLUDE_FROM_ALL ${CMAKE_BINARY_DIR}/TestHea
 if(MSVC)
   set(QUILLET_UNOPTIMISED /Od)
 else()
-  set(QUILLET_UNOPTIMISED -O0)
+  set(QUILLET_UNOPTIMISED -O0 -U_FORTIFY_SOURCE)
 endif()
 target_compile_options(quillet_test_headers PRIVATE ${QUILLET_UNOPTIMISED})
 target_link_libraries(quillet_test_headers PRIVATE GTest::gmock GTest::gtest Quillet::platform Quillet::warnings)
@@ -95,9 +95,15 @@ function(quillet_add_test name)
     set_target_properties(${name} PROPERTIES CXX_LINKER_LAUNCHER ${PROJECT_SOURCE_DIR}/cmake/link-with-lld)
   endif()
   if(QUILLET_UNITY_BUILD AND CMAKE_CXX_FLAGS MATCHES "sanitize=address")
-    # Of an inline function a program keeps the copy that the linker sees first. The libraries' are optimised, and a
-    # test that runs long takes half the time with those.
+    # Of an inline function a program keeps the copy that the linker sees first. Those of the simulator are optimised, and
+    # a test that runs long takes half the time with those.
     quillet_archives(archives ${arg_LIBRARIES})
+    foreach(optimised IN ITEMS $<TARGET_FILE:quillet_simulator> $<TARGET_FILE:quillet_wmi>)
+      if(optimised IN_LIST archives)
+        list(REMOVE_ITEM archives ${optimised})
+        list(PREPEND archives ${optimised})
+      endif()
+    endforeach()
     target_link_options(${name} PRIVATE LINKER:--whole-archive ${archives} LINKER:--no-whole-archive)
   endif()
   if(arg_THREADED)

@@ -1,6 +1,6 @@
-# Installs the build tree, makes its package, and builds, tests and links somebody else's project against what the
-# package brings.
-# BUILD_DIR, WORK_DIR, SOURCE_DIR, ROOT, LIBDIR, PYTHON; TOOLCHAIN and EMULATOR of a cross-build; COMPILER and FLAGS of
+# Installs the build tree, makes an archive of it, and builds, tests and links somebody else's project against what the
+# archive brings.
+# BUILD_DIR, WORK_DIR, SOURCE_DIR, ROOT, LIBDIR, PYTHON, SYSTEM_PYTHON, VERSION, DEBIAN; TOOLCHAIN and EMULATOR of a cross-build; COMPILER and FLAGS of
 # the build tree.
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE out)
@@ -18,7 +18,7 @@ function(expect_start prefix)
     message(FATAL_ERROR "${prefix}/bin/quilletctl printed\n${out}")
   endif()
   if(NOT TOOLCHAIN)
-    file(GLOB libraries ${prefix}/${LIBDIR}/*.so)
+    file(GLOB libraries ${prefix}/${LIBDIR}/*.so ${prefix}/lib/python3/dist-packages/quillet/*.so)
     foreach(file IN LISTS libraries ITEMS ${prefix}/bin/quilletctl)
       run(ldd ${file})
       string(REGEX MATCHALL "libquillet[^ ]* => [^ ]*" found "${out}")
@@ -48,15 +48,9 @@ endforeach()
 # cpack comes with CMake, and is told its generator by the build tree.
 cmake_path(GET CMAKE_COMMAND PARENT_PATH programs)
 run(${programs}/cpack --config ${BUILD_DIR}/CPackConfig.cmake -B ${WORK_DIR}/package)
-if(TOOLCHAIN)
-  file(GLOB package ${WORK_DIR}/package/*.zip)
-  file(ARCHIVE_EXTRACT INPUT ${package} DESTINATION ${WORK_DIR}/unpacked)
-  file(GLOB prefix ${WORK_DIR}/unpacked/*) # the zip holds one folder, of its own name
-else()
-  file(GLOB package ${WORK_DIR}/package/*.deb)
-  run(dpkg-deb --extract ${package} ${WORK_DIR}/unpacked)
-  set(prefix ${WORK_DIR}/unpacked/usr)
-endif()
+file(GLOB package ${WORK_DIR}/package/*.zip ${WORK_DIR}/package/*.tar.gz)
+file(ARCHIVE_EXTRACT INPUT ${package} DESTINATION ${WORK_DIR}/unpacked)
+file(GLOB prefix ${WORK_DIR}/unpacked/*) # it holds one folder, of its own name
 file(GLOB_RECURSE files RELATIVE ${installed} ${installed}/*)
 file(GLOB_RECURSE packaged RELATIVE ${prefix} ${prefix}/*)
 if(NOT packaged STREQUAL files)
@@ -77,6 +71,10 @@ if(TOOLCHAIN)
   if(NOT out MATCHES "\"_inDesiredState\"")
     message(FATAL_ERROR "${program} ${noun} ${verb} printed\n${out}")
   endif()
+  if(NOT EXISTS ${prefix}/bin/quillet-properties.exe)
+    message(FATAL_ERROR "quillet-properties.exe is not in the package")
+  endif()
+  run(${SYSTEM_PYTHON} -B ${SOURCE_DIR}/winget.py ${WORK_DIR}/package/winget ${package} ${VERSION})
   foreach(file IN ITEMS Quillet.psd1 Quillet.psm1)
     if(NOT EXISTS ${prefix}/powershell/Quillet/${file})
       message(FATAL_ERROR "${file} is not in the package")
@@ -102,17 +100,19 @@ foreach(text IN LISTS texts)
   endif()
 endforeach()
 
-set(arguments -G Ninja -S ${WORK_DIR}/consumer -B ${WORK_DIR}/build -DCMAKE_PREFIX_PATH=${prefix}
-  "-DCMAKE_CXX_FLAGS=${FLAGS}")
-if(TOOLCHAIN)
-  list(APPEND arguments -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=BOTH)
-else()
-  list(APPEND arguments -DCMAKE_CXX_COMPILER=${COMPILER})
+if(NOT DEBIAN) # else tests/package/debian does it
+  set(arguments -G Ninja -S ${WORK_DIR}/consumer -B ${WORK_DIR}/build -DCMAKE_PREFIX_PATH=${prefix}
+    "-DCMAKE_CXX_FLAGS=${FLAGS}")
+  if(TOOLCHAIN)
+    list(APPEND arguments -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=BOTH)
+  else()
+    list(APPEND arguments -DCMAKE_CXX_COMPILER=${COMPILER})
+  endif()
+  run(${CMAKE_COMMAND} ${arguments})
+  run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
+  run(ctest --test-dir ${WORK_DIR}/build --output-on-failure --no-tests=error)
+  message("${out}")
 endif()
-run(${CMAKE_COMMAND} ${arguments})
-run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
-run(ctest --test-dir ${WORK_DIR}/build --output-on-failure --no-tests=error)
-message("${out}")
 
 if(NOT TOOLCHAIN)
   # The same without CMake, by the commands of the page. The compiler is that of the build tree.
