@@ -80,6 +80,9 @@ class CheckerTest(unittest.TestCase):
     def test_only_one_page_tells_how_to_go_on_after_installing(self):
         self.assert_wrong("<!-- test: after installing -->\n```sh\nfalse\n```\n", "after installing")
 
+    def test_only_the_guide_has_examples_in_python(self):
+        self.assert_wrong("```python\n>>> 1\n1\n```\n", "python")
+
     def test_an_ellipsis_stands_for_anything(self):
         self.assert_right("```console\n$ quilletctl x y\nsaid: …\n```\n")
         self.assert_right("```console\n$ printf '1\\n2\\n3\\n'\n1\n…\n3\n```\n")

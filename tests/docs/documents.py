@@ -20,6 +20,10 @@ ON_A_REAL_MACHINE = "on a real machine"
 ON_A_TERMINAL = "on a terminal"
 # Blocks with a server behind them: tests/serving runs them.
 SERVED = re.compile(r"served(?: file ([\w.-]+))?$")
+# Blocks for what Debian's packages have installed: tests/package/debian runs those of docs/packages.md.
+INSTALLED = re.compile(r"installed(?P<by> by root)?(?: file (?P<file>[\w.-]+))?$")
+# The guide whose examples tests/python runs.
+PYTHON_GUIDE = "docs/python.md"
 # What only another system could try, as the text around it says.
 UNTRIED = "untried"
 # Ways of compiling C++ that is no complete program; see Frame.h.

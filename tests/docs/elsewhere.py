@@ -14,8 +14,11 @@ ELSEWHERE = {
     r"cmake --build (?:--preset |build/)(?P<preset>\S+)(?: -j ?\S+)?(?: --target (?P<targets>[\w ]+))?": BUILD,
     r"(?:\w+=\S+ )?(?:scripts/wine-run )?build/(?P<preset>\w+)/(?:\S+/)?(?P<targets>\w+)(?:\.exe)?(?: .*)?": BUILD,
     r"(?P<script>scripts/(?:bench|coverage|demo|lint|setup|test|valgrind))(?P<arguments>(?: [\w-]+)*)": SCRIPT,
+    r"(?P<script>scripts/exported-interface)(?P<arguments>) build/(?P<preset>\w+)/\S+\.so": SCRIPT,
     r"cmake --install build/(?P<preset>\w+) --prefix \S+": PACKAGE,
-    r"\(cd build/(?P<preset>\w+) && cpack\)": PACKAGE,
+    r"\(cd build/(?P<preset>\w+) && cpack(?: -D CPACK_WINGET_URL=\S+)?\)": PACKAGE,
+    r"dpkg-buildpackage --build=binary --no-sign": "tests/package/debian makes the packages of what was built",
+    r"(?P<script>scripts/make-packages) build/(?P<preset>\w+) \S+(?P<arguments>)": PACKAGE,
 }
 
 
