@@ -17,8 +17,8 @@ import unittest
 SOURCE, QUILLETCTL, SIMULATOR, WORK = (os.path.abspath(argument) for argument in sys.argv[1:5])
 EXAMPLE = os.path.join(SOURCE, "examples", "fleet")
 FLEET = os.path.join(WORK, "fleet")
-HOSTS = [f"server{number:02}" for number in range(1, 9)]
-BROKEN = "server07"
+HOSTS = [f"server{number:02}" for number in range(1, 21)]
+BROKEN = "server11"
 WORKING = [host for host in HOSTS if host != BROKEN]
 RECAP = re.compile(r"^(\S+) +: ok=(\d+) +changed=(\d+) +unreachable=(\d+) +failed=(\d+)", re.MULTILINE)
 FAULT = re.compile(r"instance of QuilletSimulator_Fault\n\{.*?\n\};\n+", re.DOTALL)
