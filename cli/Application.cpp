@@ -65,7 +65,7 @@ Ending Guarded(const Terminal& terminal, const std::function<ExitStatus()>& step
 }
 
 /// The failure as the answer of a command that has no other.
-Json AsJson(const Ending& failure, std::optional<bool> restartNeeded) {
+Json FailureAsJson(const Ending& failure, std::optional<bool> restartNeeded) {
     Json code;
     Json name;
     if (failure.code) {
@@ -119,7 +119,7 @@ ExitStatus Run(const std::vector<std::string>& arguments, Terminal& terminal) {
         }
         // One document for whoever parses the output, whatever happens.
         if (!hasAnswered) {
-            PrintJson(AsJson(ending, restartNeeded), terminal.out);
+            PrintJson(FailureAsJson(ending, restartNeeded), terminal.out);
             hasAnswered = true;
         }
         PrintError(terminal, ending.message);

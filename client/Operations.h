@@ -110,7 +110,7 @@ inline CTeam::TeamMode RecordMode(TeamMode mode) {
     return static_cast<CTeam::TeamMode>(mode);
 }
 /// A setting, from the library's record, whose texts it takes, and into one.
-Setting FromRecord(CSetting&& record);
+Setting SettingFromRecord(CSetting&& record);
 std::unique_ptr<CSetting> ToRecord(const Setting& setting);
 
 } // namespace quillet

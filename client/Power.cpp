@@ -35,7 +35,7 @@ constexpr WakePlace kWake[] = {
 };
 
 template <class Options, class Record, std::size_t Size>
-void FromRecord(const Place<Options, Record> (&places)[Size], const Record& record, Options& options) {
+void ReadPlaces(const Place<Options, Record> (&places)[Size], const Record& record, Options& options) {
     for (const auto& place : places) {
         const DWORD value = record.*place.field;
         if (value != Record::NotAvailable) {
@@ -56,13 +56,13 @@ void ToRecord(const Place<Options, Record> (&places)[Size], const Options& optio
 PowerOptions OptionsOf(const Power& record) {
     PowerOptions options;
     options.mode = record.m_eSavePower;
-    FromRecord(kPower, record, options);
+    ReadPlaces(kPower, record, options);
     return options;
 }
 
 WakeOptions OptionsOf(const Wake& record) {
     WakeOptions options;
-    FromRecord(kWake, record, options);
+    ReadPlaces(kWake, record, options);
     return options;
 }
 

@@ -139,7 +139,7 @@ auto Find(Settings& settings, std::wstring_view keyword) noexcept -> decltype(se
 
 } // namespace
 
-Setting FromRecord(CSetting&& record) {
+Setting SettingFromRecord(CSetting&& record) {
     return {SettingId(std::move(record.m_wsPath)),
             std::move(record.m_wsCaption),
             std::move(record.m_wsDescription),

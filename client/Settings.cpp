@@ -10,7 +10,7 @@ namespace {
 template <class Call>
 std::vector<Setting> ReadSettings(const char* operation, const std::wstring& owner, Call call) {
     return ReadList<CSettings>(operation, owner, call,
-                               [](CSetting&& record) { return FromRecord(std::move(record)); });
+                               [](CSetting&& record) { return SettingFromRecord(std::move(record)); });
 }
 
 OfferedProfile FromRecord(CPerformanceProfile&& record) {
@@ -69,14 +69,14 @@ std::optional<Setting> Session::SpeedDuplex(const AdapterId& adapter, bool stand
     if (FAILED(result)) {
         throw Error(result, "GetSpeedDuplexSetting", adapter.Path());
     }
-    return FromRecord(std::move(record));
+    return SettingFromRecord(std::move(record));
 }
 
 void Session::Refresh(const std::wstring& objectId, Setting& setting) {
     const std::unique_ptr<CSetting> record = ToRecord(setting);
     Do("GetAdapterSettingAsync", objectId,
        [&] { return m_state->quillet.GetAdapterSettingAsync(CLumString(objectId), record.get()); });
-    setting = FromRecord(std::move(*record));
+    setting = SettingFromRecord(std::move(*record));
 }
 
 void Session::Write(const Setting& setting) {

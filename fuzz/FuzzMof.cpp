@@ -48,7 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // All classes in one text: their references may go forwards.
     std::string classes;
     for (const ClassPtr& definition : repository.Classes()) {
-        classes += ToUtf8(ObjectText(*definition));
+        classes += quillet::wmi::ToUtf8(ObjectText(*definition));
     }
     RequireCompiles(again, classes);
     const std::string instances = WriteInstancesAsMof(repository.AllInstances());

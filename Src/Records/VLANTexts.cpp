@@ -17,7 +17,7 @@ constexpr Entry kStatuses[] = {
     {CVLAN::VlanStatusNotApplicable, L"not applicable"},
 };
 
-constexpr Entry kProblems[] = {
+constexpr Entry kVlanProblems[] = {
     {CVLAN::UntaggedAlone, L"the untagged VLAN can only stand beside tagged ones, and there are none"},
     {CVLAN::IDTaken, L"a VLAN with this ID exists"},
     {CVLAN::NameTaken, L"a VLAN with this name exists"},
@@ -32,7 +32,7 @@ std::wstring CVLANTexts::Status(LONG lStatus) {
 }
 
 std::vector<std::wstring> CVLANTexts::Problems(ULONGLONG ullMask) {
-    return quillet::SentencesOf(kProblems, ullMask, L"problem ");
+    return quillet::SentencesOf(kVlanProblems, ullMask, L"problem ");
 }
 
 std::wstring CVLANTexts::ParentIsTeamMember() {

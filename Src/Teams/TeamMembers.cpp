@@ -16,7 +16,7 @@ namespace {
 using OnNull = PropertyReader::OnNull;
 
 /// Asks for the few properties that identify an adapter, as the list of adapters does.
-constexpr LONG kIdentityOnly = 1;
+constexpr LONG kMemberIdentity = 1;
 /// The priority of the primary member.
 constexpr LONG kPrimary = 1;
 /// "AdapterStatus" of an adapter that works.
@@ -73,7 +73,7 @@ std::wstring MemberOf(const std::wstring& membershipPath) {
 
 HRESULT CQuillet::AppendMembers(const ProviderSession& session, const std::wstring& teamId,
                                 CTeamedAdapters& members) {
-    const PartialRetrieval identityOnly(session, kIdentityOnly);
+    const PartialRetrieval identityOnly(session, kMemberIdentity);
     const auto fill = [&](IWbemClassObject* adapter, CTeamedAdapter& member) -> HRESULT {
         PropertyReader read(adapter, L"pAdapterInstance");
         if (read.When(OnNull::Fail).String(L_ZOREL_PATH, member.m_wsAdapterID).Failed()) {

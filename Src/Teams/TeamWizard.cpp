@@ -18,7 +18,7 @@ constexpr LONG kCapabilitiesOnly = 16;
 /// The flag of a mode whose switch can be tested.
 constexpr LONG kSwitchTestSupported = 0x2000;
 /// The most adapters for which switch fault tolerance is offered.
-constexpr std::size_t kSwitchFaultToleranceMembers = 2;
+constexpr std::size_t kMostOfSwitchFaultTolerance = 2;
 /// The coverage of a search whose provider does not tell it: the search went well, so it saw everything.
 constexpr unsigned int kWholeCoverage = 100;
 
@@ -132,7 +132,7 @@ HRESULT CQuillet::GetCompatibleTeamModesWithAdapters(const CAdapters& adapters, 
     }
     for (const CTeamWizTeamMode* mode : offered.front()->m_vecItems) {
         const bool tooMany =
-            mode && mode->m_lTeamMode == CTeam::TeamMode5 && offered.size() > kSwitchFaultToleranceMembers;
+            mode && mode->m_lTeamMode == CTeam::TeamMode5 && offered.size() > kMostOfSwitchFaultTolerance;
         if (!mode || tooMany || Offers(modes, mode->m_lTeamMode) ||
             !std::all_of(offered.begin(), offered.end(), [mode](const CTeamWizTeamModes* each) {
                 return Offers(*each, mode->m_lTeamMode);

@@ -34,7 +34,7 @@ void Configure(CLI::App& app) {
     app.set_help_flag("-h,--help");
 }
 
-const char* NameOf(CommandTree::Group group) {
+const char* GroupName(CommandTree::Group group) {
     return group == CommandTree::Group::Management ? "Nouns" : "Diagnostics and help";
 }
 
@@ -83,7 +83,7 @@ CLI::App& CommandTree::Subcommand(CLI::App& parent, const std::string& name) {
 CLI::App& CommandTree::AddNounApp(const std::string& name, const std::string& description, Group group) {
     CLI::App& app = Subcommand(*m_app, name);
     app.require_subcommand(0, 1);
-    m_description.nouns.push_back({name, description, NameOf(group)});
+    m_description.nouns.push_back({name, description, GroupName(group)});
     return app;
 }
 

@@ -23,7 +23,7 @@ std::string WordFor(const std::string& title) {
     return word;
 }
 
-std::vector<std::string> Pieces(const std::string& text) {
+std::vector<std::string> WordsOf(const std::string& text) {
     std::vector<std::string> pieces;
     std::size_t begin = 0;
     for (std::size_t end = 0; end != std::string::npos; begin = end + 1) {
@@ -96,7 +96,7 @@ void ListOptions::Declare(Syntax& syntax) {
         "--columns",
         [this](const std::string& words) {
             m_chosen.clear();
-            for (const std::string& word : Pieces(words)) {
+            for (const std::string& word : WordsOf(words)) {
                 m_chosen.push_back(Find(word));
             }
         },

@@ -10,32 +10,32 @@ namespace quilletctl {
 
 namespace {
 
-using Outcome = Target::Outcome;
+using TargetOutcome = Target::Outcome;
 using Targets = std::vector<Target>;
 
-const char* NameOf(Outcome outcome) {
+const char* OutcomeName(TargetOutcome outcome) {
     switch (outcome) {
-    case Outcome::Changed:
+    case TargetOutcome::Changed:
         return "changed";
-    case Outcome::Unchanged:
+    case TargetOutcome::Unchanged:
         return "unchanged";
-    case Outcome::ReadOnly:
+    case TargetOutcome::ReadOnly:
         return "readOnly";
-    case Outcome::Missing:
+    case TargetOutcome::Missing:
         return "missing";
-    case Outcome::Refused:
+    case TargetOutcome::Refused:
         return "refused";
-    case Outcome::NotTaken:
+    case TargetOutcome::NotTaken:
         return "notTaken";
-    case Outcome::Unknown:
+    case TargetOutcome::Unknown:
         return "unknown";
-    case Outcome::NotTried:
+    case TargetOutcome::NotTried:
         return "notTried";
     }
     return "";
 }
 
-bool Has(const Targets& targets, Outcome outcome) {
+bool Has(const Targets& targets, TargetOutcome outcome) {
     return std::any_of(targets.begin(), targets.end(),
                        [outcome](const Target& each) { return each.outcome == outcome; });
 }
@@ -48,16 +48,16 @@ std::string ReasonOf(const Target& target) {
 
 std::string Line(const Target& target) {
     switch (target.outcome) {
-    case Outcome::Changed:
-    case Outcome::NotTaken:
-    case Outcome::Unknown:
+    case TargetOutcome::Changed:
+    case TargetOutcome::NotTaken:
+    case TargetOutcome::Unknown:
         return target.called + ": " + target.taken.Text(target.text);
-    case Outcome::Refused:
+    case TargetOutcome::Refused:
         return target.called + ": refused, " + ExplainResult(target.code, ReasonOf(target));
-    case Outcome::Unchanged:
-    case Outcome::ReadOnly:
-    case Outcome::Missing:
-    case Outcome::NotTried:
+    case TargetOutcome::Unchanged:
+    case TargetOutcome::ReadOnly:
+    case TargetOutcome::Missing:
+    case TargetOutcome::NotTried:
         break;
     }
     return target.called + ": " + target.text;
@@ -77,7 +77,7 @@ void Tell(Invocation& run, const Targets& targets) {
     std::vector<std::string> steps;
     std::vector<std::string> remarks = WarningsOf(targets);
     for (const Target& target : targets) {
-        if (target.outcome == Outcome::Changed) {
+        if (target.outcome == TargetOutcome::Changed) {
             steps.push_back(target.step);
         } else {
             remarks.push_back(Line(target));
@@ -88,16 +88,16 @@ void Tell(Invocation& run, const Targets& targets) {
 
 /// One after the other, for they do not depend on each other.
 std::optional<bool> Write(Invocation& run, Targets& targets) {
-    if (!Has(targets, Outcome::Changed)) {
+    if (!Has(targets, TargetOutcome::Changed)) {
         return false;
     }
     ClientSet set(run, {});
     for (Target& target : targets) {
-        if (target.outcome != Outcome::Changed) {
+        if (target.outcome != TargetOutcome::Changed) {
             continue;
         }
         if (!run.MayGoOn()) {
-            target.outcome = Outcome::NotTried;
+            target.outcome = TargetOutcome::NotTried;
             target.text = "left alone, for the command was interrupted";
             continue;
         }
@@ -105,7 +105,7 @@ std::optional<bool> Write(Invocation& run, Targets& targets) {
             target.change(run.Session());
         } catch (const quillet::Error& refusal) {
             target.code = refusal.Code();
-            target.outcome = Outcome::Refused;
+            target.outcome = TargetOutcome::Refused;
         }
     }
     return set.Close();
@@ -114,13 +114,15 @@ std::optional<bool> Write(Invocation& run, Targets& targets) {
 /// Once the client set is closed: until then a provider may keep changes back.
 void ReadBack(Invocation& run, Targets& targets) {
     for (Target& target : targets) {
-        if (target.outcome != Outcome::Changed) {
+        if (target.outcome != TargetOutcome::Changed) {
             continue;
         }
         target.taken =
             Verification::By([&](Verification& compare) { target.compare(run.Session(), compare); });
         const std::optional<bool> took = target.taken.Took();
-        target.outcome = !took ? Outcome::Unknown : *took ? Outcome::Changed : Outcome::NotTaken;
+        target.outcome = !took   ? TargetOutcome::Unknown
+                         : *took ? TargetOutcome::Changed
+                                 : TargetOutcome::NotTaken;
     }
 }
 
@@ -135,7 +137,7 @@ void Answer(Invocation& run, const Targets& targets, std::optional<bool> restart
     Json list = Json::array();
     for (const Target& target : targets) {
         Json each = AsJson(target.named);
-        each["outcome"] = NameOf(target.outcome);
+        each["outcome"] = OutcomeName(target.outcome);
         each["warnings"] = target.warnings;
         each["code"] = FAILED(target.code) ? Json(DescribeResult(target.code)) : Json();
         each["differences"] = target.taken.Differences();
@@ -159,11 +161,11 @@ ExitStatus ChangeTarget(Invocation& run, const Target& target) {
 
 ExitStatus ChangeTargets(Invocation& run, std::vector<Target> targets, bool needsAll, Json answer,
                          const std::function<void()>& settle) {
-    const bool isFinding = needsAll && Has(targets, Outcome::ReadOnly);
+    const bool isFinding = needsAll && Has(targets, TargetOutcome::ReadOnly);
     if (isFinding) {
         for (Target& target : targets) {
-            if (target.outcome == Outcome::Changed) {
-                target.outcome = Outcome::NotTried;
+            if (target.outcome == TargetOutcome::Changed) {
+                target.outcome = TargetOutcome::NotTried;
                 target.text = "left alone as well";
             }
         }
@@ -176,13 +178,13 @@ ExitStatus ChangeTargets(Invocation& run, std::vector<Target> targets, bool need
         }
     }
     const std::optional<bool> restartNeeded = Write(run, targets);
-    if (settle && Has(targets, Outcome::Changed)) {
+    if (settle && Has(targets, TargetOutcome::Changed)) {
         settle();
     }
     ReadBack(run, targets);
     Answer(run, targets, restartNeeded, std::move(answer));
     for (const Target& target : targets) {
-        if (target.outcome == Outcome::Refused) {
+        if (target.outcome == TargetOutcome::Refused) {
             throw Refusal(target.asked, target.code, ReasonOf(target));
         }
         target.taken.End(target.asked);

@@ -17,7 +17,7 @@ constexpr auto kInterval = std::chrono::milliseconds(250);
 /// A driver may take its link down only some time after the change.
 constexpr int kLooksThatAreEnough = 3;
 
-bool IsUp(quillet::Session& session, const Watched& watched) {
+bool IsBack(quillet::Session& session, const Watched& watched) {
     try {
         return watched.isUp(session);
     } catch (const quillet::Error&) {
@@ -28,7 +28,7 @@ bool IsUp(quillet::Session& session, const Watched& watched) {
 /// Counts for each at how many looks in a row it was up; whether that is enough for all.
 bool AreUp(quillet::Session& session, const std::vector<Watched>& all, std::vector<int>& looks) {
     for (std::size_t i = 0; i < all.size(); ++i) {
-        looks[i] = IsUp(session, all[i]) ? looks[i] + 1 : 0;
+        looks[i] = IsBack(session, all[i]) ? looks[i] + 1 : 0;
     }
     return std::all_of(looks.begin(), looks.end(), [](int each) { return each >= kLooksThatAreEnough; });
 }
@@ -65,7 +65,7 @@ void WaitOption::Declare(Syntax& syntax) {
 std::vector<Watched> WaitOption::Up(quillet::Session& session, const std::vector<Watched>& all) const {
     std::vector<Watched> up;
     for (const Watched& each : all) {
-        if (m_seconds && IsUp(session, each)) {
+        if (m_seconds && IsBack(session, each)) {
             up.push_back(each);
         }
     }

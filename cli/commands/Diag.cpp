@@ -27,9 +27,9 @@ using quillet::TestResult;
 using quillet::TestState;
 
 /// How often the bar moves.
-constexpr auto kFrame = std::chrono::milliseconds(100);
+constexpr auto kLookAgain = std::chrono::milliseconds(100);
 /// How long a test may take to stop.
-constexpr auto kPatience = std::chrono::seconds(2);
+constexpr auto kStopPatience = std::chrono::seconds(2);
 
 std::vector<Diagnostic> ReadTests(quillet::Session& session, const ListedAdapter& adapter) {
     return Attempt("list the tests of " + adapter.Called(), [&] { return session.Diagnostics(adapter.id); });
@@ -63,7 +63,7 @@ Json Messages(const TestResult& result) {
     return messages;
 }
 
-Json Members(const TestResult& package) {
+Json MembersAsJson(const TestResult& package) {
     Json members = Json::array();
     for (const TestResult& member : package.members) {
         members.push_back(Json{{"name", ToUtf8(member.name)},
@@ -71,7 +71,7 @@ Json Members(const TestResult& package) {
                                {"result", ToUtf8(member.result)},
                                {"description", ToUtf8(member.description)},
                                {"resultCode", member.code},
-                               {"members", Members(member)}});
+                               {"members", MembersAsJson(member)}});
     }
     return members;
 }
@@ -82,7 +82,7 @@ std::string StateText(const TestResult& result) {
                                     : ToUtf8(result.stateText);
 }
 
-Json AsJson(const Diagnostic& test, const TestResult& result) {
+Json ResultAsJson(const Diagnostic& test, const TestResult& result) {
     return Json{{"test", ToUtf8(test.name)},
                 {"testId", test.number},
                 {"passed", result.Passed()},
@@ -92,7 +92,7 @@ Json AsJson(const Diagnostic& test, const TestResult& result) {
                 {"description", ToUtf8(result.description)},
                 {"resultCode", result.code},
                 {"messages", Messages(result)},
-                {"members", Members(result)}};
+                {"members", MembersAsJson(result)}};
 }
 
 /// The outcome in the provider's words, with its number.
@@ -111,7 +111,7 @@ void AddMembers(Table& table, const TestResult& package, const std::string& inde
 
 void Print(Invocation& run, const Diagnostic& test, const TestResult& result) {
     if (run.WantsJson()) {
-        run.Print(AsJson(test, result));
+        run.Print(ResultAsJson(test, result));
         return;
     }
     std::string messages;
@@ -196,7 +196,7 @@ class Watch {
   private:
     void Go(const std::stop_token& end) {
         std::unique_lock lock(m_mutex);
-        while (!m_changed.wait_for(lock, end, kFrame, [&end] { return end.stop_requested(); })) {
+        while (!m_changed.wait_for(lock, end, kLookAgain, [&end] { return end.stop_requested(); })) {
             if (!m_run.MayGoOn()) {
                 m_stop.request_stop();
             }
@@ -273,18 +273,18 @@ class StopTest final : public TestCommand {
         run.BeginChanges({"stop " + name + " on " + adapter.Called()});
         Attempt("stop " + name, [&] { session.StopDiagnostic(test.id, adapter.id); });
         // A test may need a moment to come to its end.
-        const auto until = Clock::now() + kPatience;
+        const auto until = Clock::now() + kStopPatience;
         const auto read = [&] {
             return Attempt("read the result of " + name, [&] { return session.ReadResult(test.id); });
         };
         std::optional<TestResult> result = read();
         while (result && result->state == TestState::InProgress && Clock::now() < until) {
-            std::this_thread::sleep_for(kFrame);
+            std::this_thread::sleep_for(kLookAgain);
             result = read();
         }
         const TestResult last = result.value_or(TestResult());
         if (run.WantsJson()) {
-            run.Print(AsJson(test, last));
+            run.Print(ResultAsJson(test, last));
         } else {
             run.Out() << Printable(name) << ": " << Printable(StateText(last)) << '\n';
         }

@@ -12,7 +12,7 @@ Json NumberOrNull(const std::optional<std::int64_t>& number) {
     return number ? Json(*number) : Json();
 }
 
-Json AsJson(const ArgumentDescription& argument) {
+Json Described(const ArgumentDescription& argument) {
     return Json{{"name", argument.name},
                 {"least", argument.least},
                 {"most", argument.most},
@@ -20,7 +20,7 @@ Json AsJson(const ArgumentDescription& argument) {
                 {"description", argument.description}};
 }
 
-Json AsJson(const OptionDescription& option) {
+Json Described(const OptionDescription& option) {
     return Json{{"name", option.name},
                 {"value", option.value.empty() ? Json() : Json(option.value)},
                 {"valueOptional", option.isValueOptional},
@@ -45,10 +45,10 @@ std::string InsteadOf(const std::string& asked, const TreeDescription& tree) {
 }
 
 template <class Description>
-Json AsJson(const std::vector<Description>& descriptions) {
+Json Described(const std::vector<Description>& descriptions) {
     Json list = Json::array();
     for (const Description& each : descriptions) {
-        list.push_back(AsJson(each));
+        list.push_back(Described(each));
     }
     return list;
 }
@@ -102,12 +102,12 @@ class HelpCommand final : public Command {
                 commands.push_back(Json{{"name", command.name},
                                         {"usage", UsageOf(command)},
                                         {"description", command.description},
-                                        {"arguments", quilletctl::AsJson(command.arguments)},
-                                        {"options", quilletctl::AsJson(command.options)}});
+                                        {"arguments", Described(command.arguments)},
+                                        {"options", Described(command.options)}});
             }
         }
         return Json{{"version", QUILLETCTL_VERSION},
-                    {"options", quilletctl::AsJson(tree.options)},
+                    {"options", Described(tree.options)},
                     {"nouns", std::move(nouns)},
                     {"commands", std::move(commands)}};
     }

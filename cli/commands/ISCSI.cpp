@@ -30,7 +30,7 @@ const ListedAdapter* AdapterOf(const std::vector<ListedAdapter>& adapters, const
 }
 
 /// What an adapter is called everywhere; the provider calls it otherwise here.
-std::string NameOf(const ListedAdapter* adapter, const IscsiAdapter& port) {
+std::string PortName(const ListedAdapter* adapter, const IscsiAdapter& port) {
     return adapter == nullptr ? ToUtf8(port.adapterName) : adapter->Called();
 }
 
@@ -38,7 +38,7 @@ std::vector<IscsiAdapter> ReadPorts(quillet::Session& session) {
     return Attempt("list the adapters that can boot from iSCSI", [&] { return session.IscsiAdapters(); });
 }
 
-class ListPorts final : public Command {
+class ListIscsiPorts final : public Command {
   public:
     void Declare(Syntax& syntax) override {
         syntax.Arguments(
@@ -53,7 +53,7 @@ class ListPorts final : public Command {
         std::vector<Named> names;
         for (const IscsiAdapter& port : ports) {
             const std::string id = ToUtf8(port.objectId);
-            const std::string name = NameOf(AdapterOf(adapters, port), port);
+            const std::string name = PortName(AdapterOf(adapters, port), port);
             names.push_back({id, name, {PathOf(port.bootAgent), id, name}});
         }
         List list(m_options);
@@ -160,7 +160,7 @@ class ShowPort final : public AdapterCommand {
 
 void AddISCSICommands(CommandTree& tree) {
     tree.AddNoun("iscsi", "Booting from an iSCSI target")
-        .Query("list", "List the adapters that can, and their places", std::make_unique<ListPorts>())
+        .Query("list", "List the adapters that can, and their places", std::make_unique<ListIscsiPorts>())
         .Query("show", "Show an adapter's place, and what the system can do", std::make_unique<ShowPort>())
         .Verb("set", "Change an adapter's place", std::make_unique<SetPlace>());
 }

@@ -54,7 +54,7 @@ Wake ReadWake(quillet::Session& session, const ListedAdapter& adapter) {
 
 /// The options by their names; null for one that the adapter does not have, or that is to stay as it is.
 template <class Record, std::size_t Size>
-std::vector<Field> FieldsOf(const std::array<Option<Record>, Size>& options, const Record& info) {
+std::vector<Field> OptionFields(const std::array<Option<Record>, Size>& options, const Record& info) {
     std::vector<Field> fields;
     for (const auto& option : options) {
         const std::optional<bool>& value = info.*option.field;
@@ -64,11 +64,11 @@ std::vector<Field> FieldsOf(const std::array<Option<Record>, Size>& options, con
 }
 
 std::vector<Field> Fields(const Wake& info) {
-    return FieldsOf(kWakeOptions, info);
+    return OptionFields(kWakeOptions, info);
 }
 
 std::vector<Field> Fields(const Power& info) {
-    std::vector<Field> fields = FieldsOf(kPowerOptions, info);
+    std::vector<Field> fields = OptionFields(kPowerOptions, info);
     fields.insert(fields.begin(),
                   {"mode", "Power-saving mode", info.mode, false, UnknownText(info.mode, L"mode")});
     return fields;

@@ -85,7 +85,7 @@ Proposals Vlans(quillet::Session& session, const std::vector<VlanParent>& parent
     return WordsFor(called, ids);
 }
 
-Proposals Owners(quillet::Session& session, const std::string& kind) {
+Proposals ProposedOwners(quillet::Session& session, const std::string& kind) {
     return kind == "team"   ? WordsFor(NamesOf(ReadTeams(session)))
            : kind == "vlan" ? Vlans(session, ReadVlanParents(session), false)
                             : WordsFor(Adapters(session));
@@ -170,7 +170,7 @@ Proposals Read(quillet::Session& session, const CompletedLine& line) {
     case MachineWord::Vlan:
         return Vlans(session, {FindVlanParent(session, before)}, true);
     case MachineWord::Owner:
-        return Owners(session, line.OwnerKind());
+        return ProposedOwners(session, line.OwnerKind());
     case MachineWord::Setting:
         return Settings(session, line, "");
     case MachineWord::Assignment:

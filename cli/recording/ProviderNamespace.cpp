@@ -10,7 +10,7 @@ namespace quilletctl {
 namespace {
 
 /// How long a provider may take for one object, in milliseconds. One that hangs is one that fails.
-constexpr LONG kPatience = 60000;
+constexpr LONG kNextPatience = 60000;
 
 /// A text as WMI takes it.
 class WmiText {
@@ -60,7 +60,7 @@ HRESULT ProviderNamespace::ForEachInstance(const std::wstring& className, LONG f
     while (SUCCEEDED(result)) {
         ATL::CComPtr<IWbemClassObject> instance;
         ULONG count = 0;
-        result = instances->Next(kPatience, 1, &instance, &count);
+        result = instances->Next(kNextPatience, 1, &instance, &count);
         if (result == WBEM_S_TIMEDOUT) {
             return HRESULT(WBEM_E_TIMED_OUT);
         }

@@ -61,7 +61,7 @@ std::size_t CommonBeginning(const std::vector<std::string_view>& texts) {
 }
 
 /// The cell with all of it on one line.
-Cell Joined(const Cell& cell) {
+Cell OnOneLine(const Cell& cell) {
     Cell joined(cell.Text());
     joined.tone = cell.tone;
     return joined;
@@ -246,7 +246,7 @@ void Table::Print(const Terminal& terminal, bool withTitles) const {
     Table fitted(*this);
     if (!terminal.outIsTerminal) {
         for (auto& row : fitted.m_rows) {
-            std::transform(row.begin(), row.end(), row.begin(), Joined);
+            std::transform(row.begin(), row.end(), row.begin(), OnOneLine);
         }
         fitted.Print(terminal, fitted.WidthsWithin(fitted.TotalWidth()), withTitles);
         return;

@@ -159,7 +159,7 @@ HRESULT CopyElement(const SAFEARRAY* array, void* destination, const void* sourc
 /// Which of the arrays that the thread creates is to fail, for tests; 0 when none is.
 thread_local unsigned long g_failIn = 0;
 
-bool MustFail() noexcept {
+bool CreationMustFail() noexcept {
     return g_failIn != 0 && --g_failIn == 0;
 }
 
@@ -213,7 +213,7 @@ SAFEARRAY* Create(VARTYPE type, UINT dimensions, const SAFEARRAYBOUND* bounds, b
         array->rgsabound[i] = bounds[reversed ? dimensions - 1 - i : i];
     }
     const std::size_t bytes = static_cast<std::size_t>(*cells) * array->cbElements;
-    if (!MustFail()) {
+    if (!CreationMustFail()) {
         array->pvData =
             contents == Contents::Open ? std::malloc(bytes ? bytes : 1) : std::calloc(1, bytes ? bytes : 1);
     }

@@ -28,7 +28,7 @@ const AdapterOverview* Find(const Overviews& adapters, const AdapterId& id) {
     return found != adapters.end() ? &*found : nullptr;
 }
 
-void AddLine(std::wstring& text, const std::wstring& line) {
+void AppendLine(std::wstring& text, const std::wstring& line) {
     text += (text.empty() ? L"" : L"\r\n") + line;
 }
 
@@ -36,7 +36,7 @@ std::wstring ModesOf(Session& session, const AdapterId& adapter, std::wstring& n
     std::wstring lines;
     const auto offered = ReadIfThere([&] { return session.TeamModes(adapter); }, notice);
     for (const TeamMode mode : BestFirst(offered.value_or(std::vector<OfferedTeamMode>()))) {
-        AddLine(lines, InOwnLanguage(Text(mode)));
+        AppendLine(lines, InOwnLanguage(Text(mode)));
     }
     return lines;
 }
@@ -48,7 +48,7 @@ std::wstring PortsOf(Session& session, const AdapterId& adapter, const Overviews
     for (const TeamedPort& port : ports.value_or(std::vector<TeamedPort>())) {
         const AdapterOverview* found = Find(adapters, port.id);
         if (found != nullptr && port.id != adapter) {
-            AddLine(lines, AdapterLabel(*found) + L": " + found->teamName);
+            AppendLine(lines, AdapterLabel(*found) + L": " + found->teamName);
         }
     }
     return lines;

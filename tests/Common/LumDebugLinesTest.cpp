@@ -17,7 +17,7 @@ using testing::StartsWith;
 
 namespace {
 
-constexpr wchar_t kFile[] = L"Trace.txt";
+constexpr wchar_t kLumDebugLinesFile[] = L"Trace.txt";
 
 class LumDebugLinesTest : public testing::Test {
   protected:
@@ -25,9 +25,9 @@ class LumDebugLinesTest : public testing::Test {
 
     void Open(unsigned level, bool append = false, unsigned maxFileSize = 0,
               const wchar_t* process = L"Quillet") {
-        ASSERT_EQ(m_log.Configure(process, kFile, level, append, maxFileSize), 0);
+        ASSERT_EQ(m_log.Configure(process, kLumDebugLinesFile, level, append, maxFileSize), 0);
     }
-    std::filesystem::path Path() const { return m_directory.File(kFile); }
+    std::filesystem::path Path() const { return m_directory.File(kLumDebugLinesFile); }
     std::vector<TraceLine> Lines() const { return ParseTraceFile(Path()); }
     std::vector<std::wstring> Texts() const {
         std::vector<std::wstring> texts;
@@ -117,7 +117,7 @@ TEST_F(LumDebugLinesTest, LevelsZeroAndTwo_PrintNothingAndFormatNothing) {
     m_log.Print(L"%s", Unreadable());
     m_log.PrintText(Unreadable());
     m_log.PrintLastError(5);
-    m_log.Configure(L"Quillet", kFile, 0, false, 0);
+    m_log.Configure(L"Quillet", kLumDebugLinesFile, 0, false, 0);
     m_log.Print(L"%s", Unreadable());
     m_log.Error(L"f", 1, L"%s", Unreadable());
     EXPECT_THAT(Lines(), IsEmpty());
@@ -145,7 +145,7 @@ TEST_F(LumDebugLinesTest, LevelTwo_OnlyErrorsReachTheFile) {
 
 TEST_F(LumDebugLinesTest, LevelZero_ErrorsAreNotWrittenEither) {
     Open(1);
-    m_log.Configure(L"Quillet", kFile, 0, false, 0);
+    m_log.Configure(L"Quillet", kLumDebugLinesFile, 0, false, 0);
     m_log.Error(L"f", 1, L"error");
     EXPECT_THAT(Lines(), IsEmpty());
 }
@@ -323,7 +323,7 @@ TEST_F(LumDebugLinesTest, Copy_SharesTheFileUntilTheLastOneGoes) {
 TEST_F(LumDebugLinesTest, Copy_HasALevelOfItsOwn) {
     Open(3);
     CLumDebug copy(m_log);
-    copy.Configure(L"Quillet", kFile, 0, false, 0);
+    copy.Configure(L"Quillet", kLumDebugLinesFile, 0, false, 0);
     copy.PrintText(L"off");
     m_log.PrintText(L"on");
     EXPECT_THAT(Texts(), ElementsAre(L"on"));

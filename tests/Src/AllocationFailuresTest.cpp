@@ -12,7 +12,7 @@ namespace platform = quillet::platform;
 
 constexpr const char* kNoArray = "(NULL == pSafeArray) -> Create fail";
 
-constexpr const wchar_t* kAdapter = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+constexpr const wchar_t* kAllocationFailuresAdapter = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
 constexpr const char* kProfiles = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Name = "A"; OriginalDisplayName = "A"; };
@@ -170,7 +170,7 @@ TEST_F(AllocationFailuresTest, Profiles_AnyStringMissing_KeepValuesAndTextsToget
     Connect();
     FailEachStringAllocation([this] {
         CPerformanceProfiles profiles;
-        const HRESULT result = quillet.GetAdapterProfiles(kAdapter, profiles);
+        const HRESULT result = quillet.GetAdapterProfiles(kAllocationFailuresAdapter, profiles);
         if (SUCCEEDED(result)) {
             EXPECT_EQ(profiles.m_vecItems.size(), 3u);
         }

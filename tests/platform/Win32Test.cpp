@@ -16,7 +16,7 @@ namespace {
 // --- Registry ------------------------------------------------------------------------------------------
 
 constexpr wchar_t kRoot[] = L"Software\\QuilletPlatformTests";
-constexpr DWORD kCharacter = sizeof(wchar_t);
+constexpr DWORD kWin32Character = sizeof(wchar_t);
 
 class RegistryTest : public testing::Test {
   protected:
@@ -36,7 +36,7 @@ class RegistryTest : public testing::Test {
         return RegSetValueExW(m_key, name, 0, type, static_cast<const BYTE*>(data), size);
     }
     LSTATUS SetText(const wchar_t* name, const std::wstring& text) {
-        return Set(name, REG_SZ, text.c_str(), static_cast<DWORD>(text.size() + 1) * kCharacter);
+        return Set(name, REG_SZ, text.c_str(), static_cast<DWORD>(text.size() + 1) * kWin32Character);
     }
     /// The bytes of a value; the type goes to m_type.
     std::vector<BYTE> Get(const wchar_t* name) {
@@ -56,7 +56,7 @@ TEST_F(RegistryTest, ValuesComeBackAsTheyWereSet) {
     EXPECT_EQ(SetText(L"InstalledDir", text), ERROR_SUCCESS);
     std::vector<BYTE> data = Get(L"InstalledDir");
     EXPECT_EQ(m_type, DWORD{REG_SZ});
-    ASSERT_EQ(data.size(), (text.size() + 1) * kCharacter);
+    ASSERT_EQ(data.size(), (text.size() + 1) * kWin32Character);
     EXPECT_EQ(std::memcmp(data.data(), text.c_str(), data.size()), 0);
 
     const DWORD number = 0x12345678;
@@ -79,7 +79,7 @@ TEST_F(RegistryTest, ValuesComeBackAsTheyWereSet) {
 
 TEST_F(RegistryTest, TheUnnamedValueIsAValueToo) {
     EXPECT_EQ(SetText(nullptr, L"default"), ERROR_SUCCESS);
-    EXPECT_EQ(Get(L"").size(), 8 * kCharacter);
+    EXPECT_EQ(Get(L"").size(), 8 * kWin32Character);
     EXPECT_EQ(RegDeleteValueW(m_key, nullptr), ERROR_SUCCESS);
     EXPECT_EQ(RegQueryValueExW(m_key, L"", nullptr, nullptr, nullptr, nullptr), ERROR_FILE_NOT_FOUND);
 }
@@ -87,9 +87,9 @@ TEST_F(RegistryTest, TheUnnamedValueIsAValueToo) {
 TEST_F(RegistryTest, NamesAreComparedWithoutRegardToCase) {
     EXPECT_EQ(SetText(L"Namespace", L"cimv2"), ERROR_SUCCESS);
     EXPECT_EQ(SetText(L"NAMESPACE", L"other"), ERROR_SUCCESS);
-    EXPECT_EQ(Get(L"namespace").size(), 6 * kCharacter);
+    EXPECT_EQ(Get(L"namespace").size(), 6 * kWin32Character);
     EXPECT_EQ(SetText(L"Größe", L"1"), ERROR_SUCCESS);
-    EXPECT_EQ(Get(L"GRÖßE").size(), 2 * kCharacter);
+    EXPECT_EQ(Get(L"GRÖßE").size(), 2 * kWin32Character);
     HKEY sub = nullptr;
     EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, L"SOFTWARE\\quilletPLATFORMtests", 0, KEY_READ, &sub),
               ERROR_SUCCESS);
@@ -99,9 +99,9 @@ TEST_F(RegistryTest, NamesAreComparedWithoutRegardToCase) {
 TEST_F(RegistryTest, ShortBufferLearnsTheSize) {
     EXPECT_EQ(SetText(L"text", L"abc"), ERROR_SUCCESS);
     BYTE buffer[64] = {};
-    DWORD size = kCharacter;
+    DWORD size = kWin32Character;
     EXPECT_EQ(RegQueryValueExW(m_key, L"text", nullptr, nullptr, buffer, &size), ERROR_MORE_DATA);
-    EXPECT_EQ(size, 4 * kCharacter);
+    EXPECT_EQ(size, 4 * kWin32Character);
     EXPECT_EQ(RegQueryValueExW(m_key, L"text", nullptr, nullptr, buffer, nullptr), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(RegQueryValueExW(m_key, L"text", nullptr, nullptr, nullptr, nullptr), ERROR_SUCCESS);
 }

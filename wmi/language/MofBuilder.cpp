@@ -11,8 +11,6 @@ namespace {
 
 using Kind = MofToken::Kind;
 
-constexpr CIMTYPE kArray = CIM_FLAG_ARRAY;
-
 Scalar IntegerOf(const MofToken& token) {
     return token.negative ? Scalar(static_cast<std::int64_t>(0 - token.magnitude)) : Scalar(token.magnitude);
 }
@@ -45,7 +43,7 @@ CIMTYPE InferredType(const MofInitialiser& initialiser) {
             break;
         }
     }
-    return initialiser.isArray ? type | kArray : type;
+    return initialiser.isArray ? type | CIM_FLAG_ARRAY : type;
 }
 
 } // namespace
@@ -94,8 +92,8 @@ Value MofBuilder::ValueOf(MofInitialiser& initialiser, CIMTYPE type, std::size_t
     if (isNull) {
         return Value();
     }
-    const CIMTYPE element = type & ~kArray;
-    if (initialiser.isArray != ((type & kArray) != 0)) {
+    const CIMTYPE element = ElementType(type);
+    if (initialiser.isArray != IsArray(type)) {
         Fail(initialiser.offset, initialiser.isArray ? L"one value was expected, this is an array"
                                                      : L"an array in braces was expected");
     }

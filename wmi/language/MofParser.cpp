@@ -10,7 +10,7 @@ namespace quillet::wmi {
 
 namespace {
 
-using Kind = MofToken::Kind;
+using TokenKind = MofToken::Kind;
 
 } // namespace
 
@@ -19,7 +19,7 @@ void MofParser::Fail(std::size_t offset, const std::wstring& message) const {
 }
 
 void MofParser::Expected(const std::wstring& what) const {
-    const std::wstring end = m_token.kind == Kind::End ? L", but the text ends here" : L"";
+    const std::wstring end = m_token.kind == TokenKind::End ? L", but the text ends here" : L"";
     Fail(m_token.offset, what + L" was expected" + end);
 }
 
@@ -52,7 +52,7 @@ void MofParser::Require(char symbol) {
 }
 
 std::wstring MofParser::Name(const wchar_t* what) {
-    if (m_token.kind != Kind::Identifier) {
+    if (m_token.kind != TokenKind::Identifier) {
         Expected(what);
     }
     std::wstring name = std::move(m_token.text);
@@ -85,9 +85,9 @@ void MofParser::ReadInitialiser(bool withAliases, MofInitialiser& initialiser) {
 
 MofToken MofParser::Item(bool withAliases) {
     const bool word = m_token.Is(L"TRUE") || m_token.Is(L"FALSE") || m_token.Is(L"NULL");
-    const bool literal = m_token.kind == Kind::Integer || m_token.kind == Kind::Real ||
-                         m_token.kind == Kind::String || m_token.kind == Kind::Character;
-    if (!word && !literal && !(withAliases && m_token.kind == Kind::Alias)) {
+    const bool literal = m_token.kind == TokenKind::Integer || m_token.kind == TokenKind::Real ||
+                         m_token.kind == TokenKind::String || m_token.kind == TokenKind::Character;
+    if (!word && !literal && !(withAliases && m_token.kind == TokenKind::Alias)) {
         Expected(withAliases ? L"a value or an alias" : L"a value");
     }
     return Take();
@@ -115,7 +115,7 @@ std::vector<MofQualifierUse> MofParser::QualifierList() {
         if (Accept(':')) {
             do {
                 UseFlavor(use);
-            } while (m_token.kind == Kind::Identifier);
+            } while (m_token.kind == TokenKind::Identifier);
         }
         uses.push_back(std::move(use));
     } while (Accept(','));
@@ -159,7 +159,7 @@ void MofParser::Flavor(LONG& set, LONG& cleared) {
             return;
         }
     }
-    if (m_token.kind == Kind::Identifier) {
+    if (m_token.kind == TokenKind::Identifier) {
         Fail(m_token.offset, L"unknown flavor " + Quoted(m_token.text));
     }
     Expected(L"a flavor");
@@ -215,7 +215,7 @@ CIMTYPE MofParser::ArraySuffix(std::size_t& limit) {
     if (!Accept('[')) {
         return 0;
     }
-    if (m_token.kind == Kind::Integer) {
+    if (m_token.kind == TokenKind::Integer) {
         constexpr std::uint64_t kMost = 1u << 20;
         if (m_token.negative || m_token.magnitude == 0 || m_token.magnitude > kMost) {
             Fail(m_token.offset, L"an array has a size from 1 to 1048576");

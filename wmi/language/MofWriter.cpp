@@ -9,8 +9,6 @@ namespace quillet::wmi {
 
 namespace {
 
-constexpr CIMTYPE kArray = CIM_FLAG_ARRAY;
-
 void AppendEscape(std::wstring& out, char32_t code) {
     constexpr wchar_t kDigits[] = L"0123456789ABCDEF";
     // Always four digits, so that no digit after it can be taken for one of the escape.
@@ -162,13 +160,13 @@ std::wstring QualifierList(const Qualifiers& qualifiers, const wchar_t* after) {
 
 std::wstring Declarator(const Property& property) {
     std::wstring out;
-    if ((property.type & ~kArray) == CIM_REFERENCE) {
+    if (ElementType(property.type) == CIM_REFERENCE) {
         out += property.referenceClass + L" REF ";
     } else {
         out += std::wstring(CimTypeName(property.type)) + L' ';
     }
     out += property.name;
-    if ((property.type & kArray) != 0) {
+    if (IsArray(property.type)) {
         out +=
             L'[' + (property.arrayLimit != 0 ? std::to_wstring(property.arrayLimit) : std::wstring()) + L']';
     }

@@ -10,9 +10,6 @@ namespace {
 constexpr bool IsBlank(wchar_t c) noexcept {
     return c == L' ' || (c >= L'\t' && c <= L'\r');
 }
-constexpr bool IsDigit(wchar_t c) noexcept {
-    return c >= L'0' && c <= L'9';
-}
 
 std::wstring_view Trimmed(std::wstring_view text) noexcept {
     while (!text.empty() && IsBlank(text.front())) {

@@ -13,7 +13,7 @@ namespace quillet::wmi {
 namespace {
 
 using Operator = WqlCondition::Operator;
-using Kind = WqlCondition::Kind;
+using ConditionKind = WqlCondition::Kind;
 
 /// A number of any kind on its way to a comparison.
 struct Number {
@@ -298,19 +298,19 @@ bool Matches(const WqlCondition& condition, const Instance& instance, const Obje
     const auto holds = [&](const WqlCondition& operand) { return Matches(operand, instance, identity); };
     Value storage;
     switch (condition.kind) {
-    case Kind::And:
+    case ConditionKind::And:
         return std::all_of(condition.operands.begin(), condition.operands.end(), holds);
-    case Kind::Or:
+    case ConditionKind::Or:
         return std::any_of(condition.operands.begin(), condition.operands.end(), holds);
-    case Kind::Not:
+    case ConditionKind::Not:
         return !std::any_of(condition.operands.begin(), condition.operands.end(), holds);
-    case Kind::IsNull:
+    case ConditionKind::IsNull:
         return OperandOf(instance, condition.property, storage).value->IsNull();
-    case Kind::IsNotNull:
+    case ConditionKind::IsNotNull:
         return !OperandOf(instance, condition.property, storage).value->IsNull();
-    case Kind::Compare:
+    case ConditionKind::Compare:
         return MatchesComparison(condition, OperandOf(instance, condition.property, storage), identity);
-    case Kind::Like: {
+    case ConditionKind::Like: {
         const Scalar* scalar = OperandOf(instance, condition.property, storage).value->AsScalar();
         const auto* text = scalar != nullptr ? std::get_if<std::wstring>(scalar) : nullptr;
         const auto* pattern = condition.literal ? std::get_if<std::wstring>(&*condition.literal) : nullptr;
@@ -348,7 +348,7 @@ std::optional<std::wstring> IndexKey(const Value& value, CIMTYPE type, const Obj
 
 std::optional<std::vector<std::wstring>> IndexKeys(const WqlCondition& condition, CIMTYPE type,
                                                    const ObjectIdentity& identity) {
-    if (condition.kind != Kind::Compare || condition.op != Operator::Equal || !condition.literal) {
+    if (condition.kind != ConditionKind::Compare || condition.op != Operator::Equal || !condition.literal) {
         return std::nullopt;
     }
     const Scalar& literal = *condition.literal;

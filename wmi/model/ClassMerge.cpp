@@ -10,7 +10,6 @@ namespace quillet::wmi {
 
 namespace {
 
-constexpr LONG kToSubclass = WBEM_FLAVOR_FLAG_PROPAGATE_TO_DERIVED_CLASS;
 constexpr LONG kNotOverridable = WBEM_FLAVOR_NOT_OVERRIDABLE;
 constexpr LONG kPropagated = WBEM_FLAVOR_ORIGIN_PROPAGATED;
 
@@ -19,7 +18,7 @@ bool MergeQualifiers(Qualifiers& own, const Qualifiers& inherited, std::wstring_
                      std::wstring& reason) {
     Qualifiers merged;
     for (const Qualifier& qualifier : inherited.All()) {
-        if ((qualifier.flavor & kToSubclass) != 0) {
+        if ((qualifier.flavor & WBEM_FLAVOR_FLAG_PROPAGATE_TO_DERIVED_CLASS) != 0) {
             Qualifier copy = qualifier;
             copy.flavor |= kPropagated;
             merged.Set(std::move(copy));

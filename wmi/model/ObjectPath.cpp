@@ -12,13 +12,10 @@ namespace {
 constexpr bool IsSlash(wchar_t c) noexcept {
     return c == L'\\' || c == L'/';
 }
-constexpr bool IsDigit(wchar_t c) noexcept {
-    return c >= L'0' && c <= L'9';
-}
 
-class Parser {
+class PathParser {
   public:
-    explicit Parser(std::wstring_view text) : m_text(text) {}
+    explicit PathParser(std::wstring_view text) : m_text(text) {}
 
     std::optional<ObjectPath> Run(std::wstring* error) {
         ObjectPath path;
@@ -296,7 +293,7 @@ void AppendKey(std::wstring& out, wchar_t separator, std::wstring_view name, con
 } // namespace
 
 std::optional<ObjectPath> ObjectPath::Parse(std::wstring_view text, std::wstring* error) {
-    return Parser(text).Run(error);
+    return PathParser(text).Run(error);
 }
 
 std::wstring ObjectPath::Relative() const {

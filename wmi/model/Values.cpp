@@ -9,8 +9,6 @@ namespace quillet::wmi {
 
 namespace {
 
-constexpr CIMTYPE kArray = CIM_FLAG_ARRAY;
-
 /// The range of an integer type.
 struct Range {
     std::int64_t low;
@@ -158,25 +156,25 @@ bool Fits(const Value& value, CIMTYPE type) noexcept {
     if (value.IsNull()) {
         return true;
     }
-    const CIMTYPE element = type & ~kArray;
+    const CIMTYPE element = ElementType(type);
     if (const Value::Bytes* bytes = value.AsBytes()) {
         const std::optional<Range> range = IntegerRange(element);
-        return (type & kArray) != 0 && range &&
+        return IsArray(type) && range &&
                (range->high >= UINT8_MAX ||
                 std::all_of(bytes->begin(), bytes->end(),
                             [high = range->high](std::uint8_t byte) { return byte <= high; }));
     }
     if (const Value::Array* array = value.AsArray()) {
-        return (type & kArray) != 0 &&
+        return IsArray(type) &&
                std::all_of(array->begin(), array->end(), [element](const std::optional<Scalar>& scalar) {
                    return !scalar || Fits(*scalar, element);
                });
     }
-    return (type & kArray) == 0 && Fits(*value.AsScalar(), element);
+    return !IsArray(type) && Fits(*value.AsScalar(), element);
 }
 
 Value Normalised(Value value, CIMTYPE type) {
-    const CIMTYPE element = type & ~kArray;
+    const CIMTYPE element = ElementType(type);
     if (const Scalar* scalar = value.AsScalar()) {
         if (std::holds_alternative<std::wstring>(*scalar)) {
             return value;
@@ -207,7 +205,7 @@ Value Normalised(Value value, CIMTYPE type) {
 }
 
 const wchar_t* CimTypeName(CIMTYPE type) noexcept {
-    switch (type & ~kArray) {
+    switch (ElementType(type)) {
     case CIM_SINT8:
         return L"sint8";
     case CIM_UINT8:
@@ -246,7 +244,7 @@ const wchar_t* CimTypeName(CIMTYPE type) noexcept {
 }
 
 bool IsIntegerType(CIMTYPE type) noexcept {
-    const CIMTYPE element = type & ~kArray;
+    const CIMTYPE element = ElementType(type);
     return element != CIM_CHAR16 && IntegerRange(element).has_value();
 }
 
@@ -270,7 +268,7 @@ bool IsDateTime(std::wstring_view text) noexcept {
 
 std::wstring CimTypeText(CIMTYPE type, std::wstring_view referenceClass) {
     // WMI has words of its own for two types; the others are called as MOF calls them.
-    switch (type & ~CIM_FLAG_ARRAY) {
+    switch (ElementType(type)) {
     case CIM_REFERENCE:
         return referenceClass.empty() ? L"ref" : L"ref:" + std::wstring(referenceClass);
     case CIM_OBJECT:
@@ -283,7 +281,7 @@ std::wstring CimTypeText(CIMTYPE type, std::wstring_view referenceClass) {
 }
 
 Value Integer(CIMTYPE type, std::int64_t number) {
-    switch (type & ~CIM_FLAG_ARRAY) {
+    switch (ElementType(type)) {
     case CIM_UINT8:
     case CIM_UINT16:
     case CIM_UINT32:

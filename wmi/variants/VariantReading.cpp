@@ -120,7 +120,7 @@ std::optional<Scalar> RealFrom(const VARIANT& variant) {
 }
 
 std::optional<Scalar> ScalarFrom(const VARIANT& variant, CIMTYPE type) {
-    switch (type & ~CIM_FLAG_ARRAY) {
+    switch (ElementType(type)) {
     case CIM_SINT8:
         return Narrow(variant, -128, 127, VT_I2, true);
     case CIM_UINT8:

@@ -136,7 +136,7 @@ HRESULT FillBytes(const Value::Bytes& bytes, LONG lowerBound, VARIANT* variant) 
 
 VARTYPE VariantType(CIMTYPE type) noexcept {
     VARTYPE vt = VT_NULL;
-    switch (type & ~CIM_FLAG_ARRAY) {
+    switch (ElementType(type)) {
     case CIM_SINT8:
     case CIM_SINT16:
     case CIM_CHAR16:

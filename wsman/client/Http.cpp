@@ -16,10 +16,6 @@ constexpr int kAttempts = 2;
 constexpr std::size_t kMostKept = std::size_t{64} << 20; // bytes of an answer whose runs are folded
 constexpr std::size_t kMostIdle = 8;
 
-constexpr HRESULT Code(long long value) noexcept {
-    return static_cast<HRESULT>(static_cast<std::uint32_t>(value));
-}
-
 /// libcurl wants to be told once, before any thread uses it.
 void InitialiseOnce() {
     static const CURLcode kResult = curl_global_init(CURL_GLOBAL_DEFAULT);
@@ -224,7 +220,7 @@ RemoteError HttpClient::ErrorOf(int code, const char* detail, bool isSent, bool 
     const auto error = [&](HRESULT result, const std::string& what) {
         return RemoteError(result, m_host + ": " + what + ": " + cause + " (" + m_url + ")");
     };
-    constexpr HRESULT kFailure = Code(WBEM_E_TRANSPORT_FAILURE);
+    constexpr HRESULT kFailure = HRESULT(WBEM_E_TRANSPORT_FAILURE);
     switch (code) {
     case CURLE_COULDNT_RESOLVE_HOST:
         return error(kServerUnavailable, "there is no machine of this name");
@@ -232,7 +228,7 @@ RemoteError HttpClient::ErrorOf(int code, const char* detail, bool isSent, bool 
         return error(kServerUnavailable, "nobody answers at this port");
     case CURLE_OPERATION_TIMEDOUT:
         return !isSent ? error(kServerUnavailable, "no connection came about in time")
-                       : error(Code(WBEM_E_TIMED_OUT),
+                       : error(HRESULT(WBEM_E_TIMED_OUT),
                                hasAnswer ? "the answer did not come to its end in time"
                                          : "no answer came in time; whether it was done is not known");
     case CURLE_PEER_FAILED_VERIFICATION:

@@ -21,21 +21,14 @@ constexpr CIMTYPE kTypes[] = {CIM_SINT8,  CIM_UINT8,   CIM_SINT16,   CIM_UINT16,
                               CIM_UINT32, CIM_SINT64,  CIM_UINT64,   CIM_REAL32, CIM_REAL64,
                               CIM_STRING, CIM_BOOLEAN, CIM_DATETIME, CIM_CHAR16};
 
-constexpr bool IsArray(CIMTYPE type) noexcept {
-    return (type & CIM_FLAG_ARRAY) != 0;
-}
-constexpr CIMTYPE ElementType(CIMTYPE type) noexcept {
-    return type & ~CIMTYPE(CIM_FLAG_ARRAY);
-}
-
 /// The qualifiers that make a text an object, and say of which class.
 constexpr std::array kEmbedded{L"EmbeddedInstance", L"EmbeddedObject"};
 
 std::string TypeName(CIMTYPE type) {
-    if (ElementType(type) == CIM_OBJECT) {
+    if (wmi::ElementType(type) == CIM_OBJECT) {
         return "string"; // as the qualifier beside it says otherwise
     }
-    const wchar_t* name = wmi::CimTypeName(ElementType(type));
+    const wchar_t* name = wmi::CimTypeName(wmi::ElementType(type));
     return name == nullptr ? "string" : wmi::ToUtf8(name);
 }
 
@@ -92,10 +85,10 @@ void WriteQualifiers(XmlWriter& xml, const wmi::Qualifiers& qualifiers, LCID loc
 
 /// A property or a parameter, by the name of its element before its shape is added.
 void WriteTyped(XmlWriter& xml, const std::string& kind, const wmi::Property& property, LCID locale) {
-    const bool isReference = ElementType(property.type) == CIM_REFERENCE;
+    const bool isReference = wmi::ElementType(property.type) == CIM_REFERENCE;
     const char* arrayOfReferences = kind == "PARAMETER" ? ".REFARRAY" : ".ARRAY";
-    xml.Open(kind + (isReference ? (IsArray(property.type) ? arrayOfReferences : ".REFERENCE")
-                                 : (IsArray(property.type) ? ".ARRAY" : "")));
+    xml.Open(kind + (isReference ? (wmi::IsArray(property.type) ? arrayOfReferences : ".REFERENCE")
+                                 : (wmi::IsArray(property.type) ? ".ARRAY" : "")));
     xml.Attribute("NAME", wmi::ToUtf8(property.name));
     if (isReference) {
         xml.Attribute("REFERENCECLASS", wmi::ToUtf8(property.referenceClass));
@@ -113,14 +106,14 @@ void WriteTyped(XmlWriter& xml, const std::string& kind, const wmi::Property& pr
     }
     WriteQualifiers(xml, property.qualifiers, locale);
     const auto isSaid = [&](const wchar_t* name) { return property.qualifiers.Find(name) != nullptr; };
-    if (ElementType(property.type) == CIM_OBJECT &&
+    if (wmi::ElementType(property.type) == CIM_OBJECT &&
         std::none_of(kEmbedded.begin(), kEmbedded.end(), isSaid)) {
         const bool isAny = property.referenceClass.empty();
         xml.Open("QUALIFIER").Attribute("NAME", isAny ? "EmbeddedObject" : "EmbeddedInstance");
         xml.Attribute("TYPE", isAny ? "boolean" : "string");
         xml.Leaf("VALUE", isAny ? "true" : wmi::ToUtf8(property.referenceClass)).Close();
     }
-    if (ElementType(property.type) != CIM_OBJECT) {
+    if (wmi::ElementType(property.type) != CIM_OBJECT) {
         WriteClassValue(xml, property.defaultValue);
     }
     xml.Close();
@@ -200,7 +193,7 @@ std::optional<wmi::Property> ReadTyped(const Element& element, const std::string
     property.qualifiers = ReadQualifiers(element);
     for (const wchar_t* mark : kEmbedded) {
         const wmi::Qualifier* said = property.qualifiers.Find(mark);
-        if (said == nullptr || ElementType(property.type) != CIM_STRING) {
+        if (said == nullptr || wmi::ElementType(property.type) != CIM_STRING) {
             continue;
         }
         property.type = CIMTYPE(CIM_OBJECT) | (property.type & CIMTYPE(CIM_FLAG_ARRAY));
@@ -209,7 +202,7 @@ std::optional<wmi::Property> ReadTyped(const Element& element, const std::string
         property.referenceClass = className != nullptr ? *className : std::wstring();
         return property;
     }
-    property.defaultValue = ReadClassValue(element, ElementType(property.type));
+    property.defaultValue = ReadClassValue(element, wmi::ElementType(property.type));
     return property;
 }
 

@@ -16,14 +16,6 @@ namespace quillet::wsman {
 
 namespace {
 
-constexpr CIMTYPE ElementType(CIMTYPE type) noexcept {
-    return type & ~CIMTYPE(CIM_FLAG_ARRAY);
-}
-
-constexpr bool IsArrayType(CIMTYPE type) noexcept {
-    return (type & CIM_FLAG_ARRAY) != 0;
-}
-
 bool IsNullArray(const Element& element) {
     return element.Attribute("IsNullArray") == "true";
 }
@@ -151,7 +143,7 @@ std::optional<wmi::Scalar> ReadObject(const Element& element, const wmi::Propert
 
 std::optional<wmi::Scalar> ReadScalar(const Element& element, const wmi::Property& property,
                                       const Namespace& space) {
-    const CIMTYPE type = ElementType(property.type);
+    const CIMTYPE type = wmi::ElementType(property.type);
     switch (type) {
     case CIM_OBJECT:
         return ReadObject(element, property, space);
@@ -197,7 +189,7 @@ std::optional<wmi::Value> ReadBytes(std::span<const Element> elements) {
 
 wmi::Value ReadArray(std::span<const Element> elements, const wmi::Property& property,
                      const Namespace& space) {
-    const CIMTYPE type = ElementType(property.type);
+    const CIMTYPE type = wmi::ElementType(property.type);
     if (type == CIM_UINT8) {
         if (std::optional<wmi::Value> bytes = ReadBytes(elements)) {
             return std::move(*bytes);
@@ -298,7 +290,7 @@ class Given {
 void WriteValue(XmlWriter& xml, std::string_view prefix, const wmi::Property& property,
                 const wmi::Value& value, const Namespace& space, DateTimeForm form, NullArrays arrays) {
     const std::string name = (prefix.empty() ? "" : std::string(prefix) + ':') + wmi::ToUtf8(property.name);
-    const CIMTYPE type = ElementType(property.type);
+    const CIMTYPE type = wmi::ElementType(property.type);
     const auto write = [&](const std::optional<wmi::Scalar>& scalar) {
         xml.Open(name);
         if (scalar) {
@@ -318,7 +310,7 @@ void WriteValue(XmlWriter& xml, std::string_view prefix, const wmi::Property& pr
         for (const std::optional<wmi::Scalar>& element : *array) {
             write(element);
         }
-    } else if (arrays == NullArrays::Marked && IsArrayType(property.type)) {
+    } else if (arrays == NullArrays::Marked && wmi::IsArray(property.type)) {
         // Whoever does not know the mark sees what is nil.
         xml.Open(name).Declare("m", kMicrosoft).Attribute("m:IsNullArray", "true");
         xml.Attribute("xsi:nil", "true").Close();
@@ -343,9 +335,9 @@ wmi::Value ReadValue(std::span<const Element> elements, const wmi::Property& pro
     if (isNull) {
         return {};
     }
-    const bool isText = ElementType(property.type) == CIM_STRING; // which fits as it is
+    const bool isText = wmi::ElementType(property.type) == CIM_STRING; // which fits as it is
     wmi::Value value;
-    if (IsArrayType(property.type)) {
+    if (wmi::IsArray(property.type)) {
         value = ReadArray(elements, property, space);
         if (isText) {
             return value;
@@ -386,7 +378,7 @@ wmi::Instance ReadProperties(const wmi::ClassPtr& definition, Element holder, co
         const std::span<const Element> elements = given.Of(i);
         if (!elements.empty()) {
             instance.values[i] = ReadValue(elements, properties[i], space);
-        } else if (arrays == NullArrays::Marked && IsArrayType(properties[i].type)) {
+        } else if (arrays == NullArrays::Marked && wmi::IsArray(properties[i].type)) {
             instance.values[i] = wmi::Value(wmi::Value::Array());
         }
     }

@@ -20,10 +20,10 @@ namespace {
 /// What a provider method tells, or the code of its refusal: one that an adapter cannot tell must not hide
 /// the others.
 template <class Value>
-class Told {
+class ToldOrWhyNot {
   public:
     template <class Read>
-    explicit Told(Read read) : m_told(Tell(read)) {}
+    explicit ToldOrWhyNot(Read read) : m_told(Tell(read)) {}
 
     /// The value's text, or why there is none.
     template <class Words>
@@ -55,7 +55,7 @@ class Told {
     std::variant<Value, Refused> m_told;
 };
 template <class Read>
-Told(Read read) -> Told<decltype(read())>;
+ToldOrWhyNot(Read read) -> ToldOrWhyNot<decltype(read())>;
 
 class ShowAdapter final : public AdapterCommand {
     using WarningBits = quillet::Flags<quillet::ProviderBit>;
@@ -71,9 +71,9 @@ class ShowAdapter final : public AdapterCommand {
             state = session.ReadState(adapter.id);
             hardware = session.ReadHardware(adapter.id);
         });
-        const Told ndis([&] { return session.ReadNdisVersion(adapter.id); });
-        const Told hba([&] { return session.HbaPath(adapter.id); });
-        const Told warnings([&] { return session.Warnings(adapter.id); });
+        const ToldOrWhyNot ndis([&] { return session.ReadNdisVersion(adapter.id); });
+        const ToldOrWhyNot hba([&] { return session.HbaPath(adapter.id); });
+        const ToldOrWhyNot warnings([&] { return session.Warnings(adapter.id); });
 
         const auto version = [](const quillet::NdisVersion& told) {
             return std::to_string(told.major) + '.' + std::to_string(told.minor);

@@ -14,7 +14,7 @@ namespace quilletctl {
 namespace {
 
 /// Outlives the question where nobody answers.
-struct Answer {
+struct Reply {
     std::mutex mutex;
     std::condition_variable given;
     std::optional<std::string> line;
@@ -28,7 +28,7 @@ bool IsConfirmed(Invocation& run, std::chrono::seconds patience) {
     run.Out().flush();
     run.Screen().err << "quilletctl: keep these changes? They are taken back in " << patience.count()
                      << (patience.count() == 1 ? " second" : " seconds") << " [y/N] " << std::flush;
-    const auto answer = std::make_shared<Answer>();
+    const auto answer = std::make_shared<Reply>();
     std::istream& in = run.Screen().in != nullptr ? *run.Screen().in : std::cin;
     std::thread([answer, &in] {
         std::string line;

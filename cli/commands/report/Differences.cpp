@@ -15,7 +15,7 @@ using quillet::Setting;
 using quillet::TextListValue;
 
 /// The setting as it was delivered.
-Setting WithDefault(Setting setting) {
+Setting AtDefault(Setting setting) {
     std::visit(
         [](auto& value) {
             if constexpr (std::is_same_v<std::decay_t<decltype(value)>, TextListValue>) {
@@ -30,7 +30,7 @@ Setting WithDefault(Setting setting) {
 }
 
 /// The current value, in words where the provider has some.
-std::string ValueText(const Setting& setting) {
+std::string ReportedValue(const Setting& setting) {
     const std::wstring current = quillet::CurrentText(setting);
     // A page goes through many hands.
     if (!quillet::CurrentNumber(setting) && !current.empty() &&
@@ -50,12 +50,12 @@ std::string ValueText(const Setting& setting) {
 void Add(std::vector<Difference>& differences, const std::string& owner,
          const std::vector<Setting>& settings) {
     for (const Setting& setting : settings) {
-        const Setting standard = WithDefault(setting);
+        const Setting standard = AtDefault(setting);
         // What nobody can change was delivered so, whatever its default says.
         if (setting.writable && quillet::CurrentText(setting) != quillet::CurrentText(standard)) {
             differences.push_back(
                 {owner, ToUtf8(setting.description.empty() ? setting.keyword : setting.description),
-                 ValueText(setting), ValueText(standard)});
+                 ReportedValue(setting), ReportedValue(standard)});
         }
     }
 }

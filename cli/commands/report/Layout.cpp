@@ -18,7 +18,7 @@ constexpr int kMargin = 10;
 constexpr int kSlotWidth = 310;
 constexpr int kSlotHead = 28;
 constexpr int kPortHeight = 46;
-constexpr int kGap = 10;
+constexpr int kBoxGap = 10;
 constexpr int kSlotGap = 18;
 constexpr int kTeamX = 440;
 constexpr int kTeamWidth = 210;
@@ -121,8 +121,8 @@ class Placing {
         for (SlotBox& slot : m_layout.slots) {
             slot.box = {kMargin, y, kSlotWidth, kSlotHead};
             for (PortBox& port : slot.ports) {
-                port.box = {kMargin + kGap, slot.box.Bottom(), kSlotWidth - 2 * kGap, kPortHeight};
-                slot.box.height += kPortHeight + kGap;
+                port.box = {kMargin + kBoxGap, slot.box.Bottom(), kSlotWidth - 2 * kBoxGap, kPortHeight};
+                slot.box.height += kPortHeight + kBoxGap;
             }
             y = slot.box.Bottom() + kSlotGap;
         }

@@ -80,7 +80,7 @@ void ReadDetails(Reader& reader, AdapterFacts& adapter) {
     adapter.tests = reader.Ask("the diagnostic tests" + of, [&] { return ReadTests(session, id); });
 }
 
-TeamFacts ReadTeam(Reader& reader, const quillet::Team& listed, Detail detail) {
+TeamFacts ReadTeamFacts(Reader& reader, const quillet::Team& listed, Detail detail) {
     quillet::Session& session = reader.Session();
     const quillet::TeamId& id = listed.id;
     const std::string of = " of the team " + ToUtf8(listed.name);
@@ -127,7 +127,7 @@ MachineFacts ReadMachineFacts(quillet::Session& session, const std::string& mach
     const auto teams = reader.Ask("the teams", [&] { return session.Teams(); });
     facts.teams.failure = teams.failure;
     for (const quillet::Team& team : teams.value) {
-        facts.teams.value.push_back(ReadTeam(reader, team, detail));
+        facts.teams.value.push_back(ReadTeamFacts(reader, team, detail));
     }
     if (detail == Detail::All) {
         facts.iscsi = reader.Ask("the places in iSCSI boot", [&] { return session.IscsiAdapters(); });

@@ -9,7 +9,7 @@ namespace quilletctl {
 
 namespace {
 
-constexpr std::size_t kLongest = 400;
+constexpr std::size_t kLongestText = 400;
 /// Of the widest usual font, in hundredths of its size.
 constexpr int kNarrow = 40;
 constexpr int kUsual = 64;
@@ -31,7 +31,7 @@ int WidthOfAscii(char32_t character) {
     return isWide ? kWide : kUsual;
 }
 
-int WidthOf(char32_t character) {
+int GlyphWidth(char32_t character) {
     constexpr char32_t kLatinEnd = 0x250;
     if (character < 0x80) {
         return WidthOfAscii(character);
@@ -39,10 +39,10 @@ int WidthOf(char32_t character) {
     return character < kLatinEnd ? kWide : kWidest;
 }
 
-int WidthOf(std::u32string_view characters) {
+int GlyphWidth(std::u32string_view characters) {
     int width = 0;
     for (const char32_t character : characters) {
-        width += WidthOf(character);
+        width += GlyphWidth(character);
     }
     return width;
 }
@@ -51,7 +51,7 @@ int WidthOf(std::u32string_view characters) {
 
 std::string Escaped(std::string_view utf8) {
     std::string escaped;
-    for (const char each : Shortened(Printable(utf8), kLongest)) {
+    for (const char each : Shortened(Printable(utf8), kLongestText)) {
         switch (each) {
         case '&':
             escaped += "&amp;";
@@ -82,11 +82,11 @@ std::string Escaped(std::string_view utf8) {
 }
 
 int EstimatedWidth(std::string_view utf8) {
-    return WidthOf(Characters(utf8));
+    return GlyphWidth(Characters(utf8));
 }
 
 std::string ShortenedTo(std::string_view utf8, int width) {
-    const std::string text = Shortened(Printable(utf8), kLongest);
+    const std::string text = Shortened(Printable(utf8), kLongestText);
     // Columns of a terminal are a measure, too: fewer and fewer of them until it fits.
     std::string shortened = text;
     for (std::size_t columns = DisplayWidth(text); EstimatedWidth(shortened) > width && columns > 0;

@@ -131,7 +131,7 @@ std::string Notices(const MachineFacts& facts) {
                      "changes it says so.");
 }
 
-std::string Adapters(const MachineFacts& facts) {
+std::string AdapterTable(const MachineFacts& facts) {
     HtmlTable table({{"Adapter", 26},
                      {"Slot and port", 15},
                      {"State", 12},
@@ -278,8 +278,9 @@ std::string PageOf(const MachineFacts& facts, const std::string& made) {
            Heading("Connections") +
            "<div class=\"drawing\" tabindex=\"0\" role=\"region\" aria-label=\"Drawing of the "
            "connections\">\n" +
-           DrawMachine(facts) + "</div>\n" + Adapters(facts) + Teams(facts) + Vlans(facts) + Settings(facts) +
-           BootAgents(facts) + Diagnostics(facts) + Untold(facts) + "</main>\n</body>\n</html>\n";
+           DrawMachine(facts) + "</div>\n" + AdapterTable(facts) + Teams(facts) + Vlans(facts) +
+           Settings(facts) + BootAgents(facts) + Diagnostics(facts) + Untold(facts) +
+           "</main>\n</body>\n</html>\n";
 }
 
 } // namespace quilletctl

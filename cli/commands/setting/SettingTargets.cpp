@@ -14,7 +14,7 @@ namespace quilletctl {
 
 namespace {
 
-using Outcome = Target::Outcome;
+using TargetOutcome = Target::Outcome;
 
 /// The settings of an owner after the change, read once for all that were written.
 class Afterwards {
@@ -116,7 +116,7 @@ void SettingTargets::AddOne(const SettingOwner& owner, const std::vector<quillet
     if (setting == nullptr) {
         target.text = "has no " + caption + ", left alone";
     } else if (!setting->writable) {
-        target.outcome = Outcome::ReadOnly;
+        target.outcome = TargetOutcome::ReadOnly;
         target.text = caption + " is read only, left alone";
     } else if (const auto changed =
                    assignment.value ? WithValue(*setting, *assignment.value) : WithDefault(*setting)) {
@@ -135,7 +135,7 @@ void SettingTargets::Want(Wanted& wanted, const quillet::Setting& setting, const
     const std::string what = "set " + wanted.caption + " of " + wanted.owner.called + " to ";
     const bool differs = changed.value != setting.value;
     Target& target = wanted.target;
-    target.outcome = differs ? Outcome::Changed : Outcome::Unchanged;
+    target.outcome = differs ? TargetOutcome::Changed : TargetOutcome::Unchanged;
     target.text = differs ? "set to " + text : "is " + text + " already";
     target.possible = PossibleText(setting);
     target.asked = what + value;
@@ -148,8 +148,9 @@ void SettingTargets::Want(Wanted& wanted, const quillet::Setting& setting, const
 }
 
 void SettingTargets::Check(Wanted& wanted) {
-    const std::optional<std::int32_t> value =
-        wanted.target.outcome == Outcome::Changed ? quillet::CurrentNumber(*wanted.setting) : std::nullopt;
+    const std::optional<std::int32_t> value = wanted.target.outcome == TargetOutcome::Changed
+                                                  ? quillet::CurrentNumber(*wanted.setting)
+                                                  : std::nullopt;
     if (!value) {
         return;
     }
@@ -176,7 +177,7 @@ void SettingTargets::Check(Wanted& wanted) {
 
 std::string SettingTargets::Caption() const {
     const auto known = std::find_if(m_wanted.begin(), m_wanted.end(), [](const Wanted& each) {
-        return each.target.outcome != Outcome::Missing;
+        return each.target.outcome != TargetOutcome::Missing;
     });
     return known == m_wanted.end() ? std::string() : known->caption;
 }
@@ -186,7 +187,7 @@ std::vector<Watched> SettingTargets::WatchedOnes() const {
     const std::string* last = nullptr;
     for (const Wanted& wanted : m_wanted) {
         const SettingOwner& owner = wanted.owner;
-        if (wanted.target.outcome != Outcome::Changed || (last != nullptr && *last == owner.path)) {
+        if (wanted.target.outcome != TargetOutcome::Changed || (last != nullptr && *last == owner.path)) {
             continue;
         }
         last = &owner.path;

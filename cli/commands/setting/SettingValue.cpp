@@ -22,7 +22,7 @@ std::string Trimmed(const std::string& text) {
 }
 
 /// The pieces between separators; one that is empty counts.
-std::vector<std::string> Pieces(const std::string& text, char separator) {
+std::vector<std::string> Parts(const std::string& text, char separator) {
     std::vector<std::string> pieces;
     std::size_t begin = 0;
     for (std::size_t end = 0; end != std::string::npos; begin = end + 1) {
@@ -81,7 +81,7 @@ struct Taker {
     void operator()(quillet::ChoiceValue& value) const { value.current = Chosen(value.choices, text); }
     void operator()(quillet::SelectionValue& value) const {
         value.current = 0;
-        for (const std::string& piece : Pieces(text, '+')) {
+        for (const std::string& piece : Parts(text, '+')) {
             value.current |= Chosen(value.choices, Trimmed(piece));
         }
     }
@@ -91,7 +91,7 @@ struct Taker {
     }
     void operator()(quillet::TextListValue& value) const {
         value.current.clear();
-        for (const std::string& piece : Pieces(text, ',')) {
+        for (const std::string& piece : Parts(text, ',')) {
             value.current.push_back(ToWide(piece));
         }
     }
@@ -142,7 +142,7 @@ struct DefaultTaker {
     }
     bool operator()(quillet::TextListValue& value) const {
         value.current.clear();
-        for (const std::string& piece : Pieces(ToUtf8(value.standard), ',')) {
+        for (const std::string& piece : Parts(ToUtf8(value.standard), ',')) {
             value.current.push_back(ToWide(piece));
         }
         if (value.standard.empty()) {

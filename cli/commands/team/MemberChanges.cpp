@@ -18,10 +18,10 @@ namespace quilletctl {
 
 namespace {
 
-using Members = std::vector<quillet::TeamMember>;
-using Adapters = std::vector<ListedAdapter>;
+using MemberList = std::vector<quillet::TeamMember>;
+using AdapterList = std::vector<ListedAdapter>;
 
-bool Contains(const Members& members, const quillet::AdapterId& id) {
+bool Contains(const MemberList& members, const quillet::AdapterId& id) {
     return std::any_of(members.begin(), members.end(), [&](const auto& each) { return each.id == id; });
 }
 
@@ -38,11 +38,11 @@ class ChangeMembers : public Command {
     ExitStatus Run(Invocation& run) final {
         quillet::Session& session = run.Session();
         const quillet::Team team = FindTeam(session, m_team);
-        const Members current = MembersOf(session, team);
-        const Adapters named = FindAdapters(
+        const MemberList current = MembersOf(session, team);
+        const AdapterList named = FindAdapters(
             session, m_adapters, [&](const ListedAdapter& each) { return Offers(current, each.id); });
         TeamProblems problems;
-        const Adapters changing = Changing(session, team, current, named, problems);
+        const AdapterList changing = Changing(session, team, current, named, problems);
         if (problems.Any()) {
             return problems.Report(run);
         }
@@ -64,24 +64,25 @@ class ChangeMembers : public Command {
 
   private:
     /// The named adapters that there is something to do with.
-    virtual Adapters Changing(quillet::Session& session, const quillet::Team& team, const Members& current,
-                              const Adapters& named, TeamProblems& problems) const = 0;
+    virtual AdapterList Changing(quillet::Session& session, const quillet::Team& team,
+                                 const MemberList& current, const AdapterList& named,
+                                 TeamProblems& problems) const = 0;
     /// Whether a pattern can choose an adapter.
-    virtual bool Offers(const Members&, const quillet::AdapterId&) const { return true; }
+    virtual bool Offers(const MemberList&, const quillet::AdapterId&) const { return true; }
     /// Whether the person agrees, where that is asked.
-    virtual bool MayChange(Invocation&, const quillet::Team&, const Adapters&) const { return true; }
+    virtual bool MayChange(Invocation&, const quillet::Team&, const AdapterList&) const { return true; }
     /// What is done with an adapter; completes "could not …".
     virtual std::string Asked(const quillet::Team& team, const ListedAdapter& adapter) const = 0;
     virtual void Change(quillet::Session& session, const quillet::Team& team,
                         const ListedAdapter& adapter) const = 0;
     /// The members that there are to be when these adapters were changed.
-    virtual std::vector<quillet::AdapterId> MembersAfter(const Members& before,
+    virtual std::vector<quillet::AdapterId> MembersAfter(const MemberList& before,
                                                          std::vector<quillet::AdapterId> changed) const = 0;
     /// What became of an adapter that was not changed: "not added".
     virtual const char* NotChanged() const = 0;
 
-    ExitStatus Answer(Invocation& run, const quillet::Team& team, const Adapters& changing,
-                      const ChangesInTurn& changes, const Members& before) const {
+    ExitStatus Answer(Invocation& run, const quillet::Team& team, const AdapterList& changing,
+                      const ChangesInTurn& changes, const MemberList& before) const {
         Json done = Json::array();
         Json notDone = Json::array();
         std::vector<quillet::AdapterId> changed;
@@ -112,11 +113,11 @@ class ChangeMembers : public Command {
     WaitOption m_wait;
 };
 
-class AddMembers final : public ChangeMembers {
-    Adapters Changing(quillet::Session& session, const quillet::Team& team, const Members& current,
-                      const Adapters& named, TeamProblems& problems) const override {
+class AddToTeam final : public ChangeMembers {
+    AdapterList Changing(quillet::Session& session, const quillet::Team& team, const MemberList& current,
+                         const AdapterList& named, TeamProblems& problems) const override {
         // A member that is there already is no problem; the rest is for the provider to judge.
-        Adapters added = named;
+        AdapterList added = named;
         std::erase_if(added, [&](const ListedAdapter& each) { return Contains(current, each.id); });
         if (!added.empty()) {
             problems.Add(Attempt("check the adapters", [&] {
@@ -132,7 +133,7 @@ class AddMembers final : public ChangeMembers {
                 const ListedAdapter& adapter) const override {
         session.AddMember(team.id, adapter.id);
     }
-    std::vector<quillet::AdapterId> MembersAfter(const Members& before,
+    std::vector<quillet::AdapterId> MembersAfter(const MemberList& before,
                                                  std::vector<quillet::AdapterId> changed) const override {
         for (const quillet::TeamMember& member : before) {
             changed.push_back(member.id);
@@ -143,8 +144,8 @@ class AddMembers final : public ChangeMembers {
 };
 
 class RemoveMembers final : public ChangeMembers {
-    Adapters Changing(quillet::Session&, const quillet::Team& team, const Members& current,
-                      const Adapters& named, TeamProblems&) const override {
+    AdapterList Changing(quillet::Session&, const quillet::Team& team, const MemberList& current,
+                         const AdapterList& named, TeamProblems&) const override {
         for (const ListedAdapter& adapter : named) {
             if (!Contains(current, adapter.id)) {
                 throw UsageError(adapter.Called() + " is no member of " + Called(team));
@@ -152,10 +153,10 @@ class RemoveMembers final : public ChangeMembers {
         }
         return named;
     }
-    bool Offers(const Members& current, const quillet::AdapterId& id) const override {
+    bool Offers(const MemberList& current, const quillet::AdapterId& id) const override {
         return Contains(current, id);
     }
-    bool MayChange(Invocation& run, const quillet::Team& team, const Adapters& removed) const override {
+    bool MayChange(Invocation& run, const quillet::Team& team, const AdapterList& removed) const override {
         return run.ConfirmChange("Take " + std::to_string(removed.size()) +
                                  (removed.size() == 1 ? " adapter" : " adapters") + " out of " +
                                  Called(team) + "?");
@@ -167,7 +168,7 @@ class RemoveMembers final : public ChangeMembers {
                 const ListedAdapter& adapter) const override {
         session.RemoveMember(team.id, adapter.id);
     }
-    std::vector<quillet::AdapterId> MembersAfter(const Members& before,
+    std::vector<quillet::AdapterId> MembersAfter(const MemberList& before,
                                                  std::vector<quillet::AdapterId> changed) const override {
         std::vector<quillet::AdapterId> after;
         for (const quillet::TeamMember& member : before) {
@@ -183,7 +184,7 @@ class RemoveMembers final : public ChangeMembers {
 } // namespace
 
 void AddMemberChanges(CommandTree::Noun& team) {
-    team.Verb("add", "Add adapters to a team", std::make_unique<AddMembers>())
+    team.Verb("add", "Add adapters to a team", std::make_unique<AddToTeam>())
         .Verb("remove", "Take adapters out of a team", std::make_unique<RemoveMembers>());
 }
 

@@ -31,7 +31,7 @@ HRESULT Done(MethodCall& call) {
 }
 
 /// Every value of `from` that `to` has a place for and that is given.
-void TakeOver(const Instance& from, Instance& to) {
+void TakeOverFields(const Instance& from, Instance& to) {
     for (std::size_t index = 0; index < from.definition->properties.size(); ++index) {
         if (!from.values[index].IsNull()) {
             to.Set(from.definition->properties[index].name, from.values[index]);
@@ -59,7 +59,7 @@ HRESULT Change(MethodCall& call, Adjust adjust) {
         return allowed;
     }
     Instance changed(*configuration);
-    TakeOver(call.in, changed);
+    TakeOverFields(call.in, changed);
     adjust(changed);
     const HRESULT stored =
         call.request.Target().Store().PutInstance(std::move(changed), WriteMode::UpdateOnly);

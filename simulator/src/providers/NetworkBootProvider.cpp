@@ -16,7 +16,7 @@ constexpr const wchar_t* kAgentClass = L"Zorel_BootAgent";
 constexpr const wchar_t* kListClass = L"Zorel_BootAgent_iSCSI_Adapters";
 
 /// The follow-up of a change that counts from the next start on.
-constexpr LONG kRestart = 1;
+constexpr LONG kRestartAdapter = 1;
 
 /// Values of "iSCSI_Status".
 enum Place { Disabled = 0, Primary = 1, Secondary = 2 };
@@ -182,7 +182,7 @@ class NetworkBootProvider final : public ClassProvider {
             FAILED(stored)) {
             return stored;
         }
-        call.request.RequireFollowup(kRestart);
+        call.request.RequireFollowup(kRestartAdapter);
         return Finish(call, FlashCode::Good);
     }
 
@@ -260,7 +260,7 @@ class NetworkBootProvider final : public ClassProvider {
             }
         }
         Put(store, port, place);
-        call.request.RequireFollowup(kRestart);
+        call.request.RequireFollowup(kRestartAdapter);
         return Answer(call, PlaceCode::Done);
     }
 };

@@ -54,14 +54,14 @@ std::string SettingsOf(const std::string& vlanId, bool isTagged) {
               CurrentValues = {"01-00-5E-00-00-01", "01-00-5E-00-00-FB"}; DefaultValue = ""; MaxLength = 17; };)";
 }
 
-HRESULT Delete(Repository& store, const Instance& instance) {
+HRESULT DeletePart(Repository& store, const Instance& instance) {
     const auto path = ObjectPath::Parse(RelativePath(instance));
     return path ? store.DeleteInstance(*path) : HRESULT(WBEM_E_INVALID_OBJECT_PATH);
 }
 
 void RemoveSettings(Repository& store, const std::wstring& vlanId) {
     for (const auto& setting : InstancesWhere(store, L"Zorel_VLANSetting", L"ParentId", vlanId)) {
-        Delete(store, *setting);
+        DeletePart(store, *setting);
     }
 }
 
@@ -124,7 +124,7 @@ HRESULT AddVlan(Repository& store, const std::wstring& parentId, std::int64_t nu
 
 HRESULT RemoveVlan(Repository& store, const Instance& vlan) {
     RemoveSettings(store, vlan.Text(L"Name"));
-    return Delete(store, vlan);
+    return DeletePart(store, vlan);
 }
 
 void RemoveVlansOf(Repository& store, const std::wstring& parentId) {

@@ -10,7 +10,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 /// A package that holds a test and a package of its own, and a test without any result.
-constexpr const char* kMachine = R"(
+constexpr const char* kDiagnosticResultsMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_DiagTest { Name = "All"; TestId = 7; };
     instance of Zorel_DiagTest { Name = "Link \"2\""; TestId = 4; };
@@ -31,12 +31,12 @@ constexpr const char* kMachine = R"(
         TestResultsAttr = {2}; };
     instance of Zorel_DiagResult { Name = "{7}"; DiagnosticName = "Link \"2\""; Title = "second"; };)";
 
-constexpr const char* kMissing = "((pIWbemService == NULL) || (pIWbemContext == NULL))";
+constexpr const char* kDiagnosticResultsMissing = "((pIWbemService == NULL) || (pIWbemContext == NULL))";
 constexpr const char* kQueryFailed = "ASSOC RESULTCLASS = L_CLASS_ZOREL_DIAGRESULT";
 
 class DiagnosticResultsTest : public ProviderTest {
   protected:
-    DiagnosticResultsTest() : ProviderTest(kMachine) {}
+    DiagnosticResultsTest() : ProviderTest(kDiagnosticResultsMachine) {}
     void SetUp() override { Connect(); }
 
     /// Changes a property of a result in the machine.
@@ -435,10 +435,10 @@ TEST_F(DiagnosticResultsTest, EmptyIdentifierAndNoConnection_AreRefused) {
     quillet.UninitQuillet();
     Traced();
     EXPECT_EQ(Code(quillet.GetDiagnosticsResult(kAll, result)), "0x80041001");
-    EXPECT_THAT(Traced(), Contains(kMissing));
+    EXPECT_THAT(Traced(), Contains(kDiagnosticResultsMissing));
     result.m_sUniqueID = L"any";
     EXPECT_EQ(Code(quillet.GetDiagnosticsPackageResults(kAll, result)), "0x80041001");
-    EXPECT_THAT(Traced(), Contains(kMissing));
+    EXPECT_THAT(Traced(), Contains(kDiagnosticResultsMissing));
 }
 
 } // namespace

@@ -14,7 +14,7 @@ constexpr const char* kLongDisconnected =
     "SetPropertyAsLong -> ((pIWbemService == NULL) || (pIWbemContext == NULL))";
 constexpr const char* kTextDisconnected =
     "SetPropertyAsString -> ((pIWbemService == NULL) || (pIWbemContext == NULL))";
-constexpr const char* kPath =
+constexpr const char* kPropertySettersPath =
     R"(\\TESTHOST\ROOT\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID="{64D1BF82-B507-5E42-AED2-547CA8AAC36A}")";
 
 class PropertySettersTest : public ProviderTest {
@@ -49,11 +49,11 @@ class PropertySettersTest : public ProviderTest {
         return value ? *value : quillet::simulator::Value();
     }
     static std::string PutLine(const char* arguments, const char* result = "0x00000000") {
-        return std::string("PutInstance ") + kPath + "(" + arguments + "), flags 0x20010 -> " + result +
-               " {ClientSetId=1}";
+        return std::string("PutInstance ") + kPropertySettersPath + "(" + arguments + "), flags 0x20010 -> " +
+               result + " {ClientSetId=1}";
     }
     static std::string StatusLine(const char* result = "0x00000000", const char* note = "") {
-        return std::string("GetCallStatus ") + kPath + " -> " + result + note;
+        return std::string("GetCallStatus ") + kPropertySettersPath + " -> " + result + note;
     }
 
     CComPtr<IWbemClassObject> m_adapter;
@@ -125,15 +125,15 @@ TEST_F(PropertySettersTest, SetPropertyAsMultiString_NoTexts_WritesAnEmptyArray)
 }
 
 /// Runs each setter and yields what it returned and traced.
-struct Outcome {
+struct WriteOutcome {
     std::string code;
     std::vector<std::string> trace;
 };
 
 class EachSetterTest : public PropertySettersTest {
   protected:
-    std::vector<Outcome> EachSetter(IWbemClassObject* instance) {
-        std::vector<Outcome> outcomes;
+    std::vector<WriteOutcome> EachSetter(IWbemClassObject* instance) {
+        std::vector<WriteOutcome> outcomes;
         const auto add = [this, &outcomes](HRESULT result) { outcomes.push_back({Code(result), Traced()}); };
         add(Access::SetPropertyAsLong(quillet, instance, L"PHYDevice", 1));
         add(Access::SetPropertyAsInt(quillet, instance, L"PHYDevice", 1));
@@ -156,7 +156,7 @@ class EachSetterTest : public PropertySettersTest {
 TEST_F(EachSetterTest, Setters_NotConnected_FailAndSendNothing) {
     quillet.UninitQuillet();
     Traced();
-    const std::vector<Outcome> outcomes = EachSetter(m_adapter);
+    const std::vector<WriteOutcome> outcomes = EachSetter(m_adapter);
     for (std::size_t index = 0; index < outcomes.size(); ++index) {
         SCOPED_TRACE(index);
         EXPECT_EQ(outcomes[index].code, "0x80041001");
@@ -170,15 +170,15 @@ TEST_F(EachSetterTest, Setters_NotConnected_FailAndSendNothing) {
 
 TEST_F(EachSetterTest, Setters_NoContext_Fail) {
     Access::RevokeWbemContext(quillet);
-    const std::vector<Outcome> outcomes = EachSetter(m_adapter);
-    for (const Outcome& outcome : outcomes) {
+    const std::vector<WriteOutcome> outcomes = EachSetter(m_adapter);
+    for (const WriteOutcome& outcome : outcomes) {
         EXPECT_EQ(outcome.code, "0x80041001");
     }
     EXPECT_THAT(Called(), IsEmpty());
 }
 
 TEST_F(EachSetterTest, Setters_NoInstance_FailAndSendNothing) {
-    for (const Outcome& outcome : EachSetter(nullptr)) {
+    for (const WriteOutcome& outcome : EachSetter(nullptr)) {
         EXPECT_EQ(outcome.code, "0x80004005");
         EXPECT_THAT(outcome.trace,
                     ElementsAre("dwErrorCode: %l", "SetPropertyAsString -> pInstance == NULL"));
@@ -188,7 +188,7 @@ TEST_F(EachSetterTest, Setters_NoInstance_FailAndSendNothing) {
 
 TEST_F(EachSetterTest, Setters_PutFails_ReturnItsCodeAndSendNothing) {
     Always(Operation::Put, Effect::Fail, WBEM_E_TYPE_MISMATCH);
-    for (const Outcome& outcome : EachSetter(m_adapter)) {
+    for (const WriteOutcome& outcome : EachSetter(m_adapter)) {
         EXPECT_EQ(outcome.code, "0x80041005");
         EXPECT_THAT(outcome.trace,
                     ElementsAre("dwErrorCode: %l", "SetPropertyAsString -> pInstance->Put, rbstrName"));
@@ -198,7 +198,7 @@ TEST_F(EachSetterTest, Setters_PutFails_ReturnItsCodeAndSendNothing) {
 
 TEST_F(EachSetterTest, Setters_PutInstanceFails_ReturnItsCodeAndDoNotWait) {
     Always(Operation::PutInstance, Effect::Fail, WBEM_E_ACCESS_DENIED);
-    for (const Outcome& outcome : EachSetter(m_adapter)) {
+    for (const WriteOutcome& outcome : EachSetter(m_adapter)) {
         EXPECT_EQ(outcome.code, "0x80041003");
         EXPECT_THAT(outcome.trace, ElementsAre("dwErrorCode: %l"));
     }
@@ -209,7 +209,7 @@ TEST_F(EachSetterTest, Setters_PutInstanceFails_ReturnItsCodeAndDoNotWait) {
 
 TEST_F(EachSetterTest, Setters_NoCallResult_Fail) {
     Always(Operation::PutInstance, Effect::NullObject);
-    for (const Outcome& outcome : EachSetter(m_adapter)) {
+    for (const WriteOutcome& outcome : EachSetter(m_adapter)) {
         EXPECT_EQ(outcome.code, "0x80041001");
         EXPECT_THAT(outcome.trace, ElementsAre("dwErrorCode: %l", "PutInstance -> pWbemCallResult -> NULL"));
     }
@@ -217,7 +217,7 @@ TEST_F(EachSetterTest, Setters_NoCallResult_Fail) {
 
 TEST_F(EachSetterTest, Setters_CallFailsLate_ReturnItsFinalStatus) {
     Always(Operation::PutInstance, Effect::FailStatus, WBEM_E_READ_ONLY);
-    for (const Outcome& outcome : EachSetter(m_adapter)) {
+    for (const WriteOutcome& outcome : EachSetter(m_adapter)) {
         EXPECT_EQ(outcome.code, Code(WBEM_E_READ_ONLY));
         EXPECT_THAT(outcome.trace, ElementsAre("dwErrorCode: %l"));
     }
@@ -226,14 +226,14 @@ TEST_F(EachSetterTest, Setters_CallFailsLate_ReturnItsFinalStatus) {
 
 TEST_F(EachSetterTest, Setters_StatusCannotBeAsked_ReturnThatCode) {
     Always(Operation::GetCallStatus, Effect::Fail, WBEM_E_TRANSPORT_FAILURE);
-    for (const Outcome& outcome : EachSetter(m_adapter)) {
+    for (const WriteOutcome& outcome : EachSetter(m_adapter)) {
         EXPECT_EQ(outcome.code, Code(WBEM_E_TRANSPORT_FAILURE));
     }
 }
 
 TEST_F(EachSetterTest, Setters_BlanketRefused_FailAndSendNothing) {
     Always(Operation::SetBlanket, Effect::Fail, E_ACCESSDENIED);
-    const std::vector<Outcome> outcomes = EachSetter(m_adapter);
+    const std::vector<WriteOutcome> outcomes = EachSetter(m_adapter);
     for (std::size_t index = 0; index < outcomes.size(); ++index) {
         SCOPED_TRACE(index);
         EXPECT_EQ(outcomes[index].code, "0x80041001");

@@ -7,13 +7,13 @@
 
 namespace {
 
-struct Expected {
+struct ExpectedSetting {
     LONG number;
     const wchar_t* standard;
     const wchar_t* older;
     bool hasOlder;
 };
-constexpr Expected kTable[] = {
+constexpr ExpectedSetting kTable[] = {
     {0, L"*SpeedDuplex", L"SpeedDuplex", true},          {1, L"*FlowControl", L"FlowControl", true},
     {2, L"*JumboPacket", L"MaxFrameSize", true},         {3, L"*RSS", L"RssMode", true},
     {4, L"*TransmitBuffers", L"NumTxDescriptors", true}, {5, L"*ReceiveBuffers", L"NumRxDescriptors", true},
@@ -43,14 +43,14 @@ TEST(AdvancedSettingNamesTest, HasAVirtualDestructorAndOneFlag) {
 // Every system that the tests run on is of the NT platform with major version 6 or higher.
 TEST(AdvancedSettingNamesTest, GetSettingName_WithStandardKeywords_GivesTheStandardisedOne) {
     const CAdvancedSettingNames names(true);
-    for (const Expected& rExpected : kTable) {
+    for (const ExpectedSetting& rExpected : kTable) {
         EXPECT_EQ(names.GetSettingName(SettingName(rExpected.number)), rExpected.standard);
     }
 }
 
 TEST(AdvancedSettingNamesTest, GetSettingName_WithoutStandardKeywords_GivesTheOlderOne) {
     const CAdvancedSettingNames names(false);
-    for (const Expected& rExpected : kTable) {
+    for (const ExpectedSetting& rExpected : kTable) {
         EXPECT_EQ(names.GetSettingName(SettingName(rExpected.number)), rExpected.older);
     }
 }
@@ -71,7 +71,7 @@ TEST(AdvancedSettingNamesTest, GetSettingName_OfANumberThatIsNoSetting_IsNone) {
 TEST(AdvancedSettingNamesTest, IsSettingName_TakesEitherKeywordWhicheverIsUsed) {
     for (const bool bStandard : {false, true}) {
         const CAdvancedSettingNames names(bStandard);
-        for (const Expected& rExpected : kTable) {
+        for (const ExpectedSetting& rExpected : kTable) {
             const auto eName = static_cast<SettingName>(rExpected.number);
             EXPECT_TRUE(names.IsSettingName(eName, rExpected.standard));
             EXPECT_EQ(names.IsSettingName(eName, rExpected.older), rExpected.hasOlder);

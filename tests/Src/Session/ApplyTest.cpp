@@ -10,7 +10,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Access = QuilletTestAccess;
 
-constexpr const char* kClass = "GetObject Zorel_NetService -> 0x00000000";
+constexpr const char* kApplyClass = "GetObject Zorel_NetService -> 0x00000000";
 constexpr ULONGLONG kBefore = 0xABCDEF;
 
 class ApplyTest : public ProviderTest {
@@ -47,7 +47,7 @@ TEST_F(ApplyTest, BeginApply_TakesTheProvidersHandle) {
     EXPECT_EQ(Code(quillet.BeginApply()), "0x00000000");
     EXPECT_THAT(Traced(),
                 ElementsAre("Enter CQuillet::BeginApply", "dwErrorCode: %l", "Exit CQuillet::BeginApply"));
-    EXPECT_THAT(Called(), ElementsAre(kClass, ExecLine("BeginApply()", 0)));
+    EXPECT_THAT(Called(), ElementsAre(kApplyClass, ExecLine("BeginApply()", 0)));
     EXPECT_NE(machine->OpenClientSet(), 0);
     EXPECT_EQ(Access::ClientSetId(quillet), machine->OpenClientSet());
     EXPECT_EQ(ClientSetOfContext(), machine->OpenClientSet());
@@ -59,7 +59,7 @@ TEST_F(ApplyTest, BeginApply_StepsAreInOrder) {
     EXPECT_THAT(
         Called(),
         ElementsAre("SetBlanket IWbemServices(AuthenticationLevel=3, ImpersonationLevel=3) -> 0x00000000",
-                    "SetContextValue ClientSetId(ClientSetId=0) -> 0x00000000", kClass,
+                    "SetContextValue ClientSetId(ClientSetId=0) -> 0x00000000", kApplyClass,
                     "GetMethod Zorel_NetService, BeginApply -> 0x00000000", "Get __PATH -> 0x00000000",
                     ExecLine("BeginApply()", 0), "Get ClientSetHandle -> 0x00000000",
                     "SetContextValue ClientSetId(ClientSetId=1) -> 0x00000000"))
@@ -72,8 +72,8 @@ TEST_F(ApplyTest, BeginApply_Twice_ReplacesTheHandle) {
     EXPECT_EQ(Code(quillet.BeginApply()), "0x00000000");
     EXPECT_NE(Access::ClientSetId(quillet), first);
     EXPECT_EQ(ClientSetOfContext(), Access::ClientSetId(quillet));
-    EXPECT_THAT(Called(),
-                ElementsAre(kClass, ExecLine("BeginApply()", 0), kClass, ExecLine("BeginApply()", 1)));
+    EXPECT_THAT(Called(), ElementsAre(kApplyClass, ExecLine("BeginApply()", 0), kApplyClass,
+                                      ExecLine("BeginApply()", 1)));
 }
 
 TEST_F(ApplyTest, BeginApply_HandleOfAnotherType_LeavesTheSetAsItWas) {
@@ -145,7 +145,7 @@ TEST_F(ApplyTest, ApplyDone_ClosesTheSet) {
     EXPECT_FALSE(followup);
     EXPECT_THAT(Traced(),
                 ElementsAre("Enter CQuillet::ApplyDone", "dwErrorCode: %l", "Exit CQuillet::ApplyDone"));
-    EXPECT_THAT(Called(), ElementsAre(kClass, ExecLine("Apply(ClientSetHandle=1)", 1)));
+    EXPECT_THAT(Called(), ElementsAre(kApplyClass, ExecLine("Apply(ClientSetHandle=1)", 1)));
     EXPECT_EQ(machine->OpenClientSet(), 0);
     EXPECT_EQ(Access::ClientSetId(quillet), 0);
     EXPECT_EQ(ClientSetOfContext(), 0);
@@ -165,7 +165,7 @@ TEST_F(ApplyTest, ApplyDone_StepsAreInOrderAndTheHandleIsALong) {
         lines,
         ElementsAre(
             "SetBlanket IWbemServices(AuthenticationLevel=3, ImpersonationLevel=3) -> 0x00000000",
-            "SetContextValue ClientSetId(ClientSetId=9) -> 0x00000000", kClass,
+            "SetContextValue ClientSetId(ClientSetId=9) -> 0x00000000", kApplyClass,
             "GetMethod Zorel_NetService, Apply -> 0x00000000", "SpawnInstance __PARAMETERS -> 0x00000000",
             "Put ClientSetHandle(ClientSetHandle=9) -> 0x00000000", "Get __PATH -> 0x00000000",
             ExecLine("Apply(ClientSetHandle=9)", 9, "0x00000000", " (client set 9 is not open)"),
@@ -223,7 +223,7 @@ TEST_F(ApplyTest, ApplyDone_HandleCannotBePut_ReturnsThatCode) {
     EXPECT_FALSE(followup);
     EXPECT_THAT(Traced(), ElementsAre("Enter CQuillet::ApplyDone", "dwErrorCode: %l",
                                       "Put -> L_PARAM_NET_CLIENTSETHANDLE", "Exit CQuillet::ApplyDone"));
-    EXPECT_THAT(Called(), ElementsAre(kClass));
+    EXPECT_THAT(Called(), ElementsAre(kApplyClass));
 }
 
 TEST_F(ApplyTest, ApplyDone_FollowupCannotBeRead_KeepsTheSet) {
@@ -303,7 +303,7 @@ TEST_F(WarningsTest, GetWarnings_ReadsTheWholeMask) {
     EXPECT_EQ(warnings, 0xFFFFFFFFFFFFFFFFu);
     EXPECT_THAT(Traced(), ElementsAre("Entering CQuillet::GetWarnings", "dwErrorCode: %l",
                                       "pInstance->Get() passed", "Exit CQuillet::GetWarnings"));
-    EXPECT_THAT(Called(), ElementsAre(kClass, ExecLine("GetKavlorWarnings()", 0)));
+    EXPECT_THAT(Called(), ElementsAre(kApplyClass, ExecLine("GetKavlorWarnings()", 0)));
 }
 
 TEST_F(WarningsTest, GetWarnings_InsideATransaction_CarriesItsSet) {
@@ -311,7 +311,7 @@ TEST_F(WarningsTest, GetWarnings_InsideATransaction_CarriesItsSet) {
     Calls();
     ULONGLONG warnings = 0;
     EXPECT_EQ(Code(quillet.GetWarnings(warnings)), "0x00000000");
-    EXPECT_THAT(Called(), ElementsAre(kClass, ExecLine("GetKavlorWarnings()", 1)));
+    EXPECT_THAT(Called(), ElementsAre(kApplyClass, ExecLine("GetKavlorWarnings()", 1)));
 }
 
 TEST_F(WarningsTest, GetWarnings_ProviderRefuses_SucceedsWithoutTouchingTheMask) {

@@ -9,7 +9,7 @@ using testing::IsEmpty;
 using testing::Not;
 
 // {A} and {C} have the profile for virtual machines, {B} another one, {N} has none at all.
-constexpr const char* kMachine = R"(
+constexpr const char* kPerformanceProfilesMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Name = "A"; OriginalDisplayName = "A"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{B}"; Name = "B"; OriginalDisplayName = "B"; };
@@ -31,7 +31,7 @@ constexpr const char* kFound =
     "ChangeAllAdapterProfilesFromHyperV - found hyper-v profie ... seting it to standard";
 constexpr auto kStandard = static_cast<ePERFORMANCE_PROFILE>(2);
 
-std::wstring Path(const wchar_t* id) {
+std::wstring ProfilePath(const wchar_t* id) {
     return LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID=")" + std::wstring(id) +
            L"\"";
 }
@@ -39,7 +39,7 @@ std::wstring Path(const wchar_t* id) {
 class PerformanceProfilesTest : public ProviderTest {
   protected:
     void SetUp() override {
-        UseText(kMachine);
+        UseText(kPerformanceProfilesMachine);
         Connect();
     }
     LONG CurrentOf(const wchar_t* id) const {
@@ -69,14 +69,14 @@ class PerformanceProfilesTest : public ProviderTest {
     }
     static void Add(CAdapters& list, const wchar_t* id) {
         list.m_vecItems.push_back(new CAdapter);
-        list.m_vecItems.back()->m_wsAdapterID = Path(id);
+        list.m_vecItems.back()->m_wsAdapterID = ProfilePath(id);
     }
     CPerformanceProfiles profiles;
 };
 
 TEST_F(PerformanceProfilesTest, Get_OneRecordForEachValue_CurrentOnlyOnTheCurrentOne) {
     Add(profiles, 9, true); // goes
-    EXPECT_EQ(Code(quillet.GetAdapterProfiles(Path(L"{B}"), profiles)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetAdapterProfiles(ProfilePath(L"{B}"), profiles)), "0x00000000");
     ASSERT_EQ(profiles.m_vecItems.size(), 3u);
     const LONG numbers[] = {1, 2, 5};
     const wchar_t* texts[] = {L"Custom", L"Standard", L"Virtualization"};
@@ -93,7 +93,7 @@ TEST_F(PerformanceProfilesTest, Get_OneRecordForEachValue_CurrentOnlyOnTheCurren
 }
 
 TEST_F(PerformanceProfilesTest, Get_ClosingLine_IsThatOfTheEntry) {
-    quillet.GetAdapterProfiles(Path(L"{B}"), profiles);
+    quillet.GetAdapterProfiles(ProfilePath(L"{B}"), profiles);
     const std::vector<std::string> trace = Traced();
     ASSERT_FALSE(trace.empty());
     EXPECT_EQ(trace.front(), "Entering CQuillet::GetAdapterProfiles");
@@ -114,9 +114,9 @@ TEST_F(PerformanceProfilesTest, Get_BadIdentifiers_AreNamed) {
 }
 
 TEST_F(PerformanceProfilesTest, Get_NoSettingOrARefusal_IsOneCode) {
-    EXPECT_EQ(Code(quillet.GetAdapterProfiles(Path(L"{N}"), profiles)), "0x80041001");
+    EXPECT_EQ(Code(quillet.GetAdapterProfiles(ProfilePath(L"{N}"), profiles)), "0x80041001");
     EXPECT_THAT(Traced(), Contains("GetAdapterProfiles() - error calling GetAdapterSettingAsync()"));
-    FailEachProviderCall([&] { return quillet.GetAdapterProfiles(Path(L"{A}"), profiles); },
+    FailEachProviderCall([&] { return quillet.GetAdapterProfiles(ProfilePath(L"{A}"), profiles); },
                          [](const JournalEntry&, HRESULT) { return static_cast<HRESULT>(WBEM_E_FAILED); });
 }
 
@@ -126,7 +126,7 @@ TEST_F(PerformanceProfilesTest, Get_FewerTextsThanValues_EndsWithTheRecordsSoFar
             CurrentValue = 2; PossibleValues = {"1", "2", "5"}; DescriptionMap = {"Custom", "Standard"}; };)");
     quillet.UninitQuillet();
     Connect();
-    EXPECT_EQ(Code(quillet.GetAdapterProfiles(Path(L"{S}"), profiles)), "0x80004005");
+    EXPECT_EQ(Code(quillet.GetAdapterProfiles(ProfilePath(L"{S}"), profiles)), "0x80004005");
     ASSERT_EQ(profiles.m_vecItems.size(), 2u);
     EXPECT_TRUE(profiles.m_vecItems[1]->m_bIsCurrent);
     EXPECT_THAT(Traced(), Contains("GetAdapterProfiles() - DescriptionMap is shorter than PossibleValues"));

@@ -15,7 +15,7 @@ constexpr unsigned kPool = 6;
 // The pool that teams are made of. E1 and E2 have the setting enabled and the scalable networking pack, D has
 // it disabled, N does not have it, T is another maker's and tells nothing, X is another maker's with the
 // setting.
-constexpr const char* kMachine = R"(
+constexpr const char* kSettingChecksMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter as $E1 {
         DeviceID = "{E1}"; SlotID = "1"; AdapterStatus = 1; Capabilities = {47, 61}; };
@@ -107,7 +107,7 @@ constexpr const char* kNoChange =
 class SettingChecksTest : public ProviderTest {
   protected:
     void SetUp() override {
-        UseText(kMachine);
+        UseText(kSettingChecksMachine);
         Connect();
     }
 

@@ -44,7 +44,7 @@ constexpr const char* kSettings = R"(
     instance of Zorel_AdapterSettingEnum {
         Caption = "*JumboPacket"; ParentId = "{B}"; ParentType = "NIC"; CurrentValue = 1514; DefaultValue = 1514;
         PossibleValues = {"1514"}; DescriptionMap = {"Off"}; };)";
-constexpr const wchar_t* kAdapter =
+constexpr const wchar_t* kSettingReadingAdapter =
     LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
 
 class SettingReadingTest : public ProviderTest {
@@ -72,7 +72,7 @@ class SettingReadingTest : public ProviderTest {
 };
 
 TEST_F(SettingReadingTest, AdapterSettings_ReadsEveryKindInTheProvidersOrder) {
-    EXPECT_EQ(Code(quillet.GetAdapterSettings(kAdapter, settings)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetAdapterSettings(kSettingReadingAdapter, settings)), "0x00000000");
     ASSERT_EQ(settings.m_vecItems.size(), 7u);
 
     const auto& number = At<CSettingInt>(0);
@@ -127,7 +127,7 @@ TEST_F(SettingReadingTest, AdapterSettings_ReadsEveryKindInTheProvidersOrder) {
 }
 
 TEST_F(SettingReadingTest, AdapterSettings_QueryTextAndContext_AreExact) {
-    EXPECT_EQ(Code(quillet.GetAdapterSettings(kAdapter, settings)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetAdapterSettings(kSettingReadingAdapter, settings)), "0x00000000");
     const std::vector<JournalEntry> calls = Calls();
     ASSERT_GE(calls.size(), 2u);
     EXPECT_EQ(calls[0].operation, Operation::ExecQuery);
@@ -139,7 +139,8 @@ TEST_F(SettingReadingTest, AdapterSettings_QueryTextAndContext_AreExact) {
 }
 
 TEST_F(SettingReadingTest, AdapterVmqSettings_AsksForThatSubset) {
-    EXPECT_EQ(Code(quillet.GetAdapterVmqSettings(CLumString(kAdapter), settings)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetAdapterVmqSettings(CLumString(kSettingReadingAdapter), settings)),
+              "0x00000000");
     const std::vector<JournalEntry> calls = Calls();
     ASSERT_FALSE(calls.empty());
     EXPECT_EQ(calls[0].ContextValue(L"Zorel_PartialData")->value, quillet::simulator::Value::Signed(256));
@@ -167,7 +168,7 @@ TEST_F(SettingReadingTest, GenericQuery_EmptyClassOrParent_IsRefusedWithoutACall
 
 TEST_F(SettingReadingTest, GenericQuery_ReaderFailsOnTheThird_KeepsTheFirstTwo) {
     Fail(Operation::Get, WBEM_E_ACCESS_DENIED, L"Caption", 3);
-    EXPECT_EQ(Code(quillet.GetAdapterSettings(kAdapter, settings)), "0x80041003");
+    EXPECT_EQ(Code(quillet.GetAdapterSettings(kSettingReadingAdapter, settings)), "0x80041003");
     EXPECT_EQ(settings.m_vecItems.size(), 2u);
     const std::vector<std::string> trace = Traced();
     EXPECT_THAT(trace, Contains("GetStringSetting"));
@@ -177,7 +178,8 @@ TEST_F(SettingReadingTest, GenericQuery_ReaderFailsOnTheThird_KeepsTheFirstTwo) 
 TEST_F(SettingReadingTest, GenericQuery_ClassOrPathUnreadable_EndsWithThatCode) {
     for (const wchar_t* property : {L"__CLASS", L"__PATH"}) {
         Fail(Operation::Get, WBEM_E_ACCESS_DENIED, property);
-        EXPECT_EQ(Code(quillet.GetAdapterSettings(kAdapter, settings)), "0x80041003") << Narrow(property);
+        EXPECT_EQ(Code(quillet.GetAdapterSettings(kSettingReadingAdapter, settings)), "0x80041003")
+            << Narrow(property);
         EXPECT_TRUE(settings.m_vecItems.empty());
         machine->Rules().Clear();
     }
@@ -185,12 +187,12 @@ TEST_F(SettingReadingTest, GenericQuery_ClassOrPathUnreadable_EndsWithThatCode) 
 
 TEST_F(SettingReadingTest, GenericQuery_Refused_IsTraced) {
     Fail(Operation::ExecQuery, WBEM_E_INVALID_QUERY);
-    EXPECT_EQ(Code(quillet.GetAdapterSettings(kAdapter, settings)), "0x80041017");
+    EXPECT_EQ(Code(quillet.GetAdapterSettings(kSettingReadingAdapter, settings)), "0x80041017");
     EXPECT_THAT(Traced(), Contains("Failed ExecQuery:"));
 }
 
 TEST_F(SettingReadingTest, Owners_EachCallFailing_ReturnsItsCode) {
-    FailEachProviderCall([&] { return quillet.GetAdapterSettings(kAdapter, settings); });
+    FailEachProviderCall([&] { return quillet.GetAdapterSettings(kSettingReadingAdapter, settings); });
 }
 
 TEST_F(SettingReadingTest, Owners_EmptyIdentifier_IsRefusedWithItsOwnText) {
@@ -248,7 +250,7 @@ TEST_F(SettingReadingTest, Owners_OfTheShippedMachine_ReadTheirOwnClass) {
 
 TEST_F(SettingReadingTest, SpeedDuplex_CopiesTheFoundSetting) {
     CSettingEnum setting;
-    EXPECT_EQ(Code(quillet.GetSpeedDuplexSetting(kAdapter, setting, true)), "0x00000000");
+    EXPECT_EQ(Code(quillet.GetSpeedDuplexSetting(kSettingReadingAdapter, setting, true)), "0x00000000");
     EXPECT_EQ(setting.m_wsCaption, L"*SpeedDuplex");
     EXPECT_EQ(setting.m_lCurrentValue, 4);
     EXPECT_EQ(setting.m_vecPossibleValues.size(), 2u);
@@ -261,7 +263,7 @@ TEST_F(SettingReadingTest, SpeedDuplex_NoSuchSetting_IsNotFoundAndLeavesTheEmpti
     setting.m_bWritable = true;
     setting.m_lCurrentValue = 9;
     setting.m_vecPossibleValues = {L"9"};
-    EXPECT_EQ(Code(quillet.GetSpeedDuplexSetting(kAdapter, setting, false)), "0x80041002");
+    EXPECT_EQ(Code(quillet.GetSpeedDuplexSetting(kSettingReadingAdapter, setting, false)), "0x80041002");
     EXPECT_EQ(setting.m_wsCaption, L"");
     EXPECT_EQ(setting.m_lGroupId, 0);
     EXPECT_FALSE(setting.m_bWritable);
@@ -276,7 +278,7 @@ TEST_F(SettingReadingTest, SpeedDuplex_BadIdentifiersAndFailedQuery_AreNamed) {
     EXPECT_EQ(Code(quillet.GetSpeedDuplexSetting(L"no path", setting, true)), "0x80004005");
     EXPECT_THAT(Traced(), Contains("GetSpeedDuplexSetting() - unable to get the device's guid."));
     Fail(Operation::ExecQuery, WBEM_E_FAILED);
-    EXPECT_EQ(Code(quillet.GetSpeedDuplexSetting(kAdapter, setting, true)), "0x80041001");
+    EXPECT_EQ(Code(quillet.GetSpeedDuplexSetting(kSettingReadingAdapter, setting, true)), "0x80041001");
     EXPECT_THAT(Traced(),
                 Contains("GetSpeedDuplexSetting() - call to GetSettingFromClassOnAdapter() failed."));
 }
@@ -323,8 +325,8 @@ TEST_F(SettingReadingTest, Refresh_NotConnectedOrRefused_IsNamed) {
 
 TEST_F(SettingReadingTest, OnTeamOrAdapter_CollectsTheSettingOfTheListedAdapters) {
     bool onAll = true;
-    EXPECT_EQ(Code(QuilletTestAccess::GetSettingOnTeamOrAdapter(quillet, {kAdapter, L"{B}"}, settings, onAll,
-                                                                SettingName::SpeedDuplex)),
+    EXPECT_EQ(Code(QuilletTestAccess::GetSettingOnTeamOrAdapter(quillet, {kSettingReadingAdapter, L"{B}"},
+                                                                settings, onAll, SettingName::SpeedDuplex)),
               "0x00000000");
     EXPECT_FALSE(onAll); // only one of the two has it
     ASSERT_EQ(settings.m_vecItems.size(), 1u);
@@ -333,8 +335,8 @@ TEST_F(SettingReadingTest, OnTeamOrAdapter_CollectsTheSettingOfTheListedAdapters
     EXPECT_THAT(trace, Contains("Pass count"));
 
     settings.RemoveAll();
-    EXPECT_EQ(Code(QuilletTestAccess::GetSettingOnTeamOrAdapter(quillet, {kAdapter}, settings, onAll,
-                                                                SettingName::SpeedDuplex)),
+    EXPECT_EQ(Code(QuilletTestAccess::GetSettingOnTeamOrAdapter(quillet, {kSettingReadingAdapter}, settings,
+                                                                onAll, SettingName::SpeedDuplex)),
               "0x00000000");
     EXPECT_TRUE(onAll);
 }
@@ -342,8 +344,8 @@ TEST_F(SettingReadingTest, OnTeamOrAdapter_CollectsTheSettingOfTheListedAdapters
 TEST_F(SettingReadingTest, OnTeamOrAdapter_NotConnected_Fails) {
     quillet.UninitQuillet();
     bool onAll = true;
-    EXPECT_EQ(Code(QuilletTestAccess::GetSettingOnTeamOrAdapter(quillet, {kAdapter}, settings, onAll,
-                                                                SettingName::RssMode)),
+    EXPECT_EQ(Code(QuilletTestAccess::GetSettingOnTeamOrAdapter(quillet, {kSettingReadingAdapter}, settings,
+                                                                onAll, SettingName::RssMode)),
               "0x80041001");
     EXPECT_FALSE(onAll);
 }

@@ -10,7 +10,7 @@ using testing::Not;
 using testing::StartsWith;
 
 // {A} and {B} are a team, {E} is alone; {A} has a setting of each kind.
-constexpr const char* kMachine = R"(
+constexpr const char* kSettingWritingMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter as $A { DeviceID = "{A}"; SlotID = "1"; AdapterStatus = 1; };
     instance of Zorel_PhysicalEthernetAdapter as $B { DeviceID = "{B}"; SlotID = "1"; AdapterStatus = 1; };
@@ -66,7 +66,7 @@ std::wstring SettingPath(const wchar_t* kind, const wchar_t* caption) {
 class SettingWritingTest : public ProviderTest {
   protected:
     void SetUp() override {
-        UseText(kMachine);
+        UseText(kSettingWritingMachine);
         Connect();
     }
 
@@ -341,7 +341,7 @@ TEST_F(SettingWritingTest, ValidateOnVlan_Path_IsAskedWithTheParametersInOrder) 
 
 TEST_F(SettingWritingTest, ValidateOnVlan_ObjectId_IsTheVlanOfThatIdOnThisComputer) {
     quillet.UninitQuillet();
-    UseText(kMachine, {});
+    UseText(kSettingWritingMachine, {});
     Connect();
     EXPECT_EQ(Code(quillet.ValidateSetSettingOnVlan(L"{V}", L"*JumboPacket", 9014, warnings)), "0x00000000");
     EXPECT_EQ(warnings, 0x40u);

@@ -20,7 +20,7 @@ MachineSize OneMoreBootAgent(unsigned n) {
 
 constexpr const wchar_t* kFirstTest = LR"(Zorel_DiagTest.Name="Test 1 - Adapter 1")";
 
-const Operation kOperations[] = {
+const Operation kPortCallCountsOperations[] = {
     {"EnumerateDiagnostics", Tests, OfAdapter<&CQuillet::EnumerateDiagnostics, 2>,
      // The tests that are associated with the adapter, not those of its neighbours.
      [](unsigned n) { return Query(n); }},
@@ -59,11 +59,11 @@ const Operation kOperations[] = {
      [](unsigned) { return 2 * kMethod; }},
 };
 
-std::string Name(const testing::TestParamInfo<Operation>& info) {
+std::string PortCaseName(const testing::TestParamInfo<Operation>& info) {
     return info.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Ports, CallCountsTest, testing::ValuesIn(kOperations), Name);
+INSTANTIATE_TEST_SUITE_P(Ports, CallCountsTest, testing::ValuesIn(kPortCallCountsOperations), PortCaseName);
 
 } // namespace
 

@@ -43,7 +43,7 @@ Count MemberAdapters(unsigned members) {
 /// The adapter's capabilities, and the text that the class gives to each of the seven that are team modes.
 constexpr Count kTeamModes{.objects = 1 + 7};
 
-const Operation kOperations[] = {
+const Operation kTeamCallCountsOperations[] = {
     {"EnumerateTeams", Teams, OfMachine<&CQuillet::EnumerateTeams>, kAllTeams},
     {"GetTeamInfo", OneAmongTeams, OfTeam<&CQuillet::GetTeamInfo>, kOneObject},
     {"GetTeamStatus", OneAmongTeams, OfTeam<&CQuillet::GetTeamStatus>,
@@ -188,11 +188,11 @@ const Operation kOperations[] = {
      [](unsigned n) { return kObject + (n + 3) * kObject + Enumeration(n + 3); }},
 };
 
-std::string Name(const testing::TestParamInfo<Operation>& info) {
+std::string TeamCaseName(const testing::TestParamInfo<Operation>& info) {
     return info.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Teams, CallCountsTest, testing::ValuesIn(kOperations), Name);
+INSTANTIATE_TEST_SUITE_P(Teams, CallCountsTest, testing::ValuesIn(kTeamCallCountsOperations), TeamCaseName);
 
 } // namespace
 

@@ -48,7 +48,7 @@ constexpr auto kAllVlans = [](unsigned n) { return Query(n); };
 /// The parent's service, which makes VLANs, by its path; the method; and what it has made.
 constexpr Count kAddition{.objects = 1 + 1 + 1, .methods = 1};
 
-const Operation kOperations[] = {
+const Operation kVlanCallCountsOperations[] = {
     {"EnumerateVLANsOfAdapter", Vlans, OfAdapter<&CQuillet::EnumerateVLANsOfAdapter, kParent>,
      // The parent's object ID is in its path; a VLAN's properties come with it.
      kAllVlans},
@@ -127,7 +127,7 @@ std::string Name(const testing::TestParamInfo<Operation>& info) {
     return info.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Vlans, CallCountsTest, testing::ValuesIn(kOperations), Name);
+INSTANTIATE_TEST_SUITE_P(Vlans, CallCountsTest, testing::ValuesIn(kVlanCallCountsOperations), Name);
 
 } // namespace
 

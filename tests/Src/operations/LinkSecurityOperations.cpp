@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr const char* kMachine = R"(
+constexpr const char* kLinkSecurityMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; };
     instance of Zorel_LinkSecConfiguration {
@@ -24,7 +24,7 @@ constexpr const char* kMachine = R"(
     instance of Zorel_PACFile {
         DeviceID = ""; FileName = "new.pac"; PACFilePassword = "CANARY of the new file CANARY"; PACFileType = 2; };)";
 
-constexpr const wchar_t* kAdapter = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+constexpr const wchar_t* kLinkSecurityAdapter = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
 
 CAdapterAuthTypeInfo Authentication(LONG outer) {
     CAdapterAuthTypeInfo info;
@@ -42,7 +42,8 @@ CAdapterAuthTypeInfo Authentication(LONG outer) {
 /// The outputs tell how long a secret is, and no more.
 OperationCase SetAuthentication(const char* name, LONG outer) {
     return {name, [outer](CQuillet& q, Outputs&) {
-                return q.SetAdapterLinksecStrictPreferredOptions(kAdapter, Authentication(outer), true);
+                return q.SetAdapterLinksecStrictPreferredOptions(kLinkSecurityAdapter, Authentication(outer),
+                                                                 true);
             }};
 }
 
@@ -50,13 +51,13 @@ OperationCase SetAuthentication(const char* name, LONG outer) {
 
 OperationArea LinkSecurityOperations() {
     return {
-        kMachine,
+        kLinkSecurityMachine,
         true,
         {
             {"GetAdapterLinksecManualAuthOptions",
              [](CQuillet& q, Outputs& out) {
                  CAdapterManualAuthInfo info;
-                 const HRESULT result = q.GetAdapterLinksecManualAuthOptions(kAdapter, info);
+                 const HRESULT result = q.GetAdapterLinksecManualAuthOptions(kLinkSecurityAdapter, info);
                  out("txKey", info.m_sTXSAKey.size())("tx1", info.m_nTXAssocNum1)("tx2", info.m_nTXAssocNum2)(
                      "sci", info.m_bIncludeSCIOnTX)("txSci", info.m_sTXSCI)("rxKey", info.m_sRXSAKey.size())(
                      "rx1", info.m_nRXAssocNum1)("rx2", info.m_nRXAssocNum2)("rxSci", info.m_sRXSCI)(
@@ -68,12 +69,12 @@ OperationArea LinkSecurityOperations() {
                  CAdapterManualAuthInfo info;
                  info.m_sTXSAKey = L"CANARY of the outgoing key to set CANARY";
                  info.m_sRXSAKey = L"CANARY of the incoming key to set CANARY";
-                 return q.SetAdapterLinksecManualAuthOptions(kAdapter, info, true);
+                 return q.SetAdapterLinksecManualAuthOptions(kLinkSecurityAdapter, info, true);
              }},
             {"GetAdapterLinksecStrictPreferredOptions",
              [](CQuillet& q, Outputs& out) {
                  CAdapterAuthTypeInfo info;
-                 const HRESULT result = q.GetAdapterLinksecStrictPreferredOptions(kAdapter, info);
+                 const HRESULT result = q.GetAdapterLinksecStrictPreferredOptions(kLinkSecurityAdapter, info);
                  out("outer", info.m_eOuterEAP)("inner", info.m_InnerEAP)("machine", info.m_bMachineCred)(
                      "user", info.m_sUserName)("domain", info.m_sMachineDomainName)(
                      "password", info.m_sPassword.size())("windows", info.m_bUseWindowsCreds)(
@@ -86,7 +87,7 @@ OperationArea LinkSecurityOperations() {
             {"GetAdapterLinksecEapType",
              [](CQuillet& q, Outputs& out) {
                  CAdapterEAPInfo info;
-                 const HRESULT result = q.GetAdapterLinksecEapType(kAdapter, info);
+                 const HRESULT result = q.GetAdapterLinksecEapType(kLinkSecurityAdapter, info);
                  out("outer", info.m_eOuterEAP)("inner", info.m_InnerEAP)("keys", info.m_eKeySecType)(
                      "randomMac", info.m_bRandMACAddress);
                  return result;
@@ -97,14 +98,15 @@ OperationArea LinkSecurityOperations() {
                  info.m_sPACPath = LR"(C:\pac\new.pac)";
                  info.m_sPACFilePassword = L"CANARY of the new file CANARY";
                  info.m_bPACInfoChanged = true;
-                 return q.AdapterImportManualPAC(kAdapter, info, true);
+                 return q.AdapterImportManualPAC(kLinkSecurityAdapter, info, true);
              }},
-            {"DeletePacFile", [](CQuillet& q, Outputs&) { return q.DeletePacFile(kAdapter, L"old.pac"); }},
+            {"DeletePacFile",
+             [](CQuillet& q, Outputs&) { return q.DeletePacFile(kLinkSecurityAdapter, L"old.pac"); }},
             {"GetAdapterPacFileContents",
              [](CQuillet& q, Outputs& out) {
                  CAdapterPacFileInfo info;
                  info.m_sPACFileName = L"old.pac";
-                 const HRESULT result = q.GetAdapterPacFileContents(kAdapter, info);
+                 const HRESULT result = q.GetAdapterPacFileContents(kLinkSecurityAdapter, info);
                  out("type", info.m_lPacType)("info", info.m_sinfo)("aid", info.m_saId)(
                      "aidInfo", info.m_saIdInfo)("iid", info.m_sIId)("expiry", info.m_lExpiryTime);
                  return result;
@@ -114,20 +116,20 @@ OperationArea LinkSecurityOperations() {
                  CAdapterManualPMKInfo info;
                  info.m_sManualPMKKey = L"CANARY of the master key to set CANARY";
                  info.m_bRandMACAddress = true;
-                 return q.SetAdapterManualPMKOptions(kAdapter, info, false, true);
+                 return q.SetAdapterManualPMKOptions(kLinkSecurityAdapter, info, false, true);
              }},
             {"GetAdapterManualPMKOptions",
              [](CQuillet& q, Outputs& out) {
                  CAdapterManualPMKInfo info;
                  bool randomMac = false;
-                 const HRESULT result = q.GetAdapterManualPMKOptions(kAdapter, info, randomMac);
+                 const HRESULT result = q.GetAdapterManualPMKOptions(kLinkSecurityAdapter, info, randomMac);
                  out("key", info.m_sManualPMKKey.size())("randomMac", randomMac);
                  return result;
              }},
             {"GetAdapterSavedCredOptions",
              [](CQuillet& q, Outputs& out) {
                  CAdapterLinksecSavedCredInfo info;
-                 const HRESULT result = q.GetAdapterSavedCredOptions(kAdapter, info);
+                 const HRESULT result = q.GetAdapterSavedCredOptions(kLinkSecurityAdapter, info);
                  out("machine", info.m_bMachineCred)("user", info.m_sUserName)(
                      "password", info.m_sPassword.size())("domain", info.m_sMachineDomainName);
                  return result;
@@ -135,7 +137,7 @@ OperationArea LinkSecurityOperations() {
             {"GetAdapterLinksecSecurityStats",
              [](CQuillet& q, Outputs& out) {
                  std::wstring log;
-                 const HRESULT result = q.GetAdapterLinksecSecurityStats(kAdapter, log);
+                 const HRESULT result = q.GetAdapterLinksecSecurityStats(kLinkSecurityAdapter, log);
                  out("log", log);
                  return result;
              }},

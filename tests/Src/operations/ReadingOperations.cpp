@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr const char* kMachine = R"(
+constexpr const char* kReadingMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; Warnings = 5; };
     instance of Zorel_PhysicalEthernetAdapter as $A {
         DeviceID = "{A}"; Name = "First"; OriginalDisplayName = "First adapter"; SlotID = "Slot 1";
@@ -45,9 +45,9 @@ constexpr const char* kMachine = R"(
         ExposeLevel = 1; Writable = TRUE; Grouped = FALSE; CurrentValue = 1; DefaultValue = 1;
         PossibleValues = {"1"}; DescriptionMap = {"one"}; };)";
 
-constexpr const wchar_t* kAdapter = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
-constexpr const wchar_t* kTeam = LR"(Zorel_TeamOfAdapters.Name="{T}")";
-constexpr const wchar_t* kVlan = LR"(Zorel_VLAN.Name="{V}")";
+constexpr const wchar_t* kReadingAdapter = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+constexpr const wchar_t* kReadingTeam = LR"(Zorel_TeamOfAdapters.Name="{T}")";
+constexpr const wchar_t* kReadingVlan = LR"(Zorel_VLAN.Name="{V}")";
 constexpr const wchar_t* kBootAgent = LR"(Zorel_BootAgent.Name="{A}")";
 constexpr ProviderName kCapabilities{L"L_PROP_ETHERNETADAPTER_CAPABILITIES", L"Capabilities"};
 constexpr ProviderName kTeamingMode{L"L_PROP_TEAMOFADAPTERS_TEAMINGMODE", L"TeamingMode"};
@@ -72,7 +72,7 @@ OperationCase SettingsOf(const char* name, HRESULT (*read)(CQuillet&, CSettings&
 
 OperationArea ReadingOperations() {
     return {
-        kMachine,
+        kReadingMachine,
         false,
         {
             {"BeginApply", [](CQuillet& q, Outputs&) { return q.BeginApply(); }},
@@ -101,50 +101,50 @@ OperationArea ReadingOperations() {
             {"GetAdapterBasicInfo",
              [](CQuillet& q, Outputs& out) {
                  CAdapter a;
-                 const HRESULT result = q.GetAdapterBasicInfo(kAdapter, a);
+                 const HRESULT result = q.GetAdapterBasicInfo(kReadingAdapter, a);
                  out("name", a.m_wsName);
                  return result;
              }},
             {"GetAdapterDynamicInfo",
              [](CQuillet& q, Outputs& out) {
                  CAdapter a;
-                 const HRESULT result = q.GetAdapterDynamicInfo(kAdapter, a);
+                 const HRESULT result = q.GetAdapterDynamicInfo(kReadingAdapter, a);
                  out("record", a.m_pAdapterDynamicInfo != nullptr);
                  return result;
              }},
             {"GetAdapterStatus",
              [](CQuillet& q, Outputs& out) {
                  CAdapter a;
-                 const HRESULT result = q.GetAdapterStatus(kAdapter, a);
+                 const HRESULT result = q.GetAdapterStatus(kReadingAdapter, a);
                  out("record", a.m_pAdapterDynamicInfo != nullptr);
                  return result;
              }},
             {"GetAdapterCapabilities",
              [](CQuillet& q, Outputs& out) {
                  CAdapter a;
-                 const HRESULT result = q.GetAdapterCapabilities(kAdapter, a);
+                 const HRESULT result = q.GetAdapterCapabilities(kReadingAdapter, a);
                  out("record", a.m_pAdapterCapabilities != nullptr);
                  return result;
              }},
             {"GetAdapterPCIInfo",
              [](CQuillet& q, Outputs& out) {
                  CPCIInfo info;
-                 const HRESULT result = q.GetAdapterPCIInfo(kAdapter, info);
+                 const HRESULT result = q.GetAdapterPCIInfo(kReadingAdapter, info);
                  out("controller", info.m_wsControllerID);
                  return result;
              }},
             {"EnumerateOtherPortOfAdapter",
              [](CQuillet& q, Outputs& out) {
                  CAdapterPorts ports;
-                 const HRESULT result = q.EnumerateOtherPortOfAdapter(kAdapter, ports);
+                 const HRESULT result = q.EnumerateOtherPortOfAdapter(kReadingAdapter, ports);
                  out("ports", ports.m_vecItems);
                  return result;
              }},
-            {"IdentifyAdapter", [](CQuillet& q, Outputs&) { return q.IdentifyAdapter(kAdapter, 1); }},
+            {"IdentifyAdapter", [](CQuillet& q, Outputs&) { return q.IdentifyAdapter(kReadingAdapter, 1); }},
             {"GetHbaPath",
              [](CQuillet& q, Outputs& out) {
                  std::wstring path = L"before";
-                 const HRESULT result = q.GetHbaPath(kAdapter, path);
+                 const HRESULT result = q.GetHbaPath(kReadingAdapter, path);
                  out("path", path);
                  return result;
              }},
@@ -152,33 +152,34 @@ OperationArea ReadingOperations() {
              [](CQuillet& q, Outputs& out) {
                  int major = 77;
                  int minor = 77;
-                 const HRESULT result = q.GetNDIS_Version(kAdapter, major, minor);
+                 const HRESULT result = q.GetNDIS_Version(kReadingAdapter, major, minor);
                  out("major", major)("minor", minor);
                  return result;
              }},
             {"GetAdapterWarnings",
              [](CQuillet& q, Outputs& out) {
                  ULONGLONG warnings = 77;
-                 const HRESULT result = q.GetAdapterWarnings(kAdapter, warnings);
+                 const HRESULT result = q.GetAdapterWarnings(kReadingAdapter, warnings);
                  out("warnings", warnings);
                  return result;
              }},
-            SettingsOf("GetAdapterSettings",
-                       [](CQuillet& q, CSettings& all) { return q.GetAdapterSettings(kAdapter, all); }),
+            SettingsOf(
+                "GetAdapterSettings",
+                [](CQuillet& q, CSettings& all) { return q.GetAdapterSettings(kReadingAdapter, all); }),
             SettingsOf("GetAdapterVmqSettings",
                        [](CQuillet& q, CSettings& all) {
-                           return q.GetAdapterVmqSettings(CLumString(kAdapter), all);
+                           return q.GetAdapterVmqSettings(CLumString(kReadingAdapter), all);
                        }),
             SettingsOf("GetTeamSettings",
-                       [](CQuillet& q, CSettings& all) { return q.GetTeamSettings(kTeam, all); }),
+                       [](CQuillet& q, CSettings& all) { return q.GetTeamSettings(kReadingTeam, all); }),
             SettingsOf("GetVlanSettings",
-                       [](CQuillet& q, CSettings& all) { return q.GetVlanSettings(kVlan, all); }),
+                       [](CQuillet& q, CSettings& all) { return q.GetVlanSettings(kReadingVlan, all); }),
             SettingsOf("GetBootAgentSettings",
                        [](CQuillet& q, CSettings& all) { return q.GetBootAgentSettings(kBootAgent, all); }),
             {"GetSpeedDuplexSetting",
              [](CQuillet& q, Outputs& out) {
                  CSettingEnum one;
-                 const HRESULT result = q.GetSpeedDuplexSetting(kAdapter, one, true);
+                 const HRESULT result = q.GetSpeedDuplexSetting(kReadingAdapter, one, true);
                  out("caption", one.m_wsCaption);
                  return result;
              }},
@@ -195,7 +196,7 @@ OperationArea ReadingOperations() {
                  CSettings all;
                  bool onAll = false;
                  const HRESULT result = QuilletTestAccess::GetSettingOnTeamOrAdapter(
-                     q, {kAdapter}, all, onAll, SettingName::SpeedDuplex);
+                     q, {kReadingAdapter}, all, onAll, SettingName::SpeedDuplex);
                  out("settings", all.m_vecItems)("onAll", onAll);
                  return result;
              }},

@@ -31,7 +31,7 @@ std::wstring Adapter(const wchar_t* id) {
     return std::wstring(LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID=")") + id +
            L"\"";
 }
-constexpr const wchar_t* kTeam = LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_TeamOfAdapters.Name="{T}")";
+constexpr const wchar_t* kTeamTeam = LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_TeamOfAdapters.Name="{T}")";
 
 template <class Collection, class Item>
 Collection Listed(std::initializer_list<const wchar_t*> ids) {
@@ -81,7 +81,7 @@ HRESULT InstanceUnreadable(const JournalEntry& failed, HRESULT code) {
 
 /// The team of a list of members, not the members themselves.
 HRESULT TeamOfMembersUnreadable(const JournalEntry& failed, HRESULT code) {
-    return failed.operation == Operation::GetObject && failed.target == kTeam
+    return failed.operation == Operation::GetObject && failed.target == kTeamTeam
                ? static_cast<HRESULT>(WBEM_E_FAILED)
                : code;
 }
@@ -93,7 +93,7 @@ bool GoesOnAlways(const JournalEntry&) {
 /// A member whose own status cannot be read is only not counted.
 bool IsOfAMember(const JournalEntry& failed) {
     return failed.operation == Operation::SetBlanket || failed.operation == Operation::Get ||
-           (failed.operation == Operation::GetObject && failed.target != kTeam);
+           (failed.operation == Operation::GetObject && failed.target != kTeamTeam);
 }
 
 /// An adapter whose memberships cannot be asked for is a phantom, and the others go on.
@@ -131,7 +131,7 @@ OperationArea TeamOperations() {
             {"GetTeamInfo",
              [](CQuillet& q, Outputs& out) {
                  CTeam team;
-                 const HRESULT result = q.GetTeamInfo(kTeam, team);
+                 const HRESULT result = q.GetTeamInfo(kTeamTeam, team);
                  Tell(out, team);
                  return result;
              },
@@ -139,7 +139,7 @@ OperationArea TeamOperations() {
             {"GetTeamStatus",
              [](CQuillet& q, Outputs& out) {
                  CTeam::TeamStatus status{};
-                 const HRESULT result = q.GetTeamStatus(kTeam, status);
+                 const HRESULT result = q.GetTeamStatus(kTeamTeam, status);
                  out("status", LONG{status});
                  return result;
              },
@@ -147,7 +147,7 @@ OperationArea TeamOperations() {
             {"GetMemberAdapters",
              [](CQuillet& q, Outputs& out) {
                  CTeamedAdapters members;
-                 const HRESULT result = q.GetMemberAdapters(kTeam, members);
+                 const HRESULT result = q.GetMemberAdapters(kTeamTeam, members);
                  Tell(out, members);
                  return result;
              },
@@ -155,7 +155,7 @@ OperationArea TeamOperations() {
             {"GetMemberAdaptersStatus",
              [](CQuillet& q, Outputs& out) {
                  CTeamedAdapters members = Members({L"{A}", L"{B}"});
-                 const HRESULT result = q.GetMemberAdaptersStatus(kTeam, members);
+                 const HRESULT result = q.GetMemberAdaptersStatus(kTeamTeam, members);
                  Tell(out, members);
                  return result;
              }},
@@ -169,7 +169,7 @@ OperationArea TeamOperations() {
             {"GetTeamsEthernetAdapterPath",
              [](CQuillet& q, Outputs& out) {
                  _bstr_t path(L"");
-                 const HRESULT result = QuilletTestAccess::GetTeamsEthernetAdapterPath(q, kTeam, path);
+                 const HRESULT result = QuilletTestAccess::GetTeamsEthernetAdapterPath(q, kTeamTeam, path);
                  out("path", std::wstring(path));
                  return result;
              }},
@@ -201,7 +201,7 @@ OperationArea TeamOperations() {
             {"ValidateTeamMode",
              [](CQuillet& q, Outputs& out) {
                  DWORD word = 0;
-                 const HRESULT result = q.ValidateTeamMode(CTeam::TeamModeUnknown, kTeam, word);
+                 const HRESULT result = q.ValidateTeamMode(CTeam::TeamModeUnknown, kTeamTeam, word);
                  out("word", word);
                  return result;
              }},
@@ -224,7 +224,7 @@ OperationArea TeamOperations() {
              [](CQuillet& q, Outputs& out) {
                  ULONGLONG word = 0;
                  const HRESULT result =
-                     q.ValidateAddAdapters(kTeam, Members({L"{A}", L"{B}"}), Adapters({L"{C}"}), word);
+                     q.ValidateAddAdapters(kTeamTeam, Members({L"{A}", L"{B}"}), Adapters({L"{C}"}), word);
                  out("word", word);
                  return result;
              }},
@@ -237,17 +237,17 @@ OperationArea TeamOperations() {
              }},
             {"ModifyMemberList",
              [](CQuillet& q, Outputs&) {
-                 return q.ModifyMemberList(kTeam, Members({L"{A}", L"{B}"}), Adapters({L"{A}", L"{C}"}));
+                 return q.ModifyMemberList(kTeamTeam, Members({L"{A}", L"{B}"}), Adapters({L"{A}", L"{C}"}));
              }},
             {"ModifyTeamInfo",
              [](CQuillet& q, Outputs&) {
                  CTeam team;
                  team.m_wsCaption = L"Renamed";
-                 return q.ModifyTeamInfo(kTeam, team);
+                 return q.ModifyTeamInfo(kTeamTeam, team);
              }},
             {"SetTeamedAdapterPriority",
              [](CQuillet& q, Outputs&) { return q.SetTeamedAdapterPriority(Adapter(L"{B}"), 1); }},
-            {"RemoveTeam", [](CQuillet& q, Outputs&) { return q.RemoveTeam(kTeam); }},
+            {"RemoveTeam", [](CQuillet& q, Outputs&) { return q.RemoveTeam(kTeamTeam); }},
             {"GetTeamableAdapters",
              [](CQuillet& q, Outputs& out) {
                  CAdapters adapters = Adapters({L"{C}", L"{A}"});
@@ -278,7 +278,7 @@ OperationArea TeamOperations() {
                  CTeamWizTeamMode mode;
                  CTeam::TeamAutoDetectStatus status{};
                  unsigned int coverage = 0;
-                 const HRESULT result = q.GetBestTeamMode(kTeam, mode, status, coverage);
+                 const HRESULT result = q.GetBestTeamMode(kTeamTeam, mode, status, coverage);
                  out("mode", mode.m_lTeamMode)("text", mode.m_wsDescription)("status", LONG{status})(
                      "coverage", coverage);
                  return result;
@@ -288,7 +288,7 @@ OperationArea TeamOperations() {
                  CTeam::SwitchCmdStatus status{};
                  std::vector<std::wstring> causes, solutions;
                  std::vector<int> causeIds, solutionIds;
-                 const HRESULT result = q.TestSwitchConfiguration(kTeam, CTeam::SwitchCmdStart, status,
+                 const HRESULT result = q.TestSwitchConfiguration(kTeamTeam, CTeam::SwitchCmdStart, status,
                                                                   causes, solutions, causeIds, solutionIds);
                  out("status", LONG{status})("causes", causes)("solutions", solutions)("causeIds", causeIds)(
                      "solutionIds", solutionIds);
@@ -297,7 +297,7 @@ OperationArea TeamOperations() {
             {"GetNumberEnabledMembers",
              [](CQuillet& q, Outputs& out) {
                  int count = 0;
-                 const HRESULT result = q.GetNumberEnabledMembers(kTeam, count);
+                 const HRESULT result = q.GetNumberEnabledMembers(kTeamTeam, count);
                  out("count", count);
                  return result;
              },

@@ -3,7 +3,7 @@
 
 namespace {
 
-constexpr const char* kMachine = R"(
+constexpr const char* kVLANMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Caption = "Alpha"; };
     instance of Zorel_TeamOfAdapters { Name = "{T}"; Caption = "Team"; };
@@ -14,9 +14,9 @@ constexpr const char* kMachine = R"(
     instance of Zorel_VLAN { Name = "{W}"; Caption = "Team - VLAN : Voice"; ParentID = "{T}"; VLANName = "Voice";
         VLANNumber = 10; StatusInfo = 3; };)";
 
-constexpr const wchar_t* kAdapter = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
-constexpr const wchar_t* kTeam = LR"(Zorel_TeamOfAdapters.Name="{T}")";
-constexpr const wchar_t* kVlan = LR"(Zorel_VLAN.Name="{V}")";
+constexpr const wchar_t* kVLANAdapter = LR"(Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
+constexpr const wchar_t* kVLANTeam = LR"(Zorel_TeamOfAdapters.Name="{T}")";
+constexpr const wchar_t* kVLANVlan = LR"(Zorel_VLAN.Name="{V}")";
 
 /// A record whose number and name are taken on either parent.
 CVLAN Taken() {
@@ -74,24 +74,24 @@ HRESULT AsksNothing(const JournalEntry&, HRESULT) {
 
 OperationArea VLANOperations() {
     return {
-        kMachine,
+        kVLANMachine,
         true,
         {
             Listing("EnumerateVLANsOfAdapter",
-                    [](CQuillet& q, CVLANs& all) { return q.EnumerateVLANsOfAdapter(kAdapter, all); }),
+                    [](CQuillet& q, CVLANs& all) { return q.EnumerateVLANsOfAdapter(kVLANAdapter, all); }),
             Listing("EnumerateVLANsOfTeam",
-                    [](CQuillet& q, CVLANs& all) { return q.EnumerateVLANsOfTeam(kTeam, all); }),
+                    [](CQuillet& q, CVLANs& all) { return q.EnumerateVLANsOfTeam(kVLANTeam, all); }),
             {"GetVLANInfo",
              [](CQuillet& q, Outputs& out) {
                  CVLAN vlan;
-                 const HRESULT result = q.GetVLANInfo(kVlan, vlan);
+                 const HRESULT result = q.GetVLANInfo(kVLANVlan, vlan);
                  out("name", vlan.m_wsVLANName)("number", vlan.m_lVLANNumber)("status", vlan.m_eStatus);
                  return result;
              }},
             {"GetVlanStatus",
              [](CQuillet& q, Outputs& out) {
                  CVLAN::VlanStatus status{};
-                 const HRESULT result = q.GetVlanStatus(kVlan, status);
+                 const HRESULT result = q.GetVlanStatus(kVLANVlan, status);
                  out("status", status);
                  return result;
              }},
@@ -104,67 +104,70 @@ OperationArea VLANOperations() {
                  return result;
              },
              AsksNothing},
-            {"ParentSupportingVLAN", [](CQuillet& q, Outputs&) { return q.ParentSupportingVLAN(kAdapter); },
-             MembershipUnknown},
+            {"ParentSupportingVLAN",
+             [](CQuillet& q, Outputs&) { return q.ParentSupportingVLAN(kVLANAdapter); }, MembershipUnknown},
             {"ParentSupportingVLAN_Team",
-             [](CQuillet& q, Outputs&) { return q.ParentSupportingVLAN(kTeam); }},
+             [](CQuillet& q, Outputs&) { return q.ParentSupportingVLAN(kVLANTeam); }},
             Checking(
                 "CreateVLANAdapterCheck",
-                +[](CQuillet& q) { return q.CreateVLANAdapterCheck(kAdapter, Taken()); }),
+                +[](CQuillet& q) { return q.CreateVLANAdapterCheck(kVLANAdapter, Taken()); }),
             Checking(
-                "CreateVLANTeamCheck", +[](CQuillet& q) { return q.CreateVLANTeamCheck(kTeam, Taken()); }),
+                "CreateVLANTeamCheck",
+                +[](CQuillet& q) { return q.CreateVLANTeamCheck(kVLANTeam, Taken()); }),
             Checking(
                 "CreateUnTaggedVLANAdapterCheck",
-                +[](CQuillet& q) { return q.CreateUnTaggedVLANAdapterCheck(kAdapter, Taken()); }),
+                +[](CQuillet& q) { return q.CreateUnTaggedVLANAdapterCheck(kVLANAdapter, Taken()); }),
             Checking(
                 "CreateUnTaggedVLANTeamCheck",
-                +[](CQuillet& q) { return q.CreateUnTaggedVLANTeamCheck(kTeam, Taken()); }),
+                +[](CQuillet& q) { return q.CreateUnTaggedVLANTeamCheck(kVLANTeam, Taken()); }),
             Checking(
                 "CreateMultipleVLANAdapterCheck",
                 +[](CQuillet& q) {
                     CVLANs wanted;
                     wanted.m_vecItems.push_back(new CVLAN(Taken()));
-                    return q.CreateMultipleVLANAdapterCheck(kAdapter, wanted);
+                    return q.CreateMultipleVLANAdapterCheck(kVLANAdapter, wanted);
                 }),
             Checking(
                 "CreateMultipleVLANTeamCheck",
                 +[](CQuillet& q) {
                     CVLANs wanted;
                     wanted.m_vecItems.push_back(new CVLAN(Taken()));
-                    return q.CreateMultipleVLANTeamCheck(kTeam, wanted);
+                    return q.CreateMultipleVLANTeamCheck(kVLANTeam, wanted);
                 }),
             Checking(
                 "CheckForUniqueIDForUnTaggedVLAN",
-                +[](CQuillet& q) { return q.CheckForUniqueIDForUnTaggedVLAN(kTeam, true, Taken()); }),
+                +[](CQuillet& q) { return q.CheckForUniqueIDForUnTaggedVLAN(kVLANTeam, true, Taken()); }),
             Checking(
                 "CheckForUniqueIDForMultipleVLANs",
                 +[](CQuillet& q) {
                     CVLANs wanted;
                     wanted.m_vecItems.push_back(new CVLAN(Taken()));
-                    return q.CheckForUniqueIDForMultipleVLANs(kAdapter, false, wanted);
+                    return q.CheckForUniqueIDForMultipleVLANs(kVLANAdapter, false, wanted);
                 }),
             Checking(
                 "CheckForUntaggedVLANOnAdapter",
-                +[](CQuillet& q) { return q.CheckForUntaggedVLANOnAdapter(kAdapter, 10); }),
+                +[](CQuillet& q) { return q.CheckForUntaggedVLANOnAdapter(kVLANAdapter, 10); }),
             Checking(
                 "CheckForUntaggedVLANOnTeam",
-                +[](CQuillet& q) { return q.CheckForUntaggedVLANOnTeam(kTeam, 10); }),
+                +[](CQuillet& q) { return q.CheckForUntaggedVLANOnTeam(kVLANTeam, 10); }),
             Checking(
                 "CheckForTaggedVLANOnAdapter",
-                +[](CQuillet& q) { return q.CheckForTaggedVLANOnAdapter(kAdapter); }),
+                +[](CQuillet& q) { return q.CheckForTaggedVLANOnAdapter(kVLANAdapter); }),
             Checking(
-                "CheckForTaggedVLANOnTeam", +[](CQuillet& q) { return q.CheckForTaggedVLANOnTeam(kTeam); }),
+                "CheckForTaggedVLANOnTeam",
+                +[](CQuillet& q) { return q.CheckForTaggedVLANOnTeam(kVLANTeam); }),
             Adding("AddVLANToAdapter",
-                   [](CQuillet& q, CVLAN& vlan) { return q.AddVLANToAdapter(kAdapter, vlan); }),
-            Adding("AddVLANToTeam", [](CQuillet& q, CVLAN& vlan) { return q.AddVLANToTeam(kTeam, vlan); }),
+                   [](CQuillet& q, CVLAN& vlan) { return q.AddVLANToAdapter(kVLANAdapter, vlan); }),
+            Adding("AddVLANToTeam",
+                   [](CQuillet& q, CVLAN& vlan) { return q.AddVLANToTeam(kVLANTeam, vlan); }),
             {"ModifyVLANProperty",
              [](CQuillet& q, Outputs&) {
                  CVLAN vlan;
                  vlan.m_lVLANNumber = 20;
                  vlan.m_wsVLANName = L"Data";
-                 return q.ModifyVLANProperty(kVlan, vlan);
+                 return q.ModifyVLANProperty(kVLANVlan, vlan);
              }},
-            {"RemoveVLAN", [](CQuillet& q, Outputs&) { return q.RemoveVLAN(kVlan); }},
+            {"RemoveVLAN", [](CQuillet& q, Outputs&) { return q.RemoveVLAN(kVLANVlan); }},
         },
     };
 }

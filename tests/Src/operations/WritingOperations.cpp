@@ -4,7 +4,7 @@
 namespace {
 
 // {A} and {B} are a team with room for {C}; {A} and {C} have the profile for hosts of virtual machines.
-constexpr const char* kMachine = R"(
+constexpr const char* kWritingMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter as $A {
         DeviceID = "{A}"; Name = "First"; OriginalDisplayName = "First adapter"; Caption = "A"; SlotID = "Slot 1";
@@ -55,9 +55,9 @@ constexpr const char* kMachine = R"(
         WakeOnDirectedPacket = 0; WakeOnPattern = 1; };)";
 
 // The whole path: a port is found by it among the ports of its board.
-constexpr const wchar_t* kAdapter =
+constexpr const wchar_t* kWritingAdapter =
     LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID="{A}")";
-constexpr const wchar_t* kVlan = LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_VLAN.Name="{V}")";
+constexpr const wchar_t* kWritingVlan = LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_VLAN.Name="{V}")";
 constexpr const wchar_t* kOther =
     LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID="{B}")";
 
@@ -81,7 +81,7 @@ HRESULT ProfilesUnreadable(const JournalEntry&, HRESULT) {
 }
 
 /// The members of a team are listed with one code for a team that cannot be fetched.
-HRESULT TeamUnreadable(const JournalEntry& failed, HRESULT code) {
+HRESULT WritingTeamUnreadable(const JournalEntry& failed, HRESULT code) {
     return failed.operation == Operation::GetObject &&
                    failed.target.find(L"Zorel_TeamOfAdapters") != std::wstring::npos
                ? static_cast<HRESULT>(WBEM_E_FAILED)
@@ -103,7 +103,7 @@ OperationCase Writing(const char* name, const wchar_t* kind, const wchar_t* capt
 
 OperationArea WritingOperations() {
     return {
-        kMachine,
+        kWritingMachine,
         true,
         {
             Writing<CSettingEnum>("SetSetting_Number", L"Enum", L"*JumboPacket",
@@ -119,14 +119,15 @@ OperationArea WritingOperations() {
                  bool isTeamed = false;
                  ULONGLONG warnings = 77;
                  const HRESULT result =
-                     q.ValidateSetSetting(kAdapter, isTeamed, L"*JumboPacket", 9000, warnings);
+                     q.ValidateSetSetting(kWritingAdapter, isTeamed, L"*JumboPacket", 9000, warnings);
                  out("isTeamed", isTeamed)("warnings", warnings);
                  return result;
              }},
             {"ValidateSetSettingOnVlan",
              [](CQuillet& q, Outputs& out) {
                  ULONGLONG warnings = 77;
-                 const HRESULT result = q.ValidateSetSettingOnVlan(kVlan, L"*JumboPacket", 9000, warnings);
+                 const HRESULT result =
+                     q.ValidateSetSettingOnVlan(kWritingVlan, L"*JumboPacket", 9000, warnings);
                  out("warnings", warnings);
                  return result;
              }},
@@ -134,19 +135,19 @@ OperationArea WritingOperations() {
              [](CQuillet& q, Outputs& out) {
                  bool onAll = false;
                  bool isTeamed = false;
-                 const HRESULT result = q.JumboFramePrecheckSetSetting(kAdapter, onAll, isTeamed);
+                 const HRESULT result = q.JumboFramePrecheckSetSetting(kWritingAdapter, onAll, isTeamed);
                  out("onAllMembers", onAll)("isTeamed", isTeamed);
                  return result;
              },
-             TeamUnreadable},
+             WritingTeamUnreadable},
             {.name = "RSS_PrecheckOnTeamModify",
              .run =
                  [](CQuillet& q, Outputs& out) {
                      CTeamedAdapters members;
                      members.m_vecItems.push_back(new CTeamedAdapter);
-                     members.m_vecItems.back()->m_wsAdapterID = kAdapter;
+                     members.m_vecItems.back()->m_wsAdapterID = kWritingAdapter;
                      CAdapters wanted;
-                     Add(wanted, kAdapter);
+                     Add(wanted, kWritingAdapter);
                      Add(wanted, kOther);
                      ULONGLONG warnings = 77;
                      const HRESULT result = q.RSS_PrecheckOnTeamModify(members, wanted, warnings);
@@ -159,7 +160,7 @@ OperationArea WritingOperations() {
             {"GetAdapterProfiles",
              [](CQuillet& q, Outputs& out) {
                  CPerformanceProfiles profiles;
-                 const HRESULT result = q.GetAdapterProfiles(kAdapter, profiles);
+                 const HRESULT result = q.GetAdapterProfiles(kWritingAdapter, profiles);
                  out("profiles", profiles.m_vecItems);
                  return result;
              },
@@ -175,7 +176,7 @@ OperationArea WritingOperations() {
             {"GetCompatibleTeamProfilesWithAdapters",
              [](CQuillet& q, Outputs& out) {
                  CAdapters adapters;
-                 Add(adapters, kAdapter);
+                 Add(adapters, kWritingAdapter);
                  CPerformanceProfiles profiles;
                  const HRESULT result = q.GetCompatibleTeamProfilesWithAdapters(adapters, profiles);
                  out("profiles", profiles.m_vecItems);
@@ -184,7 +185,7 @@ OperationArea WritingOperations() {
             {"GetAdapterPowerUsageOptions",
              [](CQuillet& q, Outputs& out) {
                  CAdapterPowerUsageInfo info;
-                 const HRESULT result = q.GetAdapterPowerUsageOptions(kAdapter, info);
+                 const HRESULT result = q.GetAdapterPowerUsageOptions(kWritingAdapter, info);
                  out("mode", info.m_eSavePower)("first", Hex(info.m_dwAutoPowerSaveModeEnabled))(
                      "last", Hex(info.m_dwSystemIdlePowerSaver));
                  return result;
@@ -195,12 +196,12 @@ OperationArea WritingOperations() {
                  info.m_dwAutoPowerSaveModeEnabled = info.m_dwReduceSpeedOnPowerDown =
                      info.m_dwSmartPowerDown = info.m_dwEnhancedASPMPowerSaver = info.m_dwACBSMode =
                          info.m_dwLinkSpeedBatterySaver = info.m_dwSystemIdlePowerSaver = 1;
-                 return q.SetAdapterPowerUsageOptions(kAdapter, info);
+                 return q.SetAdapterPowerUsageOptions(kWritingAdapter, info);
              }},
             {"GetAdapterWakeOnLanOptions",
              [](CQuillet& q, Outputs& out) {
                  CAdapterWakeOnLanInfo info;
-                 const HRESULT result = q.GetAdapterWakeOnLanOptions(kAdapter, info);
+                 const HRESULT result = q.GetAdapterWakeOnLanOptions(kWritingAdapter, info);
                  out("first", Hex(info.m_dwWakeFromPowerOff))("last", Hex(info.m_dwWakeOnPattern));
                  return result;
              }},
@@ -209,10 +210,10 @@ OperationArea WritingOperations() {
                  CAdapterWakeOnLanInfo info;
                  info.m_dwWakeFromPowerOff = info.m_dwWakeOnLink = info.m_dwWakeOnMagicPacket =
                      info.m_dwWakeOnDirectedPacket = info.m_dwWakeOnPattern = 1;
-                 return q.SetAdapterWakeOnLanOptions(kAdapter, info);
+                 return q.SetAdapterWakeOnLanOptions(kWritingAdapter, info);
              }},
             {"SetAdapterPowerManagementCapabilities",
-             [](CQuillet& q, Outputs&) { return q.SetAdapterPowerManagementCapabilities(kAdapter); }},
+             [](CQuillet& q, Outputs&) { return q.SetAdapterPowerManagementCapabilities(kWritingAdapter); }},
         },
     };
 }

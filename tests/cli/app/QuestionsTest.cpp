@@ -11,7 +11,7 @@ using namespace quillet::tests;
 using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
 
-constexpr const char* kTeam = "TEAM : Zürich";
+constexpr const char* kQuestionsTeam = "TEAM : Zürich";
 constexpr const char* kMember = "Zorel Quad Port Gigabit Server Adapter #2";
 
 struct Question {
@@ -70,12 +70,13 @@ TEST_P(QuestionsTest, YesOnTheCommandLine_AsksNothing) {
     EXPECT_THAT(outcome.err, HasSubstr("BeginApply"));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Commands, QuestionsTest,
-    testing::Values(Question{{"team", "delete", kTeam}, "Delete the team TEAM : Zürich and its VLANs?"},
-                    Question{{"team", "remove", kTeam, kMember}, "Take 1 adapter out of TEAM : Zürich?"},
-                    Question{{"vlan", "remove", kTeam, "340"},
-                             "Remove VLAN 340 \"VoIP\" from TEAM : Zürich?"}));
+INSTANTIATE_TEST_SUITE_P(Commands, QuestionsTest,
+                         testing::Values(Question{{"team", "delete", kQuestionsTeam},
+                                                  "Delete the team TEAM : Zürich and its VLANs?"},
+                                         Question{{"team", "remove", kQuestionsTeam, kMember},
+                                                  "Take 1 adapter out of TEAM : Zürich?"},
+                                         Question{{"vlan", "remove", kQuestionsTeam, "340"},
+                                                  "Remove VLAN 340 \"VoIP\" from TEAM : Zürich?"}));
 
 TEST(NamesTest, AWordBehindTheVerb_IsNoCommand) {
     EXPECT_EQ(RunCommandLine({"--simulate", "team", "show", "trace"}).err,

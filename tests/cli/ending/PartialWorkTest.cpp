@@ -12,8 +12,8 @@ using namespace quillet::tests;
 using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
 
-constexpr const char* kTeam = "TEAM : Zürich";
-constexpr const char* kFree = "Zorel Gigabit Desktop Adapter";
+constexpr const char* kPartialWorkTeam = "TEAM : Zürich";
+constexpr const char* kPartialWorkFree = "Zorel Gigabit Desktop Adapter";
 constexpr const char* kMember = "Zorel Quad Port Gigabit Server Adapter";
 constexpr const char* kOtherMember = "Zorel Quad Port Gigabit Server Adapter #2";
 constexpr const char* kFirst = "Zorel 10G Dual Port Server Adapter";
@@ -46,8 +46,8 @@ const std::string kSecondVlan = "Operation = \"ExecMethod\"; MethodName = \"Crea
 const std::string kApply = "Operation = \"ExecMethod\"; MethodName = \"Apply\";";
 
 TEST_F(PartialWorkTest, VlanAdd_StopsAtTheFirstRefusal_AndTellsWhatIsThereAndWhatIsNot) {
-    const Outcome outcome =
-        Run({"vlan", "add", kFree, "7", "Lab", "--through", "9"}, Fault(kSecondVlan) + Restart("Zorel_VLAN"));
+    const Outcome outcome = Run({"vlan", "add", kPartialWorkFree, "7", "Lab", "--through", "9"},
+                                Fault(kSecondVlan) + Restart("Zorel_VLAN"));
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "added VLAN 7 \"Lab 7\" to Zorel Gigabit Desktop Adapter\n"
                            "not added: VLAN 8 \"Lab 8\"\n"
@@ -58,7 +58,7 @@ TEST_F(PartialWorkTest, VlanAdd_StopsAtTheFirstRefusal_AndTellsWhatIsThereAndWha
 }
 
 TEST_F(PartialWorkTest, VlanAdd_Json) {
-    const Json json = RunJson({"vlan", "add", kFree, "7", "Lab", "--through", "9"},
+    const Json json = RunJson({"vlan", "add", kPartialWorkFree, "7", "Lab", "--through", "9"},
                               Fault(kSecondVlan) + Restart("Zorel_VLAN"));
     ASSERT_EQ(json.at("vlans").size(), 1u);
     EXPECT_EQ(json.at("vlans").at(0).at("number"), 7);
@@ -69,15 +69,15 @@ TEST_F(PartialWorkTest, VlanAdd_Json) {
 }
 
 TEST_F(PartialWorkTest, VlanAdd_AVlanThatWasMadeButCannotBeRead_IsThere) {
-    const Outcome outcome =
-        Run({"vlan", "add", kFree, "7", "Lab"}, Fault("Operation = \"GetObject\"; Target = \"Zorel_VLAN\";"));
+    const Outcome outcome = Run({"vlan", "add", kPartialWorkFree, "7", "Lab"},
+                                Fault("Operation = \"GetObject\"; Target = \"Zorel_VLAN\";"));
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "added VLAN 7 \"Lab\" to Zorel Gigabit Desktop Adapter\nno restart is needed\n");
     EXPECT_THAT(outcome.err, HasSubstr("could not add VLAN 7"));
 }
 
 TEST_F(PartialWorkTest, VlanAdd_TheVlanBehindTheOneThatCannotBeRead_WasNotTried) {
-    const Json json = RunJson({"vlan", "add", kFree, "7", "Lab", "--through", "8"},
+    const Json json = RunJson({"vlan", "add", kPartialWorkFree, "7", "Lab", "--through", "8"},
                               Fault("Operation = \"GetObject\"; Target = \"Zorel_VLAN\";"));
     ASSERT_EQ(json.at("vlans").size(), 1u);
     EXPECT_EQ(json.at("vlans").at(0).at("number"), 7);
@@ -85,7 +85,7 @@ TEST_F(PartialWorkTest, VlanAdd_TheVlanBehindTheOneThatCannotBeRead_WasNotTried)
 }
 
 TEST_F(PartialWorkTest, VlanAdd_TheOnlyOneRefused_IsAnError) {
-    const Json error = RunJson({"vlan", "add", kFree, "7", "Lab"},
+    const Json error = RunJson({"vlan", "add", kPartialWorkFree, "7", "Lab"},
                                Fault("Operation = \"ExecMethod\"; MethodName = \"CreateVLAN\";"))
                            .at("error");
     EXPECT_EQ(error.at("name"), "WBEM_E_ACCESS_DENIED");
@@ -93,7 +93,7 @@ TEST_F(PartialWorkTest, VlanAdd_TheOnlyOneRefused_IsAnError) {
 }
 
 TEST_F(PartialWorkTest, VlanModify_ThatCannotBeReadBack_WasSent) {
-    const Outcome outcome = Run({"vlan", "modify", kTeam, "12", "--name", "Kontor"},
+    const Outcome outcome = Run({"vlan", "modify", kPartialWorkTeam, "12", "--name", "Kontor"},
                                 Fault("Operation = \"GetObject\"; Target = \"Zorel_VLAN\"; Nth = 2;"));
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "sent, but whether it took could not be read\nno restart is needed\n");
@@ -104,20 +104,20 @@ TEST_F(PartialWorkTest, VlanModify_ThatCannotBeReadBack_WasSent) {
 
 TEST_F(PartialWorkTest, TeamAdd_TellsWhoWasAdded) {
     const std::string fault = Fault("Operation = \"PutInstance\"; Nth = 2;");
-    const Outcome outcome = Run({"team", "add", kTeam, kFirst, kSecond}, fault);
+    const Outcome outcome = Run({"team", "add", kPartialWorkTeam, kFirst, kSecond}, fault);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "not added: Zorel 10G Dual Port Server Adapter #2\n"
                            "TEAM : Zürich has 3 members: no restart is needed\n");
     EXPECT_EQ(outcome.err, "quilletctl: could not add Zorel 10G Dual Port Server Adapter #2 to TEAM : "
                            "Zürich: access is denied: 0x80041003 WBEM_E_ACCESS_DENIED\n");
-    const Json json = RunJson({"team", "add", kTeam, kFirst, kSecond}, fault);
+    const Json json = RunJson({"team", "add", kPartialWorkTeam, kFirst, kSecond}, fault);
     EXPECT_EQ(json.at("done").size(), 1u);
     ASSERT_EQ(json.at("notDone").size(), 1u);
     EXPECT_EQ(json.at("notDone").at(0).at("code"), "0x80041003 WBEM_E_ACCESS_DENIED");
 }
 
 TEST_F(PartialWorkTest, TeamRemove_TellsWhoIsStillThere) {
-    const Outcome outcome = Run({"team", "remove", kTeam, kMember, kOtherMember, kMember, "--yes"},
+    const Outcome outcome = Run({"team", "remove", kPartialWorkTeam, kMember, kOtherMember, kMember, "--yes"},
                                 Fault("Operation = \"DeleteInstance\"; Nth = 2;"));
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "not taken out: Zorel Quad Port Gigabit Server Adapter #2\n"
@@ -162,7 +162,7 @@ TEST_F(PartialWorkTest, ASetThatCannotBeClosed_LeavesTheRestartUnknown) {
 
 TEST_F(PartialWorkTest, AnErrorInPlaceOfAnAnswer_TellsOfTheRestart) {
     // The VLAN is made; neither it nor the list of VLANs can be read then.
-    const std::vector<std::string> command{"vlan", "add", kFree, "7", "Lab"};
+    const std::vector<std::string> command{"vlan", "add", kPartialWorkFree, "7", "Lab"};
     const std::string faults = Fault("Operation = \"GetObject\"; Target = \"Zorel_VLAN\";") +
                                "instance of QuilletSimulator_Fault { Id = 2; Code = 0x80041010; Operation = "
                                "\"ExecQuery\"; Target = \"Zorel_VLAN\"; Nth = 2; };\n" +
@@ -179,7 +179,7 @@ TEST_F(PartialWorkTest, AnErrorInPlaceOfAnAnswer_TellsOfTheRestart) {
 
 TEST_F(PartialWorkTest, RefusedAndNotClosed_AreTwoLines) {
     const Outcome outcome =
-        Run({"team", "delete", kTeam, "--yes"},
+        Run({"team", "delete", kPartialWorkTeam, "--yes"},
             Fault("Operation = \"DeleteInstance\";") +
                 "instance of QuilletSimulator_Fault { Id = 2; Code = 0x80041010; " + kApply + " };\n");
     EXPECT_EQ(outcome.status, 1);

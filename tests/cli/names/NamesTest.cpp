@@ -16,8 +16,8 @@ using namespace quillet::tests;
 using Json = nlohmann::ordered_json;
 using namespace quilletctl;
 
-constexpr const char* kFirst = "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}";
-constexpr const char* kTeam = "TEAM : Zürich";
+constexpr const char* kNamesFirst = "{64D1BF82-B507-5E42-AED2-547CA8AAC36A}";
+constexpr const char* kNamesTeam = "TEAM : Zürich";
 constexpr const char* kMember = "{D2BC81D1-8495-5F60-84AD-B2450A03D882}";
 
 // What may stand for a name.
@@ -143,7 +143,7 @@ TEST_F(NamesTest, PlacesAreAskedForOnlyWhereNothingCheaperFits) {
         const std::string journal = Run({"adapter", "capabilities", name, "--journal"}).out;
         return Calls(journal, "  GetObject ");
     };
-    EXPECT_EQ(asked(kFirst), 1u);
+    EXPECT_EQ(asked(kNamesFirst), 1u);
     EXPECT_EQ(asked("Zorel Gigabit Desktop Adapter"), 1u);
     EXPECT_EQ(asked("02-00-5E-00-10-01"), 1u + 10u) << "one for each adapter";
     EXPECT_LT(asked("nobody"), 10u) << "it looks like no place";
@@ -210,23 +210,24 @@ TEST_F(NamesTest, AVlan_GoesByEveryNameThatIsPrinted) {
     for (const std::string& name :
          {std::string("12"), vlan.at("name").get<std::string>(), vlan.at("caption").get<std::string>(),
           vlan.at("objectId").get<std::string>(), vlan.at("path").get<std::string>()}) {
-        EXPECT_EQ(RunJson({"vlan", "modify", kTeam, name, "--name", "Neu"}).at("vlan").at("number"), 12)
+        EXPECT_EQ(RunJson({"vlan", "modify", kNamesTeam, name, "--name", "Neu"}).at("vlan").at("number"), 12)
             << name;
         EXPECT_EQ(RunJson({"setting", "list", name, "--of", "vlan"}).at("owner").at("objectId"),
                   vlan.at("objectId"))
             << name;
     }
-    EXPECT_EQ(RunJson({"vlan", "modify", kTeam, "untagged", "--name", "Neu"}).at("vlan").at("number"), 0);
-    EXPECT_EQ(Run({"vlan", "remove", kTeam, "Nothing", "--yes"}).err,
+    EXPECT_EQ(RunJson({"vlan", "modify", kNamesTeam, "untagged", "--name", "Neu"}).at("vlan").at("number"),
+              0);
+    EXPECT_EQ(Run({"vlan", "remove", kNamesTeam, "Nothing", "--yes"}).err,
               "quilletctl: TEAM : Zürich has no VLAN \"Nothing\"; see quilletctl vlan list\n");
 }
 
 TEST_F(NamesTest, ASetting_GoesByEveryNameThatIsPrinted) {
-    const Json setting = RunJson({"setting", "get", kFirst, "*FlowControl"}).at("setting");
+    const Json setting = RunJson({"setting", "get", kNamesFirst, "*FlowControl"}).at("setting");
     for (const char* key : {"caption", "description", "path"}) {
         const std::string name = setting.at(key);
-        EXPECT_EQ(RunJson({"setting", "get", kFirst, name}).at("setting"), setting) << name;
-        const Json set = RunJson({"setting", "set", kFirst, name, "3"});
+        EXPECT_EQ(RunJson({"setting", "get", kNamesFirst, name}).at("setting"), setting) << name;
+        const Json set = RunJson({"setting", "set", kNamesFirst, name, "3"});
         EXPECT_EQ(set.at("setting"), "*FlowControl") << name;
         EXPECT_EQ(set.at("targets").at(0).at("outcome"), "unchanged") << name;
     }
@@ -234,12 +235,12 @@ TEST_F(NamesTest, ASetting_GoesByEveryNameThatIsPrinted) {
 
 TEST_F(NamesTest, ATeamMode_GoesByEveryNameThatIsPrinted) {
     for (const char* name : {"0", "fault tolerance", "Fault tolerance team"}) {
-        EXPECT_EQ(RunJson({"team", "modify", kTeam, "--mode", name}).at("mode").at("code"), 0) << name;
+        EXPECT_EQ(RunJson({"team", "modify", kNamesTeam, "--mode", name}).at("mode").at("code"), 0) << name;
     }
 }
 
 TEST_F(NamesTest, AnAmbiguousTest_TellsTheCandidates) {
-    EXPECT_EQ(Run({"diag", "stop", kFirst, "L"}).err,
+    EXPECT_EQ(Run({"diag", "stop", kNamesFirst, "L"}).err,
               "quilletctl: several tests of Zorel 10G Dual Port Server Adapter are called \"L\": "
               "3 (Loopback test - Zorel 10G Dual Port Server Adapter), "
               "4 (Link test - Zorel 10G Dual Port Server Adapter)\n");
@@ -265,7 +266,7 @@ TEST_F(NamesTest, TheKeyNameOfAnAdapter_IsTheSameEverywhere) {
     for (const Json& each : adapters.at("adapters")) {
         names[each.at("objectId")] = each.at("name");
     }
-    const Json team = RunJson({"team", "show", kTeam});
+    const Json team = RunJson({"team", "show", kNamesTeam});
     for (const Json& member : team.at("members")) {
         EXPECT_EQ(member.at("name"), names.at(member.at("objectId")));
     }
@@ -273,7 +274,7 @@ TEST_F(NamesTest, TheKeyNameOfAnAdapter_IsTheSameEverywhere) {
     for (const Json& port : ports.at("adapters")) {
         EXPECT_EQ(port.at("name"), names.at(port.at("bootAgentId")));
     }
-    EXPECT_EQ(RunJson({"adapter", "show", kFirst}).at("name"), names.at(kFirst));
+    EXPECT_EQ(RunJson({"adapter", "show", kNamesFirst}).at("name"), names.at(kNamesFirst));
 }
 
 } // namespace

@@ -7,7 +7,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr const char* kMachine = R"(
+constexpr const char* kDiagnosticRunsMachine = R"(
     instance of Zorel_PhysicalEthernetAdapter as $A { DeviceID = "{A}"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{B}"; };
     instance of Zorel_DiagTest as $T1 { Name = "one"; TestId = 1; };
@@ -31,7 +31,7 @@ enum { Unknown = 0, Passed = 2, Failed = 3, InProgress = 4, Stopped = 5 };
 
 class DiagnosticRunsTest : public MethodCalls {
   protected:
-    void SetUp() override { Use(kMachine); }
+    void SetUp() override { Use(kDiagnosticRunsMachine); }
 
     static std::wstring TestPath(const std::wstring& name) {
         return L"Zorel_DiagTest.Name=\"" + name + L"\"";
@@ -90,7 +90,7 @@ TEST_F(DiagnosticRunsTest, ATestThatNothingIsSaidOf_PassesAfterTwoSeconds) {
 }
 
 TEST_F(DiagnosticRunsTest, ATest_EndsAsItDidTheLastTime) {
-    Use(std::string(kMachine) +
+    Use(std::string(kDiagnosticRunsMachine) +
         R"(instance of Zorel_DiagResult { Name = "{R}"; DiagnosticName = "one"; Title = "Old";
         Result = "Broken."; ResultCode = 9; TestState = 3; TestResultIds = {5}; };)");
     EXPECT_EQ(Run(L"one"), Done);

@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr const char* kMachine = R"(
+constexpr const char* kNetworkBootMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_BootAgent { Name = "{A}"; FlashImage = {1, 2, 255}; };
     instance of Zorel_BootAgent { Name = "{B}"; };
@@ -32,7 +32,7 @@ Value::Array Names(std::initializer_list<const wchar_t*> names) {
 
 class NetworkBootTest : public MethodCalls {
   protected:
-    void SetUp() override { Use(kMachine); }
+    void SetUp() override { Use(kNetworkBootMachine); }
 
     static std::vector<std::uint8_t> Image(std::size_t size = 100) {
         return WriteFlashImage(
@@ -150,7 +150,7 @@ TEST_F(NetworkBootTest, Changes_NeedARestartAndTheStrictMachinesClientSet) {
     EXPECT_EQ(machine->Internals().sets.Close(0), 1);
     MachineOptions strict;
     strict.strict = true;
-    Use(kMachine, strict);
+    Use(kNetworkBootMachine, strict);
     EXPECT_EQ(Program(Image(), Value()), -1);
     EXPECT_EQ(result, HRESULT(WBEM_E_ACCESS_DENIED));
     EXPECT_EQ(*Find(kAgent)->Find(L"FlashImage"), Value(Value::Bytes{1, 2, 255}));

@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 namespace {
 
 /// A team for switch fault tolerance, with a member too many and links of two speeds.
-constexpr const char* kMachine = R"(
+constexpr const char* kTeamMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter as $A {
         DeviceID = "{A}"; HardwareStatus = 3; Speed = 1000000000; Capabilities = {12, 33, 34}; };
@@ -34,7 +34,7 @@ constexpr const wchar_t* kMember =
 class Teams : public ComTest {
   protected:
     void SetUp() override {
-        Use(kMachine);
+        Use(kTeamMachine);
         Connect();
     }
     std::string Write(IWbemClassObject* object, LONG flags = 0) {
@@ -111,7 +111,7 @@ TEST_F(Teams, ACreationThatFailsHalfwayLeavesNothing) {
     for (const auto& stray : {"instance of Zorel_LogicalEthernetAdapter { DeviceID = \"" + id + "\"; };",
                               "instance of Zorel_802dot1QVLANService { Name = \"" + id + "\"; };"}) {
         SCOPED_TRACE(stray);
-        Use(kMachine + stray);
+        Use(kTeamMachine + stray);
         Connect();
         EXPECT_EQ(Create(), "0x80041019");
         EXPECT_EQ(machine->Store().Instances(L"Zorel_TeamOfAdapters").size(), 2u);
@@ -141,7 +141,7 @@ TEST_F(Teams, AMembershipOfATeamThatIsGoneCanBeRemoved) {
 }
 
 TEST_F(Teams, AMemberWithoutItsAdapterDoesNotKeepATeamFromAnything) {
-    Use(std::string(kMachine) + R"(
+    Use(std::string(kTeamMachine) + R"(
         instance of Zorel_TeamedMemberAdapter { GroupComponent = $T; AdapterStatus = 1;
             PartComponent = "Zorel_PhysicalEthernetAdapter.DeviceID=\"{gone}\""; };
         instance of Zorel_AdapterSettingEnum { Caption = "Enum"; ParentId = "{A}"; ParentType = "NIC";

@@ -8,7 +8,7 @@ using ATL::CComPtr;
 
 namespace {
 
-constexpr const char* kMachine = R"(
+constexpr const char* kVlanMachine = R"(
     instance of Zorel_NetService { Name = "ZorelNetService"; };
     instance of Zorel_PhysicalEthernetAdapter { DeviceID = "{A}"; Caption = "Alpha"; };
     instance of Zorel_PhysicalEthernetAdapter as $M { DeviceID = "{M}"; Caption = "Member"; };
@@ -22,7 +22,7 @@ constexpr const char* kMachine = R"(
 class Vlans : public ComTest {
   protected:
     void SetUp() override {
-        Use(kMachine);
+        Use(kVlanMachine);
         Connect();
     }
 
@@ -189,7 +189,7 @@ TEST_F(Vlans, FollowUpsAreWhatTheMachineSays) {
     };
     ASSERT_EQ(Create(L"{A}", 5, L"Lab"), "0x00000000");
     EXPECT_EQ(followUp(Begin()), 0) << "nothing is said of VLANs";
-    Use(std::string(kMachine) + R"(
+    Use(std::string(kVlanMachine) + R"(
         instance of QuilletSimulator_FollowUp { ClassName = "Zorel_VLAN"; Action = 2; };
         instance of QuilletSimulator_FollowUp { ClassName = "Test_Base"; };)");
     Connect();

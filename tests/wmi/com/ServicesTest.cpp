@@ -6,7 +6,7 @@ using testing::ElementsAre;
 
 namespace {
 
-constexpr LONG kForever = static_cast<LONG>(WBEM_INFINITE);
+constexpr LONG kServicesForever = static_cast<LONG>(WBEM_INFINITE);
 constexpr LONG kLater = WBEM_FLAG_RETURN_IMMEDIATELY;
 constexpr LONG kLaterAmended = WBEM_FLAG_RETURN_IMMEDIATELY | WBEM_FLAG_USE_AMENDED_QUALIFIERS;
 
@@ -26,7 +26,7 @@ class Services : public ComTest {
     }
     std::string Status(IWbemCallResult* result) {
         LONG status = 99;
-        EXPECT_EQ(Code(result->GetCallStatus(kForever, &status)), "0x00000000");
+        EXPECT_EQ(Code(result->GetCallStatus(kServicesForever, &status)), "0x00000000");
         return Code(status);
     }
 };
@@ -63,12 +63,12 @@ TEST_F(Services, GetsAnObjectLater) {
               "0x00000000");
     EXPECT_EQ(object.p, nullptr);
     EXPECT_EQ(Status(result), "0x00000000");
-    ASSERT_EQ(Code(result->GetResultObject(kForever, &object)), "0x00000000");
+    ASSERT_EQ(Code(result->GetResultObject(kServicesForever, &object)), "0x00000000");
     EXPECT_EQ(Get(object, L"Name"), _variant_t(L"one"));
     CComPtr<IWbemServices> other;
-    EXPECT_EQ(Code(result->GetResultServices(kForever, &other)), "0x80041016");
+    EXPECT_EQ(Code(result->GetResultServices(kServicesForever, &other)), "0x80041016");
     BSTR text = nullptr;
-    EXPECT_EQ(Code(result->GetResultString(kForever, &text)), "0x80041016");
+    EXPECT_EQ(Code(result->GetResultString(kServicesForever, &text)), "0x80041016");
     EXPECT_EQ(SetBlanket(result), S_OK);
 }
 
@@ -79,11 +79,11 @@ TEST_F(Services, AFailureToGetAnObjectLaterIsInItsResult) {
         Code(services->GetObject(_bstr_t(L"Test_All=\"none\"").GetBSTR(), kLater, nullptr, nullptr, &result)),
         "0x00000000");
     EXPECT_EQ(Status(result), "0x80041002");
-    EXPECT_EQ(Code(result->GetResultObject(kForever, &object)), "0x80041002");
+    EXPECT_EQ(Code(result->GetResultObject(kServicesForever, &object)), "0x80041002");
     CComPtr<IWbemServices> other;
-    EXPECT_EQ(Code(result->GetResultServices(kForever, &other)), "0x80041002");
+    EXPECT_EQ(Code(result->GetResultServices(kServicesForever, &other)), "0x80041002");
     BSTR text = nullptr;
-    EXPECT_EQ(Code(result->GetResultString(kForever, &text)), "0x80041002");
+    EXPECT_EQ(Code(result->GetResultString(kServicesForever, &text)), "0x80041002");
 }
 
 TEST_F(Services, ASynchronousCallMayHaveAResultToo) {
@@ -103,12 +103,12 @@ TEST_F(Services, ACallResultChecksItsArguments) {
     ASSERT_EQ(services->GetObject(_bstr_t(kAll).GetBSTR(), kLater, nullptr, nullptr, &result), S_OK);
     LONG status = 0;
     CComPtr<IWbemClassObject> object;
-    EXPECT_EQ(Code(result->GetCallStatus(kForever, nullptr)), "0x80041008");
+    EXPECT_EQ(Code(result->GetCallStatus(kServicesForever, nullptr)), "0x80041008");
     EXPECT_EQ(Code(result->GetCallStatus(-2, &status)), "0x80041008");
-    EXPECT_EQ(Code(result->GetResultObject(kForever, nullptr)), "0x80041008");
+    EXPECT_EQ(Code(result->GetResultObject(kServicesForever, nullptr)), "0x80041008");
     EXPECT_EQ(Code(result->GetResultObject(-2, &object)), "0x80041008");
-    EXPECT_EQ(Code(result->GetResultString(kForever, nullptr)), "0x80041008");
-    EXPECT_EQ(Code(result->GetResultServices(kForever, nullptr)), "0x80041008");
+    EXPECT_EQ(Code(result->GetResultString(kServicesForever, nullptr)), "0x80041008");
+    EXPECT_EQ(Code(result->GetResultServices(kServicesForever, nullptr)), "0x80041008");
 }
 
 TEST_F(Services, AWrittenInstanceStaysWritten) {
@@ -154,11 +154,11 @@ TEST_F(Services, AnInstanceIsWrittenLater) {
     ASSERT_EQ(Code(services->PutInstance(one, kLaterAmended, nullptr, &result)), "0x00000000");
     EXPECT_EQ(Status(result), "0x00000000");
     BSTR path = nullptr;
-    ASSERT_EQ(Code(result->GetResultString(kForever, &path)), "0x00000000");
+    ASSERT_EQ(Code(result->GetResultString(kServicesForever, &path)), "0x00000000");
     EXPECT_STREQ(path, L"\\\\TESTHOST\\ROOT\\MarloLUM2:Test_All.Name=\"one\"");
     SysFreeString(path);
     CComPtr<IWbemClassObject> object;
-    EXPECT_EQ(Code(result->GetResultObject(kForever, &object)), "0x80041016");
+    EXPECT_EQ(Code(result->GetResultObject(kServicesForever, &object)), "0x80041016");
     result.Release();
     ASSERT_EQ(Code(services->PutInstance(Fresh(5), kLaterAmended | WBEM_FLAG_UPDATE_ONLY, nullptr, &result)),
               "0x00000000");
@@ -220,7 +220,7 @@ TEST_F(Services, ASelectedListLeavesTheRestOut) {
               S_OK);
     CComPtr<IWbemClassObject> part;
     ULONG returned = 0;
-    ASSERT_EQ(answer->Next(kForever, 1, &part, &returned), S_OK);
+    ASSERT_EQ(answer->Next(kServicesForever, 1, &part, &returned), S_OK);
     EXPECT_EQ(Get(part, L"Caption"), _variant_t(L"First"));
     EXPECT_EQ(Code(GetCode(part, L"S16")), "0x80041002");
     EXPECT_EQ(Get(part, L"__PROPERTY_COUNT"), I4(2));

@@ -245,6 +245,14 @@ Value Normalised(Value value, CIMTYPE type);
 
 /// "uint32", "string" and so on, without regard to the array flag; null for what is no CIM type.
 const wchar_t* CimTypeName(CIMTYPE type) noexcept;
+/// The type without the flag of arrays.
+constexpr CIMTYPE ElementType(CIMTYPE type) noexcept {
+    return type & ~CIMTYPE(CIM_FLAG_ARRAY);
+}
+/// Whether it is the type of an array.
+constexpr bool IsArray(CIMTYPE type) noexcept {
+    return (type & CIM_FLAG_ARRAY) != 0;
+}
 /// "uint32", "string", "ref:T_Device": the text of the CIMTYPE qualifier, without array brackets.
 std::wstring CimTypeText(CIMTYPE type, std::wstring_view referenceClass);
 /// An integer of the signedness in which a CIM type is held.

@@ -19,6 +19,11 @@ std::wstring Folded(std::wstring_view text);
 /// Three-way comparison of two texts without regard to case.
 int CompareFolded(std::wstring_view left, std::wstring_view right) noexcept;
 
+/// Whether it is a decimal digit.
+constexpr bool IsDigit(wchar_t c) noexcept {
+    return c >= L'0' && c <= L'9';
+}
+
 /// A name as messages show it.
 inline std::wstring Quoted(std::wstring_view name) {
     return L"'" + std::wstring(name) + L"'";
