@@ -48,6 +48,9 @@ RATIOS = [
     ("16 MiB flash read / memcpy", "flash/read_16_MiB/library", "flash/read_16_MiB/memcpy", 2.1),
     ("50 clients: 1,000 answers of the server / of cpp-httplib alone", "wsman/50_clients/server",
      "wsman/50_clients/httplib", None),
+    ("start of quilletctl --simulate adapter list / of python3 -c pass", "start/adapter_list", "start/python", None),
+    ("start of quilletctl --simulate adapter list / of /bin/true", "start/adapter_list", "start/true", None),
+    ("start of quilletctl version / of /bin/true", "start/version", "start/true", None),
 ]
 # Throughput of two threads against one: the smallest ratio that is good.
 THREADS = [
@@ -59,10 +62,11 @@ THREADS = [
     ("method_call_apart", "two threads / one, one provider method call, a machine each", None),
     ("nothing_shared", "two threads / one, arithmetic: what the machine gives", None),
 ]
-# Measured for themselves.
+# Measured for themselves, and the most nanoseconds that are good.
 ALONE = [
-    ("simulator/load_10000_instances", "loading a machine of 10,000 instances"),
-    ("trace/switched_off/quillet", "a trace line that is switched off"),
+    ("simulator/load_10000_instances", "loading a machine of 10,000 instances", None),
+    ("trace/switched_off/quillet", "a trace line that is switched off", None),
+    ("start/adapter_list", "quilletctl --simulate adapter list, from its start to its end", 10e6),
 ]
 # An exponent has to be about 1 or less; caches make a large machine somewhat dearer than linear.
 LARGEST_EXPONENT = 1.1
@@ -220,9 +224,10 @@ def main(arguments):
     print_growth(results)
     print_requests(results)
     print()
-    for name, title in ALONE:
+    for name, title, most in ALONE:
         if name in results.times:
-            print(f"{title}: {duration(results.median(name))}")
+            goal = f"  <= {duration(most)} {verdict(results.median(name) <= most)}" if most else ""
+            print(f"{title}: {duration(results.median(name))}{goal}")
     print_wire(results)
     repeated = [name for name, times in results.times.items() if len(times) >= FEWEST_REPETITIONS]
     widest = max(repeated, key=results.spread, default=None)

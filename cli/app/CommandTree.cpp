@@ -26,14 +26,6 @@ class FunctionCommand final : public Command {
     CommandFunction m_function;
 };
 
-void Configure(CLI::App& app) {
-    // One syntax on every host; "/S" is a file name here.
-    app.allow_windows_style_options(false);
-    // A global option may stand anywhere on the line.
-    app.fallthrough();
-    app.set_help_flag("-h,--help");
-}
-
 const char* GroupName(CommandTree::Group group) {
     return group == CommandTree::Group::Management ? "Nouns" : "Diagnostics and help";
 }
@@ -41,7 +33,11 @@ const char* GroupName(CommandTree::Group group) {
 } // namespace
 
 CommandTree::CommandTree() : m_app(std::make_unique<CLI::App>("", "quilletctl")) {
-    Configure(*m_app);
+    // Nouns and verbs inherit these three. One syntax on every host; "/S" is a file name here.
+    m_app->allow_windows_style_options(false);
+    // A global option may stand anywhere on the line.
+    m_app->fallthrough();
+    m_app->set_help_flag("-h,--help");
     // One noun; a word after it that is another noun's name is a name like any other.
     m_app->require_subcommand(0, 1);
     CommandDescription everywhere;
@@ -74,10 +70,8 @@ CommandTree::CommandTree() : m_app(std::make_unique<CLI::App>("", "quilletctl"))
 CommandTree::~CommandTree() = default;
 
 CLI::App& CommandTree::Subcommand(CLI::App& parent, const std::string& name) {
-    CLI::App& app = *parent.add_subcommand(name);
     m_names.insert(name);
-    Configure(app);
-    return app;
+    return *parent.add_subcommand(name);
 }
 
 CLI::App& CommandTree::AddNounApp(const std::string& name, const std::string& description, Group group) {

@@ -3,10 +3,11 @@
 
 #include "ending/Failure.h"
 #include "remote/Credentials.h"
+#include "remote/RemoteModule.h"
 #include "texts/Text.h"
 
 #include <quillet-simulator/Machine.h>
-#include <quillet-wsman/Remote.h>
+#include <quillet-wmi/Registration.h>
 
 #include <ostream>
 #include <stdexcept>
@@ -18,8 +19,8 @@ namespace {
 using quillet::wsman::Authentication;
 using quillet::wsman::RemoteOptions;
 
-/// Whether a machine over the network answers. There is one at a time.
-bool g_isRemote = false;
+/// What answers for a machine over the network; null: none does. There is one at a time.
+const RemoteModule* g_module = nullptr;
 
 /// The class of a name as this program knows it, for machines that do not tell theirs.
 quillet::wmi::ClassPtr KnownClass(std::wstring_view name) {
@@ -55,8 +56,8 @@ bool HasRemoteAccess() noexcept {
 }
 
 struct RemoteMachine::State {
-    explicit State(RemoteOptions options) : remote(std::move(options)) {}
-    quillet::wsman::Remote remote;
+    explicit State(std::shared_ptr<quillet::wmi::Host> host) : registration(std::move(host)) {}
+    quillet::wmi::ClassRegistration registration;
 };
 
 RemoteMachine::RemoteMachine(const GlobalOptions& options, const Terminal& terminal) {
@@ -64,29 +65,30 @@ RemoteMachine::RemoteMachine(const GlobalOptions& options, const Terminal& termi
         terminal.out.flush();
         terminal.err << "quilletctl: warning: " << what << '\n';
     };
+    const RemoteModule& module = LoadRemoteModule();
     RemoteOptions remote = OptionsFor(options);
-    if (remote.isPlain && !quillet::wsman::IsThisComputer(remote.host)) {
+    if (remote.isPlain && !module.isThisComputer(remote.host)) {
         warn("--plain-http: everybody on the way can read and change what is sent");
     } else if (remote.isUnverified && !remote.isPlain) {
         warn("--insecure: the machine's certificate is not checked; somebody else may answer in its place");
     }
     try {
-        m_state = std::make_unique<State>(std::move(remote));
+        m_state = std::make_unique<State>(module.makeHost(std::move(remote)));
     } catch (const std::invalid_argument& mistake) {
         throw UsageError(std::string("--machine: ") + mistake.what());
     }
-    if (FAILED(m_state->remote.Result())) {
-        throw Refusal("reach machines over WS-Management", m_state->remote.Result());
+    if (FAILED(m_state->registration.Result())) {
+        throw Refusal("reach machines over WS-Management", m_state->registration.Result());
     }
-    g_isRemote = true;
+    g_module = &module;
 }
 
 RemoteMachine::~RemoteMachine() {
-    g_isRemote = false;
+    g_module = nullptr;
 }
 
 std::string RemoteReason(HRESULT code) {
-    if (!g_isRemote) {
+    if (g_module == nullptr) {
         return {};
     }
     switch (static_cast<std::uint32_t>(code)) {
@@ -96,7 +98,7 @@ std::string RemoteReason(HRESULT code) {
     case 0x80041015: // WBEM_E_TRANSPORT_FAILURE
     case 0x80041032: // WBEM_E_CALL_CANCELLED
     case 0x80041069: // WBEM_E_TIMED_OUT
-        return quillet::wsman::LastFailure();
+        return g_module->lastFailure();
     default:
         return {};
     }

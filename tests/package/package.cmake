@@ -1,6 +1,6 @@
 # Installs the build tree, makes an archive of it, and builds, tests and links somebody else's project against what the
 # archive brings.
-# BUILD_DIR, WORK_DIR, SOURCE_DIR, ROOT, LIBDIR, PYTHON, SYSTEM_PYTHON, VERSION, DEBIAN; TOOLCHAIN and EMULATOR of a cross-build; COMPILER and FLAGS of
+# BUILD_DIR, WORK_DIR, SOURCE_DIR, ROOT, LIBDIR, PYTHON, SYSTEM_PYTHON, VERSION, DEBIAN, REMOTE; TOOLCHAIN and EMULATOR of a cross-build; COMPILER and FLAGS of
 # the build tree.
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE out)
@@ -18,7 +18,7 @@ function(expect_start prefix)
     message(FATAL_ERROR "${prefix}/bin/quilletctl printed\n${out}")
   endif()
   if(NOT TOOLCHAIN)
-    file(GLOB libraries ${prefix}/${LIBDIR}/*.so ${prefix}/lib/python3/dist-packages/quillet/*.so)
+    file(GLOB libraries ${prefix}/${LIBDIR}/*.so ${prefix}/lib/quillet/*.so ${prefix}/lib/python3/dist-packages/quillet/*.so)
     foreach(file IN LISTS libraries ITEMS ${prefix}/bin/quilletctl)
       run(ldd ${file})
       string(REGEX MATCHALL "libquillet[^ ]* => [^ ]*" found "${out}")
@@ -31,6 +31,14 @@ function(expect_start prefix)
         endif()
       endforeach()
     endforeach()
+  endif()
+  if(REMOTE)
+    # Nobody answers there; that much is told by the module only.
+    execute_process(COMMAND ${prefix}/bin/quilletctl --machine 127.0.0.1 --port 1 team list
+      RESULT_VARIABLE status ERROR_VARIABLE said)
+    if(NOT status EQUAL 1 OR NOT said MATCHES "nobody answers at this port")
+      message(FATAL_ERROR "${prefix}/bin/quilletctl --machine ended with ${status}:\n${said}")
+    endif()
   endif()
 endfunction()
 

@@ -21,7 +21,8 @@ CONTENTS = {
     "libquillet-dev": [r"usr/include/quillet/Quillet\.h$", r"usr/include/quillet-sdk/windows\.h$",
                        r"usr/lib/[^/]+/libquillet\.a$", r"usr/lib/[^/]+/cmake/Quillet/QuilletConfig\.cmake$",
                        r"usr/lib/[^/]+/pkgconfig/quillet-remote\.pc$"],
-    "quilletctl": [r"usr/bin/quilletctl$", r"usr/share/man/man1/quilletctl\.1\.gz$",
+    "quilletctl": [r"usr/bin/quilletctl$", r"usr/lib/quillet/quilletctl-remote\.so$",
+                   r"usr/share/man/man1/quilletctl\.1\.gz$",
                    r"usr/share/bash-completion/completions/quilletctl$",
                    r"usr/share/zsh/vendor-completions/_quilletctl$",
                    r"usr/share/fish/vendor_completions\.d/quilletctl\.fish$",
@@ -180,6 +181,9 @@ def main(root, build, output, version):
            "quillet-simulator does not need its own libquillet-dev")
     expect(re.search(r"python3 \(>= 3\.\d+~\)", packages["python3-quillet"].fields["Depends"]),
            "python3-quillet takes any Python")
+    # What the program loads late is no less needed.
+    for needed in ("libcurl4", "libpugixml1v5"):
+        expect(needed in packages["quilletctl"].fields["Depends"], f"quilletctl does not need {needed}")
     check_library(packages["libquillet0"].file, output / "control", version)
     check_manual_page(root, build)
     check_links(output / "unpacked/quillet-doc/usr/share/doc/quillet")

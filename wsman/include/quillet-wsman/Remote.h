@@ -17,11 +17,25 @@ class Password {
   public:
     Password() = default;
     /// Takes a copy (UTF-8). The text that it is made from is the caller's to overwrite.
-    explicit Password(std::string_view text);
-    Password(const Password& other);
-    Password(Password&& other) noexcept;
-    Password& operator=(Password other) noexcept;
-    ~Password();
+    explicit Password(std::string_view text) : m_text(text) {}
+    Password(const Password& other) = default;
+    Password(Password&& other) noexcept {
+        m_text.swap(other.m_text);
+        // A short one was copied out of the other's own memory, which has it still.
+        other.m_text.assign(other.m_text.capacity(), '\0');
+        other.m_text.clear();
+    }
+    Password& operator=(Password other) noexcept {
+        m_text.swap(other.m_text);
+        return *this;
+    }
+    ~Password() {
+        // Not to be left out as a write that nobody reads.
+        volatile char* place = m_text.data();
+        for (std::size_t i = 0; i < m_text.size(); ++i) {
+            place[i] = '\0';
+        }
+    }
 
     bool IsEmpty() const noexcept { return m_text.empty(); }
     /// The text, for whoever must have it.
