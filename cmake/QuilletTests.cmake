@@ -1,7 +1,7 @@
 # quillet_add_test(name SOURCES ... LIBRARIES ... [THREADED])
 #
 # One GoogleTest program per subsystem, and one CTest entry per program: a process for each case would spend most
-# of its time on compiling the simulator's machine again. The program lists its cases, and CTest shows the output
+# of its time on making the simulator's machine again. The program lists its cases, and CTest shows the output
 # of one that fails. THREADED marks the programs that ThreadSanitizer runs.
 if(MINGW)
   # Debian ships GoogleTest's sources; there is no package of it built for mingw-w64.

@@ -11,19 +11,11 @@ namespace quillet::wmi {
 namespace {
 
 constexpr LONG kNotOverridable = WBEM_FLAVOR_NOT_OVERRIDABLE;
-constexpr LONG kPropagated = WBEM_FLAVOR_ORIGIN_PROPAGATED;
 
 /// What propagates comes first, as the superclass has it; what stands here replaces it or follows.
 bool MergeQualifiers(Qualifiers& own, const Qualifiers& inherited, std::wstring_view element,
                      std::wstring& reason) {
-    Qualifiers merged;
-    for (const Qualifier& qualifier : inherited.All()) {
-        if ((qualifier.flavor & WBEM_FLAVOR_FLAG_PROPAGATE_TO_DERIVED_CLASS) != 0) {
-            Qualifier copy = qualifier;
-            copy.flavor |= kPropagated;
-            merged.Set(std::move(copy));
-        }
-    }
+    Qualifiers merged = inherited.Inherited();
     for (const Qualifier& qualifier : own.All()) {
         const Qualifier* present = merged.Find(qualifier.name);
         if (present != nullptr && (present->flavor & kNotOverridable) != 0 &&
@@ -79,13 +71,17 @@ bool MergeProperties(ClassDefinition& definition, const ClassDefinition* supercl
     std::vector<Property> merged;
     bool inheritsKeys = false;
     if (superclass != nullptr) {
-        merged = superclass->properties;
-        for (Property& property : merged) {
-            property.inherited = true;
-            Qualifiers none;
+        merged.reserve(superclass->properties.size() + definition.properties.size());
+        for (const Property& property : superclass->properties) {
             inheritsKeys = inheritsKeys || property.IsKey();
-            MergeQualifiers(none, property.qualifiers, property.name, reason);
-            property.qualifiers = std::move(none);
+            merged.push_back({.name = property.name,
+                              .type = property.type,
+                              .referenceClass = property.referenceClass,
+                              .defaultValue = property.defaultValue,
+                              .qualifiers = property.qualifiers.Inherited(),
+                              .origin = property.origin,
+                              .arrayLimit = property.arrayLimit,
+                              .inherited = true});
         }
     }
     for (Property& property : definition.properties) {
@@ -141,9 +137,7 @@ bool MergeMethods(ClassDefinition& definition, const ClassDefinition* superclass
         merged = superclass->methods;
         for (Method& method : merged) {
             method.inherited = true;
-            Qualifiers none;
-            MergeQualifiers(none, method.qualifiers, method.name, reason);
-            method.qualifiers = std::move(none);
+            method.qualifiers = method.qualifiers.Inherited();
         }
     }
     for (Method& method : definition.methods) {

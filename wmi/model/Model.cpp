@@ -40,6 +40,18 @@ void Qualifiers::Set(Qualifier qualifier) {
     m_all.push_back(std::move(qualifier));
 }
 
+Qualifiers Qualifiers::Inherited() const {
+    Qualifiers taken;
+    taken.m_all.reserve(m_all.size());
+    for (const Qualifier& qualifier : m_all) {
+        if ((qualifier.flavor & WBEM_FLAVOR_FLAG_PROPAGATE_TO_DERIVED_CLASS) != 0) {
+            taken.m_all.push_back(qualifier);
+            taken.m_all.back().flavor |= WBEM_FLAVOR_ORIGIN_PROPAGATED;
+        }
+    }
+    return taken;
+}
+
 bool Qualifiers::Remove(std::wstring_view name) {
     return std::erase_if(m_all, [name](const Qualifier& q) { return SameName(q.name, name); }) != 0;
 }

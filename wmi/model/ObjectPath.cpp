@@ -146,12 +146,11 @@ class PathParser {
         if (!IsIdentifierStart(Peek()) || AtEnd()) {
             return Fail(L"a key name was expected");
         }
-        ObjectPath::Key key;
-        key.name = Name();
+        const std::wstring_view name = Name();
         if (std::any_of(path.keys.begin(), path.keys.end(),
-                        [&key](const ObjectPath::Key& other) { return SameName(other.name, key.name); })) {
+                        [name](const ObjectPath::Key& other) { return SameName(other.name, name); })) {
             m_position = start;
-            return Fail(L"key '" + key.name + L"' stands twice");
+            return Fail(L"key " + wmi::Quoted(name) + L" stands twice");
         }
         if (path.keys.size() == ObjectPath::kMaximumKeys) {
             m_position = start;
@@ -160,11 +159,9 @@ class PathParser {
         if (!Accept(L'=')) {
             return Fail(L"'=' was expected after the key name");
         }
-        if (!KeyValue(key.value)) {
-            return false;
-        }
-        path.keys.push_back(std::move(key));
-        return true;
+        ObjectPath::Key& key = path.keys.emplace_back();
+        key.name = name;
+        return KeyValue(key.value);
     }
 
     bool KeyValue(Scalar& value) {

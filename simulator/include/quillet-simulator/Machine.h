@@ -26,14 +26,15 @@ struct MachineOptions {
 class Machine {
   public:
     /// The provider's schema with no instance but the network service.
-    static std::shared_ptr<Machine> Empty(MachineOptions options = {});
+    static std::shared_ptr<Machine> Empty(const MachineOptions& options = {});
     /// The schema and the machine that ships with the simulator.
-    static std::shared_ptr<Machine> BuiltIn(MachineOptions options = {});
+    static std::shared_ptr<Machine> BuiltIn(const MachineOptions& options = {});
     /// The schema and a machine from MOF. Throws MofError.
     static std::shared_ptr<Machine> FromText(std::string_view mof, const std::string& fileName,
-                                             MachineOptions options = {});
+                                             const MachineOptions& options = {});
     /// The same from a file. What it includes is looked for beside it.
-    static std::shared_ptr<Machine> FromFile(const std::filesystem::path& file, MachineOptions options = {});
+    static std::shared_ptr<Machine> FromFile(const std::filesystem::path& file,
+                                             const MachineOptions& options = {});
     /// A new machine with the classes and instances that this one has now: far quicker than to compile its
     /// text again. Everything else (the journal, the rules that were added, clock, client sets, runs of
     /// tests) begins anew, as of a machine that was just made from a text.

@@ -24,7 +24,9 @@ class Repository : public MofTarget {
     ~Repository() override;
     Repository& operator=(const Repository&) = delete;
 
-    const std::wstring& ServerName() const noexcept;    ///< the __SERVER of every object
+    const std::wstring& ServerName() const noexcept; ///< the __SERVER of every object
+    /// Gives all objects another __SERVER. Only for whoever still has the repository to himself.
+    void Rename(std::wstring serverName);
     const std::wstring& NamespaceName() const noexcept; ///< "ROOT\MarloLUM2"
 
     /// Adds a class (its own properties, methods and qualifiers only; what it inherits is merged in).

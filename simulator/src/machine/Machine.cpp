@@ -1,13 +1,14 @@
 // A machine: what it is made from, what it is told about itself, and writing it back.
 #include <quillet-simulator/Machine.h>
 
-#include "machine/EmbeddedTexts.h"
 #include "machine/MachineState.h"
+#include "packed/PackedMachines.h"
+#include "packed/PackedReader.h"
 
 #include <map>
 #include <mutex>
 #include <stdexcept>
-#include <tuple>
+#include <utility>
 
 namespace quillet::simulator {
 
@@ -67,65 +68,59 @@ void CheckFault(const Instance& instance) {
     }
 }
 
-/// A store with the provider's schema and, if one is named, a machine that ships with the simulator.
-/// Compiling them takes far longer than copying the result, so each is compiled once in a process.
-std::shared_ptr<const Repository> Prototype(const MachineOptions& options, const EmbeddedText* machine) {
+/// What a machine begins with.
+enum class Shipped { SchemaAlone, Empty, BuiltIn };
+
+/// A store with what is shipped. Reading that takes far longer than copying the result, so each is read once
+/// in a process.
+std::shared_ptr<const Repository> Prototype(const std::wstring& namespaceName, Shipped shipped) {
     constexpr std::size_t kKept = 8;
     static std::mutex lock;
-    static std::map<std::tuple<std::wstring, std::wstring, const EmbeddedText*>,
-                    std::shared_ptr<const Repository>>
-        compiled;
+    static std::map<std::pair<std::wstring, Shipped>, std::shared_ptr<const Repository>> read;
+    const std::pair key(namespaceName, shipped);
+    {
+        const std::lock_guard guard(lock);
+        if (const auto found = read.find(key); found != read.end()) {
+            return found->second;
+        }
+    }
+    std::shared_ptr<Repository> store;
+    if (shipped == Shipped::SchemaAlone) {
+        store = std::make_shared<Repository>(std::wstring(), namespaceName);
+        ReadPacked(*store, PackedSchema());
+    } else {
+        store = std::make_shared<Repository>(*Prototype(namespaceName, Shipped::SchemaAlone));
+        ReadPacked(*store, shipped == Shipped::Empty ? PackedEmptyMachine() : PackedBuiltInMachine());
+    }
     const std::lock_guard guard(lock);
-    const auto key = std::make_tuple(options.serverName, options.namespaceName, machine);
-    if (const auto found = compiled.find(key); found != compiled.end()) {
-        return found->second;
+    if (read.size() >= kKept) {
+        read.clear();
     }
-    auto store = std::make_shared<Repository>(options.serverName, options.namespaceName);
-    for (const auto& file : EmbeddedSchema()) {
-        CompileMof(*store, file.text, file.fileName);
-    }
-    if (machine != nullptr) {
-        CompileMof(*store, machine->text, machine->fileName);
-    }
-    if (compiled.size() >= kKept) {
-        compiled.clear();
-    }
-    compiled.emplace(key, store);
-    return store;
+    return read.emplace(key, std::move(store)).first->second;
 }
 
 /// Builds the parts of a machine from one that is shipped, or from the schema alone and what `compile` adds.
-/// The name in object paths belongs to the store from its beginning, so a text that names it is compiled
-/// again into a store of that name.
 template <class Compile>
-auto Build(MachineOptions options, const EmbeddedText* shipped, Compile compile) {
-    const bool named = !options.serverName.empty();
-    if (!named) {
-        options.serverName = ThisComputer();
-    }
-    auto state = std::make_unique<Machine::State>(*Prototype(options, shipped), options);
+auto Build(const MachineOptions& options, Shipped shipped, Compile compile) {
+    auto state = std::make_unique<Machine::State>(*Prototype(options.namespaceName, shipped), options.strict);
     compile(state->store);
-    if (const auto description = Description(state->store); description != nullptr && !named) {
-        const auto name = description->Text(L"ServerName");
-        if (!name.empty() && name != options.serverName) {
-            options.serverName = name;
-            state = std::make_unique<Machine::State>(*Prototype(options, shipped), options);
-            compile(state->store);
-        }
+    std::wstring name = options.serverName;
+    if (const auto description = Description(state->store); description != nullptr && name.empty()) {
+        name = description->Text(L"ServerName");
     }
+    state->store.Rename(name.empty() ? ThisComputer() : std::move(name));
     state->Configure();
     return state;
 }
 
 /// A machine that is shipped.
-auto BuildShipped(MachineOptions options, const EmbeddedText& machine) {
-    return Build(std::move(options), &machine, [](Repository&) {});
+auto BuildShipped(const MachineOptions& options, Shipped shipped) {
+    return Build(options, shipped, [](Repository&) {});
 }
 
 } // namespace
 
-Machine::State::State(const Repository& prototype, const MachineOptions& options)
-    : store(prototype), strict(options.strict) {
+Machine::State::State(const Repository& prototype, bool isStrict) : store(prototype), strict(isStrict) {
     providers[L"Zorel_NetService"] = MakeNetServiceProvider();
     providers[L"Zorel_PhysicalEthernetAdapter"] = MakePhysicalAdapterProvider();
     providers[L"Zorel_802dot1QVLANService"] = MakeVlanServiceProvider();
@@ -169,30 +164,28 @@ Machine::Machine(std::unique_ptr<State> state) : m_state(std::move(state)) {}
 
 Machine::~Machine() = default;
 
-std::shared_ptr<Machine> Machine::Empty(MachineOptions options) {
-    return std::shared_ptr<Machine>(new Machine(BuildShipped(std::move(options), EmbeddedEmptyMachine())));
+std::shared_ptr<Machine> Machine::Empty(const MachineOptions& options) {
+    return std::shared_ptr<Machine>(new Machine(BuildShipped(options, Shipped::Empty)));
 }
 
-std::shared_ptr<Machine> Machine::BuiltIn(MachineOptions options) {
-    return std::shared_ptr<Machine>(new Machine(BuildShipped(std::move(options), EmbeddedBuiltInMachine())));
+std::shared_ptr<Machine> Machine::BuiltIn(const MachineOptions& options) {
+    return std::shared_ptr<Machine>(new Machine(BuildShipped(options, Shipped::BuiltIn)));
 }
 
 std::shared_ptr<Machine> Machine::FromText(std::string_view mof, const std::string& fileName,
-                                           MachineOptions options) {
-    return std::shared_ptr<Machine>(new Machine(Build(std::move(options), nullptr, [&](Repository& store) {
+                                           const MachineOptions& options) {
+    return std::shared_ptr<Machine>(new Machine(Build(options, Shipped::SchemaAlone, [&](Repository& store) {
         CompileMof(store, mof, fileName, CheckFault);
     })));
 }
 
-std::shared_ptr<Machine> Machine::FromFile(const std::filesystem::path& file, MachineOptions options) {
+std::shared_ptr<Machine> Machine::FromFile(const std::filesystem::path& file, const MachineOptions& options) {
     return std::shared_ptr<Machine>(new Machine(Build(
-        std::move(options), nullptr, [&](Repository& store) { CompileMofFile(store, file, CheckFault); })));
+        options, Shipped::SchemaAlone, [&](Repository& store) { CompileMofFile(store, file, CheckFault); })));
 }
 
 std::shared_ptr<Machine> Machine::Copy() const {
-    MachineOptions options;
-    options.strict = m_state->strict;
-    auto state = std::make_unique<State>(m_state->store, options);
+    auto state = std::make_unique<State>(m_state->store, m_state->strict);
     state->Configure();
     return std::shared_ptr<Machine>(new Machine(std::move(state)));
 }

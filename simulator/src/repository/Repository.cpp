@@ -25,6 +25,10 @@ const std::wstring& Repository::ServerName() const noexcept {
     return m_state->serverName;
 }
 
+void Repository::Rename(std::wstring serverName) {
+    m_state->serverName = std::move(serverName);
+}
+
 const std::wstring& Repository::NamespaceName() const noexcept {
     return m_state->namespaceName;
 }

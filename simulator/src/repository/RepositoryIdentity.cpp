@@ -15,8 +15,11 @@ constexpr unsigned kMaximumReferenceDepth = 4;
 
 /// A value as one of the type; nothing when it can be none.
 std::optional<Scalar> OfType(const Scalar& scalar, CIMTYPE type) {
-    const Value value{scalar};
-    return Fits(value, type) ? std::optional(*Normalised(value, type).AsScalar()) : std::nullopt;
+    if (!Fits(scalar, type)) {
+        return std::nullopt;
+    }
+    return std::holds_alternative<std::wstring>(scalar) ? scalar
+                                                        : *Normalised(Value(scalar), type).AsScalar();
 }
 
 /// The value of a key in a path as a value of the key's type; nothing when it can be none.
@@ -35,6 +38,16 @@ std::optional<Scalar> KeyValue(const Scalar& written, CIMTYPE type) {
         return Scalar(std::uint64_t{static_cast<std::uint16_t>(text->front())});
     }
     return OfType(written, type);
+}
+
+/// How the canonical paths of a class begin, with room for the keys that most have.
+std::wstring Beginning(const ClassEntry& entry) {
+    constexpr std::size_t kOfKeys = 48;
+    std::wstring canonical;
+    canonical.reserve(1 + entry.family.size() + kOfKeys);
+    canonical += L'=';
+    canonical += entry.family;
+    return canonical;
 }
 
 /// A path as far as it can be brought to one form without knowing its class.
@@ -77,7 +90,7 @@ std::optional<std::wstring> Repository::State::CanonicalPath(const ObjectPath& p
     if (path.keys.empty() || path.keys.size() != entry.keys.size()) {
         return std::nullopt;
     }
-    std::wstring canonical = L'=' + entry.family;
+    std::wstring canonical = Beginning(entry);
     for (const std::size_t index : entry.keys) {
         const Property& property = entry.definition->properties[index];
         const auto key =
@@ -104,7 +117,7 @@ std::optional<std::wstring> Repository::State::CanonicalPath(const Instance& ins
         reason = L"class " + Quoted(entry.definition->name) + L" has no key and is no singleton";
         return std::nullopt;
     }
-    std::wstring canonical = L'=' + entry.family;
+    std::wstring canonical = Beginning(entry);
     for (const std::size_t index : entry.keys) {
         const Property& property = entry.definition->properties[index];
         const Scalar* value = instance.values[index].AsScalar();

@@ -64,6 +64,9 @@ HRESULT Repository::State::CheckValues(Instance& instance, std::wstring& reason)
     for (std::size_t i = 0; i < instance.values.size(); ++i) {
         const Property& property = instance.definition->properties[i];
         Value& value = instance.values[i];
+        if (value.IsNull()) {
+            continue;
+        }
         if (!Fits(value, property.type)) {
             reason = L"the value of property " + Quoted(property.name) + L" does not fit " +
                      CimTypeName(property.type) + ((property.type & CIM_FLAG_ARRAY) != 0 ? L"[]" : L"");
@@ -74,10 +77,13 @@ HRESULT Repository::State::CheckValues(Instance& instance, std::wstring& reason)
                      std::to_wstring(property.arrayLimit) + L" elements";
             return Code(WBEM_E_TYPE_MISMATCH);
         }
-        value = Normalised(std::move(value), property.type);
-        const Scalar* scalar = property.type == CIM_REFERENCE ? value.AsScalar() : nullptr;
+        const auto* scalar = value.AsScalar();
+        const auto* text = scalar != nullptr ? std::get_if<std::wstring>(scalar) : nullptr;
+        if (text == nullptr) {
+            value = Normalised(std::move(value), property.type);
+        }
         std::wstring error;
-        if (scalar != nullptr && !ObjectPath::Parse(std::get<std::wstring>(*scalar), &error)) {
+        if (text != nullptr && property.type == CIM_REFERENCE && !ObjectPath::Parse(*text, &error)) {
             reason = L"the value of property " + Quoted(property.name) + L" is no object path: " + error;
             return Code(WBEM_E_INVALID_OBJECT);
         }
@@ -223,7 +229,8 @@ const Stored* Repository::State::Find(const ObjectPath& path) const {
     }
     const std::optional<std::wstring> canonical = CanonicalPath(path, *entry, nullptr, 0);
     const auto found = canonical ? instances.find(*canonical) : instances.end();
-    return found != instances.end() && found->second.entry->definition->IsA(entry->definition->name)
+    return found != instances.end() && (found->second.entry == entry ||
+                                        found->second.entry->definition->IsA(entry->definition->name))
                ? &found->second
                : nullptr;
 }

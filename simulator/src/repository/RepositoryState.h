@@ -69,7 +69,8 @@ struct Repository::State {
     State(const State& prototype);
 
     mutable ReadMostlyMutex mutex;
-    const std::wstring serverName;
+    /// In no path that is kept: see Rename().
+    std::wstring serverName;
     const std::wstring namespaceName;
     std::atomic<std::uint64_t> generation{0};
 

@@ -42,7 +42,12 @@ TEST(Machines, TheNameIsThatOfThisComputerUnlessGiven) {
         "instance of QuilletSimulator_Machine { Name = \"lab\"; ServerName = \"LAB7\"; };";
     EXPECT_EQ(Machine::FromText(named, "lab.mof")->Store().ServerName(), L"LAB7");
     EXPECT_EQ(Machine::FromText(named, "lab.mof", OnTestHost())->Store().ServerName(), L"TESTHOST");
-    EXPECT_EQ(Machine::FromText(named, "lab.mof")->Store().AllInstances().size(), 1u);
+    const auto lab = Machine::FromText(named, "lab.mof");
+    const std::wstring rest = LR"(\ROOT\MarloLUM2:QuilletSimulator_Machine.Name="lab")";
+    ASSERT_EQ(lab->Store().AllInstances().size(), 1u);
+    EXPECT_EQ(lab->Store().FullPath(*lab->Store().AllInstances()[0]), L"\\\\LAB7" + rest);
+    EXPECT_NE(lab->Store().FindInstance(L"\\\\LAB7" + rest), nullptr);
+    EXPECT_EQ(lab->Store().FindInstance(L"\\\\" + Machine::Empty()->Store().ServerName() + rest), nullptr);
 }
 
 TEST(Machines, OfManyNamesEachKeepsItsOwn) {

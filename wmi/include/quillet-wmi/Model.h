@@ -122,6 +122,8 @@ class Qualifiers {
     void Set(Qualifier qualifier);
     /// Takes a qualifier away; false when there is none of that name.
     bool Remove(std::wstring_view name);
+    /// Those that a subclass takes over, marked as such.
+    Qualifiers Inherited() const;
     /// All of them.
     const std::vector<Qualifier>& All() const noexcept { return m_all; }
 
