@@ -10,7 +10,7 @@ namespace quillet::wmi {
 
 namespace {
 
-constexpr bool IsDigit(char c) noexcept {
+constexpr bool IsDigitByte(char c) noexcept {
     return c >= '0' && c <= '9';
 }
 
@@ -72,7 +72,7 @@ std::size_t AsciiRun(std::string_view text, std::size_t position) noexcept {
 }
 
 std::optional<unsigned> HexDigit(char c) noexcept {
-    if (IsDigit(c)) {
+    if (IsDigitByte(c)) {
         return static_cast<unsigned>(c - '0');
     }
     if (c >= 'a' && c <= 'f') {
@@ -171,7 +171,7 @@ void MofLexer::Next(MofToken& token) {
     const char c = Peek();
     const bool sign = c == '+' || c == '-';
     const char digit = sign ? Peek(1) : c;
-    if (IsDigit(digit) || (digit == '.' && IsDigit(Peek(sign ? 2 : 1)))) {
+    if (IsDigitByte(digit) || (digit == '.' && IsDigitByte(Peek(sign ? 2 : 1)))) {
         Number(token);
     } else if (Is(c, kWord)) {
         token.kind = MofToken::Kind::Identifier;
@@ -228,7 +228,7 @@ void MofLexer::Number(MofToken& token) {
     }
     token.kind = MofToken::Kind::Real;
     const bool plain = std::all_of(magnitude.begin(), magnitude.end(), [](char c) {
-        return IsDigit(c) || c == '.' || c == 'e' || c == 'E' || c == '+' || c == '-';
+        return IsDigitByte(c) || c == '.' || c == 'e' || c == 'E' || c == '+' || c == '-';
     });
     const std::optional<double> real = plain ? ParseReal(Wide(magnitude)) : std::nullopt;
     if (!real) {
