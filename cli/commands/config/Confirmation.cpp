@@ -23,7 +23,6 @@ struct Reply {
 } // namespace
 
 bool IsConfirmed(Invocation& run, std::chrono::seconds patience) {
-    using Clock = std::chrono::steady_clock;
     constexpr std::chrono::milliseconds kLook{100}; // at requests to end
     run.Out().flush();
     run.Screen().err << "quilletctl: keep these changes? They are taken back in " << patience.count()
@@ -39,9 +38,9 @@ bool IsConfirmed(Invocation& run, std::chrono::seconds patience) {
         answer->line = line;
         answer->given.notify_one();
     }).detach();
-    const Clock::time_point end = Clock::now() + patience;
+    const std::chrono::steady_clock::time_point end = std::chrono::steady_clock::now() + patience;
     std::unique_lock lock(answer->mutex);
-    while (!answer->line && Clock::now() < end && !run.IsInterrupted()) {
+    while (!answer->line && std::chrono::steady_clock::now() < end && !run.IsInterrupted()) {
         answer->given.wait_for(lock, kLook);
     }
     const std::string line = answer->line.value_or("");

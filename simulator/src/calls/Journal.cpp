@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <deque>
 #include <iterator>
 #include <mutex>
 
@@ -130,7 +131,7 @@ struct alignas(64) Journal::Part {
         JournalEntry entry;
     };
     std::mutex mutex;
-    std::vector<Numbered> calls;
+    std::deque<Numbered> calls; // grows without moving what is there
 };
 
 /// Threads write into parts of their own, and share no more than the number that puts their calls into one

@@ -79,14 +79,14 @@ TEST_F(ProviderMethodTest, Put_SeveralParameters_ArriveInTheirOrderWithTheirType
     constexpr ProviderName kService{L"L_CLASS_VLANSERVICE", L"Zorel_802dot1QVLANService"};
     constexpr ProviderName kCreate{L"L_METHOD_CREATEVLAN", L"CreateVLAN"};
     constexpr ProviderName kNumber{L"L_PARAM_VLANNUMBER", L"VLANNumber"};
-    constexpr ProviderName kName{L"L_PARAM_NAME", L"Name"};
+    constexpr ProviderName kNameParameter{L"L_PARAM_NAME", L"Name"};
     for (const bool nameFirst : {false, true}) {
         const ProviderSession session(quillet);
         ProviderMethod method(session, kService, kCreate);
         if (nameFirst) {
-            method.Put(kName, VariantOfText(L"Guests")).Put(kNumber, VariantOfLong(12));
+            method.Put(kNameParameter, VariantOfText(L"Guests")).Put(kNumber, VariantOfLong(12));
         } else {
-            method.Put(kNumber, VariantOfLong(12)).Put(kName, VariantOfText(L"Guests"));
+            method.Put(kNumber, VariantOfLong(12)).Put(kNameParameter, VariantOfText(L"Guests"));
         }
         EXPECT_EQ(Code(method.Result()), "0x00000000");
         // There is no such service; the call counts, not its answer.

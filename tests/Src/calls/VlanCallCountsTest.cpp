@@ -117,17 +117,17 @@ const Operation kVlanCallCountsOperations[] = {
      [](unsigned) { return kAddition; }},
     {"ModifyVLANProperty", OneMoreVlan,
      [](CQuillet& q, unsigned) { return q.ModifyVLANProperty(TeamVlanId(1, 1), NewVlan()); },
-     // Name and number go back together.
+     // VlanCaseName and number go back together.
      [](unsigned) { return kObject + kCommit; }},
     {"RemoveVLAN", OneMoreVlan, [](CQuillet& q, unsigned) { return q.RemoveVLAN(TeamVlanId(1, 1)); },
      [](unsigned) { return Count{.deletions = 1}; }},
 };
 
-std::string Name(const testing::TestParamInfo<Operation>& info) {
+std::string VlanCaseName(const testing::TestParamInfo<Operation>& info) {
     return info.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Vlans, CallCountsTest, testing::ValuesIn(kVlanCallCountsOperations), Name);
+INSTANTIATE_TEST_SUITE_P(Vlans, CallCountsTest, testing::ValuesIn(kVlanCallCountsOperations), VlanCaseName);
 
 } // namespace
 

@@ -9,7 +9,7 @@ namespace {
 
 using namespace quillet::tests;
 
-constexpr const char* kBuiltin = QUILLET_SOURCE_DIR "/simulator/machines/builtin.mof";
+constexpr const char* kStateBuiltin = QUILLET_SOURCE_DIR "/simulator/machines/builtin.mof";
 constexpr const char* kTeam = "TEAM : Zürich";
 
 class StateTest : public CommandLine {
@@ -53,7 +53,7 @@ TEST_F(StateTest, ACommandThatOnlyReadsMakesNoFile) {
 
 TEST_F(StateTest, ACommandThatOnlyReadsLeavesTheFileAsItIs) {
     const std::filesystem::path file = InFolder("lab.mof");
-    const std::string byHand = "  // mine\n" + ReadFile(kBuiltin);
+    const std::string byHand = "  // mine\n" + ReadFile(kStateBuiltin);
     WriteFile(file, byHand);
     const auto before = std::filesystem::last_write_time(file) - std::chrono::hours(1);
     std::filesystem::last_write_time(file, before);
@@ -94,7 +94,7 @@ TEST_F(StateTest, ACommandThatOnlyReadsLeavesTheFileAsItIs) {
 
 TEST_F(StateTest, AChangeThatFindsNothingToChangeLeavesTheFileAsItIs) {
     const std::filesystem::path file = InFolder("lab.mof");
-    const std::string byHand = ReadFile(kBuiltin);
+    const std::string byHand = ReadFile(kStateBuiltin);
     WriteFile(file, byHand);
     EXPECT_EQ(RunCommandLine({"--state", Utf8(file), "vlan", "add", kTeam, "5000", "Labor"}).status, 3);
     EXPECT_EQ(ReadFile(file), byHand);
@@ -125,7 +125,7 @@ TEST_F(StateTest, WhatIsChangedInTheFileIsSeenAndKept) {
 TEST_F(StateTest, KeepsTheCommentsAtItsHead) {
     const std::filesystem::path file = InFolder("lab.mof");
     const std::string head = "// The lab of Zürich.\r\n/* Do not\n   touch. */\n\n";
-    const std::string machine = ReadFile(kBuiltin);
+    const std::string machine = ReadFile(kStateBuiltin);
     WriteFile(file, "\xEF\xBB\xBF" + head + machine.substr(machine.find("instance of")));
     for (const char* id : {"100", "101"}) {
         const Outcome outcome =
