@@ -182,9 +182,9 @@ void Table::RemoveCommonBeginnings(std::size_t width) {
         }
         const std::size_t common = CommonBeginning(cells);
         // Fewer would not be worth the mark.
-        constexpr std::size_t kNarrowest = 4;
+        constexpr std::size_t kLeastCommon = 4;
         for (auto& row : m_rows) {
-            if (common >= kNarrowest) {
+            if (common >= kLeastCommon) {
                 row[i].lines.front().replace(0, common, "…");
             }
         }

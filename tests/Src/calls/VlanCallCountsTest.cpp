@@ -117,7 +117,7 @@ const Operation kVlanCallCountsOperations[] = {
      [](unsigned) { return kAddition; }},
     {"ModifyVLANProperty", OneMoreVlan,
      [](CQuillet& q, unsigned) { return q.ModifyVLANProperty(TeamVlanId(1, 1), NewVlan()); },
-     // VlanCaseName and number go back together.
+     // Name and number go back together.
      [](unsigned) { return kObject + kCommit; }},
     {"RemoveVLAN", OneMoreVlan, [](CQuillet& q, unsigned) { return q.RemoveVLAN(TeamVlanId(1, 1)); },
      [](unsigned) { return Count{.deletions = 1}; }},
