@@ -16,23 +16,23 @@ using simulator::Machine;
 using simulator::MachineOptions;
 
 std::shared_ptr<Machine> Compiled(const std::filesystem::path& file,
-                                  MachineOptions options) asm("__real_" QUILLET_MACHINE_FROM_FILE);
+                                  const MachineOptions& options) asm("__real_" QUILLET_MACHINE_FROM_FILE);
 std::shared_ptr<Machine> CompiledOnce(const std::filesystem::path& file,
-                                      MachineOptions options) asm("__wrap_" QUILLET_MACHINE_FROM_FILE);
+                                      const MachineOptions& options) asm("__wrap_" QUILLET_MACHINE_FROM_FILE);
 
 /// A copy of what the same file made when it had the same contents. Only for machines without options.
-std::shared_ptr<Machine> CompiledOnce(const std::filesystem::path& file, MachineOptions options) {
+std::shared_ptr<Machine> CompiledOnce(const std::filesystem::path& file, const MachineOptions& options) {
     static std::map<std::pair<std::filesystem::path, std::string>, std::shared_ptr<Machine>> fresh;
     std::ifstream stream(file, std::ios::binary);
     std::ostringstream text;
     if (!(text << stream.rdbuf())) {
-        return Compiled(file, std::move(options)); // which says what is wrong with it
+        return Compiled(file, options); // which says what is wrong with it
     }
     const auto key = std::make_pair(file, text.str());
     auto found = fresh.find(key);
     if (found == fresh.end()) {
         constexpr std::size_t kKept = 8;
-        std::shared_ptr<Machine> machine = Compiled(file, std::move(options));
+        std::shared_ptr<Machine> machine = Compiled(file, options);
         if (fresh.size() == kKept) {
             fresh.clear();
         }
