@@ -24,7 +24,7 @@ constexpr const char* kMachine = R"(
     instance of Zorel_PowerConfiguration {
         DeviceID = "{B}"; SavePowerNowEnabled = 0; SmartPowerDown = 0; WakeOnMagicPacket = 0; };)";
 
-std::wstring Path(const wchar_t* id) {
+std::wstring PowerPath(const wchar_t* id) {
     return LR"(\\TESTHOST\ROOT\MarloLUM2:Zorel_PhysicalEthernetAdapter.DeviceID=")" + std::wstring(id) +
            L"\"";
 }
@@ -60,9 +60,9 @@ class PowerTest : public ProviderTest {
             .FindInstance(L"Zorel_PowerConfiguration.DeviceID=\"" + std::wstring(id) + L"\"")
             ->Number(option, -1);
     }
-    const std::wstring kA = Path(L"{A}");
-    const std::wstring kB = Path(L"{B}");
-    const std::wstring kC = Path(L"{C}");
+    const std::wstring kA = PowerPath(L"{A}");
+    const std::wstring kB = PowerPath(L"{B}");
+    const std::wstring kC = PowerPath(L"{C}");
     CAdapterPowerUsageInfo power;
     CAdapterWakeOnLanInfo wake;
 };
