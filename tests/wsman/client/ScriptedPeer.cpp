@@ -171,8 +171,8 @@ wsman::RemoteOptions OptionsFor(int port) {
     options.authentication = wsman::Authentication::Basic;
     options.user = "admin";
     options.password = wsman::Password("secret");
-    options.connectTimeout = std::chrono::milliseconds(2000);
-    options.timeout = std::chrono::milliseconds(2000);
+    options.connectTimeout = std::chrono::milliseconds(30000);
+    options.timeout = std::chrono::milliseconds(30000);
     return options;
 }
 
