@@ -5,6 +5,8 @@
 #include <atomic>
 #include <chrono>
 #include <latch>
+#include <pthread.h>
+#include <sched.h>
 #include <thread>
 #include <vector>
 
@@ -60,6 +62,15 @@ const Work kWorks[] = {
      }},
 };
 
+/// Keeps the calling thread on a core of its own: where the scheduler puts two new threads on one core and
+/// parts them some milliseconds later, that is not what is measured here.
+void StayOnCore(unsigned index) {
+    cpu_set_t cores;
+    CPU_ZERO(&cores);
+    CPU_SET(index % std::thread::hardware_concurrency(), &cores);
+    pthread_setaffinity_np(pthread_self(), sizeof(cores), &cores); // no more than a help
+}
+
 /// Each thread does all the work: twice the threads, twice the work. What is timed begins with the first
 /// thread and ends with the last.
 void Threads(benchmark::State& state, const Work& work, unsigned count) {
@@ -82,7 +93,8 @@ void Threads(benchmark::State& state, const Work& work, unsigned count) {
         for (unsigned index = 0; index < count; ++index) {
             // Each has an adapter of its own, as the threads of a client that watches several do.
             threads.emplace_back(
-                [&, adapter = AdapterId(index + 1), &lab = *labs[index], &span = spans[index]] {
+                [&, index, adapter = AdapterId(index + 1), &lab = *labs[index], &span = spans[index]] {
+                    StayOnCore(index);
                     const Apartment apartment;
                     ready.arrive_and_wait();
                     int failed = 0;

@@ -1,5 +1,6 @@
 """A machine over the network: another process serves a simulated one."""
 
+import json
 import os
 import pathlib
 import re
@@ -124,15 +125,18 @@ def test_options_that_are_not_safe() -> None:
     assert str(caught.value) == "int is needed, not list"
 
 
-@pytest.mark.parametrize("arguments", ["", "network"], ids=["simulated", "over TLS"])
-def test_the_program_of_the_guide(arguments: str, served: tuple[int, pathlib.Path]) -> None:
+@pytest.mark.parametrize("arguments", [[], ["server.json"]], ids=["simulated", "over TLS"])
+def test_the_program_of_the_guide(arguments: list[str], served: tuple[int, pathlib.Path]) -> None:
     """It does the same on a simulated machine and on one over the network."""
     port, authorities = served
     guide = pathlib.Path(__file__).parents[2] / "docs" / "python.md"
-    (program,) = re.findall(r"```python\n(import sys\n.*?)```", guide.read_text(encoding="utf-8"), re.DOTALL)
+    (program,) = re.findall(r"```python\n(import json\n.*?)```", guide.read_text(encoding="utf-8"), re.DOTALL)
+    (authorities.parent / "server.json").write_text(json.dumps({
+        "machine": "localhost", "port": port, "user": "tester", "password": PASSWORD, "authentication": "basic",
+        "authorities": str(authorities)}), encoding="utf-8")
     done = subprocess.run(
-        [sys.executable, "-c", program, *([f"localhost:{port}"] if arguments else [])], cwd=authorities.parent,
-        capture_output=True, text=True, check=False, env={**os.environ, "PYTHONPATH": str(pathlib.Path(quillet.__file__).parents[1])})
+        [sys.executable, "-c", program, *arguments], cwd=authorities.parent, capture_output=True, text=True, check=False,
+        env={**os.environ, "PYTHONPATH": str(pathlib.Path(quillet.__file__).parents[1])})
     assert (done.returncode, done.stderr) == (0, "")
     begin, end = re.findall(r"^# ([^…].*)", program, re.MULTILINE)
     printed = done.stdout.splitlines()

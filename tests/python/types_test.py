@@ -16,7 +16,7 @@ GUIDE = pathlib.Path(__file__).parents[2] / "docs" / "python.md"
 
 
 def program_of_the_guide() -> str:
-    (program,) = re.findall(r"```python\n(import sys\n.*?)```", GUIDE.read_text(encoding="utf-8"), re.DOTALL)
+    (program,) = re.findall(r"```python\n(import json\n.*?)```", GUIDE.read_text(encoding="utf-8"), re.DOTALL)
     return str(program)
 
 
