@@ -69,34 +69,56 @@ CommandTree::CommandTree() : m_app(std::make_unique<CLI::App>("", "quilletctl"))
 
 CommandTree::~CommandTree() = default;
 
-CLI::App& CommandTree::Subcommand(CLI::App& parent, const std::string& name) {
-    m_names.insert(name);
-    return *parent.add_subcommand(name);
-}
-
 CLI::App& CommandTree::AddNounApp(const std::string& name, const std::string& description, Group group) {
-    CLI::App& app = Subcommand(*m_app, name);
+    m_names.insert(name);
+    CLI::App& app = *m_app->add_subcommand(name);
     app.require_subcommand(0, 1);
     m_description.nouns.push_back({name, description, GroupName(group)});
     return app;
 }
 
-void CommandTree::Attach(CLI::App& app, const std::string& name, const std::string& description,
+void CommandTree::Attach(CLI::App& noun, const std::string& verb, const std::string& description,
                          std::unique_ptr<Command> command) {
     CommandDescription described;
-    described.name = name;
+    described.name = noun.get_name();
+    if (!verb.empty()) {
+        m_names.insert(verb);
+        described.name += ' ' + verb;
+    }
     described.description = description;
-    Syntax syntax(app, described);
-    command->Declare(syntax);
-    // Once it has all the words that it needs, the parser hands "--" to the noun, and takes what follows for
-    // options. A word that is never needed keeps it here.
-    app.add_option("further words", m_further);
     m_description.commands.push_back(std::move(described));
-    m_leaves.push_back({&app, std::move(command)});
+    m_leaves.push_back({&noun, verb, std::move(command)});
+}
+
+void CommandTree::Declare(const std::string& noun) {
+    for (std::size_t i = 0; i < m_leaves.size(); ++i) {
+        Leaf& leaf = m_leaves[i];
+        if (leaf.isDeclared || leaf.noun->get_name() != noun) {
+            continue;
+        }
+        leaf.isDeclared = true;
+        CLI::App& app = leaf.verb.empty() ? *leaf.noun : *leaf.noun->add_subcommand(leaf.verb);
+        Syntax syntax(app, m_description.commands[i]);
+        leaf.command->Declare(syntax);
+        // Once it has all the words that it needs, the parser hands "--" to the noun, and takes what follows
+        // for options. A word that is never needed keeps it here.
+        app.add_option("further words", m_further);
+    }
+}
+
+void CommandTree::DeclareAll() {
+    for (const NounDescription& noun : m_description.nouns) {
+        Declare(noun.name);
+    }
+}
+
+const TreeDescription& CommandTree::Description() {
+    DeclareAll();
+    return m_description;
 }
 
 CommandTree::Noun CommandTree::AddNoun(const std::string& name, const std::string& description, Group group) {
-    return {*this, AddNounApp(name, description, group), name};
+    return {*this, AddNounApp(name, description, group)};
 }
 
 void CommandTree::AddCommand(const std::string& name, const std::string& description, Group group,
@@ -107,7 +129,7 @@ void CommandTree::AddCommand(const std::string& name, const std::string& descrip
 void CommandTree::AddCommand(const std::string& name, const std::string& description, Group group,
                              std::unique_ptr<Command> command) {
     command->MarkAsQuery();
-    Attach(AddNounApp(name, description, group), name, description, std::move(command));
+    Attach(AddNounApp(name, description, group), "", description, std::move(command));
 }
 
 CommandTree::Noun& CommandTree::Noun::Verb(const std::string& name, const std::string& description,
@@ -117,7 +139,7 @@ CommandTree::Noun& CommandTree::Noun::Verb(const std::string& name, const std::s
 
 CommandTree::Noun& CommandTree::Noun::Verb(const std::string& name, const std::string& description,
                                            std::unique_ptr<Command> command) {
-    m_tree.Attach(m_tree.Subcommand(m_app, name), m_name + ' ' + name, description, std::move(command));
+    m_tree.Attach(m_app, name, description, std::move(command));
     return *this;
 }
 
@@ -161,11 +183,16 @@ std::vector<std::string> CommandTree::WithSimulateApart(const std::vector<std::s
 
 Command& CommandTree::Parse(const std::vector<std::string>& arguments) {
     const std::vector<std::string> line = WithSimulateApart(arguments);
+    // A line uses one noun, and its name is a word of it: what others take would be a third of a short
+    // command's work.
+    for (const std::string& word : line) {
+        Declare(word);
+    }
     const ParsedLine parsed(*m_app, m_description, line);
     try {
         m_app->parse(std::vector<std::string>(line.rbegin(), line.rend()));
     } catch (const CLI::CallForHelp&) {
-        throw TextRequest{HelpText(m_description, parsed.Chosen()).value_or("")};
+        throw TextRequest{HelpText(Description(), parsed.Chosen()).value_or("")};
     } catch (const CLI::CallForVersion& version) {
         throw TextRequest{std::string(version.what()) + "\n"};
     } catch (const CLI::ExtrasError&) {

@@ -9,7 +9,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace CLI {
@@ -37,8 +36,7 @@ class CommandTree {
     /// The verbs of one noun.
     class Noun {
       public:
-        Noun(CommandTree& tree, CLI::App& app, std::string name)
-            : m_tree(tree), m_app(app), m_name(std::move(name)) {}
+        Noun(CommandTree& tree, CLI::App& app) noexcept : m_tree(tree), m_app(app) {}
         Noun& Verb(const std::string& name, const std::string& description, CommandFunction function);
         Noun& Verb(const std::string& name, const std::string& description, std::unique_ptr<Command> command);
         /// A verb that changes nothing on the machine.
@@ -49,7 +47,6 @@ class CommandTree {
       private:
         CommandTree& m_tree;
         CLI::App& m_app;
-        std::string m_name;
     };
     Noun AddNoun(const std::string& name, const std::string& description, Group group = Group::Management);
     /// A noun that needs no verb. It changes nothing on the machine.
@@ -62,13 +59,17 @@ class CommandTree {
     /// UsageError, or TextRequest.
     Command& Parse(const std::vector<std::string>& arguments);
     const GlobalOptions& Options() const noexcept { return m_options; }
-    const TreeDescription& Description() const noexcept { return m_description; }
+    /// Of everything, also of what no line has used.
+    const TreeDescription& Description();
 
   private:
-    CLI::App& Subcommand(CLI::App& parent, const std::string& name);
     CLI::App& AddNounApp(const std::string& name, const std::string& description, Group group);
-    void Attach(CLI::App& app, const std::string& name, const std::string& description,
+    /// @param verb empty: the noun needs none
+    void Attach(CLI::App& noun, const std::string& verb, const std::string& description,
                 std::unique_ptr<Command> command);
+    /// Has the commands of a noun tell the parser and the description what they take, once.
+    void Declare(const std::string& noun);
+    void DeclareAll();
     /// The line with each "--simulate" that has no file moved to its end, where it cannot take the name of a
     /// command for one; the option takes no "--" behind it either.
     std::vector<std::string> WithSimulateApart(const std::vector<std::string>& arguments) const;
@@ -82,8 +83,10 @@ class CommandTree {
     TreeDescription m_description;
     std::unique_ptr<CLI::App> m_app;
     struct Leaf {
-        CLI::App* app;
+        CLI::App* noun;
+        std::string verb;
         std::unique_ptr<Command> command;
+        bool isDeclared = false;
     };
     std::vector<Leaf> m_leaves;    ///< in the order of the descriptions of the commands
     std::set<std::string> m_names; ///< of all nouns and verbs

@@ -55,7 +55,7 @@ Json Described(const std::vector<Description>& descriptions) {
 
 class HelpCommand final : public Command {
   public:
-    explicit HelpCommand(const CommandTree& tree) noexcept : m_tree(tree) {}
+    explicit HelpCommand(CommandTree& tree) noexcept : m_tree(tree) {}
 
     void Declare(Syntax& syntax) override {
         syntax.Arguments("[noun [verb]]", m_words, 0, 2, "What to tell about (default: everything)");
@@ -112,7 +112,7 @@ class HelpCommand final : public Command {
                     {"commands", std::move(commands)}};
     }
 
-    const CommandTree& m_tree;
+    CommandTree& m_tree;
     std::vector<std::string> m_words;
 };
 

@@ -115,7 +115,7 @@ std::vector<Proposal> AskMachine(const CompletedLine& line) {
 
 } // namespace
 
-ExitStatus Complete(const CommandTree& tree, const std::vector<std::string>& arguments, Terminal& terminal) {
+ExitStatus Complete(CommandTree& tree, const std::vector<std::string>& arguments, Terminal& terminal) {
     const Question question = QuestionIn(arguments);
     if (question.milliseconds) {
         EndAfter(std::chrono::milliseconds(*question.milliseconds));

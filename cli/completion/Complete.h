@@ -18,7 +18,7 @@ namespace quilletctl {
 /// @param arguments "--within=MS" ends the process when that time is over; then "--line=LINE" with bash's
 /// line up to the cursor and "--breaks=COMP_WORDBREAKS", or "--current=WORD" at the cursor and the words
 /// before it
-ExitStatus Complete(const CommandTree& tree, const std::vector<std::string>& arguments, Terminal& terminal);
+ExitStatus Complete(CommandTree& tree, const std::vector<std::string>& arguments, Terminal& terminal);
 
 /// The script of a shell; empty where there is none.
 std::string CompletionScript(const std::string& shell);
