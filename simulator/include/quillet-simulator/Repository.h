@@ -21,6 +21,8 @@ class Repository : public MofTarget {
     /// A repository with the same names and content, which changes on its own from then on. Classes and
     /// instances are shared, so this costs a small part of compiling them again.
     Repository(const Repository& prototype);
+    /// Takes over what the other has, which then can only go.
+    Repository(Repository&& other) noexcept;
     ~Repository() override;
     Repository& operator=(const Repository&) = delete;
 

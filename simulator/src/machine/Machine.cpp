@@ -71,38 +71,49 @@ void CheckFault(const Instance& instance) {
 /// What a machine begins with.
 enum class Shipped { SchemaAlone, Empty, BuiltIn };
 
-/// A store with what is shipped. Reading that takes far longer than copying the result, so each is read once
-/// in a process.
-std::shared_ptr<const Repository> Prototype(const std::wstring& namespaceName, Shipped shipped) {
+Repository Read(const std::wstring& namespaceName, Shipped shipped) {
+    Repository store(std::wstring(), namespaceName);
+    ReadPacked(store, PackedSchema());
+    if (shipped != Shipped::SchemaAlone) {
+        ReadPacked(store, shipped == Shipped::Empty ? PackedEmptyMachine() : PackedBuiltInMachine());
+    }
+    return store;
+}
+
+/// A store with what is shipped. Reading that takes far longer than copying it, so whoever makes a second
+/// machine keeps a store to copy from. Most programs make one: they neither keep nor copy any.
+Repository MakeStore(const std::wstring& namespaceName, Shipped shipped) {
     constexpr std::size_t kKept = 8;
     static std::mutex lock;
-    static std::map<std::pair<std::wstring, Shipped>, std::shared_ptr<const Repository>> read;
+    // Null for what was made once.
+    static std::map<std::pair<std::wstring, Shipped>, std::shared_ptr<const Repository>> prototypes;
     const std::pair key(namespaceName, shipped);
+    std::shared_ptr<const Repository> prototype;
+    bool isFirst = false;
     {
         const std::lock_guard guard(lock);
-        if (const auto found = read.find(key); found != read.end()) {
-            return found->second;
+        if (prototypes.size() >= kKept && !prototypes.contains(key)) {
+            prototypes.clear();
         }
+        const auto [known, isNew] = prototypes.try_emplace(key);
+        prototype = known->second;
+        isFirst = isNew;
     }
-    std::shared_ptr<Repository> store;
-    if (shipped == Shipped::SchemaAlone) {
-        store = std::make_shared<Repository>(std::wstring(), namespaceName);
-        ReadPacked(*store, PackedSchema());
-    } else {
-        store = std::make_shared<Repository>(*Prototype(namespaceName, Shipped::SchemaAlone));
-        ReadPacked(*store, shipped == Shipped::Empty ? PackedEmptyMachine() : PackedBuiltInMachine());
+    if (isFirst) {
+        return Read(namespaceName, shipped);
     }
-    const std::lock_guard guard(lock);
-    if (read.size() >= kKept) {
-        read.clear();
+    if (!prototype) {
+        prototype = std::make_shared<const Repository>(Read(namespaceName, shipped));
+        const std::lock_guard guard(lock);
+        prototypes[key] = prototype;
     }
-    return read.emplace(key, std::move(store)).first->second;
+    return *prototype;
 }
 
 /// Builds the parts of a machine from one that is shipped, or from the schema alone and what `compile` adds.
 template <class Compile>
 auto Build(const MachineOptions& options, Shipped shipped, Compile compile) {
-    auto state = std::make_unique<Machine::State>(*Prototype(options.namespaceName, shipped), options.strict);
+    auto state = std::make_unique<Machine::State>(MakeStore(options.namespaceName, shipped), options.strict);
     compile(state->store);
     std::wstring name = options.serverName;
     if (const auto description = Description(state->store); description != nullptr && name.empty()) {
@@ -120,7 +131,7 @@ auto BuildShipped(const MachineOptions& options, Shipped shipped) {
 
 } // namespace
 
-Machine::State::State(const Repository& prototype, bool isStrict) : store(prototype), strict(isStrict) {
+Machine::State::State(Repository content, bool isStrict) : store(std::move(content)), strict(isStrict) {
     providers[L"Zorel_NetService"] = MakeNetServiceProvider();
     providers[L"Zorel_PhysicalEthernetAdapter"] = MakePhysicalAdapterProvider();
     providers[L"Zorel_802dot1QVLANService"] = MakeVlanServiceProvider();

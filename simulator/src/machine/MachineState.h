@@ -14,7 +14,7 @@ namespace quillet::simulator {
 // NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): what is read and what is written lie apart
 struct Machine::State {
     /// @param prototype what the store holds at first
-    State(const Repository& prototype, bool isStrict);
+    State(Repository content, bool isStrict);
     /// Takes over what the machine's own instances say about its behaviour and its faults.
     void Configure();
     /// The provider for a class: its own, or that of the nearest class above it.

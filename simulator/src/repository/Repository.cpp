@@ -19,6 +19,8 @@ using Unique = std::unique_lock<ReadMostlyMutex>;
 Repository::Repository(std::wstring serverName, std::wstring namespaceName)
     : m_state(std::make_unique<State>(std::move(serverName), std::move(namespaceName))) {}
 
+Repository::Repository(Repository&& other) noexcept : m_state(std::move(other.m_state)) {}
+
 Repository::~Repository() = default;
 
 const std::wstring& Repository::ServerName() const noexcept {
