@@ -13,7 +13,7 @@ namespace quillet::simulator {
 
 // NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): what is read and what is written lie apart
 struct Machine::State {
-    /// @param prototype what the store holds at first
+    /// @param content what the store holds at first
     State(Repository content, bool isStrict);
     /// Takes over what the machine's own instances say about its behaviour and its faults.
     void Configure();
