@@ -55,8 +55,21 @@ endforeach()
 
 # cpack comes with CMake, and is told its generator by the build tree.
 cmake_path(GET CMAKE_COMMAND PARENT_PATH programs)
-run(${programs}/cpack --config ${BUILD_DIR}/CPackConfig.cmake -B ${WORK_DIR}/package)
+set(pack ${programs}/cpack --config ${BUILD_DIR}/CPackConfig.cmake -B)
+set(ENV{SOURCE_DATE_EPOCH} 1000000000)
+run(${pack} ${WORK_DIR}/package)
 file(GLOB package ${WORK_DIR}/package/*.zip ${WORK_DIR}/package/*.tar.gz)
+# Somebody else, elsewhere, packs the same bytes.
+set(ENV{TZ} Asia/Tokyo)
+run(sh -c "umask 077 && exec \"$@\"" sh ${pack} ${WORK_DIR}/packed-elsewhere)
+unset(ENV{TZ})
+unset(ENV{SOURCE_DATE_EPOCH})
+file(GLOB elsewhere ${WORK_DIR}/packed-elsewhere/*.zip ${WORK_DIR}/packed-elsewhere/*.tar.gz)
+file(SHA256 "${package}" sum)
+file(SHA256 "${elsewhere}" sum_elsewhere)
+if(NOT sum STREQUAL sum_elsewhere)
+  message(FATAL_ERROR "${package} and ${elsewhere} differ")
+endif()
 file(ARCHIVE_EXTRACT INPUT ${package} DESTINATION ${WORK_DIR}/unpacked)
 file(GLOB prefix ${WORK_DIR}/unpacked/*) # it holds one folder, of its own name
 file(GLOB_RECURSE files RELATIVE ${installed} ${installed}/*)
